@@ -1,0 +1,28 @@
+#pragma once
+
+#include "platform/window.h"
+
+#include <QList>
+
+namespace platform {
+
+/// The application as the desktop sees it. Main thread.
+class ApplicationHost {
+public:
+    virtual ~ApplicationHost() = default;
+
+    /// Brings the application to the front.
+    virtual void activate() = 0;
+    /// Ends the application, once the event loop comes to it.
+    virtual void terminate() = 0;
+    /// Whether the Option key, or the host's counterpart of it, is held down now.
+    virtual bool isOptionKeyDown() const = 0;
+    virtual void beep() = 0;
+    /// Puts a question to the user that holds up the whole application; answers with the number of the
+    /// button.
+    virtual int runModal(const Alert &alert) = 0;
+    /// The document windows on screen, front to back; of a tab group the selected one.
+    virtual QList<Window *> windowsFrontToBack() const = 0;
+};
+
+} // namespace platform

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QString>
+#include <QVariantMap>
+
+#include <functional>
+
+namespace platform {
+
+/// Messages that applications post to each other by a name.
+class DistributedNotifications {
+public:
+    virtual ~DistributedNotifications() = default;
+
+    /// Calls the handler on the main thread for each notification of that name, whoever posts it. One handler
+    /// a name.
+    virtual void addObserver(const QString &name, std::function<void()> handler) = 0;
+    virtual void removeAllObservers() = 0;
+};
+
+struct UserNotification {
+    QString title;
+    QString informativeText;
+    QVariantMap userInfo;
+};
+
+/// Short messages on the user's desktop.
+class UserNotificationCenter {
+public:
+    using Presenter = std::function<bool(const UserNotification &)>;
+
+    virtual ~UserNotificationCenter() = default;
+
+    /// The question that is put, on the main thread, before a message is shown while the application is
+    /// active.
+    virtual void setShouldPresent(Presenter shouldPresent) = 0;
+
+    /// Shows the message. Any thread.
+    virtual void deliver(const UserNotification &notification) = 0;
+};
+
+} // namespace platform

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QString>
+#include <QVariant>
+
+namespace platform {
+
+/// The user's settings: one flat table of keys that lasts from one launch to the next. Any thread.
+///
+/// A value may have been typed by a person into the file, so each reader takes what it can from a text: a
+/// number that is none reads as 0, and "YES", "true" and "1" read as on.
+class Preferences {
+public:
+    virtual ~Preferences() = default;
+
+    /// Values for keys that nobody has set. They are not stored. Replaces those of an earlier call.
+    void registerDefaults(const QVariantMap &defaults);
+
+    /// The stored value, else the registered one, else invalid.
+    QVariant value(const QString &key) const;
+
+    bool boolean(const QString &key) const;
+    qint64 integer(const QString &key) const;
+    double number(const QString &key) const;
+    /// Null when the key has no value.
+    QString string(const QString &key) const;
+
+    virtual void setValue(const QString &key, const QVariant &value) = 0;
+    virtual void remove(const QString &key) = 0;
+
+protected:
+    virtual QVariant storedValue(const QString &key) const = 0;
+
+private:
+    QVariantMap m_defaults; // written once at launch, before any other thread reads
+};
+
+} // namespace platform
