@@ -1,0 +1,2 @@
+-- A script in its text form, which osascript runs as it runs a compiled one.
+display dialog "Good morning." buttons {"OK"} default button 1
