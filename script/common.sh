@@ -1,0 +1,95 @@
+# Shared by the scripts beside it, which source it. It leaves them in the root of the repository.
+# shellcheck shell=bash disable=SC2034
+set -euo pipefail
+unset CDPATH
+calledFrom=$PWD
+cd -P "$(dirname "${BASH_SOURCE[0]}")/.."
+root=$PWD
+
+# Debian's packages; docs/dependencies.md tells what each is for.
+buildPackages=(g++ cmake ninja-build qt6-base-dev libarchive-dev libssl-dev libgtest-dev libgmock-dev
+    clang lld llvm)
+runPackages=(file dbus-daemon ca-certificates)
+testPackages=(zip unzip)
+formatPackages=(clang-format)
+lintPackages=(clang-tidy)
+
+# A system without a locale would have Qt warn, and file names lose their letters.
+[[ "${LC_ALL:-${LC_CTYPE:-${LANG-}}}" == *[Uu][Tt][Ff]* ]] || export LC_ALL=C.UTF-8
+
+fail() { # MESSAGE
+    printf '%s: %s\n' "script/${0##*/}" "$1" >&2
+    exit 1
+}
+
+# Tells what goes on without disturbing what a script prints as its result.
+say() { # MESSAGE
+    printf '%s\n' "$1" >&2
+}
+
+# Runs a command whose output matters only when it fails.
+quietly() { # COMMAND [ARGUMENT ...]
+    local output status=0
+    output=$(mktemp)
+    "$@" >"$output" 2>&1 </dev/null || status=$?
+    [[ $status == 0 ]] || cat "$output" >&2
+    rm -f "$output"
+    return "$status"
+}
+
+asRoot() { # COMMAND [ARGUMENT ...]
+    if [[ $EUID == 0 ]]; then
+        "$@"
+    else
+        sudo "$@"
+    fi
+}
+
+missingPackages() { # PACKAGE ...
+    local package
+    for package in "$@"; do
+        [[ $(dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null) == installed ]] || printf '%s\n' "$package"
+    done
+}
+
+# Installs what is missing of the packages. Does nothing, and needs no network, where nothing is.
+installPackages() { # PACKAGE ...
+    command -v dpkg-query >/dev/null || return 0
+    local missing
+    mapfile -t missing < <(missingPackages "$@")
+    [[ ${#missing[@]} -gt 0 ]] || return 0
+    [[ $EUID == 0 ]] || command -v sudo >/dev/null || fail "these packages have to be installed first: ${missing[*]}"
+    say "Installing ${missing[*]}"
+    [[ $EUID == 0 ]] || sudo --validate
+    quietly asRoot apt-get --quiet update || say "Not every package list could be fetched"
+    quietly asRoot env DEBIAN_FRONTEND=noninteractive apt-get --quiet --yes --no-install-recommends install \
+        "${missing[@]}" || fail "the packages could not be installed"
+}
+
+# Configures a preset and builds it, or only the given targets of it.
+buildPreset() { # PRESET [TARGET ...]
+    local preset=$1
+    shift
+    installPackages "${buildPackages[@]}"
+    if [[ -z ${CMAKE_CXX_COMPILER_LAUNCHER-} ]] && command -v ccache >/dev/null; then
+        export CMAKE_CXX_COMPILER_LAUNCHER=ccache
+    fi
+    say "Building $preset"
+    quietly cmake --preset "$preset" || fail "the preset $preset could not be configured"
+    quietly cmake --build --preset "$preset" ${1+--target "$@"} || fail "the preset $preset could not be built"
+}
+
+# Builds what a person runs: no test programs.
+buildProgram() {
+    buildPreset release src/all toolchain/all samples/all
+}
+
+# Qt's platform without a display is offscreen; with one, it is whichever connects.
+choosePlatform() {
+    [[ -z ${QT_QPA_PLATFORM-} ]] || return 0
+    if [[ -n ${DISPLAY-}${WAYLAND_DISPLAY-} ]]; then
+        export QT_QPA_PLATFORM="xcb;wayland;offscreen"
+    else
+        export QT_QPA_PLATFORM=offscreen
+    fi
+}
