@@ -11,6 +11,7 @@ class MainQueue;
 class Preferences;
 class ProcessLauncher;
 class TimerService;
+class Updater;
 class UrlReader;
 class UserNotificationCenter;
 class WorkerQueue;
@@ -32,6 +33,7 @@ struct Host {
     DistributedNotifications &distributedNotifications;
     UserNotificationCenter &userNotifications;
     ApplicationHost &application;
+    Updater *updater = nullptr; ///< null on a host that has none
 };
 
 } // namespace platform

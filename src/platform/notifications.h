@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringView>
 #include <QVariantMap>
 
 #include <functional>
@@ -17,6 +18,9 @@ public:
     virtual void addObserver(const QString &name, std::function<void()> handler) = 0;
     virtual void removeAllObservers() = 0;
 };
+
+/// In a message's user info: whether it is shown while the application is active (a boolean).
+inline constexpr QStringView showWhenActiveKey = u"userInfoShowWhenActiveKey";
 
 struct UserNotification {
     QString title;

@@ -50,7 +50,7 @@ public:
 
     /// Closes as a person would: asks `shouldClose` first.
     virtual void performClose() = 0;
-    /// Closes without asking. `willClose` is called.
+    /// Closes without asking. `willClose` is called; a sheet that is still up goes without an answer.
     virtual void close() = 0;
 
     /// Attaches the question to the window and returns at once. The completion gets the number of the answer;

@@ -1,0 +1,95 @@
+#include "document/controls.h"
+
+void Control::setIsHidden(bool isHidden)
+{
+    if (std::exchange(m_isHidden, isHidden) != isHidden)
+        Q_EMIT changed();
+}
+
+void Control::setIsEnabled(bool isEnabled)
+{
+    if (std::exchange(m_isEnabled, isEnabled) != isEnabled)
+        Q_EMIT changed();
+}
+
+void TextField::setStringValue(const QString &value)
+{
+    if (std::exchange(m_stringValue, value) != value)
+        Q_EMIT changed();
+}
+
+void Checkbox::setState(int state)
+{
+    if (std::exchange(m_state, state) != state)
+        Q_EMIT changed();
+}
+
+void Popup::setItemTitles(const QStringList &titles)
+{
+    m_itemTitles = titles;
+    if (!titles.contains(m_title))
+        m_title = titles.value(0);
+    Q_EMIT changed();
+}
+
+void Popup::selectItemWithTitle(const QString &title)
+{
+    if (m_itemTitles.contains(title) && std::exchange(m_title, title) != title)
+        Q_EMIT changed();
+}
+
+void Button::setTitle(const QString &title)
+{
+    if (std::exchange(m_title, title) != title)
+        Q_EMIT changed();
+}
+
+void Button::setKeyEquivalent(const QString &key)
+{
+    if (std::exchange(m_keyEquivalent, key) != key)
+        Q_EMIT changed();
+}
+
+void Button::setToolTip(const QString &toolTip)
+{
+    if (std::exchange(m_toolTip, toolTip) != toolTip)
+        Q_EMIT changed();
+}
+
+void Button::setAction(Action action)
+{
+    if (std::exchange(m_action, action) != action)
+        Q_EMIT changed();
+}
+
+void ProgressIndicator::startAnimation()
+{
+    if (!std::exchange(m_isAnimating, true))
+        Q_EMIT changed();
+}
+
+void ProgressIndicator::stopAnimation()
+{
+    if (std::exchange(m_isAnimating, false))
+        Q_EMIT changed();
+}
+
+void LogText::append(const Run &run)
+{
+    m_runs.append(run);
+    Q_EMIT appended(run);
+}
+
+void LogText::clear()
+{
+    m_runs.clear();
+    Q_EMIT cleared();
+}
+
+QString LogText::string() const
+{
+    QString text;
+    for (const Run &run : m_runs)
+        text += run.text;
+    return text;
+}

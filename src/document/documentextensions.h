@@ -1,0 +1,43 @@
+#pragma once
+
+#include "notarization/archivesteps.h"
+#include "notarization/credentialcheck.h"
+#include "notarization/pollingsteps.h"
+#include "notarization/staplingsteps.h"
+#include "notarization/submitworkflow.h"
+#include "notarization/uploadstep.h"
+#include "scripting/MainWinController+Scripting.h"
+#include "signing/bundlescanner.h"
+#include "signing/entitlements.h"
+#include "signing/packagesteps.h"
+#include "signing/signingsteps.h"
+
+/// The workflows of one document, by what they are about. The document owns them; each refers back to it.
+struct DocumentExtensions {
+    explicit DocumentExtensions(MainWinController &document)
+        : scanner(document)
+        , entitlements(document)
+        , signing(document)
+        , packages(document)
+        , submit(document)
+        , credentials(document)
+        , archive(document)
+        , upload(document)
+        , polling(document)
+        , stapling(document)
+        , scripting(document)
+    {
+    }
+
+    BundleScanner scanner;
+    Entitlements entitlements;
+    SigningSteps signing;
+    PackageSteps packages;
+    SubmitWorkflow submit;
+    CredentialCheck credentials;
+    ArchiveSteps archive;
+    UploadStep upload;
+    PollingSteps polling;
+    StaplingSteps stapling;
+    MainWinControllerScripting scripting;
+};

@@ -1,0 +1,204 @@
+#include "document/mainwincontroller.h"
+
+#include "app/appdelegate.h"
+#include "app/preferencekeys.h"
+#include "document/documentextensions.h"
+#include "document/windowfactory.h"
+#include "platform/itempath.h"
+#include "platform/mainqueue.h"
+#include "platform/preferences.h"
+#include "platform/workerqueue.h"
+
+#include <QUuid>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr quint64 firstVersionForOwnRunner = 4;
+
+void deleteOnMainThread(platform::MainQueue &mainQueue, MainWinController *document)
+{
+    if (mainQueue.isMainThread())
+        delete document;
+    else
+        mainQueue.post([document] { delete document; });
+}
+
+/// Keeps a checkbox and the flag that it shows the same, whichever is changed.
+void bind(Checkbox &checkbox, ObservableProperty<bool> &flag)
+{
+    QObject::connect(&checkbox, &Control::changed, &flag, [&] { flag.set(checkbox.isOn()); });
+    QObject::connect(&flag, &Observable::changed, &checkbox, [&] { checkbox.setState(flag() ? 1 : 0); });
+}
+
+} // namespace
+
+std::shared_ptr<MainWinController> MainWinController::withLoadedWindow(AppDelegate &appDelegate)
+{
+    auto &mainQueue = appDelegate.host().mainQueue;
+    const std::shared_ptr<MainWinController> document(
+        new MainWinController(appDelegate),
+        [&mainQueue](MainWinController *last) { deleteOnMainThread(mainQueue, last); });
+    document->m_window = appDelegate.windowFactory().makeWindow(*document);
+    document->m_window->setDelegate({[weak = document.get()] { return weak->windowShouldClose(); },
+                                     [weak = document.get()] { weak->windowWillClose(); }});
+    document->windowDidLoad();
+    return document;
+}
+
+MainWinController::MainWinController(AppDelegate &appDelegate)
+    : uniqueID(QUuid::createUuid().toString(QUuid::WithoutBraces))
+    , m_appDelegate(appDelegate)
+    , m_steps(std::make_unique<DocumentExtensions>(*this))
+{
+    statusString.set(status::ready.toString());
+    bindControls();
+}
+
+MainWinController::~MainWinController() = default;
+
+const platform::Host &MainWinController::host() const
+{
+    return m_appDelegate.host();
+}
+
+void MainWinController::bindControls()
+{
+    bind(createDiskImageCheckbox, useDiskImage);
+    bind(useDropDMGCheckbox, useDropDMG);
+    const auto showConfigNames = [this] {
+        dropDMGConfigsPopup.setItemTitles(m_appDelegate.dropDMGConfigNames());
+    };
+    connect(&m_appDelegate.dropDMGConfigNames, &Observable::changed, this, showConfigNames);
+    showConfigNames();
+    steps().submit.setOrdinaryButtons();
+}
+
+void MainWinController::windowDidLoad()
+{
+    const auto &preferences = host().preferences;
+    const auto restoreText = [&preferences](const QString &key, TextField &field) {
+        if (const QString text = preferences.string(key); !text.isNull())
+            field.setStringValue(text);
+    };
+    restoreText(key::providerNameValue, providerNameField);
+    restoreText(key::appleIDValue, appleIDField);
+    restoreText(key::appPassValue, appPassField);
+    const QStringList identities = m_appDelegate.identities();
+    identitiesPopup.setItemTitles(identities);
+    if (identities.size() >= 2)
+        identitiesPopup.selectItemWithTitle(preferences.string(key::lastUsedIdentity));
+    useDiskImage.set(preferences.boolean(key::createDiskImage));
+    useDropDMG.set(preferences.boolean(key::useDropDMGForImages));
+    dropDMGConfigsPopup.selectItemWithTitle(preferences.string(key::dropDMGConfigName));
+    restoreCheckboxes();
+    extraEntitlementsButton.setState(0);
+    const bool hasOwnRunner = m_appDelegate.altoolVersionNumber() >= firstVersionForOwnRunner;
+    if (hasOwnRunner)
+        ownTaskRunner.set(m_appDelegate.newTaskMaster());
+    chooseProviderButton.setIsEnabled(hasOwnRunner);
+    altoolPath.set(m_appDelegate.altoolPath());
+}
+
+void MainWinController::restoreCheckboxes()
+{
+    const std::pair<QString, Checkbox &> defaults[] = {
+        {key::allowAppleEvents, eventsCheckbox},
+        {key::allowCalendars, calendarsCheckbox},
+        {key::allowAudio, audioCheckbox},
+        {key::allowCamera, cameraCheckbox},
+        {key::allowLocation, locationCheckbox},
+        {key::allowPhotos, photosCheckbox},
+        {key::allowAddressBook, addressBookCheckbox},
+        {key::allowFrameworks, disableLibCheckbox},
+        {key::allowJITCode, allowJITCheckbox},
+        {key::allowUnsignedExecMem, allowUnsignedExecMemCheckbox},
+        {key::allowDYLDEnvVariables, allowDYLDEnvCheckbox},
+        {key::disableMemProtection, disableMemProtectionCheckbox},
+        {key::isDebuggingTool, isDebugToolCheckbox},
+        {key::dontClearLogEachTime, dontClearCheckbox},
+        {key::dontSignEnclosures, dontSignEnclosuresCheckbox},
+    };
+    for (const auto &[preference, checkbox] : defaults)
+        checkbox.setState(host().preferences.boolean(preference) ? 1 : 0);
+}
+
+void MainWinController::perform(Action action)
+{
+    switch (action) {
+    case Action::doSubmit:
+        return steps().submit.doSubmit();
+    case Action::doDirectSubmit:
+        return steps().submit.doDirectSubmit();
+    case Action::doSubmitAgain:
+        return steps().submit.doSubmitAgain();
+    case Action::doCancelDirectSubmit:
+        return steps().submit.doCancelDirectSubmit();
+    case Action::doCancel:
+        return doCancel();
+    case Action::doClearStatus:
+        return doClearStatus();
+    case Action::none:
+    case Action::doStapleOnly:
+    case Action::doStapleAgain:
+    case Action::doSignOnly:
+    case Action::doSignAgain:
+    case Action::doFetchHistory:
+        return; // no window offers these yet
+    }
+}
+
+SLWTaskMasterPtr MainWinController::taskRunner() const
+{
+    const auto own = ownTaskRunner();
+    return own ? own : m_appDelegate.taskMaster();
+}
+
+SLWTaskMasterPtr MainWinController::uploadTaskRunner() const
+{
+    const auto own = ownTaskRunner();
+    return own ? own : m_appDelegate.uploadTaskMaster();
+}
+
+bool MainWinController::shouldEnableURL(const QUrl &url)
+{
+    const QString path = itempath::fromUrl(url);
+    return itempath::lowerExtension(path) != "txt"_L1
+        || itempath::lastComponent(path) == "RequestUUID.txt"_L1;
+}
+
+SLWTaskResponsePtr MainWinController::runTool(const QString &path, const QStringList &args)
+{
+    const auto runner = taskRunner();
+    const std::scoped_lock turn(
+        runner->monitor()); // until the data is ours, no other document's run may empty it
+    const auto response = runner->runTool(path, args, uniqueID);
+    response->keepData();
+    return response;
+}
+
+SLWTaskResponsePtr MainWinController::runAltool(const SLWTaskMasterPtr &runner, const QStringList &args)
+{
+    const std::scoped_lock turn(runner->monitor());
+    const auto response = runner->runAltoolAt(altoolPath(), args, uniqueID);
+    response->keepData();
+    return response;
+}
+
+SLWTaskResponsePtr MainWinController::logged(const SLWTaskResponsePtr &response)
+{
+    if (loggingToFile())
+        logToFile(response->fileLogString());
+    return response;
+}
+
+void MainWinController::dispatchToWorker(std::function<void()> job)
+{
+    host().workers.post([held = shared_from_this(), job = std::move(job)] { job(); });
+}
+
+void MainWinController::dispatchToMain(std::function<void()> block)
+{
+    host().mainQueue.post([held = shared_from_this(), block = std::move(block)] { block(); });
+}

@@ -1,0 +1,88 @@
+#include "document/mainwincontroller.h"
+
+#include "document/workingfoldernames.h"
+#include "platform/itempath.h"
+#include "scripting/scriptcommand.h"
+#include "scripting/scripterrors.h"
+
+using namespace Qt::StringLiterals;
+
+void MainWinController::changeStatus(QStringView newStatus)
+{
+    if (newStatus.isNull() || statusString() == newStatus)
+        return;
+    statusString.set(newStatus.toString());
+    dispatchToMain([this, word = newStatus.toString()] { window().setSubtitle(word); });
+}
+
+void MainWinController::dispatchFinalAlertOrMessage(const QString &title, const QString &text,
+                                                    const QString &logError)
+{
+    dispatchToMain([=, this] {
+        if (cancelPressed())
+            cancelPressed.set(false); // the person has had the report of the cancel
+        else
+            finalAlertOrMessage(title, text, logError);
+    });
+}
+
+void MainWinController::finalAlertOrMessage(const QString &title, const QString &text,
+                                            const QString &logError)
+{
+    logErrorMain(logError);
+    closeLog();
+    if (isScripted())
+        reportToScript(title, text, logError);
+    if (!suppressDialogs()) {
+        changeStatus(status::interacting);
+        beginSheet({title, text, {}}, [this](int) { changeStatus(status::ready); });
+    }
+    endWorkflow();
+}
+
+void MainWinController::reportToScript(const QString &title, const QString &text, const QString &logError)
+{
+    const ScriptFailure failure = scriptFailure(title, text, logError);
+    if (const auto command = currentCommand()) {
+        if (!failure.offendingText.isNull())
+            command->setScriptErrorOffendingObjectDescriptor(failure.offendingText);
+        command->setScriptErrorString(failure.text);
+        command->setScriptErrorNumber(failure.number);
+        command->resumeExecutionWithResult({});
+    }
+    changeStatus(status::ready);
+}
+
+void MainWinController::reportFailure(const QString &title, const QString &logError)
+{
+    dispatchFinalAlertOrMessage(title, seeTheLog.toString(), logError);
+}
+
+void MainWinController::reportFailureAndRename(const QString &title, const QString &logError)
+{
+    reportFailure(title, logError);
+    renameWorkingFolderWith(workingfolder::failed.toString());
+}
+
+void MainWinController::endWorkflow()
+{
+    progressIndicator.stopAnimation();
+    isBusy.set(false);
+    isSubmitting.set(false);
+    isPolling.set(false);
+    canCancel.set(false);
+    isScripted.set(false);
+    suppressDialogs.set(false);
+}
+
+QUrl MainWinController::scriptResult() const
+{
+    return useDiskImage() ? itempath::toUrl(submitFilePath()) : appletURL();
+}
+
+void MainWinController::resumeScript(const QVariant &result)
+{
+    const auto command = currentCommand();
+    if (isScripted() && command)
+        command->resumeExecutionWithResult(result);
+}

@@ -1,0 +1,103 @@
+#include "document/mainwincontroller.h"
+
+#include "app/appdelegate.h"
+#include "platform/applicationhost.h"
+#include "scripting/scriptcommand.h"
+#include "scripting/scripterrors.h"
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString processCancelled = u"Process Cancelled"_s;
+const QString cancelledWhilePolling =
+    u"The app has been uploaded, but notarizing has not been confirmed. Once you get a confirmation email on your Apple ID email account, you can staple the app using the Staple Only button."_s;
+const QString cancelledBeforePolling = u"Uploading of the app may not have been completed."_s;
+
+void invalidate(Property<std::shared_ptr<platform::Timer>> &timer)
+{
+    if (const auto armed = timer())
+        armed->invalidate();
+}
+
+} // namespace
+
+void MainWinController::doCancel()
+{
+    cancelPressed.set(true);
+    invalidate(staplingTimer);
+    staplingTimer.set(nullptr);
+    logBoldString(u"Process cancelled..."_s);
+    QString text;
+    if (isPolling()) {
+        taskRunner()->terminateTaskFor(uniqueID);
+        text = cancelledWhilePolling;
+    } else {
+        uploadTaskRunner()->terminateTaskFor(uniqueID);
+        text = cancelledBeforePolling;
+    }
+    finalAlertOrMessage(processCancelled, text, text);
+}
+
+void MainWinController::doClearStatus()
+{
+    statusTextView.clear();
+    if (const auto command = currentCommand())
+        command->resumeExecutionWithResult({});
+}
+
+bool MainWinController::windowShouldClose()
+{
+    QString warning;
+    if (isSubmitting())
+        warning = u"Closing now may abort the uploading of your app."_s;
+    else if (isPolling())
+        warning = u"The app is not yet approved and stapled."_s;
+    else if (isBusy())
+        warning = u"This window is busy."_s;
+    if (warning.isNull()) {
+        invalidate(staplingTimer);
+        return true;
+    }
+    changeStatus(status::interacting);
+    host().application.beep();
+    beginSheet({u"Continue Closing?"_s, warning, {u"Cancel"_s, u"Close"_s}}, [this](int answer) {
+        if (answer == platform::alertSecondButton) {
+            invalidate(staplingTimer);
+            window().close();
+        } else if (isSubmitting()) {
+            changeStatus(status::submitting);
+        } else if (isPolling()) {
+            changeStatus(status::waiting);
+        }
+    });
+    return false;
+}
+
+void MainWinController::windowWillClose()
+{
+    window().endEditing();
+    m_appDelegate.removeWindowController(*this);
+}
+
+bool MainWinController::finishEditing(const QString &blockedText)
+{
+    window().endEditing();
+    if (window().makeNothingFirstResponder())
+        return true;
+    host().application.beep();
+    const auto command = currentCommand();
+    if (isScripted() && command) {
+        command->setScriptErrorString(blockedText);
+        command->setScriptErrorNumber(scriptErrorGeneral);
+        command->resumeExecutionWithResult({});
+    }
+    return false;
+}
+
+void MainWinController::beginSheet(const platform::Alert &alert, std::function<void(int)> completion)
+{
+    window().beginSheet(alert, [held = shared_from_this(), completion = std::move(completion)](int answer) {
+        completion(answer);
+    });
+}

@@ -1,0 +1,38 @@
+#include "document/workingfoldernames.h"
+
+#include "platform/itempath.h"
+
+using namespace Qt::StringLiterals;
+
+namespace workingfolder {
+
+namespace {
+constexpr qsizetype ruleLength = 88;
+}
+
+QString name(const QString &base, QStringView suffix)
+{
+    return base + u" - "_s + suffix.toString();
+}
+
+QString unmodifiedOriginalName(const QString &base)
+{
+    return base + u" - Unmodified Original"_s;
+}
+
+QString unmodifiedOriginalPath(const QString &itemPath, QStringView suffix)
+{
+    const QString fileName = itempath::lastComponent(itemPath);
+    const QString base = itempath::withoutExtension(fileName);
+    return itempath::folder(itemPath) + u'/' + name(base, suffix) + u'/' + unmodifiedOriginalName(base) + u'/'
+        + fileName;
+}
+
+QString banner(const QString &copyPath)
+{
+    const QString rule(ruleLength, u'*');
+    return rule + u"\nBeginning processing of "_s + itempath::extension(copyPath) + u" at '"_s + copyPath
+        + u"'\n"_s + rule + u'\n';
+}
+
+} // namespace workingfolder

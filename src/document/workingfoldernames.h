@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QString>
+
+/// The names of what a run leaves on disk. `base` is the item's file name without its last extension.
+namespace workingfolder {
+
+inline constexpr QStringView working = u"Working";
+inline constexpr QStringView failed = u"Failed";
+inline constexpr QStringView submitted = u"Submitted";
+inline constexpr QStringView notarized = u"Notarized";
+
+/// "Foo - Working", "Foo - Notarized" and so on.
+[[nodiscard]] QString name(const QString &base, QStringView suffix);
+/// "Foo - Unmodified Original"
+[[nodiscard]] QString unmodifiedOriginalName(const QString &base);
+/// Where a finished run has put the item that lay at `itemPath`, in the folder with that suffix.
+[[nodiscard]] QString unmodifiedOriginalPath(const QString &itemPath, QStringView suffix);
+
+inline constexpr QStringView logName = u"Submission Log.txt";
+inline constexpr QStringView entitlementsName = u"Entitlements.plist";
+inline constexpr QStringView requestUUIDName = u"RequestUUID.txt";
+
+/// The head of the log file of a run on the copy at the path.
+[[nodiscard]] QString banner(const QString &copyPath);
+
+} // namespace workingfolder

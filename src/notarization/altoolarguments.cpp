@@ -1,0 +1,35 @@
+#include "notarization/altoolarguments.h"
+
+using namespace Qt::StringLiterals;
+
+namespace altoolarguments {
+
+namespace {
+
+QStringList identification(const Credentials &credentials)
+{
+    QStringList arguments{u"-u"_s, credentials.appleID, u"-p"_s, u"@keychain:"_s + credentials.passwordKey};
+    if (!credentials.providerName.isEmpty())
+        arguments << u"--asc-provider"_s << credentials.providerName;
+    return arguments;
+}
+
+} // namespace
+
+QStringList history(const QString &page, const Credentials &credentials)
+{
+    return QStringList{u"--notarization-history"_s, page} + identification(credentials);
+}
+
+QStringList upload(const QString &file, const QString &bundleID, const Credentials &credentials)
+{
+    return QStringList{u"--notarize-app"_s, u"-f"_s, file, u"--primary-bundle-id"_s, bundleID}
+    + identification(credentials) + QStringList{u"--output-format"_s, u"xml"_s};
+}
+
+QStringList info(const QString &requestUUID, const Credentials &credentials)
+{
+    return QStringList{u"--notarization-info"_s, requestUUID} + identification(credentials);
+}
+
+} // namespace altoolarguments

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+/// Who asks the notary service.
+struct Credentials {
+    QString appleID;
+    QString passwordKey; ///< the name of a keychain item; the tool reads the password there by itself
+    QString providerName; ///< the team's short name; null or empty for none
+};
+
+/// The argument lists of the notary tool, without the "altool" that xcrun needs in front.
+namespace altoolarguments {
+
+[[nodiscard]] QStringList history(const QString &page, const Credentials &credentials);
+[[nodiscard]] QStringList upload(const QString &file, const QString &bundleID,
+                                 const Credentials &credentials);
+[[nodiscard]] QStringList info(const QString &requestUUID, const Credentials &credentials);
+
+} // namespace altoolarguments

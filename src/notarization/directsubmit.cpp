@@ -1,0 +1,59 @@
+// The mode in which a document holds a dropped item and waits for a person to confirm it.
+
+#include "notarization/submitworkflow.h"
+
+#include "document/mainwincontroller.h"
+#include "platform/itempath.h"
+
+using namespace Qt::StringLiterals;
+
+void SubmitWorkflow::prepareForDirectSubmit(const QUrl &url, const QString &identity)
+{
+    const QString path = itempath::fromUrl(url);
+    const QString name = itempath::lastComponent(path);
+    document.originalAppletURL.set(itempath::toUrl(path));
+    document.originalFileName.set(name);
+    document.appletNameField.setStringValue(itempath::abbreviatedWithTilde(path));
+    document.window().setTitle(name);
+    if (!identity.isNull())
+        document.identitiesPopup.selectItemWithTitle(identity);
+    _prepareDirectSubmitUI();
+}
+
+void SubmitWorkflow::setOrdinaryControlsHidden(bool isHidden)
+{
+    for (Control *control :
+         std::initializer_list<Control *>{&document.fetchHistoryButton, &document.historyMaxPagesField,
+                                          &document.historyMaxPagesLabel, &document.signOnlyButton})
+        control->setIsHidden(isHidden);
+}
+
+void SubmitWorkflow::_prepareDirectSubmitUI()
+{
+    document.changeStatus(status::interacting);
+    setOrdinaryControlsHidden(true);
+    document.stapleOnlyButton.setTitle(u"Cancel"_s);
+    document.stapleOnlyButton.setKeyEquivalent(u"."_s);
+    document.stapleOnlyButton.setToolTip(u""_s);
+    document.stapleOnlyButton.setAction(Action::doCancelDirectSubmit);
+    document.submitAppButton.setTitle(u"Submit Now"_s);
+    document.submitAppButton.setAction(Action::doDirectSubmit);
+}
+
+void SubmitWorkflow::setOrdinaryButtons()
+{
+    setOrdinaryControlsHidden(false);
+    document.stapleOnlyButton.setTitle(u"Staple Only…"_s);
+    document.stapleOnlyButton.setKeyEquivalent(u"o"_s);
+    document.stapleOnlyButton.setToolTip(u"Attempts to staple an item that has already been submitted"_s);
+    document.stapleOnlyButton.setAction(Action::doStapleOnly);
+    document.submitAppButton.setTitle(u"Submit…"_s);
+    document.submitAppButton.setAction(Action::doSubmit);
+}
+
+void SubmitWorkflow::_cancelDirectSubmitUI()
+{
+    document.changeStatus(status::ready);
+    setOrdinaryButtons();
+    document.appletNameField.setStringValue(u""_s);
+}

@@ -1,0 +1,79 @@
+#include "notarization/pollinginfo.h"
+
+#include "platform/propertylist/propertylist.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QRegularExpression>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr double shortestDelay = 20.0;
+constexpr double longestDelay = 300.0;
+
+QString firstGroup(const QString &pattern, const QString &text)
+{
+    // A report may have the line ends of another system.
+    return QRegularExpression(u"(*ANYCRLF)"_s + pattern).match(text).captured(1);
+}
+
+QString withoutTrailingLineEnds(QString text)
+{
+    while (text.endsWith(u'\n'))
+        text.chop(1);
+    return text;
+}
+
+} // namespace
+
+double limitedPollingDelay(float preference)
+{
+    return std::min(longestDelay, std::max(shortestDelay, static_cast<double>(preference)));
+}
+
+std::optional<UploadReceipt> uploadReceipt(const QByteArray &output)
+{
+    if (output.isEmpty())
+        return std::nullopt;
+    const auto list = platform::propertyListFromData(output);
+    if (!list)
+        return std::nullopt;
+    const QVariantMap reply = list.value.toMap();
+    const QVariant identifier = reply.value(u"notarization-upload"_s).toMap().value(u"RequestUUID"_s);
+    if (!identifier.isValid())
+        return std::nullopt;
+    return UploadReceipt{identifier.toString(), reply.value(u"success-message"_s).toString()};
+}
+
+QString verdict(const QString &report)
+{
+    const QString word = firstGroup(u"(?m)Status: (.+?)$"_s, report);
+    return word.isNull() ? u"No result"_s : word.trimmed().toLower();
+}
+
+QString logFileURL(const QString &report)
+{
+    return firstGroup(u"(?m)LogFileURL: (.+?)$"_s, report);
+}
+
+std::optional<QString> issuesSummary(const QByteArray &log)
+{
+    const QJsonValue issues = QJsonDocument::fromJson(log).object().value("issues"_L1);
+    if (!issues.isArray())
+        return std::nullopt;
+    QString summary = u"\n"_s;
+    for (const QJsonValue issue : issues.toArray()) {
+        const QJsonObject entries = issue.toObject();
+        for (auto entry = entries.begin(); entry != entries.end(); ++entry) {
+            if (entry.value().isString())
+                summary += entry.key() + u": "_s + entry.value().toString() + u'\n';
+        }
+        summary += u"----------\n"_s;
+    }
+    return withoutTrailingLineEnds(summary);
+}

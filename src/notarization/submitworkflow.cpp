@@ -1,0 +1,309 @@
+#include "notarization/submitworkflow.h"
+
+#include "app/appdelegate.h"
+#include "app/preferencekeys.h"
+#include "document/documentextensions.h"
+#include "document/mainwincontroller.h"
+#include "document/workingfoldernames.h"
+#include "platform/applicationhost.h"
+#include "platform/bundle.h"
+#include "platform/fileservice.h"
+#include "platform/itempath.h"
+#include "platform/preferences.h"
+
+#include <QUuid>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr qsizetype longestTooShortAppleID = 2;
+constexpr qsizetype longestTooShortPasswordKey = 1;
+
+const QString interfaceIsBlocked = u"Inteface is blocked."_s;
+
+} // namespace
+
+ItemKind itemKind(const QString &path)
+{
+    static const QHash<QString, ItemKind> kinds{{u"app"_s, ItemKind::app},
+                                                {u"pkg"_s, ItemKind::pkg},
+                                                {u"fmplugin"_s, ItemKind::fmplugin},
+                                                {u"plugin"_s, ItemKind::plugin},
+                                                {u"dmg"_s, ItemKind::dmg}};
+    return kinds.value(itempath::lowerExtension(path), ItemKind::other);
+}
+
+bool isBundleKind(ItemKind kind)
+{
+    return kind == ItemKind::app || kind == ItemKind::fmplugin || kind == ItemKind::plugin;
+}
+
+const QStringList &submittableExtensions()
+{
+    static const QStringList extensions{u"app"_s, u"dmg"_s, u"pkg"_s, u"fmplugin"_s, u"plugin"_s};
+    return extensions;
+}
+
+QString fallbackIdentifier(const QString &itemPath)
+{
+    return QUuid::createUuid().toString(QUuid::WithoutBraces).toLower() + itempath::extension(itemPath);
+}
+
+// Commands and entries
+
+void SubmitWorkflow::doSubmit()
+{
+    submitByPerson({});
+}
+
+void SubmitWorkflow::doDirectSubmit()
+{
+    _cancelDirectSubmitUI();
+    submitByPerson(document.originalAppletURL());
+}
+
+void SubmitWorkflow::doCancelDirectSubmit()
+{
+    _cancelDirectSubmitUI();
+}
+
+void SubmitWorkflow::submitByPerson(const QUrl &url)
+{
+    document.isScripted.set(false);
+    document.suppressDialogs.set(false);
+    submitURL(url);
+}
+
+void SubmitWorkflow::scriptedSubmit(const QUrl &url)
+{
+    document.isScripted.set(true);
+    submitURL(url);
+}
+
+void SubmitWorkflow::doSubmitAgain()
+{
+    auto &files = document.host().files;
+    const QString original = itempath::fromUrl(document.originalAppletURL());
+    if (!files.isReachable(original)) {
+        const QString kept = workingfolder::unmodifiedOriginalPath(original, workingfolder::notarized);
+        if (!files.isReachable(kept) || !files.copyItem(kept, original))
+            return reportFileNotFound(original);
+    }
+    submitByPerson(document.originalAppletURL());
+}
+
+void SubmitWorkflow::reportFileNotFound(const QString &path)
+{
+    document.changeStatus(status::interacting);
+    document.beginSheet(
+        {u"File Not Found"_s, u"The file:\n\n‘%1’\n\nhas been moved or deleted."_s.arg(path), {}},
+        [this](int) {
+            document.lastAction.set(nothingToRepeat);
+            document.changeStatus(status::ready);
+        });
+}
+
+// Checks
+
+void SubmitWorkflow::setOriginal(const QUrl &url)
+{
+    const QString path = itempath::fromUrl(url);
+    document.originalAppletURL.set(itempath::toUrl(path));
+    document.originalFileName.set(itempath::lastComponent(path));
+    document.lastAction.set(submitAction);
+}
+
+void SubmitWorkflow::submitURL(const QUrl &url)
+{
+    if (!url.isEmpty())
+        setOriginal(url);
+    if (!document.finishEditing(interfaceIsBlocked))
+        return;
+    document.changeStatus(status::submitting);
+    document.isBusy.set(true);
+    document.isSubmitting.set(true);
+    document.infoFailureCount.set(0);
+    document.info239FailureCount.set(0);
+    document.loggingToFile.set(document.host().preferences.boolean(key::detailedLogToFile));
+    if (!checkFields(url))
+        return;
+    if (url.isEmpty())
+        chooseItem();
+    else
+        startWithOriginal();
+}
+
+bool SubmitWorkflow::checkFields(const QUrl &url)
+{
+    if (document.appleIDField.stringValue().trimmed().size() <= longestTooShortAppleID)
+        return refuseIncomplete(u"Missing Apple ID"_s, u"You need to enter your Apple ID."_s,
+                                document.appleIDField);
+    if (document.appPassField.stringValue().trimmed().size() <= longestTooShortPasswordKey)
+        return refuseIncomplete(
+            u"Missing Password"_s,
+            u"You need to enter the key to an application-specific password you have added to your login Keychain."_s,
+            document.appPassField);
+    const QString identity = document.identitiesPopup.titleOfSelectedItem();
+    if (identity == noIdentitiesPlaceholder)
+        return refuse(u"No Identities Found"_s, u"No Developer ID codesigning identities have been found."_s);
+    const QString path = itempath::fromUrl(url);
+    if (itemKind(path) == ItemKind::pkg && !document.appDelegate().installerIdentities().contains(identity))
+        return refuse(
+            u"Installer Identity Not Found"_s,
+            u"Packages require a 'Developer ID Installer' certificate that matches the identity you have chosen (%1)."_s
+                .arg(identity));
+    if (!url.isEmpty() && itemKind(path) == ItemKind::other)
+        return refuse(u"Cannot Submit Item"_s,
+                      u"'%1' is not an app, plugin, fmplugin, flat package or disk image."_s.arg(path));
+    return true;
+}
+
+bool SubmitWorkflow::refuseIncomplete(const QString &title, const QString &text, TextField &field)
+{
+    document.host().application.beep();
+    document.finalAlertOrMessage(title, text, text);
+    field.makeFirstResponder();
+    return false;
+}
+
+bool SubmitWorkflow::refuse(const QString &title, const QString &text)
+{
+    document.finalAlertOrMessage(title, text, text);
+    document.host().application.beep();
+    return false;
+}
+
+void SubmitWorkflow::chooseItem()
+{
+    document.changeStatus(status::interacting);
+    const platform::OpenPanel panel{
+        .message = u"Choose an app, plugin, fmplugin, flat package or disk image to copy and submit"_s,
+        .allowedFileTypes = submittableExtensions(),
+        .canChooseFiles = true,
+        .canChooseDirectories = false,
+        .shouldEnable = &MainWinController::shouldEnableURL,
+    };
+    document.window().beginOpenPanel(panel, [this, held = document.shared_from_this()](const QUrl &chosen) {
+        if (chosen.isEmpty()) {
+            document.changeStatus(status::ready);
+            document.isBusy.set(false);
+            document.isSubmitting.set(false);
+            document.progressIndicator.stopAnimation();
+            return;
+        }
+        document.changeStatus(status::submitting);
+        setOriginal(chosen);
+        startWithOriginal();
+    });
+}
+
+void SubmitWorkflow::startWithOriginal()
+{
+    const QString name = document.originalFileName();
+    document.appletNameField.setStringValue(name);
+    document.window().setTitle(document.appDelegate().uniqueWindowNameFrom(name));
+    document.progressIndicator.startAnimation();
+    if (!document.dontClearCheckbox.isOn())
+        document.statusTextView.clear();
+    submitAsync({.appleID = document.appleIDField.stringValue(),
+                 .passwordKey = document.appPassField.stringValue().trimmed(),
+                 .providerName = document.providerNameField.stringValue()},
+                document.identitiesPopup.titleOfSelectedItem());
+}
+
+void SubmitWorkflow::submitAsync(const Credentials &credentials, const QString &identity)
+{
+    const ItemKind kind = itemKind(document.originalFileName());
+    document.canCancel.set(true);
+    const bool dontSignEnclosures = document.dontSignEnclosuresCheckbox.isOn();
+    document.submitFilePath.set({});
+    const auto entitlements = document.steps().entitlements.assembleEntitlements();
+    if (!entitlements)
+        return;
+    document.dispatchToWorker(
+        [this,
+         submission = Submission{.credentials = credentials,
+                                 .identity = identity,
+                                 .dropDMGConfiguration = document.dropDMGConfigsPopup.titleOfSelectedItem(),
+                                 .entitlements = *entitlements,
+                                 .kind = kind,
+                                 .dontSignEnclosures = dontSignEnclosures}] { runChain(submission); });
+}
+
+// The background chain
+
+bool SubmitWorkflow::goesOn(bool stepWorked) const
+{
+    return stepWorked && !document.cancelPressed();
+}
+
+void SubmitWorkflow::runChain(const Submission &submission)
+{
+    QString identifier = fallbackIdentifier(itempath::fromUrl(document.originalAppletURL()));
+    if (!goesOn(document.steps().credentials.checkAltool(submission.credentials)))
+        return;
+    if (!goesOn(document.createWorkingFolderAndLog()))
+        return;
+    if (prepareItem(submission, identifier))
+        upload(submission, identifier);
+}
+
+bool SubmitWorkflow::prepareItem(const Submission &submission, QString &identifier)
+{
+    if (submission.kind == ItemKind::pkg)
+        return preparePackage(submission);
+    if (submission.kind == ItemKind::dmg)
+        return prepareDiskImage(submission, identifier);
+    return prepareBundle(submission, identifier);
+}
+
+bool SubmitWorkflow::preparePackage(const Submission &submission)
+{
+    if (!goesOn(document.steps().packages.checkPkgAndSignWithID(submission.identity)))
+        return false;
+    document.submitFilePath.set(itempath::fromUrl(document.appletURL()));
+    return true;
+}
+
+bool SubmitWorkflow::prepareBundle(const Submission &submission, QString &identifier)
+{
+    auto &steps = document.steps();
+    if (!goesOn(steps.entitlements.saveEntitlementsDictionary(submission.entitlements)))
+        return false;
+    if (!goesOn(steps.signing.clearXattrs()))
+        return false;
+    if (submission.kind == ItemKind::app && !goesOn(steps.signing.lockMainScpt()))
+        return false;
+    if (!submission.dontSignEnclosures
+        && !goesOn(steps.signing.codesignMembersWithID(submission.identity, true)))
+        return false;
+    if (!goesOn(steps.signing.signAndCheckAppWithID(submission.identity, true)))
+        return false;
+    // Before the archive is made: that may put a disk image in the bundle's place.
+    const QString own =
+        platform::bundleIdentifier(document.host().files, itempath::fromUrl(document.appletURL()));
+    if (!own.isEmpty())
+        identifier = own;
+    return goesOn(steps.archive.makeArchiveForUploading(submission.dropDMGConfiguration));
+}
+
+bool SubmitWorkflow::prepareDiskImage(const Submission &submission, QString &identifier)
+{
+    auto &steps = document.steps();
+    if (!goesOn(steps.signing.signAndCheckAppWithID(submission.identity, false)))
+        return false;
+    const QString own = steps.archive.primaryBundleID();
+    if (!own.isEmpty())
+        identifier = own;
+    document.submitFilePath.set(itempath::fromUrl(document.appletURL()));
+    return true; // a cancel in this gap does not stop the upload
+}
+
+void SubmitWorkflow::upload(const Submission &submission, const QString &identifier)
+{
+    document.dispatchToMain([this] { document.canCancel.set(false); }); // uploading is not to be interrupted
+    const bool isPolling = document.steps().upload.uploadForNotarizing(submission.credentials, identifier);
+    if (goesOn(isPolling))
+        document.dispatchToMain([this] { document.canCancel.set(true); });
+}

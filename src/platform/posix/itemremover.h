@@ -1,0 +1,11 @@
+#pragma once
+
+#include "platform/outcome.h"
+
+namespace platform {
+
+/// Deletes the item, a folder with all that is in it. Never follows a link. What has been deleted before a
+/// failure is gone.
+Outcome removeTree(const QString &path);
+
+} // namespace platform

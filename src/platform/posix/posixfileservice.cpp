@@ -1,0 +1,202 @@
+#include "platform/posix/posixfileservice.h"
+
+#include "platform/bundle.h"
+#include "platform/posix/failure.h"
+#include "platform/posix/folder.h"
+#include "platform/posix/itemcopier.h"
+#include "platform/posix/itemmover.h"
+#include "platform/posix/itemremover.h"
+#include "platform/posix/portablecalls.h"
+#include "platform/posix/posixfilehandle.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QSaveFile>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+
+using namespace Qt::StringLiterals;
+
+namespace platform {
+
+namespace {
+
+bool isAllowed(const QByteArray &path, int access)
+{
+    return faccessat(AT_FDCWD, path.constData(), access, AT_EACCESS) == 0;
+}
+
+bool hasBundleExtension(const QString &path)
+{
+    static const QStringList extensions{u"app"_s,    u"plugin"_s,     u"fmplugin"_s,    u"framework"_s,
+                                        u"bundle"_s, u"kext"_s,       u"xpc"_s,         u"appex"_s,
+                                        u"saver"_s,  u"mdimporter"_s, u"qlgenerator"_s, u"prefpane"_s};
+    return extensions.contains(QFileInfo(QFile::decodeName(nativePath(path))).suffix().toLower());
+}
+
+UniqueDescriptor openFile(const QString &path, int flags)
+{
+    return UniqueDescriptor(open(nativePath(path).constData(), flags | O_CLOEXEC, 0666));
+}
+
+} // namespace
+
+bool PosixFileService::isReachable(const QString &path) const
+{
+    struct stat state;
+    return lstat(nativePath(path).constData(), &state) == 0;
+}
+
+bool PosixFileService::isReadable(const QString &path) const
+{
+    return isAllowed(nativePath(path), R_OK);
+}
+
+FileKind PosixFileService::kind(const QString &path) const
+{
+    const QByteArray native = nativePath(path);
+    struct stat state;
+    if (lstat(native.constData(), &state) < 0)
+        return {};
+    FileKind kind;
+    kind.isDirectory = S_ISDIR(state.st_mode);
+    kind.isRegularFile = S_ISREG(state.st_mode);
+    // Without any execute bit nobody may, so most files cost one call only.
+    kind.isExecutable = kind.isRegularFile && (state.st_mode & 0111) != 0 && isAllowed(native, X_OK);
+    return kind;
+}
+
+std::optional<bool> PosixFileService::isPackage(const QString &path) const
+{
+    if (!isReachable(path))
+        return std::nullopt;
+    if (!kind(path).isDirectory)
+        return false;
+    return hasBundleExtension(path) || !informationText(*this, path, u"CFBundlePackageType"_s).isEmpty();
+}
+
+QStringList PosixFileService::contentsOfDirectory(const QString &path) const
+{
+    const QByteArray native = nativePath(path);
+    const Folder folder({AT_FDCWD, native.constData()}, Links::follow);
+    const auto entries = folder ? folder.entries() : std::nullopt;
+    if (!entries)
+        return {};
+    QStringList names;
+    names.reserve(static_cast<qsizetype>(entries->size()));
+    for (const Folder::Entry &entry : *entries) {
+        if (!entry.name.starts_with('.'))
+            names += QFile::decodeName(entry.name.c_str());
+    }
+    return names;
+}
+
+Outcome PosixFileService::createDirectory(const QString &path)
+{
+    const QByteArray native = nativePath(path);
+    if (mkdir(native.constData(), 0777) == 0)
+        return Outcome::success();
+    if (errno == EEXIST && QFileInfo(path).isDir())
+        return Outcome::success();
+    const qsizetype nameStart = native.lastIndexOf('/');
+    if (errno != ENOENT || nameStart <= 0)
+        return failure(u"create"_s, path);
+    Outcome created = createDirectory(QFile::decodeName(native.first(nameStart)));
+    if (!created || mkdir(native.constData(), 0777) == 0 || errno == EEXIST)
+        return created;
+    return failure(u"create"_s, path);
+}
+
+Outcome PosixFileService::createFile(const QString &path)
+{
+    const UniqueDescriptor file = openFile(path, O_WRONLY | O_CREAT | O_TRUNC);
+    return file ? Outcome::success() : failure(u"create"_s, path);
+}
+
+Outcome PosixFileService::removeItem(const QString &path)
+{
+    return removeTree(path);
+}
+
+Outcome PosixFileService::moveItem(const QString &from, const QString &to)
+{
+    return moveTree(from, to);
+}
+
+Outcome PosixFileService::copyItem(const QString &from, const QString &to)
+{
+    return ItemCopier::copy(from, to);
+}
+
+Outcome PosixFileService::trashItem(const QString &path)
+{
+    QFile item(path);
+    if (item.moveToTrash())
+        return Outcome::success();
+    return Outcome::failure(u"Cannot move '%1' to the trash: %2"_s.arg(path, item.errorString()));
+}
+
+Outcome PosixFileService::setPermissions(const QString &path, unsigned mode)
+{
+    const bool isSet = chmod(nativePath(path).constData(), static_cast<mode_t>(mode & 07777)) == 0;
+    return isSet ? Outcome::success() : failure(u"set the permissions of"_s, path);
+}
+
+std::optional<QByteArray> PosixFileService::readFile(const QString &path, QString *error) const
+{
+    QFile file(QFile::decodeName(nativePath(path)));
+    QByteArray bytes;
+    const bool isOpen = file.open(QIODevice::ReadOnly | QIODevice::Unbuffered);
+    if (isOpen)
+        bytes = file.readAll();
+    if (isOpen && file.error() == QFileDevice::NoError)
+        return bytes;
+    if (error)
+        *error = u"Cannot read '%1': %2"_s.arg(path, file.errorString());
+    return std::nullopt;
+}
+
+Outcome PosixFileService::writeFile(const QString &path, const QByteArray &bytes)
+{
+    UniqueDescriptor file = openFile(path, O_WRONLY | O_CREAT | O_TRUNC);
+    const bool isWritten =
+        file && writeFully(file.get(), bytes.constData(), static_cast<size_t>(bytes.size())) && file.close();
+    return isWritten ? Outcome::success() : failure(u"write"_s, path);
+}
+
+Outcome PosixFileService::writeFileAtomically(const QString &path, const QByteArray &bytes)
+{
+    QSaveFile file(path);
+    if (file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit())
+        return Outcome::success();
+    return Outcome::failure(u"Cannot write '%1': %2"_s.arg(path, file.errorString()));
+}
+
+std::shared_ptr<FileHandle> PosixFileService::openForAppending(const QString &path)
+{
+    UniqueDescriptor file = openFile(path, O_WRONLY | O_APPEND);
+    return file ? std::make_shared<PosixFileHandle>(std::move(file)) : nullptr;
+}
+
+std::optional<QString> PosixFileService::replacementDirectory(const QString &forItem, QString *error)
+{
+    const QByteArray item = nativePath(forItem);
+    QByteArray folder = item.first(item.lastIndexOf('/') + 1) + ".replacement-XXXXXX";
+    if (mkdtemp(folder.data()))
+        return QFile::decodeName(folder);
+    if (error)
+        *error = failureText(u"make a replacement of"_s, forItem);
+    return std::nullopt;
+}
+
+Outcome PosixFileService::replaceItem(const QString &path, const QString &replacement)
+{
+    return replaceTree(path, replacement);
+}
+
+} // namespace platform

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "platform/fileservice.h"
+
+namespace platform {
+
+/// The files of a POSIX host.
+class PosixFileService : public FileService {
+public:
+    bool isReachable(const QString &path) const override;
+    bool isReadable(const QString &path) const override;
+    FileKind kind(const QString &path) const override;
+    std::optional<bool> isPackage(const QString &path) const override;
+    QStringList contentsOfDirectory(const QString &path) const override;
+    Outcome createDirectory(const QString &path) override;
+    Outcome createFile(const QString &path) override;
+    Outcome removeItem(const QString &path) override;
+    Outcome moveItem(const QString &from, const QString &to) override;
+    Outcome copyItem(const QString &from, const QString &to) override;
+    Outcome trashItem(const QString &path) override;
+    Outcome setPermissions(const QString &path, unsigned mode) override;
+    std::optional<QByteArray> readFile(const QString &path, QString *error = nullptr) const override;
+    Outcome writeFile(const QString &path, const QByteArray &bytes) override;
+    Outcome writeFileAtomically(const QString &path, const QByteArray &bytes) override;
+    [[nodiscard]] std::shared_ptr<FileHandle> openForAppending(const QString &path) override;
+    std::optional<QString> replacementDirectory(const QString &forItem, QString *error = nullptr) override;
+    Outcome replaceItem(const QString &path, const QString &replacement) override;
+};
+
+} // namespace platform

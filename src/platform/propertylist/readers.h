@@ -1,0 +1,18 @@
+#pragma once
+
+#include "platform/propertylist/propertylist.h"
+
+/// One reader for each form of a property list.
+namespace platform::propertylist {
+
+/// The XML form of the DTD "PropertyList-1.0". An encoding that its declaration names no longer counts.
+[[nodiscard]] PropertyListResult readXmlList(const QString &text);
+
+/// The binary form, as its public header comment in Apple's CFBinaryPList.c lays it out.
+[[nodiscard]] PropertyListResult readBinaryList(const QByteArray &data);
+
+/// The text form of Apple's "Old-Style ASCII Property Lists", and the strings file, which is a dictionary
+/// without its braces.
+[[nodiscard]] PropertyListResult readTextList(const QString &text);
+
+} // namespace platform::propertylist

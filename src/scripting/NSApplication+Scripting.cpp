@@ -1,0 +1,94 @@
+#include "scripting/NSApplication+Scripting.h"
+
+#include "app/appdelegate.h"
+#include "document/documentextensions.h"
+#include "platform/applicationhost.h"
+#include "scripting/commandchecks.h"
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+NSApplicationScripting::NSApplicationScripting(AppDelegate &appDelegate)
+    : m_appDelegate(appDelegate)
+{
+}
+
+void NSApplicationScripting::AESubmitForNotarizing(const ScriptCommandPtr &command)
+{
+    if (!commandchecks::submittableItem(m_appDelegate.host().files, command) || !checkStatusIsReady())
+        return;
+    documentFor(command)->steps().scripting.startSubmission(command);
+}
+
+bool NSApplicationScripting::checkStatusIsReady() const
+{
+    return commandchecks::isReady(m_appDelegate.statusString(), u"Application"_s);
+}
+
+DocumentPtr NSApplicationScripting::documentFor(const ScriptCommandPtr &command) const
+{
+    const DocumentPtr document = m_appDelegate.addedDocument();
+    if (onDocumentMade)
+        onDocumentMade(command, *document);
+    return document;
+}
+
+QList<platform::Window *> NSApplicationScripting::orderedWindows() const
+{
+    QList<platform::Window *> windows;
+    for (platform::Window *window : m_appDelegate.host().application.windowsFrontToBack()) {
+        if (windowController(window))
+            windows.append(window);
+    }
+    return windows;
+}
+
+platform::Window *NSApplicationScripting::frontmostWindow() const
+{
+    const auto windows = orderedWindows();
+    return windows.isEmpty() ? nullptr : windows.first();
+}
+
+MainWinController *NSApplicationScripting::frontmostPseudoDocument() const
+{
+    return windowController(frontmostWindow());
+}
+
+QList<platform::Window *> NSApplicationScripting::allOrderedWindows() const
+{
+    QList<platform::Window *> all;
+    for (platform::Window *window : orderedWindows()) {
+        const auto tabs = window->tabbedWindows();
+        if (tabs.isEmpty())
+            all.append(window);
+        else
+            all.append(tabsByNearness(tabs, tabs.indexOf(window)));
+    }
+    return all;
+}
+
+QList<platform::Window *> tabsByNearness(const QList<platform::Window *> &tabs, qsizetype index)
+{
+    QList<platform::Window *> left = tabs.first(index);
+    QList<platform::Window *> ordered = tabs.sliced(index);
+    std::reverse(left.begin(), left.end());
+    return ordered + left;
+}
+
+QList<MainWinController *> NSApplicationScripting::orderedPseudoDocuments() const
+{
+    QList<MainWinController *> documents;
+    for (const platform::Window *window : allOrderedWindows())
+        documents.append(windowController(window));
+    return documents;
+}
+
+MainWinController *NSApplicationScripting::windowController(const platform::Window *window) const
+{
+    const auto &open = m_appDelegate.allControllers();
+    const auto found = std::find_if(open.cbegin(), open.cend(), [window](const DocumentPtr &document) {
+        return &document->window() == window;
+    });
+    return found == open.cend() ? nullptr : found->get();
+}

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "platform/window.h"
+#include "scripting/scriptcommand.h"
+
+#include <QList>
+
+#include <memory>
+
+class AppDelegate;
+class MainWinController;
+
+/// What scripts reach on the application, and its lists of windows and documents. The lists are made afresh
+/// on each call, on the main thread.
+class NSApplicationScripting {
+public:
+    explicit NSApplicationScripting(AppDelegate &appDelegate);
+
+    // Commands. On the thread of script delivery; the work is queued to the main thread.
+    void AESubmitForNotarizing(const ScriptCommandPtr &command);
+
+    /// True when the application is ready; otherwise the executing command has its error.
+    [[nodiscard]] bool checkStatusIsReady() const;
+
+    // Lists, front to back
+    /// The document windows on screen; of a tab group the one that shows.
+    QList<platform::Window *> orderedWindows() const;
+    /// All document windows: of a tab group the one that shows, then the others by nearness to it.
+    QList<platform::Window *> allOrderedWindows() const;
+    QList<MainWinController *> orderedPseudoDocuments() const;
+    QList<MainWinController *> orderedDocuments() const { return orderedPseudoDocuments(); }
+    /// Null when no document window is open.
+    platform::Window *frontmostWindow() const;
+    MainWinController *frontmostPseudoDocument() const;
+
+    /// The document of a window; null if the window is no document's.
+    MainWinController *windowController(const platform::Window *window) const;
+
+    /// Called, on the thread of script delivery, with the document that a command has made for itself.
+    std::function<void(const ScriptCommandPtr &, MainWinController &)> onDocumentMade;
+
+private:
+    std::shared_ptr<MainWinController> documentFor(const ScriptCommandPtr &command) const;
+
+    AppDelegate &m_appDelegate;
+};
+
+/// The order in which the windows of one tab group are listed: the one at `index` first.
+[[nodiscard]] QList<platform::Window *> tabsByNearness(const QList<platform::Window *> &tabs,
+                                                       qsizetype index);

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "scripting/scriptcommand.h"
+
+#include <QUrl>
+
+#include <optional>
+
+namespace platform {
+class FileService;
+}
+
+/// The checks that commands of the application and of a document share.
+namespace commandchecks {
+
+/// The item of a command if it can be submitted; nothing, with the error set on the command, if it cannot.
+[[nodiscard]] std::optional<QUrl> submittableItem(const platform::FileService &files,
+                                                  const ScriptCommandPtr &command);
+
+/// True for the word "ready"; otherwise the executing command gets the error. `receiver` is "Application" or
+/// "Document".
+[[nodiscard]] bool isReady(const QString &statusString, const QString &receiver);
+
+} // namespace commandchecks

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QString>
+
+/// The numbers by which failures reach a script.
+inline constexpr qint64 scriptErrorArgument = 6; ///< an argument or a value was wrong
+inline constexpr qint64 scriptErrorGeneral = 7; ///< a failure that only the text explains
+inline constexpr qint64 scriptErrorBusy = 1199; ///< nothing was done; try again later
+
+/// The informative text of most failures: the explanation is in the logs.
+inline constexpr QStringView seeTheLog = u"See the log for details.";
+
+/// The number that belongs to a failure's title; 7 for a title without one. The comparison is exact. Any
+/// thread.
+[[nodiscard]] qint64 errorNumberFromString(const QString &title);
+
+/// What a script is told about a failure.
+struct ScriptFailure {
+    qint64 number = scriptErrorGeneral;
+    QString text;
+    QString offendingText; ///< the log's full text, where it is too long for the error's; null otherwise
+};
+
+[[nodiscard]] ScriptFailure scriptFailure(const QString &title, const QString &text, const QString &logError);

@@ -1,0 +1,156 @@
+#include "tools/slwtaskmaster.h"
+
+#include <chrono>
+#include <thread>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr qsizetype bufferCapacity = 10000;
+constexpr qsizetype ownerCapacity = 20;
+constexpr qsizetype leastLateBytes = 2; // a lone byte left in a pipe is thrown away
+constexpr int altoolRetries = 10;
+
+const QString xcrunPath = u"/usr/bin/xcrun"_s;
+const QString altoolName = u"altool"_s;
+
+std::shared_ptr<OutputBuffer> newBuffer()
+{
+    auto buffer = std::make_shared<OutputBuffer>();
+    buffer->update([](QByteArray &bytes) { bytes.reserve(bufferCapacity); });
+    return buffer;
+}
+
+void emptyInPlace(OutputBuffer &buffer)
+{
+    buffer.update([](QByteArray &bytes) {
+        if (!bytes.isEmpty())
+            bytes.clear();
+    });
+}
+
+void append(OutputBuffer &buffer, const QByteArray &more)
+{
+    if (!more.isEmpty())
+        buffer.update([&more](QByteArray &bytes) { bytes.append(more); });
+}
+
+void pause(double seconds)
+{
+    if (seconds > 0)
+        std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
+}
+
+} // namespace
+
+SLWTaskMaster::SLWTaskMaster(platform::ProcessLauncher &launcher, RunnerPauses pauses)
+    : m_launcher(launcher)
+    , m_pauses(pauses)
+    , lastOutput(newBuffer())
+    , lastError(newBuffer())
+{
+    cancelledOwners.update([](QStringList &owners) { owners.reserve(ownerCapacity); });
+}
+
+SLWTaskResponsePtr SLWTaskMaster::runAltoolAt(const QString &path, const QStringList &withArgs,
+                                              const QString &forOwner)
+{
+    return runTool(path, path == xcrunPath ? QStringList{altoolName} + withArgs : withArgs, forOwner);
+}
+
+SLWTaskResponsePtr SLWTaskMaster::runTool(const QString &path, const QStringList &withArgs,
+                                          const QString &forOwner)
+{
+    const std::scoped_lock turn(m_monitor);
+    ownerID.set(forOwner);
+    emptyInPlace(*lastOutput);
+    emptyInPlace(*lastError);
+    const auto response = SLWTaskResponse::responseWithPath(path, withArgs);
+    if (takeCancellation(forOwner)) {
+        response->status.set(statusSkipped);
+        return response;
+    }
+    const auto task = m_launcher.process(path, withArgs);
+    currentTask.set(task);
+    if (const auto launched = task->launch(); !launched)
+        return launchFailed(response, launched.error());
+    waitForTool(*task);
+    readLateOutput(*task, response);
+    currentTask.set(nullptr);
+    response->setData(lastOutput, lastError);
+    ownerID.set({});
+    return response;
+}
+
+bool SLWTaskMaster::takeCancellation(const QString &owner)
+{
+    return cancelledOwners.update([&owner](QStringList &owners) { return owners.removeAll(owner) > 0; });
+}
+
+SLWTaskResponsePtr SLWTaskMaster::launchFailed(const SLWTaskResponsePtr &response, const QString &description)
+{
+    // The current task stays: it is what a cancel finds until the next run, and remembers its owner for.
+    append(*lastError, description.toUtf8());
+    response->status.set(statusLaunchFailure);
+    response->setData(lastOutput, lastError);
+    ownerID.set({});
+    return response;
+}
+
+void SLWTaskMaster::waitForTool(platform::Process &task)
+{
+    task.waitUntilExit([this](const QByteArray &chunk) { append(*lastOutput, chunk); },
+                       [this](const QByteArray &whole) { append(*lastError, whole); });
+}
+
+void SLWTaskMaster::readLateOutput(platform::Process &task, const SLWTaskResponsePtr &response)
+{
+    pause(m_pauses.afterExit);
+    response->status.set(task.terminationStatus());
+    appendLateBytes(*lastOutput, task.readOutputToEnd());
+    if (response->status() == 0 && response->args.contains(altoolName)) {
+        // The notary tool at times ends before its report is in the pipe.
+        for (int retry = 0; retry < altoolRetries && (*lastOutput)().isEmpty(); ++retry) {
+            pause(m_pauses.altoolRetry);
+            if (appendLateBytes(*lastOutput, task.readOutputToEnd()))
+                break;
+        }
+    }
+    appendLateBytes(*lastError, task.readErrorToEnd());
+}
+
+bool SLWTaskMaster::appendLateBytes(OutputBuffer &buffer, const QByteArray &bytes)
+{
+    if (bytes.size() < leastLateBytes)
+        return false;
+    append(buffer, bytes);
+    return true;
+}
+
+bool SLWTaskMaster::terminateTaskFor(const QString &owner)
+{
+    const auto task = currentTask();
+    if (!task)
+        return false;
+    if (ownerID() == owner)
+        task->terminate();
+    else
+        cancelledOwners.update([&owner](QStringList &owners) { owners.append(owner); });
+    return true;
+}
+
+QString SLWTaskMaster::outputString() const
+{
+    return decodedToolOutput((*lastOutput)());
+}
+
+QString SLWTaskMaster::errorString() const
+{
+    return decodedToolOutput((*lastError)());
+}
+
+QString SLWTaskMaster::fileLogString() const
+{
+    return toolReport(lastPath(), lastArgsString(), lastStatus(), outputString(), errorString());
+}

@@ -1,0 +1,74 @@
+#pragma once
+
+#include "platform/process.h"
+#include "tools/slwtaskresponse.h"
+
+#include <mutex>
+
+/// How long a runner waits, in seconds.
+struct RunnerPauses {
+    double afterExit = 0.15; ///< after a tool has ended, for what its streams still hold
+    double altoolRetry =
+        0.1; ///< before each further look at the output of a notary tool that printed nothing
+};
+
+/// A runner of external tools: one at a time, each as one blocking call.
+///
+/// The rules that keep this right:
+/// - The monitor is held for the whole of a run. Others wait their turn at it, in no promised order. It is
+///   recursive, so that a caller may take it to keep the next run from emptying the buffers that it still
+///   reads.
+/// - `terminateTaskFor` takes no monitor: a cancel must get through while a run holds it. All that the two
+/// share
+///   are fields that are read and written as a whole.
+/// - A cancel names its owner. If the run in progress is that owner's, the tool is ended; if it is another's,
+/// the
+///   owner's next run is skipped; if there is none, the cancel has no effect, then or later.
+class SLWTaskMaster {
+public:
+    explicit SLWTaskMaster(platform::ProcessLauncher &launcher, RunnerPauses pauses = {});
+
+    Property<QString> ownerID; ///< of the run in progress; null when idle
+    Property<std::shared_ptr<platform::Process>> currentTask; ///< of the run in progress; null when idle,
+                                                              ///< save after a failed launch
+    Property<QStringList> cancelledOwners; ///< whose next run is to be skipped
+    Property<qint64> lastStatus{-1};
+    Property<QString> lastPath;
+    Property<QString> lastArgsString;
+
+    /// Runs the tool and blocks until it has ended. Any thread but the main one, save for the probe at
+    /// launch. A tool's failure is its status; one that cannot be launched has status 11000 and the reason as
+    /// its error.
+    [[nodiscard]] SLWTaskResponsePtr runTool(const QString &path, const QStringList &withArgs,
+                                             const QString &forOwner);
+
+    /// The same for the notary tool: by its own path, or as the first argument of xcrun.
+    [[nodiscard]] SLWTaskResponsePtr runAltoolAt(const QString &path, const QStringList &withArgs,
+                                                 const QString &forOwner);
+
+    /// Ends the owner's tool, or has its next run skipped while another owner's tool runs. False, and without
+    /// any effect, when nothing runs. Any thread; never blocks.
+    bool terminateTaskFor(const QString &owner);
+
+    /// Held by whoever needs the buffers to stay as they are after a run.
+    std::recursive_mutex &monitor() { return m_monitor; }
+
+    QString outputString() const;
+    QString errorString() const;
+    QString fileLogString() const;
+
+private:
+    bool takeCancellation(const QString &owner);
+    SLWTaskResponsePtr launchFailed(const SLWTaskResponsePtr &response, const QString &description);
+    void waitForTool(platform::Process &task);
+    void readLateOutput(platform::Process &task, const SLWTaskResponsePtr &response);
+    bool appendLateBytes(OutputBuffer &buffer, const QByteArray &bytes);
+
+    platform::ProcessLauncher &m_launcher;
+    const RunnerPauses m_pauses;
+    std::recursive_mutex m_monitor;
+    const std::shared_ptr<OutputBuffer> lastOutput;
+    const std::shared_ptr<OutputBuffer> lastError;
+};
+
+using SLWTaskMasterPtr = std::shared_ptr<SLWTaskMaster>;

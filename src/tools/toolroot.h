@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+/// Where a host without Apple's tools keeps what stands in their places: under one folder, at the same paths.
+class ToolRoot {
+public:
+    /// With an empty root every path is itself.
+    explicit ToolRoot(QString root = {});
+
+    /// Where the tool that a workflow names lies on this machine: under the root if it is there, else at the
+    /// path itself. Any thread.
+    QString locate(const QString &path) const;
+
+    /// Folders that a tool's environment gets in front of PATH.
+    QStringList searchFolders() const;
+
+    /// The folder of the installed applications.
+    QString applicationsFolder() const;
+
+    /// The root to use: what the user has set, else the toolchain built or installed with the application.
+    /// `applicationFolder` is the folder of the application's executable.
+    static ToolRoot chosen(const QString &preference, const QString &applicationFolder);
+
+private:
+    QString m_root;
+};
