@@ -48,7 +48,7 @@ asRoot() { # COMMAND [ARGUMENT ...]
 missingPackages() { # PACKAGE ...
     local package
     for package in "$@"; do
-        [[ $(dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null) == installed ]] || printf '%s\n' "$package"
+        [[ $(dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null) == installed* ]] || printf '%s\n' "$package"
     done
 }
 
@@ -62,8 +62,8 @@ installPackages() { # PACKAGE ...
     say "Installing ${missing[*]}"
     [[ $EUID == 0 ]] || sudo --validate
     quietly asRoot apt-get --quiet update || say "Not every package list could be fetched"
-    quietly asRoot env DEBIAN_FRONTEND=noninteractive apt-get --quiet --yes --no-install-recommends install \
-        "${missing[@]}" || fail "the packages could not be installed"
+    quietly asRoot env DEBIAN_FRONTEND=noninteractive apt-get --quiet --yes --no-install-recommends \
+        -o DPkg::Lock::Timeout=300 install "${missing[@]}" || fail "the packages could not be installed"
 }
 
 # Configures a preset and builds it, or only the given targets of it.
