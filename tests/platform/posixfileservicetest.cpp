@@ -1,0 +1,381 @@
+#include "platform/posix/posixfileservice.h"
+#include "temporaryfolder.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QSet>
+
+#include <gmock/gmock.h>
+#include <thread>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+using namespace platform;
+using testing::UnorderedElementsAre;
+
+namespace {
+
+class Files : public testing::Test {
+protected:
+    PosixFileService files;
+    TemporaryFolder folder;
+};
+
+unsigned modeOf(const QString &path)
+{
+    return stateOf(path).st_mode & 07777;
+}
+
+} // namespace
+
+TEST_F(Files, anItemIsReachableAndALinkIsWhereverItLeads)
+{
+    EXPECT_TRUE(files.isReachable(folder.file(u"file"_s)));
+    EXPECT_TRUE(files.isReachable(folder.path()));
+    EXPECT_TRUE(files.isReachable(folder.link(u"dangling"_s, u"/no/such/item"_s)));
+    EXPECT_FALSE(files.isReachable(folder.path(u"missing"_s)));
+}
+
+TEST_F(Files, aMissingFileIsNotReadable)
+{
+    EXPECT_TRUE(files.isReadable(folder.file(u"file"_s)));
+    EXPECT_FALSE(files.isReadable(folder.path(u"missing"_s)));
+    EXPECT_FALSE(files.isReadable(folder.link(u"dangling"_s, u"/no/such/item"_s)));
+}
+
+TEST_F(Files, kindsTellTheEntryItself)
+{
+    const QString plain = folder.file(u"plain"_s);
+    const QString program = folder.file(u"program"_s);
+    ASSERT_TRUE(files.setPermissions(program, 0755));
+    const FileKind folderKind = files.kind(folder.path());
+    EXPECT_TRUE(folderKind.isDirectory);
+    EXPECT_FALSE(folderKind.isRegularFile);
+    EXPECT_FALSE(folderKind.isExecutable);
+    EXPECT_TRUE(files.kind(plain).isRegularFile);
+    EXPECT_FALSE(files.kind(plain).isExecutable);
+    EXPECT_FALSE(files.kind(plain).isDirectory);
+    EXPECT_TRUE(files.kind(program).isExecutable);
+}
+
+TEST_F(Files, aLinkIsNeitherFolderNorFileNorExecutable)
+{
+    const QString program = folder.file(u"program"_s);
+    ASSERT_TRUE(files.setPermissions(program, 0755));
+    for (const QString &link : {folder.link(u"toFolder"_s, folder.path()), folder.link(u"toFile"_s, program),
+                                folder.path(u"missing"_s)}) {
+        const FileKind kind = files.kind(link);
+        EXPECT_FALSE(kind.isDirectory || kind.isRegularFile || kind.isExecutable) << link.toStdString();
+    }
+}
+
+TEST_F(Files, aSlashAtTheEndDoesNotMakeALinkAFolder)
+{
+    const QString link = folder.link(u"toFolder"_s, folder.path());
+    EXPECT_FALSE(files.kind(link + u'/').isDirectory);
+    ASSERT_TRUE(files.removeItem(link + u'/'));
+    EXPECT_FALSE(files.isReachable(link));
+}
+
+TEST_F(Files, aFolderIsAPackageByItsExtension)
+{
+    for (const QString &name :
+         {u"A.app"_s, u"B.framework"_s, u"C.fmplugin"_s, u"D.PlugIn"_s, u"E.prefPane"_s, u"F.bundle"_s,
+          u"G.kext"_s, u"H.xpc"_s, u"I.appex"_s, u"J.mdimporter"_s, u"K.qlgenerator"_s, u"L.saver"_s})
+        EXPECT_EQ(files.isPackage(folder.folder(name) + u'/'), true) << name.toStdString();
+    EXPECT_EQ(files.isPackage(folder.folder(u"plain"_s)), false);
+    EXPECT_EQ(files.isPackage(folder.folder(u"en.lproj"_s)), false);
+}
+
+TEST_F(Files, aFolderIsAPackageByTheTypeInItsDictionary)
+{
+    folder.folder(u"typed.thing/Contents"_s);
+    folder.file(u"typed.thing/Contents/Info.plist"_s,
+                "<plist><dict><key>CFBundlePackageType</key><string>BNDL</string></dict></plist>");
+    folder.folder(u"untyped.thing/Contents"_s);
+    folder.file(u"untyped.thing/Contents/Info.plist"_s,
+                "<plist><dict><key>CFBundleName</key><string>N</string></dict></plist>");
+    EXPECT_EQ(files.isPackage(folder.path(u"typed.thing"_s)), true);
+    EXPECT_EQ(files.isPackage(folder.path(u"untyped.thing"_s)), false);
+}
+
+TEST_F(Files, aFileOrALinkIsNoPackageAndAMissingItemIsNothing)
+{
+    EXPECT_EQ(files.isPackage(folder.file(u"file.app"_s)), false);
+    EXPECT_EQ(files.isPackage(folder.link(u"link.app"_s, folder.folder(u"real.app"_s))), false);
+    EXPECT_EQ(files.isPackage(folder.path(u"missing.app"_s)), std::nullopt);
+}
+
+TEST_F(Files, aListingHasNoHiddenNames)
+{
+    folder.file(u"b"_s);
+    folder.file(u".hidden"_s);
+    folder.folder(u"a folder"_s);
+    folder.link(u"dangling"_s, u"/no/such/item"_s);
+    folder.file(u"Größe"_s);
+    EXPECT_THAT(files.contentsOfDirectory(folder.path()),
+                UnorderedElementsAre(u"b"_s, u"a folder"_s, u"dangling"_s, u"Größe"_s));
+}
+
+TEST_F(Files, aLinkToAFolderListsTheFolder)
+{
+    folder.folder(u"real"_s);
+    folder.file(u"real/inside"_s);
+    EXPECT_EQ(files.contentsOfDirectory(folder.link(u"link"_s, folder.path(u"real"_s))),
+              QStringList{u"inside"_s});
+}
+
+TEST_F(Files, whatCannotBeListedIsEmpty)
+{
+    EXPECT_TRUE(files.contentsOfDirectory(folder.path(u"missing"_s)).isEmpty());
+    EXPECT_TRUE(files.contentsOfDirectory(folder.file(u"file"_s)).isEmpty());
+}
+
+TEST_F(Files, aFolderIsCreatedWithThoseAboveIt)
+{
+    const QString deep = folder.path(u"one/two/three"_s);
+    ASSERT_TRUE(files.createDirectory(deep));
+    EXPECT_TRUE(files.kind(deep).isDirectory);
+    EXPECT_TRUE(files.createDirectory(deep));
+    EXPECT_TRUE(files.createDirectory(folder.link(u"link"_s, deep)));
+}
+
+TEST_F(Files, aFolderIsNotCreatedWhereAFileIs)
+{
+    const QString file = folder.file(u"file"_s);
+    EXPECT_EQ(files.createDirectory(file).error(), u"Cannot create '%1': File exists"_s.arg(file));
+    EXPECT_FALSE(files.createDirectory(file + u"/inside"_s));
+    EXPECT_FALSE(files.createDirectory(u"/proc/nobody may/create this"_s));
+}
+
+TEST_F(Files, aCreatedFileIsEmptyWhateverWasThere)
+{
+    const QString file = folder.file(u"file"_s, "old");
+    ASSERT_TRUE(files.createFile(file));
+    EXPECT_EQ(stateOf(file).st_size, 0);
+    EXPECT_EQ(files.createFile(folder.path()).error(),
+              u"Cannot create '%1': Is a directory"_s.arg(folder.path()));
+}
+
+TEST_F(Files, aFolderIsRemovedWithAllThatIsInItAndNothingBehindItsLinks)
+{
+    folder.folder(u"kept"_s);
+    const QString kept = folder.file(u"kept/file"_s);
+    folder.folder(u"gone/deep/.hidden"_s);
+    folder.file(u"gone/deep/.hidden/file"_s);
+    folder.file(u"gone/file"_s);
+    folder.link(u"gone/link"_s, folder.path(u"kept"_s));
+    ASSERT_TRUE(files.removeItem(folder.path(u"gone"_s)));
+    EXPECT_FALSE(files.isReachable(folder.path(u"gone"_s)));
+    EXPECT_TRUE(files.isReachable(kept));
+}
+
+TEST_F(Files, aLinkIsRemovedAndNotWhatItLeadsTo)
+{
+    folder.folder(u"real"_s);
+    const QString inside = folder.file(u"real/inside"_s);
+    const QString link = folder.link(u"link"_s, folder.path(u"real"_s));
+    ASSERT_TRUE(files.removeItem(link));
+    EXPECT_FALSE(files.isReachable(link));
+    EXPECT_TRUE(files.isReachable(inside));
+}
+
+TEST_F(Files, removingAMissingItemFailsWithItsName)
+{
+    const QString missing = folder.path(u"missing"_s);
+    EXPECT_EQ(files.removeItem(missing).error(),
+              u"Cannot remove '%1': No such file or directory"_s.arg(missing));
+    EXPECT_FALSE(files.removeItem(u"/proc/version"_s));
+}
+
+TEST_F(Files, aMovedItemIsTheSameItemUnderItsNewPath)
+{
+    folder.folder(u"from/deep"_s);
+    folder.file(u"from/deep/file"_s, "text");
+    const ino_t inode = stateOf(folder.path(u"from"_s)).st_ino;
+    ASSERT_TRUE(files.moveItem(folder.path(u"from"_s), folder.path(u"to"_s)));
+    EXPECT_FALSE(files.isReachable(folder.path(u"from"_s)));
+    EXPECT_EQ(stateOf(folder.path(u"to"_s)).st_ino, inode);
+    EXPECT_EQ(contentsOf(folder.path(u"to/deep/file"_s)), "text");
+}
+
+TEST_F(Files, nothingIsMovedOntoAnOccupiedPath)
+{
+    const QString from = folder.file(u"from"_s, "new");
+    const QString to = folder.file(u"to"_s, "old");
+    EXPECT_EQ(files.moveItem(from, to).error(), u"Cannot move '%1' to '%2': File exists"_s.arg(from, to));
+    EXPECT_EQ(contentsOf(from), "new");
+    EXPECT_EQ(contentsOf(to), "old");
+    EXPECT_FALSE(files.moveItem(folder.folder(u"one"_s), folder.folder(u"empty"_s)));
+    EXPECT_FALSE(files.moveItem(from, folder.link(u"dangling"_s, u"/no/such/item"_s)));
+}
+
+TEST_F(Files, aMissingItemCannotBeMoved)
+{
+    EXPECT_FALSE(files.moveItem(folder.path(u"missing"_s), folder.path(u"to"_s)));
+    EXPECT_FALSE(files.isReachable(folder.path(u"to"_s)));
+}
+
+TEST_F(Files, permissionsAreSetAsInChmod)
+{
+    const QString file = folder.file(u"file"_s);
+    ASSERT_TRUE(files.setPermissions(file, 04751));
+    EXPECT_EQ(modeOf(file), 04751U);
+    const QString missing = folder.path(u"missing"_s);
+    EXPECT_EQ(files.setPermissions(missing, 0644).error(),
+              u"Cannot set the permissions of '%1': No such file or directory"_s.arg(missing));
+}
+
+TEST_F(Files, aFileIsReadWhole)
+{
+    const QByteArray bytes = QByteArray("a\0b\r\n", 5).repeated(200000);
+    EXPECT_EQ(files.readFile(folder.file(u"file"_s, bytes)), bytes);
+    const auto empty = files.readFile(folder.file(u"empty"_s));
+    ASSERT_TRUE(empty);
+    EXPECT_TRUE(empty->isEmpty());
+    EXPECT_TRUE(files.readFile(u"/proc/version"_s)->startsWith("Linux")); // one whose size reads as 0
+}
+
+TEST_F(Files, whatCannotBeReadIsNamedWithTheReason)
+{
+    QString error;
+    EXPECT_EQ(files.readFile(folder.path(u"missing"_s), &error), std::nullopt);
+    EXPECT_EQ(error, u"Cannot read '%1': No such file or directory"_s.arg(folder.path(u"missing"_s)));
+    error.clear();
+    EXPECT_EQ(files.readFile(folder.path(), &error), std::nullopt);
+    EXPECT_TRUE(error.contains(folder.path()));
+}
+
+TEST_F(Files, aFileIsWrittenInPlace)
+{
+    const QString file = folder.file(u"file"_s, "something longer");
+    const ino_t inode = stateOf(file).st_ino;
+    ASSERT_TRUE(files.writeFile(file, "new"));
+    EXPECT_EQ(contentsOf(file), "new");
+    EXPECT_EQ(stateOf(file).st_ino, inode);
+    EXPECT_TRUE(files.writeFile(folder.path(u"other"_s), "new"));
+    EXPECT_FALSE(files.writeFile(folder.path(u"no/such/folder"_s), "new"));
+}
+
+TEST_F(Files, aFullDeviceIsAFailureToWrite)
+{
+    EXPECT_EQ(files.writeFile(u"/dev/full"_s, "new").error(),
+              u"Cannot write '/dev/full': No space left on device"_s);
+}
+
+TEST_F(Files, aFileWrittenAtomicallyTakesTheOldOnesPlaceWithItsMode)
+{
+    const QString file = folder.file(u"file"_s, "old");
+    ASSERT_TRUE(files.setPermissions(file, 0640));
+    QFile open(file);
+    ASSERT_TRUE(open.open(QIODevice::ReadOnly));
+    ASSERT_TRUE(files.writeFileAtomically(file, "new"));
+    EXPECT_EQ(contentsOf(file), "new");
+    EXPECT_EQ(open.readAll(), "old"); // whoever has it open sees all of the old one
+    EXPECT_EQ(modeOf(file), 0640U);
+    EXPECT_EQ(QDir(folder.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+              QStringList{u"file"_s});
+}
+
+TEST_F(Files, anAtomicWriteIntoAMissingFolderFailsWithTheName)
+{
+    const QString file = folder.path(u"no/such/file"_s);
+    EXPECT_TRUE(files.writeFileAtomically(file, "new").error().contains(file));
+}
+
+TEST_F(Files, aHandleAppendsToWhatIsThere)
+{
+    const QString file = folder.file(u"log"_s, "one\n");
+    const auto handle = files.openForAppending(file);
+    ASSERT_TRUE(handle);
+    handle->write("two\n");
+    EXPECT_EQ(contentsOf(file), "one\ntwo\n");
+    handle->close();
+    handle->write("three\n");
+    handle->close();
+    EXPECT_EQ(contentsOf(file), "one\ntwo\n");
+}
+
+TEST_F(Files, onlyAFileThatExistsIsOpenedForAppending)
+{
+    EXPECT_FALSE(files.openForAppending(folder.path(u"missing"_s)));
+    EXPECT_FALSE(files.isReachable(folder.path(u"missing"_s)));
+    EXPECT_FALSE(files.openForAppending(folder.path()));
+}
+
+TEST_F(Files, aHandleMayBeClosedWhileOthersWriteWholeLines)
+{
+    const QString file = folder.file(u"log"_s);
+    const auto handle = files.openForAppending(file);
+    ASSERT_TRUE(handle);
+    const QByteArray line = QByteArray(99, 'x') + '\n';
+    std::vector<std::thread> writers;
+    for (int t = 0; t < 4; ++t) {
+        writers.emplace_back([&] {
+            for (int i = 0; i < 500; ++i)
+                handle->write(line);
+        });
+    }
+    handle->close();
+    for (std::thread &writer : writers)
+        writer.join();
+    for (const QByteArray &written : contentsOf(file).split('\n'))
+        EXPECT_TRUE(written.isEmpty() || written.size() == 99);
+}
+
+TEST_F(Files, aReplacementDirectoryIsNewEmptyPrivateAndOnTheSameVolume)
+{
+    const QString item = folder.file(u"item"_s);
+    const auto first = files.replacementDirectory(item);
+    const auto second = files.replacementDirectory(item);
+    ASSERT_TRUE(first && second);
+    EXPECT_NE(*first, *second);
+    EXPECT_EQ(modeOf(*first), 0700U);
+    EXPECT_TRUE(QDir(*first).isEmpty());
+    EXPECT_EQ(stateOf(*first).st_dev, stateOf(item).st_dev);
+    EXPECT_EQ(files.contentsOfDirectory(folder.path()), QStringList{u"item"_s}); // nobody sees it
+}
+
+TEST_F(Files, withoutAPlaceForAReplacementDirectoryTheItemIsNamed)
+{
+    QString error;
+    const QString item = folder.path(u"no/such/item"_s);
+    EXPECT_EQ(files.replacementDirectory(item, &error), std::nullopt);
+    EXPECT_EQ(error, u"Cannot make a replacement of '%1': No such file or directory"_s.arg(item));
+}
+
+TEST_F(Files, aTrashedItemCanBeTakenBackAndDoesNotOustAnother)
+{
+    qputenv("XDG_DATA_HOME", QFile::encodeName(folder.folder(u"data"_s)));
+    QString probe;
+    ASSERT_TRUE(QFile::moveToTrash(folder.file(u"probe"_s), &probe)); // tells where this host has its trash
+    const QDir trash = QFileInfo(probe).dir();
+    const QString name = u"Foo "_s + QString::number(getpid());
+    QSet<ino_t> inodes;
+    for (int i = 0; i < 2; ++i) {
+        folder.folder(name);
+        folder.file(name + u"/file"_s, "text");
+        inodes += stateOf(folder.path(name)).st_ino;
+        const Outcome outcome = files.trashItem(folder.path(name));
+        ASSERT_TRUE(outcome) << outcome.error().toStdString();
+        EXPECT_FALSE(files.isReachable(folder.path(name)));
+    }
+    for (const QString &trashed : trash.entryList({name + u'*'})) {
+        inodes.remove(stateOf(trash.filePath(trashed)).st_ino);
+        EXPECT_EQ(contentsOf(trash.filePath(trashed + u"/file"_s)), "text");
+        const QString info = trash.filePath(u"../info/"_s + trashed + u".trashinfo"_s);
+        EXPECT_TRUE(contentsOf(info).contains("\nPath="));
+        EXPECT_TRUE(files.removeItem(trash.filePath(trashed)));
+        EXPECT_TRUE(files.removeItem(info));
+    }
+    EXPECT_TRUE(inodes.isEmpty()); // both were there
+    EXPECT_TRUE(files.removeItem(probe));
+    EXPECT_TRUE(files.removeItem(trash.filePath(u"../info/%1.trashinfo"_s.arg(QFileInfo(probe).fileName()))));
+}
+
+TEST_F(Files, aMissingItemCannotBeTrashed)
+{
+    const QString missing = folder.path(u"missing"_s);
+    EXPECT_TRUE(
+        files.trashItem(missing).error().startsWith(u"Cannot move '%1' to the trash: "_s.arg(missing)));
+}
