@@ -6,6 +6,8 @@
 #include "platform/workspace.h"
 #include "tools/failureline.h"
 
+#include <QVariant>
+
 using namespace Qt::StringLiterals;
 
 namespace {

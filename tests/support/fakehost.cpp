@@ -1,0 +1,309 @@
+#include "support/fakehost.h"
+
+#include <QDir>
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+using platform::Outcome;
+
+void TestMainQueue::post(std::function<void()> block)
+{
+    ++m_pending;
+    QMetaObject::invokeMethod(
+        this,
+        [this, block = std::move(block)] {
+            block();
+            --m_pending;
+        },
+        Qt::QueuedConnection);
+}
+
+TestWorkerQueue::~TestWorkerQueue()
+{
+    for (std::thread &thread : m_threads)
+        thread.join();
+}
+
+void TestWorkerQueue::post(std::function<void()> job)
+{
+    ++m_running;
+    const std::scoped_lock lock(m_mutex);
+    m_threads.emplace_back([this, job = std::move(job)]() mutable {
+        job();
+        job = nullptr; // lets go of its document before it counts as done
+        --m_running;
+    });
+}
+
+class ManualTimers::ManualTimer : public platform::Timer {
+public:
+    explicit ManualTimer(Armed armed)
+        : what(std::move(armed))
+    {
+    }
+    void invalidate() override { isArmed = false; }
+
+    Armed what;
+    std::atomic<bool> isArmed = true;
+};
+
+std::shared_ptr<platform::Timer> ManualTimers::schedule(double interval, double tolerance,
+                                                        std::function<void()> fire)
+{
+    auto timer = std::make_shared<ManualTimer>(Armed{interval, tolerance, std::move(fire)});
+    const std::scoped_lock lock(m_mutex);
+    m_timers.append(timer);
+    return timer;
+}
+
+QList<ManualTimers::Armed> ManualTimers::armed() const
+{
+    const std::scoped_lock lock(m_mutex);
+    QList<Armed> armed;
+    for (const auto &timer : m_timers) {
+        if (timer->isArmed)
+            armed.append(timer->what);
+    }
+    return armed;
+}
+
+double ManualTimers::fireNext()
+{
+    std::shared_ptr<ManualTimer> next;
+    {
+        const std::scoped_lock lock(m_mutex);
+        m_timers.removeIf([](const auto &timer) { return !timer->isArmed; });
+        if (m_timers.isEmpty())
+            return -1;
+        next = m_timers.takeFirst();
+    }
+    next->isArmed = false;
+    next->what.fire();
+    return next->what.interval;
+}
+
+void MemoryPreferences::setValue(const QString &key, const QVariant &value)
+{
+    const std::scoped_lock lock(m_mutex);
+    m_values.insert(key, value);
+}
+
+void MemoryPreferences::remove(const QString &key)
+{
+    const std::scoped_lock lock(m_mutex);
+    m_values.remove(key);
+}
+
+QVariantMap MemoryPreferences::stored() const
+{
+    const std::scoped_lock lock(m_mutex);
+    return m_values;
+}
+
+QVariant MemoryPreferences::storedValue(const QString &key) const
+{
+    const std::scoped_lock lock(m_mutex);
+    return m_values.value(key);
+}
+
+QString TestFiles::failureOf(const char *operation, const QString &path) const
+{
+    return failure ? failure(QString::fromLatin1(operation), path) : QString();
+}
+
+Outcome TestFiles::createDirectory(const QString &path)
+{
+    const QString error = failureOf("createDirectory", path);
+    return error.isNull() ? PosixFileService::createDirectory(path) : Outcome::failure(error);
+}
+
+Outcome TestFiles::createFile(const QString &path)
+{
+    const QString error = failureOf("createFile", path);
+    return error.isNull() ? PosixFileService::createFile(path) : Outcome::failure(error);
+}
+
+Outcome TestFiles::removeItem(const QString &path)
+{
+    const QString error = failureOf("removeItem", path);
+    return error.isNull() ? PosixFileService::removeItem(path) : Outcome::failure(error);
+}
+
+Outcome TestFiles::moveItem(const QString &from, const QString &to)
+{
+    const QString error = failureOf("moveItem", to);
+    return error.isNull() ? PosixFileService::moveItem(from, to) : Outcome::failure(error);
+}
+
+Outcome TestFiles::copyItem(const QString &from, const QString &to)
+{
+    const QString error = failureOf("copyItem", to);
+    return error.isNull() ? PosixFileService::copyItem(from, to) : Outcome::failure(error);
+}
+
+Outcome TestFiles::trashItem(const QString &path)
+{
+    const QString error = failureOf("trashItem", path);
+    if (!error.isNull())
+        return Outcome::failure(error);
+    QDir().mkpath(m_trash);
+    trashed.append(path);
+    return PosixFileService::moveItem(path, m_trash + u'/' + QString::number(trashed.size()));
+}
+
+Outcome TestFiles::setPermissions(const QString &path, unsigned mode)
+{
+    const QString error = failureOf("setPermissions", path);
+    return error.isNull() ? PosixFileService::setPermissions(path, mode) : Outcome::failure(error);
+}
+
+std::optional<QByteArray> TestFiles::readFile(const QString &path, QString *error) const
+{
+    const QString wanted = failureOf("readFile", path);
+    if (wanted.isNull())
+        return PosixFileService::readFile(path, error);
+    if (error)
+        *error = wanted;
+    return std::nullopt;
+}
+
+bool TestFiles::isReadable(const QString &path) const
+{
+    return failureOf("isReadable", path).isNull() && PosixFileService::isReadable(path);
+}
+
+Outcome TestFiles::writeFile(const QString &path, const QByteArray &bytes)
+{
+    const QString error = failureOf("writeFile", path);
+    return error.isNull() ? PosixFileService::writeFile(path, bytes) : Outcome::failure(error);
+}
+
+Outcome TestFiles::writeFileAtomically(const QString &path, const QByteArray &bytes)
+{
+    const QString error = failureOf("writeFileAtomically", path);
+    return error.isNull() ? PosixFileService::writeFileAtomically(path, bytes) : Outcome::failure(error);
+}
+
+std::optional<QString> TestFiles::replacementDirectory(const QString &forItem, QString *error)
+{
+    const QString wanted = failureOf("replacementDirectory", forItem);
+    if (wanted.isNull())
+        return PosixFileService::replacementDirectory(forItem, error);
+    if (error)
+        *error = wanted;
+    return std::nullopt;
+}
+
+Outcome TestFiles::replaceItem(const QString &path, const QString &replacement)
+{
+    const QString error = failureOf("replaceItem", path);
+    return error.isNull() ? PosixFileService::replaceItem(path, replacement) : Outcome::failure(error);
+}
+
+std::optional<QByteArray> FakeUrlReader::contentsOf(const QUrl &url)
+{
+    asked.append(url);
+    return contents.contains(url) ? std::optional(contents.value(url)) : std::nullopt;
+}
+
+Outcome FakeWorkspace::launchInBackground(const QString &bundleIdentifier)
+{
+    launched.append(bundleIdentifier);
+    return installed.contains(bundleIdentifier) ? Outcome::success()
+                                                : Outcome::failure(bundleIdentifier + u" is not installed"_s);
+}
+
+platform::AppleScriptResult FakeAppleScript::execute(const QString &source)
+{
+    sources.append(source);
+    return result;
+}
+
+void FakeDistributedNotifications::addObserver(const QString &name, std::function<void()> handler)
+{
+    handlers.insert(name, std::move(handler));
+}
+
+void FakeUserNotificationCenter::deliver(const platform::UserNotification &notification)
+{
+    delivered.append(notification);
+}
+
+void FakeUpdater::setSendsSystemProfile(bool sends)
+{
+    sendsSystemProfile = sends;
+    if (onCall)
+        onCall();
+}
+
+int FakeApplication::runModal(const platform::Alert &alert)
+{
+    modalAlerts.append(alert);
+    return platform::alertFirstButton;
+}
+
+QList<platform::Window *> FakeApplication::windowsFrontToBack() const
+{
+    return {onScreen.cbegin(), onScreen.cend()};
+}
+
+FakeWindow::~FakeWindow()
+{
+    m_application.onScreen.removeAll(this);
+}
+
+void FakeWindow::show()
+{
+    modesWhenShown.append(tabbingModes.isEmpty() ? platform::TabbingMode::automatic : tabbingModes.last());
+    m_application.onScreen.removeAll(this);
+    m_application.onScreen.prepend(this);
+}
+
+void FakeWindow::performClose()
+{
+    if (m_delegate.shouldClose())
+        close();
+}
+
+void FakeWindow::close()
+{
+    isClosed = true;
+    sheet.reset();
+    panel.reset();
+    m_application.onScreen.removeAll(this);
+    m_delegate.willClose();
+}
+
+void FakeWindow::beginSheet(const platform::Alert &alert, std::function<void(int)> completion)
+{
+    if (isClosed)
+        return;
+    sheets.append(alert);
+    sheet = Sheet{alert, std::move(completion)};
+}
+
+void FakeWindow::beginOpenPanel(const platform::OpenPanel &wanted,
+                                std::function<void(const QUrl &)> completion)
+{
+    panel = Panel{wanted, std::move(completion)};
+}
+
+void FakeWindow::answerSheet(int answer)
+{
+    ASSERT_TRUE(sheet) << "no sheet is up";
+    const auto completion = std::exchange(sheet, std::nullopt)->completion;
+    completion(answer);
+}
+
+void FakeWindow::choose(const QUrl &url)
+{
+    ASSERT_TRUE(panel) << "no panel is up";
+    const auto completion = std::exchange(panel, std::nullopt)->completion;
+    completion(url);
+}
+
+std::unique_ptr<platform::Window> FakeWindowFactory::makeWindow(MainWinController &)
+{
+    return std::make_unique<FakeWindow>(m_application);
+}

@@ -1,0 +1,267 @@
+#pragma once
+
+#include "document/windowfactory.h"
+#include "platform/applescript.h"
+#include "platform/applicationhost.h"
+#include "platform/clock.h"
+#include "platform/mainqueue.h"
+#include "platform/notifications.h"
+#include "platform/posix/posixfileservice.h"
+#include "platform/preferences.h"
+#include "platform/timer.h"
+#include "platform/updater.h"
+#include "platform/urlreader.h"
+#include "platform/workerqueue.h"
+#include "platform/workspace.h"
+
+#include <QHash>
+#include <QObject>
+#include <QSet>
+#include <QThread>
+
+#include <atomic>
+#include <functional>
+#include <mutex>
+#include <thread>
+
+/// The services of a host, faked: each does the least that the contract asks, records what it was asked and
+/// lets a test say what it answers.
+
+class TestMainQueue : public QObject, public platform::MainQueue {
+public:
+    void post(std::function<void()> block) override;
+    bool isMainThread() const override { return QThread::currentThread() == thread(); }
+    bool isEmpty() const { return m_pending == 0; }
+
+private:
+    std::atomic<int> m_pending = 0;
+};
+
+class TestWorkerQueue : public platform::WorkerQueue {
+public:
+    ~TestWorkerQueue() override;
+    void post(std::function<void()> job) override;
+    bool isIdle() const { return m_running == 0; }
+
+private:
+    std::atomic<int> m_running = 0;
+    std::mutex m_mutex;
+    std::vector<std::thread> m_threads;
+};
+
+/// Timers that fire when the test says so.
+class ManualTimers : public platform::TimerService {
+public:
+    struct Armed {
+        double interval;
+        double tolerance;
+        std::function<void()> fire;
+    };
+
+    [[nodiscard]] std::shared_ptr<platform::Timer> schedule(double interval, double tolerance,
+                                                            std::function<void()> fire) override;
+    /// The timers that are armed now, in the order of arming.
+    QList<Armed> armed() const;
+    /// Fires the timer that was armed first. Answers with its interval, or a negative number if none is
+    /// armed.
+    double fireNext();
+
+private:
+    class ManualTimer;
+    mutable std::mutex m_mutex;
+    QList<std::shared_ptr<ManualTimer>> m_timers;
+};
+
+class ManualClock : public platform::Clock {
+public:
+    QDateTime now() const override { return time; }
+    QDateTime time{QDate(2026, 11, 20), QTime(14, 3, 22, 123)};
+};
+
+class MemoryPreferences : public platform::Preferences {
+public:
+    void setValue(const QString &key, const QVariant &value) override;
+    void remove(const QString &key) override;
+    QVariantMap stored() const;
+
+protected:
+    QVariant storedValue(const QString &key) const override;
+
+private:
+    mutable std::mutex m_mutex;
+    QVariantMap m_values;
+};
+
+/// The real file service, with a trash of its own and operations that fail where a test wants it.
+class TestFiles : public platform::PosixFileService {
+public:
+    explicit TestFiles(QString trash)
+        : m_trash(std::move(trash))
+    {
+    }
+
+    /// Asked before each changing operation ("copyItem" and so on, with its target path); a text that is not
+    /// null is the error with which the operation fails.
+    std::function<QString(const QString &operation, const QString &path)> failure;
+    QStringList trashed;
+
+    platform::Outcome createDirectory(const QString &path) override;
+    platform::Outcome createFile(const QString &path) override;
+    platform::Outcome removeItem(const QString &path) override;
+    platform::Outcome moveItem(const QString &from, const QString &to) override;
+    platform::Outcome copyItem(const QString &from, const QString &to) override;
+    platform::Outcome trashItem(const QString &path) override;
+    platform::Outcome setPermissions(const QString &path, unsigned mode) override;
+    std::optional<QByteArray> readFile(const QString &path, QString *error = nullptr) const override;
+    bool isReadable(const QString &path) const override;
+    platform::Outcome writeFile(const QString &path, const QByteArray &bytes) override;
+    platform::Outcome writeFileAtomically(const QString &path, const QByteArray &bytes) override;
+    std::optional<QString> replacementDirectory(const QString &forItem, QString *error = nullptr) override;
+    platform::Outcome replaceItem(const QString &path, const QString &replacement) override;
+
+private:
+    QString failureOf(const char *operation, const QString &path) const;
+
+    const QString m_trash;
+};
+
+class FakeUrlReader : public platform::UrlReader {
+public:
+    std::optional<QByteArray> contentsOf(const QUrl &url) override;
+    QHash<QUrl, QByteArray> contents; ///< what is not here fails to load
+    QList<QUrl> asked;
+};
+
+class FakeWorkspace : public platform::Workspace {
+public:
+    bool isRunning(const QString &bundleIdentifier) const override
+    {
+        return running.contains(bundleIdentifier);
+    }
+    platform::Outcome launchInBackground(const QString &bundleIdentifier) override;
+    QString pathForApplication(const QString &bundleIdentifier) const override
+    {
+        return installed.value(bundleIdentifier);
+    }
+    void revealItem(const QString &path) override { revealed.append(path); }
+    void openUrl(const QUrl &url) override { opened.append(url); }
+
+    QSet<QString> running;
+    QHash<QString, QString> installed; ///< identifier to path
+    QStringList launched;
+    QStringList revealed;
+    QList<QUrl> opened;
+};
+
+class FakeAppleScript : public platform::AppleScript {
+public:
+    platform::AppleScriptResult execute(const QString &source) override;
+    QStringList sources;
+    platform::AppleScriptResult result{{}, {}, QStringLiteral("no such application")};
+};
+
+class FakeDistributedNotifications : public platform::DistributedNotifications {
+public:
+    void addObserver(const QString &name, std::function<void()> handler) override;
+    void removeAllObservers() override { handlers.clear(); }
+    QHash<QString, std::function<void()>> handlers;
+};
+
+class FakeUserNotificationCenter : public platform::UserNotificationCenter {
+public:
+    void setShouldPresent(Presenter presenter) override { shouldPresent = std::move(presenter); }
+    void deliver(const platform::UserNotification &notification) override;
+    Presenter shouldPresent;
+    QList<platform::UserNotification> delivered;
+};
+
+class FakeUpdater : public platform::Updater {
+public:
+    void setSendsSystemProfile(bool sends) override;
+    std::function<void()> onCall;
+    std::optional<bool> sendsSystemProfile;
+};
+
+class FakeWindow;
+
+class FakeApplication : public platform::ApplicationHost {
+public:
+    void activate() override { ++activations; }
+    void terminate() override { isTerminated = true; }
+    bool isOptionKeyDown() const override { return optionKey; }
+    void beep() override { ++beeps; }
+    int runModal(const platform::Alert &alert) override;
+    QList<platform::Window *> windowsFrontToBack() const override;
+
+    int activations = 0;
+    bool isTerminated = false;
+    bool optionKey = false;
+    int beeps = 0;
+    QList<platform::Alert> modalAlerts;
+    QList<FakeWindow *> onScreen; ///< front to back
+};
+
+class FakeWindow : public platform::Window {
+public:
+    explicit FakeWindow(FakeApplication &application)
+        : m_application(application)
+    {
+    }
+    ~FakeWindow() override;
+
+    struct Sheet {
+        platform::Alert alert;
+        std::function<void(int)> completion;
+    };
+    struct Panel {
+        platform::OpenPanel panel;
+        std::function<void(const QUrl &)> completion;
+    };
+
+    QString title() const override { return m_title; }
+    void setTitle(const QString &title) override { m_title = title; }
+    void setSubtitle(const QString &subtitle) override { subtitles.append(subtitle); }
+    void setTabbingMode(platform::TabbingMode mode) override { tabbingModes.append(mode); }
+    void show() override;
+    void endEditing() override { ++editsEnded; }
+    [[nodiscard]] bool makeNothingFirstResponder() override { return !refusesToGiveUpFocus; }
+    void performClose() override;
+    void close() override;
+    void beginSheet(const platform::Alert &alert, std::function<void(int)> completion) override;
+    void beginOpenPanel(const platform::OpenPanel &panel,
+                        std::function<void(const QUrl &)> completion) override;
+    void setDelegate(Delegate delegate) override { m_delegate = std::move(delegate); }
+    QList<platform::Window *> tabbedWindows() const override { return tabs; }
+
+    /// Answers the sheet that is up (1000 is the first button) or chooses in the panel that is up.
+    void answerSheet(int answer = platform::alertFirstButton);
+    void choose(const QUrl &url);
+
+    QStringList subtitles;
+    QList<platform::TabbingMode> tabbingModes;
+    QList<platform::TabbingMode> modesWhenShown;
+    int editsEnded = 0;
+    bool refusesToGiveUpFocus = false;
+    bool isClosed = false;
+    std::optional<Sheet> sheet; ///< that is up now
+    std::optional<Panel> panel;
+    QList<platform::Alert> sheets; ///< all that have been up
+    QList<platform::Window *> tabs;
+
+private:
+    FakeApplication &m_application;
+    Delegate m_delegate;
+    QString m_title;
+};
+
+class FakeWindowFactory : public WindowFactory {
+public:
+    explicit FakeWindowFactory(FakeApplication &application)
+        : m_application(application)
+    {
+    }
+    [[nodiscard]] std::unique_ptr<platform::Window> makeWindow(MainWinController &document) override;
+
+private:
+    FakeApplication &m_application;
+};

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QByteArray>
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+/// What a fake tool does when it is run.
+struct ToolAnswer {
+    int status = 0;
+    QByteArray output = {};
+    QByteArray error = {};
+    int signal = 0; ///< not 0: the tool dies of it
+    bool hangs = false; ///< waits until it is ended
+    QByteArray content = {}; ///< not null: written to `target`
+    QString target = QStringLiteral("{last}"); ///< a path, or "{last}" for the path in the last argument
+};
+
+struct ToolCall {
+    QString tool; ///< "codesign", "altool--notarize-app", "stapler" and so on
+    QStringList arguments;
+    bool operator==(const ToolCall &) const = default;
+};
+
+/// A tool root in a folder, whose tools record how they are called and answer what a test lays down. Made
+/// ready for a submission that succeeds at its first poll.
+class FakeTools {
+public:
+    explicit FakeTools(const QString &folder);
+
+    QString root() const { return m_root; }
+    /// The answer of each run that has none of its own.
+    void answer(const QString &tool, const ToolAnswer &answer);
+    /// The answer of the tool's run of that number, counted from 1.
+    void answerRun(const QString &tool, int run, const ToolAnswer &answer);
+    /// Takes the tool away from the root.
+    void remove(const QString &path);
+
+    QList<ToolCall> calls() const;
+    /// The calls of one tool.
+    QList<QStringList> callsOf(const QString &tool) const;
+    /// The names of the tools that ran, in their order.
+    QStringList order() const;
+    void forgetCalls();
+
+    static QByteArray uploadReply(const QString &requestUUID = QStringLiteral("1234-abcd"));
+    static QByteArray infoReport(const QString &status, const QString &logFileURL = {});
+
+private:
+    void add(const QString &path);
+
+    QString m_root;
+};

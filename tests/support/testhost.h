@@ -1,0 +1,77 @@
+#pragma once
+
+#include "app/appdelegate.h"
+#include "platform/posix/posixprocesslauncher.h"
+#include "support/fakehost.h"
+#include "support/faketools.h"
+#include "tools/toolroot.h"
+
+#include <QTemporaryDir>
+
+/// A whole application on a faked host, with fake tools in a tool root of its own and a folder for items. The
+/// services are public: a test sets them up before `launch` and asks them afterwards.
+class TestHost {
+public:
+    /// With another factory the documents get real windows.
+    explicit TestHost(WindowFactory *windowFactory = nullptr);
+    ~TestHost();
+
+    /// Runs both steps of launch. Credentials that pass the checks are in the preferences, unless a test
+    /// changed them.
+    void launch();
+    AppDelegate &application() { return *m_application; }
+    platform::Host host();
+
+    /// The document that was added last, and its window.
+    MainWinController &document();
+    FakeWindow &window() { return window(document()); }
+    static FakeWindow &window(MainWinController &document);
+
+    /// Lets the main queue run until the workers are idle and nothing is queued any more.
+    void settle();
+    /// Lets the main queue run until the condition holds. A condition that never does is a failed test.
+    void runUntil(const std::function<bool()> &condition);
+
+    /// Submits the item as a script without dialogs or a person would, up to the first poll or the end.
+    void submit(const QString &path);
+    /// Submits, and fires polls until none is armed.
+    void submitToTheEnd(const QString &path);
+    void firePolls();
+
+    /// Path of something in the items' folder.
+    QString item(const QString &name) const { return m_folder.filePath(QStringLiteral("items/") + name); }
+    /// The names in that folder or in a folder in it, sorted.
+    QStringList listing(const QString &folder = {}) const;
+    /// The text of a file in that folder; null if there is none.
+    QString text(const QString &file) const;
+    /// The messages of the window log, without time stamps.
+    QStringList log();
+    /// The runs of the window log in one style, without time stamps.
+    QStringList log(LogStyle style);
+
+private:
+    QTemporaryDir m_folder;
+
+public:
+    FakeTools tools;
+    TestMainQueue mainQueue;
+    ManualTimers timers;
+    ManualClock clock;
+    MemoryPreferences preferences;
+    TestFiles files;
+    FakeUrlReader urls;
+    FakeWorkspace workspace;
+    FakeAppleScript appleScript;
+    FakeDistributedNotifications distributedNotifications;
+    FakeUserNotificationCenter userNotifications;
+    FakeApplication applicationHost;
+    FakeUpdater updater;
+    platform::PosixProcessLauncher launcher;
+    AppDelegate::Configuration configuration;
+
+private:
+    FakeWindowFactory m_fakeWindows;
+    WindowFactory &m_windowFactory;
+    std::unique_ptr<TestWorkerQueue> m_workers;
+    std::unique_ptr<AppDelegate> m_application;
+};
