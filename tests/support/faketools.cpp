@@ -37,6 +37,7 @@ FakeTools::FakeTools(const QString &folder)
            {.output = "  1) 0123456789ABCDEF \"Developer ID Application: Example Corp (A1B2C3D4E5)\"\n"
                       "     1 valid identities found\n"});
     answer(u"altool-h"_s, {.output = helpOfVersion("4.050.1203")});
+    answer(u"altool--notarization-history"_s, {.output = "Notarization History - page 0\n"});
     answer(u"altool--notarize-app"_s, {.output = uploadReply()});
     answer(u"altool--notarization-info"_s, {.output = infoReport(u"success"_s)});
     answer(u"ditto"_s, {.content = "zip"});
