@@ -1,0 +1,40 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace toolchain {
+
+/// A file that appears under its path only when it is whole. Until then it grows in a hidden file beside
+/// it, which is gone afterwards in every case, also when SIGTERM, SIGINT or SIGHUP ends the process. What
+/// was under the path before is replaced; a symbolic link is replaced too, and not followed.
+/// One at a time in a process.
+class WholeFile {
+public:
+    explicit WholeFile(std::filesystem::path destination);
+    ~WholeFile();
+    WholeFile(const WholeFile &) = delete;
+    WholeFile &operator=(const WholeFile &) = delete;
+
+    /// Open for writing; below 0, with errno telling why, if the file could not be made.
+    [[nodiscard]] int descriptor() const { return m_descriptor; }
+
+    /// Moves the file to its path, with the mode that the process's mask gives new files. False, with
+    /// errno telling why, if that fails.
+    [[nodiscard]] bool finish();
+
+private:
+    const std::filesystem::path m_destination;
+    std::string m_path;
+    const int m_descriptor;
+    bool m_finished = false;
+};
+
+/// Writes a whole file at once. Answers what went wrong, naming the file, or nothing.
+[[nodiscard]] std::string writeWholeFile(const std::filesystem::path &path, std::string_view bytes);
+
+/// "PATH: what the system says about the error number".
+[[nodiscard]] std::string systemError(const std::filesystem::path &path, int error);
+
+} // namespace toolchain
