@@ -1,0 +1,115 @@
+#include "toolchain/toolfixture.h"
+
+#include "platform/propertylist/propertylist.h"
+
+#include <QProcessEnvironment>
+#include <QVariantMap>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int deadlineInMilliseconds = 60'000;
+
+QStringList withCredentials(QStringList arguments)
+{
+    return arguments << u"-u"_s << u"someone@example.com"_s << u"-p"_s << u"@keychain:item"_s;
+}
+
+} // namespace
+
+void ToolFixture::SetUp()
+{
+    ASSERT_TRUE(m_folder.isValid());
+}
+
+QString ToolFixture::toolRoot()
+{
+    return QStringLiteral(TOOLCHAIN_ROOT);
+}
+
+ToolResult ToolFixture::run(const QString &tool, const QStringList &arguments, const QByteArray &input,
+                            const std::function<void()> &inChild) const
+{
+    const auto process = start(tool, arguments, inChild);
+    process->write(input);
+    process->closeWriteChannel();
+    return finish(*process);
+}
+
+std::unique_ptr<QProcess> ToolFixture::start(const QString &tool, const QStringList &arguments,
+                                             const std::function<void()> &inChild) const
+{
+    auto process = std::make_unique<QProcess>();
+    auto environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(u"SEALWRIGHT_TOOLCHAIN_STATE"_s, path(u"state"_s));
+    process->setProcessEnvironment(environment);
+    process->setWorkingDirectory(m_folder.path());
+    if (inChild)
+        process->setChildProcessModifier(inChild);
+    process->start(tool.startsWith(u"/usr"_s) ? toolRoot() + tool : tool, arguments);
+    return process;
+}
+
+ToolResult ToolFixture::finish(QProcess &process)
+{
+    if (!process.waitForFinished(deadlineInMilliseconds) || process.exitStatus() != QProcess::NormalExit)
+        return {-1, {}, process.errorString()};
+    return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
+            QString::fromUtf8(process.readAllStandardError())};
+}
+
+void ToolFixture::makeIdentity() const
+{
+    const ToolResult result = run(keychain, {u"make-identity"_s, u"--name"_s, holder});
+    ASSERT_EQ(result.status, 0) << result.error.toStdString();
+}
+
+void ToolFixture::storePassword() const
+{
+    const ToolResult result = run(keychain, {u"add-password"_s, u"item"_s}, "secret\n");
+    ASSERT_EQ(result.status, 0) << result.error.toStdString();
+}
+
+ToolResult ToolFixture::sign(const QString &item, const QStringList &moreArguments) const
+{
+    return run(codesign,
+               moreArguments
+                   + QStringList{u"-o"_s, u"runtime"_s, u"--timestamp"_s, u"--verbose=4"_s, u"-s"_s, identity,
+                                 u"--digest-algorithm=sha1,sha256"_s, item});
+}
+
+ToolResult ToolFixture::pack(const QString &item, const QString &archive) const
+{
+    return run(ditto, {u"-c"_s, u"-k"_s, u"--keepParent"_s, item, archive});
+}
+
+ToolResult ToolFixture::altool(const QStringList &arguments) const
+{
+    return run(xcrun, QStringList{u"altool"_s} + withCredentials(arguments));
+}
+
+ToolResult ToolFixture::upload(const QString &archive) const
+{
+    return altool({u"--notarize-app"_s, u"-f"_s, archive, u"--primary-bundle-id"_s, u"com.example.app"_s,
+                   u"--output-format"_s, u"xml"_s});
+}
+
+ToolResult ToolFixture::info(const QString &uuid) const
+{
+    return altool({u"--notarization-info"_s, uuid});
+}
+
+QString ToolFixture::uuidIn(const ToolResult &reply)
+{
+    const QVariantMap list = platform::propertyListFromData(reply.output.toUtf8()).value.toMap();
+    return list.value(u"notarization-upload"_s).toMap().value(u"RequestUUID"_s).toString();
+}
+
+ToolResult ToolFixture::pollToTheEnd(const QString &uuid) const
+{
+    ToolResult report = info(uuid);
+    for (int poll = 0; poll < 5 && report.output.contains(u"Status: in progress"_s); ++poll)
+        report = info(uuid);
+    return report;
+}

@@ -1,0 +1,79 @@
+#pragma once
+
+#include <QProcess>
+#include <QStringList>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+
+/// What a tool's process left behind.
+struct ToolResult {
+    int status = -1; ///< -1 if it did not start, did not end in time or was ended by a signal
+    QString output;
+    QString error;
+};
+
+/// A folder of its own for each test, in which the toolchain keeps its state too, and the built tools to run.
+class ToolFixture : public testing::Test {
+protected:
+    static inline const QString codesign = QStringLiteral("/usr/bin/codesign");
+    static inline const QString ditto = QStringLiteral("/usr/bin/ditto");
+    static inline const QString keychain = QStringLiteral("/usr/bin/sealwright-keychain");
+    static inline const QString security = QStringLiteral("/usr/bin/security");
+    static inline const QString spctl = QStringLiteral("/usr/sbin/spctl");
+    static inline const QString xattr = QStringLiteral("/usr/bin/xattr");
+    static inline const QString xcrun = QStringLiteral("/usr/bin/xcrun");
+
+    static inline const QString holder = QStringLiteral("Example Corp (A1B2C3D4E5)");
+    static inline const QString identity =
+        QStringLiteral("Developer ID Application: Example Corp (A1B2C3D4E5)");
+
+    void SetUp() override;
+
+    /// The folder of the built tools.
+    [[nodiscard]] static QString toolRoot();
+
+    /// A path inside the test's folder.
+    [[nodiscard]] QString path(const QString &name) const { return m_folder.filePath(name); }
+    [[nodiscard]] QString statePath(const QString &name) const
+    {
+        return path(QStringLiteral("state/") + name);
+    }
+
+    /// Runs a tool, named by its path under the tool root, to its end. `inChild` runs in the new process
+    /// first.
+    [[nodiscard]] ToolResult run(const QString &tool, const QStringList &arguments,
+                                 const QByteArray &input = {},
+                                 const std::function<void()> &inChild = {}) const;
+
+    /// Starts a tool and does not wait for it.
+    [[nodiscard]] std::unique_ptr<QProcess> start(const QString &tool, const QStringList &arguments,
+                                                  const std::function<void()> &inChild = {}) const;
+    [[nodiscard]] static ToolResult finish(QProcess &process);
+
+    /// Makes the identity that `identity` names.
+    void makeIdentity() const;
+
+    /// Keeps a password under the name "item".
+    void storePassword() const;
+
+    /// Seals an item with the arguments that the application uses.
+    [[nodiscard]] ToolResult sign(const QString &item, const QStringList &moreArguments = {}) const;
+
+    [[nodiscard]] ToolResult pack(const QString &item, const QString &archive) const;
+    [[nodiscard]] ToolResult altool(const QStringList &arguments) const;
+    [[nodiscard]] ToolResult upload(const QString &archive) const;
+    [[nodiscard]] ToolResult info(const QString &uuid) const;
+
+    /// The RequestUUID of an XML reply to an upload; empty if there is none.
+    [[nodiscard]] static QString uuidIn(const ToolResult &reply);
+
+    /// Asks until the request is decided, and answers the last report.
+    [[nodiscard]] ToolResult pollToTheEnd(const QString &uuid) const;
+
+private:
+    QTemporaryDir m_folder;
+};
