@@ -1,0 +1,201 @@
+#include "toolchain/bundlebuilder.h"
+#include "toolchain/toolfixture.h"
+
+#include <QDir>
+#include <QEventLoop>
+#include <QFileSystemWatcher>
+#include <QMap>
+#include <QRandomGenerator>
+#include <QTimer>
+
+#include <archive.h>
+#include <archive_entry.h>
+
+#include <signal.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+#include <clocale>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+struct Entry {
+    int mode = 0;
+    QByteArray bytes;
+    QString linkTarget;
+};
+
+QMap<QString, Entry> readZip(const QString &path)
+{
+    std::setlocale(LC_ALL, "C.UTF-8");
+    QMap<QString, Entry> entries;
+    archive *zip = archive_read_new();
+    archive_read_support_format_zip_seekable(zip);
+    EXPECT_EQ(archive_read_open_filename(zip, QFile::encodeName(path).constData(), 1 << 16), ARCHIVE_OK);
+    archive_entry *header = nullptr;
+    while (archive_read_next_header(zip, &header) == ARCHIVE_OK) {
+        Entry entry{static_cast<int>(archive_entry_mode(header)), {}, {}};
+        if (const char *target = archive_entry_symlink_utf8(header))
+            entry.linkTarget = QString::fromUtf8(target);
+        QByteArray block(1 << 16, '\0');
+        la_ssize_t length = 0;
+        while ((length = archive_read_data(zip, block.data(), static_cast<std::size_t>(block.size()))) > 0)
+            entry.bytes.append(block.constData(), length);
+        EXPECT_EQ(length, 0);
+        entries.insert(QString::fromUtf8(archive_entry_pathname_utf8(header)), entry);
+    }
+    archive_read_free(zip);
+    return entries;
+}
+
+void limitFileSize()
+{
+    signal(SIGXFSZ, SIG_IGN);
+    const rlimit limit{64 << 10, 64 << 10};
+    setrlimit(RLIMIT_FSIZE, &limit);
+}
+
+QByteArray randomBytes(int count)
+{
+    QByteArray bytes(count, '\0');
+    QRandomGenerator generator(1);
+    for (char &byte : bytes)
+        byte = static_cast<char>(generator.generate());
+    return bytes;
+}
+
+class Ditto : public ToolFixture {
+protected:
+    [[nodiscard]] QStringList archivesFolder() const
+    {
+        return QDir(path(u"out"_s)).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+    }
+
+    void SetUp() override
+    {
+        ToolFixture::SetUp();
+        QDir().mkpath(path(u"out"_s));
+        bundlebuilder::makeApp(path(u"My App.app"_s), u"com.example.app"_s);
+    }
+};
+
+} // namespace
+
+TEST_F(Ditto, packsABundleUnderItsOwnName)
+{
+    ASSERT_EQ(pack(path(u"My App.app"_s), path(u"out/My App.zip"_s)).status, 0);
+    const auto entries = readZip(path(u"out/My App.zip"_s));
+    EXPECT_EQ(entries.value(u"My App.app/Contents/Resources/Größe.txt"_s).bytes, "resource");
+    EXPECT_EQ(entries.value(u"My App.app/Contents/MacOS/My App"_s).bytes, bundlebuilder::universalMachO());
+    EXPECT_TRUE(S_ISDIR(entries.value(u"My App.app/"_s).mode));
+    for (const QString &name : entries.keys())
+        EXPECT_TRUE(name.startsWith(u"My App.app/"_s)) << name.toStdString();
+}
+
+TEST_F(Ditto, keepsLinksAndModes)
+{
+    const QString script = path(u"My App.app/Contents/Resources/script"_s);
+    bundlebuilder::writeFile(script, "#!/bin/sh\n");
+    ASSERT_EQ(chmod(QFile::encodeName(script).constData(), 0750), 0);
+    ASSERT_EQ(pack(path(u"My App.app"_s), path(u"out/a.zip"_s)).status, 0);
+    const auto entries = readZip(path(u"out/a.zip"_s));
+    EXPECT_EQ(entries.value(u"My App.app/Contents/Resources/script"_s).mode & 07777, 0750);
+    const Entry link = entries.value(u"My App.app/Contents/Frameworks/Inner.framework/Versions/Current"_s);
+    EXPECT_TRUE(S_ISLNK(link.mode));
+    EXPECT_EQ(link.linkTarget, u"A"_s);
+}
+
+TEST_F(Ditto, aSlashBehindTheSourceChangesNothing)
+{
+    ASSERT_EQ(pack(path(u"My App.app/"_s), path(u"out/a.zip"_s)).status, 0);
+    EXPECT_TRUE(readZip(path(u"out/a.zip"_s)).contains(u"My App.app/Contents/Info.plist"_s));
+}
+
+TEST_F(Ditto, withoutKeepParentTheContentsAreAtTheTop)
+{
+    ASSERT_EQ(run(ditto, {u"-c"_s, u"-k"_s, path(u"My App.app"_s), path(u"out/a.zip"_s)}).status, 0);
+    EXPECT_TRUE(readZip(path(u"out/a.zip"_s)).contains(u"Contents/Info.plist"_s));
+}
+
+TEST_F(Ditto, packsASingleFile)
+{
+    bundlebuilder::writeFile(path(u"tool"_s), "one file");
+    ASSERT_EQ(pack(path(u"tool"_s), path(u"out/a.zip"_s)).status, 0);
+    const auto entries = readZip(path(u"out/a.zip"_s));
+    EXPECT_EQ(entries.size(), 1);
+    EXPECT_EQ(entries.value(u"tool"_s).bytes, "one file");
+}
+
+TEST_F(Ditto, replacesAnArchiveThatIsThere)
+{
+    bundlebuilder::writeFile(path(u"out/a.zip"_s), "an old one");
+    ASSERT_EQ(pack(path(u"My App.app"_s), path(u"out/a.zip"_s)).status, 0);
+    EXPECT_FALSE(readZip(path(u"out/a.zip"_s)).isEmpty());
+    EXPECT_EQ(archivesFolder(), QStringList{u"a.zip"_s});
+}
+
+TEST_F(Ditto, aMissingSourceIsNamed)
+{
+    const ToolResult result = pack(path(u"none.app"_s), path(u"out/a.zip"_s));
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.error, u"ditto: Can't get real path for source '%1'\n"_s.arg(path(u"none.app"_s)));
+    EXPECT_EQ(archivesFolder(), QStringList());
+}
+
+TEST_F(Ditto, leavesNothingWhenTheArchiveCannotGrow)
+{
+    bundlebuilder::writeFile(path(u"My App.app/Contents/Resources/noise"_s), randomBytes(4 << 20));
+    const QString archive = path(u"out/a.zip"_s);
+    const ToolResult result =
+        run(ditto, {u"-c"_s, u"-k"_s, u"--keepParent"_s, path(u"My App.app"_s), archive}, {}, limitFileSize);
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.error, u"ditto: %1: File too large\n"_s.arg(archive));
+    EXPECT_EQ(archivesFolder(), QStringList());
+}
+
+TEST_F(Ditto, leavesNothingWhenItIsTerminated)
+{
+    QFile large(path(u"My App.app/Contents/Resources/large"_s));
+    ASSERT_TRUE(large.open(QIODevice::WriteOnly) && large.resize(qint64(8) << 30));
+    QFileSystemWatcher watcher({path(u"out"_s)});
+    QEventLoop loop;
+    QObject::connect(&watcher, &QFileSystemWatcher::directoryChanged, &loop, &QEventLoop::quit);
+    QTimer::singleShot(30'000, &loop, [&loop] { loop.exit(1); });
+    const auto process =
+        start(ditto, {u"-c"_s, u"-k"_s, u"--keepParent"_s, path(u"My App.app"_s), path(u"out/a.zip"_s)});
+    ASSERT_EQ(loop.exec(), 0) << "no archive was begun";
+    EXPECT_EQ(archivesFolder().size(), 1);
+    process->terminate();
+    ASSERT_TRUE(process->waitForFinished());
+    EXPECT_EQ(process->exitStatus(), QProcess::CrashExit);
+    EXPECT_EQ(archivesFolder(), QStringList());
+}
+
+TEST_F(Ditto, refusesWhatAZipArchiveCannotHold)
+{
+    const QString pipe = path(u"My App.app/Contents/Resources/pipe"_s);
+    ASSERT_EQ(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+    const ToolResult result = pack(path(u"My App.app"_s), path(u"out/a.zip"_s));
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.error, u"ditto: %1: neither a file, a folder nor a symbolic link\n"_s.arg(pipe));
+    EXPECT_EQ(archivesFolder(), QStringList());
+}
+
+TEST_F(Ditto, anArchiveInAMissingFolderIsAnError)
+{
+    const ToolResult result = pack(path(u"My App.app"_s), path(u"nowhere/a.zip"_s));
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.error, u"ditto: %1: No such file or directory\n"_s.arg(path(u"nowhere/a.zip"_s)));
+}
+
+TEST_F(Ditto, refusesToDoAnythingButPackingZipArchives)
+{
+    for (const QStringList &arguments : {QStringList{u"My App.app"_s, u"copy"_s},
+                                         {u"-x"_s, u"-k"_s, u"a.zip"_s, u"out"_s},
+                                         {u"-c"_s, u"My App.app"_s, u"a.cpio"_s},
+                                         {u"-c"_s, u"-k"_s, u"My App.app"_s},
+                                         {u"-c"_s, u"-k"_s, u"a"_s, u"b"_s, u"c"_s}})
+        EXPECT_EQ(run(ditto, arguments).status, 64) << arguments.join(u' ').toStdString();
+}
