@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QByteArray>
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+namespace toolchain {
+
+/// A certificate of the keychain folder whose private key lies there too.
+struct Identity {
+    QString commonName;
+    QString sha1; ///< of the certificate, 40 upper-case hexadecimal digits
+    bool isValidNow = false; ///< today lies within its dates
+    bool canSignCode = false; ///< its extended key usage allows code signing
+};
+
+struct IdentityList {
+    QList<Identity> identities; ///< ordered by the certificates' file names
+    QStringList warnings; ///< one line for each file that could not be used
+};
+
+enum class IdentityKind {
+    Application, ///< "Developer ID Application: ", for codesign
+    Installer ///< "Developer ID Installer: ", for packages
+};
+
+/// Reads every .pem, .crt and .key file of a keychain folder; a key may lie in another file than its
+/// certificate. A folder that does not exist is an empty one.
+[[nodiscard]] IdentityList readIdentities(const QString &folder);
+
+/// The common name of the identity that `makeIdentity` makes.
+[[nodiscard]] QString identityCommonName(const QString &name, IdentityKind kind);
+
+struct NewIdentity {
+    QString path; ///< of the PEM file; empty on failure
+    QString error;
+};
+
+/// Makes a key (elliptic curve P-256) and a self-signed certificate for it, good for ten years, in one PEM
+/// file of the folder that only its owner may read. The certificate says in its organisation what it is.
+[[nodiscard]] NewIdentity makeIdentity(const QString &folder, const QString &name, IdentityKind kind);
+
+} // namespace toolchain

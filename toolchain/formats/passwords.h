@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+#include <optional>
+
+namespace toolchain {
+
+/// The password kept in the keychain folder under a name; nothing if there is no such item or it cannot
+/// be read.
+[[nodiscard]] std::optional<QByteArray> readPassword(const QString &name);
+
+/// Keeps a password under a name, in a file that only its owner may read; an item of that name is
+/// replaced. Answers what went wrong, or an empty text.
+[[nodiscard]] QString storePassword(const QString &name, const QByteArray &password);
+
+} // namespace toolchain

@@ -1,0 +1,151 @@
+#include "formats/identities.h"
+#include "formats/passwords.h"
+#include "formats/statefolder.h"
+#include "support/arguments.h"
+#include "support/console.h"
+
+#include <algorithm>
+#include <iostream>
+#include <optional>
+
+using namespace Qt::StringLiterals;
+using namespace toolchain;
+
+namespace {
+
+constexpr std::string_view usage =
+    R"(Usage: sealwright-keychain make-identity --name NAME [--kind application|installer]
+       sealwright-keychain add-password ITEM
+       sealwright-keychain path
+       sealwright-keychain --help
+
+Fills the keychain folder that this toolchain's security, codesign and altool read.
+
+  make-identity   make a self-signed certificate and its key. NAME is the holder with the team identifier
+                  in parentheses, such as Example Corp (A1B2C3D4E5). The certificate is then called
+                  Developer ID Application: NAME, or Developer ID Installer: NAME. Does nothing if that
+                  identity is there already.
+  add-password    keep the first line of standard input under the name ITEM
+  path            print where the folder is
+
+Such an identity is for trying things out. Nobody but this toolchain trusts it.
+)";
+
+/// A certificate's common name holds 64 characters at most (X.520, ub-common-name).
+constexpr qsizetype longestCommonName = 64;
+
+int fail(const QString &message)
+{
+    printError("sealwright-keychain: " + message.toStdString() + "\n");
+    return 1;
+}
+
+std::optional<IdentityKind> kindFrom(const ParsedArguments &arguments)
+{
+    const std::string kind = arguments.has("--kind") ? arguments.value("--kind") : "application";
+    if (kind == "application")
+        return IdentityKind::Application;
+    return kind == "installer" ? std::optional(IdentityKind::Installer) : std::nullopt;
+}
+
+/// What keeps a name out of a listing whose lines are read by their quotes; empty if nothing does.
+QString objectionTo(const QString &name, IdentityKind kind)
+{
+    if (name.trimmed().isEmpty())
+        return u"a name is needed: --name \"Example Corp (A1B2C3D4E5)\""_s;
+    const bool isPlain =
+        std::all_of(name.begin(), name.end(), [](QChar c) { return c.isPrint() && c != u'"'; });
+    if (!isPlain)
+        return u"a name holds no quotes and no line breaks"_s;
+    const qsizetype room = longestCommonName - identityCommonName({}, kind).size();
+    return name.size() > room ? u"a name has %1 characters at most"_s.arg(room) : QString();
+}
+
+bool isThere(const QString &commonName)
+{
+    const auto identities = readIdentities(keychainFolder()).identities;
+    return std::any_of(identities.begin(), identities.end(), [&commonName](const Identity &identity) {
+        return identity.commonName == commonName && identity.isValidNow;
+    });
+}
+
+int makeNamedIdentity(const QString &name, IdentityKind kind)
+{
+    const QString problem = makePrivateFolder(keychainFolder());
+    if (!problem.isEmpty())
+        return fail(problem);
+    const FolderLock lock(
+        keychainFolder()); // of two that start at once, the second one finds the identity there
+    if (!lock.isHeld())
+        return fail(keychainFolder() + u": cannot be locked"_s);
+    const QString commonName = identityCommonName(name, kind);
+    if (isThere(commonName)) {
+        print("\"" + commonName.toStdString() + "\" is there already\n");
+        return 0;
+    }
+    const NewIdentity identity = makeIdentity(keychainFolder(), name, kind);
+    if (!identity.error.isEmpty())
+        return fail(identity.error);
+    print("\"" + commonName.toStdString() + "\" made: " + identity.path.toStdString() + "\n");
+    return 0;
+}
+
+int makeIdentityFrom(const ParsedArguments &arguments)
+{
+    const auto kind = kindFrom(arguments);
+    if (!kind)
+        return refuseArguments("sealwright-keychain", "--kind is application or installer", usage);
+    const QString name = QString::fromStdString(arguments.value("--name"));
+    const QString objection = objectionTo(name, *kind);
+    if (!objection.isEmpty())
+        return refuseArguments("sealwright-keychain", objection.toStdString(), usage);
+    return makeNamedIdentity(name, *kind);
+}
+
+int addPassword(const std::string &name)
+{
+    std::string password;
+    std::getline(std::cin, password);
+    if (password.empty())
+        return fail(u"no password on standard input"_s);
+    const QString problem = storePassword(QString::fromStdString(name), QByteArray::fromStdString(password));
+    if (!problem.isEmpty())
+        return fail(problem);
+    print("password kept under \"" + name + "\"\n");
+    return 0;
+}
+
+int run(const ParsedArguments &arguments)
+{
+    const auto &words = arguments.operands;
+    const std::string command = words.empty() ? "" : words.front();
+    const bool isMaking = command == "make-identity";
+    if (!isMaking && (arguments.has("--name") || arguments.has("--kind")))
+        return refuseArguments("sealwright-keychain", "--name and --kind belong to make-identity", usage);
+    if (isMaking && words.size() == 1)
+        return makeIdentityFrom(arguments);
+    if (command == "add-password" && words.size() == 2 && !words[1].empty())
+        return addPassword(words[1]);
+    if (command == "path" && words.size() == 1) {
+        print(keychainFolder().toStdString() + "\n");
+        return 0;
+    }
+    return refuseArguments("sealwright-keychain",
+                           "this is no command: \"" + command + "\", or not all of one", usage);
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    const auto arguments = parseArguments(
+        wordsOf(argc, argv),
+        {{{"--name"}, OptionValue::Required}, {{"--kind"}, OptionValue::Required}, {{"-h", "--help"}}});
+    if (!arguments.error.empty())
+        return refuseArguments("sealwright-keychain", arguments.error, usage);
+    if (arguments.has("-h")) {
+        print(usage);
+        return 0;
+    }
+    return run(arguments);
+}
