@@ -1,0 +1,321 @@
+#include "platform/propertylist/propertylist.h"
+#include "toolchain/bundlebuilder.h"
+#include "toolchain/toolfixture.h"
+
+#include <QCryptographicHash>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QRegularExpression>
+#include <QUrl>
+#include <QUuid>
+
+#include <vector>
+
+using namespace Qt::StringLiterals;
+using bundlebuilder::readFile;
+using bundlebuilder::writeFile;
+
+namespace {
+
+class Altool : public ToolFixture {
+protected:
+    void SetUp() override
+    {
+        ToolFixture::SetUp();
+        makeIdentity();
+        storePassword();
+        bundlebuilder::makeApp(app(), u"com.example.app"_s);
+    }
+
+    [[nodiscard]] QString app() const { return path(u"My App.app"_s); }
+    [[nodiscard]] QString archive() const { return path(u"My App.zip"_s); }
+
+    void makeSignedArchive() const
+    {
+        ASSERT_EQ(sign(app()).status, 0);
+        ASSERT_EQ(pack(app(), archive()).status, 0);
+    }
+
+    /// What the two patterns find in a report with which its reader looks at it.
+    static QString verdictIn(const ToolResult &report)
+    {
+        return QRegularExpression(u"(?m)Status: (.+?)$"_s).match(report.output).captured(1);
+    }
+    static QString logUrlIn(const ToolResult &report)
+    {
+        return QRegularExpression(u"(?m)LogFileURL: (.+?)$"_s).match(report.output).captured(1);
+    }
+    static QJsonObject logOf(const ToolResult &report)
+    {
+        return QJsonDocument::fromJson(readFile(QUrl(logUrlIn(report)).toLocalFile())).object();
+    }
+
+    /// Uploads the archive and answers the messages of the log that goes with the refusal, by their paths.
+    [[nodiscard]] QMap<QString, QString> issuesOfRefusal() const
+    {
+        const ToolResult report = pollToTheEnd(uuidIn(upload(archive())));
+        EXPECT_EQ(verdictIn(report), u"invalid"_s);
+        EXPECT_EQ(logOf(report).value(u"status").toString(), u"Invalid"_s);
+        QMap<QString, QString> messages;
+        for (const QJsonValue &issue : logOf(report).value(u"issues").toArray())
+            messages.insert(issue[u"path"].toString(), issue[u"message"].toString());
+        return messages;
+    }
+};
+
+const QString isInvalid = u"The signature of the bundle is invalid: "_s;
+
+} // namespace
+
+TEST_F(Altool, anUploadIsAnsweredWithAPropertyList)
+{
+    makeSignedArchive();
+    const ToolResult reply = upload(archive());
+    ASSERT_EQ(reply.status, 0) << reply.error.toStdString();
+    const QVariantMap list = platform::propertyListFromData(reply.output.toUtf8()).value.toMap();
+    EXPECT_FALSE(QUuid::fromString(uuidIn(reply)).isNull());
+    EXPECT_EQ(list.value(u"success-message"_s).toString(), u"No errors uploading '%1'."_s.arg(archive()));
+    EXPECT_EQ(list.value(u"tool-version"_s).toString().section(u'.', 0, 0), u"4"_s);
+    EXPECT_TRUE(list.value(u"tool-path"_s).toString().endsWith(u"/altool"_s));
+    EXPECT_FALSE(list.value(u"os-version"_s).toString().isEmpty());
+}
+
+TEST_F(Altool, anUploadIsAnsweredInPlainTextByDefault)
+{
+    makeSignedArchive();
+    const ToolResult reply = altool({u"--notarize-app"_s, u"-f"_s, archive(), u"--primary-bundle-id"_s,
+                                     u"com.example.app"_s, u"--asc-provider"_s, u"Team"_s});
+    ASSERT_EQ(reply.status, 0) << reply.error.toStdString();
+    EXPECT_TRUE(reply.output.startsWith(u"No errors uploading '%1'.\nRequestUUID = "_s.arg(archive())));
+}
+
+TEST_F(Altool, aVerdictTakesThreeQuestions)
+{
+    makeSignedArchive();
+    const QString uuid = uuidIn(upload(archive()));
+    EXPECT_EQ(verdictIn(info(uuid)), u"in progress"_s);
+    const ToolResult second = info(uuid);
+    EXPECT_EQ(verdictIn(second), u"in progress"_s);
+    EXPECT_FALSE(second.output.contains(u"LogFileURL"_s));
+    EXPECT_EQ(verdictIn(info(uuid)), u"success"_s);
+    EXPECT_EQ(verdictIn(info(uuid)), u"success"_s);
+}
+
+TEST_F(Altool, anApprovalsReportHasTheLayoutOfTheService)
+{
+    makeSignedArchive();
+    const QString uuid = uuidIn(upload(archive()));
+    const QString hash = QString::fromLatin1(
+        QCryptographicHash::hash(readFile(archive()), QCryptographicHash::Sha256).toHex());
+    const QString pattern =
+        u"^No errors getting notarization info\\.\n\n"
+        " +Date: \\d{4}-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d \\+0000\n +Hash: %1\n +LogFileURL: "
+        "file:///\\S+\\.json\n"
+        " +RequestUUID: %2\n +Status: success\n +Status Code: 0\nStatus Message: Package Approved\n$"_s.arg(
+            hash, uuid);
+    const ToolResult report = pollToTheEnd(uuid);
+    EXPECT_EQ(report.status, 0);
+    EXPECT_TRUE(QRegularExpression(pattern).match(report.output).hasMatch()) << report.output.toStdString();
+    EXPECT_EQ(report.error, QString());
+}
+
+TEST_F(Altool, anApprovalsLogHasNoIssues)
+{
+    makeSignedArchive();
+    const QString uuid = uuidIn(upload(archive()));
+    const QJsonObject log = logOf(pollToTheEnd(uuid));
+    EXPECT_EQ(log.value(u"logFormatVersion").toInt(), 1);
+    EXPECT_EQ(log.value(u"jobId").toString(), uuid);
+    EXPECT_EQ(log.value(u"status").toString(), u"Accepted"_s);
+    EXPECT_TRUE(log.contains(u"issues"_s) && log.value(u"issues").isNull());
+}
+
+TEST_F(Altool, aReportMayBeAPropertyList)
+{
+    makeSignedArchive();
+    const QString uuid = uuidIn(upload(archive()));
+    const ToolResult reply = altool({u"--notarization-info"_s, uuid, u"--output-format"_s, u"xml"_s});
+    const QVariantMap entries = platform::propertyListFromData(reply.output.toUtf8())
+                                    .value.toMap()
+                                    .value(u"notarization-info"_s)
+                                    .toMap();
+    EXPECT_EQ(entries.value(u"RequestUUID"_s).toString(), uuid);
+    EXPECT_EQ(entries.value(u"Status"_s).toString(), u"in progress"_s);
+}
+
+TEST_F(Altool, aBundleWithoutASealIsRefused)
+{
+    ASSERT_EQ(pack(app(), archive()).status, 0);
+    EXPECT_EQ(issuesOfRefusal(),
+              (QMap<QString, QString>{{u"My App.zip/My App.app"_s, u"The bundle is not signed at all."_s}}));
+}
+
+TEST_F(Altool, filesThatDoNotAgreeWithTheSealAreNamed)
+{
+    ASSERT_EQ(sign(app()).status, 0);
+    writeFile(app() + u"/Contents/Resources/Größe.txt"_s, "changed");
+    writeFile(app() + u"/Contents/Resources/added"_s, "new");
+    QFile::remove(bundlebuilder::frameworkVersionOf(app()) + u"/Inner"_s);
+    QFile::remove(app() + u"/Contents/Resources/en.lproj/Main.strings"_s); // may be missing
+    ASSERT_EQ(pack(app(), archive()).status, 0);
+    const QString contents = u"My App.zip/My App.app/Contents/"_s;
+    const QString prefix = isInvalid + u"a sealed resource is missing or invalid: "_s;
+    EXPECT_EQ(issuesOfRefusal(),
+              (QMap<QString, QString>{{contents + u"Resources/Größe.txt"_s, prefix + u"file modified."_s},
+                                      {contents + u"Resources/added"_s, prefix + u"file added."_s},
+                                      {contents + u"Frameworks/Inner.framework/Versions/A/Inner"_s,
+                                       prefix + u"file missing."_s}}));
+}
+
+TEST_F(Altool, aLinkThatLeadsElsewhereDoesNotAgreeWithTheSeal)
+{
+    ASSERT_EQ(sign(app()).status, 0);
+    const QString link = app() + u"/Contents/Frameworks/Inner.framework/Inner"_s;
+    ASSERT_TRUE(QFile::remove(link) && QFile::link(u"elsewhere"_s, link));
+    ASSERT_EQ(pack(app(), archive()).status, 0);
+    EXPECT_EQ(issuesOfRefusal().keys(),
+              QStringList{u"My App.zip/My App.app/Contents/Frameworks/Inner.framework/Inner"_s});
+}
+
+TEST_F(Altool, aSealThatCannotBeReadIsRefused)
+{
+    writeFile(app() + u"/Contents/_CodeSignature/CodeResources"_s, "<plist><dict>");
+    ASSERT_EQ(pack(app(), archive()).status, 0);
+    const auto issues = issuesOfRefusal();
+    const QString path = u"My App.zip/My App.app/Contents/_CodeSignature/CodeResources"_s;
+    EXPECT_TRUE(issues.value(path).startsWith(isInvalid + u"the seal cannot be read"_s));
+}
+
+TEST_F(Altool, anArchiveWithoutABundleIsRefused)
+{
+    writeFile(path(u"plain/file"_s), "bytes");
+    ASSERT_EQ(pack(path(u"plain"_s), archive()).status, 0);
+    EXPECT_EQ(issuesOfRefusal().value(u"My App.zip/plain/Contents/Info.plist"_s),
+              u"The folder is no bundle: no main executable is named."_s);
+    writeFile(path(u"alone"_s), "bytes");
+    ASSERT_EQ(pack(path(u"alone"_s), archive()).status, 0);
+    EXPECT_EQ(issuesOfRefusal().value(u"My App.zip"_s), u"The archive holds no bundle."_s);
+}
+
+TEST_F(Altool, aBundleWithoutItsExecutableIsRefused)
+{
+    ASSERT_EQ(sign(app()).status, 0);
+    QFile::remove(app() + u"/Contents/MacOS/My App"_s);
+    ASSERT_EQ(pack(app(), archive()).status, 0);
+    EXPECT_EQ(issuesOfRefusal().value(u"My App.zip/My App.app/Contents/MacOS/My App"_s),
+              u"The main executable is missing."_s);
+}
+
+TEST_F(Altool, anArchiveCutShortIsRefused)
+{
+    makeSignedArchive();
+    const QByteArray whole = readFile(archive());
+    writeFile(archive(), whole.left(whole.size() / 2));
+    EXPECT_TRUE(issuesOfRefusal().value(u"My App.zip"_s).startsWith(u"The archive cannot be read: "_s));
+}
+
+TEST_F(Altool, aFileThatIsNoZipArchiveIsNotTaken)
+{
+    writeFile(path(u"image.dmg"_s), "koly");
+    const ToolResult reply = upload(path(u"image.dmg"_s));
+    EXPECT_EQ(reply.status, 1);
+    EXPECT_TRUE(reply.error.contains(path(u"image.dmg"_s)));
+    EXPECT_EQ(reply.output, QString());
+    EXPECT_EQ(altool({u"--notarization-history"_s, u"0"_s}).output, u"No items found.\n"_s);
+}
+
+TEST_F(Altool, aFileThatCannotBeReadIsNamed)
+{
+    const ToolResult reply = upload(path(u"none.zip"_s));
+    EXPECT_EQ(reply.status, 1);
+    EXPECT_TRUE(reply.error.contains(path(u"none.zip"_s)));
+}
+
+TEST_F(Altool, aRequestThatNobodyMadeHasAStatusOfItsOwn)
+{
+    for (const QString &uuid : {u"11111111-2222-3333-4444-555555555555"_s, u"../../state"_s, QString()}) {
+        const ToolResult reply = info(uuid);
+        EXPECT_EQ(reply.status, 239) << uuid.toStdString();
+        EXPECT_TRUE(reply.error.contains(u"Could not find the RequestUUID."_s));
+        EXPECT_EQ(reply.output, QString());
+    }
+}
+
+TEST_F(Altool, aMissingPasswordItemIsNamedAsTheKeychainDoes)
+{
+    for (const QStringList &command :
+         {QStringList{u"--notarization-history"_s, u"0"_s},
+          {u"--notarization-info"_s, u"11111111-2222-3333-4444-555555555555"_s},
+          {u"--notarize-app"_s, u"-f"_s, u"x"_s, u"--primary-bundle-id"_s, u"y"_s}}) {
+        const ToolResult reply = run(xcrun,
+                                     QStringList{u"altool"_s} + command
+                                         + QStringList{u"-u"_s, u"me"_s, u"-p"_s, u"@keychain:none"_s});
+        EXPECT_EQ(reply.status, 1);
+        EXPECT_TRUE(reply.error.contains(u"The specified item could not be found in the keychain"_s));
+    }
+}
+
+TEST_F(Altool, takesAPasswordFromTheEnvironmentOrTheCommandLine)
+{
+    const auto ask = [this](const QString &password) {
+        return run(xcrun,
+                   {u"altool"_s, u"--notarization-history"_s, u"0"_s, u"-u"_s, u"me"_s, u"-p"_s, password})
+            .status;
+    };
+    EXPECT_EQ(ask(u"@env:PATH"_s), 0);
+    EXPECT_EQ(ask(u"@env:NO_SUCH_VARIABLE"_s), 1);
+    EXPECT_EQ(ask(u"secret"_s), 0);
+    EXPECT_EQ(ask(QString()), 1);
+}
+
+TEST_F(Altool, aHistoryWithoutRequestsSaysSo)
+{
+    const ToolResult reply = altool({u"--notarization-history"_s, u"0"_s});
+    EXPECT_EQ(reply.status, 0);
+    EXPECT_EQ(reply.output, u"No items found.\n"_s);
+}
+
+TEST_F(Altool, aHistoryHasALineForEachRequest)
+{
+    makeSignedArchive();
+    const QString first = uuidIn(upload(archive()));
+    const QString second = uuidIn(upload(archive()));
+    const QString history = altool({u"--notarization-history"_s, u"0"_s}).output;
+    EXPECT_EQ(history.count(u'\n'), 2);
+    EXPECT_TRUE(history.contains(first + u" in progress com.example.app My App.zip\n"_s));
+    EXPECT_TRUE(history.contains(second));
+    EXPECT_EQ(altool({u"--notarization-history"_s, u"1"_s}).output, u"No items found.\n"_s);
+}
+
+TEST_F(Altool, aHistoryMayBeAPropertyList)
+{
+    makeSignedArchive();
+    const QString uuid = uuidIn(upload(archive()));
+    const ToolResult reply = altool({u"--notarization-history"_s, u"0"_s, u"--output-format"_s, u"xml"_s});
+    const QVariantMap list = platform::propertyListFromData(reply.output.toUtf8()).value.toMap();
+    const QVariantList items = list.value(u"notarization-history"_s).toMap().value(u"items"_s).toList();
+    ASSERT_EQ(items.size(), 1);
+    EXPECT_EQ(items.first().toMap().value(u"RequestUUID"_s).toString(), uuid);
+}
+
+TEST_F(Altool, refusesCommandLinesThatAreNotWhole)
+{
+    const QStringList credentials{u"-u"_s, u"me"_s, u"-p"_s, u"secret"_s};
+    for (const QStringList &arguments :
+         {QStringList{},
+          {u"--notarization-history"_s, u"0"_s},
+          {u"--notarization-history"_s},
+          QStringList{u"--list-providers"_s} + credentials,
+          QStringList{u"--notarization-history"_s, u"first"_s} + credentials,
+          QStringList{u"--notarize-app"_s, u"-f"_s, u"x.zip"_s} + credentials,
+          QStringList{u"--notarize-app"_s, u"--notarization-history"_s, u"0"_s} + credentials,
+          QStringList{u"--notarization-history"_s, u"0"_s, u"--output-format"_s, u"json"_s} + credentials,
+          QStringList{u"--notarization-history"_s, u"0"_s, u"stray"_s} + credentials}) {
+        const ToolResult reply = run(xcrun, QStringList{u"altool"_s} + arguments);
+        EXPECT_EQ(reply.status, 64) << arguments.join(u' ').toStdString();
+        EXPECT_FALSE(reply.error.isEmpty());
+        EXPECT_EQ(reply.output, QString());
+    }
+}

@@ -1,0 +1,118 @@
+#include "toolchain/bundlebuilder.h"
+#include "toolchain/toolfixture.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <algorithm>
+#include <vector>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+class NotaryState : public ToolFixture {
+protected:
+    void SetUp() override
+    {
+        ToolFixture::SetUp();
+        storePassword();
+        bundlebuilder::makeApp(path(u"App.app"_s), u"com.example.app"_s);
+        ASSERT_EQ(pack(path(u"App.app"_s), archive()).status, 0);
+    }
+
+    [[nodiscard]] QString archive() const { return path(u"App.zip"_s); }
+    [[nodiscard]] QString requestPath(const QString &uuid) const
+    {
+        return statePath(u"notary/requests/%1.json"_s.arg(uuid));
+    }
+
+    [[nodiscard]] std::unique_ptr<QProcess> startAltool(QStringList arguments) const
+    {
+        arguments << u"-u"_s << u"me"_s << u"-p"_s << u"@keychain:item"_s;
+        return start(xcrun, QStringList{u"altool"_s} + arguments);
+    }
+};
+
+} // namespace
+
+TEST_F(NotaryState, keepsTheUploadsOfManyProcessesAtOnce)
+{
+    constexpr int count = 8;
+    std::vector<std::unique_ptr<QProcess>> uploads;
+    for (int index = 0; index < count; ++index)
+        uploads.push_back(startAltool(
+            {u"--notarize-app"_s, u"-f"_s, archive(), u"--primary-bundle-id"_s, u"com.example.app"_s}));
+    for (const auto &process : uploads)
+        EXPECT_EQ(finish(*process).status, 0);
+    const ToolResult history = altool({u"--notarization-history"_s, u"0"_s});
+    EXPECT_EQ(history.output.count(u'\n'), count);
+    EXPECT_EQ(history.error, QString());
+}
+
+TEST_F(NotaryState, countsTheQuestionsOfManyProcessesAtOnce)
+{
+    const QString uuid = uuidIn(upload(archive()));
+    std::vector<std::unique_ptr<QProcess>> questions;
+    for (int index = 0; index < 8; ++index)
+        questions.push_back(startAltool({u"--notarization-info"_s, uuid}));
+    const auto waiting = std::count_if(questions.begin(), questions.end(), [](const auto &process) {
+        const ToolResult report = finish(*process);
+        EXPECT_EQ(report.status, 0) << report.error.toStdString();
+        return report.output.contains(u"Status: in progress"_s);
+    });
+    EXPECT_EQ(waiting, 2);
+}
+
+TEST_F(NotaryState, aRequestOfTwoMinutesAgoIsDecidedWithoutQuestions)
+{
+    const QString uuid = uuidIn(upload(archive()));
+    QJsonObject request = QJsonDocument::fromJson(bundlebuilder::readFile(requestPath(uuid))).object();
+    request.insert(u"uploaded"_s, QDateTime::currentDateTimeUtc().addSecs(-121).toString(Qt::ISODate));
+    bundlebuilder::writeFile(requestPath(uuid), QJsonDocument(request).toJson());
+    EXPECT_TRUE(info(uuid).output.contains(u"Status: invalid"_s));
+}
+
+TEST_F(NotaryState, aDamagedRequestIsNamed)
+{
+    const QString uuid = uuidIn(upload(archive()));
+    for (const QByteArray &garbage :
+         {QByteArray(), QByteArray("{"), QByteArray("[]"), QByteArray("{\"RequestUUID\": 3}")}) {
+        bundlebuilder::writeFile(requestPath(uuid), garbage);
+        const ToolResult report = info(uuid);
+        EXPECT_EQ(report.status, 1) << garbage.toStdString();
+        EXPECT_TRUE(report.error.contains(requestPath(uuid)));
+        EXPECT_EQ(bundlebuilder::readFile(requestPath(uuid)), garbage);
+    }
+}
+
+TEST_F(NotaryState, garbageAmongTheRequestsDoesNotHideTheOthers)
+{
+    const QString uuid = uuidIn(upload(archive()));
+    bundlebuilder::writeFile(statePath(u"notary/requests/garbage.json"_s), "garbage");
+    bundlebuilder::writeFile(statePath(u"notary/requests/left over"_s), "garbage");
+    const ToolResult history = altool({u"--notarization-history"_s, u"0"_s});
+    EXPECT_EQ(history.status, 0);
+    EXPECT_EQ(history.output.count(u'\n'), 1);
+    EXPECT_TRUE(history.output.contains(uuid));
+    EXPECT_TRUE(history.error.contains(u"garbage.json"_s));
+}
+
+TEST_F(NotaryState, aStateThatCannotBeWrittenIsAnError)
+{
+    bundlebuilder::writeFile(statePath(u"notary"_s), "a file in the folder's place");
+    const ToolResult reply = upload(archive());
+    EXPECT_EQ(reply.status, 1);
+    EXPECT_TRUE(reply.error.contains(u"Unable to keep the request: "_s + statePath(u"notary"_s)));
+    EXPECT_EQ(reply.output, QString());
+}
+
+TEST_F(NotaryState, belongsToItsOwnerAlone)
+{
+    const QString uuid = uuidIn(upload(archive()));
+    const auto others = QFile::ReadGroup | QFile::ExeGroup | QFile::ReadOther | QFile::ExeOther;
+    EXPECT_FALSE(QFileInfo(statePath(u"notary"_s)).permissions() & others);
+    EXPECT_FALSE(QFileInfo(requestPath(uuid)).permissions() & others);
+}

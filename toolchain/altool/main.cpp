@@ -1,0 +1,22 @@
+#include "altool/commands.h"
+#include "support/console.h"
+
+#include <sys/stat.h>
+
+#include <clocale>
+
+using namespace toolchain;
+
+int main(int argc, char **argv)
+{
+    std::setlocale(LC_ALL, "C.UTF-8");
+    umask(077); // requests are their sender's own business
+    const auto arguments = parseArguments(wordsOf(argc, argv), altoolOptions());
+    if (arguments.has("-h")) {
+        print(altoolHelp());
+        return 0;
+    }
+    if (!arguments.error.empty())
+        return refuseArguments("altool", arguments.error, "Run altool --help for the commands.\n");
+    return runAltool(arguments);
+}

@@ -1,0 +1,113 @@
+#include "formats/notaryreview.h"
+
+#include <QCryptographicHash>
+#include <QFileInfo>
+
+#include "formats/bundle.h"
+#include "formats/resourceseal.h"
+#include "formats/zipreader.h"
+
+using namespace Qt::StringLiterals;
+
+namespace toolchain {
+
+namespace {
+
+const QString infoPath = u"/Contents/Info.plist"_s;
+const QString sealPath = u"/Contents/_CodeSignature/CodeResources"_s;
+
+bool holdsEvidence(const QString &path)
+{
+    const qsizetype slash = path.indexOf(u'/');
+    const QStringView below = QStringView(path).mid(slash);
+    return slash > 0 && (below == infoPath || below == sealPath);
+}
+
+/// The names at the top of the archive that a bundle could have.
+QStringList topFolders(const SealedTree &files)
+{
+    QStringList folders;
+    for (auto file = files.begin(); file != files.end(); ++file) {
+        const QString folder = file.key().section(u'/', 0, 0);
+        const bool isFolder = file.key().contains(u'/') && folder != u"__MACOSX"_s;
+        if (isFolder && !folders.contains(folder))
+            folders.append(folder);
+    }
+    return folders;
+}
+
+/// The files below one folder of the archive, by their paths from there.
+SealedTree subtree(const SealedTree &files, const QString &folder)
+{
+    SealedTree tree;
+    const QString prefix = folder + u'/';
+    for (auto file = files.lowerBound(prefix); file != files.end() && file.key().startsWith(prefix); ++file)
+        tree.insert(file.key().mid(prefix.size()), *file);
+    return tree;
+}
+
+class BundleReview {
+public:
+    BundleReview(const ZipContents &contents, QString archiveName, QString bundle, Review &review)
+        : m_contents(contents)
+        , m_archiveName(std::move(archiveName))
+        , m_bundle(std::move(bundle))
+        , m_review(review)
+    {
+    }
+
+    void run()
+    {
+        const QString executable = executableName(m_contents.kept.value(m_bundle + infoPath));
+        if (executable.isEmpty())
+            return object(infoPath, u"The folder is no bundle: no main executable is named."_s);
+        if (!m_contents.files.contains(m_bundle + u"/Contents/MacOS/"_s + executable))
+            return object(u"/Contents/MacOS/"_s + executable, u"The main executable is missing."_s);
+        if (!m_contents.kept.contains(m_bundle + sealPath))
+            return object({}, u"The bundle is not signed at all."_s);
+        checkAgainstSeal(u"MacOS/"_s + executable);
+    }
+
+private:
+    void checkAgainstSeal(const QString &executable)
+    {
+        const QByteArray seal = m_contents.kept.value(m_bundle + sealPath);
+        m_review.sealDigests.append(QCryptographicHash::hash(seal, QCryptographicHash::Sha256).toHex());
+        const auto problems =
+            checkSeal(seal, subtree(m_contents.files, m_bundle + u"/Contents"_s), executable);
+        for (const SealProblem &problem : problems)
+            object(problem.path.isEmpty() ? sealPath : u"/Contents/"_s + problem.path,
+                   u"The signature of the bundle is invalid: "_s + problem.message + u'.');
+    }
+
+    void object(const QString &path, const QString &message)
+    {
+        m_review.issues.append({m_archiveName + u'/' + m_bundle + path, message});
+    }
+
+    const ZipContents &m_contents;
+    const QString m_archiveName;
+    const QString m_bundle;
+    Review &m_review;
+};
+
+} // namespace
+
+Review reviewArchive(const QString &path)
+{
+    Review review;
+    const QString archiveName = QFileInfo(path).fileName();
+    const ZipContents contents = readZipArchive(path, holdsEvidence);
+    if (!contents.error.isEmpty()) {
+        review.issues.append({archiveName, u"The archive cannot be read: "_s + contents.error + u'.'});
+        return review;
+    }
+    const QStringList folders = topFolders(contents.files);
+    for (const QString &folder : folders)
+        BundleReview(contents, archiveName, folder, review).run();
+    if (folders.isEmpty())
+        review.issues.append({archiveName, u"The archive holds no bundle."_s});
+    return review;
+}
+
+} // namespace toolchain

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+#include <optional>
+
+namespace toolchain {
+
+/// What stapling leaves in a bundle: which seal was approved by which request. It is a note of this
+/// toolchain in JSON, carries no signature, and means nothing to macOS.
+struct Ticket {
+    QString requestUUID;
+    QByteArray sealDigest; ///< SHA-256 of the bundle's seal, 64 lower-case hexadecimal digits
+};
+
+/// Writes a ticket whole, in place of what is there; a link is replaced and not followed. Answers what
+/// went wrong, or an empty text.
+[[nodiscard]] QString writeTicket(const QString &path, const Ticket &ticket);
+
+/// Nothing if there is no file, or one of another kind, such as a real ticket.
+[[nodiscard]] std::optional<Ticket> readTicket(const QString &path);
+
+} // namespace toolchain
