@@ -42,16 +42,19 @@ private:
 class ZipWriter {
 public:
     ZipWriter(int descriptor, fs::path destination)
-        : m_destination(std::move(destination))
+        : m_descriptor(descriptor)
+        , m_destination(std::move(destination))
         , m_archive(archive_write_new(), archive_write_free)
     {
         archive_write_set_format_zip(m_archive.get());
         archive_write_set_options(m_archive.get(), "zip:compression=deflate,zip:hdrcharset=UTF-8");
         archive_write_set_bytes_per_block(m_archive.get(), 1 << 20);
         archive_write_set_bytes_in_last_block(m_archive.get(), 1);
-        if (archive_write_open_fd(m_archive.get(), descriptor) != ARCHIVE_OK)
+        if (archive_write_open(m_archive.get(), this, nullptr, writeBlock, nullptr) != ARCHIVE_OK)
             m_error = archiveError();
     }
+    ZipWriter(const ZipWriter &) = delete;
+    ZipWriter &operator=(const ZipWriter &) = delete;
 
     void add(const fs::path &path, const std::string &name)
     {
@@ -78,6 +81,21 @@ public:
     [[nodiscard]] const std::string &error() const { return m_error; }
 
 private:
+    /// Tells the library of no failure, since it would not free the compressor then.
+    static la_ssize_t writeBlock(archive *, void *writer, const void *block, std::size_t length)
+    {
+        auto *self = static_cast<ZipWriter *>(writer);
+        const auto *bytes = static_cast<const char *>(block);
+        for (std::size_t done = 0; done < length && self->m_error.empty();) {
+            const ssize_t written = write(self->m_descriptor, bytes + done, length - done);
+            if (written < 0)
+                self->m_error = systemError(self->m_destination, errno);
+            else
+                done += static_cast<std::size_t>(written);
+        }
+        return static_cast<la_ssize_t>(length);
+    }
+
     void addHeader(const fs::path &path, const std::string &name, const struct stat &info)
     {
         const std::unique_ptr<archive_entry, decltype(&archive_entry_free)> entry(archive_entry_new(),
@@ -121,17 +139,15 @@ private:
 
     std::string archiveError()
     {
-        const int number = archive_errno(m_archive.get());
-        if (number > 0)
-            return systemError(m_destination, number);
         const char *text = archive_error_string(m_archive.get());
         return m_destination.string() + ": " + (text ? text : "cannot be written");
     }
 
+    const int m_descriptor;
+    std::string m_error;
     const fs::path m_destination;
     const std::unique_ptr<archive, decltype(&archive_write_free)> m_archive;
     std::vector<char> m_buffer = std::vector<char>(1 << 18);
-    std::string m_error;
 };
 
 struct Member {
