@@ -16,7 +16,7 @@ constexpr int dataGroup = 4;
 
 QString indent(int level)
 {
-    return QString(level * indentWidth, u' ');
+    return QString(qsizetype(level) * indentWidth, u' ');
 }
 
 bool isPlainWord(QStringView text)

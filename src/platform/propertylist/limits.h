@@ -6,7 +6,7 @@
 /// nesting), so every reader is held to the same bounds.
 namespace platform::propertylist {
 
-inline constexpr qint64 mebibyte = 1024 * 1024;
+inline constexpr qint64 mebibyte = 1024LL * 1024;
 
 /// Containers inside containers; the readers recurse once a level.
 inline constexpr int maximumDepth = 512;

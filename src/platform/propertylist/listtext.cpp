@@ -45,7 +45,12 @@ ListText decodeListText(const QByteArray &data)
     // Stateless: a character cut off at the end is wrong, for no more is to come.
     QStringDecoder decoder(*encoding,
                            QStringConverter::Flag::ConvertInvalidToNull | QStringConverter::Flag::Stateless);
-    return {decoder.decode(data), {}};
+    QString text = decoder.decode(data);
+    if (decoder.hasError() && !text.contains(QChar::Null)) {
+        text.chop(1); // Qt marks one that is cut off by U+FFFD, whatever the flags
+        text += QChar::Null;
+    }
+    return {text, {}};
 }
 
 QString placeInText(QStringView text, qsizetype offset)

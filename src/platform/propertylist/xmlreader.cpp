@@ -70,9 +70,11 @@ QVariant realFromText(const QString &text)
 
 QVariant dateFromText(const QString &text)
 {
-    auto date = QDateTime::fromString(text.trimmed(), u"yyyy-MM-dd'T'HH:mm:ss'Z'"_s);
-    date.setTimeSpec(Qt::UTC);
-    return date.isValid() ? QVariant(date) : QVariant();
+    // Date and time by themselves: as one they would first be taken for local time, which has gaps.
+    const QString trimmed = text.trimmed();
+    const auto day = QDate::fromString(trimmed.left(10), u"yyyy-MM-dd"_s);
+    const auto time = QTime::fromString(trimmed.mid(10), u"'T'HH:mm:ss'Z'"_s);
+    return day.isValid() && time.isValid() ? QVariant(QDateTime(day, time, Qt::UTC)) : QVariant();
 }
 
 QVariant dataFromText(const QString &text)
