@@ -1,0 +1,275 @@
+#include "eventwait.h"
+#include "platform/posix/posixfileservice.h"
+#include "platform/posix/posixprocesslauncher.h"
+#include "platform/qt/busdistributednotifications.h"
+#include "platform/qt/desktopnotificationcenter.h"
+#include "platform/qt/desktopworkspace.h"
+#include "platform/qt/qtmainqueue.h"
+#include "temporaryfolder.h"
+
+#include <QDBusMessage>
+#include <QDesktopServices>
+#include <QProcess>
+
+#include <thread>
+
+using namespace Qt::StringLiterals;
+using namespace platform;
+
+namespace {
+
+/// What a file manager puts on the bus.
+class FileManager : public QObject {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.FileManager1")
+
+public:
+    QStringList shown;
+
+public Q_SLOTS:
+    void ShowItems(const QStringList &uris, const QString &) { shown += uris; }
+};
+
+/// What a desktop's notification service puts on the bus.
+class NotificationService : public QObject {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Notifications")
+
+public:
+    QStringList messages;
+
+public Q_SLOTS:
+    uint Notify(const QString &, uint, const QString &, const QString &summary, const QString &body,
+                const QStringList &, const QVariantMap &, int)
+    {
+        messages += summary + u'|' + body;
+        return 1;
+    }
+};
+
+/// Takes the place of whatever opens URLs here.
+class UrlHandler : public QObject {
+    Q_OBJECT
+
+public:
+    UrlHandler()
+    {
+        for (const QString &scheme : schemes)
+            QDesktopServices::setUrlHandler(scheme, this, "open");
+    }
+    ~UrlHandler() override
+    {
+        for (const QString &scheme : schemes)
+            QDesktopServices::unsetUrlHandler(scheme);
+    }
+
+    QList<QUrl> opened;
+
+public Q_SLOTS:
+    void open(const QUrl &url) { opened += url; }
+
+private:
+    const QStringList schemes{u"file"_s, u"https"_s, u"mailto"_s};
+};
+
+/// A bus of the test's own, with the application and the desktop as two peers on it.
+class Desktop : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        daemon.start(u"dbus-daemon"_s, {u"--session"_s, u"--nofork"_s, u"--print-address"_s});
+        ASSERT_TRUE(daemon.waitForReadyRead());
+        const QString address = QString::fromUtf8(daemon.readLine()).trimmed();
+        application = QDBusConnection::connectToBus(address, u"application"_s);
+        desktop = QDBusConnection::connectToBus(address, u"desktop"_s);
+        ASSERT_TRUE(application.isConnected() && desktop.isConnected());
+    }
+
+    void TearDown() override
+    {
+        QDBusConnection::disconnectFromBus(u"application"_s);
+        QDBusConnection::disconnectFromBus(u"desktop"_s);
+        daemon.kill();
+        daemon.waitForFinished();
+    }
+
+    void serve(const QString &name, const QString &path, QObject *object)
+    {
+        ASSERT_TRUE(desktop.registerObject(path, object, QDBusConnection::ExportAllSlots));
+        ASSERT_TRUE(desktop.registerService(name));
+    }
+
+    /// Returns once the bus has taken all that the application asked of it.
+    void settle()
+    {
+        const QDBusMessage reply = application.call(QDBusMessage::createMethodCall(
+            u"org.freedesktop.DBus"_s, u"/org/freedesktop/DBus"_s, u"org.freedesktop.DBus"_s, u"GetId"_s));
+        ASSERT_EQ(reply.type(), QDBusMessage::ReplyMessage);
+    }
+
+    void sendPosted(const QString &name)
+    {
+        QDBusMessage signal =
+            QDBusMessage::createSignal(u"/org/sealwright/DistributedNotifications"_s,
+                                       u"org.sealwright.DistributedNotifications"_s, u"Posted"_s);
+        signal << name;
+        ASSERT_TRUE(desktop.send(signal));
+    }
+
+    QProcess daemon;
+    QDBusConnection application{u"none"_s};
+    QDBusConnection desktop{u"none"_s};
+    TemporaryFolder folder;
+    PosixFileService files;
+    PosixProcessLauncher launcher;
+};
+
+class NotificationCenter : public Desktop {
+protected:
+    void SetUp() override
+    {
+        Desktop::SetUp();
+        serve(u"org.freedesktop.Notifications"_s, u"/org/freedesktop/Notifications"_s, &service);
+    }
+
+    DesktopNotificationCenter center()
+    {
+        return DesktopNotificationCenter(mainQueue, application, [this] {
+            isAskedOnMainThread = mainQueue.isMainThread();
+            return isActive;
+        });
+    }
+
+    /// The messages up to one that is always shown; so what is not among them is not coming.
+    QStringList shown(DesktopNotificationCenter &center)
+    {
+        mainQueue.post([this] { isActive = false; });
+        center.deliver({u"last"_s, {}, {}});
+        EXPECT_TRUE(waitFor([this] { return service.messages.contains(u"last|"_s); }));
+        return service.messages;
+    }
+
+    NotificationService service;
+    QtMainQueue mainQueue;
+    bool isActive = false;
+    bool isAskedOnMainThread = false;
+};
+
+} // namespace
+
+TEST_F(Desktop, anItemIsShownByTheFileManager)
+{
+    FileManager manager;
+    UrlHandler handler;
+    serve(u"org.freedesktop.FileManager1"_s, u"/org/freedesktop/FileManager1"_s, &manager);
+    DesktopWorkspace workspace(folder.path(), files, launcher, application);
+    workspace.revealItem(u"/some folder/Foo - Notarized"_s);
+    ASSERT_TRUE(waitFor([&] { return !manager.shown.isEmpty(); }));
+    EXPECT_EQ(manager.shown, QStringList{u"file:///some%20folder/Foo%20-%20Notarized"_s});
+    EXPECT_TRUE(handler.opened.isEmpty());
+}
+
+TEST_F(Desktop, withoutAFileManagerTheFolderOfTheItemIsOpened)
+{
+    UrlHandler handler;
+    DesktopWorkspace workspace(folder.path(), files, launcher, application);
+    workspace.revealItem(u"/some folder/Foo - Notarized"_s);
+    ASSERT_TRUE(waitFor([&] { return !handler.opened.isEmpty(); }));
+    EXPECT_EQ(handler.opened, QList<QUrl>{QUrl::fromLocalFile(u"/some folder"_s)});
+}
+
+TEST_F(Desktop, withoutABusTheFolderOfTheItemIsOpened)
+{
+    UrlHandler handler;
+    DesktopWorkspace workspace(folder.path(), files, launcher, QDBusConnection(u"no such"_s));
+    workspace.revealItem(u"/some folder/item"_s);
+    EXPECT_TRUE(waitFor([&] { return handler.opened.size() == 1; }));
+}
+
+TEST_F(Desktop, aPageAndAMailAreOpened)
+{
+    UrlHandler handler;
+    DesktopWorkspace workspace(folder.path(), files, launcher, application);
+    workspace.openUrl(QUrl(u"https://example.com/help"_s));
+    workspace.openUrl(QUrl(u"mailto:someone@example.com"_s));
+    EXPECT_EQ(handler.opened,
+              (QList<QUrl>{QUrl(u"https://example.com/help"_s), QUrl(u"mailto:someone@example.com"_s)}));
+}
+
+TEST_F(NotificationCenter, aMessageOfAnyThreadIsShownWhileTheApplicationIsInTheBackground)
+{
+    DesktopNotificationCenter shownOn = center();
+    shownOn.setShouldPresent([](const UserNotification &) { return false; });
+    std::thread([&] { shownOn.deliver({u"Foo.app"_s, u"a < b"_s, {}}); }).join();
+    EXPECT_EQ(shown(shownOn), (QStringList{u"Foo.app|a &lt; b"_s, u"last|"_s}));
+    EXPECT_TRUE(isAskedOnMainThread);
+}
+
+TEST_F(NotificationCenter, whileTheApplicationIsActiveTheQuestionDecides)
+{
+    DesktopNotificationCenter asked = center();
+    isActive = true;
+    bool isOnMainThread = false;
+    asked.setShouldPresent([&](const UserNotification &notification) {
+        isOnMainThread = mainQueue.isMainThread();
+        return notification.userInfo.value(u"show"_s).toBool();
+    });
+    std::thread([&] {
+        asked.deliver({u"hidden"_s, {}, {{u"show"_s, false}}});
+        asked.deliver({u"shown"_s, {}, {{u"show"_s, true}}});
+    }).join();
+    EXPECT_EQ(shown(asked), (QStringList{u"shown|"_s, u"last|"_s}));
+    EXPECT_TRUE(isOnMainThread);
+}
+
+TEST_F(NotificationCenter, withNobodyToAskAnActiveApplicationShowsNothing)
+{
+    DesktopNotificationCenter silent = center();
+    isActive = true;
+    silent.deliver({u"hidden"_s, {}, {}});
+    EXPECT_EQ(shown(silent), QStringList{u"last|"_s});
+}
+
+TEST_F(Desktop, aNotificationOfAnySenderCallsItsHandlerAlone)
+{
+    BusDistributedNotifications notifications(application);
+    settle();
+    QStringList calls;
+    notifications.addObserver(u"com.example.changed"_s, [&] { calls += u"changed"_s; });
+    notifications.addObserver(u"last"_s, [&] { calls += u"last"_s; });
+    sendPosted(u"com.example.other"_s);
+    sendPosted(u"com.example.changed"_s);
+    sendPosted(u"com.example.changed"_s);
+    sendPosted(u"last"_s);
+    ASSERT_TRUE(waitFor([&] { return calls.contains(u"last"_s); }));
+    EXPECT_EQ(calls, (QStringList{u"changed"_s, u"changed"_s, u"last"_s}));
+}
+
+TEST_F(Desktop, withoutObserversNoHandlerIsCalled)
+{
+    BusDistributedNotifications notifications(application);
+    settle();
+    QStringList calls;
+    notifications.addObserver(u"com.example.changed"_s, [&] { calls += u"changed"_s; });
+    notifications.removeAllObservers();
+    notifications.addObserver(u"last"_s, [&] { calls += u"last"_s; });
+    sendPosted(u"com.example.changed"_s);
+    sendPosted(u"last"_s);
+    ASSERT_TRUE(waitFor([&] { return !calls.isEmpty(); }));
+    EXPECT_EQ(calls, QStringList{u"last"_s});
+}
+
+TEST_F(Desktop, aHandlerMayRemoveItself)
+{
+    BusDistributedNotifications notifications(application);
+    settle();
+    int calls = 0;
+    notifications.addObserver(u"once"_s, [&] {
+        notifications.removeAllObservers();
+        ++calls;
+    });
+    sendPosted(u"once"_s);
+    EXPECT_TRUE(waitFor([&] { return calls == 1; }));
+}
+
+#include "desktoptest.moc"
