@@ -48,7 +48,7 @@ TestHost::TestHost(WindowFactory *windowFactory)
 
 TestHost::~TestHost()
 {
-    m_workers.reset(); // waits for the jobs that still run
+    settle(); // a test that leaves a tool hanging has failed to end what it began
     m_application.reset();
     QCoreApplication::sendPostedEvents();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);

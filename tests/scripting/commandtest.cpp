@@ -1,0 +1,313 @@
+// The submit and log commands of a script, on the application and on a document.
+
+#include "support/items.h"
+#include "support/testhost.h"
+
+#include "app/preferencekeys.h"
+#include "document/documentextensions.h"
+#include "platform/itempath.h"
+#include "scripting/NSApplication+Scripting.h"
+#include "scripting/scriptcommand.h"
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+enum class Receiver { application, document };
+
+} // namespace
+
+class AScript : public testing::Test {
+protected:
+    AScript()
+    {
+        items::makeBundle(host.item(u"Foo.app"_s));
+        host.launch();
+    }
+
+    QVariantMap atItem(const QString &name) const
+    {
+        return {{argument::at, itempath::toUrl(host.item(name))}};
+    }
+
+    void send(const QVariantMap &arguments, Receiver receiver)
+    {
+        reply.reset();
+        command = std::make_shared<ScriptCommand>(arguments, [this](const ScriptReply &answer) {
+            EXPECT_FALSE(reply) << "answered twice";
+            reply = answer;
+        });
+        command->execute([this, receiver](const ScriptCommandPtr &executing) {
+            if (receiver == Receiver::application)
+                host.application().scripting().AESubmitForNotarizing(executing);
+            else
+                host.document().steps().scripting.AESubmitForNotarizing(executing);
+        });
+    }
+
+    void expectRefused(qint64 number, const QString &text = {})
+    {
+        ASSERT_TRUE(reply);
+        EXPECT_EQ(reply->errorNumber, number);
+        EXPECT_EQ(reply->errorText, text);
+        EXPECT_EQ(reply->errorText.isNull(), text.isNull());
+        EXPECT_FALSE(reply->result.isValid());
+        EXPECT_EQ(host.application().allControllers().size(), 1);
+        EXPECT_TRUE(host.tools.calls().isEmpty());
+    }
+
+    TestHost host;
+    ScriptCommandPtr command;
+    std::optional<ScriptReply> reply;
+};
+
+class SubmitCommand : public AScript, public testing::WithParamInterface<Receiver> {
+protected:
+    using AScript::send;
+    void send(const QVariantMap &arguments) { send(arguments, GetParam()); }
+};
+
+TEST_P(SubmitCommand, withoutAnItemIsRefused)
+{
+    send({});
+    expectRefused(6);
+}
+
+TEST_P(SubmitCommand, withATextInPlaceOfAUrlIsRefused)
+{
+    send({{argument::at, host.item(u"Foo.app"_s)}});
+    expectRefused(6);
+}
+
+TEST_P(SubmitCommand, withAnotherExtensionIsRefused)
+{
+    items::makeFile(host.item(u"Foo.zip"_s), "zip");
+    send(atItem(u"Foo.zip"_s));
+    expectRefused(6);
+}
+
+TEST_P(SubmitCommand, withAMissingItemIsRefusedAndOpensNoWindow)
+{
+    send(atItem(u"Gone.app"_s));
+    expectRefused(6);
+}
+
+TEST_P(SubmitCommand, withAnExtensionInCapitalsIsAccepted)
+{
+    items::makeBundle(host.item(u"Bar.APP"_s));
+    send(atItem(u"Bar.APP"_s));
+    host.settle();
+    host.firePolls();
+    ASSERT_TRUE(reply);
+    EXPECT_FALSE(reply->isError());
+}
+
+TEST_P(SubmitCommand, onABusyReceiverGivesTheArgumentsErrorFirst)
+{
+    host.application().changeStatus(status::interacting);
+    host.document().changeStatus(status::submitting);
+    send({});
+    expectRefused(6);
+}
+
+TEST_P(SubmitCommand, suspendsUntilTheItemIsStapled)
+{
+    send(atItem(u"Foo.app"_s));
+    EXPECT_FALSE(reply);
+    EXPECT_EQ(host.document().currentCommand(), command);
+    EXPECT_FALSE(host.document().isScripted()); // the work is only queued
+    host.settle();
+    EXPECT_TRUE(host.document().isScripted());
+    EXPECT_FALSE(reply);
+    host.firePolls();
+    ASSERT_TRUE(reply);
+    EXPECT_EQ(reply->result.toUrl(), itempath::toUrl(host.item(u"Foo - Notarized/Foo.app"_s)));
+}
+
+TEST_P(SubmitCommand, withoutShowingDialogsSuppressesThem)
+{
+    send(atItem(u"Foo.app"_s));
+    EXPECT_TRUE(host.document().suppressDialogs());
+}
+
+TEST_P(SubmitCommand, showingDialogsLeavesThemOn)
+{
+    QVariantMap arguments = atItem(u"Foo.app"_s);
+    arguments.insert(argument::showingDialogs, true);
+    send(arguments);
+    EXPECT_FALSE(host.document().suppressDialogs());
+}
+
+TEST_P(SubmitCommand, thatFailsIsAnsweredWithNumberAndText)
+{
+    host.tools.answer(u"altool--notarization-history"_s, {.status = 1, .error = "no network"});
+    send(atItem(u"Foo.app"_s));
+    host.settle();
+    ASSERT_TRUE(reply);
+    EXPECT_EQ(reply->errorNumber, 1103);
+    EXPECT_EQ(
+        reply->errorText,
+        u"Cannot Continue: Unknown problem using altool. Check that the app-specific pasword, Apple ID, and team provider name are correct."_s);
+    EXPECT_FALSE(reply->result.isValid());
+    EXPECT_EQ(host.document().statusString(), u"ready"_s);
+    EXPECT_TRUE(host.window().sheets.isEmpty());
+}
+
+TEST_P(SubmitCommand, thatFailsAfterTheUploadNamesTheItem)
+{
+    host.tools.answer(u"altool--notarization-info"_s, {.output = "Status: invalid\n"});
+    send(atItem(u"Foo.app"_s));
+    host.settle();
+    host.firePolls();
+    ASSERT_TRUE(reply);
+    EXPECT_EQ(reply->errorNumber, 1117);
+    EXPECT_EQ(reply->offendingObject.toUrl(), itempath::toUrl(host.item(u"Foo - Submitted/Foo.app"_s)));
+}
+
+TEST_P(SubmitCommand, skippingStaplingIsAnsweredWhenTheUploadIsAccepted)
+{
+    QVariantMap arguments = atItem(u"Foo.app"_s);
+    arguments.insert(argument::skippingStapling, true);
+    send(arguments);
+    host.settle();
+    ASSERT_TRUE(reply);
+    EXPECT_EQ(reply->result.toUrl(), itempath::toUrl(host.item(u"Foo - Submitted/Foo.app"_s)));
+    EXPECT_TRUE(host.timers.armed().isEmpty());
+    EXPECT_EQ(host.document().statusString(), u"ready"_s);
+    EXPECT_FALSE(host.document().isBusy());
+}
+
+TEST_P(SubmitCommand, thatIsCancelledIsAnsweredOnce)
+{
+    host.tools.answer(u"xattr"_s, {.hangs = true});
+    send(atItem(u"Foo.app"_s));
+    host.runUntil([this] { return !host.tools.callsOf(u"xattr"_s).isEmpty(); });
+    host.document().doCancel();
+    host.settle();
+    ASSERT_TRUE(reply);
+    EXPECT_EQ(reply->errorNumber, 1118);
+    EXPECT_EQ(reply->errorText, u"Process Cancelled: Uploading of the app may not have been completed."_s);
+}
+
+INSTANTIATE_TEST_SUITE_P(On, SubmitCommand, testing::Values(Receiver::application, Receiver::document),
+                         [](const auto &row) {
+                             return row.param == Receiver::application ? std::string("application")
+                                                                       : std::string("document");
+                         });
+
+TEST_F(AScript, isToldThatTheApplicationIsLoadingAndOpensNoWindow)
+{
+    for (const QStringView word : {status::loading, status::interacting}) {
+        host.application().changeStatus(word);
+        send(atItem(u"Foo.app"_s), Receiver::application);
+        expectRefused(1199, u"Application is busy, status: %1."_s.arg(word));
+    }
+}
+
+TEST_F(AScript, isToldThatADocumentIsBusy)
+{
+    host.document().changeStatus(status::waiting);
+    send(atItem(u"Foo.app"_s), Receiver::document);
+    expectRefused(1199, u"Document is busy, status: waiting."_s);
+}
+
+TEST_F(AScript, submitsBesideABusyDocumentInASecondOne)
+{
+    host.tools.answerRun(u"xattr"_s, 1, {.hangs = true});
+    MainWinController &first = host.document();
+    first.steps().submit.submitURL(itempath::toUrl(host.item(u"Foo.app"_s)));
+    host.runUntil([this] { return !host.tools.callsOf(u"xattr"_s).isEmpty(); });
+    items::makeBundle(host.item(u"Bar.app"_s));
+    send(atItem(u"Bar.app"_s), Receiver::application);
+    EXPECT_EQ(host.application().allControllers().size(), 2);
+    EXPECT_EQ(host.applicationHost.activations, 2);
+    host.runUntil([this] { return !host.timers.armed().isEmpty(); });
+    EXPECT_EQ(host.document().statusString(), u"waiting"_s);
+    EXPECT_EQ(first.statusString(), u"submitting"_s);
+    first.doCancel();
+    host.settle();
+}
+
+TEST_F(AScript, isRefusedByAPreparedDocument)
+{
+    host.document().steps().submit.prepareForDirectSubmit(itempath::toUrl(host.item(u"Foo.app"_s)), {});
+    send(atItem(u"Foo.app"_s), Receiver::document);
+    expectRefused(1199, u"Document is busy, status: interacting."_s);
+}
+
+TEST_F(AScript, getsThePlainTextOfALogWithTimeStamps)
+{
+    host.document().logStringMain(u"one"_s, false);
+    host.document().logStringMain(u"two"_s, true);
+    command =
+        std::make_shared<ScriptCommand>(QVariantMap(), [this](const ScriptReply &answer) { reply = answer; });
+    command->execute([this](const ScriptCommandPtr &executing) {
+        host.document().steps().scripting.AEFetchLog(executing);
+    });
+    EXPECT_FALSE(reply);
+    host.settle();
+    ASSERT_TRUE(reply);
+    EXPECT_EQ(reply->result.toString(), u"14:03:22.123: one\n14:03:22.123: two\n"_s);
+}
+
+TEST_F(AScript, thatFetchesTheLogOfARunningDocumentLosesTheCommandOfTheRun)
+{
+    host.tools.answer(u"xattr"_s, {.hangs = true});
+    send(atItem(u"Foo.app"_s), Receiver::document);
+    host.runUntil([this] { return !host.tools.callsOf(u"xattr"_s).isEmpty(); });
+    std::optional<ScriptReply> log;
+    const auto fetch = std::make_shared<ScriptCommand>(QVariantMap(), [&log](const ScriptReply &answer) {
+        EXPECT_FALSE(log) << "answered twice";
+        log = answer;
+    });
+    fetch->execute([this](const ScriptCommandPtr &executing) {
+        host.document().steps().scripting.AEFetchLog(executing);
+    });
+    host.runUntil([&log] { return log.has_value(); });
+    host.document().doCancel();
+    host.settle();
+    EXPECT_FALSE(reply); // its answer went to the finished log command
+    EXPECT_FALSE(log->isError());
+}
+
+TEST_F(AScript, isToldNothingOfALaterFailureOfAPersonsOwnRun)
+{
+    send(atItem(u"Foo.app"_s), Receiver::document);
+    host.settle();
+    host.firePolls();
+    ASSERT_TRUE(reply);
+    const ScriptReply before = *reply;
+    items::makeBundle(host.item(u"Foo.app"_s));
+    host.tools.answer(u"altool--notarization-history"_s, {.status = 1});
+    host.document().steps().submit.doSubmitAgain();
+    host.settle();
+    EXPECT_EQ(host.window().sheets.last().messageText, u"Cannot Continue"_s);
+    EXPECT_EQ(host.document().currentCommand(), command);
+    EXPECT_FALSE(before.isError());
+    EXPECT_FALSE(reply->isError());
+}
+
+TEST(ScriptCommand, canBeResumedFromAnyThreadAndIsAnsweredOnce)
+{
+    std::atomic<int> answers = 0;
+    const auto command =
+        std::make_shared<ScriptCommand>(QVariantMap(), [&answers](const ScriptReply &) { ++answers; });
+    command->execute([](const ScriptCommandPtr &executing) { executing->suspendExecution(); });
+    EXPECT_EQ(answers, 0);
+    std::thread first([&command] { command->resumeExecutionWithResult(1); });
+    std::thread second([&command] { command->resumeExecutionWithResult(2); });
+    first.join();
+    second.join();
+    EXPECT_EQ(answers, 1);
+}
+
+TEST(ScriptCommand, isTheExecutingOneOnlyInItsHandler)
+{
+    EXPECT_EQ(ScriptCommand::executingCommand(), nullptr);
+    const auto command = std::make_shared<ScriptCommand>(QVariantMap(), [](const ScriptReply &) {});
+    command->execute(
+        [](const ScriptCommandPtr &executing) { EXPECT_EQ(ScriptCommand::executingCommand(), executing); });
+    EXPECT_EQ(ScriptCommand::executingCommand(), nullptr);
+}
