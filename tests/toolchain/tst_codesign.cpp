@@ -199,7 +199,7 @@ TEST_F(Codesign, refusesFilesThatAreNoWholeMachO)
     const QByteArray universal = bundlebuilder::universalMachO();
     for (const QByteArray &bytes :
          {QByteArray(), QByteArray("#!/bin/sh\n"), QByteArray::fromHex("cffaedfe"), universal.left(200),
-          universal.left(300), bundlebuilder::thinMachO(bundlebuilder::arm64).left(31),
+          universal.chopped(1), universal.left(300), bundlebuilder::thinMachO(bundlebuilder::arm64).left(31),
           QByteArray::fromHex("cafebabe0000003400000000"), QByteArray::fromHex("cafebabe00000000")}) {
         writeFile(path(u"file"_s), bytes);
         const ToolResult result = sign(path(u"file"_s));
