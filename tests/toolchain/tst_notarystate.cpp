@@ -54,16 +54,18 @@ TEST_F(NotaryState, keepsTheUploadsOfManyProcessesAtOnce)
 
 TEST_F(NotaryState, countsTheQuestionsOfManyProcessesAtOnce)
 {
-    const QString uuid = uuidIn(upload(archive()));
-    std::vector<std::unique_ptr<QProcess>> questions;
-    for (int index = 0; index < 8; ++index)
-        questions.push_back(startAltool({u"--notarization-info"_s, uuid}));
-    const auto waiting = std::count_if(questions.begin(), questions.end(), [](const auto &process) {
-        const ToolResult report = finish(*process);
-        EXPECT_EQ(report.status, 0) << report.error.toStdString();
-        return report.output.contains(u"Status: in progress"_s);
-    });
-    EXPECT_EQ(waiting, 2);
+    for (int round = 0; round < 5; ++round) { // a lost question shows in some rounds only
+        const QString uuid = uuidIn(upload(archive()));
+        std::vector<std::unique_ptr<QProcess>> questions;
+        for (int index = 0; index < 12; ++index)
+            questions.push_back(startAltool({u"--notarization-info"_s, uuid}));
+        const auto waiting = std::count_if(questions.begin(), questions.end(), [](const auto &process) {
+            const ToolResult report = finish(*process);
+            EXPECT_EQ(report.status, 0) << report.error.toStdString();
+            return report.output.contains(u"Status: in progress"_s);
+        });
+        EXPECT_EQ(waiting, 2);
+    }
 }
 
 TEST_F(NotaryState, aRequestOfTwoMinutesAgoIsDecidedWithoutQuestions)
