@@ -1,8 +1,7 @@
 #include "tools/commandsimple.h"
 
 #include "platform/process.h"
-
-#include <QStringDecoder>
+#include "tools/slwtaskresponse.h"
 
 #include <cstdio>
 
@@ -28,7 +27,5 @@ QString runCommandSimple(platform::ProcessLauncher &launcher, const QString &com
     task->waitUntilExit([&output](const QByteArray &chunk) { output += chunk; }, passOn);
     output += task->readOutputToEnd();
     passOn(task->readErrorToEnd());
-    QStringDecoder utf8(QStringDecoder::Utf8);
-    const QString text = utf8(output);
-    return utf8.hasError() ? QString() : text;
+    return decodedUtf8(output).value_or(QString());
 }

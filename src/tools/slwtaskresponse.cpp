@@ -23,13 +23,21 @@ QString orNull(const QString &text)
 
 } // namespace
 
+std::optional<QString> decodedUtf8(const QByteArray &bytes)
+{
+    // Without a state that waits for more, a character that is cut off at the end is an error too.
+    QStringDecoder utf8(QStringDecoder::Utf8,
+                        QStringDecoder::Flag::Stateless | QStringDecoder::Flag::ConvertInitialBom);
+    QString text = utf8(bytes);
+    return utf8.hasError() ? std::nullopt : std::optional(text);
+}
+
 QString decodedToolOutput(const QByteArray &bytes)
 {
     if (bytes.isEmpty())
         return {};
-    QStringDecoder utf8(QStringDecoder::Utf8, QStringDecoder::Flag::ConvertInitialBom);
-    QString text = utf8(bytes);
-    return utf8.hasError() ? QString::fromLatin1(bytes) : text;
+    const auto text = decodedUtf8(bytes);
+    return text ? *text : QString::fromLatin1(bytes);
 }
 
 QString toolReport(const QString &path, const QString &args, qint64 status, const QString &output,
@@ -91,5 +99,6 @@ QString SLWTaskResponse::text() const
 
 QString SLWTaskResponse::fileLogString() const
 {
-    return toolReport(path, args.join(u' '), status(), outputString(), errorString());
+    const QString arguments = args.join(u' ');
+    return toolReport(path, arguments.isNull() ? u""_s : arguments, status(), outputString(), errorString());
 }

@@ -7,6 +7,7 @@
 #include <QStringList>
 
 #include <memory>
+#include <optional>
 
 /// Statuses that no tool returned.
 inline constexpr qint64 statusSkipped = 1001; ///< the run did not start, because its owner had cancelled it
@@ -53,6 +54,9 @@ private:
 };
 
 using SLWTaskResponsePtr = std::shared_ptr<SLWTaskResponse>;
+
+/// The text if the bytes are UTF-8 from the first to the last.
+[[nodiscard]] std::optional<QString> decodedUtf8(const QByteArray &bytes);
 
 /// Text of a stream: null for nothing, otherwise UTF-8, and if it is not that, byte by byte.
 [[nodiscard]] QString decodedToolOutput(const QByteArray &bytes);
