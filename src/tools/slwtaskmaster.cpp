@@ -24,10 +24,7 @@ std::shared_ptr<OutputBuffer> newBuffer()
 
 void emptyInPlace(OutputBuffer &buffer)
 {
-    buffer.update([](QByteArray &bytes) {
-        if (!bytes.isEmpty())
-            bytes.clear();
-    });
+    buffer.update([](QByteArray &bytes) { bytes.truncate(0); }); // empty, but not null
 }
 
 void append(OutputBuffer &buffer, const QByteArray &more)
