@@ -33,6 +33,13 @@ bool takeName(const QString &line, const QString &prefix, QStringList &names)
     return true;
 }
 
+/// The user's, or one like it where none is set: the C locale knows no numbers in names.
+QLocale peoplesLocale()
+{
+    const QLocale own;
+    return own.language() == QLocale::C ? QLocale(QLocale::English) : own;
+}
+
 } // namespace
 
 quint64 altoolMajorVersion(const QString &help)
@@ -66,10 +73,13 @@ QStringList configurationNames(const QStringList &fileNames)
 
 QStringList sortedLikeFinder(QStringList names)
 {
-    QCollator collator;
+    QCollator collator(peoplesLocale());
     collator.setNumericMode(true);
     collator.setCaseSensitivity(Qt::CaseInsensitive);
-    std::sort(names.begin(), names.end(), collator);
+    std::sort(names.begin(), names.end(), [&collator](const QString &left, const QString &right) {
+        const int order = collator.compare(left, right);
+        return order != 0 ? order < 0 : left < right; // one order, however the folder lists them
+    });
     return names;
 }
 
