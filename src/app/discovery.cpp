@@ -14,7 +14,7 @@ namespace discovery {
 
 namespace {
 
-constexpr quint64 unknownVersion = 1;
+constexpr qulonglong unknownVersion = 1;
 
 const QString applicationPrefix = u"Developer ID Application: "_s;
 const QString installerPrefix = u"Developer ID Installer: "_s;
@@ -46,7 +46,7 @@ quint64 altoolMajorVersion(const QString &help)
 {
     static const QRegularExpression banner(u"Copyright .+? Apple .+ Version +(\\d+)\\.(\\d+).(\\d+)"_s);
     const QRegularExpressionMatch match = banner.match(help);
-    return match.hasMatch() ? match.captured(1).toULongLong() : unknownVersion;
+    return std::max(match.captured(1).toULongLong(), unknownVersion); // what is no number reads as 0
 }
 
 Identities identitiesInListing(const QString &listing)
