@@ -112,6 +112,21 @@ QString TestFiles::failureOf(const char *operation, const QString &path) const
     return failure ? failure(QString::fromLatin1(operation), path) : QString();
 }
 
+platform::FileKind TestFiles::kind(const QString &path) const
+{
+    return unreadable.contains(path) ? platform::FileKind() : PosixFileService::kind(path);
+}
+
+QStringList TestFiles::contentsOfDirectory(const QString &path) const
+{
+    if (unreadable.contains(path))
+        return {};
+    QStringList names = PosixFileService::contentsOfDirectory(path);
+    if (sortsListings)
+        names.sort();
+    return names;
+}
+
 Outcome TestFiles::createDirectory(const QString &path)
 {
     const QString error = failureOf("createDirectory", path);

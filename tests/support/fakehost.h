@@ -104,7 +104,13 @@ public:
     /// null is the error with which the operation fails.
     std::function<QString(const QString &operation, const QString &path)> failure;
     QStringList trashed;
+    /// Entries that can be neither listed nor told the kind of.
+    QSet<QString> unreadable;
+    /// Lists by name, so that a walk meets everything in one order on all file systems.
+    bool sortsListings = false;
 
+    platform::FileKind kind(const QString &path) const override;
+    QStringList contentsOfDirectory(const QString &path) const override;
     platform::Outcome createDirectory(const QString &path) override;
     platform::Outcome createFile(const QString &path) override;
     platform::Outcome removeItem(const QString &path) override;

@@ -29,6 +29,8 @@ public:
     explicit FakeTools(const QString &folder);
 
     QString root() const { return m_root; }
+    /// Puts the fake tool at the path below the root.
+    void add(const QString &path);
     /// The answer of each run that has none of its own.
     void answer(const QString &tool, const ToolAnswer &answer);
     /// The answer of the tool's run of that number, counted from 1.
@@ -47,7 +49,5 @@ public:
     static QByteArray infoReport(const QString &status, const QString &logFileURL = {});
 
 private:
-    void add(const QString &path);
-
     QString m_root;
 };

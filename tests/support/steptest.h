@@ -1,0 +1,39 @@
+#pragma once
+
+#include "document/documentextensions.h"
+#include "document/mainwincontroller.h"
+#include "scripting/scripterrors.h"
+#include "support/items.h"
+#include "support/testhost.h"
+
+#include <gtest/gtest.h>
+
+/// One step of a workflow by itself, on a document whose item has been copied into its working folder.
+class StepTest : public testing::Test {
+protected:
+    MainWinController &document() { return host.document(); }
+    DocumentExtensions &steps() { return document().steps(); }
+
+    /// Launches, unless that has been done, and makes the working copy of the item of that name.
+    void makeWorkingCopy(const QString &name);
+    /// Runs the step on a worker, lets all that it queued happen and answers with its result.
+    [[nodiscard]] bool run(const std::function<bool()> &step);
+
+    /// Path of the working copy, wherever its folder has gone.
+    QString copy();
+    /// The one line in the error style of the window log, with "#" in place of a response's number.
+    QString errorLine();
+    /// Asserts that the step has reported this, and nothing else.
+    void expectReport(const QString &title, const QString &logLine,
+                      const QString &text = seeTheLog.toString());
+    void expectNoReport();
+    /// Asserts that the document takes another submission of the item and carries it to its end. The tools
+    /// must answer well again.
+    void expectUsableFor(const QString &name);
+
+    TestHost host;
+    bool isLaunched = false;
+};
+
+/// The text with "#" in place of the number behind "Error ", if that is none that a tool could return.
+[[nodiscard]] QString withoutReference(const QString &line);
