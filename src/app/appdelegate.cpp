@@ -62,6 +62,7 @@ void AppDelegate::applicationDidFinishLaunching()
     if (!findAltool())
         return quitWithoutAltool();
     findVersionNumberOfAltool();
+    m_host.application.deliverPendingOpens();
     if (!m_droppedURLs)
         addedDocument();
     if (m_host.updater)
