@@ -110,30 +110,26 @@ void SLWTaskMaster::readLateOutput(platform::Process &task, const SLWTaskRespons
         // The notary tool at times ends before its report is in the pipe.
         for (int retry = 0; retry < altoolRetries && (*lastOutput)().isEmpty(); ++retry) {
             pause(m_pauses.altoolRetry);
-            if (appendLateBytes(*lastOutput, task.readOutputToEnd()))
-                break;
+            appendLateBytes(*lastOutput, task.readOutputToEnd());
         }
     }
     appendLateBytes(*lastError, task.readErrorToEnd());
 }
 
-bool SLWTaskMaster::appendLateBytes(OutputBuffer &buffer, const QByteArray &bytes)
+void SLWTaskMaster::appendLateBytes(OutputBuffer &buffer, const QByteArray &bytes)
 {
-    if (bytes.size() < leastLateBytes)
-        return false;
-    append(buffer, bytes);
-    return true;
+    if (bytes.size() >= leastLateBytes)
+        append(buffer, bytes);
 }
 
 bool SLWTaskMaster::terminateTaskFor(const QString &owner)
 {
-    const auto task = currentTask();
-    if (!task)
+    if (!currentTask())
         return false;
-    if (ownerID() == owner)
-        task->terminate();
-    else
+    if (ownerID() != owner)
         cancelledOwners.update([&owner](QStringList &owners) { owners.append(owner); });
+    else if (const auto task = currentTask()) // not the one of before: another's run may have ended since
+        task->terminate();
     return true;
 }
 

@@ -19,11 +19,9 @@ struct RunnerPauses {
 ///   recursive, so that a caller may take it to keep the next run from emptying the buffers that it still
 ///   reads.
 /// - `terminateTaskFor` takes no monitor: a cancel must get through while a run holds it. All that the two
-/// share
-///   are fields that are read and written as a whole.
+///   share are fields that are read and written as a whole.
 /// - A cancel names its owner. If the run in progress is that owner's, the tool is ended; if it is another's,
-/// the
-///   owner's next run is skipped; if there is none, the cancel has no effect, then or later.
+///   the owner's next run is skipped; if there is none, the cancel has no effect, then or later.
 class SLWTaskMaster {
 public:
     explicit SLWTaskMaster(platform::ProcessLauncher &launcher, RunnerPauses pauses = {});
@@ -62,7 +60,7 @@ private:
     SLWTaskResponsePtr launchFailed(const SLWTaskResponsePtr &response, const QString &description);
     void waitForTool(platform::Process &task);
     void readLateOutput(platform::Process &task, const SLWTaskResponsePtr &response);
-    bool appendLateBytes(OutputBuffer &buffer, const QByteArray &bytes);
+    void appendLateBytes(OutputBuffer &buffer, const QByteArray &bytes);
 
     platform::ProcessLauncher &m_launcher;
     const RunnerPauses m_pauses;
