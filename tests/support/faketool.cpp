@@ -5,7 +5,7 @@
 // $SEALWRIGHT_FAKE_ROOT/runs/NAME        how many runs of that tool there have been
 // $SEALWRIGHT_FAKE_ROOT/answers/NAME/N   a folder: what the N-th run answers; "always" for the others
 //
-// In such a folder: stdout, stderr, status, signal (kills itself by it), hang (waits for ever), and content
+// In such a folder: stdout, stderr, status, signal (kills itself by it), hang (waits while it is there), and content
 // (written to the path in the file target, where "{last}" is the last argument).
 
 #include <csignal>
@@ -60,9 +60,10 @@ std::string toolName(const std::vector<std::string> &arguments)
 void appendCall(const std::filesystem::path &root, const std::string &name,
                 const std::vector<std::string> &arguments)
 {
-    std::string line = "[" + quoted(name);
+    std::string line = "[";
+    line += quoted(name);
     for (size_t i = 1; i < arguments.size(); ++i)
-        line += "," + quoted(arguments[i]);
+        line.append(",").append(quoted(arguments[i]));
     line += "]\n";
     const int file = open((root / "calls").c_str(), O_WRONLY | O_APPEND | O_CREAT, 0600);
     if (file < 0 || write(file, line.data(), line.size()) != static_cast<ssize_t>(line.size()))
@@ -121,7 +122,7 @@ int main(int argc, char **argv)
     copyTo(STDOUT_FILENO, answer / "stdout");
     copyTo(STDERR_FILENO, answer / "stderr");
     while (std::filesystem::exists(answer / "hang"))
-        pause();
+        usleep(1000);
     if (const std::string signal = contents(answer / "signal"); !signal.empty())
         raise(std::stoi(signal));
     const std::string status = contents(answer / "status");

@@ -51,6 +51,11 @@ void FakeTools::add(const QString &path)
         throw std::runtime_error("cannot link " + place.toStdString());
 }
 
+void FakeTools::release(const QString &tool)
+{
+    QFile::remove(m_root + u"/answers/"_s + tool + u"/always/hang"_s);
+}
+
 void FakeTools::remove(const QString &path)
 {
     QFile::remove(m_root + path);

@@ -11,7 +11,7 @@ struct ToolAnswer {
     QByteArray output = {};
     QByteArray error = {};
     int signal = 0; ///< not 0: the tool dies of it
-    bool hangs = false; ///< waits until it is ended
+    bool hangs = false; ///< waits until it is ended or released
     QByteArray content = {}; ///< not null: written to `target`
     QString target = QStringLiteral("{last}"); ///< a path, or "{last}" for the path in the last argument
 };
@@ -35,6 +35,8 @@ public:
     void answer(const QString &tool, const ToolAnswer &answer);
     /// The answer of the tool's run of that number, counted from 1.
     void answerRun(const QString &tool, int run, const ToolAnswer &answer);
+    /// Lets the runs of the tool go on that hang for its usual answer.
+    void release(const QString &tool);
     /// Takes the tool away from the root.
     void remove(const QString &path);
 
