@@ -21,22 +21,25 @@ QString ownerName(int number)
 
 class RunnerThreads : public RealRunner {
 protected:
-    /// Each owner runs the script, with its name as "$0", that often on a thread of its own. `judge` gets
-    /// every response, on the owner's thread and before the next run.
-    template <class Judge>
-    void runAll(const QString &script, Judge judge)
+    /// Has each owner do its work that often on a thread of its own.
+    template <class Work>
+    void runAll(Work work)
     {
         std::vector<std::thread> threads;
         for (int number = 0; number < owners; ++number) {
-            threads.emplace_back([this, script, judge, owner = ownerName(number)] {
-                for (int run = 0; run < runsOfEach; ++run) {
-                    const std::scoped_lock turn(runner.monitor());
-                    judge(owner, runner.runTool(u"/bin/sh"_s, {u"-c"_s, script, owner}, owner));
-                }
+            threads.emplace_back([work, owner = ownerName(number)] {
+                for (int run = 0; run < runsOfEach; ++run)
+                    work(owner);
             });
         }
         for (std::thread &thread : threads)
             thread.join();
+    }
+
+    /// Runs the script with the owner's name as "$0".
+    SLWTaskResponsePtr run(const QString &script, const QString &owner)
+    {
+        return runner.runTool(u"/bin/sh"_s, {u"-c"_s, script, owner}, owner);
     }
 };
 
@@ -46,8 +49,8 @@ TEST_F(RunnerThreads, oneToolRunsAtATime)
 {
     const QTemporaryDir folder;
     const QString path = folder.filePath(u"order"_s);
-    runAll(u"echo begin >> '%1'; echo end >> '%1'"_s.arg(path),
-           [](const QString &, const SLWTaskResponsePtr &response) { EXPECT_EQ(response->status(), 0); });
+    const QString script = u"echo begin >> '%1'; echo end >> '%1'"_s.arg(path);
+    runAll([&](const QString &owner) { EXPECT_EQ(run(script, owner)->status(), 0); });
     QFile order(path);
     ASSERT_TRUE(order.open(QIODevice::ReadOnly));
     EXPECT_EQ(order.readAll(), QByteArray("begin\nend\n").repeated(owners * runsOfEach));
@@ -55,8 +58,9 @@ TEST_F(RunnerThreads, oneToolRunsAtATime)
 
 TEST_F(RunnerThreads, everyOwnerGetsItsOwnOutput)
 {
-    runAll(u"echo \"$0\""_s, [](const QString &owner, const SLWTaskResponsePtr &response) {
-        EXPECT_EQ(response->outputString(), owner + u'\n');
+    runAll([this](const QString &owner) {
+        const std::scoped_lock turn(runner.monitor()); // the next run would empty what is read here
+        EXPECT_EQ(run(u"echo \"$0\""_s, owner)->outputString(), owner + u'\n');
     });
 }
 
@@ -70,7 +74,9 @@ TEST_F(RunnerThreads, cancelsFromEverywhereLeaveEachRunOneDefinedEnd)
                 runner.terminateTaskFor(ownerName(next % owners));
         });
     }
-    runAll(u"echo out"_s, [](const QString &, const SLWTaskResponsePtr &response) {
+    runAll([this](const QString &owner) {
+        const std::scoped_lock turn(runner.monitor());
+        const auto response = run(u"echo out"_s, owner);
         const qint64 status = response->status();
         EXPECT_TRUE(status == 0 || status == SIGTERM || status == statusSkipped) << status;
         if (status == 0) {
