@@ -1,0 +1,103 @@
+// Documents whose notary tool is too old for a runner of their own.
+
+#include "document/mainwincontroller.h"
+#include "support/testhost.h"
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString xattr = u"/usr/bin/xattr"_s;
+const QString ditto = u"/usr/bin/ditto"_s;
+
+class TwoDocuments : public testing::Test {
+protected:
+    void launchWithVersion(const QByteArray &version)
+    {
+        host.tools.answer(u"altool-h"_s,
+                          {.output = "Copyright (c) 2009, Apple Inc. Version " + version + "\n"});
+        host.launch();
+        host.application().newDocument(0);
+        a = host.application().allControllers().first();
+        b = host.application().allControllers().last();
+    }
+
+    /// The first document's tool runs and does not end.
+    void startHangingTool()
+    {
+        host.tools.answer(u"xattr"_s, {.output = "a's text", .hangs = true});
+        a->dispatchToWorker([this] { answerOfA = a->runTool(xattr, {}); });
+        host.runUntil([this] { return !host.tools.calls().isEmpty(); });
+    }
+
+    TestHost host;
+    DocumentPtr a;
+    DocumentPtr b;
+    SLWTaskResponsePtr answerOfA;
+    SLWTaskResponsePtr answerOfB;
+};
+
+} // namespace
+
+TEST_F(TwoDocuments, ofVersionThreeTakeTurns)
+{
+    launchWithVersion("3.2.1");
+    EXPECT_FALSE(a->chooseProviderButton.isEnabled());
+    EXPECT_EQ(a->taskRunner(), b->taskRunner());
+    startHangingTool();
+    std::atomic<bool> isAtTheRunner = false;
+    b->dispatchToWorker([&] {
+        isAtTheRunner = true;
+        answerOfB = b->runTool(ditto, {host.item(u"x"_s)});
+    });
+    host.runUntil([&isAtTheRunner] { return isAtTheRunner.load(); });
+    EXPECT_EQ(host.tools.order(), QStringList{u"xattr"_s});
+    host.tools.release(u"xattr"_s);
+    host.settle();
+    EXPECT_EQ(host.tools.order(), (QStringList{u"xattr"_s, u"ditto"_s}));
+    EXPECT_EQ(answerOfA->outputString(), u"a's text"_s) << "the next run may not empty what a document reads";
+    EXPECT_EQ(answerOfB->status(), 0);
+}
+
+TEST_F(TwoDocuments, ofVersionThreeUploadBesideAnothersTool)
+{
+    launchWithVersion("3.2.1");
+    EXPECT_EQ(a->uploadTaskRunner(), b->uploadTaskRunner());
+    EXPECT_NE(a->uploadTaskRunner(), a->taskRunner());
+    startHangingTool();
+    b->dispatchToWorker([this] { answerOfB = b->runAltool(b->uploadTaskRunner(), {u"--notarize-app"_s}); });
+    host.runUntil([this] { return host.tools.order().contains(u"altool--notarize-app"_s); });
+    EXPECT_NE(a->taskRunner()->currentTask(), nullptr) << "the first one's tool still runs";
+    host.tools.release(u"xattr"_s);
+    host.settle();
+    EXPECT_EQ(answerOfB->status(), 0);
+}
+
+TEST_F(TwoDocuments, ofVersionThreeCancelOnlyTheirOwnRuns)
+{
+    launchWithVersion("3.2.1");
+    startHangingTool();
+    EXPECT_TRUE(b->taskRunner()->terminateTaskFor(b->uniqueID));
+    host.tools.release(u"xattr"_s);
+    host.settle();
+    EXPECT_EQ(answerOfA->status(), 0);
+    b->dispatchToWorker([this] { answerOfB = b->runTool(ditto, {host.item(u"x"_s)}); });
+    host.settle();
+    EXPECT_EQ(answerOfB->status(), 1001);
+    EXPECT_EQ(host.tools.order(), QStringList{u"xattr"_s});
+}
+
+TEST_F(TwoDocuments, ofVersionFourRunSideBySide)
+{
+    launchWithVersion("4.0.1");
+    EXPECT_NE(a->taskRunner(), b->taskRunner());
+    startHangingTool();
+    b->dispatchToWorker([this] { answerOfB = b->runTool(ditto, {host.item(u"x"_s)}); });
+    host.runUntil([this] { return host.tools.order().contains(u"ditto"_s); });
+    EXPECT_NE(a->taskRunner()->currentTask(), nullptr);
+    host.tools.release(u"xattr"_s);
+    host.settle();
+    EXPECT_EQ(answerOfB->status(), 0);
+}
