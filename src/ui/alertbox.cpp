@@ -1,0 +1,57 @@
+#include "ui/alertbox.h"
+
+#include <QApplication>
+#include <QIcon>
+#include <QLabel>
+#include <QPushButton>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int iconSize = 48;
+
+} // namespace
+
+AlertBox::AlertBox(const platform::Alert &alert, QWidget *parent)
+    : QMessageBox(parent)
+{
+    setWindowTitle(QApplication::applicationDisplayName());
+    setIconPixmap(QApplication::windowIcon().pixmap(iconSize));
+    setText(alert.messageText);
+    setInformativeText(alert.informativeText);
+    styleText();
+    addButtons(alert.buttons.isEmpty() ? QStringList{u"OK"_s} : alert.buttons);
+}
+
+void AlertBox::styleText()
+{
+    // The box offers no other way to its two labels; the second would take an address in brackets for markup.
+    for (const QString &name : {u"qt_msgbox_label"_s, u"qt_msgbox_informativelabel"_s}) {
+        if (auto *const label = findChild<QLabel *>(name))
+            label->setTextFormat(Qt::PlainText);
+    }
+    if (auto *const message = findChild<QLabel *>(u"qt_msgbox_label"_s)) {
+        QFont font = message->font();
+        font.setBold(true);
+        message->setFont(font);
+    }
+}
+
+void AlertBox::addButtons(const QStringList &titles)
+{
+    for (const QString &title : titles) {
+        const bool cancels = title == "Cancel"_L1;
+        auto *const button = addButton(title, cancels ? RejectRole : AcceptRole);
+        m_buttons.append(button);
+        if (cancels || titles.size() == 1)
+            setEscapeButton(button);
+        if (m_buttons.size() == 1)
+            setDefaultButton(button);
+    }
+}
+
+int AlertBox::answer() const
+{
+    return platform::alertFirstButton + static_cast<int>(m_buttons.indexOf(clickedButton()));
+}

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "platform/window.h"
+
+#include <QMessageBox>
+
+/// An alert as a message box. All of its text is shown letter for letter. The first button is the default
+/// one; Escape presses the one that cancels, or the only one.
+class AlertBox : public QMessageBox {
+    Q_OBJECT
+
+public:
+    explicit AlertBox(const platform::Alert &alert, QWidget *parent = nullptr);
+
+    /// The number of the button that was pressed, counted from `platform::alertFirstButton`.
+    int answer() const;
+
+private:
+    void addButtons(const QStringList &titles);
+    void styleText();
+
+    QList<QAbstractButton *> m_buttons;
+};

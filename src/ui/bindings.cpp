@@ -1,0 +1,104 @@
+#include "ui/bindings.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QSignalBlocker>
+
+#include <limits>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// Runs `show` now and after each change of the control, for as long as the widget lives.
+template <class Show>
+void follow(QWidget &widget, Control &control, Show show)
+{
+    QObject::connect(&control, &Control::changed, &widget, show);
+    show();
+}
+
+void showAvailability(QWidget &widget, const Control &control)
+{
+    widget.setHidden(control.isHidden());
+    widget.setEnabled(control.isEnabled());
+}
+
+/// A text as a button shows it letter for letter.
+QString withoutMnemonic(QString text)
+{
+    return text.replace(u'&', u"&&"_s);
+}
+
+QStringList itemTitles(const QComboBox &box)
+{
+    QStringList titles;
+    for (int index = 0; index < box.count(); ++index)
+        titles.append(box.itemText(index));
+    return titles;
+}
+
+} // namespace
+
+void bindings::bind(QLineEdit &edit, TextField &field)
+{
+    edit.setMaxLength(std::numeric_limits<int>::max()); // a longer text would be cut, and so the control's
+    follow(edit, field, [&edit, &field] {
+        showAvailability(edit, field);
+        if (edit.text() != field.stringValue()) // or the insertion point would jump to the end
+            edit.setText(field.stringValue());
+    });
+    QObject::connect(&edit, &QLineEdit::textChanged, &field, &TextField::setStringValue);
+    QObject::connect(&field, &TextField::focusRequested, &edit,
+                     [&edit] { edit.setFocus(Qt::OtherFocusReason); });
+}
+
+void bindings::bind(QCheckBox &box, Checkbox &checkbox)
+{
+    follow(box, checkbox, [&box, &checkbox] {
+        showAvailability(box, checkbox);
+        box.setChecked(checkbox.isOn());
+    });
+    QObject::connect(&box, &QCheckBox::toggled, &checkbox,
+                     [&checkbox](bool isOn) { checkbox.setState(isOn ? 1 : 0); });
+}
+
+void bindings::bind(QComboBox &box, Popup &popup)
+{
+    follow(box, popup, [&box, &popup] {
+        const QSignalBlocker silence(box); // the selection of a box that is being filled is nobody's choice
+        showAvailability(box, popup);
+        if (itemTitles(box) != popup.itemTitles()) {
+            box.clear();
+            box.addItems(popup.itemTitles());
+        }
+        if (box.currentText() != popup.titleOfSelectedItem())
+            box.setCurrentIndex(static_cast<int>(popup.itemTitles().indexOf(popup.titleOfSelectedItem())));
+    });
+    QObject::connect(&box, &QComboBox::currentTextChanged, &popup, &Popup::selectItemWithTitle);
+}
+
+void bindings::bind(QProgressBar &bar, ProgressIndicator &indicator)
+{
+    follow(bar, indicator, [&bar, &indicator] {
+        bar.setEnabled(indicator.isEnabled());
+        bar.setVisible(indicator.isAnimating() && !indicator.isHidden());
+    });
+}
+
+void bindings::bind(QPushButton &push, Button &button, std::function<void(Action)> perform)
+{
+    follow(push, button, [&push, &button] {
+        showAvailability(push, button);
+        push.setText(withoutMnemonic(button.title()));
+        push.setAccessibleName(button.title());
+        push.setToolTip(button.toolTip());
+        const QString key = button.keyEquivalent();
+        push.setShortcut(key.isEmpty() ? QKeySequence() : QKeySequence(u"Ctrl+"_s + key));
+    });
+    QObject::connect(&push, &QPushButton::clicked, &button,
+                     [&button, perform = std::move(perform)] { perform(button.action()); });
+}

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "document/controls.h"
+
+#include <functional>
+
+class QCheckBox;
+class QComboBox;
+class QLineEdit;
+class QProgressBar;
+class QPushButton;
+
+/// Ties a widget to a control, so that both show the same at all times, whichever is changed. The widget
+/// keeps nothing that the control does not have; it may go before the control or after it. Main thread.
+namespace bindings {
+
+/// What is typed is in the control at once, without an end to the edit.
+void bind(QLineEdit &edit, TextField &field);
+void bind(QCheckBox &box, Checkbox &checkbox);
+void bind(QComboBox &box, Popup &popup);
+/// On screen while the control's animation runs.
+void bind(QProgressBar &bar, ProgressIndicator &indicator);
+/// A press, or the button's key together with Ctrl, performs the action that the button has at that moment.
+void bind(QPushButton &push, Button &button, std::function<void(Action)> perform);
+
+} // namespace bindings

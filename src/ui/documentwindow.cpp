@@ -1,0 +1,210 @@
+#include "ui/documentwindow.h"
+
+#include "app/appdelegate.h"
+#include "document/mainwincontroller.h"
+#include "platform/applicationhost.h"
+#include "platform/itempath.h"
+#include "ui/bindings.h"
+#include "ui/busybar.h"
+#include "ui/logview.h"
+#include "ui/named.h"
+#include "ui/settingspane.h"
+
+#include <QBoxLayout>
+#include <QCloseEvent>
+#include <QDropEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenuBar>
+#include <QMimeData>
+#include <QPushButton>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr QSize firstSize{920, 700};
+constexpr int progressWidth = 120;
+constexpr int leastLogLines = 4;
+constexpr qreal itemNameScale = 1.25;
+
+QStringList pathsOf(const QMimeData &data)
+{
+    QStringList paths;
+    for (const QUrl &url : data.urls()) {
+        if (url.isLocalFile())
+            paths.append(itempath::fromUrl(url));
+    }
+    return paths;
+}
+
+} // namespace
+
+DocumentWindow::DocumentWindow(MainWinController &document)
+    : m_document(document)
+{
+    setAcceptDrops(true);
+    addFileMenu();
+    setCentralWidget(new QWidget(this));
+    auto *const rows = new QVBoxLayout(centralWidget());
+    addHeader(*rows);
+    rows->addWidget(new SettingsPane(document, centralWidget()));
+    addLog(*rows);
+    addCommands(*rows);
+    setStatusWord(document.statusString());
+    findChild<QWidget *>(u"appleIDField"_s)->setFocus();
+    resize(firstSize);
+}
+
+void DocumentWindow::setStatusWord(const QString &word)
+{
+    m_statusWord->setText(word);
+}
+
+void DocumentWindow::addFileMenu()
+{
+    QMenu *const file = menuBar()->addMenu(u"&File"_s);
+    file->addAction(u"&New"_s, QKeySequence(u"Ctrl+N"_s), this,
+                    [this] { m_document.appDelegate().newDocument(0); });
+    file->addSeparator();
+    QAction *const submit =
+        file->addAction(u"&Submit…"_s, this, [this] { m_document.perform(Action::doSubmit); });
+    QAction *const cancel =
+        file->addAction(u"C&ancel"_s, this, [this] { m_document.perform(Action::doCancel); });
+    file->addSeparator();
+    file->addAction(u"&Close Window"_s, QKeySequence(u"Ctrl+W"_s), this, &DocumentWindow::closeRequested);
+    file->addAction(u"&Quit"_s, QKeySequence(u"Ctrl+Q"_s), this,
+                    [this] { m_document.host().application.terminate(); });
+    connect(file, &QMenu::aboutToShow, this, [this, submit, cancel] {
+        const bool isOrdinary = m_document.stapleOnlyButton.action() == Action::doStapleOnly;
+        submit->setEnabled(!m_document.isBusy() && isOrdinary);
+        cancel->setEnabled(m_document.canCancel());
+    });
+}
+
+void DocumentWindow::addHeader(QBoxLayout &rows)
+{
+    auto *const header = new QHBoxLayout;
+    header->addWidget(makeItemName(), 1);
+    m_statusWord = new QLabel(centralWidget());
+    m_statusWord->setObjectName(u"statusString"_s);
+    m_statusWord->setTextFormat(Qt::PlainText);
+    header->addWidget(m_statusWord);
+    auto *const progress = named(new BusyBar(centralWidget()), u"progressIndicator"_s, u"Progress"_s);
+    progress->setFixedWidth(progressWidth);
+    QSizePolicy policy = progress->sizePolicy();
+    policy.setRetainSizeWhenHidden(true); // so that nothing moves when a run starts
+    progress->setSizePolicy(policy);
+    bindings::bind(*progress, m_document.progressIndicator);
+    header->addWidget(progress);
+    header->addWidget(makeCancelButton());
+    rows.addLayout(header);
+}
+
+QWidget *DocumentWindow::makeItemName()
+{
+    auto *const name = named(new QLineEdit(centralWidget()), u"appletNameField"_s, u"Item"_s);
+    name->setReadOnly(true);
+    name->setFrame(false);
+    name->setAcceptDrops(false);
+    name->setPlaceholderText(u"No item chosen"_s);
+    QPalette palette = name->palette();
+    palette.setColor(QPalette::Base, Qt::transparent);
+    name->setPalette(palette);
+    QFont font = name->font();
+    font.setPointSizeF(font.pointSizeF() * itemNameScale);
+    font.setBold(true);
+    name->setFont(font);
+    bindings::bind(*name, m_document.appletNameField);
+    return name;
+}
+
+QWidget *DocumentWindow::makeCancelButton()
+{
+    auto *const cancel =
+        named(new QPushButton(u"&Cancel"_s, centralWidget()), u"cancelButton"_s, u"Cancel"_s);
+    cancel->setToolTip(u"Stops the run in progress"_s);
+    const auto showCanCancel = [this, cancel] { cancel->setEnabled(m_document.canCancel()); };
+    connect(&m_document.canCancel, &Observable::changed, cancel, showCanCancel);
+    showCanCancel();
+    connect(cancel, &QPushButton::clicked, this, [this] { m_document.perform(Action::doCancel); });
+    return cancel;
+}
+
+void DocumentWindow::addLog(QBoxLayout &rows)
+{
+    const QString label = u"Log"_s;
+    auto *const log =
+        named(new LogView(m_document.statusTextView, centralWidget()), u"statusTextView"_s, label);
+    log->setAcceptDrops(false);
+    log->setMinimumHeight(leastLogLines * log->fontMetrics().lineSpacing());
+    auto *const caption = new QLabel(label, centralWidget());
+    caption->setBuddy(log);
+    rows.addWidget(caption);
+    rows.addWidget(log, 1);
+}
+
+void DocumentWindow::addCommands(QBoxLayout &rows)
+{
+    auto *const commands = new QHBoxLayout;
+    commands->addStretch(1);
+    commands->addWidget(makeStapleButton());
+    commands->addWidget(makeSubmitButton());
+    rows.addLayout(commands);
+}
+
+QWidget *DocumentWindow::makeStapleButton()
+{
+    Button &button = m_document.stapleOnlyButton;
+    auto *const push = new QPushButton(centralWidget());
+    push->setObjectName(u"stapleOnlyButton"_s);
+    bindings::bind(*push, button, [this](Action action) { m_document.perform(action); });
+    const auto showIfOffered = [&button, push] {
+        push->setVisible(button.action() == Action::doCancelDirectSubmit && !button.isHidden());
+    };
+    connect(&button, &Control::changed, push, showIfOffered);
+    showIfOffered();
+    return push;
+}
+
+QWidget *DocumentWindow::makeSubmitButton()
+{
+    auto *const push = new QPushButton(centralWidget());
+    push->setObjectName(u"submitAppButton"_s);
+    bindings::bind(*push, m_document.submitAppButton, [this](Action action) { m_document.perform(action); });
+    // A document runs one workflow at a time; the spinner turns for as long as one runs.
+    const auto offerWhenIdle = [this, push] {
+        push->setEnabled(m_document.submitAppButton.isEnabled()
+                         && !m_document.progressIndicator.isAnimating());
+    };
+    connect(&m_document.submitAppButton, &Control::changed, push, offerWhenIdle);
+    connect(&m_document.progressIndicator, &Control::changed, push, offerWhenIdle);
+    offerWhenIdle();
+    push->setDefault(true);
+    return push;
+}
+
+void DocumentWindow::closeEvent(QCloseEvent *event)
+{
+    event->ignore();
+    Q_EMIT closeRequested();
+}
+
+void DocumentWindow::changeEvent(QEvent *event)
+{
+    QMainWindow::changeEvent(event);
+    if (event->type() == QEvent::ActivationChange && isActiveWindow())
+        Q_EMIT cameToFront();
+}
+
+void DocumentWindow::dragEnterEvent(QDragEnterEvent *event)
+{
+    if (!pathsOf(*event->mimeData()).isEmpty())
+        event->acceptProposedAction();
+}
+
+void DocumentWindow::dropEvent(QDropEvent *event)
+{
+    event->acceptProposedAction();
+    m_document.appDelegate().applicationOpenFiles(pathsOf(*event->mimeData()));
+}

@@ -1,0 +1,82 @@
+#include "ui/itempanel.h"
+
+#include "platform/itempath.h"
+
+#include <QApplication>
+#include <QFileSystemModel>
+#include <QLineEdit>
+#include <QSortFilterProxyModel>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// Leaves out the files that cannot be chosen.
+class ChoosableItems : public QSortFilterProxyModel {
+public:
+    ChoosableItems(std::function<bool(const QString &path)> mayChoose, QObject *parent)
+        : QSortFilterProxyModel(parent)
+        , m_mayChoose(std::move(mayChoose))
+    {
+    }
+
+protected:
+    bool filterAcceptsRow(int row, const QModelIndex &parent) const override
+    {
+        const auto &files = static_cast<const QFileSystemModel &>(*sourceModel());
+        const QModelIndex index = files.index(row, 0, parent);
+        return files.isDir(index) || m_mayChoose(files.filePath(index));
+    }
+
+private:
+    const std::function<bool(const QString &)> m_mayChoose;
+};
+
+} // namespace
+
+ItemPanel::ItemPanel(const platform::OpenPanel &panel, QWidget *parent)
+    : QFileDialog(parent, panel.message)
+    , m_panel(panel)
+{
+    setOption(DontUseNativeDialog);
+    setFileMode(panel.canChooseFiles ? ExistingFile : Directory);
+    setProxyModel(new ChoosableItems([this](const QString &path) { return mayChoose(path); }, this));
+    connect(this, &QFileDialog::currentChanged, this, &ItemPanel::showName);
+    connect(this, &QFileDialog::directoryEntered, this, [this](const QString &folder) {
+        if (!m_panel.canChooseDirectories && mayChoose(folder))
+            choose(folder);
+    });
+}
+
+bool ItemPanel::mayChoose(const QString &path) const
+{
+    const QFileInfo item(path);
+    const bool hasAllowedType = m_panel.allowedFileTypes.contains(itempath::lowerExtension(path));
+    const bool mayChooseFile = m_panel.canChooseFiles && hasAllowedType;
+    if (!item.exists() || !(mayChooseFile || (item.isDir() && m_panel.canChooseDirectories)))
+        return false;
+    return !m_panel.shouldEnable || m_panel.shouldEnable(itempath::toUrl(path));
+}
+
+void ItemPanel::choose(const QString &path)
+{
+    m_chosen = itempath::toUrl(path);
+    QDialog::accept();
+}
+
+void ItemPanel::accept()
+{
+    const QStringList selected = selectedFiles();
+    if (selected.size() == 1 && mayChoose(selected.first()))
+        return choose(selected.first());
+    if (selected.size() == 1 && QFileInfo(selected.first()).isDir())
+        return QFileDialog::accept(); // which goes into the folder
+    QApplication::beep();
+}
+
+void ItemPanel::showName(const QString &path)
+{
+    // The name of a folder is not put there by itself, and without a name there is nothing to open.
+    if (auto *const name = findChild<QLineEdit *>(u"fileNameEdit"_s); name && mayChoose(path))
+        name->setText(itempath::lastComponent(path));
+}

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "platform/window.h"
+
+#include <QFileDialog>
+
+/// An open panel for one item. A bundle folder is an item like a file if its extension is among the allowed
+/// ones; other folders are for walking through, unless folders may be chosen.
+class ItemPanel : public QFileDialog {
+    Q_OBJECT
+
+public:
+    explicit ItemPanel(const platform::OpenPanel &panel, QWidget *parent = nullptr);
+
+    /// The item that was chosen; empty if the panel was cancelled.
+    QUrl chosenItem() const { return m_chosen; }
+
+    void accept() override;
+
+private:
+    bool mayChoose(const QString &path) const;
+    void choose(const QString &path);
+    void showName(const QString &path);
+
+    const platform::OpenPanel m_panel;
+    QUrl m_chosen;
+};

@@ -1,0 +1,65 @@
+#include "ui/logview.h"
+
+#include <QFontDatabase>
+#include <QScrollBar>
+
+namespace {
+
+constexpr int darkest = 128; // of the lightness of a dark background
+
+} // namespace
+
+LogView::LogView(const LogText &log, QWidget *parent)
+    : QPlainTextEdit(parent)
+    , m_fontFamily(QFontDatabase::systemFont(QFontDatabase::FixedFont).family())
+{
+    setReadOnly(true);
+    setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    setTabChangesFocus(true);
+    setUndoRedoEnabled(false); // what nobody can take back need not be kept twice
+    setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    for (const LogText::Run &run : log.runs())
+        append(run);
+    connect(&log, &LogText::appended, this, &LogView::append);
+    connect(&log, &LogText::cleared, this, &QPlainTextEdit::clear);
+}
+
+void LogView::append(const LogText::Run &run)
+{
+    QTextCursor end(document()); // one of its own: the reader keeps the selection
+    end.movePosition(QTextCursor::End);
+    end.insertText(run.text, formatFor(run));
+    scrollToEndSoon();
+}
+
+void LogView::scrollToEndSoon()
+{
+    if (std::exchange(m_willScroll, true))
+        return; // scrolling costs more than a line does, and lines come by the thousand
+    const auto scroll = [this] {
+        m_willScroll = false;
+        verticalScrollBar()->setValue(verticalScrollBar()->maximum());
+    };
+    QMetaObject::invokeMethod(this, scroll, Qt::QueuedConnection);
+}
+
+QTextCharFormat LogView::formatFor(const LogText::Run &run) const
+{
+    QTextCharFormat format;
+    format.setFontFamilies({m_fontFamily});
+    format.setFontFixedPitch(true);
+    if (run.attributes.pointSize > 0)
+        format.setFontPointSize(run.attributes.pointSize);
+    if (run.style == LogStyle::bold)
+        format.setFontWeight(QFont::Bold);
+    format.setFontItalic(run.style == LogStyle::italic);
+    if (run.attributes.colour == TextAttributes::Colour::systemRed)
+        format.setForeground(red());
+    return format;
+}
+
+QColor LogView::red() const
+{
+    const bool isDark = palette().color(QPalette::Base).lightness() < darkest;
+    return isDark ? QColor(0xff, 0x6b, 0x61) : QColor(0xc0, 0x1c, 0x28);
+}

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QScrollArea>
+
+class MainWinController;
+class QBoxLayout;
+
+/// What a document is signed and submitted with: credentials, identity, entitlements and options. Scrolls
+/// where the window or the font leaves it too little room, and keeps what has the keyboard focus in sight.
+class SettingsPane : public QScrollArea {
+    Q_OBJECT
+
+public:
+    explicit SettingsPane(MainWinController &document, QWidget *parent = nullptr);
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+
+private:
+    QWidget *makeCredentials(MainWinController &document);
+    QWidget *makeEntitlements(MainWinController &document);
+
+    QBoxLayout *m_columns;
+};

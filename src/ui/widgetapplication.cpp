@@ -1,0 +1,57 @@
+#include "ui/widgetapplication.h"
+
+#include "ui/alertbox.h"
+#include "ui/windoworder.h"
+
+#include <QApplication>
+
+#include <cstdio>
+#include <cstdlib>
+
+using namespace Qt::StringLiterals;
+
+void WidgetApplication::deliverPendingOpens()
+{
+    if (m_pendingOpens)
+        m_pendingOpens();
+}
+
+void WidgetApplication::activate()
+{
+    if (!m_order.frontToBack().isEmpty())
+        m_order.frontToBack().first()->show();
+}
+
+void WidgetApplication::terminate()
+{
+    QMetaObject::invokeMethod(
+        qApp, [status = m_exitStatus] { QCoreApplication::exit(status); }, Qt::QueuedConnection);
+}
+
+bool WidgetApplication::isOptionKeyDown() const
+{
+    return QGuiApplication::queryKeyboardModifiers().testFlag(Qt::AltModifier);
+}
+
+void WidgetApplication::beep()
+{
+    QApplication::beep();
+}
+
+int WidgetApplication::runModal(const platform::Alert &alert)
+{
+    if (QGuiApplication::platformName() == "offscreen"_L1) {
+        std::fprintf(stderr, "%s\n%s\n", qUtf8Printable(alert.messageText),
+                     qUtf8Printable(alert.informativeText));
+        m_exitStatus = EXIT_FAILURE;
+        return platform::alertFirstButton;
+    }
+    AlertBox box(alert);
+    box.exec();
+    return box.answer();
+}
+
+QList<platform::Window *> WidgetApplication::windowsFrontToBack() const
+{
+    return m_order.frontToBack();
+}

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "platform/applicationhost.h"
+
+class WindowOrder;
+
+/// The application as a desktop with widgets shows it. On the `offscreen` platform, where nobody can dismiss
+/// an alert, an application-modal one goes to standard error instead, and the application ends with status 1.
+class WidgetApplication : public platform::ApplicationHost {
+public:
+    explicit WidgetApplication(const WindowOrder &order)
+        : m_order(order)
+    {
+    }
+
+    /// What delivers the files that were opened while launch kept the main thread busy.
+    void setPendingOpens(std::function<void()> deliver) { m_pendingOpens = std::move(deliver); }
+
+    void deliverPendingOpens() override;
+    void activate() override;
+    void terminate() override;
+    bool isOptionKeyDown() const override;
+    void beep() override;
+    int runModal(const platform::Alert &alert) override;
+    QList<platform::Window *> windowsFrontToBack() const override;
+
+private:
+    const WindowOrder &m_order;
+    std::function<void()> m_pendingOpens;
+    int m_exitStatus = 0;
+};

@@ -1,0 +1,85 @@
+#include "ui/widgetwindow.h"
+
+#include "ui/alertbox.h"
+#include "ui/itempanel.h"
+#include "ui/windoworder.h"
+
+#include <QGuiApplication>
+#include <QInputMethod>
+
+WidgetWindow::WidgetWindow(MainWinController &document, WindowOrder &order)
+    : m_order(order)
+    , m_widget(document)
+{
+    QObject::connect(&m_widget, &DocumentWindow::closeRequested, &m_sheets, [this] { performClose(); });
+    QObject::connect(&m_widget, &DocumentWindow::cameToFront, &m_sheets, [this] {
+        if (!m_isClosed)
+            m_order.bringToFront(*this);
+    });
+}
+
+WidgetWindow::~WidgetWindow()
+{
+    m_order.remove(*this);
+    m_sheets.drop();
+}
+
+void WidgetWindow::show()
+{
+    if (m_isClosed)
+        return;
+    m_widget.setWindowState(m_widget.windowState() & ~Qt::WindowMinimized);
+    m_widget.show();
+    m_widget.raise();
+    m_widget.activateWindow();
+    m_order.bringToFront(*this);
+}
+
+void WidgetWindow::endEditing()
+{
+    // What is typed is in the control at once, but for what an input method still composes.
+    if (m_widget.isActiveWindow())
+        QGuiApplication::inputMethod()->commit();
+}
+
+bool WidgetWindow::makeNothingFirstResponder()
+{
+    if (auto *const widget = m_widget.focusWidget())
+        widget->clearFocus();
+    return true;
+}
+
+void WidgetWindow::performClose()
+{
+    if (!m_delegate.shouldClose || m_delegate.shouldClose())
+        close();
+}
+
+void WidgetWindow::close()
+{
+    if (std::exchange(m_isClosed, true))
+        return;
+    m_sheets.drop();
+    m_order.remove(*this);
+    m_widget.hide();
+    if (m_delegate.willClose)
+        m_delegate.willClose();
+}
+
+void WidgetWindow::beginSheet(const platform::Alert &alert, std::function<void(int)> completion)
+{
+    if (m_isClosed)
+        return;
+    auto *const box = new AlertBox(alert, &m_widget);
+    m_sheets.begin(box, [box, completion = std::move(completion)] { completion(box->answer()); });
+}
+
+void WidgetWindow::beginOpenPanel(const platform::OpenPanel &panel,
+                                  std::function<void(const QUrl &)> completion)
+{
+    if (m_isClosed)
+        return;
+    auto *const dialog = new ItemPanel(panel, &m_widget);
+    m_sheets.begin(dialog,
+                   [dialog, completion = std::move(completion)] { completion(dialog->chosenItem()); });
+}
