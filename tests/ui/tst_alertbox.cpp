@@ -1,0 +1,73 @@
+#include "ui/alertbox.h"
+
+#include <QLabel>
+#include <QPushButton>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QStringList titles(const AlertBox &box)
+{
+    QStringList titles;
+    for (const auto *const button : box.buttons())
+        titles.append(button->text());
+    titles.sort();
+    return titles;
+}
+
+void press(AlertBox &box, const QString &title)
+{
+    for (auto *const button : box.buttons()) {
+        if (button->text() == title)
+            return button->click();
+    }
+    ADD_FAILURE() << "no such button";
+}
+
+} // namespace
+
+TEST(AlertBox, withoutButtonsThereIsOneThatSaysOK)
+{
+    AlertBox box({u"Title"_s, u"Text"_s, {}});
+    EXPECT_EQ(titles(box), QStringList{u"OK"_s});
+    box.open();
+    press(box, u"OK"_s);
+    EXPECT_EQ(box.answer(), platform::alertFirstButton);
+}
+
+TEST(AlertBox, theAnswerCountsTheButtonsAsTheyWereGiven)
+{
+    for (const auto &[title, answer] : {std::pair{u"Set"_s, 1000}, std::pair{u"Cancel"_s, 1001}}) {
+        AlertBox box({u"Title"_s, u"Text"_s, {u"Set"_s, u"Cancel"_s}});
+        box.open();
+        press(box, title);
+        EXPECT_EQ(box.answer(), answer);
+    }
+}
+
+TEST(AlertBox, returnPressesTheFirstButtonAndEscapeTheOneThatCancels)
+{
+    const platform::Alert alert{u"Title"_s, u"Text"_s, {u"Choose"_s, u"Cancel"_s}};
+    for (const auto &[key, answer] : {std::pair{Qt::Key_Return, 1000}, std::pair{Qt::Key_Escape, 1001}}) {
+        AlertBox box(alert);
+        box.open();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&box));
+        QTest::keyClick(&box, key);
+        EXPECT_EQ(box.answer(), answer);
+    }
+}
+
+TEST(AlertBox, whatLooksLikeMarkupIsShownAsItStands)
+{
+    const AlertBox box({u"<b>Title</b>"_s, u"See <i>there</i>"_s, {}});
+    const auto *const text = box.findChild<QLabel *>(u"qt_msgbox_label"_s);
+    const auto *const more = box.findChild<QLabel *>(u"qt_msgbox_informativelabel"_s);
+    ASSERT_TRUE(text && more);
+    EXPECT_EQ(text->textFormat(), Qt::PlainText);
+    EXPECT_EQ(more->textFormat(), Qt::PlainText);
+    EXPECT_EQ(more->text(), u"See <i>there</i>"_s);
+}

@@ -1,0 +1,111 @@
+#include "windowtest.h"
+
+#include "document/documentextensions.h"
+#include "platform/itempath.h"
+#include "support/items.h"
+
+#include <QApplication>
+#include <QLineEdit>
+#include <QMimeData>
+#include <QPushButton>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// A window that holds a dropped item and waits for a person.
+class DirectSubmit : public WindowTest {
+protected:
+    DirectSubmit()
+    {
+        items::makeBundle(host.item(u"Foo.app"_s));
+        host.application().applicationOpenFiles({host.item(u"Foo.app"_s)});
+        host.settle();
+        until([this] { return widget().isActiveWindow(); });
+    }
+
+    QPushButton &submit() { return part<QPushButton>(u"submitAppButton"_s); }
+    QPushButton &cancel() { return part<QPushButton>(u"stapleOnlyButton"_s); }
+    QString itemOnShow() { return part<QLineEdit>(u"appletNameField"_s).text(); }
+};
+
+} // namespace
+
+TEST_F(DirectSubmit, theItemAndTheTwoButtonsAreOnShow)
+{
+    EXPECT_EQ(widget().windowTitle(), u"Foo.app"_s);
+    EXPECT_EQ(itemOnShow(), itempath::abbreviatedWithTilde(host.item(u"Foo.app"_s)));
+    EXPECT_EQ(submit().text(), u"Submit Now"_s);
+    EXPECT_EQ(cancel().text(), u"Cancel"_s);
+    EXPECT_TRUE(cancel().isVisible());
+    EXPECT_EQ(cancel().toolTip(), QString());
+}
+
+TEST_F(DirectSubmit, cancelGoesBackToTheOrdinaryWindow)
+{
+    QTest::mouseClick(&cancel(), Qt::LeftButton);
+    EXPECT_EQ(submit().text(), u"Submit…"_s);
+    EXPECT_FALSE(cancel().isVisible());
+    EXPECT_EQ(itemOnShow(), QString());
+}
+
+TEST_F(DirectSubmit, ctrlAndAFullStopCancel)
+{
+    QTest::keyClick(&widget(), Qt::Key_Period, Qt::ControlModifier);
+    until([this] { return !cancel().isVisible(); });
+    EXPECT_EQ(submit().text(), u"Submit…"_s);
+}
+
+TEST_F(DirectSubmit, submitNowStartsWithTheItemThatWasDropped)
+{
+    QTest::mouseClick(&submit(), Qt::LeftButton);
+    EXPECT_TRUE(document().isBusy());
+    EXPECT_EQ(itemOnShow(), u"Foo.app"_s);
+    EXPECT_EQ(submit().text(), u"Submit…"_s);
+    host.settle();
+    EXPECT_TRUE(document().isPolling());
+    EXPECT_EQ(host.listing(), (QStringList{u"Foo - Submitted"_s, u"Foo.app"_s}));
+}
+
+namespace {
+
+class DropOnAWindow : public WindowTest {
+protected:
+    /// Drags the URLs over the window and drops them if it takes them.
+    bool drop(const QList<QUrl> &urls)
+    {
+        QMimeData data;
+        data.setUrls(urls);
+        QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        enter.ignore();
+        QApplication::sendEvent(&widget(), &enter);
+        if (!enter.isAccepted())
+            return false;
+        QDropEvent drop(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(&widget(), &drop);
+        return drop.isAccepted();
+    }
+};
+
+} // namespace
+
+TEST_F(DropOnAWindow, filesThatAreDroppedBecomeDocuments)
+{
+    items::makeBundle(host.item(u"Foo.app"_s));
+    EXPECT_TRUE(drop({itempath::toUrl(host.item(u"Foo.app"_s)), itempath::toUrl(host.item(u"notes.txt"_s))}));
+    ASSERT_EQ(host.application().allControllers().size(), 2);
+    EXPECT_EQ(window().title(), u"Foo.app"_s);
+}
+
+TEST_F(DropOnAWindow, aBundleWhoseURLEndsInASlashIsABundleAllTheSame)
+{
+    items::makeBundle(host.item(u"Foo.app"_s));
+    EXPECT_TRUE(drop({QUrl::fromLocalFile(host.item(u"Foo.app/"_s))}));
+    EXPECT_EQ(window().title(), u"Foo.app"_s);
+}
+
+TEST_F(DropOnAWindow, whatHoldsNoFileIsNotTaken)
+{
+    EXPECT_FALSE(drop({QUrl(u"https://example.com/Foo.app"_s)}));
+    EXPECT_EQ(host.application().allControllers().size(), 1);
+}

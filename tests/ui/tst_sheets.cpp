@@ -1,0 +1,92 @@
+#include "ui/sheets.h"
+
+#include <QDialog>
+#include <QPointer>
+#include <QTest>
+#include <QWidget>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+class SheetsOfAWindow : public testing::Test {
+protected:
+    SheetsOfAWindow() { window.show(); }
+
+    QDialog *begin(std::function<void()> completion)
+    {
+        auto *const dialog = new QDialog(&window);
+        sheets.begin(dialog, std::move(completion));
+        return dialog;
+    }
+
+    QWidget window;
+    Sheets sheets;
+    int completions = 0;
+};
+
+} // namespace
+
+TEST_F(SheetsOfAWindow, aSheetIsModalToItsWindowAlone)
+{
+    const QDialog *const dialog = begin([] {});
+    EXPECT_TRUE(dialog->isVisible());
+    EXPECT_EQ(dialog->windowModality(), Qt::WindowModal);
+}
+
+TEST_F(SheetsOfAWindow, theCompletionComesOnceAfterTheSheetHasGone)
+{
+    QDialog *const dialog = begin([&] { ++completions; });
+    const QPointer<QDialog> watched(dialog);
+    dialog->accept();
+    EXPECT_EQ(completions, 0) << "the completion must not come while the dialog is still in use";
+    EXPECT_TRUE(QTest::qWaitFor([&] { return completions > 0 && watched.isNull(); }));
+    EXPECT_EQ(completions, 1);
+}
+
+TEST_F(SheetsOfAWindow, theNextSheetComesWhenTheOneBeforeItHasGone)
+{
+    QDialog *const first = begin([&] { ++completions; });
+    QDialog *const second = begin([&] { ++completions; });
+    EXPECT_TRUE(first->isVisible());
+    EXPECT_FALSE(second->isVisible());
+    first->accept();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return second->isVisible(); }));
+    EXPECT_EQ(completions, 1);
+    second->reject();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return completions == 2; }));
+}
+
+TEST_F(SheetsOfAWindow, aCompletionMayBeginTheNextSheet)
+{
+    QDialog *next = nullptr;
+    begin([&] { next = begin([&] { ++completions; }); })->accept();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return next && next->isVisible(); }));
+    next->accept();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return completions == 1; }));
+}
+
+TEST_F(SheetsOfAWindow, droppedSheetsGoWithoutAnAnswer)
+{
+    QDialog *const first = begin([&] { ++completions; });
+    const QPointer<QDialog> second(begin([&] { ++completions; }));
+    first->accept(); // its completion is on the way
+    sheets.drop();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return second.isNull(); }));
+    EXPECT_EQ(completions, 0);
+}
+
+TEST(Sheets, aCompletionMayEndTheLifeOfTheWindow)
+{
+    auto window = std::make_unique<QWidget>();
+    auto sheets = std::make_unique<Sheets>();
+    auto *const dialog = new QDialog(window.get());
+    bool isDone = false;
+    sheets->begin(dialog, [&] {
+        sheets.reset();
+        window.reset();
+        isDone = true;
+    });
+    dialog->accept();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return isDone; }));
+}

@@ -1,0 +1,85 @@
+#include "ui/widgetapplication.h"
+
+#include "windowtest.h"
+
+#include <QApplication>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+class WidgetApplicationTest : public WindowTest {
+protected:
+    WidgetApplication application{order};
+};
+
+} // namespace
+
+TEST_F(WidgetApplicationTest, theWindowThatWasShownLastIsInFront)
+{
+    auto &first = document().window();
+    auto &second = host.application().addedDocument()->window();
+    auto &third = host.application().addedDocument()->window();
+    EXPECT_EQ(application.windowsFrontToBack(), (QList{&third, &second, &first}));
+    first.show();
+    EXPECT_EQ(application.windowsFrontToBack(), (QList{&first, &third, &second}));
+}
+
+TEST_F(WidgetApplicationTest, aWindowThatAPersonActivatesComesToTheFront)
+{
+    auto &first = document().window();
+    QWidget &firstWidget = widget();
+    auto &second = host.application().addedDocument()->window();
+    until([&] { return widget().isActiveWindow(); });
+    firstWidget.activateWindow();
+    until([&] { return firstWidget.isActiveWindow(); });
+    EXPECT_EQ(application.windowsFrontToBack(), (QList{&first, &second}));
+}
+
+TEST_F(WidgetApplicationTest, aClosedWindowIsNotInTheList)
+{
+    auto &first = document().window();
+    auto &second = host.application().addedDocument()->window();
+    second.close();
+    EXPECT_EQ(application.windowsFrontToBack(), QList{&first});
+}
+
+TEST_F(WidgetApplicationTest, activatingBringsUpTheFrontWindow)
+{
+    widget().showMinimized();
+    application.activate();
+    EXPECT_FALSE(widget().isMinimized());
+    until([&] { return widget().isActiveWindow(); });
+}
+
+TEST_F(WidgetApplicationTest, activatingWithoutAWindowDoesNothing)
+{
+    document().window().close();
+    application.activate();
+    EXPECT_TRUE(application.windowsFrontToBack().isEmpty());
+}
+
+TEST_F(WidgetApplicationTest, pendingOpensAreDeliveredByWhoeverHasThem)
+{
+    application.deliverPendingOpens();
+    int deliveries = 0;
+    application.setPendingOpens([&] { ++deliveries; });
+    application.deliverPendingOpens();
+    EXPECT_EQ(deliveries, 1);
+}
+
+TEST_F(WidgetApplicationTest, terminatingEndsTheEventLoopWithStatusZero)
+{
+    application.terminate();
+    EXPECT_EQ(QApplication::exec(), 0);
+}
+
+TEST_F(WidgetApplicationTest, whereNobodyCanDismissAnAlertItGoesToStandardErrorAndTheStatusIsOne)
+{
+    testing::internal::CaptureStderr();
+    application.runModal({u"Nothing Found"_s, u"The application will now quit."_s, {}});
+    const std::string written = testing::internal::GetCapturedStderr();
+    EXPECT_EQ(written, "Nothing Found\nThe application will now quit.\n");
+    application.terminate();
+    EXPECT_EQ(QApplication::exec(), 1);
+}

@@ -1,0 +1,165 @@
+#include "windowtest.h"
+
+#include "platform/itempath.h"
+#include "support/items.h"
+#include "ui/itempanel.h"
+
+#include <QCloseEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPointer>
+
+using namespace Qt::StringLiterals;
+
+using WidgetWindowTest = WindowTest;
+
+TEST_F(WidgetWindowTest, theTitleAndTheStatusWordAreOnShow)
+{
+    window().setTitle(u"Foo.app-2"_s);
+    window().setSubtitle(u"waiting"_s);
+    EXPECT_EQ(widget().windowTitle(), u"Foo.app-2"_s);
+    EXPECT_EQ(window().title(), u"Foo.app-2"_s);
+    EXPECT_EQ(part<QLabel>(u"statusString"_s).text(), u"waiting"_s);
+}
+
+TEST_F(WidgetWindowTest, theDocumentsStatusReachesTheWindow)
+{
+    document().changeStatus(status::submitting);
+    host.settle();
+    EXPECT_EQ(part<QLabel>(u"statusString"_s).text(), u"submitting"_s);
+    document().changeStatus(status::ready);
+    host.settle();
+    EXPECT_EQ(part<QLabel>(u"statusString"_s).text(), u"ready"_s);
+}
+
+TEST_F(WidgetWindowTest, aLoneWindowHasNoTabs)
+{
+    EXPECT_TRUE(window().tabbedWindows().isEmpty());
+    window().setTabbingMode(platform::TabbingMode::preferred);
+    EXPECT_EQ(window().tabbingMode(), platform::TabbingMode::preferred);
+}
+
+TEST_F(WidgetWindowTest, theAnswerOfASheetIsTheNumberOfItsButton)
+{
+    QList<int> answers;
+    const platform::Alert alert{u"Continue?"_s, u"Really?"_s, {u"Cancel"_s, u"Close"_s}};
+    const auto record = [&](int given) { answers.append(given); };
+    window().beginSheet(alert, record);
+    answer(u"Close"_s);
+    window().beginSheet(alert, record);
+    answer(u"Cancel"_s);
+    window().beginSheet({u"Done"_s, u"All is well."_s, {}}, record);
+    EXPECT_EQ(awaitSheet().text(), u"Done"_s);
+    EXPECT_EQ(awaitSheet().informativeText(), u"All is well."_s);
+    answer(u"OK"_s);
+    EXPECT_EQ(answers, (QList{1001, 1000, 1000}));
+}
+
+TEST_F(WidgetWindowTest, theFocusIsGivenUpOnDemand)
+{
+    auto &field = part<QLineEdit>(u"appleIDField"_s);
+    until([&] { return widget().isActiveWindow(); });
+    field.setFocus();
+    ASSERT_TRUE(field.hasFocus());
+    EXPECT_TRUE(window().makeNothingFirstResponder());
+    EXPECT_FALSE(field.hasFocus());
+}
+
+TEST_F(WidgetWindowTest, theCloseButtonAsksTheDocumentFirst)
+{
+    document().isBusy.set(true);
+    widget().close();
+    EXPECT_TRUE(widget().isVisible());
+    EXPECT_EQ(awaitSheet().text(), u"Continue Closing?"_s);
+    EXPECT_EQ(awaitSheet().informativeText(), u"This window is busy."_s);
+    answer(u"Cancel"_s);
+    EXPECT_TRUE(widget().isVisible());
+    EXPECT_EQ(host.application().allControllers().size(), 1);
+    document().isBusy.set(false);
+}
+
+TEST_F(WidgetWindowTest, closingABusyWindowAllTheSameLetsGoOfItsDocument)
+{
+    const std::weak_ptr<MainWinController> watched = document().weak_from_this();
+    document().isSubmitting.set(true);
+    window().performClose();
+    answer(u"Close"_s);
+    EXPECT_TRUE(host.application().allControllers().isEmpty());
+    until([&] { return watched.expired(); });
+}
+
+TEST_F(WidgetWindowTest, anIdleWindowClosesAtOnce)
+{
+    const std::weak_ptr<MainWinController> watched = document().weak_from_this();
+    const QPointer<QWidget> shown(&widget());
+    widget().close();
+    EXPECT_FALSE(shown->isVisible());
+    EXPECT_TRUE(host.application().allControllers().isEmpty());
+    until([&] { return watched.expired() && shown.isNull(); });
+}
+
+TEST_F(WidgetWindowTest, aSheetThatIsUpGoesWithItsWindowWithoutAnAnswer)
+{
+    const std::weak_ptr<MainWinController> watched = document().weak_from_this();
+    bool isAnswered = false;
+    document().beginSheet({u"Question"_s, u"Well?"_s, {}}, [&](int) { isAnswered = true; });
+    awaitSheet();
+    window().close();
+    until([&] { return watched.expired(); });
+    EXPECT_FALSE(isAnswered);
+}
+
+TEST_F(WidgetWindowTest, aWindowThatIsClosedTakesWhatALateWorkflowDoesAndShowsNothing)
+{
+    const DocumentPtr held = document().shared_from_this();
+    auto &closed = dynamic_cast<WidgetWindow &>(held->window());
+    closed.close();
+    closed.close();
+    held->logString(u"late"_s);
+    held->finalAlertOrMessage(u"Late"_s, u"Too late."_s, u"Too late."_s);
+    closed.beginOpenPanel({}, [](const QUrl &) { ADD_FAILURE() << "nobody can have chosen"; });
+    closed.show();
+    host.settle();
+    EXPECT_FALSE(closed.widget().isVisible());
+    EXPECT_TRUE(closed.widget().findChildren<QDialog *>().isEmpty());
+    EXPECT_TRUE(order.frontToBack().isEmpty());
+}
+
+TEST_F(WidgetWindowTest, aDocumentThatAWorkerHoldsTakesItsWindowWithItOnTheMainThread)
+{
+    const QPointer<QWidget> shown(&widget());
+    std::atomic<bool> mayEnd = false;
+    document().dispatchToWorker([&] {
+        while (!mayEnd)
+            QThread::yieldCurrentThread();
+    });
+    window().close();
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(shown.isNull());
+    mayEnd = true;
+    until([&] { return shown.isNull(); });
+}
+
+TEST_F(WidgetWindowTest, anOpenPanelAnswersWithTheChosenItem)
+{
+    items::makeBundle(host.item(u"Foo.app"_s));
+    QList<QUrl> chosen;
+    window().beginOpenPanel({u"Choose"_s, {u"app"_s}, true, false, {}},
+                            [&](const QUrl &url) { chosen.append(url); });
+    auto *const panel = widget().findChild<ItemPanel *>();
+    ASSERT_TRUE(panel);
+    EXPECT_EQ(panel->windowTitle(), u"Choose"_s);
+    Q_EMIT panel->directoryEntered(host.item(u"Foo.app"_s));
+    until([&] { return !chosen.isEmpty(); });
+    EXPECT_EQ(chosen, QList{itempath::toUrl(host.item(u"Foo.app"_s))});
+}
+
+TEST_F(WidgetWindowTest, anOpenPanelThatIsCancelledAnswersWithAnEmptyURL)
+{
+    QList<QUrl> chosen;
+    window().beginOpenPanel({u"Choose"_s, {u"app"_s}, true, false, {}},
+                            [&](const QUrl &url) { chosen.append(url); });
+    widget().findChild<ItemPanel *>()->reject();
+    until([&] { return !chosen.isEmpty(); });
+    EXPECT_EQ(chosen, QList{QUrl()});
+}
