@@ -9,8 +9,8 @@
 
 #include <QDBusMessage>
 #include <QDesktopServices>
-#include <QProcess>
 
+#include <future>
 #include <thread>
 
 using namespace Qt::StringLiterals;
@@ -77,9 +77,16 @@ class Desktop : public testing::Test {
 protected:
     void SetUp() override
     {
-        daemon.start(u"dbus-daemon"_s, {u"--session"_s, u"--nofork"_s, u"--print-address"_s});
-        ASSERT_TRUE(daemon.waitForReadyRead());
-        const QString address = QString::fromUtf8(daemon.readLine()).trimmed();
+        daemon = launcher.process(u"/usr/bin/dbus-daemon"_s,
+                                  {u"--session"_s, u"--nofork"_s, u"--print-address=1"_s});
+        ASSERT_TRUE(daemon->launch());
+        std::promise<QByteArray> printed;
+        auto line = printed.get_future();
+        serving = std::thread([this, printed = std::move(printed)]() mutable {
+            daemon->waitUntilExit([&](const QByteArray &chunk) { printed.set_value(chunk); },
+                                  [](const QByteArray &) {});
+        });
+        const QString address = QString::fromUtf8(line.get()).trimmed();
         application = QDBusConnection::connectToBus(address, u"application"_s);
         desktop = QDBusConnection::connectToBus(address, u"desktop"_s);
         ASSERT_TRUE(application.isConnected() && desktop.isConnected());
@@ -89,8 +96,9 @@ protected:
     {
         QDBusConnection::disconnectFromBus(u"application"_s);
         QDBusConnection::disconnectFromBus(u"desktop"_s);
-        daemon.kill();
-        daemon.waitForFinished();
+        daemon->terminate();
+        if (serving.joinable())
+            serving.join();
     }
 
     void serve(const QString &name, const QString &path, QObject *object)
@@ -116,7 +124,8 @@ protected:
         ASSERT_TRUE(desktop.send(signal));
     }
 
-    QProcess daemon;
+    std::shared_ptr<Process> daemon;
+    std::thread serving;
     QDBusConnection application{u"none"_s};
     QDBusConnection desktop{u"none"_s};
     TemporaryFolder folder;

@@ -1,10 +1,16 @@
 #pragma once
 
+#include <QEventLoop>
 #include <QHash>
 #include <QTcpServer>
 #include <QTcpSocket>
-#include <QThread>
+#include <QTimer>
 #include <QUrl>
+
+#include <atomic>
+#include <future>
+#include <mutex>
+#include <thread>
 
 /// An HTTP server on loopback, in a thread of its own, that answers each path with the raw bytes given for it
 /// and then closes the connection.
@@ -13,30 +19,16 @@ public:
     explicit LoopbackServer(QHash<QByteArray, QByteArray> answers)
         : m_answers(std::move(answers))
     {
-        m_server.moveToThread(&m_thread);
-        m_thread.start();
-        QMetaObject::invokeMethod(
-            &m_server,
-            [this] {
-                m_server.listen(QHostAddress::LocalHost);
-                m_port = m_server.serverPort();
-                QObject::connect(&m_server, &QTcpServer::newConnection, &m_server, [this] { accept(); });
-            },
-            Qt::BlockingQueuedConnection);
+        std::promise<quint16> port;
+        auto known = port.get_future();
+        m_thread = std::thread([this, port = std::move(port)]() mutable { serve(port); });
+        m_port = known.get();
     }
 
     ~LoopbackServer()
     {
-        QMetaObject::invokeMethod(
-            &m_server,
-            [this] {
-                m_server.close();
-                qDeleteAll(m_server.findChildren<QTcpSocket *>());
-                m_server.moveToThread(nullptr);
-            },
-            Qt::BlockingQueuedConnection);
-        m_thread.quit();
-        m_thread.wait();
+        m_isEnding = true;
+        m_thread.join();
     }
 
     QUrl url(const QString &path) const
@@ -47,17 +39,28 @@ public:
     /// All requests so far, once the client has its answer.
     QByteArray requests()
     {
-        QByteArray requests;
-        QMetaObject::invokeMethod(
-            &m_server, [&] { requests = m_requests; }, Qt::BlockingQueuedConnection);
-        return requests;
+        const std::lock_guard lock(m_mutex);
+        return m_requests;
     }
 
 private:
-    void accept()
+    void serve(std::promise<quint16> &port)
     {
-        while (QTcpSocket *socket = m_server.nextPendingConnection())
-            QObject::connect(socket, &QTcpSocket::readyRead, &m_server, [this, socket] { answer(socket); });
+        QTcpServer server;
+        QEventLoop loop;
+        QTimer end;
+        QObject::connect(&server, &QTcpServer::newConnection, &loop, [&] {
+            while (QTcpSocket *socket = server.nextPendingConnection())
+                QObject::connect(socket, &QTcpSocket::readyRead, &loop, [this, socket] { answer(socket); });
+        });
+        QObject::connect(&end, &QTimer::timeout, &loop, [&] {
+            if (m_isEnding)
+                loop.quit();
+        });
+        server.listen(QHostAddress::LocalHost);
+        port.set_value(server.serverPort());
+        end.start(10); // milliseconds
+        loop.exec();
     }
 
     void answer(QTcpSocket *socket)
@@ -66,14 +69,18 @@ private:
         if (!request.contains("\r\n\r\n"))
             return;
         socket->readAll();
-        m_requests += request;
+        {
+            const std::lock_guard lock(m_mutex);
+            m_requests += request;
+        }
         socket->write(m_answers.value(request.split(' ').value(1)));
         socket->disconnectFromHost();
     }
 
     const QHash<QByteArray, QByteArray> m_answers;
-    QThread m_thread;
-    QTcpServer m_server;
-    quint16 m_port = 0;
+    std::atomic<bool> m_isEnding = false;
+    std::mutex m_mutex;
     QByteArray m_requests;
+    quint16 m_port = 0;
+    std::thread m_thread;
 };
