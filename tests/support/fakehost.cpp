@@ -83,6 +83,13 @@ double ManualTimers::fireNext()
     return next->what.interval;
 }
 
+void ManualTimers::forgetAll()
+{
+    QList<std::shared_ptr<ManualTimer>> timers; // goes after the lock: what a timer holds may ask for it
+    const std::scoped_lock lock(m_mutex);
+    timers.swap(m_timers);
+}
+
 void MemoryPreferences::setValue(const QString &key, const QVariant &value)
 {
     const std::scoped_lock lock(m_mutex);

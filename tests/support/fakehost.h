@@ -65,6 +65,8 @@ public:
     /// Fires the timer that was armed first. Answers with its interval, or a negative number if none is
     /// armed.
     double fireNext();
+    /// Lets go of all timers and of what they hold.
+    void forgetAll();
 
 private:
     class ManualTimer;

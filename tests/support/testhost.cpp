@@ -49,6 +49,12 @@ TestHost::TestHost(WindowFactory *windowFactory)
 TestHost::~TestHost()
 {
     settle(); // a test that leaves a tool hanging has failed to end what it began
+    // A timer that is armed and a sheet that is up hold their document, whose window needs the services.
+    timers.forgetAll();
+    for (FakeWindow *window : QList(applicationHost.onScreen)) {
+        window->sheet.reset();
+        window->panel.reset();
+    }
     m_application.reset();
     QCoreApplication::sendPostedEvents();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
