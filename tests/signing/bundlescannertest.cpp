@@ -257,6 +257,15 @@ TEST_F(BundleScan, aBundleStandsBeforeItsContents)
 
 // Kinds of files
 
+TEST_F(BundleScan, aUniversalFileIsSignedForAnyOfItsProcessors)
+{
+    using items::Processor;
+    makeCode(u"Foo.app/Contents/both"_s, items::universalMachO({Processor::i386, Processor::arm64}));
+    makeCode(u"Foo.app/Contents/other"_s, items::universalMachO({Processor::i386}));
+    walk(u"Foo.app"_s);
+    EXPECT_EQ(members(), QStringList{u"Foo.app/Contents/both"_s});
+}
+
 struct FileRow {
     const char *situation;
     const char *name;

@@ -21,7 +21,37 @@ void addLittleEndian(QByteArray &bytes, quint32 value)
         bytes.append(static_cast<char>(value >> shift));
 }
 
+void addBigEndian(QByteArray &bytes, quint32 value)
+{
+    for (int shift = 24; shift >= 0; shift -= 8)
+        bytes.append(static_cast<char>(value >> shift));
+}
+
 } // namespace
+
+QByteArray universalMachO(const QList<Processor> &processors)
+{
+    // Public document: <mach-o/fat.h>. Its entries begin as its files do: with processor and variant.
+    constexpr qsizetype headerSize = 8;
+    constexpr qsizetype entrySize = 20;
+    QByteArray entries;
+    QByteArray files;
+    addBigEndian(entries, 0xcafebabe);
+    addBigEndian(entries, static_cast<quint32>(processors.size()));
+    for (const Processor processor : processors) {
+        const QByteArray file = machO(processor);
+        for (const qsizetype field : {4, 8}) {
+            for (int byte = 3; byte >= 0; --byte)
+                entries.append(file[field + byte]);
+        }
+        addBigEndian(entries,
+                     static_cast<quint32>(headerSize + entrySize * processors.size() + files.size()));
+        addBigEndian(entries, static_cast<quint32>(file.size()));
+        addBigEndian(entries, 0); // no alignment
+        files += file;
+    }
+    return entries + files;
+}
 
 QByteArray machO(Processor processor)
 {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QList>
 #include <QString>
 
 /// Builds what people submit, in a folder of a test.
@@ -10,6 +11,8 @@ enum class Processor { x86_64, arm64, i386 };
 
 /// The least that the file tool takes for an executable of that processor.
 [[nodiscard]] QByteArray machO(Processor processor = Processor::x86_64);
+/// A universal file of such executables.
+[[nodiscard]] QByteArray universalMachO(const QList<Processor> &processors);
 
 void makeFile(const QString &path, const QByteArray &bytes, bool isExecutable = false);
 void makeFolder(const QString &path);
