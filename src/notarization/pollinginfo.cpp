@@ -22,6 +22,13 @@ QString firstGroup(const QString &pattern, const QString &text)
     return QRegularExpression(u"(*ANYCRLF)"_s + pattern).match(text).captured(1);
 }
 
+/// Null only for a value that is not there: an empty text of a list may come as a null one.
+QString textOf(const QVariant &value)
+{
+    const QString text = value.toString();
+    return value.isValid() && text.isNull() ? u""_s : text;
+}
+
 QString withoutTrailingLineEnds(QString text)
 {
     while (text.endsWith(u'\n'))
@@ -47,7 +54,7 @@ std::optional<UploadReceipt> uploadReceipt(const QByteArray &output)
     const QVariant identifier = reply.value(u"notarization-upload"_s).toMap().value(u"RequestUUID"_s);
     if (!identifier.isValid())
         return std::nullopt;
-    return UploadReceipt{identifier.toString(), reply.value(u"success-message"_s).toString()};
+    return UploadReceipt{identifier.toString(), textOf(reply.value(u"success-message"_s))};
 }
 
 QString verdict(const QString &report)
