@@ -30,7 +30,6 @@ private:
     bool signMember(const QString &item, const QString &identity);
     void checkSignature();
     void lockScriptIn(const QString &app);
-    void reportNothingSignable();
     QString entitlementsPath() const;
     signingarguments::CodesignOptions options() const;
     QString itemPath() const;
