@@ -1,0 +1,153 @@
+#include "app/appdelegate.h"
+#include "document/mainwincontroller.h"
+#include "platform/applicationhost.h"
+#include "scripting/NSApplication+Scripting.h"
+#include "scripting/dbus/busnames.h"
+#include "scripting/dbus/busobjects.h"
+#include "scripting/dbus/busvalue.h"
+#include "scripting/dbus/lasterrors.h"
+#include "scripting/dbus/makedocument.h"
+#include "scripting/dbus/scriptcalls.h"
+
+#include <QDBusVariant>
+#include <QGuiApplication>
+
+using namespace Qt::StringLiterals;
+using scriptcalls::ArgumentType;
+
+namespace {
+
+bool isActive()
+{
+    return qobject_cast<QGuiApplication *>(QCoreApplication::instance())
+        && QGuiApplication::applicationState() == Qt::ApplicationActive;
+}
+
+NSApplicationScripting &scripting(const BusObject &object)
+{
+    return object.application.scripting();
+}
+
+QVariant orderedWindows(const BusObject &object)
+{
+    return QVariant::fromValue(object.objects.paths(scripting(object).orderedWindows()));
+}
+
+QVariant allOrderedWindows(const BusObject &object)
+{
+    return QVariant::fromValue(object.objects.paths(scripting(object).allOrderedWindows()));
+}
+
+QVariant orderedPseudoDocuments(const BusObject &object)
+{
+    return QVariant::fromValue(object.objects.paths(scripting(object).orderedPseudoDocuments()));
+}
+
+QVariant orderedDocuments(const BusObject &object)
+{
+    return QVariant::fromValue(object.objects.paths(scripting(object).orderedDocuments()));
+}
+
+QList<BusProperty> properties()
+{
+    return {
+        {u"Name"_s, u"s"_s, [](const BusObject &) { return QCoreApplication::applicationName(); }},
+        {u"Version"_s, u"s"_s, [](const BusObject &) { return QCoreApplication::applicationVersion(); }},
+        {u"IsActive"_s, u"b"_s, [](const BusObject &) { return isActive(); }},
+        {u"AppStatus"_s, u"s"_s, [](const BusObject &object) { return object.application.statusString(); },
+         [](const BusObject &, const QVariant &) { scriptcalls::fail(scriptcalls::readOnlyNumber); }, true},
+        {u"OrderedWindows"_s, u"ao"_s, orderedWindows, [](const BusObject &, const QVariant &) {}},
+        {u"AllOrderedWindows"_s, u"ao"_s, allOrderedWindows},
+        {u"OrderedPseudoDocuments"_s, u"ao"_s, orderedPseudoDocuments},
+        {u"OrderedDocuments"_s, u"ao"_s, orderedDocuments},
+        {u"LastErrorFrom"_s, u"v"_s,
+         [](const BusObject &object) {
+             const QVariant offending = object.objects.lastErrors().of(object.caller);
+             return QVariant::fromValue(QDBusVariant(busvalue::toBus(offending)));
+         }},
+    };
+}
+
+QList<BusMethod> methods()
+{
+    return {
+        scriptcalls::command(u"SubmitForNotarizing"_s,
+                             {{argument::at, ArgumentType::fileUrl},
+                              {argument::showingDialogs, ArgumentType::boolean},
+                              {argument::skippingStapling, ArgumentType::boolean}},
+                             [](const BusObject &object, const ScriptCommandPtr &command) {
+                                 scripting(object).AESubmitForNotarizing(command);
+                             }),
+        {u"MakeDocument"_s, {{u"properties"_s, u"a{sv}"_s}}, {{u"document"_s, u"o"_s}}, makeDocument},
+    };
+}
+
+// What a desktop asks of an application
+
+void activate(const BusObject &object, const BusCall &call)
+{
+    AppDelegate &application = object.application;
+    const auto &documents = application.allControllers();
+    if (documents.isEmpty()) {
+        application.addedDocument();
+        return call.reply();
+    }
+    // Windows that are put away are in no front-to-back list.
+    platform::Window *const front = scripting(object).frontmostWindow();
+    (front ? *front : documents.last()->window()).show();
+    application.host().application.activate();
+    call.reply();
+}
+
+void open(const BusObject &object, const BusCall &call)
+{
+    QStringList paths;
+    const QStringList uris = call.texts(0);
+    for (const QString &uri : uris) {
+        if (const QUrl url = busvalue::fileUrl(uri); !url.isEmpty())
+            paths.append(url.toLocalFile());
+    }
+    object.application.applicationOpenFiles(paths);
+    call.reply();
+}
+
+void activateAction(const BusObject &object, const BusCall &call)
+{
+    const QString name = call.text(0);
+    if (name == "quit"_L1) {
+        call.reply();
+        object.application.host().application.terminate();
+    } else if (name == "new-document"_L1) {
+        object.application.newDocument(0);
+        call.reply();
+    } else {
+        call.replyWithError(buserror::invalidArgs, u"There is no action %1."_s.arg(name));
+    }
+}
+
+const BusArgument platformData{u"platform_data"_s, u"a{sv}"_s};
+
+} // namespace
+
+const BusInterface &applicationInterface()
+{
+    static const BusInterface interface {
+        .name = bus::applicationInterface, .properties = properties(), .methods = methods()
+    };
+    return interface;
+}
+
+const BusInterface &desktopInterface()
+{
+    static const BusInterface interface {
+        .name = bus::desktopInterface, .methods = {
+            {u"Activate"_s, {platformData}, {}, activate},
+            {u"Open"_s, {{u"uris"_s, u"as"_s}, platformData}, {}, open, true},
+            {u"ActivateAction"_s,
+             {{u"action_name"_s, u"s"_s}, {u"parameter"_s, u"av"_s}, platformData},
+             {},
+             activateAction},
+        }
+    };
+    return interface;
+}

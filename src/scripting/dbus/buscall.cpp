@@ -1,0 +1,68 @@
+#include "scripting/dbus/buscall.h"
+
+#include "scripting/dbus/busnames.h"
+#include "scripting/dbus/lasterrors.h"
+
+#include <QDBusArgument>
+#include <QDBusVariant>
+
+namespace {
+
+QString errorName(qint64 number)
+{
+    return number < 0 ? buserror::negativeScriptErrorPrefix + QString::number(-number)
+                      : buserror::scriptErrorPrefix + QString::number(number);
+}
+
+} // namespace
+
+BusCall::BusCall(QDBusMessage message, QDBusConnection connection, std::shared_ptr<LastErrors> lastErrors)
+    : m_message(std::move(message))
+    , m_connection(std::move(connection))
+    , m_lastErrors(std::move(lastErrors))
+{
+}
+
+QStringList BusCall::texts(qsizetype argument) const
+{
+    return qdbus_cast<QStringList>(m_message.arguments().value(argument));
+}
+
+QVariantMap BusCall::dictionary(qsizetype argument) const
+{
+    return qdbus_cast<QVariantMap>(m_message.arguments().value(argument));
+}
+
+QVariant BusCall::variant(qsizetype argument) const
+{
+    return qvariant_cast<QDBusVariant>(m_message.arguments().value(argument)).variant();
+}
+
+void BusCall::reply(const QVariantList &values) const
+{
+    send(m_message.createReply(values));
+}
+
+void BusCall::replyWithError(const QString &name, const QString &text) const
+{
+    sendError(name, text, {});
+}
+
+void BusCall::replyWithScriptError(const ScriptReply &failure) const
+{
+    sendError(errorName(failure.errorNumber), failure.errorText, failure.offendingObject);
+}
+
+void BusCall::sendError(const QString &name, const QString &text, const QVariant &offendingObject) const
+{
+    m_lastErrors->record(caller(), offendingObject); // before the caller can ask for it
+    QDBusMessage answer = m_message.createErrorReply(name, {});
+    answer.setArguments({text}); // as the message of the error, an empty text would be left out
+    send(answer);
+}
+
+void BusCall::send(const QDBusMessage &answer) const
+{
+    if (m_message.isReplyRequired())
+        m_connection.send(answer);
+}

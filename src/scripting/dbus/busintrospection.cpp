@@ -1,0 +1,57 @@
+#include "scripting/dbus/busintrospection.h"
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QString lines(const QList<BusArgument> &arguments, const QString &direction)
+{
+    QString text;
+    for (const auto &[name, type] : arguments)
+        text += u"      <arg name=\"%1\" type=\"%2\"%3/>\n"_s.arg(name, type, direction);
+    return text;
+}
+
+QString lines(const BusMethod &method)
+{
+    return u"    <method name=\"%1\">\n"_s.arg(method.name) + lines(method.in, u" direction=\"in\""_s)
+        + lines(method.out, u" direction=\"out\""_s) + u"    </method>\n"_s;
+}
+
+QString lines(const BusSignal &signal)
+{
+    return u"    <signal name=\"%1\">\n"_s.arg(signal.name) + lines(signal.arguments, {})
+        + u"    </signal>\n"_s;
+}
+
+QString lines(const BusProperty &property)
+{
+    const bool isWritable = property.write && !property.refusesEveryValue;
+    return u"    <property name=\"%1\" type=\"%2\" access=\"%3\">\n"
+           "      <annotation name=\"org.freedesktop.DBus.Property.EmitsChangedSignal\" value=\"false\"/>\n"
+           "    </property>\n"_s.arg(property.name, property.type, isWritable ? u"readwrite"_s : u"read"_s);
+}
+
+template <class Entry>
+QString lines(const QList<Entry> &entries)
+{
+    QString text;
+    for (const Entry &entry : entries)
+        text += lines(entry);
+    return text;
+}
+
+} // namespace
+
+QString introspection(const BusObject &object)
+{
+    QString text;
+    for (const BusInterface *const interface : object.interfaces) {
+        if (interface != &propertiesInterface()) // the library adds it
+            text += u"  <interface name=\"%1\">\n"_s.arg(interface->name) + lines(interface->methods)
+                + lines(interface->signalList) + lines(interface->properties) + u"  </interface>\n"_s;
+    }
+    for (const QString &child : object.children)
+        text += u"  <node name=\"%1\"/>\n"_s.arg(child);
+    return text;
+}

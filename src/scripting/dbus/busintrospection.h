@@ -1,0 +1,8 @@
+#pragma once
+
+#include "scripting/dbus/busobject.h"
+
+/// What stands between the node tags of the object's introspection, but for the standard interfaces that the
+/// bus library adds. The format:
+/// https://dbus.freedesktop.org/doc/dbus-specification.html#introspection-format
+[[nodiscard]] QString introspection(const BusObject &object);

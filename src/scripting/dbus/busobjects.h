@@ -1,0 +1,53 @@
+#pragma once
+
+#include "scripting/dbus/busobject.h"
+
+#include <QDBusObjectPath>
+
+#include <memory>
+#include <optional>
+
+namespace platform {
+class Window;
+}
+
+/// Which objects there are and under which paths. Main thread.
+class BusObjects {
+public:
+    BusObjects(AppDelegate &application, std::shared_ptr<LastErrors> lastErrors);
+
+    /// `caller` is the connection that had the document made; empty if it was nobody on the bus.
+    void add(MainWinController &document, const QString &caller);
+    void remove(MainWinController &document);
+
+    /// The object at a path. One without interfaces is only a step on the way to others.
+    [[nodiscard]] std::optional<BusObject> find(const QString &path, const QString &caller = {}) const;
+    /// All paths below the application's.
+    [[nodiscard]] QList<QDBusObjectPath> managedPaths() const;
+
+    [[nodiscard]] QDBusObjectPath path(const MainWinController &document) const;
+    [[nodiscard]] QDBusObjectPath path(const platform::Window &window) const;
+    [[nodiscard]] QList<QDBusObjectPath> paths(const QList<MainWinController *> &documents) const;
+    [[nodiscard]] QList<QDBusObjectPath> paths(const QList<platform::Window *> &windows) const;
+
+    [[nodiscard]] QString callerOf(const MainWinController &document) const;
+    const LastErrors &lastErrors() const { return *m_lastErrors; }
+
+private:
+    struct Entry {
+        MainWinController *document;
+        QString element; ///< of the document's path
+        QString windowElement; ///< of its window's path; never used again
+        QString caller;
+    };
+
+    const Entry *entry(const MainWinController &document) const;
+    BusObject object(MainWinController *document, const QList<const BusInterface *> &interfaces,
+                     const QString &caller) const;
+    QStringList elements(QString Entry::*element) const;
+
+    AppDelegate &m_application;
+    std::shared_ptr<LastErrors> m_lastErrors;
+    QList<Entry> m_entries;
+    quint64 m_lastWindowNumber = 0;
+};

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QDBusObjectPath>
+#include <QList>
+#include <QMap>
+#include <QString>
+#include <QUrl>
+#include <QVariantMap>
+
+#include <optional>
+
+/// The properties of one object, by interface.
+using BusInterfaceProperties = QMap<QString, QVariantMap>;
+using BusManagedObjects = QMap<QDBusObjectPath, BusInterfaceProperties>;
+Q_DECLARE_METATYPE(BusInterfaceProperties)
+Q_DECLARE_METATYPE(BusManagedObjects)
+
+/// How values look on the bus. Any thread.
+namespace busvalue {
+
+/// Makes the types above known to the bus library; before the first message.
+void registerTypes();
+
+/// An invalid value becomes an empty "av", which stands for no value; a URL becomes its text.
+[[nodiscard]] QVariant toBus(const QVariant &value);
+
+/// The value that came over the bus if it has the signature, an invalid one if it stands for no value, and
+/// nothing if it is of another type.
+[[nodiscard]] std::optional<QVariant> fromBus(const QVariant &value, const QString &signature);
+
+/// A text of the form "file:///..."; every other text gives an empty URL.
+[[nodiscard]] QUrl fileUrl(const QString &text);
+
+} // namespace busvalue

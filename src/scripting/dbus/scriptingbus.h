@@ -1,0 +1,57 @@
+#pragma once
+
+#include "platform/outcome.h"
+#include "scripting/dbus/buscall.h"
+#include "scripting/dbus/busobjects.h"
+
+#include <QDBusServiceWatcher>
+#include <QDBusVirtualObject>
+
+/// The application on the session bus: one tree of objects below one path. Main thread.
+class ScriptingBus : public QDBusVirtualObject {
+    Q_OBJECT
+
+public:
+    /// The application outlives this object.
+    explicit ScriptingBus(AppDelegate &application);
+    /// Gives the name back, and has sent every answer by then.
+    ~ScriptingBus() override;
+
+    /// Puts the objects on the session bus and then takes the name. Once; before the first document or after
+    /// it. Calls other than `Open` and reads wait while the application's status is "loading". Fails where
+    /// there is no bus or another process has the name.
+    platform::Outcome registerOnSessionBus();
+    /// Takes the calls that have arrived so far without an event loop: what was to be opened by the call that
+    /// started the application is there when launch asks for it.
+    void takeArrivedCalls();
+
+    /// Has the process that owns the name come to the front. False if no process owns it.
+    [[nodiscard]] static bool activateRunningInstance();
+
+    // For the bus library
+    QString introspect(const QString &path) const override;
+    bool handleMessage(const QDBusMessage &message, const QDBusConnection &connection) override;
+
+private:
+    void followApplication();
+    void addDocument(MainWinController &document);
+    void removeDocument(MainWinController &document);
+    void announce(const QDBusObjectPath &path) const;
+    void withdraw(const QDBusObjectPath &path) const;
+    void sendManagerSignal(const QString &name, const QVariantList &arguments) const;
+
+    void attend(const QString &caller);
+    bool isLaunching() const;
+    void serve(const BusCall &call);
+    void serve(const BusCall &call, const BusObject &object, const BusInterface &interface,
+               const BusMethod &method);
+    void serveWaitingCalls();
+
+    AppDelegate &m_application;
+    const std::shared_ptr<LastErrors> m_lastErrors;
+    BusObjects m_objects;
+    QDBusConnection m_connection;
+    QDBusServiceWatcher m_callers;
+    QList<BusCall> m_waitingCalls;
+    QString m_maker; ///< the connection whose call is being served, if documents made now are its own
+};
