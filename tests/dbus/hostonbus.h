@@ -1,0 +1,63 @@
+#pragma once
+
+#include "dbus/busclient.h"
+#include "scripting/dbus/scriptingbus.h"
+#include "support/items.h"
+#include "support/testhost.h"
+
+#include <gtest/gtest.h>
+
+/// A launched application on the bus, with one empty document, and a script.
+class HostOnBus : public testing::Test {
+protected:
+    HostOnBus()
+    {
+        host.launch();
+        const auto registered = bus.registerOnSessionBus();
+        EXPECT_TRUE(registered) << registered.error().toStdString();
+    }
+
+    QString path(MainWinController &document) const
+    {
+        return bus::documentsPath + u'/' + bus::pathElement(document.uniqueID);
+    }
+    QString documentPath() { return path(host.document()); }
+    QString windowPath()
+    {
+        return client.get(documentPath(), bus::documentInterface, QStringLiteral("Window"))
+            .value<QDBusObjectPath>()
+            .path();
+    }
+
+    /// The URL, as scripts give it, of an app bundle that can be submitted.
+    QString appURL(const QString &name = QStringLiteral("Foo.app"))
+    {
+        items::makeBundle(host.item(name));
+        return url(name);
+    }
+    QString url(const QString &name) const
+    {
+        return QUrl::fromLocalFile(host.item(name)).toString(QUrl::FullyEncoded);
+    }
+
+    /// Begins a submission in the document that stays in its first tool until it is cancelled.
+    QDBusPendingCall beginEndlessSubmission()
+    {
+        host.tools.answerRun(QStringLiteral("altool--notarization-history"), 1, {.hangs = true});
+        const QDBusPendingCall call = client.beginSubmit({{QStringLiteral("at"), appURL()}}, documentPath());
+        waitForCredentialCheck();
+        return call;
+    }
+    /// Waits until the first tool of a submission runs; before that a cancel has nothing to end.
+    void waitForCredentialCheck(qsizetype run = 1)
+    {
+        host.runUntil([this, run] {
+            return host.tools.callsOf(QStringLiteral("altool--notarization-history")).size() >= run;
+        });
+    }
+    void cancel() { client.call(documentPath(), bus::documentInterface, QStringLiteral("Cancel")); }
+
+    TestHost host;
+    ScriptingBus bus{host.application()};
+    BusClient client{host};
+};
