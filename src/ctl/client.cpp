@@ -1,0 +1,107 @@
+#include "ctl/client.h"
+
+#include "scripting/dbus/busnames.h"
+
+#include <QDBusError>
+#include <QDBusPendingCallWatcher>
+#include <QEventLoop>
+
+#include <limits>
+#include <optional>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString connectionName = u"sealwrightctl"_s;
+
+/// The digits of a script error's number, with its sign; nothing for any other error.
+std::optional<QString> scriptErrorNumber(const QString &errorName)
+{
+    if (errorName.startsWith(buserror::negativeScriptErrorPrefix))
+        return u'-' + errorName.mid(buserror::negativeScriptErrorPrefix.size());
+    if (errorName.startsWith(buserror::scriptErrorPrefix))
+        return errorName.mid(buserror::scriptErrorPrefix.size());
+    return std::nullopt;
+}
+
+bool isMissing(const QDBusError &error)
+{
+    switch (error.type()) {
+    case QDBusError::ServiceUnknown:
+    case QDBusError::NoServer:
+    case QDBusError::Disconnected:
+        return true;
+    default:
+        return error.name() == "org.freedesktop.DBus.Error.NameHasNoOwner"_L1
+            || error.name().startsWith("org.freedesktop.DBus.Error.Spawn."_L1);
+    }
+}
+
+bool isLate(const QDBusError &error)
+{
+    switch (error.type()) {
+    case QDBusError::NoReply:
+    case QDBusError::Timeout:
+    case QDBusError::TimedOut:
+        return true;
+    default:
+        return false;
+    }
+}
+
+Answer failure(const QDBusError &error)
+{
+    if (isMissing(error))
+        return {ExitStatus::noAnswer, {}, u"Sealwright is not running"_s};
+    if (isLate(error))
+        return {ExitStatus::noAnswer, {}, u"Sealwright did not answer"_s};
+    if (const auto number = scriptErrorNumber(error.name()))
+        return {ExitStatus::error, {}, u"error %1: %2"_s.arg(*number, error.message())};
+    return {ExitStatus::error, {}, u"error: %1"_s.arg(error.message())};
+}
+
+} // namespace
+
+Client::Client()
+    : m_connection(QDBusConnection::connectToBus(QDBusConnection::SessionBus, connectionName))
+{
+}
+
+Answer Client::call(const QDBusMessage &method, int timeout) const
+{
+    // The library's own waiting with events misses an answer that comes before it listens.
+    const QDBusPendingCallWatcher watcher(m_connection.asyncCall(method, timeout));
+    QEventLoop loop;
+    QObject::connect(&watcher, &QDBusPendingCallWatcher::finished, &loop, &QEventLoop::quit);
+    loop.exec(); // told in any case, also of an answer that is here by now
+    const QDBusMessage reply = watcher.reply();
+    if (reply.type() == QDBusMessage::ReplyMessage)
+        return {ExitStatus::done, reply.arguments(), {}};
+    return failure(QDBusError(reply));
+}
+
+Answer Client::call(const QDBusMessage &method) const
+{
+    return call(method, std::numeric_limits<int>::max());
+}
+
+QDBusMessage Client::method(const QString &path, const QString &interface, const QString &name,
+                            const QVariantList &arguments, Start start)
+{
+    QDBusMessage message = QDBusMessage::createMethodCall(bus::service, path, interface, name);
+    message.setArguments(arguments);
+    message.setAutoStartService(start == Start::onDemand);
+    return message;
+}
+
+QDBusMessage Client::getProperty(const QString &path, const QString &interface, const QString &name,
+                                 Start start)
+{
+    return method(path, bus::propertiesInterface, u"Get"_s, {interface, name}, start);
+}
+
+QString Client::documentPath(const QString &identifier)
+{
+    return bus::documentsPath + u'/' + bus::pathElement(identifier);
+}

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QString>
+#include <QVariantList>
+
+enum class ExitStatus { done = 0, error = 1, wrongUse = 2, noAnswer = 3 };
+
+/// What the application answered.
+struct Answer {
+    ExitStatus status = ExitStatus::done;
+    QVariantList values;
+    QString error; ///< the text of a failure, as a person reads it; null otherwise
+
+    explicit operator bool() const { return status == ExitStatus::done; }
+};
+
+/// The application, as it stands on the session bus.
+class Client {
+public:
+    enum class Start { never, onDemand };
+
+    Client();
+
+    bool isConnected() const { return m_connection.isConnected(); }
+    const QDBusConnection &connection() const { return m_connection; }
+
+    /// Waits for the answer while events are served. `timeout` in milliseconds; the greatest value is none.
+    [[nodiscard]] Answer call(const QDBusMessage &method, int timeout) const;
+    [[nodiscard]] Answer call(const QDBusMessage &method) const;
+
+    /// A call of a method; whether it starts an application that does not run yet.
+    static QDBusMessage method(const QString &path, const QString &interface, const QString &name,
+                               const QVariantList &arguments = {}, Start start = Start::never);
+    static QDBusMessage getProperty(const QString &path, const QString &interface, const QString &name,
+                                    Start start = Start::never);
+
+    /// The path for an identifier, or for the element of a path that stands for one.
+    static QString documentPath(const QString &identifier);
+
+private:
+    QDBusConnection m_connection;
+};

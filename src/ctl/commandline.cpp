@@ -1,0 +1,172 @@
+#include "ctl/commandline.h"
+
+#include <QCommandLineParser>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr qsizetype anyNumber = std::numeric_limits<qsizetype>::max();
+
+struct Grammar {
+    QString command;
+    qsizetype fewestOperands;
+    qsizetype mostOperands;
+    QStringList options; ///< beside --help and --version
+};
+
+const QStringList submissionOptions{u"document"_s, u"show-dialogs"_s, u"skip-stapling"_s, u"follow"_s,
+                                    u"timeout"_s};
+
+const QList<Grammar> &grammars()
+{
+    static const QList<Grammar> all{
+        {u"submit"_s, 1, 1, submissionOptions},
+        {u"log"_s, 1, 1, {}},
+        {u"documents"_s, 0, 0, {}},
+        {u"windows"_s, 0, 0, {}},
+        {u"get"_s, 1, 1, {u"document"_s, u"window"_s}},
+        {u"cancel"_s, 1, 1, {}},
+        {u"close"_s, 1, 1, {}},
+        {u"open"_s, 1, anyNumber, {}},
+        {u"quit"_s, 0, 0, {}},
+    };
+    return all;
+}
+
+QCommandLineOption option(const QString &name)
+{
+    const QStringList optionsWithValue{u"document"_s, u"window"_s, u"timeout"_s};
+    return {name, {}, optionsWithValue.contains(name) ? u"value"_s : QString()};
+}
+
+Request wrongUse(const QString &problem)
+{
+    Request request;
+    request.kind = Request::Kind::wrongUse;
+    request.problem = problem;
+    return request;
+}
+
+Request ofKind(Request::Kind kind)
+{
+    Request request;
+    request.kind = kind;
+    return request;
+}
+
+/// Milliseconds, or 0 for a text that is no number of seconds above 0.
+int milliseconds(const QString &seconds)
+{
+    bool isNumber = false;
+    const double value = seconds.toDouble(&isNumber) * 1000;
+    if (!isNumber || !(value > 0))
+        return 0;
+    return static_cast<int>(
+        std::clamp<double>(value, 1, static_cast<double>(std::numeric_limits<int>::max())));
+}
+
+/// What is wrong with the values of the options; null if nothing is.
+QString problemOf(const Request &request, const QCommandLineParser &parser)
+{
+    for (const QString &name : {u"document"_s, u"window"_s}) {
+        if (parser.isSet(name) && parser.value(name).isEmpty())
+            return u"--%1 takes a value that is not empty"_s.arg(name);
+    }
+    if (!request.document.isEmpty() && !request.window.isEmpty())
+        return u"--document and --window exclude each other"_s;
+    if (request.timeout == 0)
+        return u"--timeout takes a number of seconds above 0"_s;
+    if (request.operands.contains(QString()))
+        return u"an argument of %1 is empty"_s.arg(request.command);
+    return {};
+}
+
+Request readOptions(const Grammar &grammar, const QCommandLineParser &parser)
+{
+    Request request;
+    request.command = grammar.command;
+    request.operands = parser.positionalArguments();
+    request.document = parser.value(u"document"_s);
+    request.window = parser.value(u"window"_s);
+    request.showDialogs = parser.isSet(u"show-dialogs"_s);
+    request.skipStapling = parser.isSet(u"skip-stapling"_s);
+    request.follow = parser.isSet(u"follow"_s);
+    if (parser.isSet(u"timeout"_s))
+        request.timeout = milliseconds(parser.value(u"timeout"_s));
+    return request;
+}
+
+Request parseWith(const Grammar &grammar, const QStringList &words)
+{
+    QCommandLineParser parser;
+    for (const QString &name : submissionOptions + QStringList{u"window"_s, u"help"_s, u"version"_s})
+        parser.addOption(option(name));
+    if (!parser.parse(words))
+        return wrongUse(parser.errorText());
+    if (parser.isSet(u"help"_s))
+        return ofKind(Request::Kind::help);
+    if (parser.isSet(u"version"_s))
+        return ofKind(Request::Kind::version);
+    for (const QString &name : parser.optionNames()) {
+        if (!grammar.options.contains(name))
+            return wrongUse(u"%1 takes no option --%2"_s.arg(grammar.command, name));
+    }
+    const Request request = readOptions(grammar, parser);
+    if (request.operands.size() < grammar.fewestOperands)
+        return wrongUse(u"%1 needs an argument"_s.arg(grammar.command));
+    if (request.operands.size() > grammar.mostOperands)
+        return wrongUse(u"too many arguments for %1"_s.arg(grammar.command));
+    const QString problem = problemOf(request, parser);
+    return problem.isNull() ? request : wrongUse(problem);
+}
+
+} // namespace
+
+Request parseCommandLine(const QStringList &words)
+{
+    if (words.isEmpty())
+        return wrongUse(u"no command"_s);
+    if (words.first() == "--help"_L1 || words.first() == "-h"_L1)
+        return ofKind(Request::Kind::help);
+    if (words.first() == "--version"_L1)
+        return ofKind(Request::Kind::version);
+    for (const Grammar &grammar : grammars()) {
+        if (grammar.command == words.first())
+            return parseWith(grammar, words);
+    }
+    return wrongUse(u"there is no command %1"_s.arg(words.first()));
+}
+
+QString helpText()
+{
+    return uR"(usage: sealwrightctl COMMAND [ARGUMENT ...]
+
+Tells a Sealwright that runs on this session bus what to do, and starts it where a command can begin without
+a document.
+
+  submit PATH      Notarizes the item and waits for the end. Prints the path of the finished item.
+    --document ID      in that document, with its settings; otherwise in a new one
+    --show-dialogs     lets the document show its sheets
+    --skip-stapling    ends when the upload is done, without waiting for the verdict
+    --follow           prints the log to standard error as it comes; an interrupt cancels
+    --timeout SECONDS  how long to wait; without it, there is no limit
+  log ID           Prints the log of a document.
+  documents        Lists the documents: ID, status, title, separated by tabs.
+  windows          Lists the windows in the same way, with their numbers.
+  get KEY          Prints a property of the application, or of
+    --document ID      a document
+    --window N         a window
+  cancel ID        Cancels what the document does.
+  close ID         Closes the document.
+  open PATH ...    Opens the items, ready to be submitted by a person.
+  quit             Ends the application.
+
+  --help, --version
+
+Exit status: 0 done; 1 the application gave an error; 2 wrong use; 3 the application is not running or did not
+answer in time.
+)"_s;
+}

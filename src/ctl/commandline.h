@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include <limits>
+
+/// What a person or a script asks of the client.
+struct Request {
+    enum class Kind { run, help, version, wrongUse };
+
+    Kind kind = Kind::run;
+    QString problem; ///< of wrong use
+    QString command;
+    QStringList operands;
+    QString document; ///< identifier; empty if none was given
+    QString window; ///< number; empty if none was given
+    bool showDialogs = false;
+    bool skipStapling = false;
+    bool follow = false;
+    int timeout = std::numeric_limits<int>::max(); ///< milliseconds; the greatest value is none
+};
+
+/// The words without the program's name.
+[[nodiscard]] Request parseCommandLine(const QStringList &words);
+[[nodiscard]] QString helpText();

@@ -1,0 +1,70 @@
+#include "ctl/output.h"
+
+#include <QDBusArgument>
+#include <QDBusObjectPath>
+#include <QDBusVariant>
+#include <QUrl>
+
+#include <cstdio>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QString lastElement(const QDBusObjectPath &path)
+{
+    return path.path().section(u'/', -1);
+}
+
+QString fileAsPath(const QString &text)
+{
+    return text.startsWith("file:///"_L1) ? QUrl(text).toLocalFile() : text;
+}
+
+void write(const QString &text, FILE *stream)
+{
+    const QByteArray bytes = text.toLocal8Bit();
+    std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stream);
+    std::fflush(stream);
+}
+
+} // namespace
+
+namespace output {
+
+QStringList lines(const QVariant &value)
+{
+    if (value.metaType() == QMetaType::fromType<QDBusVariant>())
+        return lines(value.value<QDBusVariant>().variant());
+    if (value.metaType() == QMetaType::fromType<QDBusObjectPath>())
+        return {lastElement(value.value<QDBusObjectPath>())};
+    if (value.metaType() == QMetaType::fromType<QDBusArgument>()) {
+        if (value.value<QDBusArgument>().currentSignature() != "ao"_L1)
+            return {}; // an empty list of anything, which stands for no value
+        QStringList all;
+        for (const QDBusObjectPath &path : qdbus_cast<QList<QDBusObjectPath>>(value))
+            all.append(lastElement(path));
+        return all;
+    }
+    if (value.metaType() == QMetaType::fromType<QStringList>())
+        return value.toStringList();
+    return {fileAsPath(value.toString())};
+}
+
+void print(const QStringList &lines)
+{
+    for (const QString &line : lines)
+        write(line + u'\n', stdout);
+}
+
+void printText(const QString &text)
+{
+    write(text.endsWith(u'\n') ? text : text + u'\n', stdout);
+}
+
+void printError(const QString &line)
+{
+    write(line + u'\n', stderr);
+}
+
+} // namespace output

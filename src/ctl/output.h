@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <QVariant>
+
+/// What the client prints.
+namespace output {
+
+/// The lines that a value is printed as: none for no value, a file as its path, an object as the last element
+/// of its path, a list one line an entry.
+[[nodiscard]] QStringList lines(const QVariant &value);
+
+void print(const QStringList &lines);
+/// As it stands; a line end is added where the text has none.
+void printText(const QString &text);
+/// To standard error, at once.
+void printError(const QString &line);
+
+} // namespace output
