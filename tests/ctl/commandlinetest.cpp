@@ -1,0 +1,80 @@
+#include "ctl/commandline.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <limits>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+Request parse(const QString &line)
+{
+    return parseCommandLine(line.split(u' ', Qt::SkipEmptyParts));
+}
+
+} // namespace
+
+TEST(CommandLine, aSubmissionTakesItsOptionsOnEitherSideOfThePath)
+{
+    for (const QString &line :
+         {u"submit --follow --timeout 1.5 Foo.app --document a-b --skip-stapling --show-dialogs"_s,
+          u"submit Foo.app --document=a-b --show-dialogs --skip-stapling --timeout=1.5 --follow"_s}) {
+        const Request request = parse(line);
+        ASSERT_EQ(request.kind, Request::Kind::run) << request.problem.toStdString();
+        EXPECT_EQ(request.operands, QStringList{u"Foo.app"_s});
+        EXPECT_EQ(request.document, u"a-b"_s);
+        EXPECT_TRUE(request.follow && request.skipStapling && request.showDialogs);
+        EXPECT_EQ(request.timeout, 1500);
+    }
+}
+
+TEST(CommandLine, withoutOptionsThereIsNoLimitOfTime)
+{
+    const Request request = parse(u"submit Foo.app"_s);
+    EXPECT_FALSE(request.follow || request.skipStapling || request.showDialogs);
+    EXPECT_EQ(request.timeout, std::numeric_limits<int>::max());
+}
+
+TEST(CommandLine, aTimeThatIsTooLongIsTheLongest)
+{
+    EXPECT_EQ(parse(u"submit a --timeout 1e12"_s).timeout, std::numeric_limits<int>::max());
+}
+
+TEST(CommandLine, anOperandMayLookLikeAnOptionBehindTwoDashes)
+{
+    EXPECT_EQ(parse(u"submit -- --follow.app"_s).operands, QStringList{u"--follow.app"_s});
+}
+
+TEST(CommandLine, helpAndVersionGoBeforeAll)
+{
+    EXPECT_EQ(parse(u"--help"_s).kind, Request::Kind::help);
+    EXPECT_EQ(parse(u"submit --help"_s).kind, Request::Kind::help);
+    EXPECT_EQ(parse(u"--version"_s).kind, Request::Kind::version);
+}
+
+class WrongUse : public testing::TestWithParam<const char *> { };
+
+TEST_P(WrongUse, isToldApart)
+{
+    const Request request = parse(QString::fromLatin1(GetParam()));
+    EXPECT_EQ(request.kind, Request::Kind::wrongUse);
+    EXPECT_FALSE(request.problem.isEmpty());
+}
+
+INSTANTIATE_TEST_SUITE_P(Lines, WrongUse,
+                         testing::Values("", "fly", "--follow submit a", "submit", "submit a b",
+                                         "submit a --frob", "submit a --timeout", "submit a --timeout 0",
+                                         "submit a --timeout -1", "submit a --timeout soon",
+                                         "submit a --timeout nan", "submit a --document=", "log", "log a b",
+                                         "log a --follow", "documents x", "windows --timeout 5", "cancel",
+                                         "close", "open", "quit now", "get",
+                                         "get --document a --window 1 K"));
+
+TEST(CommandLine, theHelpNamesEveryOption)
+{
+    for (const QString &option : {u"--document"_s, u"--show-dialogs"_s, u"--skip-stapling"_s, u"--follow"_s,
+                                  u"--timeout"_s, u"--window"_s, u"--help"_s, u"--version"_s})
+        EXPECT_TRUE(helpText().contains(option)) << option.toStdString();
+}

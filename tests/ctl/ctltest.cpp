@@ -1,0 +1,384 @@
+// The client as a program, against an application on a bus.
+
+#include "dbus/hostonbus.h"
+#include "dbus/privatebus.h"
+
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include <csignal>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// A run of the client.
+class Ctl {
+public:
+    Ctl(TestHost &host, const QStringList &words, const QString &folder = {})
+        : m_host(host)
+    {
+        if (!folder.isEmpty())
+            m_process.setWorkingDirectory(folder);
+        m_process.start(QString::fromUtf8(SEALWRIGHTCTL), words);
+        EXPECT_TRUE(m_process.waitForStarted());
+    }
+    ~Ctl() { m_process.kill(), m_process.waitForFinished(); }
+
+    /// Waits for the end; the exit status.
+    int end()
+    {
+        m_host.runUntil([this] { return m_process.state() == QProcess::NotRunning; });
+        output += QString::fromUtf8(m_process.readAllStandardOutput());
+        error += QString::fromUtf8(m_process.readAllStandardError());
+        return m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1;
+    }
+    /// Waits until standard error has the text.
+    void waitForError(const QString &text)
+    {
+        m_host.runUntil([&] {
+            error += QString::fromUtf8(m_process.readAllStandardError());
+            return error.contains(text);
+        });
+    }
+    void interrupt() const { ::kill(static_cast<pid_t>(m_process.processId()), SIGINT); }
+    bool isRunning() const { return m_process.state() == QProcess::Running; }
+
+    QString output;
+    QString error;
+
+private:
+    TestHost &m_host;
+    QProcess m_process;
+};
+
+} // namespace
+
+class Client : public HostOnBus {
+protected:
+    int run(const QStringList &words)
+    {
+        Ctl ctl(host, words);
+        const int status = ctl.end();
+        output = ctl.output;
+        error = ctl.error;
+        return status;
+    }
+    QString element() { return bus::pathElement(host.document().uniqueID); }
+    qsizetype documentCount() { return host.application().allControllers().size(); }
+    /// Fires polls as they are armed, until the client has ended.
+    int endWithPolls(Ctl &ctl)
+    {
+        host.runUntil([&] {
+            host.timers.fireNext();
+            return !ctl.isRunning();
+        });
+        return ctl.end();
+    }
+
+    QString output;
+    QString error;
+};
+
+TEST_F(Client, aSubmissionPrintsThePathOfItsItem)
+{
+    appURL(u"My App.app"_s);
+    Ctl ctl(host, {u"submit"_s, host.item(u"My App.app"_s)});
+    EXPECT_EQ(endWithPolls(ctl), 0);
+    EXPECT_EQ(ctl.output, host.item(u"My App - Notarized/My App.app"_s) + u'\n');
+    EXPECT_EQ(ctl.error, QString());
+    EXPECT_EQ(documentCount(), 2);
+}
+
+TEST_F(Client, thePathMayBeRelative)
+{
+    appURL();
+    Ctl ctl(host, {u"submit"_s, u"./Foo.app/"_s, u"--skip-stapling"_s}, host.item({}));
+    EXPECT_EQ(ctl.end(), 0);
+    EXPECT_EQ(ctl.output, host.item(u"Foo - Submitted/Foo.app"_s) + u'\n');
+    EXPECT_TRUE(host.timers.armed().isEmpty());
+}
+
+TEST_F(Client, aSubmissionCanBeGivenToADocument)
+{
+    appURL();
+    for (const QString &identifier : {element(), host.document().uniqueID}) {
+        EXPECT_EQ(
+            run({u"submit"_s, host.item(u"Foo.app"_s), u"--skip-stapling"_s, u"--document"_s, identifier}), 0)
+            << error.toStdString();
+        host.settle();
+    }
+    EXPECT_EQ(documentCount(), 1);
+}
+
+TEST_F(Client, withDialogsTheDocumentShowsItsSheet)
+{
+    appURL();
+    host.tools.answer(u"codesign"_s, {.status = 1});
+    EXPECT_EQ(run({u"submit"_s, host.item(u"Foo.app"_s), u"--show-dialogs"_s, u"--document"_s, element()}),
+              1);
+    host.settle();
+    EXPECT_TRUE(host.window().sheet);
+}
+
+TEST_F(Client, aScriptErrorIsPrintedWithItsNumberAndText)
+{
+    EXPECT_EQ(run({u"submit"_s, u"/nowhere/Foo.app"_s}), 1);
+    EXPECT_EQ(error, u"sealwrightctl: error 6: \n"_s);
+    EXPECT_EQ(output, QString());
+    const QDBusPendingCall submission = beginEndlessSubmission();
+    EXPECT_EQ(run({u"submit"_s, host.item(u"Foo.app"_s), u"--document"_s, element()}), 1);
+    EXPECT_EQ(error, u"sealwrightctl: error 1199: Document is busy, status: submitting.\n"_s);
+    cancel();
+    client.end(submission);
+    host.settle();
+}
+
+TEST_F(Client, anotherErrorIsPrintedWithoutANumber)
+{
+    for (const QString &command : {u"log"_s, u"cancel"_s, u"close"_s}) {
+        EXPECT_EQ(run({command, u"nobody"_s}), 1);
+        EXPECT_EQ(error, u"sealwrightctl: error: There is no object %1/nobody.\n"_s.arg(bus::documentsPath));
+    }
+}
+
+TEST_F(Client, aFollowedSubmissionPrintsItsWholeLogAndNobodyElses)
+{
+    appURL();
+    MainWinController &other = host.document();
+    Ctl ctl(host, {u"submit"_s, host.item(u"Foo.app"_s), u"--follow"_s});
+    host.runUntil([this] { return documentCount() == 2; });
+    other.logString(u"not this"_s);
+    EXPECT_EQ(endWithPolls(ctl), 0);
+    EXPECT_EQ(ctl.error, host.document().statusTextView.string());
+    EXPECT_FALSE(ctl.error.isEmpty());
+    EXPECT_EQ(ctl.output, host.item(u"Foo - Notarized/Foo.app"_s) + u'\n');
+}
+
+TEST_F(Client, entriesThatLandAfterTheAnswerArePrintedToo)
+{
+    appURL();
+    Ctl ctl(host,
+            {u"submit"_s, host.item(u"Foo.app"_s), u"--follow"_s, u"--skip-stapling"_s, u"--document"_s,
+             element()});
+    EXPECT_EQ(ctl.end(), 0);
+    host.settle();
+    EXPECT_EQ(ctl.error, host.document().statusTextView.string());
+}
+
+TEST_F(Client, anInterruptOfAFollowedSubmissionCancelsItOnceAndWaitsForTheAnswer)
+{
+    host.tools.answer(u"altool--notarization-history"_s, {.hangs = true});
+    appURL();
+    Ctl ctl(host, {u"submit"_s, host.item(u"Foo.app"_s), u"--follow"_s});
+    waitForCredentialCheck();
+    ctl.interrupt();
+    ctl.interrupt();
+    EXPECT_EQ(ctl.end(), 1);
+    EXPECT_TRUE(ctl.error.endsWith(u"sealwrightctl: error 1118: Process Cancelled: Uploading of the app may "
+                                   "not have been completed.\n"_s))
+        << ctl.error.toStdString();
+    host.settle();
+    EXPECT_EQ(host.log().count(u"Process cancelled..."_s), 1);
+}
+
+TEST_F(Client, aLaterInterruptDoesNotEndTheWaiting)
+{
+    host.tools.answer(u"altool--notarize-app"_s, {.hangs = true}); // an upload cannot be cancelled
+    appURL();
+    Ctl ctl(host, {u"submit"_s, host.item(u"Foo.app"_s), u"--follow"_s, u"--document"_s, element()});
+    host.runUntil([this] {
+        return !host.tools.callsOf(u"altool--notarize-app"_s).isEmpty() && !host.document().canCancel();
+    });
+    ctl.interrupt();
+    ctl.interrupt();
+    host.document().logString(u"still here"_s);
+    ctl.waitForError(u"still here"_s);
+    EXPECT_TRUE(ctl.isRunning());
+    host.document().uploadTaskRunner()->terminateTaskFor(host.document().uniqueID);
+    EXPECT_EQ(ctl.end(), 1);
+    host.settle();
+}
+
+TEST_F(Client, anInterruptOfASubmissionThatIsNotFollowedLeavesItAlone)
+{
+    host.tools.answer(u"altool--notarization-history"_s, {.hangs = true});
+    appURL();
+    Ctl ctl(host, {u"submit"_s, host.item(u"Foo.app"_s), u"--document"_s, element()});
+    waitForCredentialCheck();
+    ctl.interrupt();
+    EXPECT_EQ(ctl.end(), -1); // the signal ended it
+    EXPECT_EQ(host.document().statusString(), u"submitting"_s);
+    cancel();
+    host.settle();
+}
+
+TEST_F(Client, anAnswerThatDoesNotComeInTimeIsAStatusOfItsOwn)
+{
+    host.tools.answer(u"altool--notarization-history"_s, {.hangs = true});
+    appURL();
+    EXPECT_EQ(
+        run({u"submit"_s, host.item(u"Foo.app"_s), u"--timeout"_s, u"0.3"_s, u"--document"_s, element()}), 3);
+    EXPECT_EQ(error, u"sealwrightctl: Sealwright did not answer\n"_s);
+    EXPECT_EQ(host.document().statusString(), u"submitting"_s);
+    waitForCredentialCheck();
+    cancel();
+    host.settle();
+}
+
+TEST_F(Client, documentsAndWindowsAreListedFromFrontToBack)
+{
+    const QString first = element();
+    host.window().setTitle(u"Back"_s);
+    host.application().newDocument(0);
+    host.window().setTitle(u"Front"_s);
+    host.document().changeStatus(u"interacting");
+    EXPECT_EQ(run({u"documents"_s}), 0);
+    EXPECT_EQ(output, element() + u"\tinteracting\tFront\n"_s + first + u"\tready\tBack\n"_s);
+    EXPECT_EQ(run({u"windows"_s}), 0);
+    EXPECT_EQ(output, u"2\tinteracting\tFront\n1\tready\tBack\n"_s);
+}
+
+TEST_F(Client, withoutDocumentsNothingIsListed)
+{
+    host.window().close();
+    EXPECT_EQ(run({u"documents"_s}), 0);
+    EXPECT_EQ(output, QString());
+}
+
+TEST_F(Client, aLogIsPrintedAsItStands)
+{
+    EXPECT_EQ(run({u"log"_s, element()}), 0);
+    EXPECT_EQ(output, u"\n"_s); // an empty text is an empty line
+    host.document().logStringMain(u"one"_s, false);
+    host.document().logStringMain(u"zwölf"_s, true);
+    EXPECT_EQ(run({u"log"_s, host.document().uniqueID}), 0);
+    EXPECT_EQ(output, host.document().statusTextView.string());
+}
+
+TEST_F(Client, propertiesArePrintedOneLineAValue)
+{
+    EXPECT_EQ(run({u"get"_s, u"AppStatus"_s}), 0);
+    EXPECT_EQ(output, u"ready\n"_s);
+    EXPECT_EQ(run({u"get"_s, u"IsActive"_s}), 0);
+    EXPECT_EQ(output, u"false\n"_s);
+    EXPECT_EQ(run({u"get"_s, u"LastErrorFrom"_s}), 0);
+    EXPECT_EQ(output, QString());
+    EXPECT_EQ(run({u"get"_s, u"Caller"_s, u"--document"_s, element()}), 0);
+    EXPECT_EQ(output, u"\n"_s);
+    EXPECT_EQ(run({u"get"_s, u"Window"_s, u"--document"_s, element()}), 0);
+    EXPECT_EQ(output, u"1\n"_s);
+    EXPECT_EQ(run({u"get"_s, u"--window"_s, u"1"_s, u"Document"_s}), 0);
+    EXPECT_EQ(output, element() + u'\n');
+    host.application().newDocument(0);
+    EXPECT_EQ(run({u"get"_s, u"OrderedWindows"_s}), 0);
+    EXPECT_EQ(output, u"2\n1\n"_s);
+    EXPECT_EQ(run({u"get"_s, u"Nothing"_s}), 1);
+}
+
+TEST_F(Client, aDocumentIsClosed)
+{
+    EXPECT_EQ(run({u"close"_s, element()}), 0);
+    host.runUntil([this] { return documentCount() == 0; });
+}
+
+TEST_F(Client, aDocumentIsCancelled)
+{
+    const QDBusPendingCall submission = beginEndlessSubmission();
+    EXPECT_EQ(run({u"cancel"_s, element()}), 0);
+    EXPECT_EQ(errorOf(client.end(submission)), u"org.sealwright.Error.N1118"_s);
+    host.settle();
+}
+
+TEST_F(Client, openedItemsWaitForAPerson)
+{
+    appURL();
+    appURL(u"Bar.app"_s);
+    Ctl ctl(host, {u"open"_s, u"Foo.app"_s, host.item(u"Bar.app"_s)}, host.item({}));
+    EXPECT_EQ(ctl.end(), 0);
+    ASSERT_EQ(documentCount(), 3);
+    EXPECT_EQ(host.document().originalFileName(), u"Bar.app"_s);
+    EXPECT_EQ(host.document().statusString(), u"interacting"_s);
+}
+
+TEST_F(Client, quittingIsAnsweredAndEndsTheApplication)
+{
+    EXPECT_EQ(run({u"quit"_s}), 0);
+    EXPECT_TRUE(host.applicationHost.isTerminated);
+}
+
+/// The client where no application runs.
+class LonelyClient : public testing::Test {
+protected:
+    ~LonelyClient() override { privatebus::setActivation({}); }
+
+    int run(const QStringList &words)
+    {
+        Ctl ctl(host, words);
+        const int status = ctl.end();
+        output = ctl.output;
+        error = ctl.error;
+        return status;
+    }
+    bool startsTheApplication(const QStringList &words)
+    {
+        QFile::remove(marker());
+        EXPECT_EQ(run(words), 3) << error.toStdString();
+        return QFile::exists(marker());
+    }
+    QString marker() const { return m_folder.filePath(u"started"_s); }
+
+    TestHost host;
+    QString output;
+    QString error;
+
+private:
+    QTemporaryDir m_folder;
+};
+
+TEST_F(LonelyClient, saysThatNothingRuns)
+{
+    for (const QStringList &words :
+         {QStringList{u"submit"_s, u"a"_s}, QStringList{u"documents"_s}, QStringList{u"windows"_s},
+          QStringList{u"log"_s, u"a"_s}, QStringList{u"cancel"_s, u"a"_s}, QStringList{u"close"_s, u"a"_s},
+          QStringList{u"open"_s, u"a"_s}, QStringList{u"get"_s, u"Name"_s}, QStringList{u"quit"_s},
+          QStringList{u"submit"_s, u"a"_s, u"--follow"_s}}) {
+        EXPECT_EQ(run(words), 3) << words.join(u' ').toStdString();
+        EXPECT_EQ(error, u"sealwrightctl: Sealwright is not running\n"_s);
+    }
+}
+
+TEST_F(LonelyClient, hasTheBusStartTheApplicationOnlyForWhatCanBeginThere)
+{
+    // A program that leaves a mark and never takes the name.
+    privatebus::setActivation(u"/bin/sh -c 'touch %1; exit 1'"_s.arg(marker()));
+    EXPECT_TRUE(startsTheApplication({u"submit"_s, u"a"_s}));
+    EXPECT_TRUE(startsTheApplication({u"open"_s, u"a"_s}));
+    EXPECT_TRUE(startsTheApplication({u"documents"_s}));
+    EXPECT_FALSE(startsTheApplication({u"submit"_s, u"a"_s, u"--document"_s, u"b"_s}));
+    EXPECT_FALSE(startsTheApplication({u"quit"_s}));
+    EXPECT_FALSE(startsTheApplication({u"log"_s, u"a"_s}));
+    EXPECT_FALSE(startsTheApplication({u"get"_s, u"AppStatus"_s}));
+}
+
+TEST_F(LonelyClient, answersAboutItselfWithoutABus)
+{
+    EXPECT_EQ(run({u"--version"_s}), 0);
+    EXPECT_TRUE(output.startsWith(u"sealwrightctl "_s));
+    EXPECT_EQ(run({u"--help"_s}), 0);
+    EXPECT_TRUE(output.startsWith(u"usage: sealwrightctl "_s));
+    EXPECT_EQ(run({u"fly"_s}), 2);
+    EXPECT_TRUE(error.startsWith(u"sealwrightctl: there is no command fly\n"_s));
+    EXPECT_EQ(output, QString());
+}
+
+TEST_F(LonelyClient, saysThatThereIsNoBus)
+{
+    const QByteArray address = qgetenv("DBUS_SESSION_BUS_ADDRESS");
+    qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent/bus");
+    EXPECT_EQ(run({u"documents"_s}), 3);
+    qputenv("DBUS_SESSION_BUS_ADDRESS", address);
+    EXPECT_EQ(error, u"sealwrightctl: there is no session bus\n"_s);
+}
