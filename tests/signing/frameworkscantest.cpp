@@ -118,6 +118,16 @@ TEST_F(FrameworkScan, aFrameworkWhoseKindCannotBeReadHasNothingToSign)
     EXPECT_EQ(signableSet.paths(), QStringList());
 }
 
+TEST_F(FrameworkScan, codeUnderALinkAtItsTopLevelIsFoundASecondTime)
+{
+    makeCode(framework + u"/Versions/A/Helpers/helper"_s);
+    items::makeLink(host.item(framework + u"/Helpers"_s), u"Versions/A/Helpers"_s);
+    walk(u"Foo.app"_s);
+    EXPECT_EQ(sortedMembers(),
+              (QStringList{framework + u"/Helpers/helper"_s, framework + u"/Versions/A"_s,
+                           framework + u"/Versions/A/Helpers/helper"_s}));
+}
+
 TEST_F(FrameworkScan, aLinkToItsOwnParentDoesNotHoldTheWalkForEver)
 {
     items::makeFramework(host.item(framework));
