@@ -1,60 +1,13 @@
 // The client as a program, against an application on a bus.
 
+#include "ctl/ctl.h"
 #include "dbus/hostonbus.h"
 #include "dbus/privatebus.h"
 
-#include <QDir>
 #include <QFile>
-#include <QProcess>
 #include <QTemporaryDir>
 
-#include <csignal>
-
 using namespace Qt::StringLiterals;
-
-namespace {
-
-/// A run of the client.
-class Ctl {
-public:
-    Ctl(TestHost &host, const QStringList &words, const QString &folder = {})
-        : m_host(host)
-    {
-        if (!folder.isEmpty())
-            m_process.setWorkingDirectory(folder);
-        m_process.start(QString::fromUtf8(SEALWRIGHTCTL), words);
-        EXPECT_TRUE(m_process.waitForStarted());
-    }
-    ~Ctl() { m_process.kill(), m_process.waitForFinished(); }
-
-    /// Waits for the end; the exit status.
-    int end()
-    {
-        m_host.runUntil([this] { return m_process.state() == QProcess::NotRunning; });
-        output += QString::fromUtf8(m_process.readAllStandardOutput());
-        error += QString::fromUtf8(m_process.readAllStandardError());
-        return m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1;
-    }
-    /// Waits until standard error has the text.
-    void waitForError(const QString &text)
-    {
-        m_host.runUntil([&] {
-            error += QString::fromUtf8(m_process.readAllStandardError());
-            return error.contains(text);
-        });
-    }
-    void interrupt() const { ::kill(static_cast<pid_t>(m_process.processId()), SIGINT); }
-    bool isRunning() const { return m_process.state() == QProcess::Running; }
-
-    QString output;
-    QString error;
-
-private:
-    TestHost &m_host;
-    QProcess m_process;
-};
-
-} // namespace
 
 class Client : public HostOnBus {
 protected:
