@@ -42,8 +42,7 @@ void SettingsPreferences::setValue(const QString &key, const QVariant &value)
 {
     const std::lock_guard lock(m_mutex);
     m_values[key] = value;
-    // Qt would write a float as bytes that no person can edit.
-    m_file->setValue(key, value.typeId() == QMetaType::Float ? QVariant(value.toDouble()) : value);
+    m_file->setValue(key, value);
 }
 
 void SettingsPreferences::remove(const QString &key)
