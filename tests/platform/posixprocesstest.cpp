@@ -90,7 +90,7 @@ TEST_F(PosixProcess, theStatusIsWhatTheProgramReturns)
 TEST_F(PosixProcess, theStatusOfAProgramEndedByASignalIsTheSignalsNumber)
 {
     EXPECT_EQ(finished(u"kill -KILL $$"_s).process->terminationStatus(), SIGKILL);
-    EXPECT_EQ(finished(u"kill -HUP $$"_s).process->terminationStatus(), SIGHUP);
+    EXPECT_EQ(finished(u"kill -USR1 $$"_s).process->terminationStatus(), SIGUSR1);
 }
 
 TEST_F(PosixProcess, aMissingProgramIsNamedWithTheReason)
