@@ -42,7 +42,12 @@ public:
         : what(std::move(armed))
     {
     }
-    void invalidate() override { isArmed = false; }
+    /// Lets go of what it holds, as a timer must that its own block refers back to.
+    void invalidate() override
+    {
+        isArmed = false;
+        what.fire = nullptr;
+    }
 
     Armed what;
     std::atomic<bool> isArmed = true;
@@ -79,15 +84,19 @@ double ManualTimers::fireNext()
         next = m_timers.takeFirst();
     }
     next->isArmed = false;
-    next->what.fire();
+    std::exchange(next->what.fire, nullptr)();
     return next->what.interval;
 }
 
 void ManualTimers::forgetAll()
 {
-    QList<std::shared_ptr<ManualTimer>> timers; // goes after the lock: what a timer holds may ask for it
-    const std::scoped_lock lock(m_mutex);
-    timers.swap(m_timers);
+    QList<std::shared_ptr<ManualTimer>> timers;
+    {
+        const std::scoped_lock lock(m_mutex);
+        timers.swap(m_timers);
+    }
+    for (const auto &timer : timers) // not under the lock: what a timer holds may ask for it
+        timer->invalidate();
 }
 
 void MemoryPreferences::setValue(const QString &key, const QVariant &value)
