@@ -5,8 +5,8 @@
 // $SEALWRIGHT_FAKE_ROOT/runs/NAME        how many runs of that tool there have been
 // $SEALWRIGHT_FAKE_ROOT/answers/NAME/N   a folder: what the N-th run answers; "always" for the others
 //
-// In such a folder: stdout, stderr, status, signal (kills itself by it), hang (waits while it is there), and content
-// (written to the path in the file target, where "{last}" is the last argument).
+// In such a folder: stdout, stderr, status, signal (kills itself by it), hang (waits while it is there), and
+// content (written to the path in the file target, where "{last}" is the last argument).
 
 #include <csignal>
 #include <cstdio>
