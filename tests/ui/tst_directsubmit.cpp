@@ -65,6 +65,9 @@ TEST_F(DirectSubmit, submitNowStartsWithTheItemThatWasDropped)
     host.settle();
     EXPECT_TRUE(document().isPolling());
     EXPECT_EQ(host.listing(), (QStringList{u"Foo - Submitted"_s, u"Foo.app"_s}));
+    host.firePolls();
+    answer(u"OK"_s);
+    EXPECT_EQ(host.listing(), QStringList{u"Foo - Notarized"_s});
 }
 
 namespace {
