@@ -1,0 +1,59 @@
+#include "app/desktophost.h"
+
+#include "app/preferencekeys.h"
+
+#include <QStandardPaths>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QString inConfigFolder(const QString &path)
+{
+    return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + u'/' + path;
+}
+
+QString inDataFolder(const QString &path)
+{
+    return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + u'/' + path;
+}
+
+} // namespace
+
+DesktopHost::DesktopHost(const QString &applicationFolder)
+    : m_preferences(inConfigFolder(u"Sealwright/Sealwright.conf"_s))
+    , m_toolRoot(ToolRoot::chosen(m_preferences.string(key::toolRoot), applicationFolder))
+    , m_launcher([root = m_toolRoot](const QString &path) { return root.locate(path); },
+                 m_toolRoot.searchFolders())
+    , m_workspace(m_toolRoot.applicationsFolder(), m_files, m_launcher)
+    , m_appleScript(m_launcher)
+    , m_userNotifications(m_mainQueue)
+    , m_windowFactory(m_windowOrder)
+    , m_application(m_windowOrder)
+{
+}
+
+platform::Host DesktopHost::services()
+{
+    return {.mainQueue = m_mainQueue,
+            .workers = m_workers,
+            .timers = m_timers,
+            .clock = m_clock,
+            .launcher = m_launcher,
+            .files = m_files,
+            .urls = m_urls,
+            .preferences = m_preferences,
+            .workspace = m_workspace,
+            .appleScript = m_appleScript,
+            .distributedNotifications = m_distributedNotifications,
+            .userNotifications = m_userNotifications,
+            .application = m_application};
+}
+
+AppDelegate::Configuration DesktopHost::configuration()
+{
+    return {.dropDMGFolder = inDataFolder(u"DropDMG/Configurations"_s),
+            .supportAddress = QUrl(u"mailto:support@sealwright.org"_s),
+            .website = QUrl(u"https://sealwright.org/"_s),
+            .usersForum = QUrl(u"https://sealwright.org/forum"_s)};
+}

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "app/appdelegate.h"
+#include "platform/posix/posixfileservice.h"
+#include "platform/posix/posixprocesslauncher.h"
+#include "platform/qt/busdistributednotifications.h"
+#include "platform/qt/desktopnotificationcenter.h"
+#include "platform/qt/desktopworkspace.h"
+#include "platform/qt/osascript.h"
+#include "platform/qt/qtmainqueue.h"
+#include "platform/qt/qttimerservice.h"
+#include "platform/qt/qturlreader.h"
+#include "platform/qt/qtworkerqueue.h"
+#include "platform/qt/settingspreferences.h"
+#include "platform/qt/systemclock.h"
+#include "tools/toolroot.h"
+#include "ui/widgetapplication.h"
+#include "ui/widgetwindow.h"
+#include "ui/windoworder.h"
+
+/// The services of a desktop session: real files, processes, windows and the session bus. Made on the main
+/// thread, once there is an application object. Its end waits for the workflows that still run.
+class DesktopHost {
+public:
+    /// `applicationFolder` is the folder of the application's executable, beside which the bundled toolchain
+    /// lies.
+    explicit DesktopHost(const QString &applicationFolder);
+
+    platform::Host services();
+    WindowFactory &windowFactory() { return m_windowFactory; }
+    WidgetApplication &application() { return m_application; }
+    static AppDelegate::Configuration configuration();
+
+private:
+    platform::SettingsPreferences m_preferences;
+    const ToolRoot m_toolRoot;
+    platform::PosixProcessLauncher m_launcher;
+    platform::PosixFileService m_files;
+    platform::QtMainQueue m_mainQueue;
+    platform::QtTimerService m_timers;
+    platform::SystemClock m_clock;
+    platform::QtUrlReader m_urls;
+    platform::DesktopWorkspace m_workspace;
+    platform::OsaScript m_appleScript;
+    platform::BusDistributedNotifications m_distributedNotifications;
+    platform::DesktopNotificationCenter m_userNotifications;
+    WindowOrder m_windowOrder;
+    WidgetWindowFactory m_windowFactory;
+    WidgetApplication m_application;
+    platform::QtWorkerQueue m_workers; // the last: its jobs use all the others
+};

@@ -1,0 +1,72 @@
+#include "app/desktophost.h"
+#include "scripting/dbus/scriptingbus.h"
+
+#include <QApplication>
+#include <QIcon>
+
+#include <cstdio>
+#include <cstdlib>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+void describe()
+{
+    QApplication::setOrganizationName(u"Sealwright"_s);
+    QApplication::setApplicationName(u"Sealwright"_s);
+    QApplication::setApplicationVersion(QStringLiteral(SEALWRIGHT_VERSION));
+    QApplication::setDesktopFileName(u"org.sealwright.Sealwright"_s);
+    QApplication::setWindowIcon(QIcon(u":/icons/org.sealwright.Sealwright.png"_s));
+    QApplication::setQuitOnLastWindowClosed(false);
+}
+
+/// False if the application runs already, and has been told to come to the front. A session without a bus
+/// gets an application that scripts cannot reach.
+bool takeTheBus(ScriptingBus &bus)
+{
+    const auto registered = bus.registerOnSessionBus();
+    if (registered)
+        return true;
+    if (ScriptingBus::activateRunningInstance())
+        return false;
+    std::fprintf(stderr, "sealwright: %s\n", qUtf8Printable(registered.error()));
+    return true;
+}
+
+int launchAndRun(AppDelegate &delegate, ScriptingBus &bus)
+{
+    QObject::connect(qApp, &QCoreApplication::aboutToQuit, &delegate, &AppDelegate::applicationWillTerminate);
+    delegate.applicationWillFinishLaunching();
+    bus.takeArrivedCalls(); // a client that looks at the objects first may open files before launch has ended
+    delegate.applicationDidFinishLaunching();
+    return QApplication::exec();
+}
+
+int runDesktopApplication()
+{
+    DesktopHost &host = *new DesktopHost(QApplication::applicationDirPath());
+    AppDelegate::initialize(host.services().preferences);
+    AppDelegate &delegate = *new AppDelegate(host.services(), host.windowFactory(), host.configuration());
+    ScriptingBus bus(delegate);
+    host.application().setPendingOpens([&bus] { bus.takeArrivedCalls(); });
+    return takeTheBus(bus) ? launchAndRun(delegate, bus) : EXIT_SUCCESS;
+}
+
+/// Ends the process without waiting for the tools that still run, and so without an end for anything that
+/// their workflows use.
+[[noreturn]] void quit(int status)
+{
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::UpdateRequest); // writes settings not yet on disk
+    std::fflush(nullptr);
+    std::_Exit(status);
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    const QApplication application(argc, argv);
+    describe();
+    quit(runDesktopApplication());
+}
