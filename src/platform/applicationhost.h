@@ -11,8 +11,8 @@ class ApplicationHost {
 public:
     virtual ~ApplicationHost() = default;
 
-    /// Delivers files that were opened with the application while launch kept the main thread busy. A host that delivers
-    /// them by itself has nothing to do.
+    /// Delivers files that were opened with the application while launch kept the main thread busy. A host
+    /// that delivers them by itself has nothing to do.
     virtual void deliverPendingOpens() { }
     /// Brings the application to the front.
     virtual void activate() = 0;

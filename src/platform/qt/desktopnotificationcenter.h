@@ -8,8 +8,7 @@ namespace platform {
 
 class MainQueue;
 
-/// Messages by the desktop's notification service. Public document: freedesktop.org, "Desktop Notifications
-/// Specification".
+/// Messages by the desktop's notification service. Public document: "Desktop Notifications", freedesktop.org.
 class DesktopNotificationCenter : public UserNotificationCenter {
 public:
     /// Whether the application is the active one; asked on the main thread.
