@@ -18,20 +18,12 @@ void NSApplicationScripting::AESubmitForNotarizing(const ScriptCommandPtr &comma
 {
     if (!commandchecks::submittableItem(m_appDelegate.host().files, command) || !checkStatusIsReady())
         return;
-    documentFor(command)->steps().scripting.startSubmission(command);
+    m_appDelegate.addedDocument()->steps().scripting.startSubmission(command);
 }
 
 bool NSApplicationScripting::checkStatusIsReady() const
 {
     return commandchecks::isReady(m_appDelegate.statusString(), u"Application"_s);
-}
-
-DocumentPtr NSApplicationScripting::documentFor(const ScriptCommandPtr &command) const
-{
-    const DocumentPtr document = m_appDelegate.addedDocument();
-    if (onDocumentMade)
-        onDocumentMade(command, *document);
-    return document;
 }
 
 QList<platform::Window *> NSApplicationScripting::orderedWindows() const

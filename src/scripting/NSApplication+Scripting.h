@@ -36,12 +36,7 @@ public:
     /// The document of a window; null if the window is no document's.
     MainWinController *windowController(const platform::Window *window) const;
 
-    /// Called, on the thread of script delivery, with the document that a command has made for itself.
-    std::function<void(const ScriptCommandPtr &, MainWinController &)> onDocumentMade;
-
 private:
-    std::shared_ptr<MainWinController> documentFor(const ScriptCommandPtr &command) const;
-
     AppDelegate &m_appDelegate;
 };
 
