@@ -69,8 +69,8 @@ void AppDelegate::checkForDropDMG()
 
 void AppDelegate::loadDropDMGConfigNames()
 {
-    setConfigNames(
-        discovery::configurationNames(m_host.files.contentsOfDirectory(m_configuration.dropDMGFolder)));
+    setConfigNames(discovery::configurationNames(
+        m_host.files.contentsOfDirectory(m_configuration.dropDMGFolder, platform::FolderLink::follow)));
 }
 
 void AppDelegate::loadDropDMGConfigNamesViaScript()

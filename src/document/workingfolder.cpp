@@ -37,7 +37,7 @@ bool MainWinController::createWorkingFolderAndLog()
 bool MainWinController::emptyWorkingFolder(const QString &folder)
 {
     auto &files = host().files;
-    for (const QString &name : files.contentsOfDirectory(folder)) {
+    for (const QString &name : files.contentsOfDirectory(folder, platform::FolderLink::leaveAlone)) {
         if (const auto removed = files.removeItem(itempath::appending(folder, name)); !removed) {
             reportFailure(u"Cannot Empty Working Folder"_s,
                           u"Failed to empty working folder '%1': %2"_s.arg(folder, removed.error()));

@@ -141,7 +141,8 @@ QString ArchiveSteps::primaryBundleID()
         return {};
     const QString volume = archive::mountPoint(attached->outputString());
     QString identifier;
-    for (const QString &name : document.host().files.contentsOfDirectory(volume)) {
+    for (const QString &name :
+         document.host().files.contentsOfDirectory(volume, platform::FolderLink::follow)) {
         if (itempath::extension(name) != "app"_L1)
             continue;
         identifier = platform::bundleIdentifier(document.host().files, itempath::appending(volume, name));

@@ -30,6 +30,9 @@ struct FileKind {
     bool isExecutable = false; ///< the calling user may execute it
 };
 
+/// Whether a link to a folder is listed as the folder that it leads to.
+enum class FolderLink { follow, leaveAlone };
+
 /// The file operations of the host. Paths are absolute. Any thread. An error text names the item and the
 /// reason.
 class FileService {
@@ -49,9 +52,9 @@ public:
     /// dictionary with a package type. Nothing if there is no item.
     virtual std::optional<bool> isPackage(const QString &path) const = 0;
 
-    /// The names in a folder, hidden ones left out, in the order in which the file system lists them. A link
-    /// to a folder lists the folder. Empty when it cannot be listed.
-    virtual QStringList contentsOfDirectory(const QString &path) const = 0;
+    /// The names in a folder, hidden ones left out, in the order in which the file system lists them. Empty
+    /// when it cannot be listed, or is a link that is not to be followed.
+    virtual QStringList contentsOfDirectory(const QString &path, FolderLink link) const = 0;
 
     /// Creates the folder and those above it. A folder that is there already is no failure.
     virtual Outcome createDirectory(const QString &path) = 0;

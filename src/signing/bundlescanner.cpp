@@ -12,6 +12,10 @@ namespace {
 const QString executableKey = u"CFBundleExecutable"_s;
 const QString fileTool = u"/usr/bin/file"_s;
 
+// What lies behind a link is found where it lies. Two links to a folder above them would never let the walk
+// end.
+constexpr auto links = platform::FolderLink::leaveAlone;
+
 bool isNeverSigned(const QString &fileName)
 {
     return fileName == "PkgInfo"_L1 || fileName == "CodeResources"_L1;
@@ -66,7 +70,7 @@ void BundleScanner::parseDirectory(const QString &directory, OrderedPathSet &sig
 {
     addIfBundle(directory, signableSet, setToSubtract);
     const auto &files = document.host().files;
-    for (const QString &name : files.contentsOfDirectory(directory)) {
+    for (const QString &name : files.contentsOfDirectory(directory, links)) {
         const QString item = itempath::appending(directory, name);
         if (arrayToPassOver.contains(item))
             continue;
@@ -127,7 +131,7 @@ void BundleScanner::parseFramework(const QString &framework, OrderedPathSet &sig
                                    QSet<QString> &setToSubtract, const QStringList &arrayToPassOver)
 {
     const auto &files = document.host().files;
-    for (const QString &name : files.contentsOfDirectory(framework)) {
+    for (const QString &name : files.contentsOfDirectory(framework, links)) {
         const QString item = itempath::appending(framework, name);
         if (arrayToPassOver.contains(item))
             continue;
@@ -145,7 +149,7 @@ void BundleScanner::parseVersions(const QString &versions, OrderedPathSet &signa
                                   QSet<QString> &setToSubtract, const QStringList &arrayToPassOver)
 {
     const auto &files = document.host().files;
-    for (const QString &name : files.contentsOfDirectory(versions)) {
+    for (const QString &name : files.contentsOfDirectory(versions, links)) {
         const QString version = itempath::appending(versions, name);
         if (arrayToPassOver.contains(version) || name == "Current"_L1 || !files.kind(version).isDirectory)
             continue;

@@ -113,22 +113,23 @@ TEST_F(Files, aListingHasNoHiddenNames)
     folder.folder(u"a folder"_s);
     folder.link(u"dangling"_s, u"/no/such/item"_s);
     folder.file(u"Größe"_s);
-    EXPECT_THAT(files.contentsOfDirectory(folder.path()),
+    EXPECT_THAT(files.contentsOfDirectory(folder.path(), FolderLink::follow),
                 UnorderedElementsAre(u"b"_s, u"a folder"_s, u"dangling"_s, u"Größe"_s));
 }
 
-TEST_F(Files, aLinkToAFolderListsTheFolder)
+TEST_F(Files, aLinkToAFolderListsTheFolderIfItIsToBeFollowed)
 {
     folder.folder(u"real"_s);
     folder.file(u"real/inside"_s);
-    EXPECT_EQ(files.contentsOfDirectory(folder.link(u"link"_s, folder.path(u"real"_s))),
-              QStringList{u"inside"_s});
+    const QString link = folder.link(u"link"_s, folder.path(u"real"_s));
+    EXPECT_EQ(files.contentsOfDirectory(link, FolderLink::follow), QStringList{u"inside"_s});
+    EXPECT_TRUE(files.contentsOfDirectory(link, FolderLink::leaveAlone).isEmpty());
 }
 
 TEST_F(Files, whatCannotBeListedIsEmpty)
 {
-    EXPECT_TRUE(files.contentsOfDirectory(folder.path(u"missing"_s)).isEmpty());
-    EXPECT_TRUE(files.contentsOfDirectory(folder.file(u"file"_s)).isEmpty());
+    EXPECT_TRUE(files.contentsOfDirectory(folder.path(u"missing"_s), FolderLink::follow).isEmpty());
+    EXPECT_TRUE(files.contentsOfDirectory(folder.file(u"file"_s), FolderLink::follow).isEmpty());
 }
 
 TEST_F(Files, aFolderIsCreatedWithThoseAboveIt)
@@ -333,7 +334,8 @@ TEST_F(Files, aReplacementDirectoryIsNewEmptyPrivateAndOnTheSameVolume)
     EXPECT_EQ(modeOf(*first), 0700U);
     EXPECT_TRUE(QDir(*first).isEmpty());
     EXPECT_EQ(stateOf(*first).st_dev, stateOf(item).st_dev);
-    EXPECT_EQ(files.contentsOfDirectory(folder.path()), QStringList{u"item"_s}); // nobody sees it
+    EXPECT_EQ(files.contentsOfDirectory(folder.path(), FolderLink::follow),
+              QStringList{u"item"_s}); // nobody sees it
 }
 
 TEST_F(Files, withoutAPlaceForAReplacementDirectoryTheItemIsNamed)

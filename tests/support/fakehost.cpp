@@ -133,11 +133,11 @@ platform::FileKind TestFiles::kind(const QString &path) const
     return unreadable.contains(path) ? platform::FileKind() : PosixFileService::kind(path);
 }
 
-QStringList TestFiles::contentsOfDirectory(const QString &path) const
+QStringList TestFiles::contentsOfDirectory(const QString &path, platform::FolderLink link) const
 {
     if (unreadable.contains(path))
         return {};
-    QStringList names = PosixFileService::contentsOfDirectory(path);
+    QStringList names = PosixFileService::contentsOfDirectory(path, link);
     if (sortsListings)
         names.sort();
     return names;

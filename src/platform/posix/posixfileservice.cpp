@@ -80,10 +80,11 @@ std::optional<bool> PosixFileService::isPackage(const QString &path) const
     return hasBundleExtension(path) || !informationText(*this, path, u"CFBundlePackageType"_s).isEmpty();
 }
 
-QStringList PosixFileService::contentsOfDirectory(const QString &path) const
+QStringList PosixFileService::contentsOfDirectory(const QString &path, FolderLink link) const
 {
     const QByteArray native = nativePath(path);
-    const Folder folder({AT_FDCWD, native.constData()}, Links::follow);
+    const Folder folder({AT_FDCWD, native.constData()},
+                        link == FolderLink::follow ? Links::follow : Links::refuse);
     const auto entries = folder ? folder.entries() : std::nullopt;
     if (!entries)
         return {};

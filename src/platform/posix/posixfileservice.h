@@ -11,7 +11,7 @@ public:
     bool isReadable(const QString &path) const override;
     FileKind kind(const QString &path) const override;
     std::optional<bool> isPackage(const QString &path) const override;
-    QStringList contentsOfDirectory(const QString &path) const override;
+    QStringList contentsOfDirectory(const QString &path, FolderLink link) const override;
     Outcome createDirectory(const QString &path) override;
     Outcome createFile(const QString &path) override;
     Outcome removeItem(const QString &path) override;

@@ -44,7 +44,7 @@ Outcome FolderWorkspace::launchInBackground(const QString &bundleIdentifier)
 
 QString FolderWorkspace::pathForApplication(const QString &bundleIdentifier) const
 {
-    for (const QString &name : m_files.contentsOfDirectory(m_applications)) {
+    for (const QString &name : m_files.contentsOfDirectory(m_applications, FolderLink::follow)) {
         const QString path = m_applications + u'/' + name;
         if (name.endsWith(".app"_L1) && platform::bundleIdentifier(m_files, path) == bundleIdentifier)
             return path;
