@@ -7,6 +7,7 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <filesystem>
 #include <stdexcept>
 
 using namespace Qt::StringLiterals;
@@ -130,7 +131,9 @@ QByteArray fingerprint(const QString &path)
     QCryptographicHash hash(QCryptographicHash::Sha256);
     hash.addData(info.fileName().toUtf8() + '\0');
     if (info.isSymLink()) {
-        hash.addData("link " + info.symLinkTarget().toUtf8());
+        // as it was written, which Qt makes absolute
+        hash.addData(
+            QByteArray::fromStdString("link " + std::filesystem::read_symlink(path.toStdString()).string()));
     } else if (info.isDir()) {
         hash.addData("folder " + QByteArray::number(info.permissions().toInt()));
         const auto names = QDir(path).entryList(
