@@ -43,6 +43,11 @@ FakeTools::FakeTools(const QString &folder)
     answer(u"ditto"_s, {.content = "zip"});
 }
 
+QString FakeTools::answerFolder(const QString &tool, int run) const
+{
+    return m_root + u"/answers/"_s + tool + u'/' + (run == 0 ? u"always"_s : QString::number(run)) + u'/';
+}
+
 void FakeTools::add(const QString &path)
 {
     const QString place = m_root + path;
@@ -51,9 +56,9 @@ void FakeTools::add(const QString &path)
         throw std::runtime_error("cannot link " + place.toStdString());
 }
 
-void FakeTools::release(const QString &tool)
+void FakeTools::release(const QString &tool, int run)
 {
-    QFile::remove(m_root + u"/answers/"_s + tool + u"/always/hang"_s);
+    QFile::remove(answerFolder(tool, run) + u"hang"_s);
 }
 
 void FakeTools::remove(const QString &path)
@@ -68,8 +73,7 @@ void FakeTools::answer(const QString &tool, const ToolAnswer &answer)
 
 void FakeTools::answerRun(const QString &tool, int run, const ToolAnswer &answer)
 {
-    const QString folder =
-        m_root + u"/answers/"_s + tool + u'/' + (run == 0 ? u"always"_s : QString::number(run)) + u'/';
+    const QString folder = answerFolder(tool, run);
     QDir(folder).removeRecursively();
     QDir().mkpath(folder);
     write(folder + u"stdout"_s, answer.output);

@@ -35,8 +35,8 @@ public:
     void answer(const QString &tool, const ToolAnswer &answer);
     /// The answer of the tool's run of that number, counted from 1.
     void answerRun(const QString &tool, int run, const ToolAnswer &answer);
-    /// Lets the runs of the tool go on that hang for its usual answer.
-    void release(const QString &tool);
+    /// Lets the runs of the tool go on that hang for its usual answer, or for that of one run.
+    void release(const QString &tool, int run = 0);
     /// Takes the tool away from the root.
     void remove(const QString &path);
 
@@ -51,5 +51,7 @@ public:
     static QByteArray infoReport(const QString &status, const QString &logFileURL = {});
 
 private:
+    QString answerFolder(const QString &tool, int run) const;
+
     QString m_root;
 };

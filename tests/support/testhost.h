@@ -1,9 +1,9 @@
 #pragma once
 
 #include "app/appdelegate.h"
-#include "platform/posix/posixprocesslauncher.h"
 #include "support/fakehost.h"
 #include "support/faketools.h"
+#include "support/watchedlauncher.h"
 #include "tools/toolroot.h"
 
 #include <QTemporaryDir>
@@ -66,7 +66,7 @@ public:
     FakeUserNotificationCenter userNotifications;
     FakeApplication applicationHost;
     FakeUpdater updater;
-    platform::PosixProcessLauncher launcher;
+    WatchedLauncher launcher;
     AppDelegate::Configuration configuration;
 
 private:
