@@ -26,7 +26,8 @@ function(sealwright_library name)
     target_link_libraries(${name} PRIVATE sealwright_options)
 endfunction()
 
-# sealwright_test(NAME sources...): a GoogleTest program, each of whose tests ctest runs by itself.
+# sealwright_test(NAME sources...): a GoogleTest program, each of whose tests ctest runs by itself. The variable
+# SEALWRIGHT_TEST_LABEL gives them a label.
 function(sealwright_test name)
     add_executable(${name} ${ARGN})
     target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR}/tests)
@@ -35,5 +36,5 @@ function(sealwright_test name)
         TEST_PREFIX "${name}."
         DISCOVERY_TIMEOUT 60
         NO_PRETTY_VALUES
-        PROPERTIES TIMEOUT 120 ENVIRONMENT "QT_QPA_PLATFORM=offscreen")
+        PROPERTIES TIMEOUT 300 LABELS "${SEALWRIGHT_TEST_LABEL}" ENVIRONMENT "QT_QPA_PLATFORM=offscreen")
 endfunction()
