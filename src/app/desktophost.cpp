@@ -28,8 +28,8 @@ DesktopHost::DesktopHost(const QString &applicationFolder)
     , m_workspace(m_toolRoot.applicationsFolder(), m_files, m_launcher)
     , m_appleScript(m_launcher)
     , m_userNotifications(m_mainQueue)
-    , m_windowFactory(m_windowOrder)
-    , m_application(m_windowOrder)
+    , m_windowFactory(m_windowOrder, m_logPrinter)
+    , m_application(m_windowOrder, m_logPrinter)
 {
 }
 

@@ -14,6 +14,7 @@
 #include "platform/qt/settingspreferences.h"
 #include "platform/qt/systemclock.h"
 #include "tools/toolroot.h"
+#include "ui/logprinter.h"
 #include "ui/widgetapplication.h"
 #include "ui/widgetwindow.h"
 #include "ui/windoworder.h"
@@ -45,6 +46,7 @@ private:
     platform::BusDistributedNotifications m_distributedNotifications;
     platform::DesktopNotificationCenter m_userNotifications;
     WindowOrder m_windowOrder;
+    LogPrinter m_logPrinter;
     WidgetWindowFactory m_windowFactory;
     WidgetApplication m_application;
     platform::QtWorkerQueue m_workers; // the last: its jobs use all the others

@@ -24,6 +24,9 @@ public:
     /// Puts a question to the user that holds up the whole application; answers with the number of the
     /// button.
     virtual int runModal(const Alert &alert) = 0;
+    /// Asks for the paper, the orientation and the margins that all logs are printed with from now on. Holds
+    /// up the whole application.
+    virtual void runPageLayout() = 0;
     /// The document windows on screen, front to back; of a tab group the selected one.
     virtual QList<Window *> windowsFrontToBack() const = 0;
 };

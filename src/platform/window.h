@@ -58,6 +58,9 @@ public:
     virtual void beginSheet(const Alert &alert, std::function<void(int)> completion) = 0;
     /// The same with an open panel: the chosen item, or an empty URL when the person cancelled.
     virtual void beginOpenPanel(const OpenPanel &panel, std::function<void(const QUrl &)> completion) = 0;
+    /// Asks how to print the text of the window log, and prints it in the styles that it has on screen.
+    /// Returns at once; nobody is told whether anything was printed.
+    virtual void printLog() = 0;
 
     /// What the owner has to say to a close.
     struct Delegate {

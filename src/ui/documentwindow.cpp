@@ -61,6 +61,11 @@ void DocumentWindow::setStatusWord(const QString &word)
     m_statusWord->setText(word);
 }
 
+void DocumentWindow::printLog(QPagedPaintDevice &paper) const
+{
+    m_log->print(&paper);
+}
+
 void DocumentWindow::addFileMenu()
 {
     QMenu *const file = menuBar()->addMenu(u"&File"_s);
@@ -134,14 +139,13 @@ QWidget *DocumentWindow::makeCancelButton()
 void DocumentWindow::addLog(QBoxLayout &rows)
 {
     const QString label = u"Log"_s;
-    auto *const log =
-        named(new LogView(m_document.statusTextView, centralWidget()), u"statusTextView"_s, label);
-    log->setAcceptDrops(false);
-    log->setMinimumHeight(leastLogLines * log->fontMetrics().lineSpacing());
+    m_log = named(new LogView(m_document.statusTextView, centralWidget()), u"statusTextView"_s, label);
+    m_log->setAcceptDrops(false);
+    m_log->setMinimumHeight(leastLogLines * m_log->fontMetrics().lineSpacing());
     auto *const caption = new QLabel(label, centralWidget());
-    caption->setBuddy(log);
+    caption->setBuddy(m_log);
     rows.addWidget(caption);
-    rows.addWidget(log, 1);
+    rows.addWidget(m_log, 1);
 }
 
 void DocumentWindow::addCommands(QBoxLayout &rows)

@@ -2,9 +2,11 @@
 
 #include <QMainWindow>
 
+class LogView;
 class MainWinController;
 class QBoxLayout;
 class QLabel;
+class QPagedPaintDevice;
 
 /// The widgets of one document, bound to its controls. Knows what the document offers; opening, closing and
 /// sheets are its owner's task.
@@ -15,6 +17,8 @@ public:
     explicit DocumentWindow(MainWinController &document);
 
     void setStatusWord(const QString &word);
+    /// Puts the text of the log on paper, as it looks here.
+    void printLog(QPagedPaintDevice &paper) const;
 
 Q_SIGNALS:
     /// A person wants to close the window. It stays until its owner hides it.
@@ -39,4 +43,5 @@ private:
 
     MainWinController &m_document;
     QLabel *m_statusWord = nullptr;
+    LogView *m_log = nullptr;
 };

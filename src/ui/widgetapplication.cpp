@@ -1,6 +1,7 @@
 #include "ui/widgetapplication.h"
 
 #include "ui/alertbox.h"
+#include "ui/logprinter.h"
 #include "ui/windoworder.h"
 
 #include <QApplication>
@@ -40,7 +41,7 @@ void WidgetApplication::beep()
 
 int WidgetApplication::runModal(const platform::Alert &alert)
 {
-    if (QGuiApplication::platformName() == "offscreen"_L1) {
+    if (alert.buttons.isEmpty() && QGuiApplication::platformName() == "offscreen"_L1) {
         std::fprintf(stderr, "%s\n%s\n", qUtf8Printable(alert.messageText),
                      qUtf8Printable(alert.informativeText));
         m_exitStatus = EXIT_FAILURE;
@@ -49,6 +50,11 @@ int WidgetApplication::runModal(const platform::Alert &alert)
     AlertBox box(alert);
     box.exec();
     return box.answer();
+}
+
+void WidgetApplication::runPageLayout()
+{
+    m_printer.runPageLayout();
 }
 
 QList<platform::Window *> WidgetApplication::windowsFrontToBack() const

@@ -2,14 +2,17 @@
 
 #include "platform/applicationhost.h"
 
+class LogPrinter;
 class WindowOrder;
 
 /// The application as a desktop with widgets shows it. On the `offscreen` platform, where nobody can dismiss
-/// an alert, an application-modal one goes to standard error instead, and the application ends with status 1.
+/// it, an application-modal alert that leaves no choice goes to standard error instead, and the application
+/// ends with status 1.
 class WidgetApplication : public platform::ApplicationHost {
 public:
-    explicit WidgetApplication(const WindowOrder &order)
+    WidgetApplication(const WindowOrder &order, LogPrinter &printer)
         : m_order(order)
+        , m_printer(printer)
     {
     }
 
@@ -22,10 +25,12 @@ public:
     bool isOptionKeyDown() const override;
     void beep() override;
     int runModal(const platform::Alert &alert) override;
+    void runPageLayout() override;
     QList<platform::Window *> windowsFrontToBack() const override;
 
 private:
     const WindowOrder &m_order;
+    LogPrinter &m_printer;
     std::function<void()> m_pendingOpens;
     int m_exitStatus = 0;
 };

@@ -2,13 +2,17 @@
 
 #include "ui/alertbox.h"
 #include "ui/itempanel.h"
+#include "ui/logprinter.h"
 #include "ui/windoworder.h"
 
 #include <QGuiApplication>
 #include <QInputMethod>
+#include <QPrintDialog>
+#include <QPrinter>
 
-WidgetWindow::WidgetWindow(MainWinController &document, WindowOrder &order)
+WidgetWindow::WidgetWindow(MainWinController &document, WindowOrder &order, LogPrinter &printer)
     : m_order(order)
+    , m_printer(printer)
     , m_widget(document)
 {
     QObject::connect(&m_widget, &DocumentWindow::closeRequested, &m_sheets, [this] { performClose(); });
@@ -82,4 +86,15 @@ void WidgetWindow::beginOpenPanel(const platform::OpenPanel &panel,
     auto *const dialog = new ItemPanel(panel, &m_widget);
     m_sheets.begin(dialog,
                    [dialog, completion = std::move(completion)] { completion(dialog->chosenItem()); });
+}
+
+void WidgetWindow::printLog()
+{
+    if (m_isClosed)
+        return;
+    QPrintDialog *const dialog = m_printer.makeDialog(title(), &m_widget);
+    m_sheets.begin(dialog, [this, dialog] {
+        if (dialog->result() == QDialog::Accepted)
+            m_widget.printLog(*dialog->printer());
+    });
 }

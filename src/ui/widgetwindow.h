@@ -4,13 +4,14 @@
 #include "ui/documentwindow.h"
 #include "ui/sheets.h"
 
+class LogPrinter;
 class WindowOrder;
 
 /// A document's window made of widgets. Once closed it stays closed: it takes what a workflow that still runs
 /// puts into it, and shows nothing of it.
 class WidgetWindow : public platform::Window {
 public:
-    WidgetWindow(MainWinController &document, WindowOrder &order);
+    WidgetWindow(MainWinController &document, WindowOrder &order, LogPrinter &printer);
     ~WidgetWindow() override;
 
     QString title() const override { return m_widget.windowTitle(); }
@@ -27,6 +28,7 @@ public:
     void beginSheet(const platform::Alert &alert, std::function<void(int)> completion) override;
     void beginOpenPanel(const platform::OpenPanel &panel,
                         std::function<void(const QUrl &)> completion) override;
+    void printLog() override;
     void setDelegate(Delegate delegate) override { m_delegate = std::move(delegate); }
     QList<platform::Window *> tabbedWindows() const override { return {}; }
 
@@ -34,6 +36,7 @@ public:
 
 private:
     WindowOrder &m_order;
+    LogPrinter &m_printer;
     DocumentWindow m_widget;
     Sheets m_sheets;
     Delegate m_delegate;
@@ -43,15 +46,17 @@ private:
 
 class WidgetWindowFactory : public WindowFactory {
 public:
-    explicit WidgetWindowFactory(WindowOrder &order)
+    WidgetWindowFactory(WindowOrder &order, LogPrinter &printer)
         : m_order(order)
+        , m_printer(printer)
     {
     }
     [[nodiscard]] std::unique_ptr<platform::Window> makeWindow(MainWinController &document) override
     {
-        return std::make_unique<WidgetWindow>(document, m_order);
+        return std::make_unique<WidgetWindow>(document, m_order, m_printer);
     }
 
 private:
     WindowOrder &m_order;
+    LogPrinter &m_printer;
 };

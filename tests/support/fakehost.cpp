@@ -103,18 +103,26 @@ void MemoryPreferences::setValue(const QString &key, const QVariant &value)
 {
     const std::scoped_lock lock(m_mutex);
     m_values.insert(key, value);
+    m_changes.append(key);
 }
 
 void MemoryPreferences::remove(const QString &key)
 {
     const std::scoped_lock lock(m_mutex);
     m_values.remove(key);
+    m_changes.append(key);
 }
 
 QVariantMap MemoryPreferences::stored() const
 {
     const std::scoped_lock lock(m_mutex);
     return m_values;
+}
+
+QStringList MemoryPreferences::takeChanges()
+{
+    const std::scoped_lock lock(m_mutex);
+    return std::exchange(m_changes, {});
 }
 
 QVariant MemoryPreferences::storedValue(const QString &key) const
@@ -271,7 +279,7 @@ void FakeUpdater::setSendsSystemProfile(bool sends)
 int FakeApplication::runModal(const platform::Alert &alert)
 {
     modalAlerts.append(alert);
-    return platform::alertFirstButton;
+    return answerModal ? answerModal() : platform::alertFirstButton;
 }
 
 QList<platform::Window *> FakeApplication::windowsFrontToBack() const
@@ -289,6 +297,12 @@ void FakeWindow::show()
     modesWhenShown.append(tabbingModes.isEmpty() ? platform::TabbingMode::automatic : tabbingModes.last());
     m_application.onScreen.removeAll(this);
     m_application.onScreen.prepend(this);
+}
+
+bool FakeWindow::makeNothingFirstResponder()
+{
+    ++focusesTaken;
+    return !refusesToGiveUpFocus;
 }
 
 void FakeWindow::performClose()

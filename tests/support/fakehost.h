@@ -85,6 +85,8 @@ public:
     void setValue(const QString &key, const QVariant &value) override;
     void remove(const QString &key) override;
     QVariantMap stored() const;
+    /// The keys that were stored or removed since the last call, in order.
+    QStringList takeChanges();
 
 protected:
     QVariant storedValue(const QString &key) const override;
@@ -92,6 +94,7 @@ protected:
 private:
     mutable std::mutex m_mutex;
     QVariantMap m_values;
+    QStringList m_changes;
 };
 
 /// The real file service, with a trash of its own and operations that fail where a test wants it.
@@ -199,6 +202,7 @@ public:
     bool isOptionKeyDown() const override { return optionKey; }
     void beep() override { ++beeps; }
     int runModal(const platform::Alert &alert) override;
+    void runPageLayout() override { ++pageLayouts; }
     QList<platform::Window *> windowsFrontToBack() const override;
 
     int activations = 0;
@@ -206,6 +210,9 @@ public:
     bool optionKey = false;
     int beeps = 0;
     QList<platform::Alert> modalAlerts;
+    std::function<int()>
+        answerModal; ///< called while the alert is up; without it the first button is pressed
+    int pageLayouts = 0;
     QList<FakeWindow *> onScreen; ///< front to back
 };
 
@@ -232,12 +239,13 @@ public:
     void setTabbingMode(platform::TabbingMode mode) override { tabbingModes.append(mode); }
     void show() override;
     void endEditing() override { ++editsEnded; }
-    [[nodiscard]] bool makeNothingFirstResponder() override { return !refusesToGiveUpFocus; }
+    [[nodiscard]] bool makeNothingFirstResponder() override;
     void performClose() override;
     void close() override;
     void beginSheet(const platform::Alert &alert, std::function<void(int)> completion) override;
     void beginOpenPanel(const platform::OpenPanel &panel,
                         std::function<void(const QUrl &)> completion) override;
+    void printLog() override { ++prints; }
     void setDelegate(Delegate delegate) override { m_delegate = std::move(delegate); }
     QList<platform::Window *> tabbedWindows() const override { return tabs; }
 
@@ -249,6 +257,8 @@ public:
     QList<platform::TabbingMode> tabbingModes;
     QList<platform::TabbingMode> modesWhenShown;
     int editsEnded = 0;
+    int focusesTaken = 0;
+    int prints = 0;
     bool refusesToGiveUpFocus = false;
     bool isClosed = false;
     std::optional<Sheet> sheet; ///< that is up now

@@ -2,6 +2,7 @@
 
 #include "windowtest.h"
 
+#include <QAbstractButton>
 #include <QApplication>
 
 using namespace Qt::StringLiterals;
@@ -10,7 +11,7 @@ namespace {
 
 class WidgetApplicationTest : public WindowTest {
 protected:
-    WidgetApplication application{order};
+    WidgetApplication application{order, printer};
 };
 
 } // namespace
@@ -66,6 +67,23 @@ TEST_F(WidgetApplicationTest, pendingOpensAreDeliveredByWhoeverHasThem)
     application.setPendingOpens([&] { ++deliveries; });
     application.deliverPendingOpens();
     EXPECT_EQ(deliveries, 1);
+}
+
+TEST_F(WidgetApplicationTest, aQuestionHoldsUpTheApplicationUntilItIsAnswered)
+{
+    for (const int answer : {0, 1}) {
+        const auto press = [answer] {
+            auto *const box = qobject_cast<AlertBox *>(QApplication::activeModalWidget());
+            ASSERT_TRUE(box);
+            EXPECT_EQ(box->windowModality(), Qt::ApplicationModal);
+            QTest::mouseClick(box->buttons().at(answer), Qt::LeftButton);
+        };
+        QMetaObject::invokeMethod(qApp, press, Qt::QueuedConnection);
+        EXPECT_EQ(application.runModal({u"Really?"_s, u"For good."_s, {u"Do It"_s, u"Cancel"_s}}),
+                  platform::alertFirstButton + answer);
+    }
+    application.terminate();
+    EXPECT_EQ(QApplication::exec(), 0) << "a question is no failure";
 }
 
 TEST_F(WidgetApplicationTest, terminatingEndsTheEventLoopWithStatusZero)

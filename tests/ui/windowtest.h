@@ -2,6 +2,7 @@
 
 #include "support/testhost.h"
 #include "ui/alertbox.h"
+#include "ui/logprinter.h"
 #include "ui/widgetwindow.h"
 #include "ui/windoworder.h"
 
@@ -40,6 +41,7 @@ protected:
     static void until(const std::function<bool()> &condition);
 
     WindowOrder order;
-    WidgetWindowFactory factory{order};
+    LogPrinter printer;
+    WidgetWindowFactory factory{order, printer};
     TestHost host{&factory};
 };
