@@ -1,6 +1,7 @@
 #include "app/appdelegate.h"
 
 #include "app/preferencekeys.h"
+#include "document/documentdefaults.h"
 #include "document/documentextensions.h"
 #include "document/windowfactory.h"
 #include "platform/applicationhost.h"
@@ -200,6 +201,21 @@ void AppDelegate::doCloseAll()
 {
     for (platform::Window *window : scripting().allOrderedWindows())
         window->performClose();
+}
+
+void AppDelegate::doResetDocumentDefaults()
+{
+    changeStatus(status::interacting);
+    m_host.application.beep();
+    const platform::Alert alert{
+        u"Reset Document Defaults"_s,
+        u"Click Reset if you want the values, settings and entitlements used for newly created documents reset to their factory values. The Apple ID, app-specific password, and provider short name will be set to empty values."_s,
+        {u"Reset"_s, u"Cancel"_s}};
+    if (m_host.application.runModal(alert) == platform::alertFirstButton) {
+        for (const DocumentDefault &documentDefault : documentDefaults())
+            m_host.preferences.remove(documentDefault.key);
+    }
+    changeStatus(status::ready);
 }
 
 void AppDelegate::menuNeedsUpdate(AgainItem &doAgainMenuItem) const

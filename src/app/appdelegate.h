@@ -59,6 +59,8 @@ public:
     QString uniqueWindowNameFrom(const QString &base) const;
     void removeWindowController(MainWinController &document);
     void doCloseAll();
+    /// Has the person confirm that new documents are to start in their factory state. Open ones keep theirs.
+    void doResetDocumentDefaults();
 
     /// The item of the File menu that repeats the front document's last action; without an action it is
     /// disabled. The present one stays for an action that it does not know.

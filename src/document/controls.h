@@ -87,6 +87,7 @@ enum class Action {
     doSignAgain,
     doFetchHistory,
     doClearStatus,
+    doSetDocumentDefaults,
 };
 
 class Button : public Control {

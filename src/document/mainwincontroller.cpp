@@ -2,6 +2,7 @@
 
 #include "app/appdelegate.h"
 #include "app/preferencekeys.h"
+#include "document/documentdefaults.h"
 #include "document/documentextensions.h"
 #include "document/windowfactory.h"
 #include "platform/itempath.h"
@@ -92,36 +93,14 @@ void MainWinController::windowDidLoad()
     useDiskImage.set(preferences.boolean(key::createDiskImage));
     useDropDMG.set(preferences.boolean(key::useDropDMGForImages));
     dropDMGConfigsPopup.selectItemWithTitle(preferences.string(key::dropDMGConfigName));
-    restoreCheckboxes();
+    for (const auto &[key, checkbox] : checkboxDefaults())
+        (this->*checkbox).setState(preferences.boolean(key) ? 1 : 0);
     extraEntitlementsButton.setState(0);
     const bool hasOwnRunner = m_appDelegate.altoolVersionNumber() >= firstVersionForOwnRunner;
     if (hasOwnRunner)
         ownTaskRunner.set(m_appDelegate.newTaskMaster());
     chooseProviderButton.setIsEnabled(hasOwnRunner);
     altoolPath.set(m_appDelegate.altoolPath());
-}
-
-void MainWinController::restoreCheckboxes()
-{
-    const std::pair<QString, Checkbox &> defaults[] = {
-        {key::allowAppleEvents, eventsCheckbox},
-        {key::allowCalendars, calendarsCheckbox},
-        {key::allowAudio, audioCheckbox},
-        {key::allowCamera, cameraCheckbox},
-        {key::allowLocation, locationCheckbox},
-        {key::allowPhotos, photosCheckbox},
-        {key::allowAddressBook, addressBookCheckbox},
-        {key::allowFrameworks, disableLibCheckbox},
-        {key::allowJITCode, allowJITCheckbox},
-        {key::allowUnsignedExecMem, allowUnsignedExecMemCheckbox},
-        {key::allowDYLDEnvVariables, allowDYLDEnvCheckbox},
-        {key::disableMemProtection, disableMemProtectionCheckbox},
-        {key::isDebuggingTool, isDebugToolCheckbox},
-        {key::dontClearLogEachTime, dontClearCheckbox},
-        {key::dontSignEnclosures, dontSignEnclosuresCheckbox},
-    };
-    for (const auto &[preference, checkbox] : defaults)
-        checkbox.setState(host().preferences.boolean(preference) ? 1 : 0);
 }
 
 void MainWinController::perform(Action action)
@@ -139,6 +118,8 @@ void MainWinController::perform(Action action)
         return doCancel();
     case Action::doClearStatus:
         return doClearStatus();
+    case Action::doSetDocumentDefaults:
+        return doSetDocumentDefaults();
     case Action::none:
     case Action::doStapleOnly:
     case Action::doStapleAgain:

@@ -97,6 +97,8 @@ public:
     // Window commands. Main thread.
     void doCancel();
     void doClearStatus();
+    /// Has the person confirm that new documents are to start with what this one shows.
+    void doSetDocumentDefaults();
     bool windowShouldClose();
     void windowWillClose();
     /// Ends an edit in progress and gives up the keyboard focus. False when that is refused; the script that
@@ -122,7 +124,6 @@ private:
     explicit MainWinController(AppDelegate &appDelegate);
     void windowDidLoad();
     void bindControls();
-    void restoreCheckboxes();
     QString logLine(const QString &message) const;
     void writeToLogFile(const QString &line);
     void appendToWindowLog(const QString &line, LogStyle style);
