@@ -87,6 +87,10 @@ enum class Action {
     doSignAgain,
     doFetchHistory,
     doClearStatus,
+    doAppPassHelp,
+    doTeamProviderHelp,
+    doExtraEntitlementsHelp,
+    doDropDMGHelp,
     doSetDocumentDefaults,
 };
 

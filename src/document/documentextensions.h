@@ -1,5 +1,6 @@
 #pragma once
 
+#include "document/helpsheets.h"
 #include "notarization/archivesteps.h"
 #include "notarization/credentialcheck.h"
 #include "notarization/pollingsteps.h"
@@ -15,7 +16,8 @@
 /// The workflows of one document, by what they are about. The document owns them; each refers back to it.
 struct DocumentExtensions {
     explicit DocumentExtensions(MainWinController &document)
-        : scanner(document)
+        : help(document)
+        , scanner(document)
         , entitlements(document)
         , signing(document)
         , packages(document)
@@ -29,6 +31,7 @@ struct DocumentExtensions {
     {
     }
 
+    HelpSheets help;
     BundleScanner scanner;
     Entitlements entitlements;
     SigningSteps signing;

@@ -118,6 +118,14 @@ void MainWinController::perform(Action action)
         return doCancel();
     case Action::doClearStatus:
         return doClearStatus();
+    case Action::doAppPassHelp:
+        return steps().help.doAppPassHelp();
+    case Action::doTeamProviderHelp:
+        return steps().help.doTeamProviderHelp();
+    case Action::doExtraEntitlementsHelp:
+        return steps().help.doExtraEntitlementsHelp();
+    case Action::doDropDMGHelp:
+        return steps().help.doDropDMGHelp();
     case Action::doSetDocumentDefaults:
         return doSetDocumentDefaults();
     case Action::none:

@@ -104,6 +104,8 @@ public:
     /// Ends an edit in progress and gives up the keyboard focus. False when that is refused; the script that
     /// waits is then told so by the text.
     [[nodiscard]] bool finishEditing(const QString &blockedText);
+    /// The same without telling anybody.
+    bool giveUpFocus();
     void beginSheet(const platform::Alert &alert, std::function<void(int)> completion);
 
     // Tool runs. Worker thread.

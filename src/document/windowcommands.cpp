@@ -82,8 +82,7 @@ void MainWinController::windowWillClose()
 
 bool MainWinController::finishEditing(const QString &blockedText)
 {
-    window().endEditing();
-    if (window().makeNothingFirstResponder())
+    if (giveUpFocus())
         return true;
     host().application.beep();
     const auto command = currentCommand();
@@ -93,6 +92,12 @@ bool MainWinController::finishEditing(const QString &blockedText)
         command->resumeExecutionWithResult({});
     }
     return false;
+}
+
+bool MainWinController::giveUpFocus()
+{
+    window().endEditing();
+    return window().makeNothingFirstResponder();
 }
 
 void MainWinController::beginSheet(const platform::Alert &alert, std::function<void(int)> completion)

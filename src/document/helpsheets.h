@@ -1,0 +1,27 @@
+#pragma once
+
+#include "document/documentextension.h"
+
+class TextField;
+
+namespace platform {
+struct Alert;
+}
+
+/// The help on what a document's window asks for, as sheets. Main thread.
+class HelpSheets : private DocumentExtension {
+public:
+    explicit HelpSheets(MainWinController &owner)
+        : DocumentExtension(owner)
+    {
+    }
+
+    void doAppPassHelp();
+    void doTeamProviderHelp();
+    void doExtraEntitlementsHelp();
+    void doDropDMGHelp();
+
+private:
+    /// The field has the focus when the sheet has gone.
+    void show(const platform::Alert &alert, TextField &fieldAfterwards);
+};
