@@ -86,12 +86,21 @@ enum class Action {
     doSignOnly,
     doSignAgain,
     doFetchHistory,
+    doInfoForUUIDOnClipboard,
+    doInfoForUUIDOfLastUpload,
+    doInfoForUUIDInFile,
+    doListProviderShortnames,
     doClearStatus,
+    doExtraEntitlements,
     doAppPassHelp,
     doTeamProviderHelp,
     doExtraEntitlementsHelp,
     doDropDMGHelp,
     doSetDocumentDefaults,
+    doPrint,
+    doRunPageLayout,
+    doCloseDocument,
+    doCloseWindow,
 };
 
 class Button : public Control {

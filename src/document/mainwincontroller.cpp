@@ -118,6 +118,8 @@ void MainWinController::perform(Action action)
         return doCancel();
     case Action::doClearStatus:
         return doClearStatus();
+    case Action::doExtraEntitlements:
+        return doExtraEntitlements();
     case Action::doAppPassHelp:
         return steps().help.doAppPassHelp();
     case Action::doTeamProviderHelp:
@@ -128,12 +130,24 @@ void MainWinController::perform(Action action)
         return steps().help.doDropDMGHelp();
     case Action::doSetDocumentDefaults:
         return doSetDocumentDefaults();
+    case Action::doPrint:
+        return doPrint();
+    case Action::doRunPageLayout:
+        return doRunPageLayout();
+    case Action::doCloseDocument:
+        return doCloseDocument(CloseSender::person);
+    case Action::doCloseWindow:
+        return doCloseWindow();
     case Action::none:
     case Action::doStapleOnly:
     case Action::doStapleAgain:
     case Action::doSignOnly:
     case Action::doSignAgain:
     case Action::doFetchHistory:
+    case Action::doInfoForUUIDOnClipboard:
+    case Action::doInfoForUUIDOfLastUpload:
+    case Action::doInfoForUUIDInFile:
+    case Action::doListProviderShortnames:
         return; // no window offers these yet
     }
 }

@@ -19,6 +19,9 @@ inline constexpr QStringView stapling = u"stapling";
 inline constexpr QStringView fetching = u"fetching";
 } // namespace status
 
+/// Who wants a document's window closed.
+enum class CloseSender { person, script };
+
 /// One document: one window, one set of credentials and signing settings, one workflow at a time. The list of
 /// the application keeps it alive while its window is open, and a job that still runs for it keeps it a
 /// little longer. It goes on the main thread, whoever lets go of it last.
@@ -94,11 +97,21 @@ public:
     /// Answers the script command that waits for this workflow, if one does. Any thread.
     void resumeScript(const QVariant &result);
 
-    // Window commands. Main thread.
+    // Window commands. Main thread, but for a script's close.
     void doCancel();
     void doClearStatus();
+    /// Has the person choose the extra entitlements file. Cancelling drops one that was chosen before.
+    void doExtraEntitlements();
     /// Has the person confirm that new documents are to start with what this one shows.
     void doSetDocumentDefaults();
+    void doPrint();
+    void doRunPageLayout();
+    /// Closes this window, as a person would. For a script, from any thread: once its command has ended.
+    void doCloseDocument(CloseSender sender);
+    /// Closes all tabs of this window's tab group. Of a window outside of one, none.
+    void doCloseWindow();
+    /// Whether a menu item with this action is enabled.
+    bool validateMenuItem(Action action) const;
     bool windowShouldClose();
     void windowWillClose();
     /// Ends an edit in progress and gives up the keyboard focus. False when that is refused; the script that

@@ -2,6 +2,7 @@
 
 #include "app/appdelegate.h"
 #include "platform/applicationhost.h"
+#include "scripting/NSApplication+Scripting.h"
 #include "scripting/scriptcommand.h"
 #include "scripting/scripterrors.h"
 
@@ -18,6 +19,27 @@ void invalidate(Property<std::shared_ptr<platform::Timer>> &timer)
 {
     if (const auto armed = timer())
         armed->invalidate();
+}
+
+bool needsIdleDocument(Action action)
+{
+    switch (action) {
+    case Action::doInfoForUUIDOnClipboard:
+    case Action::doInfoForUUIDOfLastUpload:
+    case Action::doInfoForUUIDInFile:
+    case Action::doFetchHistory:
+    case Action::doSubmit:
+    case Action::doStapleOnly:
+    case Action::doSignOnly:
+    case Action::doSubmitAgain:
+    case Action::doStapleAgain:
+    case Action::doSignAgain:
+    case Action::doSetDocumentDefaults:
+    case Action::doListProviderShortnames:
+        return true;
+    default:
+        return false;
+    }
 }
 
 } // namespace
@@ -44,6 +66,58 @@ void MainWinController::doClearStatus()
     statusTextView.clear();
     if (const auto command = currentCommand())
         command->resumeExecutionWithResult({});
+}
+
+void MainWinController::doExtraEntitlements()
+{
+    changeStatus(status::interacting);
+    const platform::OpenPanel panel{
+        .message = u"Choose an entitlements property list file"_s,
+        .allowedFileTypes = {u"plist"_s},
+        .canChooseFiles = true,
+        .canChooseDirectories = false,
+        .shouldEnable = {},
+    };
+    window().beginOpenPanel(panel, [this, held = shared_from_this()](const QUrl &chosen) {
+        extraEntitlementsURL.set(chosen);
+        extraEntitlementsButton.setState(chosen.isEmpty() ? 0 : 1);
+        changeStatus(status::ready);
+    });
+}
+
+void MainWinController::doPrint()
+{
+    window().printLog();
+}
+
+void MainWinController::doRunPageLayout()
+{
+    host().application.runPageLayout();
+}
+
+void MainWinController::doCloseDocument(CloseSender sender)
+{
+    if (sender == CloseSender::person)
+        return window().performClose();
+    dispatchToMain([this] {
+        // An earlier close may have come first.
+        if (m_appDelegate.scripting().windowController(&window()))
+            window().performClose();
+    });
+}
+
+void MainWinController::doCloseWindow()
+{
+    for (platform::Window *tab : window().tabbedWindows())
+        tab->performClose();
+}
+
+bool MainWinController::validateMenuItem(Action action) const
+{
+    if (!needsIdleDocument(action))
+        return true;
+    const bool isDirectSubmit = stapleOnlyButton.action() != Action::doStapleOnly;
+    return !isBusy() && !isDirectSubmit;
 }
 
 bool MainWinController::windowShouldClose()

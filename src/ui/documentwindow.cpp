@@ -81,8 +81,7 @@ void DocumentWindow::addFileMenu()
     file->addAction(u"&Quit"_s, QKeySequence(u"Ctrl+Q"_s), this,
                     [this] { m_document.host().application.terminate(); });
     connect(file, &QMenu::aboutToShow, this, [this, submit, cancel] {
-        const bool isOrdinary = m_document.stapleOnlyButton.action() == Action::doStapleOnly;
-        submit->setEnabled(!m_document.isBusy() && isOrdinary);
+        submit->setEnabled(m_document.validateMenuItem(Action::doSubmit));
         cancel->setEnabled(m_document.canCancel());
     });
 }

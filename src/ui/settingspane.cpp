@@ -128,6 +128,12 @@ QWidget *SettingsPane::makeEntitlements(MainWinController &document)
         grid->addWidget(box, index % entitlementRows, index / entitlementRows);
         ++index;
     }
+    auto *const extra = makeCheckbox(
+        group, document,
+        {&DocumentControls::extraEntitlementsButton, u"extraEntitlementsButton"_s, u"Extra entitlements"_s});
+    connect(extra, &QCheckBox::clicked, &document,
+            [&document] { document.perform(Action::doExtraEntitlements); });
+    grid->addWidget(extra, index % entitlementRows, index / entitlementRows);
     grid->setRowStretch(entitlementRows, 1);
     return group;
 }

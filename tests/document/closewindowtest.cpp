@@ -19,6 +19,16 @@ protected:
     }
 
     bool isOpen() { return !host.application().allControllers().isEmpty(); }
+
+    /// As many documents as the tabs of one window.
+    void openTabs(qsizetype count)
+    {
+        QList<platform::Window *> tabs{&host.window()};
+        while (tabs.size() < count)
+            tabs.append(&host.application().addedDocument()->window());
+        for (const DocumentPtr &tab : host.application().allControllers())
+            host.window(*tab).tabs = tabs;
+    }
 };
 
 struct BusyRow {
@@ -164,4 +174,80 @@ TEST_F(CloseWindow, twiceWhileTheQuestionIsUpAsksAgain)
     host.window().performClose();
     EXPECT_EQ(host.window().sheets.size(), 2);
     EXPECT_TRUE(isOpen());
+}
+
+// The commands
+
+TEST_F(CloseWindow, byAPersonsCommandClosesAtOnce)
+{
+    document().perform(Action::doCloseDocument);
+    EXPECT_FALSE(isOpen());
+}
+
+TEST_F(CloseWindow, byAScriptWaitsUntilItsCommandHasEnded)
+{
+    document().doCloseDocument(CloseSender::script);
+    EXPECT_TRUE(isOpen());
+    host.settle();
+    EXPECT_FALSE(isOpen());
+}
+
+TEST_F(CloseWindow, byAScriptAsksWhileTheDocumentIsBusyAsForAPerson)
+{
+    document().isBusy.set(true);
+    document().doCloseDocument(CloseSender::script);
+    EXPECT_TRUE(host.window().sheets.isEmpty());
+    host.settle();
+    ASSERT_TRUE(host.window().sheet);
+    EXPECT_EQ(host.window().sheet->alert.messageText, u"Continue Closing?"_s);
+    EXPECT_EQ(host.window().sheet->alert.informativeText, u"This window is busy."_s);
+    EXPECT_TRUE(isOpen());
+}
+
+TEST_F(CloseWindow, byAScriptFindsNothingToCloseIfAPersonWasFaster)
+{
+    const DocumentPtr held = host.application().allControllers().first();
+    held->doCloseDocument(CloseSender::script);
+    held->window().performClose();
+    held->isBusy.set(true);
+    host.settle();
+    EXPECT_TRUE(host.window(*held).sheets.isEmpty());
+    EXPECT_EQ(held->statusString(), u"ready"_s);
+}
+
+TEST_F(CloseWindow, ofATabLeavesTheOtherTabs)
+{
+    openTabs(2);
+    document().perform(Action::doCloseDocument);
+    EXPECT_EQ(host.application().allControllers().size(), 1);
+}
+
+TEST_F(CloseWindow, withItsTabsClosesEachInTheirOrderAndEachMayRefuse)
+{
+    openTabs(4);
+    MainWinController &busy = *host.application().allControllers().at(1);
+    busy.isPolling.set(true);
+    QStringList closed;
+    QObject::connect(&host.application(), &AppDelegate::documentRemoved, &host.application(),
+                     [&closed](MainWinController *gone) { closed.append(gone->window().title()); });
+    host.application().allControllers().at(2)->perform(Action::doCloseWindow);
+    EXPECT_EQ(closed, (QStringList{u"Untitled"_s, u"Untitled-3"_s, u"Untitled-4"_s}));
+    ASSERT_TRUE(host.window(busy).sheet);
+    EXPECT_EQ(host.window(busy).sheet->alert.informativeText, u"The app is not yet approved and stapled."_s);
+}
+
+TEST_F(CloseWindow, withItsTabsLeavesOtherWindowsAlone)
+{
+    openTabs(2);
+    const DocumentPtr other = host.application().addedDocument();
+    host.application().allControllers().first()->perform(Action::doCloseWindow);
+    EXPECT_EQ(host.application().allControllers(), QList<DocumentPtr>{other});
+}
+
+TEST_F(CloseWindow, withItsTabsDoesNothingToAWindowWithoutTabs)
+{
+    document().perform(Action::doCloseWindow);
+    EXPECT_TRUE(isOpen());
+    EXPECT_TRUE(host.window().sheets.isEmpty());
+    EXPECT_EQ(document().statusString(), u"ready"_s);
 }

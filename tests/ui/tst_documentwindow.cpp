@@ -246,6 +246,26 @@ TEST_F(DocumentWindowTest, thePasswordHasTheFocusAfterTheSheetThatMissesIt)
     until([&] { return field.hasFocus(); });
 }
 
+TEST_F(DocumentWindowTest, extraEntitlementsAsksForAFileEachTime)
+{
+    items::makeFile(host.item(u"Extra.plist"_s), "<plist/>");
+    auto &box = part<QCheckBox>(u"extraEntitlementsButton"_s);
+    EXPECT_EQ(box.text(), u"Extra entitlements"_s);
+    QTest::keyClick(&box, Qt::Key_Space);
+    auto &panel = part<ItemPanel>({});
+    until([&] { return panel.isActiveWindow(); });
+    auto &name = *panel.findChild<QLineEdit *>(u"fileNameEdit"_s);
+    QTest::keyClicks(&name, host.item(u"Extra.plist"_s));
+    QTest::keyClick(&name, Qt::Key_Return);
+    until([this] { return !document().extraEntitlementsURL().isEmpty(); });
+    EXPECT_TRUE(box.isChecked());
+    until([this] { return !widget().findChild<ItemPanel *>(); });
+    QTest::keyClick(&box, Qt::Key_Space);
+    part<ItemPanel>({}).reject();
+    until([this] { return document().extraEntitlementsURL().isEmpty(); });
+    EXPECT_FALSE(box.isChecked());
+}
+
 TEST_F(DocumentWindowTest, stapleOnlyIsNotOfferedInAnOrdinaryWindow)
 {
     EXPECT_FALSE(part<QPushButton>(u"stapleOnlyButton"_s).isVisible());

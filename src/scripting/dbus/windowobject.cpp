@@ -1,6 +1,4 @@
-#include "app/appdelegate.h"
 #include "document/mainwincontroller.h"
-#include "scripting/NSApplication+Scripting.h"
 #include "scripting/dbus/busnames.h"
 #include "scripting/dbus/busobjects.h"
 #include "scripting/dbus/closewindow.h"
@@ -10,12 +8,7 @@ using namespace Qt::StringLiterals;
 void closeWindow(const BusObject &object, const BusCall &call)
 {
     call.reply();
-    MainWinController &document = *object.document;
-    document.dispatchToMain([&application = object.application, &document] {
-        // An earlier close may have come first.
-        if (application.scripting().windowController(&document.window()))
-            document.window().performClose();
-    });
+    object.document->doCloseDocument(CloseSender::script);
 }
 
 const BusInterface &windowInterface()
