@@ -187,7 +187,7 @@ TEST_F(CloseWindow, byAPersonsCommandClosesAtOnce)
 TEST_F(CloseWindow, byAScriptWaitsUntilItsCommandHasEnded)
 {
     document().doCloseDocument(CloseSender::script);
-    EXPECT_TRUE(isOpen());
+    ASSERT_TRUE(isOpen());
     host.settle();
     EXPECT_FALSE(isOpen());
 }
@@ -247,7 +247,7 @@ TEST_F(CloseWindow, withItsTabsLeavesOtherWindowsAlone)
 TEST_F(CloseWindow, withItsTabsDoesNothingToAWindowWithoutTabs)
 {
     document().perform(Action::doCloseWindow);
-    EXPECT_TRUE(isOpen());
+    ASSERT_TRUE(isOpen());
     EXPECT_TRUE(host.window().sheets.isEmpty());
     EXPECT_EQ(document().statusString(), u"ready"_s);
 }
