@@ -37,6 +37,8 @@ struct DocumentFields {
     Property<QUrl> originalAppletURL;
     /// The last path component of that item, extension included.
     Property<QString> originalFileName;
+    /// The title that the popup of DropDMG's configurations shows, for those who may not ask the popup.
+    Property<QString> dropDMGConfiguration;
     /// Path of the file that is uploaded; null until a workflow sets it.
     Property<QString> submitFilePath;
     /// The extra entitlements file; empty if there is none.

@@ -33,6 +33,12 @@ void bind(Checkbox &checkbox, ObservableProperty<bool> &flag)
     QObject::connect(&flag, &Observable::changed, &checkbox, [&] { checkbox.setState(flag() ? 1 : 0); });
 }
 
+/// Keeps the title at what the popup shows.
+void bind(Popup &popup, Property<QString> &title)
+{
+    QObject::connect(&popup, &Control::changed, &popup, [&] { title.set(popup.titleOfSelectedItem()); });
+}
+
 } // namespace
 
 std::shared_ptr<MainWinController> MainWinController::withLoadedWindow(AppDelegate &appDelegate)
@@ -68,6 +74,7 @@ void MainWinController::bindControls()
 {
     bind(createDiskImageCheckbox, useDiskImage);
     bind(useDropDMGCheckbox, useDropDMG);
+    bind(dropDMGConfigsPopup, dropDMGConfiguration);
     const auto showConfigNames = [this] {
         dropDMGConfigsPopup.setItemTitles(m_appDelegate.dropDMGConfigNames());
     };

@@ -67,12 +67,12 @@ void ArchiveSteps::deleteSignedBundle()
     document.host().files.removeItem(itemPath()).ignore();
 }
 
-bool ArchiveSteps::makeArchiveForUploading(const QString &configuration)
+bool ArchiveSteps::makeArchiveForUploading()
 {
     if (!document.useDiskImage())
         return makeZipArchive();
     if (document.appDelegate().hasDropDMG() && document.useDropDMG())
-        return makeDiskImageWithDropDMG(configuration);
+        return makeDiskImageWithDropDMG();
     return makeDiskImage();
 }
 
@@ -104,11 +104,11 @@ bool ArchiveSteps::makeDiskImage()
     return true;
 }
 
-bool ArchiveSteps::makeDiskImageWithDropDMG(const QString &configuration)
+bool ArchiveSteps::makeDiskImageWithDropDMG()
 {
     document.logBoldString(u"Making disk image..."_s);
-    const auto result =
-        document.host().appleScript.execute(archive::dropDMGSource(itemPath(), configuration));
+    const auto result = document.host().appleScript.execute(
+        archive::dropDMGSource(itemPath(), document.dropDMGConfiguration()));
     deleteSignedBundle();
     if (!result.error.isNull()) {
         document.reportFailureAndRename(diskImageError,

@@ -14,9 +14,10 @@ public:
     {
     }
 
-    /// Makes the archive and sets `submitFilePath`. `configuration` is the one to use if DropDMG makes a disk
-    /// image. False after a failure that has been reported; the signed copy is then gone.
-    [[nodiscard]] bool makeArchiveForUploading(const QString &configuration);
+    /// Makes the archive and sets `submitFilePath`. What kind it makes is what is chosen now, not what was
+    /// chosen when the submission began. False after a failure that has been reported; the signed copy is
+    /// then gone.
+    [[nodiscard]] bool makeArchiveForUploading();
 
     /// The identifier of the first app in the disk image that is the document's item; null if there is none.
     [[nodiscard]] QString primaryBundleID();
@@ -24,7 +25,7 @@ public:
 private:
     bool makeZipArchive();
     bool makeDiskImage();
-    bool makeDiskImageWithDropDMG(const QString &configuration);
+    bool makeDiskImageWithDropDMG();
     void takeDropDMGImage(const QString &image);
     void deleteSignedBundle();
     QString itemPath() const;

@@ -225,7 +225,6 @@ void SubmitWorkflow::submitAsync(const Credentials &credentials, const QString &
         [this,
          submission = Submission{.credentials = credentials,
                                  .identity = identity,
-                                 .dropDMGConfiguration = document.dropDMGConfigsPopup.titleOfSelectedItem(),
                                  .entitlements = *entitlements,
                                  .kind = kind,
                                  .dontSignEnclosures = dontSignEnclosures}] { runChain(submission); });
@@ -285,7 +284,7 @@ bool SubmitWorkflow::prepareBundle(const Submission &submission, QString &identi
         platform::bundleIdentifier(document.host().files, itempath::fromUrl(document.appletURL()));
     if (!own.isEmpty())
         identifier = own;
-    return goesOn(steps.archive.makeArchiveForUploading(submission.dropDMGConfiguration));
+    return goesOn(steps.archive.makeArchiveForUploading());
 }
 
 bool SubmitWorkflow::prepareDiskImage(const Submission &submission, QString &identifier)

@@ -47,7 +47,6 @@ private:
     struct Submission {
         Credentials credentials;
         QString identity;
-        QString dropDMGConfiguration;
         QVariantMap entitlements;
         ItemKind kind;
         bool dontSignEnclosures;

@@ -141,6 +141,17 @@ TEST_F(DocumentState, aCheckboxAndTheFlagThatItShowsAgreeBothWays)
     }
 }
 
+TEST_F(StoredConfiguration, onShowIsWhatTheDocumentHolds)
+{
+    launchWithConfigurations({u"Fancy"_s, u"Plain"_s});
+    MainWinController &document = host.document();
+    EXPECT_EQ(document.dropDMGConfiguration(), u"Fancy"_s);
+    document.dropDMGConfigsPopup.selectItemWithTitle(u"Plain"_s);
+    EXPECT_EQ(document.dropDMGConfiguration(), u"Plain"_s);
+    host.application().dropDMGConfigNames.set({u"New"_s, u"Newer"_s});
+    EXPECT_EQ(document.dropDMGConfiguration(), u"New"_s);
+}
+
 // The open panels' filter
 
 namespace {

@@ -47,7 +47,7 @@ protected:
 
     bool pack()
     {
-        return run([&] { return steps().archive.makeArchiveForUploading(u"Config"_s); });
+        return run([&] { return steps().archive.makeArchiveForUploading(); });
     }
 
     /// The disk image tool makes an image where it is told to.
@@ -181,7 +181,7 @@ TEST_F(ArchiveTest, aCancelEndsTheToolWithoutASecondReport)
 {
     makeCopy(false);
     host.tools.answerRun(u"ditto"_s, 1, {.hangs = true});
-    document().dispatchToWorker([this] { EXPECT_FALSE(steps().archive.makeArchiveForUploading({})); });
+    document().dispatchToWorker([this] { EXPECT_FALSE(steps().archive.makeArchiveForUploading()); });
     host.runUntil([this] { return !host.tools.callsOf(u"ditto"_s).isEmpty(); });
     document().doCancel();
     host.settle();

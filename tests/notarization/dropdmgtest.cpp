@@ -22,7 +22,8 @@ protected:
 
     bool pack(const QString &configuration = u"My Config"_s)
     {
-        return run([&] { return steps().archive.makeArchiveForUploading(configuration); });
+        document().dropDMGConfigsPopup.setItemTitles({configuration});
+        return run([&] { return steps().archive.makeArchiveForUploading(); });
     }
 
     /// DropDMG makes an image at that path.
