@@ -18,8 +18,8 @@ constexpr double longestDelay = 300.0;
 
 QString firstGroup(const QString &pattern, const QString &text)
 {
-    // A report may have the line ends of another system.
-    return QRegularExpression(u"(*ANYCRLF)"_s + pattern).match(text).captured(1);
+    // A line ends at whatever Unicode takes for a line end, not only at that of this system.
+    return QRegularExpression(u"(*ANY)"_s + pattern).match(text).captured(1);
 }
 
 /// Null only for a value that is not there: an empty text of a list may come as a null one.
