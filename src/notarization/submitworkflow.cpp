@@ -153,10 +153,16 @@ bool SubmitWorkflow::checkFields(const QUrl &url)
             u"Installer Identity Not Found"_s,
             u"Packages require a 'Developer ID Installer' certificate that matches the identity you have chosen (%1)."_s
                 .arg(identity));
-    if (!url.isEmpty() && itemKind(path) == ItemKind::other)
-        return refuse(u"Cannot Submit Item"_s,
-                      u"'%1' is not an app, plugin, fmplugin, flat package or disk image."_s.arg(path));
     return true;
+}
+
+bool SubmitWorkflow::checkKind()
+{
+    const QString path = itempath::fromUrl(document.originalAppletURL());
+    if (itemKind(path) != ItemKind::other)
+        return true;
+    return refuse(u"Cannot Submit Item"_s,
+                  u"'%1' is not an app, plugin, fmplugin, flat package or disk image."_s.arg(path));
 }
 
 bool SubmitWorkflow::refuseIncomplete(const QString &title, const QString &text, TextField &field)
@@ -200,6 +206,8 @@ void SubmitWorkflow::chooseItem()
 
 void SubmitWorkflow::startWithOriginal()
 {
+    if (!checkKind())
+        return;
     const QString name = document.originalFileName();
     document.appletNameField.setStringValue(name);
     document.window().setTitle(document.appDelegate().uniqueWindowNameFrom(name));

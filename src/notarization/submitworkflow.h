@@ -54,6 +54,7 @@ private:
 
     void setOriginal(const QUrl &url);
     bool checkFields(const QUrl &url);
+    bool checkKind();
     bool refuse(const QString &title, const QString &text);
     bool refuseIncomplete(const QString &title, const QString &text, class TextField &field);
     void chooseItem();

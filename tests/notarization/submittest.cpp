@@ -152,6 +152,18 @@ TEST_F(Submit, ofAnotherKindOfItemIsRefusedBeforeAnythingIsCopied)
     EXPECT_EQ(host.listing(), (QStringList{u"Foo.app"_s, u"Notes.txt"_s}));
 }
 
+TEST_F(Submit, ofAnotherKindOfItemChosenInThePanelIsRefusedAsWell)
+{
+    items::makeFile(host.item(u"Notes.txt"_s), "text");
+    launched().perform(Action::doSubmit);
+    host.window().choose(itempath::toUrl(host.item(u"Notes.txt"_s))); // a panel may let a name be typed
+    host.settle();
+    expectReport(u"Cannot Submit Item"_s,
+                 u"'%1' is not an app, plugin, fmplugin, flat package or disk image."_s.arg(
+                     host.item(u"Notes.txt"_s)));
+    EXPECT_EQ(host.listing(), (QStringList{u"Foo.app"_s, u"Notes.txt"_s}));
+}
+
 TEST_F(Submit, takesAnAppleIDOfThreeCharactersAndAKeyOfTwo)
 {
     host.preferences.setValue(key::appleIDValue, u"abc"_s);
