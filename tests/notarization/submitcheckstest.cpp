@@ -155,3 +155,48 @@ TEST_F(Submit, doesNotStartWhenTheExtraEntitlementsCannotBeRead)
     EXPECT_FALSE(host.document().isBusy());
     EXPECT_EQ(host.listing(), QStringList{u"Foo.app"_s});
 }
+
+// The beep comes before the report of a missing field and after that of a missing identity.
+
+class SubmitBeep : public Submit {
+protected:
+    /// How many beeps had been heard when the report of the refused item came up.
+    int beepsBeforeTheReport(const QString &name = u"Foo.app"_s)
+    {
+        MainWinController &document = launched();
+        int beeps = -1;
+        const QObject watcher;
+        QObject::connect(&document.statusString, &Observable::changed, &watcher, [&] {
+            if (document.statusString() == status::interacting)
+                beeps = host.applicationHost.beeps;
+        });
+        host.submit(host.item(name));
+        EXPECT_EQ(host.window().sheets.size(), 1);
+        EXPECT_EQ(host.applicationHost.beeps, 1);
+        return beeps;
+    }
+};
+
+TEST_F(SubmitBeep, precedesTheReportOfAMissingAppleID)
+{
+    host.preferences.setValue(key::appleIDValue, u""_s);
+    EXPECT_EQ(beepsBeforeTheReport(), 1);
+}
+
+TEST_F(SubmitBeep, precedesTheReportOfAMissingPasswordKey)
+{
+    host.preferences.setValue(key::appPassValue, u""_s);
+    EXPECT_EQ(beepsBeforeTheReport(), 1);
+}
+
+TEST_F(SubmitBeep, followsTheReportOfMissingIdentities)
+{
+    host.tools.answer(u"security"_s, {.output = "     0 valid identities found\n"});
+    EXPECT_EQ(beepsBeforeTheReport(), 0);
+}
+
+TEST_F(SubmitBeep, followsTheReportOfAMissingInstallerIdentity)
+{
+    items::makeFile(host.item(u"Foo.pkg"_s), "xar!");
+    EXPECT_EQ(beepsBeforeTheReport(u"Foo.pkg"_s), 0);
+}
