@@ -64,3 +64,32 @@ TEST_F(DirectSubmit, confirmedByAPersonSubmitsTheStoredItem)
     host.settle();
     EXPECT_EQ(document.statusString(), u"waiting"_s);
 }
+
+TEST_F(DirectSubmit, confirmedByAPersonIsNoScriptsAndShowsDialogs)
+{
+    MainWinController &document = launched();
+    document.steps().submit.prepareForDirectSubmit(itempath::toUrl(host.item(u"Foo.app"_s)), {});
+    document.isScripted.set(true); // an earlier script's
+    document.suppressDialogs.set(true);
+    document.perform(Action::doDirectSubmit);
+    EXPECT_FALSE(document.isScripted());
+    EXPECT_FALSE(document.suppressDialogs());
+    host.settle();
+}
+
+TEST_F(DirectSubmit, preparedWithAnIdentitySelectsItAndOtherwiseKeepsTheSelection)
+{
+    host.tools.answer(u"security"_s,
+                      {.output = "1) AA \"Developer ID Application: Example Corp (A1B2C3D4E5)\"\n"
+                                 "2) BB \"Developer ID Application: Other Corp (F6G7H8I9J0)\"\n"});
+    MainWinController &document = launched();
+    const QUrl item = itempath::toUrl(host.item(u"Foo.app"_s));
+    const auto identityAfter = [&](const QString &identity) {
+        document.steps().submit.prepareForDirectSubmit(item, identity);
+        return document.identitiesPopup.titleOfSelectedItem();
+    };
+    ASSERT_EQ(identityAfter({}), u"Example Corp (A1B2C3D4E5)"_s);
+    EXPECT_EQ(identityAfter(u"Other Corp (F6G7H8I9J0)"_s), u"Other Corp (F6G7H8I9J0)"_s);
+    EXPECT_EQ(identityAfter({}), u"Other Corp (F6G7H8I9J0)"_s);
+    EXPECT_EQ(identityAfter(u"Gone Corp (K1L2M3N4O5)"_s), u"Other Corp (F6G7H8I9J0)"_s);
+}

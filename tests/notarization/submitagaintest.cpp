@@ -8,7 +8,7 @@ class SubmitAgain : public Submit { };
 
 TEST_F(SubmitAgain, afterAFinishedRunCopiesTheItemBack)
 {
-    host.tools.answerRun(u"altool--notarization-info"_s, 1, {.output = FakeTools::infoReport(u"success"_s)});
+    host.tools.answerRun(infoTool, 1, {.output = FakeTools::infoReport(u"success"_s)});
     const QByteArray original = items::fingerprint(host.item(u"Foo.app"_s));
     launched();
     host.submitToTheEnd(host.item(u"Foo.app"_s));
@@ -40,4 +40,29 @@ TEST_F(SubmitAgain, withTheItemGoneSaysSoAndForgetsTheAction)
     host.window().answerSheet();
     EXPECT_EQ(host.document().lastAction(), quint64(nothingToRepeat));
     EXPECT_EQ(host.document().statusString(), u"ready"_s);
+}
+
+TEST_F(SubmitAgain, withAPutAwayItemThatCannotBeCopiedBackSaysThatItIsGone)
+{
+    host.tools.answerRun(infoTool, 1, {.output = FakeTools::infoReport(u"success"_s)});
+    launched();
+    host.submitToTheEnd(host.item(u"Foo.app"_s));
+    host.window().answerSheet();
+    const QString kept = host.item(u"Foo - Notarized/Foo - Unmodified Original/Foo.app"_s);
+    const QByteArray original = items::fingerprint(kept);
+    host.files.failure = [this](const QString &operation, const QString &path) {
+        return operation == "copyItem"_L1 && path == host.item(u"Foo.app"_s) ? u"disk full"_s : QString();
+    };
+    host.tools.forgetCalls();
+    host.document().perform(Action::doSubmitAgain);
+    ASSERT_TRUE(host.window().sheet);
+    EXPECT_EQ(host.window().sheet->alert.messageText, u"File Not Found"_s);
+    EXPECT_EQ(host.window().sheet->alert.informativeText,
+              u"The file:\n\n‘%1’\n\nhas been moved or deleted."_s.arg(host.item(u"Foo.app"_s)));
+    host.window().answerSheet();
+    host.settle();
+    EXPECT_EQ(host.document().lastAction(), quint64(nothingToRepeat));
+    EXPECT_EQ(host.document().statusString(), u"ready"_s);
+    EXPECT_TRUE(host.tools.calls().isEmpty());
+    EXPECT_EQ(items::fingerprint(kept), original);
 }

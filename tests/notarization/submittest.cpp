@@ -3,6 +3,7 @@
 #include "notarization/submittest.h"
 
 #include "app/preferencekeys.h"
+#include "scripting/scriptcommand.h"
 
 #include <QRegularExpression>
 
@@ -91,12 +92,39 @@ TEST_F(Submit, byThePanelGoesOnWithTheChosenItem)
 TEST_F(Submit, byThePanelCancelledLeavesTheDocumentIdle)
 {
     MainWinController &document = launched();
+    document.progressIndicator.startAnimation();
     document.perform(Action::doSubmit);
     host.window().choose({});
     EXPECT_EQ(document.statusString(), u"ready"_s);
     EXPECT_FALSE(document.isBusy());
     EXPECT_FALSE(document.isSubmitting());
     EXPECT_FALSE(document.progressIndicator.isAnimating());
+}
+
+TEST_F(Submit, byThePanelOffersNoOtherCancelThanBeforeUntilAnItemIsChosen)
+{
+    MainWinController &document = launched();
+    for (const bool canCancel : {true, false}) {
+        document.canCancel.set(canCancel);
+        document.perform(Action::doSubmit);
+        EXPECT_EQ(document.canCancel(), canCancel);
+        host.window().choose({});
+        EXPECT_EQ(document.canCancel(), canCancel);
+    }
+    document.perform(Action::doSubmit);
+    host.window().choose(itempath::toUrl(host.item(u"Foo.app"_s)));
+    EXPECT_TRUE(document.canCancel());
+    host.settle();
+}
+
+TEST_F(Submit, byAPersonIsNoScriptsAndShowsDialogs)
+{
+    MainWinController &document = launched();
+    document.isScripted.set(true); // an earlier script's
+    document.suppressDialogs.set(true);
+    document.perform(Action::doSubmit);
+    EXPECT_FALSE(document.isScripted());
+    EXPECT_FALSE(document.suppressDialogs());
 }
 
 TEST_F(Submit, clearsTheWindowLogUnlessItIsToBeKept)
@@ -266,6 +294,30 @@ TEST_F(Submit, isNotCancellableWhileTheUploadRuns)
     document.uploadTaskRunner()->terminateTaskFor(document.uniqueID);
     host.settle();
     EXPECT_EQ(host.window().sheets.first().messageText, u"Error Uploading File"_s);
+}
+
+TEST_F(Submit, staysNotCancellableAfterAFailedUpload)
+{
+    host.tools.answer(uploadTool, {.status = 1, .error = "refused"});
+    launched();
+    host.submit(host.item(u"Foo.app"_s));
+    EXPECT_EQ(host.window().sheets.first().messageText, u"Error Uploading File"_s);
+    EXPECT_FALSE(host.document().canCancel());
+}
+
+TEST_F(Submit, staysNotCancellableWhereAScriptSkipsTheWait)
+{
+    MainWinController &document = launched();
+    std::optional<ScriptReply> reply;
+    document.currentCommand.set(
+        std::make_shared<ScriptCommand>(QVariantMap{{argument::skippingStapling, true}},
+                                        [&reply](const ScriptReply &answer) { reply = answer; }));
+    document.steps().submit.scriptedSubmit(itempath::toUrl(host.item(u"Foo.app"_s)));
+    host.settle();
+    ASSERT_TRUE(reply);
+    EXPECT_FALSE(reply->isError());
+    EXPECT_EQ(host.listing(), (QStringList{u"Foo - Submitted"_s, u"Foo.app"_s}));
+    EXPECT_FALSE(document.canCancel());
 }
 
 TEST_F(Submit, keepsTheTitleUniqueAgainstItself)
