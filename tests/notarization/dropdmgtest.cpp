@@ -114,6 +114,21 @@ TEST_F(DropDMGTest, aQuoteInTheConfigurationsNameStandsAsItIsAndBreaksTheScript)
     expectFailure(u"Error creating disk image with DropDMG: Expected end of line (-2741)"_s);
 }
 
+TEST_F(DropDMGTest, isAskedForTheConfigurationThatIsOnShowWhenTheArchiveIsMade)
+{
+    document().dropDMGConfigsPopup.setItemTitles({u"Fancy"_s, u"Plain"_s});
+    answerWith(host.item(u"Desktop/Nice Image.dmg"_s));
+    host.tools.answerRun(u"codesign"_s, 1, {.hangs = true});
+    steps().submit.submitURL(itempath::toUrl(host.item(u"My App.app"_s)));
+    host.runUntil([this] { return !host.tools.callsOf(u"codesign"_s).isEmpty(); });
+    document().dropDMGConfigsPopup.selectItemWithTitle(u"Plain"_s);
+    host.tools.release(u"codesign"_s, 1);
+    host.settle();
+    ASSERT_EQ(host.appleScript.sources.size(), 1);
+    EXPECT_TRUE(host.appleScript.sources.first().contains(u"configuration name \"Plain\"\n"_s));
+    EXPECT_EQ(host.listing(u"My App - Submitted"_s).filter(u".dmg"_s), QStringList{u"Nice Image.dmg"_s});
+}
+
 TEST(DropDMGSource, aQuoteInThePathStandsAsItIs)
 {
     EXPECT_TRUE(archive::dropDMGSource(u"/w/24\" %2.app"_s, u"c"_s)
