@@ -75,6 +75,25 @@ TEST_F(PollingCancel, aCancelAfterASuccessGoesOnToStapling)
     EXPECT_EQ(host.listing(), QStringList{u"Foo - Notarized"_s});
 }
 
+TEST_F(PollingCancel, aCancelWhileStaplingOnASharedRunnerLetsTheStaplerRunToItsEnd)
+{
+    host.tools.answer(u"altool-h"_s, {.output = "Copyright (c) 2019, Apple Inc. Version 3.1.2\n"});
+    host.tools.answer(infoTool, success());
+    host.tools.answer(u"stapler"_s, {.hangs = true});
+    wait();
+    pollUpTo(u"stapler"_s);
+    host.document().doCancel();
+    EXPECT_TRUE(host.document().taskRunner()->currentTask());
+    host.tools.release(u"stapler"_s);
+    host.settle();
+    EXPECT_EQ(host.listing(), QStringList{u"Foo - Notarized"_s});
+    ASSERT_EQ(host.window().sheets.size(), 2);
+    EXPECT_EQ(host.window().sheets.first().informativeText,
+              u"Uploading of the app may not have been completed."_s);
+    EXPECT_EQ(host.window().sheets.last().messageText, u"Stapling Successful"_s);
+    EXPECT_TRUE(host.document().cancelPressed()); // no report came to swallow
+}
+
 TEST_F(PollingCancel, closingTheWindowThroughItsSheetEndsTheWaitWithoutAWord)
 {
     wait();

@@ -51,7 +51,7 @@ TEST_F(PollingFailure, theFourthOrdinaryFailureEndsTheWaitHoweverManyGoodReplies
     EXPECT_TRUE(host.listing(u"Foo - Submitted"_s).contains(u"RequestUUID.txt"_s));
 }
 
-TEST_F(PollingFailure, aKilledOrSkippedQueryCountsAsAnOrdinaryFailure)
+TEST_F(PollingFailure, aKilledQueryCountsAsAnOrdinaryFailure)
 {
     host.tools.answerRun(infoTool, 1, {.signal = 15});
     wait();
@@ -59,9 +59,31 @@ TEST_F(PollingFailure, aKilledOrSkippedQueryCountsAsAnOrdinaryFailure)
     EXPECT_EQ(host.document().infoFailureCount(), 1u);
 }
 
+TEST_F(PollingFailure, aQueryThatTheSharedRunnerSkipsCountsAsAnOrdinaryFailure)
+{
+    host.tools.answer(u"altool-h"_s, {.output = "Copyright (c) 2019, Apple Inc. Version 3.1.2\n"});
+    wait();
+    MainWinController &document = host.document();
+    host.tools.answer(u"xattr"_s, {.hangs = true});
+    host.tools.forgetCalls();
+    const DocumentPtr other = host.application().addedDocument();
+    other->dispatchToWorker([&other] { EXPECT_EQ(other->runTool(u"/usr/bin/xattr"_s, {})->status(), 0); });
+    host.runUntil([this] { return !host.tools.callsOf(u"xattr"_s).isEmpty(); });
+    ASSERT_TRUE(document.taskRunner()->terminateTaskFor(document.uniqueID)); // it is the other one's tool
+    host.tools.release(u"xattr"_s);
+    host.settle();
+
+    EXPECT_EQ(poll(), 15.0);
+    EXPECT_TRUE(host.tools.callsOf(infoTool).isEmpty());
+    EXPECT_EQ(document.infoFailureCount(), 1u);
+    EXPECT_EQ(fileLines(u"Foo - Submitted"_s, u"Error 1001 fetching info. Will try again shortly."_s).size(),
+              1);
+    EXPECT_EQ(poll(), 30.0);
+}
+
 namespace {
 
-QString servers239Text(int minutes)
+QString servers239Text(quint64 minutes)
 {
     return u"Apple's servers are responding incorrectly, claiming they don't recognize the UUID they have provided. Typically they correct themselves in time, but it can take a while — potentially several hours. Sealwright will keep polling for about %1 more minutes."_s
         .arg(minutes);
@@ -74,7 +96,7 @@ TEST_F(PollingFailure, status239CountsMinutesDownAndWaits30And30AndThen60Seconds
     host.tools.answer(infoTool, {.status = 239, .error = "unknown"});
     wait();
     const double delays[] = {30.0, 30.0, 60.0, 60.0};
-    for (int failure = 0; failure < 4; ++failure) {
+    for (unsigned failure = 0; failure < 4; ++failure) {
         EXPECT_EQ(poll(), delays[failure]);
         const QStringList bold = host.log(LogStyle::bold);
         EXPECT_EQ(bold.at(bold.size() - 2), servers239Text(1000 - failure));
@@ -107,8 +129,21 @@ TEST_F(PollingFailure, aNegative239LimitNeverEndsTheWait)
     host.preferences.setValue(key::prefRetryLimitFor239Failure, -1);
     host.tools.answer(infoTool, {.status = 239});
     wait();
-    for (int failure = 0; failure < 5; ++failure)
+    for (quint64 failure = 0; failure < 5; ++failure) {
         EXPECT_GT(poll(), 0);
+        EXPECT_TRUE(host.log(LogStyle::bold).contains(servers239Text(18446744073709551615u - failure)));
+    }
+}
+
+TEST_F(PollingFailure, aFailure239ThatPrintsNothingHasALineOfItsOwn)
+{
+    host.tools.answerRun(infoTool, 1, {.status = 239});
+    wait();
+    EXPECT_EQ(poll(), 30.0);
+    EXPECT_EQ(
+        fileLines(u"Foo - Submitted"_s, u"Error 239 fetching info. Will try again in 30.000000 seconds."_s)
+            .size(),
+        1);
 }
 
 TEST_F(PollingFailure, the239LimitIsReadAfreshAtEachFailure)

@@ -31,6 +31,15 @@ INSTANTIATE_TEST_SUITE_P(
                     LineEndRow{"paragraphSeparator", QString(QChar(QChar::ParagraphSeparator))}),
     [](const auto &row) { return row.param.name; });
 
+TEST(IssuesSummary, ofAnythingButAnArrayIsNone)
+{
+    EXPECT_FALSE(issuesSummary(R"({"issues": "one: unsigned"})"));
+    EXPECT_FALSE(issuesSummary(R"({"issues": {"message": "unsigned"}})"));
+    EXPECT_FALSE(issuesSummary(R"({"status": "Accepted"})"));
+    EXPECT_FALSE(issuesSummary(R"([{"message": "unsigned"}])"));
+    EXPECT_TRUE(issuesSummary(R"({"issues": [{"message": "unsigned"}]})"));
+}
+
 TEST(Verdict, ofTwoStatusLinesIsTheFirst)
 {
     EXPECT_EQ(verdict(u"Status: success\nStatus: invalid\n"_s), u"success"_s);

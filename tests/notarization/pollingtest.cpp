@@ -25,8 +25,11 @@ double Polling::poll()
     host.timers.fireNext();
     host.settle();
     const auto armed = host.timers.armed();
-    EXPECT_LE(armed.size(), 1);
-    return armed.isEmpty() ? -1 : armed.first().interval;
+    if (armed.isEmpty())
+        return -1;
+    EXPECT_EQ(armed.size(), 1);
+    EXPECT_EQ(armed.first().tolerance, 10.0);
+    return armed.first().interval;
 }
 
 void Polling::pollUpTo(const QString &tool, int run)
@@ -122,6 +125,20 @@ TEST_F(Polling, anotherVerdictDeletesTheItemAndShowsTheServicesLog)
     EXPECT_FALSE(host.listing(u"Foo - Failed"_s).contains(u"Foo.app"_s));
 }
 
+TEST_F(Polling, anotherVerdictDeletesAnArchiveThatWasLeftAfterTheUpload)
+{
+    host.tools.answer(infoTool, reply(FakeTools::infoReport(u"invalid"_s)));
+    host.files.failure = [](const QString &operation, const QString &path) {
+        return operation == "removeItem"_L1 && path.endsWith(u"Foo.zip"_s) ? u"busy"_s : QString();
+    };
+    wait();
+    ASSERT_TRUE(host.listing(u"Foo - Submitted"_s).contains(u"Foo.zip"_s));
+    host.files.failure = nullptr;
+    EXPECT_EQ(poll(), -1);
+    EXPECT_EQ(host.listing(u"Foo - Failed"_s),
+              (QStringList{u"Entitlements.plist"_s, u"RequestUUID.txt"_s, u"Submission Log.txt"_s}));
+}
+
 TEST_F(Polling, anotherVerdictWithoutAReadableLogShowsTheReportAlone)
 {
     const QByteArray report = FakeTools::infoReport(u"invalid"_s, u"https://example.com/gone.json"_s);
@@ -160,9 +177,8 @@ TEST_F(Polling, theStatusAndTheFlagsFollowTheVerdict)
     host.tools.answerRun(infoTool, 1, success());
     host.tools.answer(u"stapler"_s, {.hangs = true});
     wait();
-    host.timers.fireNext();
+    pollUpTo(u"stapler"_s);
     EXPECT_EQ(host.document().staplingTimer(), nullptr);
-    host.runUntil([this] { return !host.tools.callsOf(u"stapler"_s).isEmpty() && host.mainQueue.isEmpty(); });
     EXPECT_EQ(host.document().statusString(), u"stapling"_s);
     EXPECT_FALSE(host.document().isPolling());
     EXPECT_TRUE(host.document().isBusy());
@@ -183,4 +199,14 @@ TEST_F(Polling, theOneNotificationGoesOutWhenStaplingBegins)
     EXPECT_EQ(notification.informativeText, u"Now stapling the submission"_s);
     EXPECT_EQ(notification.userInfo, (QVariantMap{{u"userInfoShowWhenActiveKey"_s, false}}));
     EXPECT_FALSE(host.userNotifications.shouldPresent(notification));
+}
+
+TEST_F(Polling, theNotificationGoesOutWhereDialogsAreSuppressed)
+{
+    host.tools.answer(infoTool, success());
+    wait();
+    host.document().suppressDialogs.set(true);
+    poll();
+    EXPECT_EQ(host.userNotifications.delivered.size(), 1);
+    EXPECT_TRUE(host.window().sheets.isEmpty());
 }
