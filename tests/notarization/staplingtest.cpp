@@ -67,6 +67,20 @@ TEST_F(Stapling, runsTheStaplerThroughXcrunOnTheSubmittedItem)
         QList<QStringList>({{u"stapler"_s, u"staple"_s, u"-v"_s, host.item(u"Foo - Submitted/Foo.app"_s)}}));
 }
 
+TEST_F(Stapling, runsXcrunEvenWhereTheNotaryToolLiesElsewhere)
+{
+    const QString tool = u"/Applications/Transporter.app/Contents/itms/bin/altool"_s;
+    host.tools.add(tool);
+    host.launch();
+    host.document().altoolPath.set(tool);
+    host.submit(host.item(u"Foo.app"_s));
+    QStringList paths;
+    host.launcher.beforeRun = [&paths](const QString &path) { paths.append(path); };
+    host.firePolls();
+    EXPECT_EQ(paths, (QStringList{tool, u"/usr/bin/xcrun"_s}));
+    EXPECT_EQ(host.tools.order().last(), u"stapler"_s);
+}
+
 TEST_F(Stapling, ofASubmissionPutsTheUntouchedItemAway)
 {
     submit();
@@ -138,6 +152,52 @@ TEST_F(Stapling, thatCannotMakeTheOriginalsFolderStillSaysSuccess)
     EXPECT_EQ(host.window().sheet->alert.messageText, u"Stapling Successful"_s);
 }
 
+TEST_F(Stapling, thatCannotRenameTheFolderStillSaysSuccess)
+{
+    host.files.failure = [this](const QString &operation, const QString &path) {
+        return operation == "moveItem"_L1 && path == host.item(u"Foo - Notarized"_s) ? u"locked"_s
+                                                                                     : QString();
+    };
+    submit();
+    EXPECT_EQ(host.listing(), QStringList{u"Foo - Submitted"_s});
+    EXPECT_EQ(items::fingerprint(host.item(u"Foo - Submitted/Foo - Unmodified Original/Foo.app"_s)),
+              original);
+    ASSERT_EQ(host.window().sheets.size(), 1);
+    EXPECT_EQ(host.window().sheets.first().messageText, u"Stapling Successful"_s);
+    EXPECT_TRUE(host.log(LogStyle::error).isEmpty());
+}
+
+class StaplingEnd : public Stapling, public testing::WithParamInterface<bool> { };
+
+TEST_P(StaplingEnd, clearsAllFlagsAndStopsTheSpinner)
+{
+    host.tools.answer(u"stapler"_s, {.hangs = true});
+    host.launch();
+    host.submit(host.item(u"Foo.app"_s));
+    host.timers.fireNext();
+    host.runUntil([this] { return !host.tools.callsOf(u"stapler"_s).isEmpty() && host.mainQueue.isEmpty(); });
+    MainWinController &document = host.document();
+    const std::initializer_list<Property<bool> *> flags{&document.isBusy, &document.isSubmitting,
+                                                        &document.isPolling, &document.isScripted};
+    for (Property<bool> *flag : flags)
+        flag->set(true);
+    document.canCancel.set(true);
+    document.suppressDialogs.set(GetParam());
+    EXPECT_TRUE(document.progressIndicator.isAnimating());
+    host.tools.release(u"stapler"_s);
+    host.settle();
+    EXPECT_EQ(host.window().sheet.has_value(), !GetParam());
+    EXPECT_EQ(document.statusString(), GetParam() ? u"ready"_s : u"interacting"_s);
+    for (const Property<bool> *flag : flags)
+        EXPECT_FALSE((*flag)());
+    EXPECT_FALSE(document.canCancel());
+    EXPECT_FALSE(document.suppressDialogs());
+    EXPECT_FALSE(document.progressIndicator.isAnimating());
+}
+
+INSTANTIATE_TEST_SUITE_P(Ends, StaplingEnd, testing::Bool(),
+                         [](const auto &row) { return std::string(row.param ? "silently" : "withADialog"); });
+
 TEST_F(Stapling, byAScriptAnswersWithTheItem)
 {
     submitByScript();
@@ -186,7 +246,14 @@ TEST_F(Stapling, okSelectsNothing)
 
 TEST_F(Stapling, closesTheLogFileBeforeTheRenameAndASecondRunOpensANewOne)
 {
+    std::optional<bool> isOpenAtTheRename;
+    host.files.failure = [&](const QString &operation, const QString &path) {
+        if (operation == "moveItem"_L1 && path == host.item(u"Foo - Notarized"_s))
+            isOpenAtTheRename = host.document().logHandle() != nullptr;
+        return QString();
+    };
     submit();
+    EXPECT_EQ(isOpenAtTheRename, false);
     EXPECT_EQ(host.document().logHandle(), nullptr);
     EXPECT_FALSE(host.text(u"Foo - Notarized/Submission Log.txt"_s).isEmpty());
     host.window().answerSheet();
@@ -199,7 +266,10 @@ TEST_F(Stapling, closesTheLogFileBeforeTheRenameAndASecondRunOpensANewOne)
 TEST_F(Stapling, writesTheStaplersReportToTheOpenLogFile)
 {
     host.tools.answer(u"stapler"_s, {.output = "The staple and validate action worked!"});
-    submit();
+    host.launch();
+    host.submit(host.item(u"Foo.app"_s));
+    host.document().loggingToFile.set(false); // the file stays open, and that is what counts
+    host.firePolls();
     EXPECT_TRUE(
         host.text(u"Foo - Notarized/Submission Log.txt"_s)
             .contains(u"Termination status: 0\nStandardOut: The staple and validate action worked!"_s));
@@ -228,6 +298,15 @@ TEST_F(Stapling, thatFailsSilentlyHasALineOfItsOwn)
     host.tools.answer(u"stapler"_s, {.status = 65});
     submit();
     EXPECT_TRUE(QRegularExpression(u"^Error \\d+ running stapler\\.$"_s)
+                    .match(host.log(LogStyle::error).value(0))
+                    .hasMatch());
+}
+
+TEST_F(Stapling, thatFailsWithOutputOnlyShowsItBelowThatLine)
+{
+    host.tools.answer(u"stapler"_s, {.status = 65, .output = "out"});
+    submit();
+    EXPECT_TRUE(QRegularExpression(u"^Error \\d+ running stapler\\.\nout$"_s)
                     .match(host.log(LogStyle::error).value(0))
                     .hasMatch());
 }
