@@ -1,11 +1,11 @@
 #include "formats/zipwriter.h"
 
+#include "support/openfile.h"
 #include "support/wholefile.h"
 
 #include <archive.h>
 #include <archive_entry.h>
 
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -19,25 +19,6 @@ namespace fs = std::filesystem;
 namespace toolchain {
 
 namespace {
-
-class OpenFile {
-public:
-    explicit OpenFile(const fs::path &path)
-        : m_descriptor(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW))
-    {
-    }
-    OpenFile(const OpenFile &) = delete;
-    OpenFile &operator=(const OpenFile &) = delete;
-    ~OpenFile()
-    {
-        if (m_descriptor >= 0)
-            close(m_descriptor);
-    }
-    [[nodiscard]] int descriptor() const { return m_descriptor; }
-
-private:
-    const int m_descriptor;
-};
 
 class ZipWriter {
 public:

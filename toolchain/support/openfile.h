@@ -1,0 +1,27 @@
+#pragma once
+
+#include <filesystem>
+
+namespace toolchain {
+
+enum class LastLink {
+    Refused, ///< a symbolic link is not opened
+    Followed
+};
+
+/// A file that is open for reading as long as this lives.
+class OpenFile {
+public:
+    explicit OpenFile(const std::filesystem::path &path, LastLink link = LastLink::Refused);
+    ~OpenFile();
+    OpenFile(const OpenFile &) = delete;
+    OpenFile &operator=(const OpenFile &) = delete;
+
+    /// Below 0, with errno telling why, if the file could not be opened.
+    [[nodiscard]] int descriptor() const { return m_descriptor; }
+
+private:
+    const int m_descriptor;
+};
+
+} // namespace toolchain
