@@ -1,0 +1,161 @@
+#include "formats/hfsplus/hfsplusrecords.h"
+
+#include "formats/bigendian.h"
+#include "formats/hfsplus/hfsplusformat.h"
+#include "formats/hfsplus/hfsplusnames.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace toolchain::hfsplus {
+
+namespace {
+
+/// The user and the group that macOS takes for whoever looks at the volume.
+constexpr quint32 unknownOwner = 99;
+constexpr quint16 threadExists = 2;
+
+quint32 dateOf(qint64 secondsSince1970)
+{
+    return quint32(
+        std::clamp<qint64>(secondsSince1970 + secondsBefore1970, 0, std::numeric_limits<quint32>::max()));
+}
+
+QByteArray nameBytes(const QString &name)
+{
+    BigEndianBytes bytes;
+    bytes.u16(quint16(name.size()));
+    for (const QChar unit : name)
+        bytes.u16(unit.unicode());
+    return bytes.bytes();
+}
+
+QByteArray keyOf(quint32 folder, const QString &name)
+{
+    const QByteArray key = BigEndianBytes().u32(folder).raw(nameBytes(name)).bytes();
+    return BigEndianBytes().u16(quint16(key.size())).raw(key).bytes();
+}
+
+QByteArray forkBytes(const Fork &fork, quint32 clumpSize = 0)
+{
+    BigEndianBytes bytes;
+    bytes.u64(fork.size).u32(clumpSize).u32(fork.blockCount).u32(fork.blockCount > 0 ? fork.firstBlock : 0);
+    return bytes.u32(fork.blockCount).zeros(forkSize - 24).bytes();
+}
+
+/// What the records of files and folders have in common from the dates to the permissions.
+QByteArray datesAndPermissions(const struct stat &status)
+{
+    const quint32 modified = dateOf(status.st_mtim.tv_sec);
+    BigEndianBytes bytes;
+    bytes.u32(modified)
+        .u32(modified)
+        .u32(dateOf(status.st_ctim.tv_sec))
+        .u32(dateOf(status.st_atim.tv_sec))
+        .u32(0);
+    bytes.u32(unknownOwner).u32(unknownOwner).zeros(2).u16(quint16(status.st_mode)).u32(1);
+    return bytes.bytes();
+}
+
+QByteArray folderBytes(const SourceItem &item, quint32 number)
+{
+    return BigEndianBytes()
+        .u16(folderRecord)
+        .zeros(2)
+        .u32(item.entryCount)
+        .u32(number)
+        .raw(datesAndPermissions(item.status))
+        .zeros(40)
+        .bytes();
+}
+
+QByteArray fileBytes(const SourceItem &item, quint32 number)
+{
+    const QByteArray finderType = item.isLink() ? QByteArray("slnkrhap") : QByteArray(8, '\0');
+    return BigEndianBytes()
+        .u16(fileRecord)
+        .u16(threadExists)
+        .zeros(4)
+        .u32(number)
+        .raw(datesAndPermissions(item.status))
+        .raw(finderType)
+        .zeros(32)
+        .raw(forkBytes({item.size(), item.firstBlock, item.blockCount}))
+        .raw(forkBytes({}))
+        .bytes();
+}
+
+QByteArray threadBytes(const SourceItem &item, quint32 folder)
+{
+    const quint16 kind = item.isFolder() ? folderThread : fileThread;
+    return BigEndianBytes().u16(kind).zeros(2).u32(folder).raw(nameBytes(item.storedName)).bytes();
+}
+
+/// A record with what it is ordered by.
+struct OrderedRecord {
+    quint32 folder = 0;
+    std::u16string name;
+    std::size_t place = 0;
+    TreeRecord record;
+};
+
+bool comesBefore(const OrderedRecord &a, const OrderedRecord &b)
+{
+    return a.folder != b.folder ? a.folder < b.folder : a.name < b.name;
+}
+
+std::vector<OrderedRecord> orderedRecords(const std::vector<SourceItem> &items)
+{
+    std::vector<OrderedRecord> records;
+    records.reserve(items.size() * 2);
+    for (std::size_t place = 0; place < items.size(); ++place) {
+        const SourceItem &item = items[place];
+        const quint32 number = catalogNumber(place);
+        const quint32 folder = place == 0 ? rootParent : catalogNumber(item.folder);
+        const QByteArray data = item.isFolder() ? folderBytes(item, number) : fileBytes(item, number);
+        records.push_back(
+            {folder, foldedName(item.storedName), place, {keyOf(folder, item.storedName), data}});
+        records.push_back({number, {}, place, {keyOf(number, {}), threadBytes(item, folder)}});
+    }
+    std::sort(records.begin(), records.end(), comesBefore);
+    return records;
+}
+
+} // namespace
+
+quint32 catalogNumber(std::size_t place)
+{
+    return place == 0 ? rootFolder : firstUserItem + quint32(place) - 1;
+}
+
+std::string catalogRecords(const std::vector<SourceItem> &items, std::vector<TreeRecord> &records)
+{
+    auto ordered = orderedRecords(items);
+    for (std::size_t index = 0; index < ordered.size(); ++index) {
+        if (index > 0 && !comesBefore(ordered[index - 1], ordered[index]))
+            return items[ordered[index].place].path.string()
+                + ": HFS+ takes its name for the same as that of another file in its folder";
+        records.push_back(std::move(ordered[index].record));
+    }
+    return {};
+}
+
+QByteArray volumeHeader(const VolumeSummary &summary, qint64 secondsSince1970)
+{
+    constexpr quint32 clumpSize = 65536;
+    const quint32 now = dateOf(secondsSince1970);
+    BigEndianBytes header;
+    header.u16(signature).u16(version).u32(wasUnmounted).raw("10.0").u32(0);
+    header.u32(now).u32(now).u32(0).u32(now);
+    header.u32(summary.fileCount).u32(summary.folderCount);
+    header.u32(summary.blockSize).u32(summary.blockCount).u32(0).u32(0);
+    header.u32(clumpSize).u32(clumpSize).u32(summary.nextItem).u32(1).u64(1);
+    header.zeros(24).u64(summary.identifier);
+    header.raw(forkBytes(summary.allocation, quint32(summary.allocation.size)));
+    header.raw(forkBytes(summary.extents, quint32(summary.extents.size)));
+    header.raw(forkBytes(summary.catalog, quint32(summary.catalog.size)));
+    header.raw(forkBytes(summary.attributes, quint32(summary.attributes.size)));
+    return header.zeros(volumeHeaderSize - header.bytes().size()).bytes();
+}
+
+} // namespace toolchain::hfsplus

@@ -1,0 +1,175 @@
+#include "formats/hfsplus/hfspluswriter.h"
+
+#include "formats/hfsplus/hfsplusformat.h"
+#include "support/openfile.h"
+#include "support/wholefile.h"
+
+#include <QRandomGenerator>
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <ctime>
+#include <limits>
+
+namespace toolchain {
+
+using namespace hfsplus;
+
+namespace {
+
+constexpr quint32 blockSize = 4096;
+constexpr quint64 mostBlocks = std::numeric_limits<quint32>::max();
+
+constexpr quint64 blocksFor(quint64 bytes)
+{
+    return (bytes + blockSize - 1) / blockSize;
+}
+
+/// The space for a map with one bit for each block, itself among them.
+quint64 allocationBlocksFor(quint64 otherBlocks)
+{
+    constexpr quint64 bitsInBlock = blockSize * 8;
+    return (otherBlocks + bitsInBlock - 2) / (bitsInBlock - 1);
+}
+
+Fork forkAt(quint64 &nextBlock, quint64 blocks)
+{
+    const Fork fork{blocks * blockSize, quint32(nextBlock), quint32(blocks)};
+    nextBlock += blocks;
+    return fork;
+}
+
+} // namespace
+
+HfsPlusWriter::HfsPlusWriter(SourceTree tree)
+    : m_items(std::move(tree.items))
+    , m_error(std::move(tree.error))
+{
+    if (m_error.empty())
+        layOutFiles();
+    if (m_error.empty())
+        layOutSpecialFiles();
+}
+
+quint64 HfsPlusWriter::size() const
+{
+    return quint64(m_summary.blockCount) * blockSize;
+}
+
+/// Block 0 holds the volume header. Two trees without records come next, since some readers do not take a
+/// volume that lacks one of them. The files follow.
+void HfsPlusWriter::layOutFiles()
+{
+    m_extents = treeFile({}, extentsForm);
+    m_attributes = treeFile({}, attributesForm);
+    quint64 nextBlock = 1;
+    m_summary.extents = forkAt(nextBlock, blocksFor(quint64(m_extents.size())));
+    m_summary.attributes = forkAt(nextBlock, blocksFor(quint64(m_attributes.size())));
+    for (SourceItem &item : m_items) {
+        const quint64 blocks = blocksFor(item.size());
+        if (nextBlock + blocks > mostBlocks / 2) {
+            m_error = item.path.string() + ": the volume becomes too large";
+            return;
+        }
+        const Fork fork = forkAt(nextBlock, blocks);
+        item.firstBlock = fork.firstBlock;
+        item.blockCount = fork.blockCount;
+        ++(item.isFolder() ? m_summary.folderCount : m_summary.fileCount);
+    }
+    m_summary.catalog.firstBlock = quint32(nextBlock);
+}
+
+/// The catalog and the map of blocks lie behind the files, since their sizes depend on them.
+void HfsPlusWriter::layOutSpecialFiles()
+{
+    std::vector<TreeRecord> records;
+    m_error = catalogRecords(m_items, records);
+    if (m_error.empty())
+        m_catalog = treeFile(records, catalogForm);
+    if (m_error.empty() && m_catalog.isEmpty())
+        m_error = "there are too many files for one volume";
+    if (!m_error.empty())
+        return;
+    quint64 nextBlock = m_summary.catalog.firstBlock;
+    m_summary.catalog = forkAt(nextBlock, blocksFor(quint64(m_catalog.size())));
+    constexpr quint64 lastBlock = 1; // with the copy of the volume header
+    m_summary.allocation = forkAt(nextBlock, allocationBlocksFor(nextBlock + lastBlock));
+    m_summary.blockSize = blockSize;
+    m_summary.blockCount = quint32(nextBlock + lastBlock);
+    m_summary.nextItem = catalogNumber(m_items.size());
+    --m_summary.folderCount; // the root folder is not counted
+    m_summary.identifier = QRandomGenerator::system()->generate64();
+}
+
+bool HfsPlusWriter::write(const ByteSink &sink)
+{
+    m_sink = sink;
+    m_written = 0;
+    const QByteArray header = volumeHeader(m_summary, std::time(nullptr));
+    bool goesOn = writeBytes(QByteArray(volumeHeaderOffset, '\0')) && writeBytes(header) && writePadding()
+        && writeBytes(m_extents) && writeBytes(m_attributes);
+    for (const SourceItem &item : m_items)
+        goesOn = goesOn && writeItem(item) && writePadding();
+    return goesOn && writeBytes(m_catalog) && writeBytes(allocationBytes())
+        && writeBytes(QByteArray(blockSize - volumeHeaderOffset, '\0')) && writeBytes(header)
+        && writePadding();
+}
+
+bool HfsPlusWriter::writeItem(const SourceItem &item)
+{
+    if (item.isFolder())
+        return true;
+    return item.isLink() ? writeBytes(item.linkTarget) : writeFile(item);
+}
+
+/// Writes exactly the size for which the catalog has been made.
+bool HfsPlusWriter::writeFile(const SourceItem &item)
+{
+    const OpenFile file(item.path);
+    if (file.descriptor() < 0) {
+        m_error = systemError(item.path, errno);
+        return false;
+    }
+    QByteArray buffer(256 << 10, Qt::Uninitialized);
+    for (quint64 left = item.size(); left > 0;) {
+        const auto wanted = std::min(left, quint64(buffer.size()));
+        const ssize_t length = read(file.descriptor(), buffer.data(), wanted);
+        if (length < 0 && errno == EINTR)
+            continue;
+        if (length <= 0) {
+            m_error = length < 0 ? systemError(item.path, errno)
+                                 : item.path.string() + ": became shorter while it was read";
+            return false;
+        }
+        if (!writeBytes({buffer.constData(), length}))
+            return false;
+        left -= quint64(length);
+    }
+    return true;
+}
+
+bool HfsPlusWriter::writeBytes(QByteArrayView bytes)
+{
+    m_written += quint64(bytes.size());
+    return m_sink(bytes);
+}
+
+/// Fills the block up with zeros.
+bool HfsPlusWriter::writePadding()
+{
+    const auto overhang = m_written % blockSize;
+    return overhang == 0 || writeBytes(QByteArray(qsizetype(blockSize - overhang), '\0'));
+}
+
+/// One bit for each block, set for those in use: all there are.
+QByteArray HfsPlusWriter::allocationBytes() const
+{
+    QByteArray bits(qsizetype(m_summary.blockCount / 8), '\xff');
+    if (m_summary.blockCount % 8 != 0)
+        bits.append(char(0xff << (8 - m_summary.blockCount % 8)));
+    return bits.leftJustified(qsizetype(m_summary.allocation.size), '\0');
+}
+
+} // namespace toolchain

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "formats/bytestreams.h"
+#include "formats/hfsplus/hfsplusrecords.h"
+
+namespace toolchain {
+
+/// Makes an HFS+ volume that holds a source tree and no free block. Every file lies in one piece. Memory
+/// grows with the number of files, not with their sizes. Extended attributes and resource forks are not taken
+/// along; hard links become files of their own; owners become the one that macOS calls unknown. Format: Apple
+/// Technical Note TN1150.
+class HfsPlusWriter {
+public:
+    /// Lays the volume out. Reads none of the files yet.
+    explicit HfsPlusWriter(hfsplus::SourceTree tree);
+
+    /// Why there can be no such volume, or what went wrong while it was written; empty if all is well.
+    [[nodiscard]] const std::string &error() const { return m_error; }
+
+    /// Of the volume in bytes, a multiple of 4,096.
+    [[nodiscard]] quint64 size() const;
+
+    /// Gives the volume's bytes to the sink in their order. False if the sink stops it or a file cannot be
+    /// read as the tree told of it.
+    [[nodiscard]] bool write(const ByteSink &sink);
+
+private:
+    void layOutFiles();
+    void layOutSpecialFiles();
+    bool writeItem(const hfsplus::SourceItem &item);
+    bool writeFile(const hfsplus::SourceItem &item);
+    bool writeBytes(QByteArrayView bytes);
+    bool writePadding();
+    [[nodiscard]] QByteArray allocationBytes() const;
+
+    std::vector<hfsplus::SourceItem> m_items;
+    std::string m_error;
+    hfsplus::VolumeSummary m_summary;
+    QByteArray m_catalog;
+    QByteArray m_extents;
+    QByteArray m_attributes;
+    ByteSink m_sink;
+    quint64 m_written = 0;
+};
+
+} // namespace toolchain

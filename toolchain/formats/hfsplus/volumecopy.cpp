@@ -1,0 +1,161 @@
+#include "formats/hfsplus/volumecopy.h"
+
+#include "formats/hfsplus/hfsplusnames.h"
+#include "support/wholefile.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <deque>
+#include <set>
+
+namespace fs = std::filesystem;
+
+namespace toolchain {
+
+using namespace hfsplus;
+
+namespace {
+
+constexpr mode_t ordinaryRights = 0777;
+constexpr quint64 longestLink = 4096;
+
+class Copier {
+public:
+    explicit Copier(const HfsPlusReader &volume)
+        : m_volume(volume)
+    {
+    }
+
+    std::string copy(const fs::path &target)
+    {
+        m_folders.push_back({target, &m_volume.rootFolder()});
+        for (std::size_t place = 0; place < m_folders.size() && m_error.empty(); ++place)
+            copyContents(m_folders[place].path, m_folders[place].entry->number);
+        // what lies inside comes first, since a folder need not be writable afterwards
+        for (auto folder = m_folders.rbegin(); folder != m_folders.rend() && m_error.empty(); ++folder)
+            finish(folder->path, *folder->entry);
+        return m_error;
+    }
+
+private:
+    struct Folder {
+        fs::path path;
+        const VolumeEntry *entry = nullptr;
+    };
+
+    void copyContents(const fs::path &folder, quint32 number)
+    {
+        if (!m_seen.insert(number).second)
+            return fail(folder, "the volume is damaged");
+        for (const VolumeEntry &entry : m_volume.entriesOf(number)) {
+            const auto name = fileName(entry.storedName);
+            if (!name)
+                return fail(folder, "holds a name that no file can have here");
+            copyEntry(folder / name->toStdString(), entry);
+            if (!m_error.empty())
+                return;
+        }
+    }
+
+    void copyEntry(const fs::path &path, const VolumeEntry &entry)
+    {
+        if (entry.isHardLink)
+            fail(path, "a hard link, which cannot be read here");
+        else if (entry.isCompressed)
+            fail(path, "compressed by the file system, which cannot be read here");
+        else if (S_ISDIR(entry.mode))
+            makeFolder(path, entry);
+        else if (S_ISREG(entry.mode))
+            copyFile(path, entry);
+        else if (S_ISLNK(entry.mode))
+            copyLink(path, entry);
+        else
+            fail(path, "neither a file, a folder nor a symbolic link");
+    }
+
+    void makeFolder(const fs::path &path, const VolumeEntry &entry)
+    {
+        if (mkdir(path.c_str(), S_IRWXU) != 0)
+            m_error = systemError(path, errno);
+        else
+            m_folders.push_back({path, &entry});
+    }
+
+    void copyFile(const fs::path &path, const VolumeEntry &entry)
+    {
+        const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR);
+        if (file < 0) {
+            m_error = systemError(path, errno);
+            return;
+        }
+        if (!m_volume.read(entry.data, [&](QByteArrayView bytes) { return write(file, bytes, path); })
+            && m_error.empty())
+            fail(path, "cannot be read from the image");
+        if (close(file) != 0 && m_error.empty())
+            m_error = systemError(path, errno);
+        if (m_error.empty())
+            finish(path, entry);
+    }
+
+    bool write(int file, QByteArrayView bytes, const fs::path &path)
+    {
+        while (!bytes.isEmpty()) {
+            const ssize_t length = ::write(file, bytes.data(), std::size_t(bytes.size()));
+            if (length < 0 && errno == EINTR)
+                continue;
+            if (length < 0) {
+                m_error = systemError(path, errno);
+                return false;
+            }
+            bytes = bytes.sliced(length);
+        }
+        return true;
+    }
+
+    void copyLink(const fs::path &path, const VolumeEntry &entry)
+    {
+        std::string target;
+        const bool isRead =
+            entry.data.size <= longestLink && m_volume.read(entry.data, [&target](QByteArrayView bytes) {
+                target.append(bytes.data(), std::size_t(bytes.size()));
+                return true;
+            });
+        if (!isRead)
+            fail(path, "cannot be read from the image");
+        else if (symlink(target.c_str(), path.c_str()) != 0 || !setTimes(path, entry))
+            m_error = systemError(path, errno);
+    }
+
+    static bool setTimes(const fs::path &path, const VolumeEntry &entry)
+    {
+        const std::array times{timespec{entry.accessed, 0}, timespec{entry.modified, 0}};
+        return utimensat(AT_FDCWD, path.c_str(), times.data(), AT_SYMLINK_NOFOLLOW) == 0;
+    }
+
+    /// Gives a file or folder its mode and times, after which it may be closed to writing.
+    void finish(const fs::path &path, const VolumeEntry &entry)
+    {
+        if (!setTimes(path, entry) || chmod(path.c_str(), entry.mode & ordinaryRights) != 0)
+            m_error = systemError(path, errno);
+    }
+
+    void fail(const fs::path &path, const char *reason) { m_error = path.string() + ": " + reason; }
+
+    const HfsPlusReader &m_volume;
+    std::deque<Folder> m_folders; // they stay in place while others are added
+    std::set<quint32> m_seen;
+    std::string m_error;
+};
+
+} // namespace
+
+std::string copyVolume(const HfsPlusReader &volume, const fs::path &folder)
+{
+    return Copier(volume).copy(folder);
+}
+
+} // namespace toolchain

@@ -1,0 +1,15 @@
+#pragma once
+
+#include "formats/hfsplus/hfsplusreader.h"
+
+#include <filesystem>
+
+namespace toolchain {
+
+/// Lays the files of a volume into an empty folder: folders, files, symbolic links, modes and the times of
+/// last change. Files that would run with other rights than their user's lose that right; owners, extended
+/// attributes and resource forks stay behind. Answers what went wrong, naming the file, or nothing; the
+/// folder is not cleaned up then.
+[[nodiscard]] std::string copyVolume(const HfsPlusReader &volume, const std::filesystem::path &folder);
+
+} // namespace toolchain
