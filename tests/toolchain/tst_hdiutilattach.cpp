@@ -1,0 +1,346 @@
+#include "formats/udif/udifwriter.h"
+#include "platform/propertylist/propertylist.h"
+#include "toolchain/bundlebuilder.h"
+#include "toolchain/diskimagefixture.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QEventLoop>
+#include <QFileInfo>
+#include <QFileSystemWatcher>
+#include <QRandomGenerator>
+#include <QTimer>
+#include <QVariantMap>
+
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+void limitFileSize()
+{
+    signal(SIGXFSZ, SIG_IGN);
+    const rlimit limit{64 << 10, 64 << 10};
+    setrlimit(RLIMIT_FSIZE, &limit);
+}
+
+QByteArray randomBytes(int count)
+{
+    QByteArray bytes(count, '\0');
+    QRandomGenerator generator(1);
+    for (char &byte : bytes)
+        byte = static_cast<char>(generator.generate());
+    return bytes;
+}
+
+class HdiutilAttach : public DiskImageFixture {
+protected:
+    void SetUp() override
+    {
+        DiskImageFixture::SetUp();
+        bundlebuilder::makeApp(path(u"My App.app"_s), u"com.example.app"_s);
+        m_image = imageOf(path(u"My App.app"_s));
+    }
+
+    [[nodiscard]] ToolResult detach(const QStringList &arguments) const
+    {
+        return run(hdiutil, QStringList{u"detach"_s} + arguments);
+    }
+
+    /// A copy of the image with another byte at an offset.
+    [[nodiscard]] QString damagedImage(qsizetype offset) const
+    {
+        QByteArray bytes = bundlebuilder::readFile(m_image);
+        bytes[offset] = char(~bytes[offset]);
+        bundlebuilder::writeFile(path(u"damaged.dmg"_s), bytes);
+        return path(u"damaged.dmg"_s);
+    }
+
+    void expectNothingAttached() const
+    {
+        EXPECT_EQ(namesIn(statePath(u"diskimages/attached"_s)), QStringList());
+        EXPECT_EQ(namesIn(statePath(u"diskimages/volumes"_s)), QStringList());
+    }
+
+    QString m_image;
+};
+
+} // namespace
+
+TEST_F(HdiutilAttach, theLastColumnOfTheLastLineIsAFolderWithTheFiles)
+{
+    const ToolResult attached = attach(m_image);
+    ASSERT_EQ(attached.status, 0) << attached.error.toStdString();
+    const QStringList lines = attached.output.split(u'\n', Qt::SkipEmptyParts);
+    ASSERT_EQ(lines.size(), 2);
+    EXPECT_EQ(lines[0], u"/dev/disk4          \tGUID_partition_scheme          \t"_s);
+    EXPECT_EQ(lines[1].section(u'\t', 0, 1), u"/dev/disk4s1        \tApple_HFS                      "_s);
+    const QString mountPoint = mountPointIn(attached);
+    EXPECT_EQ(mountPoint, statePath(u"diskimages/volumes/My App"_s));
+    EXPECT_EQ(namesIn(mountPoint), QStringList{u"My App.app"_s});
+    EXPECT_EQ(QProcess::execute(
+                  u"diff"_s,
+                  {u"-r"_s, u"--no-dereference"_s, path(u"My App.app"_s), mountPoint + u"/My App.app"_s}),
+              0);
+}
+
+TEST_F(HdiutilAttach, modesLinksAndDatesComeBack)
+{
+    bundlebuilder::writeFile(path(u"folder/closed/file"_s), "1");
+    ASSERT_TRUE(QFile::link(u"closed/file"_s, path(u"folder/link"_s)));
+    ASSERT_EQ(chmod(QFile::encodeName(path(u"folder/closed/file"_s)).constData(), 04751), 0);
+    ASSERT_EQ(chmod(QFile::encodeName(path(u"folder/closed"_s)).constData(), 0555), 0);
+    const QString volume = mountPointIn(attach(imageOf(path(u"folder"_s))));
+    struct stat before = {};
+    struct stat after = {};
+    ASSERT_EQ(stat(QFile::encodeName(path(u"folder/closed/file"_s)).constData(), &before), 0);
+    ASSERT_EQ(stat(QFile::encodeName(volume + u"/closed/file"_s).constData(), &after), 0);
+    EXPECT_EQ(after.st_mode & 07777, mode_t(0751)) << "without the right to act as another user";
+    EXPECT_EQ(after.st_mtim.tv_sec, before.st_mtim.tv_sec);
+    ASSERT_EQ(stat(QFile::encodeName(volume + u"/closed"_s).constData(), &after), 0);
+    EXPECT_EQ(after.st_mode & 07777, mode_t(0555));
+    char target[100] = {};
+    ASSERT_GT(readlink(QFile::encodeName(volume + u"/link"_s).constData(), target, sizeof target - 1), 0);
+    EXPECT_STREQ(target, "closed/file");
+    EXPECT_EQ(detach({volume}).status, 0);
+    EXPECT_FALSE(QFile::exists(volume));
+}
+
+TEST_F(HdiutilAttach, namesComeBackComposed)
+{
+    const QStringList names{u"-dash"_s,        u" blank "_s, u"\U0001F600.txt"_s,       u"Gr\u00f6\u00dfe"_s,
+                            u"\ud55c\uae00"_s, u"a:b"_s,     QString(255, QChar(u'n')), u"\u212b"_s};
+    for (const QString &name : names)
+        bundlebuilder::writeFile(path(u"folder/"_s) + name, name.toUtf8());
+    const QString volume = mountPointIn(attach(imageOf(path(u"folder"_s))));
+    EXPECT_EQ(QProcess::execute(u"diff"_s, {u"-r"_s, path(u"folder"_s), volume}), 0);
+}
+
+TEST_F(HdiutilAttach, detachRemovesTheCopyByMountPointOrByDevice)
+{
+    for (const QString &name :
+         {u"/dev/disk4"_s, u"disk4"_s, u"/dev/disk4s1"_s, statePath(u"diskimages/volumes/My App/"_s)}) {
+        ASSERT_EQ(attach(m_image).status, 0);
+        const ToolResult detached = detach({u"-force"_s, name});
+        EXPECT_EQ(detached.status, 0) << name.toStdString();
+        EXPECT_EQ(detached.output, u"\"disk4\" ejected.\n"_s);
+        expectNothingAttached();
+    }
+}
+
+TEST_F(HdiutilAttach, whatIsNotAttachedCannotBeDetached)
+{
+    QDir().mkpath(path(u"a folder"_s));
+    for (const QString &name : {u"disk4"_s, path(u"a folder"_s), path(u"nowhere"_s)}) {
+        const ToolResult result = detach({name});
+        EXPECT_EQ(result.status, 1);
+        EXPECT_EQ(result.error, u"hdiutil: detach failed - No such file or directory\n"_s);
+    }
+    EXPECT_TRUE(QFile::exists(path(u"a folder"_s)));
+}
+
+TEST_F(HdiutilAttach, aMisspeltVerbIsRefusedAndTheImageStaysAttached)
+{
+    const QString volume = mountPointIn(attach(m_image));
+    const ToolResult result = run(hdiutil, {u"dettach"_s, u"-force"_s, volume});
+    EXPECT_EQ(result.status, 64);
+    EXPECT_EQ(result.output, QString());
+    EXPECT_TRUE(result.error.startsWith(u"hdiutil: unrecognized verb \"dettach\"\nUsage: hdiutil "_s));
+    EXPECT_EQ(namesIn(volume), QStringList{u"My App.app"_s});
+    EXPECT_EQ(run(hdiutil, {}).status, 64);
+}
+
+TEST_F(HdiutilAttach, anAttachedImageKeepsItsPlace)
+{
+    const ToolResult first = attach(m_image);
+    EXPECT_EQ(attach(m_image).output, first.output);
+    EXPECT_EQ(namesIn(statePath(u"diskimages/volumes"_s)), QStringList{u"My App"_s});
+}
+
+TEST_F(HdiutilAttach, anotherImageUnderTheSamePathGetsAPlaceOfItsOwn)
+{
+    const QString first = mountPointIn(attach(m_image));
+    bundlebuilder::writeFile(path(u"My App.app/Contents/new"_s), "new");
+    ASSERT_EQ(create(path(u"My App.app"_s), m_image).status, 0);
+    const QString second = mountPointIn(attach(m_image));
+    EXPECT_EQ(second, first + u" 1"_s);
+    EXPECT_TRUE(QFile::exists(second + u"/My App.app/Contents/new"_s));
+    EXPECT_FALSE(QFile::exists(first + u"/My App.app/Contents/new"_s));
+    EXPECT_EQ(detach({first}).status, 0);
+    EXPECT_TRUE(QFile::exists(second));
+}
+
+TEST_F(HdiutilAttach, aChosenMountPointIsUsed)
+{
+    QDir().mkpath(path(u"empty"_s));
+    EXPECT_EQ(
+        mountPointIn(run(
+            hdiutil, {u"attach"_s, u"-nobrowse"_s, u"-readonly"_s, u"-mountpoint"_s, u"empty/"_s, m_image})),
+        path(u"empty"_s));
+    EXPECT_TRUE(QFile::exists(path(u"empty/My App.app"_s)));
+    EXPECT_EQ(detach({path(u"empty"_s)}).status, 0);
+    EXPECT_TRUE(QFile::exists(path(u"empty"_s))) << "it was there before";
+    EXPECT_EQ(mountPointIn(run(hdiutil, {u"attach"_s, u"-mountroot"_s, path(u"new"_s), m_image})),
+              path(u"new/My App"_s));
+    EXPECT_EQ(detach({path(u"new/My App"_s)}).status, 0);
+    EXPECT_TRUE(mountPointIn(run(hdiutil, {u"attach"_s, u"-mountrandom"_s, path(u"new"_s), m_image}))
+                    .startsWith(path(u"new/dmg."_s)));
+}
+
+TEST_F(HdiutilAttach, aMountPointThatIsInUseIsRefused)
+{
+    bundlebuilder::writeFile(path(u"full/file"_s), "mine");
+    const ToolResult result = run(hdiutil, {u"attach"_s, u"-mountpoint"_s, path(u"full"_s), m_image});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.error, u"hdiutil: attach failed - %1: Directory not empty\n"_s.arg(path(u"full"_s)));
+    EXPECT_EQ(namesIn(path(u"full"_s)), QStringList{u"file"_s});
+    EXPECT_EQ(run(hdiutil, {u"attach"_s, u"-mountpoint"_s, path(u"full/file"_s), m_image}).status, 1);
+    expectNothingAttached();
+}
+
+TEST_F(HdiutilAttach, aPropertyListNamesTheMountPoint)
+{
+    const ToolResult attached = run(hdiutil, {u"attach"_s, u"-plist"_s, m_image});
+    const QVariantList entities = platform::propertyListFromData(attached.output.toUtf8())
+                                      .value.toMap()
+                                      .value(u"system-entities"_s)
+                                      .toList();
+    ASSERT_EQ(entities.size(), 2);
+    EXPECT_FALSE(entities[0].toMap().contains(u"mount-point"_s));
+    EXPECT_EQ(entities[1].toMap()[u"dev-entry"_s].toString(), u"/dev/disk4s1"_s);
+    EXPECT_EQ(entities[1].toMap()[u"mount-point"_s].toString(), statePath(u"diskimages/volumes/My App"_s));
+}
+
+TEST_F(HdiutilAttach, infoListsWhatIsAttached)
+{
+    EXPECT_EQ(run(hdiutil, {u"info"_s}).output, QString());
+    const QString volume = mountPointIn(attach(m_image));
+    const QString list = run(hdiutil, {u"info"_s}).output;
+    EXPECT_TRUE(list.contains(m_image) && list.contains(volume)) << list.toStdString();
+}
+
+TEST_F(HdiutilAttach, aMissingImageIsAnError)
+{
+    const ToolResult result = attach(path(u"none.dmg"_s));
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.error, u"hdiutil: attach failed - No such file or directory\n"_s);
+    EXPECT_EQ(result.output, QString());
+}
+
+TEST_F(HdiutilAttach, whatIsNoImageOrACutOneIsNotRecognized)
+{
+    const QByteArray whole = bundlebuilder::readFile(m_image);
+    for (const QByteArray &bytes :
+         {QByteArray(), QByteArray("garbage"), randomBytes(100'000), whole.chopped(1),
+          whole.first(whole.size() / 2), whole.last(512), whole.last(2000)}) {
+        bundlebuilder::writeFile(path(u"a.dmg"_s), bytes);
+        const ToolResult result = attach(path(u"a.dmg"_s));
+        EXPECT_EQ(result.status, 1) << bytes.size();
+        EXPECT_EQ(result.error, u"hdiutil: attach failed - image not recognized\n"_s);
+    }
+    expectNothingAttached();
+    EXPECT_EQ(attach(path(u"My App.app"_s)).error, u"hdiutil: attach failed - image not recognized\n"_s);
+}
+
+TEST_F(HdiutilAttach, aChangedByteIsFoundOnlyIfChecksumsAreCompared)
+{
+    bundlebuilder::writeFile(path(u"noise/noise"_s), randomBytes(1 << 20));
+    m_image = imageOf(path(u"noise"_s));
+    const QString image = damagedImage(700'000); // amid bytes that could not be made shorter
+    const ToolResult refused = run(hdiutil, {u"attach"_s, image});
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_EQ(refused.error, u"hdiutil: attach failed - corrupt image\n"_s);
+    expectNothingAttached();
+    EXPECT_EQ(run(hdiutil, {u"verify"_s, image}).status, 1);
+    EXPECT_EQ(attach(image).status, 0);
+}
+
+TEST_F(HdiutilAttach, noChangedByteBringsItDown)
+{
+    const qsizetype size = QFileInfo(m_image).size();
+    for (qsizetype offset = 0; offset < size; offset += 97) {
+        const ToolResult result = attach(damagedImage(offset));
+        ASSERT_TRUE(result.status == 0 || result.status == 1) << offset << result.error.toStdString();
+        if (result.status == 0) {
+            ASSERT_EQ(detach({mountPointIn(result)}).status, 0) << offset;
+        }
+    }
+    expectNothingAttached();
+}
+
+TEST_F(HdiutilAttach, verifyFindsAWholeImageValid)
+{
+    const ToolResult result = run(hdiutil, {u"verify"_s, m_image});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_TRUE(result.error.endsWith(u" is VALID\n"_s));
+    EXPECT_EQ(run(hdiutil, {u"verify"_s, damagedImage(0)}).error,
+              u"hdiutil: verify failed - corrupt image\n"_s);
+}
+
+TEST_F(HdiutilAttach, imageinfoTellsTheFormat)
+{
+    EXPECT_EQ(run(hdiutil, {u"imageinfo"_s, u"-format"_s, m_image}).output, u"UDZO\n"_s);
+    const QString text = run(hdiutil, {u"imageinfo"_s, m_image}).output;
+    EXPECT_TRUE(text.contains(u"\nFormat: UDZO\n"_s));
+    EXPECT_TRUE(text.contains(u"disk image (Apple_HFS : 4)"_s));
+    EXPECT_EQ(run(hdiutil, {u"imageinfo"_s, path(u"My App.app/Contents/Info.plist"_s)}).status, 1);
+}
+
+TEST_F(HdiutilAttach, anImageWithoutAVolumeHasNothingToMount)
+{
+    const QByteArray name = QFile::encodeName(path(u"empty.dmg"_s));
+    const int file = open(name.constData(), O_WRONLY | O_CREAT, 0600);
+    toolchain::UdifWriter writer(file, name.toStdString(), 1);
+    writer.beginPartition(u"whole disk (unknown partition : 0)"_s);
+    writer.write(QByteArray(1 << 20, 'x'));
+    writer.endPartition();
+    writer.finish();
+    close(file);
+    EXPECT_EQ(attach(path(u"empty.dmg"_s)).error, u"hdiutil: attach failed - no mountable file systems\n"_s);
+    expectNothingAttached();
+}
+
+TEST_F(HdiutilAttach, leavesNothingWhenTheCopyCannotGrow)
+{
+    bundlebuilder::writeFile(path(u"noise/noise"_s), randomBytes(1 << 20));
+    const ToolResult result = run(hdiutil, {u"attach"_s, imageOf(path(u"noise"_s))}, {}, limitFileSize);
+    EXPECT_EQ(result.status, 1);
+    EXPECT_TRUE(result.error.endsWith(u"/noise: File too large\n"_s)) << result.error.toStdString();
+    expectNothingAttached();
+}
+
+TEST_F(HdiutilAttach, whatAKilledAttachHasLeftIsClearedAway)
+{
+    QFile large(path(u"large/file"_s));
+    QDir().mkpath(path(u"large"_s));
+    ASSERT_TRUE(large.open(QIODevice::WriteOnly) && large.resize(qint64(1) << 30));
+    const QString image = imageOf(path(u"large"_s));
+    QDir().mkpath(statePath(u"diskimages/volumes"_s));
+    QFileSystemWatcher watcher({statePath(u"diskimages/volumes"_s)});
+    QEventLoop loop;
+    QObject::connect(&watcher, &QFileSystemWatcher::directoryChanged, &loop, &QEventLoop::quit);
+    QTimer::singleShot(30'000, &loop, [&loop] { loop.exit(1); });
+    const auto process = start(hdiutil, {u"attach"_s, u"-noverify"_s, image});
+    ASSERT_EQ(loop.exec(), 0) << "no copy was begun";
+    process->kill();
+    ASSERT_TRUE(process->waitForFinished());
+    EXPECT_EQ(run(hdiutil, {u"info"_s}).output, QString());
+    expectNothingAttached();
+}
+
+TEST_F(HdiutilAttach, refusesArgumentsThatItDoesNotUnderstand)
+{
+    for (const QStringList &arguments : {QStringList{u"attach"_s},
+                                         {u"attach"_s, u"-shadow"_s, m_image},
+                                         {u"attach"_s, m_image, m_image},
+                                         {u"detach"_s},
+                                         {u"verify"_s},
+                                         {u"imageinfo"_s},
+                                         {u"info"_s, m_image}})
+        EXPECT_EQ(run(hdiutil, arguments).status, 64) << arguments.join(u' ').toStdString();
+}

@@ -1,0 +1,198 @@
+#include "hdiutil/attach.h"
+
+#include "formats/hfsplus/hfsplusnames.h"
+#include "formats/hfsplus/volumecopy.h"
+#include "hdiutil/attachedimages.h"
+#include "hdiutil/imagevolume.h"
+#include "support/console.h"
+#include "support/wholefile.h"
+
+#include <QUuid>
+#include <QVariantMap>
+
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <cstring>
+
+using namespace Qt::StringLiterals;
+namespace fs = std::filesystem;
+
+namespace toolchain {
+
+namespace {
+
+const std::string verb = "attach";
+
+ParsedArguments parse(const VerbArguments &words)
+{
+    constexpr auto required = OptionValue::Required;
+    return parseArguments(words,
+                          withCommonOptions({{{"-mountpoint"}, required},
+                                             {{"-mountroot"}, required},
+                                             {{"-mountrandom"}, required},
+                                             {{"-owners"}, required},
+                                             {{"-noverify"}},
+                                             {{"-verify"}},
+                                             {{"-nobrowse"}},
+                                             {{"-readonly"}},
+                                             {{"-noautoopen"}},
+                                             {{"-autoopen"}},
+                                             {{"-noidmereveal"}},
+                                             {{"-noautofsck"}}}));
+}
+
+std::optional<FileIdentity> identityOf(const fs::path &path)
+{
+    struct stat status = {};
+    if (stat(path.c_str(), &status) != 0)
+        return {};
+    constexpr qint64 nanoseconds = 1'000'000'000;
+    return FileIdentity{qint64(status.st_dev), qint64(status.st_ino), status.st_size,
+                        status.st_mtim.tv_sec * nanoseconds + status.st_mtim.tv_nsec};
+}
+
+/// The name and those with a number that follow it, until one is free.
+fs::path freePath(const fs::path &folder, const std::string &name)
+{
+    fs::path path = folder / name;
+    for (int number = 1; fs::exists(fs::symlink_status(path)); ++number)
+        path = folder / (name + " " + std::to_string(number));
+    return path;
+}
+
+fs::path mountPointFor(const ParsedArguments &arguments, const AttachedImages &images,
+                       const QString &volumeName)
+{
+    const auto name = hfsplus::fileName(volumeName);
+    const std::string plainName = name ? name->toStdString() : "untitled";
+    if (arguments.has("-mountpoint"))
+        return fullPath(arguments.value("-mountpoint"));
+    if (arguments.has("-mountroot"))
+        return freePath(fullPath(arguments.value("-mountroot")), plainName);
+    if (arguments.has("-mountrandom"))
+        return fullPath(arguments.value("-mountrandom"))
+            / ("dmg." + QUuid::createUuid().toString(QUuid::Id128).left(6).toStdString());
+    return freePath(images.volumesFolder(), plainName);
+}
+
+std::string deviceLine(const std::string &device, const std::string &content, const std::string &mountPoint)
+{
+    constexpr std::size_t deviceWidth = 20;
+    constexpr std::size_t contentWidth = 31;
+    const auto padded = [](std::string text, std::size_t width) {
+        text.resize(std::max(width, text.size()), ' ');
+        return text;
+    };
+    return padded("/dev/" + device, deviceWidth) + '\t' + padded(content, contentWidth) + '\t' + mountPoint
+        + '\n';
+}
+
+QVariantMap deviceEntry(const std::string &device, const std::string &content, const std::string &mountPoint)
+{
+    QVariantMap entry{{u"dev-entry"_s, QString::fromStdString("/dev/" + device)},
+                      {u"content-hint"_s, QString::fromStdString(content)},
+                      {u"potentially-mountable"_s, !mountPoint.empty()}};
+    if (!mountPoint.empty()) {
+        entry[u"mount-point"_s] = QString::fromStdString(mountPoint);
+        entry[u"volume-kind"_s] = u"hfs"_s;
+    }
+    return entry;
+}
+
+int tellAttached(const AttachedImage &image, const ParsedArguments &arguments)
+{
+    const bool isDivided = !image.scheme.empty();
+    const std::string volume = isDivided ? image.device() + "s1" : image.device();
+    const std::string content = isDivided ? "Apple_HFS" : "";
+    if (arguments.has("-plist")) {
+        QVariantList entries{deviceEntry(volume, content, image.mountPoint)};
+        if (isDivided)
+            entries.prepend(deviceEntry(image.device(), image.scheme, {}));
+        printPropertyList(QVariantMap{{u"system-entities"_s, entries}});
+        return 0;
+    }
+    print((isDivided ? deviceLine(image.device(), image.scheme, {}) : std::string())
+          + deviceLine(volume, content, image.mountPoint));
+    return 0;
+}
+
+/// What keeps a folder from being the mount point; empty if nothing does.
+std::string complaintAboutMountPoint(const AttachedImage &image)
+{
+    std::error_code error;
+    if (image.wasThere && !fs::is_directory(image.mountPoint))
+        return systemError(image.mountPoint, ENOTDIR);
+    if (image.wasThere && !fs::is_empty(image.mountPoint, error) && !error)
+        return systemError(image.mountPoint, ENOTEMPTY);
+    return error ? systemError(image.mountPoint, error.value()) : std::string();
+}
+
+std::string copyVolumeInto(const std::string &mountPoint, const HfsPlusReader &volume)
+{
+    std::error_code error;
+    fs::create_directories(mountPoint, error);
+    return error ? systemError(mountPoint, error.value()) : copyVolume(volume, mountPoint);
+}
+
+/// Keeps a record of the copy before it is begun, so that an early end leaves nothing for good.
+std::string copyIntoPlace(AttachedImage &image, const HfsPlusReader &volume, const AttachedImages &images)
+{
+    std::string problem = images.store(image);
+    if (!problem.empty())
+        return problem;
+    problem = copyVolumeInto(image.mountPoint, volume);
+    image.isWhole = problem.empty();
+    if (problem.empty())
+        problem = images.store(image);
+    if (!problem.empty())
+        problem += images.remove(image);
+    return problem;
+}
+
+int attachAnew(AttachedImage &image, const ParsedArguments &arguments, const AttachedImages &images)
+{
+    ImageVolume source(image.image);
+    if (source.error().empty() && !arguments.has("-noverify")) {
+        tellDetail(arguments, "Verifying...");
+        if (!source.image().verify())
+            tellDetail(arguments, "The checksums cannot be compared, or differ.");
+    }
+    if (!source.error().empty())
+        return failVerb(verb, source.error());
+    image.number = images.freeNumber();
+    image.scheme = source.scheme();
+    image.mountPoint = mountPointFor(arguments, images, source.volume().volumeName()).string();
+    image.wasThere = fs::exists(image.mountPoint);
+    std::string problem = complaintAboutMountPoint(image);
+    tellDetail(arguments, "Copying the volume to " + image.mountPoint);
+    if (problem.empty())
+        problem = copyIntoPlace(image, source.volume(), images);
+    return problem.empty() ? tellAttached(image, arguments) : failVerb(verb, problem);
+}
+
+} // namespace
+
+int attach(const VerbArguments &words)
+{
+    const ParsedArguments arguments = parse(words);
+    keepQuietIfAsked(arguments);
+    if (!arguments.error.empty() || arguments.operands.size() != 1)
+        return refuseVerbArguments(verb, arguments.error.empty() ? "one image is needed" : arguments.error);
+    AttachedImage image;
+    image.image = fullPath(arguments.operands.front()).string();
+    const auto identity = identityOf(image.image);
+    if (!identity)
+        return failVerb(verb, std::strerror(errno));
+    image.identity = *identity;
+    const AttachedImages images;
+    if (!images.error().empty())
+        return failVerb(verb, images.error());
+    for (const AttachedImage &other : images.all()) {
+        if (other.identity == image.identity && fs::exists(other.mountPoint))
+            return tellAttached(other, arguments);
+    }
+    return attachAnew(image, arguments, images);
+}
+
+} // namespace toolchain

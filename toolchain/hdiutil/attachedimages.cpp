@@ -1,0 +1,159 @@
+#include "hdiutil/attachedimages.h"
+
+#include "support/wholefile.h"
+
+#include <QDir>
+#include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+namespace fs = std::filesystem;
+
+namespace toolchain {
+
+namespace {
+
+constexpr int firstNumber = 4; // a Mac's own disks come first
+
+QJsonObject jsonOf(const AttachedImage &image)
+{
+    const auto text = [](const std::string &value) { return QString::fromStdString(value); };
+    return {{u"number"_s, image.number},
+            {u"image"_s, text(image.image)},
+            {u"identity"_s,
+             QString(u"%1 %2 %3 %4"_s)
+                 .arg(image.identity.device)
+                 .arg(image.identity.number)
+                 .arg(image.identity.size)
+                 .arg(image.identity.changed)},
+            {u"mountPoint"_s, text(image.mountPoint)},
+            {u"wasThere"_s, image.wasThere},
+            {u"isWhole"_s, image.isWhole},
+            {u"scheme"_s, text(image.scheme)}};
+}
+
+std::optional<AttachedImage> imageFrom(const QJsonObject &json)
+{
+    AttachedImage image;
+    image.number = json[u"number"].toInt();
+    image.image = json[u"image"].toString().toStdString();
+    const QStringList identity = json[u"identity"].toString().split(u' ');
+    if (identity.size() == 4)
+        image.identity = {identity[0].toLongLong(), identity[1].toLongLong(), identity[2].toLongLong(),
+                          identity[3].toLongLong()};
+    image.mountPoint = json[u"mountPoint"].toString().toStdString();
+    image.wasThere = json[u"wasThere"].toBool();
+    image.isWhole = json[u"isWhole"].toBool();
+    image.scheme = json[u"scheme"].toString().toStdString();
+    const bool isUsable = image.number >= firstNumber && image.mountPoint.starts_with('/');
+    return isUsable ? std::optional(image) : std::nullopt;
+}
+
+/// Makes folders writable first, which a copy's need not be. Never follows links.
+void removeContents(const fs::path &folder, std::error_code &error)
+{
+    fs::permissions(folder, fs::perms::owner_all, fs::perm_options::add, error);
+    for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
+        if (entry->symlink_status(error).type() == fs::file_type::directory)
+            removeContents(entry->path(), error);
+        if (!error)
+            fs::remove(entry->path(), error);
+        if (error)
+            return;
+    }
+}
+
+} // namespace
+
+AttachedImages::AttachedImages()
+    : m_folder(stateFolder() + u"/diskimages"_s)
+{
+    m_error = makePrivateFolder(m_folder + u"/attached"_s).toStdString();
+    if (!m_error.empty())
+        return;
+    m_lock.emplace(m_folder);
+    if (!m_lock->isHeld()) {
+        m_error = m_folder.toStdString() + ": cannot be locked";
+        return;
+    }
+    clearUnfinished();
+}
+
+/// A folder that was there before may have got another use since: what was begun in it is only forgotten.
+void AttachedImages::clearUnfinished()
+{
+    for (const AttachedImage &image : all()) {
+        if (image.isWhole || !m_error.empty())
+            continue;
+        if (image.wasThere)
+            forget(image);
+        else
+            m_error = remove(image);
+    }
+}
+
+std::vector<AttachedImage> AttachedImages::all() const
+{
+    std::vector<AttachedImage> images;
+    const QDir folder(m_folder + u"/attached"_s);
+    for (const QString &name : folder.entryList({u"*.json"_s}, QDir::Files)) {
+        QFile file(folder.filePath(name));
+        if (!file.open(QIODevice::ReadOnly))
+            continue;
+        if (const auto image = imageFrom(QJsonDocument::fromJson(file.readAll()).object()))
+            images.push_back(*image);
+    }
+    std::sort(images.begin(), images.end(),
+              [](const AttachedImage &a, const AttachedImage &b) { return a.number < b.number; });
+    return images;
+}
+
+fs::path AttachedImages::volumesFolder() const
+{
+    return m_folder.toStdString() + "/volumes";
+}
+
+int AttachedImages::freeNumber() const
+{
+    int number = firstNumber;
+    while (QFile::exists(recordPath(number)))
+        ++number;
+    return number;
+}
+
+std::string AttachedImages::store(const AttachedImage &image) const
+{
+    const QByteArray bytes = QJsonDocument(jsonOf(image)).toJson();
+    return writeWholeFile(recordPath(image.number).toStdString(),
+                          {bytes.constData(), std::size_t(bytes.size())});
+}
+
+std::string AttachedImages::remove(const AttachedImage &image) const
+{
+    std::error_code error;
+    if (fs::is_directory(fs::symlink_status(image.mountPoint, error))) {
+        error.clear();
+        removeContents(image.mountPoint, error);
+        if (!error && !image.wasThere)
+            fs::remove(image.mountPoint, error);
+        if (error)
+            return systemError(image.mountPoint, error.value());
+    }
+    forget(image);
+    return {};
+}
+
+void AttachedImages::forget(const AttachedImage &image) const
+{
+    QFile::remove(recordPath(image.number));
+}
+
+QString AttachedImages::recordPath(int number) const
+{
+    return u"%1/attached/disk%2.json"_s.arg(m_folder).arg(number);
+}
+
+} // namespace toolchain

@@ -1,0 +1,67 @@
+#include "hdiutil/verb.h"
+
+#include "support/console.h"
+
+#include "platform/propertylist/propertylist.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace toolchain {
+
+namespace {
+
+constexpr int failureStatus = 1;
+
+bool isTalkative(const ParsedArguments &arguments)
+{
+    return arguments.has("-verbose") || arguments.has("-debug");
+}
+
+} // namespace
+
+std::vector<Option> withCommonOptions(std::vector<Option> options)
+{
+    options.insert(options.end(), {{{"-quiet"}}, {{"-verbose"}}, {{"-debug"}}, {{"-plist"}}});
+    return options;
+}
+
+void keepQuietIfAsked(const ParsedArguments &arguments)
+{
+    if (!arguments.has("-quiet") || isTalkative(arguments))
+        return;
+    for (std::FILE *stream : {stdout, stderr}) {
+        if (!std::freopen("/dev/null", "w", stream))
+            std::exit(failureStatus); // nobody could be told
+    }
+}
+
+void tellDetail(const ParsedArguments &arguments, const std::string &line)
+{
+    if (isTalkative(arguments))
+        printError(line + "\n");
+}
+
+void printPropertyList(const QVariant &value)
+{
+    print(platform::xmlPropertyListData(value).data.toStdString());
+}
+
+int failVerb(const std::string &verb, const std::string &reason)
+{
+    printError("hdiutil: " + verb + " failed - " + reason + "\n");
+    return failureStatus;
+}
+
+std::filesystem::path fullPath(const std::string &path)
+{
+    const std::filesystem::path full = std::filesystem::absolute(path).lexically_normal();
+    return full.has_filename() ? full : full.parent_path();
+}
+
+int refuseVerbArguments(const std::string &verb, const std::string &complaint)
+{
+    return refuseArguments("hdiutil " + verb, complaint, "Usage: see hdiutil --help\n");
+}
+
+} // namespace toolchain
