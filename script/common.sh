@@ -13,6 +13,7 @@ runPackages=(file dbus-daemon ca-certificates)
 testPackages=(zip unzip dmg2img p7zip-full)
 formatPackages=(clang-format)
 lintPackages=(clang-tidy)
+fuzzPackages=(libclang-rt-14-dev)
 
 # A system without a locale would have Qt warn, and file names lose their letters.
 [[ "${LC_ALL:-${LC_CTYPE:-${LANG-}}}" == *[Uu][Tt][Ff]* ]] || export LC_ALL=C.UTF-8
