@@ -29,8 +29,12 @@ void emptyInPlace(OutputBuffer &buffer)
 
 void append(OutputBuffer &buffer, const QByteArray &more)
 {
-    if (!more.isEmpty())
-        buffer.update([&more](QByteArray &bytes) { bytes.append(more); });
+    buffer.update([&more](QByteArray &bytes) {
+        const qsizetype size = bytes.size() + more.size();
+        if (size > bytes.capacity())
+            bytes.reserve(qMax(size, 2 * bytes.capacity())); // in place, while append() would copy all
+        bytes.append(more);
+    });
 }
 
 void pause(double seconds)
