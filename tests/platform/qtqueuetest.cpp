@@ -3,6 +3,7 @@
 #include "platform/qt/qtworkerqueue.h"
 
 #include <QList>
+#include <QTimer>
 
 #include <gtest/gtest.h>
 
@@ -42,6 +43,30 @@ TEST(QtMainQueue, aBlockPostedOnTheMainThreadRunsLaterToo)
     EXPECT_TRUE(order.isEmpty());
     ASSERT_TRUE(waitFor([&] { return order.size() == 2; }));
     EXPECT_EQ(order, (QList<int>{1, 2}));
+}
+
+TEST(QtMainQueue, aFloodOfBlocksLetsTheEventLoopSeeToTheRest)
+{
+    QtMainQueue queue;
+    bool isFlooding = true;
+    std::function<void()> again = [&] {
+        if (isFlooding)
+            queue.post(again);
+    };
+    queue.post(again);
+    QTimer::singleShot(std::chrono::milliseconds(1), [&] { isFlooding = false; });
+    EXPECT_TRUE(waitFor([&] { return !isFlooding; }));
+}
+
+TEST(QtMainQueue, blocksAreServedWhileAnotherWaitsInAnEventLoopOfItsOwn)
+{
+    QtMainQueue queue;
+    bool isServed = false;
+    bool isServedInside = false;
+    queue.post([&] { isServedInside = waitFor([&] { return isServed; }); });
+    queue.post([&] { isServed = true; });
+    ASSERT_TRUE(waitFor([&] { return isServed; }));
+    EXPECT_TRUE(isServedInside);
 }
 
 TEST(QtMainQueue, onlyTheMainThreadIsTheMainThread)
