@@ -30,6 +30,12 @@ struct FileKind {
     bool isExecutable = false; ///< the calling user may execute it
 };
 
+/// What a listing tells of an entry.
+struct FolderEntry {
+    QString name;
+    FileKind kind;
+};
+
 /// Whether a link to a folder is listed as the folder that it leads to.
 enum class FolderLink { follow, leaveAlone };
 
@@ -55,6 +61,9 @@ public:
     /// The names in a folder, hidden ones left out, in the order in which the file system lists them. Empty
     /// when it cannot be listed, or is a link that is not to be followed.
     virtual QStringList contentsOfDirectory(const QString &path, FolderLink link) const = 0;
+
+    /// The same with the kind of each entry, which costs less than asking for one after the other.
+    virtual QList<FolderEntry> entriesOfDirectory(const QString &path, FolderLink link) const = 0;
 
     /// Creates the folder and those above it. A folder that is there already is no failure.
     virtual Outcome createDirectory(const QString &path) = 0;

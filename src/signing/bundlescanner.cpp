@@ -70,12 +70,12 @@ void BundleScanner::parseDirectory(const QString &directory, OrderedPathSet &sig
 {
     addIfBundle(directory, signableSet, setToSubtract);
     const auto &files = document.host().files;
-    for (const QString &name : files.contentsOfDirectory(directory, links)) {
+    for (const auto &[name, kind] : files.entriesOfDirectory(directory, links)) {
         const QString item = itempath::appending(directory, name);
         if (arrayToPassOver.contains(item))
             continue;
         const QString extension = itempath::lowerExtension(name);
-        if (files.kind(item).isDirectory) {
+        if (kind.isDirectory) {
             if (extension == "framework"_L1)
                 parseFramework(item, signableSet, setToSubtract, arrayToPassOver);
             else
@@ -83,7 +83,7 @@ void BundleScanner::parseDirectory(const QString &directory, OrderedPathSet &sig
         } else if (isSignedUntested(extension)) {
             signableSet.append(item);
         } else {
-            parseFile(directory, item, signableSet);
+            parseFile(directory, item, kind, signableSet);
         }
     }
 }
@@ -104,19 +104,18 @@ void BundleScanner::addIfBundle(const QString &directory, OrderedPathSet &signab
     setToSubtract.insert(path);
 }
 
-void BundleScanner::parseFile(const QString &folder, const QString &file, OrderedPathSet &signableSet)
+void BundleScanner::parseFile(const QString &folder, const QString &file, const platform::FileKind &kind,
+                              OrderedPathSet &signableSet)
 {
-    auto &files = document.host().files;
     const QString name = itempath::lastComponent(file);
     if (isNeverSigned(name))
         return;
     if (isLeftover(itempath::lastComponent(folder), name)) {
-        files.removeItem(file).ignore();
+        document.host().files.removeItem(file).ignore();
         return;
     }
     if (isNeverExamined(itempath::lowerExtension(name)))
         return;
-    const platform::FileKind kind = files.kind(file);
     if (kind.isRegularFile && kind.isExecutable && isMachO(file))
         signableSet.append(file);
 }
@@ -149,9 +148,9 @@ void BundleScanner::parseVersions(const QString &versions, OrderedPathSet &signa
                                   QSet<QString> &setToSubtract, const QStringList &arrayToPassOver)
 {
     const auto &files = document.host().files;
-    for (const QString &name : files.contentsOfDirectory(versions, links)) {
+    for (const auto &[name, kind] : files.entriesOfDirectory(versions, links)) {
         const QString version = itempath::appending(versions, name);
-        if (arrayToPassOver.contains(version) || name == "Current"_L1 || !files.kind(version).isDirectory)
+        if (arrayToPassOver.contains(version) || name == "Current"_L1 || !kind.isDirectory)
             continue;
         signableSet.append(version);
         const QString executable = platform::informationText(files, version, executableKey,

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "document/documentextension.h"
+#include "platform/fileservice.h"
 
 #include <QList>
 #include <QSet>
@@ -43,7 +44,8 @@ public:
 
 private:
     void addIfBundle(const QString &directory, OrderedPathSet &signableSet, QSet<QString> &setToSubtract);
-    void parseFile(const QString &folder, const QString &file, OrderedPathSet &signableSet);
+    void parseFile(const QString &folder, const QString &file, const platform::FileKind &kind,
+                   OrderedPathSet &signableSet);
     void parseVersions(const QString &versions, OrderedPathSet &signableSet, QSet<QString> &setToSubtract,
                        const QStringList &arrayToPassOver);
     bool isMachO(const QString &file);

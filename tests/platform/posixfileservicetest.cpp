@@ -117,6 +117,25 @@ TEST_F(Files, aListingHasNoHiddenNames)
                 UnorderedElementsAre(u"b"_s, u"a folder"_s, u"dangling"_s, u"Größe"_s));
 }
 
+TEST_F(Files, entriesTellTheSameAsAListingAndTheirKinds)
+{
+    folder.file(u"file"_s);
+    folder.file(u".hidden"_s);
+    folder.folder(u"a folder"_s);
+    folder.link(u"link"_s, u"a folder"_s);
+    QStringList names;
+    for (const FolderEntry &entry : files.entriesOfDirectory(folder.path(), FolderLink::leaveAlone)) {
+        names += entry.name;
+        const FileKind kind = files.kind(folder.path(entry.name));
+        EXPECT_EQ(entry.kind.isDirectory, kind.isDirectory);
+        EXPECT_EQ(entry.kind.isRegularFile, kind.isRegularFile);
+        EXPECT_EQ(entry.kind.isExecutable, kind.isExecutable);
+        EXPECT_EQ(entry.kind.isDirectory, entry.name == u"a folder");
+    }
+    EXPECT_EQ(names, files.contentsOfDirectory(folder.path(), FolderLink::leaveAlone));
+    EXPECT_EQ(names.size(), 3);
+}
+
 TEST_F(Files, aLinkToAFolderListsTheFolderIfItIsToBeFollowed)
 {
     folder.folder(u"real"_s);

@@ -151,6 +151,15 @@ QStringList TestFiles::contentsOfDirectory(const QString &path, platform::Folder
     return names;
 }
 
+QList<platform::FolderEntry> TestFiles::entriesOfDirectory(const QString &path,
+                                                           platform::FolderLink link) const
+{
+    QList<platform::FolderEntry> entries;
+    for (const QString &name : contentsOfDirectory(path, link))
+        entries.append({name, kind(path + u'/' + name)});
+    return entries;
+}
+
 Outcome TestFiles::createDirectory(const QString &path)
 {
     const QString error = failureOf("createDirectory", path);

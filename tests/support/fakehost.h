@@ -116,6 +116,8 @@ public:
 
     platform::FileKind kind(const QString &path) const override;
     QStringList contentsOfDirectory(const QString &path, platform::FolderLink link) const override;
+    QList<platform::FolderEntry> entriesOfDirectory(const QString &path,
+                                                    platform::FolderLink link) const override;
     platform::Outcome createDirectory(const QString &path) override;
     platform::Outcome createFile(const QString &path) override;
     platform::Outcome removeItem(const QString &path) override;

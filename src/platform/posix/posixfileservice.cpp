@@ -26,9 +26,38 @@ namespace platform {
 
 namespace {
 
-bool isAllowed(const QByteArray &path, int access)
+bool isAllowed(Place place, int access)
 {
-    return faccessat(AT_FDCWD, path.constData(), access, AT_EACCESS) == 0;
+    return faccessat(place.folder, place.name, access, AT_EACCESS) == 0;
+}
+
+FileKind kindOf(Place place)
+{
+    struct stat state;
+    if (fstatat(place.folder, place.name, &state, AT_SYMLINK_NOFOLLOW) < 0)
+        return {};
+    FileKind kind;
+    kind.isDirectory = S_ISDIR(state.st_mode);
+    kind.isRegularFile = S_ISREG(state.st_mode);
+    // Without any execute bit nobody may, so most files cost one call only.
+    kind.isExecutable = kind.isRegularFile && (state.st_mode & 0111) != 0 && isAllowed(place, X_OK);
+    return kind;
+}
+
+/// Calls the function with each entry that is not hidden, its place in the open folder included.
+template <class Function>
+void forEachEntry(const QString &path, FolderLink link, Function function)
+{
+    const QByteArray native = nativePath(path);
+    const Folder folder({AT_FDCWD, native.constData()},
+                        link == FolderLink::follow ? Links::follow : Links::refuse);
+    const auto entries = folder ? folder.entries() : std::nullopt;
+    if (!entries)
+        return;
+    for (const Folder::Entry &entry : *entries) {
+        if (!entry.name.starts_with('.'))
+            function(QFile::decodeName(entry.name.c_str()), Place{folder.descriptor(), entry.name.c_str()});
+    }
 }
 
 bool hasBundleExtension(const QString &path)
@@ -54,21 +83,14 @@ bool PosixFileService::isReachable(const QString &path) const
 
 bool PosixFileService::isReadable(const QString &path) const
 {
-    return isAllowed(nativePath(path), R_OK);
+    const QByteArray native = nativePath(path);
+    return isAllowed({AT_FDCWD, native.constData()}, R_OK);
 }
 
 FileKind PosixFileService::kind(const QString &path) const
 {
     const QByteArray native = nativePath(path);
-    struct stat state;
-    if (lstat(native.constData(), &state) < 0)
-        return {};
-    FileKind kind;
-    kind.isDirectory = S_ISDIR(state.st_mode);
-    kind.isRegularFile = S_ISREG(state.st_mode);
-    // Without any execute bit nobody may, so most files cost one call only.
-    kind.isExecutable = kind.isRegularFile && (state.st_mode & 0111) != 0 && isAllowed(native, X_OK);
-    return kind;
+    return kindOf({AT_FDCWD, native.constData()});
 }
 
 std::optional<bool> PosixFileService::isPackage(const QString &path) const
@@ -82,19 +104,18 @@ std::optional<bool> PosixFileService::isPackage(const QString &path) const
 
 QStringList PosixFileService::contentsOfDirectory(const QString &path, FolderLink link) const
 {
-    const QByteArray native = nativePath(path);
-    const Folder folder({AT_FDCWD, native.constData()},
-                        link == FolderLink::follow ? Links::follow : Links::refuse);
-    const auto entries = folder ? folder.entries() : std::nullopt;
-    if (!entries)
-        return {};
     QStringList names;
-    names.reserve(static_cast<qsizetype>(entries->size()));
-    for (const Folder::Entry &entry : *entries) {
-        if (!entry.name.starts_with('.'))
-            names += QFile::decodeName(entry.name.c_str());
-    }
+    forEachEntry(path, link, [&names](const QString &name, Place) { names += name; });
     return names;
+}
+
+QList<FolderEntry> PosixFileService::entriesOfDirectory(const QString &path, FolderLink link) const
+{
+    QList<FolderEntry> entries;
+    forEachEntry(path, link, [&entries](const QString &name, Place place) {
+        entries.append({name, kindOf(place)});
+    });
+    return entries;
 }
 
 Outcome PosixFileService::createDirectory(const QString &path)

@@ -12,6 +12,7 @@ public:
     FileKind kind(const QString &path) const override;
     std::optional<bool> isPackage(const QString &path) const override;
     QStringList contentsOfDirectory(const QString &path, FolderLink link) const override;
+    QList<FolderEntry> entriesOfDirectory(const QString &path, FolderLink link) const override;
     Outcome createDirectory(const QString &path) override;
     Outcome createFile(const QString &path) override;
     Outcome removeItem(const QString &path) override;
