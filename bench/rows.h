@@ -1,0 +1,18 @@
+#pragma once
+
+#include "measuring.h"
+
+#include <QList>
+
+/// What is measured, one function for each subject. Each makes its own material in a temporary folder.
+namespace rows {
+
+[[nodiscard]] QList<Figure> oneToolRun();
+[[nodiscard]] QList<Figure> muchToolOutput();
+[[nodiscard]] QList<Figure> bundleWalk();
+[[nodiscard]] QList<Figure> workingCopy();
+[[nodiscard]] QList<Figure> windowLog();
+[[nodiscard]] QList<Figure> submissionOfManyItems();
+[[nodiscard]] QList<Figure> waitingDocuments();
+
+} // namespace rows

@@ -1,0 +1,81 @@
+// The window's log under a flood of lines.
+
+#include "benchhost.h"
+#include "rows.h"
+
+#include "platform/qt/qtmainqueue.h"
+#include "ui/logprinter.h"
+#include "ui/widgetwindow.h"
+#include "ui/windoworder.h"
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QTimer>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int manyLines = 100'000;
+constexpr int fewLines = 25'000;
+constexpr double millisecondsInSecond = 1000;
+
+/// The longest time that a person would have had to wait for the event loop.
+class Stall {
+public:
+    Stall()
+    {
+        QObject::connect(&m_timer, &QTimer::timeout,
+                         [this] { m_longest = qMax(m_longest, m_clock.restart()); });
+        m_clock.start();
+        m_timer.start(0);
+    }
+    qint64 milliseconds() const { return m_longest; }
+
+private:
+    QTimer m_timer;
+    QElapsedTimer m_clock;
+    qint64 m_longest = 0;
+};
+
+struct Flood {
+    double seconds;
+    qint64 stall; ///< milliseconds
+};
+
+Flood flood(int lines)
+{
+    platform::QtMainQueue queue;
+    WindowOrder order;
+    LogPrinter printer;
+    WidgetWindowFactory factory(order, printer);
+    TestHost test;
+    AppDelegate application(benchHost(test, queue, test.files), factory, test.configuration);
+    const DocumentPtr document = application.addedDocument();
+    QCoreApplication::processEvents();
+    const Stall stall;
+    const double seconds = measuring::seconds([&] {
+        document->dispatchToWorker([&document, lines] {
+            for (int line = 0; line < lines; ++line)
+                document->logString(u"line %1 of what a tool has printed, as long as they are"_s.arg(line));
+        });
+        while (document->statusTextView.runs().size() < lines)
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    });
+    const qint64 longest = stall.milliseconds();
+    test.settle();
+    return {seconds, longest};
+}
+
+} // namespace
+
+QList<Figure> rows::windowLog()
+{
+    const Flood few = flood(fewLines);
+    const Flood many = flood(manyLines);
+    const double growth = (many.seconds / manyLines) / (few.seconds / fewLines);
+    return {{u"a line among 100,000 in the window log, over one among 25,000"_s, growth, 1.5, {}},
+            {u"    the longest stall of the main thread meanwhile"_s, static_cast<double>(many.stall), 50,
+             u"ms"_s},
+            {u"    100,000 lines altogether"_s, many.seconds * millisecondsInSecond, 10'000, u"ms"_s}};
+}
