@@ -10,7 +10,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-const QString spctlTool = u"/usr/sbin/spctl"_s;
 const QString productsignTool = u"/usr/bin/productsign"_s;
 const QString packageError = u"Error Signing .pkg File"_s;
 
@@ -26,7 +25,8 @@ bool PackageSteps::checkPkgAndSignWithID(const QString &identity)
 {
     document.logBoldString(u"Checking .pkg..."_s);
     const QString package = itempath::fromUrl(document.appletURL());
-    const auto assessment = document.runAndLog(spctlTool, signingarguments::spctlInstall(package));
+    const auto assessment =
+        document.runAndLog(signingarguments::spctlTool, signingarguments::spctlInstall(package));
     return hasUsableSignature(*assessment) || signPackage(identity);
 }
 

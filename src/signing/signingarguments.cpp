@@ -20,11 +20,6 @@ QString applicationIdentity(const QString &identity)
     return u"Developer ID Application: "_s + identity;
 }
 
-QStringList spctl(const QString &type, const QString &item)
-{
-    return {u"--assess"_s, u"--type"_s, type, u"-vv"_s, item};
-}
-
 const QString digests = u"--digest-algorithm=sha1,sha256"_s;
 
 } // namespace
@@ -53,6 +48,11 @@ QStringList codesignMainFile(const QString &item, const QString &identity, const
         arguments.insert(3, entitlements);
     }
     return withOptions(arguments, options);
+}
+
+QStringList spctl(const QString &type, const QString &item)
+{
+    return {u"--assess"_s, u"--type"_s, type, u"-vv"_s, item};
 }
 
 QStringList spctlExec(const QString &item)

@@ -17,7 +17,6 @@ namespace {
 
 const QString xattrTool = u"/usr/bin/xattr"_s;
 const QString codesignTool = u"/usr/bin/codesign"_s;
-const QString spctlTool = u"/usr/sbin/spctl"_s;
 
 constexpr unsigned readOnlyForAll = 0444;
 
@@ -140,5 +139,5 @@ void SigningSteps::checkSignature()
 {
     document.logBoldString(u"Checking code signature..."_s);
     // What the assessment says is for the log file; it holds nothing up.
-    document.runAndLog(spctlTool, signingarguments::spctlExec(itemPath()));
+    document.runAndLog(signingarguments::spctlTool, signingarguments::spctlExec(itemPath()));
 }
