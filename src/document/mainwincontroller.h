@@ -90,6 +90,9 @@ public:
     /// The usual report of a failed step, and the folder's new name.
     void reportFailure(const QString &title, const QString &logError);
     void reportFailureAndRename(const QString &title, const QString &logError);
+    /// The sheet at the end of a finished run; its second button shows the item in the file viewer. Main
+    /// thread.
+    void beginSuccessSheet(const platform::Alert &alert);
     /// Clears the six flags of a workflow and stops the spinner. Main thread.
     void endWorkflow();
     /// The result that a script gets for a finished submission.

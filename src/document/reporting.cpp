@@ -2,6 +2,7 @@
 
 #include "document/workingfoldernames.h"
 #include "platform/itempath.h"
+#include "platform/workspace.h"
 #include "scripting/scriptcommand.h"
 #include "scripting/scripterrors.h"
 
@@ -62,6 +63,15 @@ void MainWinController::reportFailureAndRename(const QString &title, const QStri
 {
     reportFailure(title, logError);
     renameWorkingFolderWith(workingfolder::failed.toString());
+}
+
+void MainWinController::beginSuccessSheet(const platform::Alert &alert)
+{
+    beginSheet(alert, [this, item = itempath::fromUrl(appletURL())](int answer) {
+        if (answer == platform::alertSecondButton)
+            host().workspace.revealItem(item);
+        changeStatus(status::ready);
+    });
 }
 
 void MainWinController::endWorkflow()

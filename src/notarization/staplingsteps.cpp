@@ -3,7 +3,6 @@
 #include "document/mainwincontroller.h"
 #include "document/workingfoldernames.h"
 #include "platform/itempath.h"
-#include "platform/workspace.h"
 #include "tools/failureline.h"
 
 #include <QVariant>
@@ -80,13 +79,8 @@ void StaplingSteps::endSilently()
 void StaplingSteps::endWithDialog()
 {
     endCommon();
-    const QString item = itempath::fromUrl(document.appletURL());
-    document.beginSheet({u"Stapling Successful"_s,
-                         u"The file '%1' is now ready for distribution."_s.arg(itempath::lastComponent(item)),
-                         {u"OK"_s, u"Show File"_s}},
-                        [this, item](int answer) {
-                            if (answer == platform::alertSecondButton)
-                                document.host().workspace.revealItem(item);
-                            document.changeStatus(status::ready);
-                        });
+    const QString name = itempath::lastComponent(itempath::fromUrl(document.appletURL()));
+    document.beginSuccessSheet({u"Stapling Successful"_s,
+                                u"The file '%1' is now ready for distribution."_s.arg(name),
+                                {u"OK"_s, u"Show File"_s}});
 }

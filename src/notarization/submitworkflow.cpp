@@ -1,15 +1,12 @@
 #include "notarization/submitworkflow.h"
 
 #include "app/appdelegate.h"
-#include "app/preferencekeys.h"
 #include "document/documentextensions.h"
 #include "document/mainwincontroller.h"
 #include "document/workingfoldernames.h"
 #include "platform/applicationhost.h"
 #include "platform/bundle.h"
-#include "platform/fileservice.h"
 #include "platform/itempath.h"
-#include "platform/preferences.h"
 
 #include <QUuid>
 
@@ -19,8 +16,6 @@ namespace {
 
 constexpr qsizetype longestTooShortAppleID = 2;
 constexpr qsizetype longestTooShortPasswordKey = 1;
-
-const QString interfaceIsBlocked = u"Inteface is blocked."_s;
 
 } // namespace
 
@@ -70,8 +65,7 @@ void SubmitWorkflow::doCancelDirectSubmit()
 
 void SubmitWorkflow::submitByPerson(const QUrl &url)
 {
-    document.isScripted.set(false);
-    document.suppressDialogs.set(false);
+    setStartedByPerson();
     submitURL(url);
 }
 
@@ -83,49 +77,20 @@ void SubmitWorkflow::scriptedSubmit(const QUrl &url)
 
 void SubmitWorkflow::doSubmitAgain()
 {
-    auto &files = document.host().files;
-    const QString original = itempath::fromUrl(document.originalAppletURL());
-    if (!files.isReachable(original)) {
-        const QString kept = workingfolder::unmodifiedOriginalPath(original, workingfolder::notarized);
-        if (!files.isReachable(kept) || !files.copyItem(kept, original))
-            return reportFileNotFound(original);
-    }
+    if (!recoverOriginal(workingfolder::notarized))
+        return reportFileNotFound(itempath::fromUrl(document.originalAppletURL()));
     submitByPerson(document.originalAppletURL());
-}
-
-void SubmitWorkflow::reportFileNotFound(const QString &path)
-{
-    document.changeStatus(status::interacting);
-    document.beginSheet(
-        {u"File Not Found"_s, u"The file:\n\n‘%1’\n\nhas been moved or deleted."_s.arg(path), {}},
-        [this](int) {
-            document.lastAction.set(nothingToRepeat);
-            document.changeStatus(status::ready);
-        });
 }
 
 // Checks
 
-void SubmitWorkflow::setOriginal(const QUrl &url)
-{
-    const QString path = itempath::fromUrl(url);
-    document.originalAppletURL.set(itempath::toUrl(path));
-    document.originalFileName.set(itempath::lastComponent(path));
-    document.lastAction.set(submitAction);
-}
-
 void SubmitWorkflow::submitURL(const QUrl &url)
 {
     if (!url.isEmpty())
-        setOriginal(url);
-    if (!document.finishEditing(interfaceIsBlocked))
+        setOriginal(url, submitAction);
+    if (!beginSubmitting())
         return;
-    document.changeStatus(status::submitting);
-    document.isBusy.set(true);
-    document.isSubmitting.set(true);
-    document.infoFailureCount.set(0);
     document.info239FailureCount.set(0);
-    document.loggingToFile.set(document.host().preferences.boolean(key::detailedLogToFile));
     if (!checkFields(url))
         return;
     if (url.isEmpty())
@@ -145,8 +110,8 @@ bool SubmitWorkflow::checkFields(const QUrl &url)
             u"You need to enter the key to an application-specific password you have added to your login Keychain."_s,
             document.appPassField);
     const QString identity = document.identitiesPopup.titleOfSelectedItem();
-    if (identity == noIdentitiesPlaceholder)
-        return refuse(u"No Identities Found"_s, u"No Developer ID codesigning identities have been found."_s);
+    if (!checkIdentity(identity))
+        return false;
     const QString path = itempath::fromUrl(url);
     if (itemKind(path) == ItemKind::pkg && !document.appDelegate().installerIdentities().contains(identity))
         return refuse(
@@ -173,47 +138,27 @@ bool SubmitWorkflow::refuseIncomplete(const QString &title, const QString &text,
     return false;
 }
 
-bool SubmitWorkflow::refuse(const QString &title, const QString &text)
-{
-    document.finalAlertOrMessage(title, text, text);
-    document.host().application.beep();
-    return false;
-}
-
 void SubmitWorkflow::chooseItem()
 {
-    document.changeStatus(status::interacting);
-    const platform::OpenPanel panel{
-        .message = u"Choose an app, plugin, fmplugin, flat package or disk image to copy and submit"_s,
-        .allowedFileTypes = submittableExtensions(),
-        .canChooseFiles = true,
-        .canChooseDirectories = false,
-        .shouldEnable = &MainWinController::shouldEnableURL,
-    };
-    document.window().beginOpenPanel(panel, [this, held = document.shared_from_this()](const QUrl &chosen) {
-        if (chosen.isEmpty()) {
-            document.changeStatus(status::ready);
-            document.isBusy.set(false);
-            document.isSubmitting.set(false);
-            document.progressIndicator.stopAnimation();
-            return;
-        }
-        document.changeStatus(status::submitting);
-        setOriginal(chosen);
-        startWithOriginal();
-    });
+    askForItem(
+        {.message = u"Choose an app, plugin, fmplugin, flat package or disk image to copy and submit"_s,
+         .allowedFileTypes = submittableExtensions(),
+         .canChooseFiles = true,
+         .canChooseDirectories = false,
+         .shouldEnable = &MainWinController::shouldEnableURL},
+        [this](const QUrl &chosen) {
+            document.changeStatus(status::submitting);
+            setOriginal(chosen, submitAction);
+            startWithOriginal();
+        },
+        [this] { endBeforeStart(); });
 }
 
 void SubmitWorkflow::startWithOriginal()
 {
     if (!checkKind())
         return;
-    const QString name = document.originalFileName();
-    document.appletNameField.setStringValue(name);
-    document.window().setTitle(document.appDelegate().uniqueWindowNameFrom(name));
-    document.progressIndicator.startAnimation();
-    if (!document.dontClearCheckbox.isOn())
-        document.statusTextView.clear();
+    showItem(document.originalFileName());
     submitAsync({.appleID = document.appleIDField.stringValue(),
                  .passwordKey = document.appPassField.stringValue().trimmed(),
                  .providerName = document.providerNameField.stringValue()},
@@ -239,11 +184,6 @@ void SubmitWorkflow::submitAsync(const Credentials &credentials, const QString &
 }
 
 // The background chain
-
-bool SubmitWorkflow::goesOn(bool stepWorked) const
-{
-    return stepWorked && !document.cancelPressed();
-}
 
 void SubmitWorkflow::runChain(const Submission &submission)
 {

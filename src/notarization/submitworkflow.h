@@ -1,6 +1,6 @@
 #pragma once
 
-#include "document/documentextension.h"
+#include "document/itemworkflow.h"
 #include "notarization/altoolarguments.h"
 
 #include <QUrl>
@@ -18,10 +18,10 @@ enum class ItemKind { app, pkg, fmplugin, plugin, dmg, other };
 [[nodiscard]] QString fallbackIdentifier(const QString &itemPath);
 
 /// Carries one item from the user's hands to the upload.
-class SubmitWorkflow : private DocumentExtension {
+class SubmitWorkflow : private ItemWorkflow {
 public:
     explicit SubmitWorkflow(MainWinController &owner)
-        : DocumentExtension(owner)
+        : ItemWorkflow(owner)
     {
     }
 
@@ -52,23 +52,19 @@ private:
         bool dontSignEnclosures;
     };
 
-    void setOriginal(const QUrl &url);
     bool checkFields(const QUrl &url);
     bool checkKind();
-    bool refuse(const QString &title, const QString &text);
     bool refuseIncomplete(const QString &title, const QString &text, class TextField &field);
     void chooseItem();
     void startWithOriginal();
     void submitAsync(const Credentials &credentials, const QString &identity);
     void submitByPerson(const QUrl &url);
-    void reportFileNotFound(const QString &path);
     void _prepareDirectSubmitUI();
     void _cancelDirectSubmitUI();
     void setOrdinaryControlsHidden(bool isHidden);
 
     // The background chain. Worker thread. A step that answers false has reported, or a cancel has.
     void runChain(const Submission &submission);
-    [[nodiscard]] bool goesOn(bool stepWorked) const;
     [[nodiscard]] bool prepareItem(const Submission &submission, QString &identifier);
     [[nodiscard]] bool preparePackage(const Submission &submission);
     [[nodiscard]] bool prepareBundle(const Submission &submission, QString &identifier);
