@@ -35,6 +35,19 @@ bool StepTest::run(const std::function<bool()> &step)
     return result;
 }
 
+void StepTest::runByScript(const std::function<void()> &entry, bool showingDialogs)
+{
+    const auto command = std::make_shared<ScriptCommand>(
+        QVariantMap(), [this](const ScriptReply &answer) { scriptReply = answer; });
+    command->execute([&](const ScriptCommandPtr &executing) {
+        document().suppressDialogs.set(!showingDialogs);
+        document().currentCommand.set(executing);
+        executing->suspendExecution();
+    });
+    entry();
+    host.settle();
+}
+
 QString StepTest::copy()
 {
     return itempath::fromUrl(document().appletURL());

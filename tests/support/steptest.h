@@ -2,6 +2,7 @@
 
 #include "document/documentextensions.h"
 #include "document/mainwincontroller.h"
+#include "scripting/scriptcommand.h"
 #include "scripting/scripterrors.h"
 #include "support/items.h"
 #include "support/testhost.h"
@@ -19,6 +20,10 @@ protected:
     /// Runs the step on a worker, lets all that it queued happen and answers with its result.
     [[nodiscard]] bool run(const std::function<bool()> &step);
 
+    /// Lets a script's command that asks for dialogs or none wait on the document, calls the entry and lets
+    /// all of it happen; the answer is in `scriptReply`.
+    void runByScript(const std::function<void()> &entry, bool showingDialogs = false);
+
     /// Path of the working copy, wherever its folder has gone.
     QString copy();
     /// The one line in the error style of the window log, with "#" in place of a response's number.
@@ -32,6 +37,7 @@ protected:
     void expectUsableFor(const QString &name);
 
     TestHost host;
+    std::optional<ScriptReply> scriptReply;
     bool isLaunched = false;
 };
 
