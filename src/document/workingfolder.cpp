@@ -53,7 +53,7 @@ void MainWinController::openLog(const QString &path, const QString &banner)
     if (!loggingToFile())
         return;
     auto &files = host().files;
-    if (!files.createFile(path))
+    if (!files.isReachable(path) && !files.createFile(path))
         return; // the window log is then the only one
     logHandle.set(files.openForAppending(path));
     logToFile(banner);

@@ -219,6 +219,13 @@ TEST_F(SubmissionLog, openingClosesTheFileThatWasOpenEvenWhereNoneIsWanted)
     EXPECT_EQ(host.listing(), QStringList{u"log.txt"_s});
 }
 
+TEST_F(SubmissionLog, openingAddsToAFileThatIsThere)
+{
+    items::makeFile(host.item(u"log.txt"_s), "earlier\n");
+    openLog();
+    EXPECT_EQ(fileLog(), u"earlier\n"_s + stamp + u"head\n"_s);
+}
+
 TEST_F(SubmissionLog, aFileThatCannotBeMadeIsNoError)
 {
     host.files.failure = [](const QString &operation, const QString &) {
