@@ -75,7 +75,8 @@ public:
     // The working folder. Worker thread.
     [[nodiscard]] bool createWorkingFolderAndLog();
     void renameWorkingFolderWith(const QString &suffix);
-    /// Opens the log file at the path and heads it with the banner, if logging to a file is on.
+    /// Closes the log file that is open. If logging to a file is on, opens the one at the path, which is made
+    /// if there is none and else is added to, and heads what follows with the banner.
     void openLog(const QString &path, const QString &banner);
     /// Puts the user's untouched item into the working folder, after a success. Nothing is reported.
     void moveOriginalIntoWorkingFolder();
@@ -95,7 +96,8 @@ public:
     void beginSuccessSheet(const platform::Alert &alert);
     /// Clears the six flags of a workflow and stops the spinner. Main thread.
     void endWorkflow();
-    /// The result that a script gets for a finished submission.
+    /// The result that a script gets for a finished submission or stapling: the item, or with disk images on
+    /// the file that was last uploaded, if there has been one.
     QUrl scriptResult() const;
     /// Answers the script command that waits for this workflow, if one does. Any thread.
     void resumeScript(const QVariant &result);

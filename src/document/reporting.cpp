@@ -87,7 +87,8 @@ void MainWinController::endWorkflow()
 
 QUrl MainWinController::scriptResult() const
 {
-    return useDiskImage() ? itempath::toUrl(submitFilePath()) : appletURL();
+    const QString uploaded = submitFilePath();
+    return useDiskImage() && !uploaded.isNull() ? itempath::toUrl(uploaded) : appletURL();
 }
 
 void MainWinController::resumeScript(const QVariant &result)

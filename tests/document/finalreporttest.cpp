@@ -263,6 +263,13 @@ TEST_F(FinalReport, theResultOfASuccessIsTheItemOrItsDiskImage)
     EXPECT_EQ(document().scriptResult(), itempath::toUrl(u"/items/Foo.dmg"_s));
 }
 
+TEST_F(FinalReport, theResultIsTheItemWhereNothingHasBeenUploaded)
+{
+    document().appletURL.set(itempath::toUrl(u"/items/Foo.app"_s));
+    document().useDiskImage.set(true);
+    EXPECT_EQ(document().scriptResult(), itempath::toUrl(u"/items/Foo.app"_s));
+}
+
 TEST_F(FinalReport, onlyAScriptedRunAnswersItsCommandWithAResult)
 {
     giveCommand();
