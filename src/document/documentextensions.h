@@ -12,6 +12,7 @@
 #include "signing/entitlements.h"
 #include "signing/packagesteps.h"
 #include "signing/signingsteps.h"
+#include "signing/signonlyworkflow.h"
 
 /// The workflows of one document, by what they are about. The document owns them; each refers back to it.
 struct DocumentExtensions {
@@ -21,6 +22,7 @@ struct DocumentExtensions {
         , entitlements(document)
         , signing(document)
         , packages(document)
+        , signOnly(document)
         , submit(document)
         , credentials(document)
         , archive(document)
@@ -36,6 +38,7 @@ struct DocumentExtensions {
     Entitlements entitlements;
     SigningSteps signing;
     PackageSteps packages;
+    SignOnlyWorkflow signOnly;
     SubmitWorkflow submit;
     CredentialCheck credentials;
     ArchiveSteps archive;

@@ -80,6 +80,7 @@ void MainWinController::bindControls()
     };
     connect(&m_appDelegate.dropDMGConfigNames, &Observable::changed, this, showConfigNames);
     showConfigNames();
+    signOnlyButton.setAction(Action::doSignOnly);
     steps().submit.setOrdinaryButtons();
 }
 
@@ -121,6 +122,10 @@ void MainWinController::perform(Action action)
         return steps().submit.doSubmitAgain();
     case Action::doCancelDirectSubmit:
         return steps().submit.doCancelDirectSubmit();
+    case Action::doSignOnly:
+        return steps().signOnly.doSignOnly();
+    case Action::doSignAgain:
+        return steps().signOnly.doSignAgain();
     case Action::doCancel:
         return doCancel();
     case Action::doClearStatus:
@@ -148,8 +153,6 @@ void MainWinController::perform(Action action)
     case Action::none:
     case Action::doStapleOnly:
     case Action::doStapleAgain:
-    case Action::doSignOnly:
-    case Action::doSignAgain:
     case Action::doFetchHistory:
     case Action::doInfoForUUIDOnClipboard:
     case Action::doInfoForUUIDOfLastUpload:

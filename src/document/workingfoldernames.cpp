@@ -7,7 +7,7 @@ using namespace Qt::StringLiterals;
 namespace workingfolder {
 
 namespace {
-constexpr qsizetype ruleLength = 88;
+const QString rule(88, u'*');
 }
 
 QString name(const QString &base, QStringView suffix)
@@ -30,7 +30,6 @@ QString unmodifiedOriginalPath(const QString &itemPath, QStringView suffix)
 
 QString banner(const QString &copyPath)
 {
-    const QString rule(ruleLength, u'*');
     return rule + u"\nBeginning processing of "_s + itempath::extension(copyPath) + u" at '"_s + copyPath
         + u"'\n"_s + rule + u'\n';
 }

@@ -9,6 +9,7 @@ inline constexpr QStringView working = u"Working";
 inline constexpr QStringView failed = u"Failed";
 inline constexpr QStringView submitted = u"Submitted";
 inline constexpr QStringView notarized = u"Notarized";
+inline constexpr QStringView codeSigned = u"Signed";
 
 /// "Foo - Working", "Foo - Notarized" and so on.
 [[nodiscard]] QString name(const QString &base, QStringView suffix);

@@ -79,12 +79,13 @@ INSTANTIATE_TEST_SUITE_P(Files, BaseName,
                                          NameRow{"blanks", u"My  App .app"_s, u"My  App "_s}),
                          [](const auto &row) { return row.param.name; });
 
-TEST(WorkingFolderNames, theSuffixesAreTheseFour)
+TEST(WorkingFolderNames, theSuffixesAreTheseFive)
 {
     EXPECT_EQ(workingfolder::working, u"Working");
     EXPECT_EQ(workingfolder::failed, u"Failed");
     EXPECT_EQ(workingfolder::submitted, u"Submitted");
     EXPECT_EQ(workingfolder::notarized, u"Notarized");
+    EXPECT_EQ(workingfolder::codeSigned, u"Signed");
     EXPECT_EQ(workingfolder::logName, u"Submission Log.txt");
 }
 
