@@ -4,6 +4,7 @@
 #include "notarization/archivesteps.h"
 #include "notarization/credentialcheck.h"
 #include "notarization/pollingsteps.h"
+#include "notarization/stapleonlyworkflow.h"
 #include "notarization/staplingsteps.h"
 #include "notarization/submitworkflow.h"
 #include "notarization/uploadstep.h"
@@ -29,6 +30,7 @@ struct DocumentExtensions {
         , upload(document)
         , polling(document)
         , stapling(document)
+        , stapleOnly(document)
         , scripting(document)
     {
     }
@@ -45,5 +47,6 @@ struct DocumentExtensions {
     UploadStep upload;
     PollingSteps polling;
     StaplingSteps stapling;
+    StapleOnlyWorkflow stapleOnly;
     MainWinControllerScripting scripting;
 };

@@ -122,6 +122,10 @@ void MainWinController::perform(Action action)
         return steps().submit.doSubmitAgain();
     case Action::doCancelDirectSubmit:
         return steps().submit.doCancelDirectSubmit();
+    case Action::doStapleOnly:
+        return steps().stapleOnly.doStapleOnly();
+    case Action::doStapleAgain:
+        return steps().stapleOnly.doStapleAgain();
     case Action::doSignOnly:
         return steps().signOnly.doSignOnly();
     case Action::doSignAgain:
@@ -151,8 +155,6 @@ void MainWinController::perform(Action action)
     case Action::doCloseWindow:
         return doCloseWindow();
     case Action::none:
-    case Action::doStapleOnly:
-    case Action::doStapleAgain:
     case Action::doFetchHistory:
     case Action::doInfoForUUIDOnClipboard:
     case Action::doInfoForUUIDOfLastUpload:

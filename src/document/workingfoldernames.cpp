@@ -34,4 +34,9 @@ QString banner(const QString &copyPath)
         + u"'\n"_s + rule + u'\n';
 }
 
+QString stapleOnlyBanner(const QString &itemPath)
+{
+    return u'\\' + rule + u"\nBeginning staple only of file at '"_s + itemPath + u"'\n"_s + rule + u'\n';
+}
+
 } // namespace workingfolder

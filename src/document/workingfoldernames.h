@@ -24,5 +24,7 @@ inline constexpr QStringView requestUUIDName = u"RequestUUID.txt";
 
 /// The head of the log file of a run on the copy at the path.
 [[nodiscard]] QString banner(const QString &copyPath);
+/// The head of what a run adds to the log file that only staples the item at the path.
+[[nodiscard]] QString stapleOnlyBanner(const QString &itemPath);
 
 } // namespace workingfolder

@@ -17,8 +17,10 @@ public:
     /// also puts the untouched item away and gives the folder its last name. Worker thread.
     void runStaplerAndFinish();
 
+    /// Whether the folder of the document's item has the name that an accepted upload gives it.
+    [[nodiscard]] bool isInSubmittedFolder() const;
+
 private:
-    bool isInSubmittedFolder() const;
     void reportFailure(const SLWTaskResponse &response, bool isSubmission);
     void endSilently();
     void endWithDialog();

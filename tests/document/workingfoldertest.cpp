@@ -115,6 +115,13 @@ TEST_F(WorkingFolder, theBannersRulesHaveEightyEightAsterisks)
                   + QString(88, u'*') + u'\n');
 }
 
+TEST_F(WorkingFolder, theBannerOfStaplingByItselfBeginsWithABackslash)
+{
+    EXPECT_EQ(workingfolder::stapleOnlyBanner(u"/P/Foo.app"_s),
+              u'\\' + QString(88, u'*') + u"\nBeginning staple only of file at '/P/Foo.app'\n"_s
+                  + QString(88, u'*') + u'\n');
+}
+
 TEST_F(WorkingFolder, leftFromACrashIsReplacedWithoutAsking)
 {
     launchWithApp();
