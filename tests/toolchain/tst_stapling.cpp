@@ -164,6 +164,28 @@ TEST_F(Stapling, anAssessmentOfAStapledBundleAsksNoNotary)
     EXPECT_EQ(assess().status, 0);
 }
 
+TEST_F(Stapling, anAssessmentWaitsForTheVerdict)
+{
+    const QString uuid = submit();
+    EXPECT_EQ(assess(u"execute"_s).status, 3) << "its request is in progress";
+    ASSERT_TRUE(pollToTheEnd(uuid).output.contains(u"Status: success"_s));
+    const ToolResult approved = assess(u"execute"_s);
+    EXPECT_EQ(approved.status, 0);
+    EXPECT_TRUE(approved.error.startsWith(app() + u": accepted\n"_s)) << approved.error.toStdString();
+    ASSERT_EQ(staple().status, 0);
+    EXPECT_EQ(assess(u"execute"_s).error, approved.error);
+}
+
+TEST_F(Stapling, anAssessmentRejectsWhatTheNotaryRefused)
+{
+    writeFile(app() + u"/Contents/Resources/added"_s, "not sealed");
+    ASSERT_TRUE(pollToTheEnd(submit()).output.contains(u"Status: invalid"_s));
+    ASSERT_TRUE(QFile::remove(app() + u"/Contents/Resources/added"_s));
+    const ToolResult result = assess(u"execute"_s);
+    EXPECT_EQ(result.status, 3);
+    EXPECT_EQ(result.error, app() + u": rejected\nsource=Unnotarized (local stand-in)\n"_s);
+}
+
 TEST_F(Stapling, anAssessmentRejectsWhatNobodyApproved)
 {
     const ToolResult result = assess();
