@@ -216,7 +216,7 @@ TEST_F(Altool, anArchiveCutShortIsRefused)
     EXPECT_TRUE(issuesOfRefusal().value(u"My App.zip"_s).startsWith(u"The archive cannot be read: "_s));
 }
 
-TEST_F(Altool, aFileThatIsNoZipArchiveIsNotTaken)
+TEST_F(Altool, aFileOfAnotherKindIsNotTaken)
 {
     writeFile(path(u"image.dmg"_s), "koly");
     const ToolResult reply = upload(path(u"image.dmg"_s));

@@ -221,12 +221,13 @@ TEST_F(Codesign, refusesFoldersThatAreNoBundles)
     EXPECT_FALSE(QFileInfo::exists(app() + seal));
 }
 
-TEST_F(Codesign, refusesDiskImages)
+TEST_F(Codesign, refusesWhatIsOnlyCalledADiskImage)
 {
     writeFile(path(u"image.dmg"_s), "koly");
     const ToolResult result = sign(path(u"image.dmg"_s));
     EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(result.error, path(u"image.dmg"_s) + u": disk images cannot be signed by this edition\n"_s);
+    EXPECT_EQ(result.error,
+              path(u"image.dmg"_s) + u": bundle format unrecognized, invalid, or unsuitable\n"_s);
 }
 
 TEST_F(Codesign, aMissingItemIsAnError)

@@ -135,7 +135,7 @@ TEST_F(Stapling, aTicketOfAnotherSealDoesNotValidate)
     EXPECT_EQ(assess().status, 3);
 }
 
-TEST_F(Stapling, refusesWhatIsNoBundle)
+TEST_F(Stapling, refusesWhatNoTicketCanBeAttachedTo)
 {
     writeFile(path(u"image.dmg"_s), "koly");
     EXPECT_EQ(run(xcrun, {u"stapler"_s, u"staple"_s, path(u"image.dmg"_s)}).status, 72);

@@ -4,7 +4,6 @@
 #include "formats/notarystate.h"
 #include "formats/passwords.h"
 #include "formats/statefolder.h"
-#include "formats/zipreader.h"
 #include "support/console.h"
 
 #include <QCryptographicHash>
@@ -29,12 +28,12 @@ For each of them: [--asc-provider NAME] [--output-format normal|xml]
 )";
 
 constexpr std::string_view details = R"(
-Sends a zip archive to the notary and asks what became of it. The notary is a stand-in too: a folder on this
-machine, which keeps the archive's digest and looks whether the bundle at the archive's top bears a seal that
-agrees with its files. Nothing leaves the machine, nobody at Apple sees or approves anything, and an approval
+Sends a zip archive or a disk image to the notary and asks what became of it. The notary is a stand-in too: a
+folder on this machine, which keeps the file's digest and looks whether the bundles at its top bear seals that
+agree with their files. Nothing leaves the machine, nobody at Apple sees or approves anything, and an approval
 is worth nothing elsewhere.
 
-  -f, --file FILE          a zip archive; disk images and packages are refused
+  -f, --file FILE          a zip archive or a disk image, whatever it is called
   --primary-bundle-id ID   kept with the request
   -u, --username ID        any; there are no accounts
   -p, --password PASSWORD  must be there; an item of the keychain folder is made by sealwright-keychain
@@ -104,14 +103,14 @@ int notarizeApp(const ParsedArguments &arguments)
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return fail(u"Unable to read the file '%1': %2"_s.arg(path, file.errorString()));
-    if (!looksLikeZipArchive(path))
-        return fail(
-            u"'%1' is no zip archive, and this stand-in for the notary reads nothing else."_s.arg(path));
+    if (!canBeReviewed(path))
+        return fail(u"'%1' is neither a zip archive nor a disk image, and this stand-in for the notary reads "
+                    "nothing else."_s.arg(path));
     NotaryRequest request;
     request.archiveDigest = digestOf(file);
     if (request.archiveDigest.isEmpty())
         return fail(u"Unable to read the file '%1': %2"_s.arg(path, file.errorString()));
-    const Review review = reviewArchive(path);
+    const Review review = reviewUpload(path);
     request.uuid = QUuid::createUuid().toString(QUuid::WithoutBraces);
     request.archiveName = QFileInfo(path).fileName();
     request.bundleIdentifier = argument(arguments, "--primary-bundle-id");

@@ -23,7 +23,8 @@ constexpr std::string_view usage =
        codesign --help
 
 Seals each PATH, which is a bundle, a framework or a framework's version folder: writes the digests of its
-files to _CodeSignature/CodeResources.
+files to _CodeSignature/CodeResources. A PATH that is a disk image is signed: a signature of its SHA-256 by the
+identity's key goes between the image and its trailer, where programs that read the image pass over it.
 
   -s, --sign IDENTITY   a certificate's name, a part of it, or its SHA-1; it must be in the keychain folder
   -f, --force           replace a seal that is there
@@ -36,7 +37,8 @@ files to _CodeSignature/CodeResources.
   -h, --help            print this text
 
 This edition makes the seal of the bundle's files and no signature: nothing is written into Mach-O files and
-nothing is signed with the identity's key. A Mach-O file given as PATH is checked to be one and left as it
+nothing of a bundle is signed with the identity's key. A disk image's signature is a note in JSON that macOS
+does not read as a signature. A Mach-O file given as PATH is checked to be one and left as it
 is, with success. Bundles inside a bundle are sealed as plain files. Nothing accepts the result but the
 tools of this toolchain.
 )";
@@ -45,24 +47,6 @@ int fail(const QString &subject, const QString &message)
 {
     printError((subject + u": "_s + message + u'\n').toStdString());
     return 1;
-}
-
-/// What is wrong with the wish for an identity; empty if there is exactly one that can sign code.
-QString identityProblem(const QString &wanted)
-{
-    QStringList names;
-    for (const Identity &identity : readIdentities(keychainFolder()).identities) {
-        const bool matches =
-            identity.sha1.compare(wanted, Qt::CaseInsensitive) == 0 || identity.commonName.contains(wanted);
-        if (!matches || !identity.isValidNow || !identity.canSignCode)
-            continue;
-        if (identity.commonName == wanted)
-            return {};
-        names.append(identity.commonName);
-    }
-    if (names.isEmpty() || wanted.isEmpty())
-        return u"no identity found"_s;
-    return names.size() == 1 ? QString() : u"ambiguous (matches \"%1\")"_s.arg(names.join(u"\" and \""_s));
 }
 
 QString entitlementsProblem(const QString &path)
@@ -108,10 +92,6 @@ int checkArguments(const ParsedArguments &arguments)
     if (!digestsFrom(arguments))
         return refuseArguments("codesign", "digest algorithms are sha256 or sha1,sha256", usage);
 
-    const QString identity = QString::fromStdString(arguments.value("-s"));
-    const QString problem = identityProblem(identity);
-    if (!problem.isEmpty())
-        return fail(identity, problem);
     if (!arguments.has("--entitlements"))
         return 0;
     const QString entitlements = QString::fromStdString(arguments.value("--entitlements"));
@@ -119,10 +99,11 @@ int checkArguments(const ParsedArguments &arguments)
     return complaint.isEmpty() ? 0 : fail(entitlements, complaint);
 }
 
-int signOperand(const std::string &operand, const ParsedArguments &arguments)
+int signOperand(const std::string &operand, const ParsedArguments &arguments, const Identity &identity)
 {
     const QString path = QDir::cleanPath(QString::fromStdString(operand));
-    const SigningOptions options{arguments.has("-f"), arguments.has("--deep"), *digestsFrom(arguments)};
+    const SigningOptions options{arguments.has("-f"), arguments.has("--deep"), *digestsFrom(arguments),
+                                 identity.sha1};
     const SigningResult result = signItem(path, options);
     if (!result.error.isEmpty())
         return fail(path, result.error);
@@ -152,8 +133,14 @@ int main(int argc, char **argv)
         return 0;
     }
     int status = checkArguments(arguments);
+    if (status != 0)
+        return status;
+    const QString wanted = QString::fromStdString(arguments.value("-s"));
+    const IdentityChoice choice = chooseIdentity(keychainFolder(), wanted, IdentityKind::Application);
+    if (!choice.identity)
+        return fail(wanted, choice.problem);
     for (auto operand = arguments.operands.begin(); status == 0 && operand != arguments.operands.end();
          ++operand)
-        status = signOperand(*operand, arguments);
+        status = signOperand(*operand, arguments, *choice.identity);
     return status;
 }

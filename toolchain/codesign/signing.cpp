@@ -1,6 +1,8 @@
 #include "codesign/signing.h"
 
 #include "formats/machofile.h"
+#include "formats/signedimage.h"
+#include "formats/statefolder.h"
 #include "support/wholefile.h"
 
 #include <QDir>
@@ -75,12 +77,28 @@ QString sealNestedBundles(const QString &folder, const SigningOptions &options)
     return {};
 }
 
-SigningResult signFile(const QString &path)
+SigningResult signImage(const QString &path, const SigningOptions &options)
+{
+    const SignedImage image(path);
+    if (!image.error().isEmpty())
+        return {image.error(), {}};
+    const bool isSigned = image.hasForeignSignature() || !image.note().signature.bytes.isEmpty();
+    if (isSigned && !options.replacesSeals)
+        return {u"is already signed"_s, {}};
+    const DigestSignature signature = DigestSigner(keychainFolder(), options.certificateSha1)
+                                          .sign(image.digest(), QCryptographicHash::Sha256);
+    if (signature.bytes.isEmpty())
+        return {u"the identity's key cannot sign"_s, {}};
+    const QString problem = image.write({signature, {}});
+    return {problem, problem.isEmpty() ? u"signed disk image"_s : QString()};
+}
+
+SigningResult signFile(const QString &path, const SigningOptions &options)
 {
     if (readMachOFile(path.toStdString()))
         return {{}, u"checked; this edition writes no signature into Mach-O files"_s};
-    if (path.endsWith(u".dmg"_s, Qt::CaseInsensitive))
-        return {u"disk images cannot be signed by this edition"_s, {}};
+    if (SignedImage::looksLikeOne(path))
+        return signImage(path, options);
     return {u"bundle format unrecognized, invalid, or unsuitable"_s, {}};
 }
 
@@ -92,7 +110,7 @@ SigningResult signItem(const QString &path, const SigningOptions &options)
     if (!item.exists())
         return {u"No such file or directory"_s, {}};
     if (item.isFile())
-        return signFile(path);
+        return signFile(path, options);
     const auto bundle = readBundle(path);
     if (!bundle)
         return {u"bundle format unrecognized, invalid, or unsuitable"_s, {}};

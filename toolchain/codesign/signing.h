@@ -10,6 +10,7 @@ struct SigningOptions {
     bool replacesSeals = false; ///< of an item that is sealed already
     bool sealsNestedBundles = false;
     SealDigests digests = SealDigests::Sha1AndSha256;
+    QString certificateSha1; ///< of the identity; only a disk image is signed with its key
 };
 
 struct SigningResult {
@@ -17,7 +18,7 @@ struct SigningResult {
     QString report; ///< what was done, without the item's path
 };
 
-/// Seals a bundle, or checks that a file is a Mach-O file. Anything else is refused.
+/// Seals a bundle, signs a disk image, or checks that a file is a Mach-O file. Anything else is refused.
 [[nodiscard]] SigningResult signItem(const QString &path, const SigningOptions &options);
 
 } // namespace toolchain

@@ -1,7 +1,5 @@
 #include "formats/identities.h"
 
-#include <QDir>
-#include <QFile>
 #include <QUrl>
 
 #include <openssl/ec.h>
@@ -9,15 +7,12 @@
 #include <openssl/evp.h>
 #include <openssl/pem.h>
 #include <openssl/rand.h>
+#include <openssl/rsa.h>
 #include <openssl/x509v3.h>
 
 #include <sys/stat.h>
 
-#include <algorithm>
-#include <memory>
-#include <vector>
-
-#include "formats/statefolder.h"
+#include "formats/keychaincontents.h"
 #include "support/wholefile.h"
 
 using namespace Qt::StringLiterals;
@@ -26,64 +21,13 @@ namespace toolchain {
 
 namespace {
 
-template <auto freeFunction>
-struct Freed {
-    template <typename T>
-    void operator()(T *object) const
-    {
-        freeFunction(object);
-    }
-};
-
-using Certificate = std::unique_ptr<X509, Freed<X509_free>>;
-using Key = std::unique_ptr<EVP_PKEY, Freed<EVP_PKEY_free>>;
-using MemoryFile = std::unique_ptr<BIO, Freed<BIO_free_all>>;
 using Extension = std::unique_ptr<X509_EXTENSION, Freed<X509_EXTENSION_free>>;
+using UsageList = std::unique_ptr<EXTENDED_KEY_USAGE, Freed<EXTENDED_KEY_USAGE_free>>;
+using Object = std::unique_ptr<ASN1_OBJECT, Freed<ASN1_OBJECT_free>>;
 
 /// Apple's extended key usage for a certificate that signs installer packages.
 constexpr const char *packageSigningUsage = "1.2.840.113635.100.4.13";
 constexpr long tenYearsInSeconds = 10L * 365 * 24 * 60 * 60;
-
-struct KeychainContents {
-    std::vector<Certificate> certificates;
-    std::vector<Key> keys;
-};
-
-void freeInfoStack(STACK_OF(X509_INFO) * stack)
-{
-    sk_X509_INFO_pop_free(stack, X509_INFO_free);
-}
-
-/// No file of the keychain folder is locked by a passphrase that somebody could be asked for.
-int refusePassphrase(char *, int, int, void *)
-{
-    return -1;
-}
-
-/// A certificate and the key that follows it in a file come as one piece.
-bool takePiece(X509_INFO *piece, KeychainContents &contents)
-{
-    const bool hasCertificate = piece->x509 != nullptr;
-    const bool hasKey = piece->x_pkey && piece->x_pkey->dec_pkey;
-    if (hasCertificate)
-        contents.certificates.emplace_back(std::exchange(piece->x509, nullptr));
-    if (hasKey)
-        contents.keys.emplace_back(std::exchange(piece->x_pkey->dec_pkey, nullptr));
-    return hasCertificate || hasKey;
-}
-
-/// Adds what a PEM file holds; false if that is nothing that can be used.
-bool addFile(const QByteArray &bytes, KeychainContents &contents)
-{
-    const MemoryFile memory(BIO_new_mem_buf(bytes.constData(), static_cast<int>(bytes.size())));
-    const std::unique_ptr<STACK_OF(X509_INFO), Freed<freeInfoStack>> stack(
-        PEM_X509_INFO_read_bio(memory.get(), nullptr, refusePassphrase, nullptr));
-    bool isUseful = false;
-    for (int index = 0; stack && index < sk_X509_INFO_num(stack.get()); ++index)
-        isUseful |= takePiece(sk_X509_INFO_value(stack.get(), index), contents);
-    ERR_clear_error();
-    return isUseful;
-}
 
 QString commonNameOf(X509 *certificate)
 {
@@ -104,23 +48,27 @@ bool isValidNow(X509 *certificate)
         && X509_cmp_current_time(X509_get0_notAfter(certificate)) > 0;
 }
 
-Identity identityFrom(X509 *certificate)
+bool canSignPackages(X509 *certificate)
 {
-    unsigned char digest[EVP_MAX_MD_SIZE] = {};
-    unsigned int length = 0;
-    X509_digest(certificate, EVP_sha1(), digest, &length);
-    const QByteArray sha1(reinterpret_cast<char *>(digest), static_cast<int>(length));
-    return {commonNameOf(certificate), QString::fromLatin1(sha1.toHex().toUpper()), isValidNow(certificate),
-            (X509_get_extended_key_usage(certificate) & XKU_CODE_SIGN) != 0};
+    const UsageList usages(static_cast<EXTENDED_KEY_USAGE *>(
+        X509_get_ext_d2i(certificate, NID_ext_key_usage, nullptr, nullptr)));
+    const Object wanted(OBJ_txt2obj(packageSigningUsage, 1));
+    for (int index = 0; usages && index < sk_ASN1_OBJECT_num(usages.get()); ++index) {
+        if (OBJ_cmp(sk_ASN1_OBJECT_value(usages.get(), index), wanted.get()) == 0)
+            return true;
+    }
+    return false;
 }
 
-bool hasKey(X509 *certificate, const KeychainContents &contents)
+Identity identityFrom(X509 *certificate)
 {
-    const bool found = std::any_of(contents.keys.begin(), contents.keys.end(), [certificate](const Key &key) {
-        return X509_check_private_key(certificate, key.get()) == 1;
-    });
-    ERR_clear_error();
-    return found;
+    return {commonNameOf(certificate), fingerprintOf(certificate), isValidNow(certificate),
+            (X509_get_extended_key_usage(certificate) & XKU_CODE_SIGN) != 0, canSignPackages(certificate)};
+}
+
+bool isFor(const Identity &identity, IdentityKind kind)
+{
+    return kind == IdentityKind::Application ? identity.canSignCode : identity.canSignPackages;
 }
 
 bool addExtension(X509 *certificate, int nid, const char *value)
@@ -164,6 +112,13 @@ Certificate selfSignedCertificate(EVP_PKEY *key, const QString &commonName, Iden
     return isWhole ? std::move(certificate) : nullptr;
 }
 
+/// The signature in a package's header is an RSA signature.
+Key newKey(IdentityKind kind)
+{
+    constexpr unsigned int bits = 2048;
+    return Key(kind == IdentityKind::Application ? EVP_EC_gen("P-256") : EVP_RSA_gen(bits));
+}
+
 QByteArray pemOf(EVP_PKEY *key, X509 *certificate)
 {
     const MemoryFile memory(BIO_new(BIO_s_mem()));
@@ -195,22 +150,43 @@ QString storeIdentity(const QString &path, const QByteArray &pem)
 
 IdentityList readIdentities(const QString &folder)
 {
+    const KeychainContents contents = readKeychain(folder);
     IdentityList list;
-    KeychainContents contents;
-    const QStringList filters{u"*.pem"_s, u"*.crt"_s, u"*.key"_s};
-    const auto files = QDir(folder).entryList(filters, QDir::Files, QDir::Name);
-    for (const QString &name : files) {
-        QFile file(folder + u'/' + name);
-        if (!file.open(QIODevice::ReadOnly))
-            list.warnings.append(file.fileName() + u": "_s + file.errorString());
-        else if (!addFile(file.readAll(), contents))
-            list.warnings.append(file.fileName() + u": no certificate and no key that can be read"_s);
-    }
+    list.warnings = contents.warnings;
     for (const Certificate &certificate : contents.certificates) {
-        if (hasKey(certificate.get(), contents))
+        if (contents.keyOf(certificate.get()))
             list.identities.append(identityFrom(certificate.get()));
     }
     return list;
+}
+
+std::optional<Identity> readCertificate(const QByteArray &certificate)
+{
+    auto bytes = reinterpret_cast<const unsigned char *>(certificate.constData());
+    const Certificate x509(d2i_X509(nullptr, &bytes, long(certificate.size())));
+    ERR_clear_error();
+    return x509 ? std::optional(identityFrom(x509.get())) : std::nullopt;
+}
+
+IdentityChoice chooseIdentity(const QString &folder, const QString &wanted, IdentityKind kind)
+{
+    QList<Identity> matches;
+    QStringList names;
+    for (const Identity &identity : readIdentities(folder).identities) {
+        const bool matchesName =
+            identity.sha1.compare(wanted, Qt::CaseInsensitive) == 0 || identity.commonName.contains(wanted);
+        if (!matchesName || !identity.isValidNow || !isFor(identity, kind))
+            continue;
+        if (identity.commonName == wanted)
+            return {identity, {}};
+        matches.append(identity);
+        names.append(identity.commonName);
+    }
+    if (matches.isEmpty() || wanted.isEmpty())
+        return {std::nullopt, u"no identity found"_s};
+    if (matches.size() == 1)
+        return {matches.first(), {}};
+    return {std::nullopt, u"ambiguous (matches \"%1\")"_s.arg(names.join(u"\" and \""_s))};
 }
 
 QString identityCommonName(const QString &name, IdentityKind kind)
@@ -223,7 +199,7 @@ QString identityCommonName(const QString &name, IdentityKind kind)
 NewIdentity makeIdentity(const QString &folder, const QString &name, IdentityKind kind)
 {
     const QString commonName = identityCommonName(name, kind);
-    const Key key(EVP_EC_gen("P-256"));
+    const Key key(newKey(kind));
     const Certificate certificate = key ? selfSignedCertificate(key.get(), commonName, kind) : nullptr;
     if (!certificate)
         return {{}, libraryError()};

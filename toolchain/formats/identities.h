@@ -5,6 +5,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <optional>
+
 namespace toolchain {
 
 /// A certificate of the keychain folder whose private key lies there too.
@@ -13,6 +15,7 @@ struct Identity {
     QString sha1; ///< of the certificate, 40 upper-case hexadecimal digits
     bool isValidNow = false; ///< today lies within its dates
     bool canSignCode = false; ///< its extended key usage allows code signing
+    bool canSignPackages = false; ///< its extended key usage allows signing installer packages
 };
 
 struct IdentityList {
@@ -29,6 +32,18 @@ enum class IdentityKind {
 /// certificate. A folder that does not exist is an empty one.
 [[nodiscard]] IdentityList readIdentities(const QString &folder);
 
+/// What a certificate says, given in DER form; nothing if it cannot be read.
+[[nodiscard]] std::optional<Identity> readCertificate(const QByteArray &certificate);
+
+struct IdentityChoice {
+    std::optional<Identity> identity;
+    QString problem; ///< why there is none; empty if there is
+};
+
+/// The one valid identity of a kind that is meant by a certificate's name, a part of it, or its SHA-1. A
+/// whole name goes before names that it is a part of.
+[[nodiscard]] IdentityChoice chooseIdentity(const QString &folder, const QString &wanted, IdentityKind kind);
+
 /// The common name of the identity that `makeIdentity` makes.
 [[nodiscard]] QString identityCommonName(const QString &name, IdentityKind kind);
 
@@ -37,8 +52,9 @@ struct NewIdentity {
     QString error;
 };
 
-/// Makes a key (elliptic curve P-256) and a self-signed certificate for it, good for ten years, in one PEM
-/// file of the folder that only its owner may read. The certificate says in its organisation what it is.
+/// Makes a key (elliptic curve P-256; RSA of 2048 bits for packages) and a self-signed certificate for it,
+/// good for ten years, in one PEM file of the folder that only its owner may read. The certificate says in
+/// its organisation what it is.
 [[nodiscard]] NewIdentity makeIdentity(const QString &folder, const QString &name, IdentityKind kind);
 
 } // namespace toolchain

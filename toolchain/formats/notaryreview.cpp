@@ -4,7 +4,9 @@
 #include <QFileInfo>
 
 #include "formats/bundle.h"
+#include "formats/imagecontents.h"
 #include "formats/resourceseal.h"
+#include "formats/signedimage.h"
 #include "formats/zipreader.h"
 
 using namespace Qt::StringLiterals;
@@ -23,7 +25,13 @@ bool holdsEvidence(const QString &path)
     return slash > 0 && (below == infoPath || below == sealPath);
 }
 
-/// The names at the top of the archive that a bundle could have.
+/// A folder that a disk image shows beside its bundles, such as that of its background, is no bundle.
+bool liesInBundle(const QString &path)
+{
+    return path.section(u'/', 1, 1) == u"Contents"_s;
+}
+
+/// The names at the top that a bundle could have.
 QStringList topFolders(const SealedTree &files)
 {
     QStringList folders;
@@ -48,7 +56,7 @@ SealedTree subtree(const SealedTree &files, const QString &folder)
 
 class BundleReview {
 public:
-    BundleReview(const ZipContents &contents, QString archiveName, QString bundle, Review &review)
+    BundleReview(const PackedFiles &contents, QString archiveName, QString bundle, Review &review)
         : m_contents(contents)
         , m_archiveName(std::move(archiveName))
         , m_bundle(std::move(bundle))
@@ -85,29 +93,60 @@ private:
         m_review.issues.append({m_archiveName + u'/' + m_bundle + path, message});
     }
 
-    const ZipContents &m_contents;
+    const PackedFiles &m_contents;
     const QString m_archiveName;
     const QString m_bundle;
     Review &m_review;
 };
 
-} // namespace
+void reviewBundles(const PackedFiles &contents, const QStringList &folders, const QString &name,
+                   Review &review)
+{
+    if (!contents.error.isEmpty()) {
+        review.issues.append({name, u"The archive cannot be read: "_s + contents.error + u'.'});
+        return;
+    }
+    for (const QString &folder : folders)
+        BundleReview(contents, name, folder, review).run();
+    if (folders.isEmpty())
+        review.issues.append({name, u"The archive holds no bundle."_s});
+}
 
 Review reviewArchive(const QString &path)
 {
     Review review;
-    const QString archiveName = QFileInfo(path).fileName();
-    const ZipContents contents = readZipArchive(path, holdsEvidence);
-    if (!contents.error.isEmpty()) {
-        review.issues.append({archiveName, u"The archive cannot be read: "_s + contents.error + u'.'});
-        return review;
-    }
-    const QStringList folders = topFolders(contents.files);
-    for (const QString &folder : folders)
-        BundleReview(contents, archiveName, folder, review).run();
-    if (folders.isEmpty())
-        review.issues.append({archiveName, u"The archive holds no bundle."_s});
+    const PackedFiles contents = readZipArchive(path, holdsEvidence);
+    reviewBundles(contents, topFolders(contents.files), QFileInfo(path).fileName(), review);
     return review;
+}
+
+Review reviewImage(const QString &path)
+{
+    Review review;
+    const SignedImage image(path);
+    PackedFiles contents = readImageContents(path, holdsEvidence);
+    if (!image.error().isEmpty())
+        contents.error = image.error();
+    SealedTree bundles;
+    for (auto file = contents.files.begin(); file != contents.files.end(); ++file) {
+        if (liesInBundle(file.key()))
+            bundles.insert(file.key(), *file);
+    }
+    reviewBundles(contents, topFolders(bundles), QFileInfo(path).fileName(), review);
+    review.sealDigests.append(image.sealDigest());
+    return review;
+}
+
+} // namespace
+
+bool canBeReviewed(const QString &path)
+{
+    return looksLikeZipArchive(path) || SignedImage::looksLikeOne(path);
+}
+
+Review reviewUpload(const QString &path)
+{
+    return looksLikeZipArchive(path) ? reviewArchive(path) : reviewImage(path);
 }
 
 } // namespace toolchain

@@ -1,6 +1,5 @@
 #include "formats/sealedtree.h"
 
-#include <QCryptographicHash>
 #include <QFile>
 
 #include <filesystem>
@@ -18,19 +17,14 @@ QString digestFile(const QString &path, SealedFile &result)
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return path + u": "_s + file.errorString();
-    QCryptographicHash sha1(QCryptographicHash::Sha1);
-    QCryptographicHash sha256(QCryptographicHash::Sha256);
+    FileDigester digester;
     QByteArray block(1 << 18, Qt::Uninitialized);
     qint64 length = 0;
-    while ((length = file.read(block.data(), block.size())) > 0) {
-        const QByteArrayView bytes(block.constData(), length);
-        sha1.addData(bytes);
-        sha256.addData(bytes);
-    }
+    while ((length = file.read(block.data(), block.size())) > 0)
+        digester.add(QByteArrayView(block.constData(), length));
     if (length < 0)
         return path + u": "_s + file.errorString();
-    result.sha1 = sha1.result();
-    result.sha256 = sha256.result();
+    result = digester.result();
     return {};
 }
 
@@ -50,6 +44,17 @@ QString readEntry(const fs::directory_entry &entry, const QString &path, SealedF
 }
 
 } // namespace
+
+void FileDigester::add(QByteArrayView bytes)
+{
+    m_sha1.addData(bytes);
+    m_sha256.addData(bytes);
+}
+
+SealedFile FileDigester::result() const
+{
+    return {m_sha1.result(), m_sha256.result(), {}};
+}
 
 SealedTreeResult readSealedTree(const QString &base)
 {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QCryptographicHash>
 #include <QMap>
 #include <QString>
 
@@ -13,6 +14,18 @@ struct SealedFile {
     QString linkTarget; ///< null for a file
 
     [[nodiscard]] bool isLink() const { return !linkTarget.isNull(); }
+};
+
+/// Digests the bytes of one file as they come.
+class FileDigester {
+public:
+    void add(QByteArrayView bytes);
+
+    [[nodiscard]] SealedFile result() const;
+
+private:
+    QCryptographicHash m_sha1{QCryptographicHash::Sha1};
+    QCryptographicHash m_sha256{QCryptographicHash::Sha256};
 };
 
 /// Files and links by their path relative to the folder that a seal starts from. Folders do not appear.

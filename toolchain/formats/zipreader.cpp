@@ -1,6 +1,5 @@
 #include "formats/zipreader.h"
 
-#include <QCryptographicHash>
 #include <QFile>
 
 #include <archive.h>
@@ -14,11 +13,9 @@ namespace toolchain {
 
 namespace {
 
-constexpr qsizetype mostKeptBytes = 64 << 20;
-
 class ZipReader {
 public:
-    ZipReader(const QString &path, const std::function<bool(const QString &)> &keepsBytes)
+    ZipReader(const QString &path, const KeepsBytes &keepsBytes)
         : m_archive(archive_read_new(), archive_read_free)
         , m_keepsBytes(keepsBytes)
     {
@@ -29,7 +26,7 @@ public:
             m_contents.error = archiveError();
     }
 
-    ZipContents read()
+    PackedFiles read()
     {
         archive_entry *entry = nullptr;
         while (m_contents.error.isEmpty()) {
@@ -55,37 +52,24 @@ private:
             m_contents.error = u"the entry \"%1\" cannot be used"_s.arg(path);
             return;
         }
-        SealedFile file;
-        if (type == AE_IFLNK)
-            file.linkTarget = QString::fromUtf8(archive_entry_symlink_utf8(entry)) + u""_s;
-        else
-            readBytes(path, file);
-        m_contents.files.insert(path, file);
+        if (type == AE_IFREG)
+            return readBytes(path);
+        const QString target = QString::fromUtf8(archive_entry_symlink_utf8(entry)) + u""_s;
+        m_contents.files.insert(path, {{}, {}, target});
     }
 
-    void readBytes(const QString &path, SealedFile &file)
+    void readBytes(const QString &path)
     {
-        QCryptographicHash sha1(QCryptographicHash::Sha1);
-        QCryptographicHash sha256(QCryptographicHash::Sha256);
-        const bool keeps = m_keepsBytes(path);
-        QByteArray kept;
+        PackedFileTaker file(m_contents, path, m_keepsBytes(path));
         ssize_t length = 0;
         while ((length = archive_read_data(m_archive.get(), m_buffer.data(), std::size_t(m_buffer.size())))
                > 0) {
-            const QByteArrayView bytes(m_buffer.constData(), length);
-            sha1.addData(bytes);
-            sha256.addData(bytes);
-            if (keeps && kept.size() + length <= mostKeptBytes)
-                kept.append(bytes.data(), bytes.size());
-            else if (keeps)
-                m_contents.error = u"\"%1\" is too large"_s.arg(path);
+            if (!file.add(QByteArrayView(m_buffer.constData(), length)))
+                return;
         }
         if (length < 0)
             m_contents.error = archiveError();
-        file.sha1 = sha1.result();
-        file.sha256 = sha256.result();
-        if (keeps)
-            m_contents.kept.insert(path, kept);
+        file.finish();
     }
 
     QString archiveError()
@@ -95,14 +79,14 @@ private:
     }
 
     const std::unique_ptr<archive, decltype(&archive_read_free)> m_archive;
-    const std::function<bool(const QString &)> &m_keepsBytes;
+    const KeepsBytes &m_keepsBytes;
     QByteArray m_buffer = QByteArray(1 << 18, Qt::Uninitialized);
-    ZipContents m_contents;
+    PackedFiles m_contents;
 };
 
 } // namespace
 
-ZipContents readZipArchive(const QString &path, const std::function<bool(const QString &)> &keepsBytes)
+PackedFiles readZipArchive(const QString &path, const KeepsBytes &keepsBytes)
 {
     return ZipReader(path, keepsBytes).read();
 }

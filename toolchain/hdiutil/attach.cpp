@@ -2,8 +2,8 @@
 
 #include "formats/hfsplus/hfsplusnames.h"
 #include "formats/hfsplus/volumecopy.h"
+#include "formats/imagevolume.h"
 #include "hdiutil/attachedimages.h"
-#include "hdiutil/imagevolume.h"
 #include "support/console.h"
 #include "support/wholefile.h"
 

@@ -1,7 +1,7 @@
 #include "hdiutil/inspect.h"
 
+#include "formats/imagevolume.h"
 #include "formats/udif/udifreader.h"
-#include "hdiutil/imagevolume.h"
 #include "support/console.h"
 
 #include <QVariantMap>

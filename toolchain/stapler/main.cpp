@@ -1,7 +1,6 @@
+#include "formats/notarizeditem.h"
 #include "formats/notarystate.h"
-#include "formats/resourceseal.h"
 #include "formats/statefolder.h"
-#include "formats/ticket.h"
 #include "support/arguments.h"
 #include "support/console.h"
 
@@ -13,19 +12,20 @@ using namespace toolchain;
 
 namespace {
 
-constexpr std::string_view usage = R"(Usage: stapler staple [-q] [-v] BUNDLE
-       stapler validate [-q] [-v] BUNDLE
+constexpr std::string_view usage = R"(Usage: stapler staple [-q] [-v] ITEM
+       stapler validate [-q] [-v] ITEM
        stapler --help
 
-Attaches to a bundle the ticket of its approval, or says whether a ticket is attached that fits its seal.
+Attaches to a bundle or a disk image the ticket of its approval, or says whether a ticket is attached that
+fits its seal.
 
   -q           print nothing but errors
   -v           print what is looked for
   -h, --help   print this text
 
-The approval is asked of this machine's stand-in for the notary service. The ticket is the file
-Contents/CodeResources, where the real program leaves one too, but holds a plain note that macOS does not
-read as a ticket. Disk images and packages cannot be stapled here.
+The approval is asked of this machine's stand-in for the notary service. The ticket is a plain note that
+macOS does not read as a ticket. It lies where the real program leaves one too: in a bundle it is the file
+Contents/CodeResources; in a disk image it is a part of the signature between the image and its trailer.
 Exit status: 0 done, 64 wrong arguments, 65 not approved or no ticket, 66 no such file,
 72 a file that cannot be stapled, 73 the ticket cannot be written.
 )";
@@ -51,31 +51,31 @@ public:
             return noFileStatus;
         }
         say(u"Processing: "_s + m_path);
-        const auto bundle = readBundle(m_path);
-        if (!bundle) {
+        const auto item = openNotarizedItem(m_path);
+        if (!item) {
             printError("stapler: " + m_path.toStdString()
-                       + ": not a bundle; nothing else can be stapled here\n");
+                       + ": neither a bundle nor a disk image that a ticket can be attached to\n");
             return unsuitableStatus;
         }
-        const QByteArray digest = sealDigest(*bundle);
+        const QByteArray digest = item->digest();
         if (m_isVerbose)
             say(u"Seal: "_s + (digest.isEmpty() ? u"none"_s : QString::fromLatin1(digest)));
-        return action == "staple" ? staple(*bundle, digest) : validate(*bundle, digest);
+        return action == "staple" ? staple(*item, digest) : validate(*item, digest);
     }
 
 private:
-    int staple(const Bundle &bundle, const QByteArray &digest) const
+    int staple(NotarizedItem &item, const QByteArray &digest) const
     {
         const auto approval = NotaryState(notaryFolder()).approvalOf(digest);
         if (!approval)
             return refuse(digest);
-        const QString problem = writeTicket(bundle.ticketPath(), {approval->uuid, digest});
+        const QString problem = item.attach({approval->uuid, digest});
         if (!problem.isEmpty()) {
             printError("stapler: " + problem.toStdString() + "\n");
             return cannotWriteStatus;
         }
         if (m_isVerbose)
-            say(u"Ticket of request %1 written to %2"_s.arg(approval->uuid, bundle.ticketPath()));
+            say(u"Ticket of request %1 attached"_s.arg(approval->uuid));
         say(u"The staple and validate action worked!"_s);
         return 0;
     }
@@ -90,9 +90,9 @@ private:
         return noTicketStatus;
     }
 
-    [[nodiscard]] int validate(const Bundle &bundle, const QByteArray &digest) const
+    [[nodiscard]] int validate(const NotarizedItem &item, const QByteArray &digest) const
     {
-        const auto ticket = readTicket(bundle.ticketPath());
+        const auto ticket = item.ticket();
         if (ticket && ticket->sealDigest == digest) {
             say(u"The validate action worked!"_s);
             return 0;

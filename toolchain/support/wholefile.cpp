@@ -68,17 +68,6 @@ int makeTemporary(std::string &path)
     return descriptor;
 }
 
-std::string writeBytes(int descriptor, std::string_view bytes, const fs::path &path)
-{
-    while (!bytes.empty()) {
-        const ssize_t length = write(descriptor, bytes.data(), bytes.size());
-        if (length < 0)
-            return systemError(path, errno);
-        bytes.remove_prefix(static_cast<std::size_t>(length));
-    }
-    return {};
-}
-
 } // namespace
 
 WholeFile::WholeFile(fs::path destination)
@@ -98,6 +87,17 @@ WholeFile::~WholeFile()
     setSignalHandlers(SIG_DFL);
 }
 
+bool WholeFile::write(std::string_view bytes)
+{
+    while (!bytes.empty()) {
+        const ssize_t length = ::write(m_descriptor, bytes.data(), bytes.size());
+        if (length < 0)
+            return false;
+        bytes.remove_prefix(static_cast<std::size_t>(length));
+    }
+    return true;
+}
+
 bool WholeFile::finish()
 {
     const mode_t mask = umask(0);
@@ -110,12 +110,8 @@ bool WholeFile::finish()
 std::string writeWholeFile(const fs::path &path, std::string_view bytes)
 {
     WholeFile file(path);
-    if (file.descriptor() < 0)
-        return systemError(path, errno);
-    const std::string problem = writeBytes(file.descriptor(), bytes, path);
-    if (!problem.empty())
-        return problem;
-    return file.finish() ? std::string() : systemError(path, errno);
+    const bool isWritten = file.descriptor() >= 0 && file.write(bytes) && file.finish();
+    return isWritten ? std::string() : systemError(path, errno);
 }
 
 std::string systemError(const fs::path &path, int error)

@@ -20,6 +20,9 @@ public:
     /// Open for writing; below 0, with errno telling why, if the file could not be made.
     [[nodiscard]] int descriptor() const { return m_descriptor; }
 
+    /// Adds bytes at the end. False, with errno telling why, if that fails, or if the file was never made.
+    [[nodiscard]] bool write(std::string_view bytes);
+
     /// Moves the file to its path, with the mode that the process's mask gives new files. False, with
     /// errno telling why, if that fails.
     [[nodiscard]] bool finish();

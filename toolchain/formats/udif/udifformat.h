@@ -13,6 +13,7 @@ inline constexpr qsizetype trailerSize = 512;
 inline constexpr qsizetype trailerHasDataFork = 24; ///< offset and length of the chunks' bytes in the file
 inline constexpr qsizetype trailerHasDataChecksum = 80;
 inline constexpr qsizetype trailerHasList = 216; ///< offset and length of the property list
+inline constexpr qsizetype trailerHasSignature = 296; ///< offset and length of a code signature
 inline constexpr qsizetype trailerHasMasterChecksum = 352;
 inline constexpr qsizetype trailerHasSectorCount = 492;
 inline constexpr qsizetype tableHeaderSize = 204; ///< of a partition's table of chunks

@@ -1,4 +1,4 @@
-#include "hdiutil/imagevolume.h"
+#include "formats/imagevolume.h"
 
 #include <algorithm>
 

@@ -1,0 +1,248 @@
+#include "toolchain/bundlebuilder.h"
+#include "toolchain/diskimagefixture.h"
+
+#include <QCryptographicHash>
+#include <QDir>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QRegularExpression>
+#include <QUrl>
+#include <QtEndian>
+
+using namespace Qt::StringLiterals;
+using bundlebuilder::readFile;
+using bundlebuilder::writeFile;
+
+namespace {
+
+class ImageSigning : public DiskImageFixture {
+protected:
+    void SetUp() override
+    {
+        DiskImageFixture::SetUp();
+        makeIdentity();
+        storePassword();
+        bundlebuilder::makeApp(app(), u"com.example.app"_s);
+        ASSERT_EQ(sign(app()).status, 0);
+    }
+
+    [[nodiscard]] QString folder() const { return path(u"folder"_s); }
+    [[nodiscard]] QString app() const { return folder() + u"/My App.app"_s; }
+
+    /// An image of the folder that holds the app.
+    [[nodiscard]] QString image() const { return imageOf(folder()); }
+
+    [[nodiscard]] ToolResult staple(const QString &item, const QString &action = u"staple"_s) const
+    {
+        return run(xcrun, {u"stapler"_s, action, u"-v"_s, item});
+    }
+
+    [[nodiscard]] bool isApproved(const QString &image) const
+    {
+        return pollToTheEnd(uuidIn(upload(image))).output.contains(u"Status: success"_s);
+    }
+
+    /// The messages of the log that goes with a refusal, by their paths.
+    [[nodiscard]] QMap<QString, QString> issuesOfRefusal(const QString &image) const
+    {
+        const QString report = pollToTheEnd(uuidIn(upload(image))).output;
+        EXPECT_TRUE(report.contains(u"Status: invalid"_s)) << report.toStdString();
+        const QString url = QRegularExpression(u"(?m)LogFileURL: (.+?)$"_s).match(report).captured(1);
+        const QJsonObject log = QJsonDocument::fromJson(readFile(QUrl(url).toLocalFile())).object();
+        QMap<QString, QString> issues;
+        for (const QJsonValue &issue : log[u"issues"].toArray())
+            issues[issue[u"path"].toString()] = issue[u"message"].toString();
+        return issues;
+    }
+
+    /// What the trailer says stands in the place of the code signature.
+    [[nodiscard]] static QByteArray noteIn(const QString &image)
+    {
+        constexpr qsizetype trailerSize = 512;
+        constexpr qsizetype placeOffset = 296;
+        const QByteArray bytes = readFile(image);
+        const QByteArray place = bytes.last(trailerSize).mid(placeOffset, 16);
+        return bytes.mid(qFromBigEndian<qint64>(place.constData()),
+                         qFromBigEndian<qint64>(place.constData() + 8));
+    }
+
+    /// Every program that reads images finds the same files in it.
+    void expectReadable(const QString &image) const
+    {
+        EXPECT_EQ(run(hdiutil, {u"verify"_s, image}).status, 0);
+        EXPECT_TRUE(runProgram(u"7z"_s, {u"t"_s, u"-tdmg"_s, image}).output.contains(u"Everything is Ok"_s));
+        EXPECT_EQ(readFile(unpacked(image) + u"/My App.app/Contents/MacOS/My App"_s),
+                  readFile(app() + u"/Contents/MacOS/My App"_s));
+    }
+};
+
+const QString invalid = u"The signature of the bundle is invalid: "_s;
+
+} // namespace
+
+TEST_F(ImageSigning, aSignedImageStaysReadable)
+{
+    const QString image = this->image();
+    const ToolResult result = sign(image);
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.error, image + u": signed disk image\n"_s);
+    EXPECT_FALSE(noteIn(image).isEmpty());
+    expectReadable(image);
+}
+
+TEST_F(ImageSigning, theSignatureIsMadeWithTheIdentitysKeyOfEverythingButItself)
+{
+    const QString image = this->image();
+    const QByteArray unsignedBytes = readFile(image);
+    ASSERT_EQ(sign(image).status, 0);
+    const QJsonObject note = QJsonDocument::fromJson(noteIn(image)).object();
+    writeFile(path(u"signature"_s), QByteArray::fromBase64(note[u"signature"].toString().toLatin1()));
+    writeFile(path(u"certificate"_s), QByteArray::fromBase64(note[u"certificate"].toString().toLatin1()));
+    writeFile(path(u"unsigned"_s), unsignedBytes);
+    const QString key = runProgram(u"openssl"_s,
+                                   {u"x509"_s, u"-inform"_s, u"DER"_s, u"-in"_s, path(u"certificate"_s),
+                                    u"-pubkey"_s, u"-noout"_s})
+                            .output;
+    writeFile(path(u"key"_s), key.toLatin1());
+    EXPECT_EQ(runProgram(u"openssl"_s,
+                         {u"dgst"_s, u"-sha256"_s, u"-verify"_s, path(u"key"_s), u"-signature"_s,
+                          path(u"signature"_s), path(u"unsigned"_s)})
+                  .output,
+              u"Verified OK\n"_s);
+}
+
+TEST_F(ImageSigning, aSignedImageIsLeftAloneWithoutForce)
+{
+    const QString image = this->image();
+    ASSERT_EQ(sign(image).status, 0);
+    const QByteArray before = readFile(image);
+    const ToolResult again = sign(image);
+    EXPECT_EQ(again.status, 1);
+    EXPECT_EQ(again.error, image + u": is already signed\n"_s);
+    EXPECT_EQ(readFile(image), before);
+    EXPECT_EQ(sign(image, {u"--force"_s}).status, 0);
+    EXPECT_NE(readFile(image), before);
+    expectReadable(image);
+}
+
+TEST_F(ImageSigning, refusesAFileThatOnlyEndsAsAnImageDoes)
+{
+    writeFile(path(u"image.dmg"_s), QByteArray("koly") + QByteArray(508, '\0'));
+    EXPECT_EQ(sign(path(u"image.dmg"_s)).error, path(u"image.dmg"_s) + u": image not recognized\n"_s);
+    EXPECT_EQ(staple(path(u"image.dmg"_s)).status, 72);
+}
+
+TEST_F(ImageSigning, aSignatureOfSomebodyElseIsReplacedOnlyByForce)
+{
+    const QString image = this->image();
+    ASSERT_EQ(sign(image).status, 0);
+    QByteArray bytes = readFile(image);
+    bytes.replace(noteIn(image), QByteArray(noteIn(image).size(), '\xfa'));
+    writeFile(image, bytes);
+    EXPECT_EQ(sign(image).error, image + u": is already signed\n"_s);
+    EXPECT_EQ(staple(image).status, 72);
+    EXPECT_EQ(sign(image, {u"--force"_s}).status, 0);
+    expectReadable(image);
+}
+
+TEST_F(ImageSigning, theNotaryApprovesAnImageWithASealedBundle)
+{
+    const QString image = this->image();
+    ASSERT_EQ(sign(image).status, 0);
+    EXPECT_TRUE(isApproved(image));
+}
+
+TEST_F(ImageSigning, theNotaryPassesOverWhatLiesBesideTheBundles)
+{
+    writeFile(folder() + u"/Read Me.txt"_s, "text");
+    writeFile(folder() + u"/.background/picture.png"_s, "picture");
+    ASSERT_TRUE(QFile::link(u"/Applications"_s, folder() + u"/Applications"_s));
+    EXPECT_TRUE(isApproved(image()));
+}
+
+TEST_F(ImageSigning, theNotaryNamesFilesInAnImageThatDoNotAgreeWithTheSeal)
+{
+    writeFile(app() + u"/Contents/Resources/Größe.txt"_s, "changed");
+    const QString prefix = u"folder.dmg/My App.app/Contents/"_s;
+    EXPECT_EQ(
+        issuesOfRefusal(image()),
+        (QMap<QString, QString>{{prefix + u"Resources/Größe.txt"_s,
+                                 invalid + u"a sealed resource is missing or invalid: file modified."_s}}));
+}
+
+TEST_F(ImageSigning, theNotaryRefusesAnImageWhoseBundleHasNoSeal)
+{
+    ASSERT_TRUE(QDir(app() + u"/Contents/_CodeSignature"_s).removeRecursively());
+    EXPECT_EQ(issuesOfRefusal(image()),
+              (QMap<QString, QString>{{u"folder.dmg/My App.app"_s, u"The bundle is not signed at all."_s}}));
+}
+
+TEST_F(ImageSigning, theNotaryRefusesAnImageWithoutABundle)
+{
+    writeFile(path(u"plain/file"_s), "bytes");
+    EXPECT_EQ(issuesOfRefusal(imageOf(path(u"plain"_s))),
+              (QMap<QString, QString>{{u"plain.dmg"_s, u"The archive holds no bundle."_s}}));
+}
+
+TEST_F(ImageSigning, theNotaryRefusesADamagedImage)
+{
+    const QString image = this->image();
+    QByteArray bytes = readFile(image);
+    bytes.replace(0, bytes.size() / 3, QByteArray(bytes.size() / 3, 'x'));
+    writeFile(image, bytes);
+    EXPECT_TRUE(issuesOfRefusal(image).value(u"folder.dmg"_s).startsWith(u"The archive cannot be read: "_s));
+}
+
+TEST_F(ImageSigning, aStapledImageStaysReadableAndKeepsItsSignature)
+{
+    const QString image = this->image();
+    ASSERT_EQ(sign(image).status, 0);
+    const QString uuid = uuidIn(upload(image));
+    ASSERT_TRUE(pollToTheEnd(uuid).output.contains(u"Status: success"_s));
+    const QJsonValue signature = QJsonDocument::fromJson(noteIn(image)).object()[u"signature"];
+    EXPECT_EQ(staple(image, u"validate"_s).status, 65);
+    const ToolResult result = staple(image);
+    EXPECT_EQ(result.status, 0);
+    EXPECT_TRUE(result.output.endsWith(u"The staple and validate action worked!\n"_s));
+    const QJsonObject note = QJsonDocument::fromJson(noteIn(image)).object();
+    EXPECT_EQ(note[u"ticket"][u"RequestUUID"].toString(), uuid);
+    EXPECT_EQ(note[u"signature"], signature);
+    EXPECT_EQ(staple(image, u"validate"_s).status, 0);
+    EXPECT_EQ(staple(image).status, 0);
+    expectReadable(image);
+}
+
+TEST_F(ImageSigning, anUnsignedImageCanBeStapled)
+{
+    const QString image = this->image();
+    ASSERT_TRUE(isApproved(image));
+    EXPECT_EQ(staple(image).status, 0);
+    EXPECT_EQ(staple(image, u"validate"_s).status, 0);
+    expectReadable(image);
+}
+
+TEST_F(ImageSigning, theBundleInAnApprovedImageCanBeStapledToo)
+{
+    ASSERT_TRUE(isApproved(image()));
+    EXPECT_EQ(staple(app()).status, 0);
+}
+
+TEST_F(ImageSigning, anImageThatNobodyApprovedIsNotStapled)
+{
+    const QString image = this->image();
+    const QByteArray before = readFile(image);
+    EXPECT_EQ(staple(image).status, 65);
+    EXPECT_EQ(readFile(image), before);
+}
+
+TEST_F(ImageSigning, anImageSignedAnewAfterItsApprovalIsNotStapled)
+{
+    const QString image = this->image();
+    ASSERT_TRUE(isApproved(image));
+    ASSERT_EQ(staple(image).status, 0);
+    ASSERT_EQ(sign(image).status, 0);
+    EXPECT_EQ(staple(image, u"validate"_s).status, 65);
+    EXPECT_EQ(staple(image).status, 65);
+}
