@@ -8,6 +8,7 @@ using namespace Qt::StringLiterals;
 TEST(BusValue, noValueIsAnEmptyListOfVariants)
 {
     EXPECT_EQ(busvalue::toBus({}), QVariant(QVariantList()));
+    EXPECT_EQ(busvalue::toBus(QUrl()), QVariant(QVariantList()));
     EXPECT_EQ(busvalue::fromBus(QVariantList(), u"b"_s), std::optional(QVariant()));
 }
 

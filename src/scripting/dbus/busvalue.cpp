@@ -31,11 +31,10 @@ void registerTypes()
 
 QVariant toBus(const QVariant &value)
 {
-    if (!value.isValid())
+    const bool isUrl = value.metaType() == QMetaType::fromType<QUrl>();
+    if (!value.isValid() || (isUrl && value.toUrl().isEmpty()))
         return QVariantList();
-    if (value.metaType() == QMetaType::fromType<QUrl>())
-        return value.toUrl().toString(QUrl::FullyEncoded);
-    return value;
+    return isUrl ? value.toUrl().toString(QUrl::FullyEncoded) : value;
 }
 
 std::optional<QVariant> fromBus(const QVariant &value, const QString &signature)

@@ -21,7 +21,8 @@ namespace busvalue {
 /// Makes the types above known to the bus library; before the first message.
 void registerTypes();
 
-/// An invalid value becomes an empty "av", which stands for no value; a URL becomes its text.
+/// An invalid value and an empty URL become an empty "av", which stands for no value; any other URL becomes
+/// its text.
 [[nodiscard]] QVariant toBus(const QVariant &value);
 
 /// The value that came over the bus if it has the signature, an invalid one if it stands for no value, and
