@@ -121,10 +121,7 @@ QVariant variantOf(const QDBusMessage &answer)
 {
     EXPECT_EQ(answer.type(), QDBusMessage::ReplyMessage)
         << answer.errorName().toStdString() << ": " << answer.errorMessage().toStdString();
-    QVariant value = answer.arguments().value(0);
-    while (value.metaType() == QMetaType::fromType<QDBusVariant>())
-        value = value.value<QDBusVariant>().variant();
-    return value;
+    return answer.arguments().value(0).value<QDBusVariant>().variant();
 }
 
 bool isNoValue(const QVariant &value)

@@ -65,7 +65,7 @@ private:
     QList<QDBusMessage> m_heard;
 };
 
-/// What a variant in the answer holds, in any number of variants; a failed test for an error.
+/// What the variant in the answer holds; a failed test for an error.
 [[nodiscard]] QVariant variantOf(const QDBusMessage &answer);
 [[nodiscard]] bool isNoValue(const QVariant &value);
 /// The error's name, or a text that says that it is none.

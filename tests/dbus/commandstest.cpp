@@ -2,6 +2,7 @@
 
 #include "dbus/hostonbus.h"
 
+#include <QDBusVariant>
 #include <QFile>
 
 using namespace Qt::StringLiterals;
@@ -23,9 +24,14 @@ protected:
     }
     QString resultURL(const QString &name) const { return url(u"Foo - Notarized/"_s + name); }
     qsizetype documentCount() { return host.application().allControllers().size(); }
+    /// The property's value, which is a variant itself unless there is none.
     QVariant lastErrorFrom(BusClient &asking)
     {
         return asking.get(bus::applicationPath, bus::applicationInterface, u"LastErrorFrom"_s);
+    }
+    QString lastErrorText(BusClient &asking)
+    {
+        return lastErrorFrom(asking).value<QDBusVariant>().variant().toString();
     }
     /// Has the signing fail with a log line of that length.
     void failSigningWith(const QByteArray &text)
@@ -185,7 +191,7 @@ TEST_F(Commands, theTextThatIsTooLongForAnErrorIsKeptForTheAskingConnection)
     const QDBusMessage answer = submit({{u"at"_s, appURL()}}, documentPath());
     EXPECT_EQ(errorTextOf(answer),
               u"Error Signing Code: See the 'from' parameter for detailed error message."_s);
-    EXPECT_TRUE(lastErrorFrom(client).toString().contains(QString(2000, u'x')));
+    EXPECT_TRUE(lastErrorText(client).contains(QString(2000, u'x')));
     EXPECT_TRUE(isNoValue(lastErrorFrom(other)));
     EXPECT_EQ(errorOf(submit({{u"at"_s, u"bad"_s}})), u"org.sealwright.Error.N6"_s);
     EXPECT_TRUE(isNoValue(lastErrorFrom(client))); // the latest error has none
@@ -197,7 +203,7 @@ TEST_F(Commands, aFailureAfterTheUploadNamesTheItem)
     host.tools.answer(u"stapler"_s, {.status = 65, .error = "no ticket"});
     const QDBusPendingCall call = client.beginSubmit({{u"at"_s, appURL()}}, documentPath());
     EXPECT_EQ(errorOf(endWithPolls(call)), u"org.sealwright.Error.N1200"_s);
-    const QString item = lastErrorFrom(client).toString();
+    const QString item = lastErrorText(client);
     EXPECT_TRUE(item.startsWith(u"file:///"_s) && item.endsWith(u"/Foo.app"_s)) << item.toStdString();
     host.settle();
 }

@@ -52,6 +52,15 @@ TEST_F(Properties, allAtOnceHaveTheListsAndTheLastErrorAsWell)
                      u"OrderedDocuments"_s, u"OrderedPseudoDocuments"_s, u"OrderedWindows"_s, u"Version"_s}));
 }
 
+TEST_F(Properties, withoutAnErrorThereIsNoLastObjectEither)
+{
+    EXPECT_TRUE(isNoValue(client.get(bus::applicationPath, bus::applicationInterface, u"LastErrorFrom"_s)));
+    const QDBusMessage all =
+        client.call(bus::applicationPath, bus::propertiesInterface, u"GetAll"_s, {bus::applicationInterface});
+    const auto values = qdbus_cast<QVariantMap>(all.arguments().value(0));
+    EXPECT_TRUE(isNoValue(values.value(u"LastErrorFrom"_s)));
+}
+
 TEST_F(Properties, anEmptyInterfaceNameStandsForAnyInterface)
 {
     EXPECT_EQ(client.get(documentPath(), {}, u"DocStatus"_s), QVariant(u"ready"_s));

@@ -63,7 +63,8 @@ QList<BusProperty> properties()
         {u"LastErrorFrom"_s, u"v"_s,
          [](const BusObject &object) {
              const QVariant offending = object.objects.lastErrors().of(object.caller);
-             return QVariant::fromValue(QDBusVariant(busvalue::toBus(offending)));
+             return offending.isValid() ? QVariant::fromValue(QDBusVariant(busvalue::toBus(offending)))
+                                        : QVariant();
          }},
     };
 }
