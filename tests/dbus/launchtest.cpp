@@ -66,7 +66,6 @@ TEST_F(Desktop, theActionsAreQuitAndNewDocument)
 
 TEST_F(Desktop, aSecondProcessCannotHaveTheName)
 {
-
     ASSERT_FALSE(client.connection().registerService(bus::service));
 }
 
