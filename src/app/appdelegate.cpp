@@ -84,6 +84,7 @@ bool AppDelegate::findAltool()
 
 void AppDelegate::quitWithoutAltool()
 {
+    m_hasLaunchFailed = true; // before the word that ends the waiting of calls
     changeStatus(status::interacting);
     const platform::Alert alert{
         u"Xcode or Transporter Not Found"_s,

@@ -42,6 +42,8 @@ public:
     void applicationWillFinishLaunching();
     void applicationDidFinishLaunching();
     void applicationWillTerminate();
+    /// Whether there is no notary tool: the application is about to quit, and nothing may open a document.
+    bool hasLaunchFailed() const { return m_hasLaunchFailed; }
     bool applicationShouldTerminateAfterLastWindowClosed() const { return false; }
 
     /// Takes files that were opened with the application or dropped on it; paths. Those with other extensions
@@ -132,4 +134,5 @@ private:
     std::unique_ptr<NSApplicationScripting> m_scripting;
     QList<DocumentPtr> m_allControllers;
     std::optional<QList<QUrl>> m_droppedURLs;
+    bool m_hasLaunchFailed = false;
 };

@@ -89,6 +89,17 @@ protected:
         EXPECT_TRUE(bus.registerOnSessionBus());
     }
     qsizetype documentCount() { return host.application().allControllers().size(); }
+    QString itemURL() const { return QUrl::fromLocalFile(host.item(u"Foo.app"_s)).toString(); }
+    QDBusPendingCall begin(const QString &method, const QVariantList &arguments)
+    {
+        return client.begin(bus::applicationPath, bus::desktopInterface, method, arguments);
+    }
+    /// Reads are answered at once: what came before this one is with the application.
+    void waitForArrivals()
+    {
+        EXPECT_EQ(client.get(bus::applicationPath, bus::applicationInterface, u"AppStatus"_s),
+                  QVariant(u"loading"_s));
+    }
 
     TestHost host;
     ScriptingBus bus{host.application()};
@@ -98,10 +109,9 @@ protected:
 TEST_F(Launch, itemsOpenedMeanwhileTakeTheFirstDocumentsPlace)
 {
     items::makeBundle(host.item(u"Foo.app"_s));
-    const QString uri = QUrl::fromLocalFile(host.item(u"Foo.app"_s)).toString();
     QDBusMessage message =
         QDBusMessage::createMethodCall(bus::service, bus::applicationPath, bus::desktopInterface, u"Open"_s);
-    message << QStringList{uri} << QVariantMap();
+    message << QStringList{itemURL()} << QVariantMap();
     const QDBusPendingCall call = client.connection().asyncCall(message);
     ASSERT_TRUE(client.connection().interface()->isServiceRegistered(bus::service)); // the call is on the bus
     bus.takeArrivedCalls();
@@ -116,13 +126,99 @@ TEST_F(Launch, aCommandThatComesMeanwhileIsAnsweredAfterwards)
 {
     const QDBusPendingCall call =
         client.begin(bus::applicationPath, bus::applicationInterface, u"MakeDocument"_s, {QVariantMap()});
-    EXPECT_EQ(client.get(bus::applicationPath, bus::applicationInterface, u"AppStatus"_s),
-              QVariant(u"loading"_s)); // reads are answered at once, and this one came later
+    waitForArrivals();
     EXPECT_FALSE(call.isFinished());
     EXPECT_EQ(documentCount(), 0);
     host.application().applicationDidFinishLaunching();
     EXPECT_EQ(errorOf(client.end(call)), u"no error"_s);
     EXPECT_EQ(documentCount(), 2);
+}
+
+TEST_F(Launch, anActivationThatComesMeanwhileBringsUpTheFirstDocument)
+{
+    const QDBusPendingCall call = begin(u"Activate"_s, {QVariantMap()});
+    waitForArrivals();
+    EXPECT_FALSE(call.isFinished());
+    EXPECT_EQ(documentCount(), 0);
+    host.application().applicationDidFinishLaunching();
+    EXPECT_EQ(errorOf(client.end(call)), u"no error"_s);
+    EXPECT_EQ(documentCount(), 1);
+    EXPECT_EQ(host.window().modesWhenShown.size(), 2);
+}
+
+/// A launch that finds no notary tool.
+class FailedLaunch : public Launch {
+protected:
+    FailedLaunch() { host.workspace.running.clear(); }
+
+    /// Calls that would open a document if launch had not failed.
+    QList<QDBusPendingCall> beginCallsThatOpenDocuments()
+    {
+        items::makeBundle(host.item(u"Foo.app"_s));
+        return {begin(u"Activate"_s, {QVariantMap()}),
+                begin(u"ActivateAction"_s, {u"new-document"_s, QVariantList(), QVariantMap()}),
+                client.begin(bus::applicationPath, bus::applicationInterface, u"MakeDocument"_s,
+                             {QVariantMap()})};
+    }
+    QDBusPendingCall beginOpen() { return begin(u"Open"_s, {QStringList{itemURL()}, QVariantMap()}); }
+    void expectRefused(const QDBusPendingCall &call)
+    {
+        const QDBusMessage answer = client.end(call);
+        EXPECT_EQ(errorOf(answer), buserror::failed);
+        EXPECT_FALSE(errorTextOf(answer).isEmpty());
+    }
+};
+
+TEST_F(FailedLaunch, hasAnErrorForTheCallsThatWaitedForIt)
+{
+    const auto calls = beginCallsThatOpenDocuments();
+    const QDBusPendingCall submission = client.beginSubmit({{u"at"_s, itemURL()}});
+    waitForArrivals();
+    host.application().applicationDidFinishLaunching();
+    for (const QDBusPendingCall &call : calls)
+        expectRefused(call);
+    const QDBusMessage refused = client.end(submission);
+    EXPECT_EQ(errorOf(refused), u"org.sealwright.Error.N1199"_s);
+    EXPECT_EQ(errorTextOf(refused), u"Application is busy, status: interacting."_s);
+    EXPECT_EQ(documentCount(), 0);
+}
+
+TEST_F(FailedLaunch, opensNoDocumentBesideItsAlertNorAfterIt)
+{
+    const auto expectAllRefused = [this] {
+        for (const QDBusPendingCall &call : beginCallsThatOpenDocuments())
+            expectRefused(call);
+        expectRefused(beginOpen());
+        EXPECT_EQ(documentCount(), 0);
+    };
+    host.applicationHost.answerModal = [&] {
+        expectAllRefused();
+        return platform::alertFirstButton;
+    };
+    host.application().applicationDidFinishLaunching();
+    ASSERT_EQ(host.applicationHost.modalAlerts.size(), 1);
+    expectAllRefused();
+}
+
+TEST_F(FailedLaunch, takesWhatWasToBeOpenedAndOpensNothing)
+{
+    const QDBusPendingCall call = beginOpen();
+    waitForArrivals();
+    EXPECT_EQ(errorOf(client.end(call)), u"no error"_s);
+    host.application().applicationDidFinishLaunching();
+    EXPECT_EQ(documentCount(), 0);
+}
+
+TEST_F(FailedLaunch, canStillBeToldToQuit)
+{
+    host.applicationHost.answerModal = [this] {
+        const QDBusPendingCall call = begin(u"ActivateAction"_s, {u"quit"_s, QVariantList(), QVariantMap()});
+        EXPECT_EQ(errorOf(client.end(call)), u"no error"_s);
+        EXPECT_TRUE(host.applicationHost.isTerminated);
+        return platform::alertFirstButton;
+    };
+    host.application().applicationDidFinishLaunching();
+    EXPECT_TRUE(host.applicationHost.isTerminated);
 }
 
 TEST(ScriptingBus, documentsFromBeforeTheRegistrationAreThereOnce)

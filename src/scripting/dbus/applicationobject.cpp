@@ -69,6 +69,20 @@ QList<BusProperty> properties()
     };
 }
 
+using Handler = std::function<void(const BusObject &, const BusCall &)>;
+
+/// The handler of a call that may open a document: an application that is about to quit has an error for it.
+Handler openingDocuments(const Handler &handler)
+{
+    return [handler](const BusObject &object, const BusCall &call) {
+        if (object.application.hasLaunchFailed())
+            call.replyWithError(buserror::failed,
+                                u"There is no notary tool, and Sealwright is about to quit."_s);
+        else
+            handler(object, call);
+    };
+}
+
 QList<BusMethod> methods()
 {
     return {
@@ -79,7 +93,10 @@ QList<BusMethod> methods()
                              [](const BusObject &object, const ScriptCommandPtr &command) {
                                  scripting(object).AESubmitForNotarizing(command);
                              }),
-        {u"MakeDocument"_s, {{u"properties"_s, u"a{sv}"_s}}, {{u"document"_s, u"o"_s}}, makeDocument},
+        {u"MakeDocument"_s,
+         {{u"properties"_s, u"a{sv}"_s}},
+         {{u"document"_s, u"o"_s}},
+         openingDocuments(makeDocument)},
     };
 }
 
@@ -112,6 +129,12 @@ void open(const BusObject &object, const BusCall &call)
     call.reply();
 }
 
+void newDocument(const BusObject &object, const BusCall &call)
+{
+    object.application.newDocument(0);
+    call.reply();
+}
+
 void activateAction(const BusObject &object, const BusCall &call)
 {
     const QString name = call.text(0);
@@ -119,8 +142,7 @@ void activateAction(const BusObject &object, const BusCall &call)
         call.reply();
         object.application.host().application.terminate();
     } else if (name == "new-document"_L1) {
-        object.application.newDocument(0);
-        call.reply();
+        openingDocuments(newDocument)(object, call);
     } else {
         call.replyWithError(buserror::invalidArgs, u"There is no action %1."_s.arg(name));
     }
@@ -142,8 +164,8 @@ const BusInterface &desktopInterface()
 {
     static const BusInterface interface {
         .name = bus::desktopInterface, .methods = {
-            {u"Activate"_s, {platformData}, {}, activate},
-            {u"Open"_s, {{u"uris"_s, u"as"_s}, platformData}, {}, open, true},
+            {u"Activate"_s, {platformData}, {}, openingDocuments(activate)},
+            {u"Open"_s, {{u"uris"_s, u"as"_s}, platformData}, {}, openingDocuments(open), true},
             {u"ActivateAction"_s,
              {{u"action_name"_s, u"s"_s}, {u"parameter"_s, u"av"_s}, platformData},
              {},

@@ -37,6 +37,7 @@ inline const QString peerInterface = QStringLiteral("org.freedesktop.DBus.Peer")
 
 namespace buserror {
 
+inline const QString failed = QStringLiteral("org.freedesktop.DBus.Error.Failed");
 inline const QString invalidArgs = QStringLiteral("org.freedesktop.DBus.Error.InvalidArgs");
 inline const QString propertyReadOnly = QStringLiteral("org.freedesktop.DBus.Error.PropertyReadOnly");
 inline const QString unknownObject = QStringLiteral("org.freedesktop.DBus.Error.UnknownObject");
