@@ -25,12 +25,15 @@ void describe()
 /// gets an application that scripts cannot reach.
 bool takeTheBus(ScriptingBus &bus)
 {
-    const auto registered = bus.registerOnSessionBus();
-    if (registered)
-        return true;
-    if (ScriptingBus::activateRunningInstance())
-        return false;
-    std::fprintf(stderr, "sealwright: %s\n", qUtf8Printable(registered.error()));
+    constexpr int mostAttempts = 3; // the one that has the name may be about to quit
+    auto registered = bus.registerOnSessionBus();
+    for (int attempt = 1; !registered && attempt < mostAttempts; ++attempt) {
+        if (ScriptingBus::activateRunningInstance())
+            return false;
+        registered = bus.registerOnSessionBus();
+    }
+    if (!registered)
+        std::fprintf(stderr, "sealwright: %s\n", qUtf8Printable(registered.error()));
     return true;
 }
 

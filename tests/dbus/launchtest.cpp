@@ -1,6 +1,7 @@
 // The bus name, calls that come while launch is going on, and what a desktop asks.
 
 #include "dbus/hostonbus.h"
+#include "dbus/quittingapplication.h"
 
 #include <QDBusConnectionInterface>
 #include <QThread>
@@ -247,6 +248,34 @@ TEST(ScriptingBus, withoutTheNameItSaysSo)
 TEST(ScriptingBus, withNobodyRunningThereIsNobodyToActivate)
 {
     EXPECT_FALSE(ScriptingBus::activateRunningInstance());
+}
+
+TEST(ScriptingBus, anApplicationThatEndsOverItsActivationDoesNotRun)
+{
+    TestHost host;
+    host.launch();
+    BusClient first(host);
+    QuittingApplication quitting(first.connection());
+    bool found = true;
+    const std::unique_ptr<QThread> second(
+        QThread::create([&found] { found = ScriptingBus::activateRunningInstance(); }));
+    second->start();
+    host.runUntil([&second] { return second->isFinished(); });
+    EXPECT_FALSE(found);
+}
+
+TEST(ScriptingBus, theNameCanBeTriedForAgain)
+{
+    TestHost host;
+    host.launch();
+    BusClient first(host);
+    ASSERT_TRUE(first.connection().registerService(bus::service));
+    ScriptingBus second(host.application());
+    ASSERT_FALSE(second.registerOnSessionBus());
+    ASSERT_TRUE(first.connection().unregisterService(bus::service));
+    const platform::Outcome registered = second.registerOnSessionBus();
+    EXPECT_TRUE(registered) << registered.error().toStdString();
+    EXPECT_EQ(first.getPaths(u"OrderedDocuments"_s).size(), 1);
 }
 
 TEST(ScriptingBus, theNameIsFreeOnceItIsGone)

@@ -51,6 +51,16 @@ ScriptingBus::~ScriptingBus()
 
 platform::Outcome ScriptingBus::registerOnSessionBus()
 {
+    const auto connected = m_connection.isConnected() ? platform::Outcome::success() : connectToSessionBus();
+    if (!connected)
+        return connected;
+    if (!m_connection.registerService(bus::service))
+        return platform::Outcome::failure(u"The name %1 is taken on the session bus."_s.arg(bus::service));
+    return platform::Outcome::success();
+}
+
+platform::Outcome ScriptingBus::connectToSessionBus()
+{
     // A connection of its own: that of the library takes no calls before the event loop runs.
     m_connection = QDBusConnection::connectToBus(QDBusConnection::SessionBus, connectionName);
     if (!m_connection.isConnected())
@@ -60,8 +70,6 @@ platform::Outcome ScriptingBus::registerOnSessionBus()
     followApplication();
     if (!m_connection.registerVirtualObject(bus::applicationPath, this, QDBusConnection::SubPath))
         return platform::Outcome::failure(u"The objects could not be put on the session bus."_s);
-    if (!m_connection.registerService(bus::service))
-        return platform::Outcome::failure(u"The name %1 is taken on the session bus."_s.arg(bus::service));
     return platform::Outcome::success();
 }
 
@@ -87,14 +95,15 @@ bool ScriptingBus::activateRunningInstance()
 {
     const auto connection =
         QDBusConnection::connectToBus(QDBusConnection::SessionBus, activationConnectionName);
-    bool isRunning = connection.isConnected() && connection.interface()->isServiceRegistered(bus::service);
-    if (isRunning) {
+    bool isRunning = false;
+    if (connection.isConnected()) {
         QDBusMessage message = QDBusMessage::createMethodCall(bus::service, bus::applicationPath,
                                                               bus::desktopInterface, u"Activate"_s);
         message.setAutoStartService(false);
         message << QVariantMap();
-        const QDBusMessage answer = connection.call(message);
-        isRunning = QDBusError(answer).type() != QDBusError::ServiceUnknown;
+        connection.call(message);
+        // Whatever the answer is: one that was about to quit may have gone with the call or after it.
+        isRunning = connection.interface()->isServiceRegistered(bus::service);
     }
     QDBusConnection::disconnectFromBus(activationConnectionName);
     return isRunning;

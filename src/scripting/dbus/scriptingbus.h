@@ -17,15 +17,16 @@ public:
     /// Gives the name back, and has sent every answer by then.
     ~ScriptingBus() override;
 
-    /// Puts the objects on the session bus and then takes the name. Once; before the first document or after
-    /// it. Calls other than `Open` and reads wait while the application's status is "loading". Fails where
-    /// there is no bus or another process has the name.
+    /// Puts the objects on the session bus and then takes the name; before the first document or after it.
+    /// Calls other than `Open` and reads wait while the application's status is "loading". Fails where there
+    /// is no bus or another process has the name, and may be tried again then.
     platform::Outcome registerOnSessionBus();
     /// Takes the calls that have arrived so far without an event loop: what was to be opened by the call that
     /// started the application is there when launch asks for it.
     void takeArrivedCalls();
 
-    /// Has the process that owns the name come to the front. False if no process owns it.
+    /// Has the process that owns the name come to the front. False if none owns it, be it that it ended over
+    /// this.
     [[nodiscard]] static bool activateRunningInstance();
 
     // For the bus library
@@ -33,6 +34,7 @@ public:
     bool handleMessage(const QDBusMessage &message, const QDBusConnection &connection) override;
 
 private:
+    platform::Outcome connectToSessionBus();
     void followApplication();
     void addDocument(MainWinController &document);
     void removeDocument(MainWinController &document);
