@@ -95,10 +95,9 @@ QDBusMessage Client::method(const QString &path, const QString &interface, const
     return message;
 }
 
-QDBusMessage Client::getProperty(const QString &path, const QString &interface, const QString &name,
-                                 Start start)
+QDBusMessage Client::getProperty(const QString &path, const QString &interface, const QString &name)
 {
-    return method(path, bus::propertiesInterface, u"Get"_s, {interface, name}, start);
+    return method(path, bus::propertiesInterface, u"Get"_s, {interface, name});
 }
 
 QString Client::documentPath(const QString &identifier)

@@ -33,8 +33,7 @@ public:
     /// A call of a method; whether it starts an application that does not run yet.
     static QDBusMessage method(const QString &path, const QString &interface, const QString &name,
                                const QVariantList &arguments = {}, Start start = Start::never);
-    static QDBusMessage getProperty(const QString &path, const QString &interface, const QString &name,
-                                    Start start = Start::never);
+    static QDBusMessage getProperty(const QString &path, const QString &interface, const QString &name);
 
     /// The path for an identifier, or for the element of a path that stands for one.
     static QString documentPath(const QString &identifier);

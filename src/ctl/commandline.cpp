@@ -144,8 +144,8 @@ QString helpText()
 {
     return uR"(usage: sealwrightctl COMMAND [ARGUMENT ...]
 
-Tells a Sealwright that runs on this session bus what to do, and starts it where a command can begin without
-a document.
+Tells a Sealwright that runs on this session bus what to do. To open items, or to submit one in a new
+document, it is started if it does not run.
 
   submit PATH      Notarizes the item and waits for the end. Prints the path of the finished item.
     --document ID      in that document, with its settings; otherwise in a new one

@@ -68,11 +68,11 @@ Answer callDocument(const Request &request, const Client &client, const QString 
 }
 
 /// Prints one line for each object of the application's list.
-Answer list(const Client &client, const QString &property, Client::Start start,
+Answer list(const Client &client, const QString &property,
             const std::function<QString(const QDBusObjectPath &, const ManagedObjects &)> &line)
 {
     const Answer order =
-        client.call(Client::getProperty(bus::applicationPath, bus::applicationInterface, property, start));
+        client.call(Client::getProperty(bus::applicationPath, bus::applicationInterface, property));
     if (!order)
         return order;
     const Answer objects = client.call(
@@ -146,11 +146,11 @@ const QHash<QString, Command> &commands()
         {u"log"_s, log},
         {u"documents"_s,
          [](const Request &, const Client &client) {
-             return list(client, u"OrderedDocuments"_s, Client::Start::onDemand, documentLine);
+             return list(client, u"OrderedDocuments"_s, documentLine);
          }},
         {u"windows"_s,
          [](const Request &, const Client &client) {
-             return list(client, u"AllOrderedWindows"_s, Client::Start::never, windowLine);
+             return list(client, u"AllOrderedWindows"_s, windowLine);
          }},
         {u"get"_s, get},
         {u"cancel"_s,

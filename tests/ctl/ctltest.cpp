@@ -91,10 +91,25 @@ TEST_F(Client, aScriptErrorIsPrintedWithItsNumberAndText)
 
 TEST_F(Client, anotherErrorIsPrintedWithoutANumber)
 {
-    for (const QString &command : {u"log"_s, u"cancel"_s, u"close"_s}) {
-        EXPECT_EQ(run({command, u"nobody"_s}), 1);
+    for (const QStringList &words :
+         {QStringList{u"log"_s, u"nobody"_s}, QStringList{u"cancel"_s, u"nobody"_s},
+          QStringList{u"close"_s, u"nobody"_s},
+          QStringList{u"submit"_s, u"a"_s, u"--document"_s, u"nobody"_s},
+          QStringList{u"submit"_s, u"a"_s, u"--follow"_s, u"--document"_s, u"nobody"_s}}) {
+        EXPECT_EQ(run(words), 1) << words.join(u' ').toStdString();
         EXPECT_EQ(error, u"sealwrightctl: error: There is no object %1/nobody.\n"_s.arg(bus::documentsPath));
     }
+}
+
+TEST_F(Client, aFollowedSubmissionThatIsRefusedPrintsItsErrorAlone)
+{
+    host.document().logString(u"not this"_s);
+    for (const QStringList &receiver : {QStringList{}, QStringList{u"--document"_s, element()}}) {
+        EXPECT_EQ(run(QStringList{u"submit"_s, u"/nowhere/Foo.app"_s, u"--follow"_s} + receiver), 1);
+        EXPECT_EQ(error, u"sealwrightctl: error 6: \n"_s);
+        EXPECT_EQ(output, QString());
+    }
+    EXPECT_EQ(documentCount(), 1);
 }
 
 TEST_F(Client, aFollowedSubmissionPrintsItsWholeLogAndNobodyElses)
@@ -309,7 +324,8 @@ TEST_F(LonelyClient, hasTheBusStartTheApplicationOnlyForWhatCanBeginThere)
     privatebus::setActivation(u"/bin/sh -c 'touch %1; exit 1'"_s.arg(marker()));
     EXPECT_TRUE(startsTheApplication({u"submit"_s, u"a"_s}));
     EXPECT_TRUE(startsTheApplication({u"open"_s, u"a"_s}));
-    EXPECT_TRUE(startsTheApplication({u"documents"_s}));
+    EXPECT_FALSE(startsTheApplication({u"documents"_s}));
+    EXPECT_FALSE(startsTheApplication({u"windows"_s}));
     EXPECT_FALSE(startsTheApplication({u"submit"_s, u"a"_s, u"--document"_s, u"b"_s}));
     EXPECT_FALSE(startsTheApplication({u"quit"_s}));
     EXPECT_FALSE(startsTheApplication({u"log"_s, u"a"_s}));
