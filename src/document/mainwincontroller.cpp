@@ -9,6 +9,7 @@
 #include "platform/mainqueue.h"
 #include "platform/preferences.h"
 #include "platform/workerqueue.h"
+#include "tools/commandsimple.h"
 
 #include <QUuid>
 
@@ -206,6 +207,11 @@ SLWTaskResponsePtr MainWinController::logged(const SLWTaskResponsePtr &response)
     if (loggingToFile())
         logToFile(response->fileLogString());
     return response;
+}
+
+QString MainWinController::runCommandSimple(const QString &commandLine) const
+{
+    return ::runCommandSimple(host().launcher, commandLine);
 }
 
 void MainWinController::dispatchToWorker(std::function<void()> job)

@@ -135,6 +135,8 @@ public:
     {
         return logged(runTool(path, args));
     }
+    /// The standard output of a shell line, without any of the above. Null if it is no UTF-8 or nothing ran.
+    QString runCommandSimple(const QString &commandLine) const;
 
     /// Runs the job with a hold on the document.
     void dispatchToWorker(std::function<void()> job);

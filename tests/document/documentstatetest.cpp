@@ -50,6 +50,16 @@ TEST_F(DocumentState, aNewDocumentIsIdle)
     EXPECT_FALSE(document.progressIndicator.isAnimating());
 }
 
+TEST_F(DocumentState, aDocumentRunsAShellLineAsTheApplicationDoes)
+{
+    host.launch();
+    host.tools.answer(u"codesign"_s, {.status = 3, .output = "text\n"});
+    const QString line = u"codesign -d | tr a-z A-Z"_s;
+    EXPECT_EQ(host.document().runCommandSimple(line), u"TEXT\n"_s);
+    EXPECT_EQ(host.document().runCommandSimple(line), host.application().runCommandSimple(line));
+    EXPECT_TRUE(host.document().runCommandSimple(u"printf 'caf\\351'"_s).isNull());
+}
+
 TEST_F(DocumentState, eachDocumentHasItsOwnOwnerToken)
 {
     host.launch();
