@@ -19,8 +19,8 @@ void WidgetApplication::deliverPendingOpens()
 
 void WidgetApplication::activate()
 {
-    if (!m_order.frontToBack().isEmpty())
-        m_order.frontToBack().first()->show();
+    if (const auto windows = m_order.frontToBack(); !windows.isEmpty())
+        windows.first()->show();
 }
 
 void WidgetApplication::terminate()

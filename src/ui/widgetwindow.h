@@ -33,6 +33,8 @@ public:
     QList<platform::Window *> tabbedWindows() const override { return {}; }
 
     QWidget &widget() { return m_widget; }
+    /// Put away by the person: no longer on screen, but not closed.
+    bool isMinimized() const { return m_widget.isMinimized(); }
 
 private:
     WindowOrder &m_order;

@@ -2,21 +2,24 @@
 
 #include <QList>
 
+class WidgetWindow;
+
 namespace platform {
 class Window;
 }
 
-/// The document windows on screen, front to back. Main thread.
+/// The document windows and their order. Main thread.
 class WindowOrder {
 public:
-    void bringToFront(platform::Window &window)
+    void bringToFront(WidgetWindow &window)
     {
         remove(window);
         m_windows.prepend(&window);
     }
-    void remove(platform::Window &window) { m_windows.removeOne(&window); }
-    const QList<platform::Window *> &frontToBack() const { return m_windows; }
+    void remove(WidgetWindow &window) { m_windows.removeOne(&window); }
+    /// Those on screen, front to back: not those that are minimised.
+    QList<platform::Window *> frontToBack() const;
 
 private:
-    QList<platform::Window *> m_windows;
+    QList<WidgetWindow *> m_windows;
 };

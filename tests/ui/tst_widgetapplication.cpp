@@ -45,12 +45,36 @@ TEST_F(WidgetApplicationTest, aClosedWindowIsNotInTheList)
     EXPECT_EQ(application.windowsFrontToBack(), QList{&first});
 }
 
+TEST_F(WidgetApplicationTest, aMinimisedWindowIsNotInTheListUntilItIsBack)
+{
+    auto &first = document().window();
+    QWidget &firstWidget = widget();
+    auto &second = host.application().addedDocument()->window();
+    widget().showMinimized();
+    EXPECT_EQ(application.windowsFrontToBack(), QList{&first});
+    firstWidget.showMinimized();
+    EXPECT_TRUE(application.windowsFrontToBack().isEmpty());
+    second.show();
+    EXPECT_EQ(application.windowsFrontToBack(), QList{&second});
+    firstWidget.showNormal();
+    EXPECT_EQ(application.windowsFrontToBack().size(), 2);
+}
+
 TEST_F(WidgetApplicationTest, activatingBringsUpTheFrontWindow)
+{
+    QWidget inFront;
+    inFront.show();
+    inFront.activateWindow();
+    until([&] { return inFront.isActiveWindow(); });
+    application.activate();
+    until([&] { return widget().isActiveWindow(); });
+}
+
+TEST_F(WidgetApplicationTest, activatingLeavesMinimisedWindowsWhereTheyAre)
 {
     widget().showMinimized();
     application.activate();
-    EXPECT_FALSE(widget().isMinimized());
-    until([&] { return widget().isActiveWindow(); });
+    EXPECT_TRUE(widget().isMinimized());
 }
 
 TEST_F(WidgetApplicationTest, activatingWithoutAWindowDoesNothing)
