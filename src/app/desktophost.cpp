@@ -18,11 +18,18 @@ QString inDataFolder(const QString &path)
     return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + u'/' + path;
 }
 
+/// Where the toolchain lies beside an installed application, and beside one that was only built.
+QStringList bundledToolchains(const QString &applicationFolder)
+{
+    return {applicationFolder + u'/' + QStringLiteral(SEALWRIGHT_INSTALLED_TOOLCHAIN),
+            applicationFolder + u'/' + QStringLiteral(SEALWRIGHT_BUILT_TOOLCHAIN)};
+}
+
 } // namespace
 
 DesktopHost::DesktopHost(const QString &applicationFolder)
     : m_preferences(inConfigFolder(u"Sealwright/Sealwright.conf"_s))
-    , m_toolRoot(ToolRoot::chosen(m_preferences.string(key::toolRoot), applicationFolder))
+    , m_toolRoot(ToolRoot::chosen(m_preferences.string(key::toolRoot), bundledToolchains(applicationFolder)))
     , m_launcher([root = m_toolRoot](const QString &path) { return root.locate(path); },
                  m_toolRoot.searchFolders())
     , m_workspace(m_toolRoot.applicationsFolder(), m_files, m_launcher)

@@ -30,9 +30,16 @@ QString ToolRoot::applicationsFolder() const
     return m_root + u"/Applications"_s;
 }
 
-ToolRoot ToolRoot::chosen(const QString &preference, const QString &applicationFolder)
+ToolRoot ToolRoot::chosen(const QString &preference, const QStringList &bundled)
 {
+#ifdef Q_OS_MACOS
+    return ToolRoot(); // the tools themselves are there
+#endif
     if (!preference.isEmpty())
         return ToolRoot(QDir::cleanPath(preference));
-    return ToolRoot(QDir::cleanPath(applicationFolder + u"/../libexec/sealwright/toolchain"_s));
+    for (const QString &folder : bundled) {
+        if (QFileInfo::exists(folder))
+            return ToolRoot(QDir::cleanPath(folder));
+    }
+    return ToolRoot();
 }

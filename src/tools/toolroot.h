@@ -19,9 +19,9 @@ public:
     /// The folder of the installed applications.
     QString applicationsFolder() const;
 
-    /// The root to use: what the user has set, else the toolchain built or installed with the application.
-    /// `applicationFolder` is the folder of the application's executable.
-    static ToolRoot chosen(const QString &preference, const QString &applicationFolder);
+    /// The root to use: what the user has set, else the first of the folders that is there, in which a
+    /// toolchain may come with the application. On macOS every path is itself.
+    static ToolRoot chosen(const QString &preference, const QStringList &bundled);
 
 private:
     QString m_root;

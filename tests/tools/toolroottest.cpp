@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -35,12 +36,22 @@ TEST(ToolRootTest, itsFoldersStandInFrontOfTheSearchPath)
 
 TEST(ToolRootTest, whatTheUserHasSetIsChosen)
 {
-    EXPECT_EQ(ToolRoot::chosen(u"/opt/tools/"_s, u"/usr/bin"_s).applicationsFolder(),
+    const QTemporaryDir bundled;
+    EXPECT_EQ(ToolRoot::chosen(u"/opt/tools/"_s, {bundled.path()}).applicationsFolder(),
               u"/opt/tools/Applications"_s);
 }
 
-TEST(ToolRootTest, withoutASettingTheOneBesideTheApplicationIsChosen)
+TEST(ToolRootTest, withoutASettingTheFirstBundledOneThatIsThereIsChosen)
 {
-    EXPECT_EQ(ToolRoot::chosen(u""_s, u"/usr/local/bin"_s).applicationsFolder(),
-              u"/usr/local/libexec/sealwright/toolchain/Applications"_s);
+    const QTemporaryDir first;
+    const QTemporaryDir second;
+    const QString aroundACorner = first.path() + u"/../"_s + QFileInfo(first.path()).fileName();
+    EXPECT_EQ(
+        ToolRoot::chosen(u""_s, {u"/nowhere/tools"_s, aroundACorner, second.path()}).applicationsFolder(),
+        first.path() + u"/Applications"_s);
+}
+
+TEST(ToolRootTest, withNoneAtAllEveryPathIsItself)
+{
+    EXPECT_EQ(ToolRoot::chosen({}, {u"/nowhere/tools"_s}).applicationsFolder(), u"/Applications"_s);
 }
