@@ -84,13 +84,3 @@ buildPreset() { # PRESET [TARGET ...]
 buildProgram() {
     buildPreset release src/all toolchain/all samples/all
 }
-
-# Qt's platform without a display is offscreen; with one, it is whichever connects.
-choosePlatform() {
-    [[ -z ${QT_QPA_PLATFORM-} ]] || return 0
-    if [[ -n ${DISPLAY-}${WAYLAND_DISPLAY-} ]]; then
-        export QT_QPA_PLATFORM="xcb;wayland;offscreen"
-    else
-        export QT_QPA_PLATFORM=offscreen
-    fi
-}

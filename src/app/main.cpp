@@ -11,6 +11,19 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+/// Without a display the application serves scripts all the same, also when the bus starts it; with one, the
+/// platform is whichever connects.
+void choosePlatform()
+{
+#ifndef Q_OS_MACOS
+    if (!qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        return;
+    const bool hasDisplay =
+        !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+    qputenv("QT_QPA_PLATFORM", hasDisplay ? "xcb;wayland;offscreen" : "offscreen");
+#endif
+}
+
 void describe()
 {
     QApplication::setOrganizationName(u"Sealwright"_s);
@@ -69,6 +82,7 @@ int runDesktopApplication()
 
 int main(int argc, char **argv)
 {
+    choosePlatform();
     const QApplication application(argc, argv);
     describe();
     quit(runDesktopApplication());
