@@ -9,9 +9,11 @@
 #include "platform/posix/portablecalls.h"
 #include "platform/posix/posixfilehandle.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
+#include <QStandardPaths>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -157,6 +159,10 @@ Outcome PosixFileService::copyItem(const QString &from, const QString &to)
 
 Outcome PosixFileService::trashItem(const QString &path)
 {
+    // Without a folder for the trash to be in, the library takes the current folder for the trash.
+    const QString home = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
+    if (!QDir().mkpath(home))
+        return Outcome::failure(u"Cannot move '%1' to the trash: there is no folder '%2'"_s.arg(path, home));
     QFile item(path);
     if (item.moveToTrash())
         return Outcome::success();
