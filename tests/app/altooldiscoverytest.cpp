@@ -6,7 +6,11 @@
 #include "support/items.h"
 #include "support/testhost.h"
 
+#include <QDeadlineTimer>
+
 #include <gtest/gtest.h>
+
+#include <thread>
 
 using namespace Qt::StringLiterals;
 
@@ -29,6 +33,22 @@ protected:
 };
 
 } // namespace
+
+TEST_F(NotaryTool, isProbedInTheNameOfNoDocument)
+{
+    host.tools.answer(u"altool-h"_s, {.output = banner, .hangs = true});
+    QString owner;
+    std::thread observer([&] {
+        const QDeadlineTimer deadline(std::chrono::seconds(60));
+        while (host.tools.callsOf(u"altool-h"_s).isEmpty() && !deadline.hasExpired())
+            std::this_thread::yield();
+        owner = host.application().taskMaster()->ownerID();
+        host.tools.release(u"altool-h"_s);
+    });
+    host.launch();
+    observer.join();
+    EXPECT_EQ(owner, u"0"_s);
+}
 
 // The version in a help text
 
