@@ -2,6 +2,7 @@
 
 #include "support/testhost.h"
 
+#include <QFile>
 #include <QProcess>
 
 #include <gtest/gtest.h>
@@ -42,6 +43,17 @@ public:
         });
     }
     void interrupt() const { ::kill(static_cast<pid_t>(m_process.processId()), SIGINT); }
+    /// Waits until it has done all that there is to do: what an interrupt asks for is done by then.
+    void waitUntilIdle()
+    {
+        QFile state(QStringLiteral("/proc/%1/stat").arg(m_process.processId()));
+        m_host.runUntil([&state] {
+            EXPECT_TRUE(state.open(QIODevice::ReadOnly));
+            const QByteArray text = state.readAll();
+            state.close();
+            return text.mid(text.lastIndexOf(')')).startsWith(") S");
+        });
+    }
     bool isRunning() const { return m_process.state() == QProcess::Running; }
 
     QString output;
