@@ -47,6 +47,15 @@ protected:
         });
     }
 
+    /// Leaves the document with a command that waits for an answer, as an earlier script may have.
+    void suspendStaleCommand()
+    {
+        command = std::make_shared<ScriptCommand>(QVariantMap(),
+                                                  [this](const ScriptReply &answer) { reply = answer; });
+        command->execute([](const ScriptCommandPtr &executing) { executing->suspendExecution(); });
+        host.document().currentCommand.set(command);
+    }
+
     void expectRefused(qint64 number, const QString &text = {})
     {
         ASSERT_TRUE(reply);
@@ -272,21 +281,61 @@ TEST_F(AScript, thatFetchesTheLogOfARunningDocumentLosesTheCommandOfTheRun)
     EXPECT_FALSE(log->isError());
 }
 
-TEST_F(AScript, isToldNothingOfALaterFailureOfAPersonsOwnRun)
+TEST_F(AScript, isToldNothingOfAFailureOfAPersonsOwnRun)
 {
-    send(atItem(u"Foo.app"_s), Receiver::document);
-    host.settle();
-    host.firePolls();
-    ASSERT_TRUE(reply);
-    const ScriptReply before = *reply;
-    items::makeBundle(host.item(u"Foo.app"_s));
+    suspendStaleCommand();
+    host.document().isScripted.set(true);
     host.tools.answer(u"altool--notarization-history"_s, {.status = 1});
-    host.document().steps().submit.doSubmitAgain();
+    host.document().steps().submit.doSubmit();
+    host.window().choose(itempath::toUrl(host.item(u"Foo.app"_s)));
     host.settle();
     EXPECT_EQ(host.window().sheets.last().messageText, u"Cannot Continue"_s);
     EXPECT_EQ(host.document().currentCommand(), command);
-    EXPECT_FALSE(before.isError());
+    EXPECT_FALSE(reply) << "the command still waits, and is not the run's";
+}
+
+TEST_F(AScript, thatIsRefusedLeavesTheDocumentsCommandAndDialogsAlone)
+{
+    suspendStaleCommand();
+    const ScriptCommandPtr before = command;
+    host.document().suppressDialogs.set(true);
+    QVariantMap arguments = atItem(u"Gone.app"_s);
+    arguments.insert(argument::showingDialogs, true);
+    send(arguments, Receiver::document);
+    expectRefused(6);
+    host.document().changeStatus(status::waiting);
+    arguments.insert(argument::at, itempath::toUrl(host.item(u"Foo.app"_s)));
+    send(arguments, Receiver::document);
+    expectRefused(1199, u"Document is busy, status: waiting."_s);
+    EXPECT_EQ(host.document().currentCommand(), before);
+    EXPECT_TRUE(host.document().suppressDialogs());
+    EXPECT_FALSE(host.document().isScripted());
+}
+
+TEST_F(AScript, isServedByADocumentThatSaysReadyThoughItsBusyFlagIsOn)
+{
+    host.document().isBusy.set(true);
+    send(atItem(u"Foo.app"_s), Receiver::document);
+    EXPECT_FALSE(reply);
+    host.settle();
+    host.firePolls();
+    ASSERT_TRUE(reply);
     EXPECT_FALSE(reply->isError());
+}
+
+TEST_F(AScript, submitsInADocumentWithItsFieldsAndInANewOneWithThePreferences)
+{
+    host.preferences.setValue(key::appleIDValue, u"preferred@example.com"_s);
+    host.document().appleIDField.setStringValue(u"own@example.com"_s);
+    items::makeBundle(host.item(u"Bar.app"_s));
+    send(atItem(u"Foo.app"_s), Receiver::document);
+    host.settle();
+    send(atItem(u"Bar.app"_s), Receiver::application);
+    host.settle();
+    const auto uploads = host.tools.callsOf(u"altool--notarize-app"_s);
+    ASSERT_EQ(uploads.size(), 2);
+    EXPECT_TRUE(uploads.at(0).contains(u"own@example.com"_s));
+    EXPECT_TRUE(uploads.at(1).contains(u"preferred@example.com"_s));
 }
 
 TEST(ScriptCommand, canBeResumedFromAnyThreadAndIsAnsweredOnce)
