@@ -1,0 +1,82 @@
+// What `cmake --install` leaves under a prefix, and that it works from there.
+
+#include "app/program.h"
+
+#include <QDBusConnectionInterface>
+#include <QDir>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// An installation under a prefix with a blank in its name. Two at a time would share files of the build, so
+/// one test asks for everything.
+class InstalledTree : public Program {
+protected:
+    InstalledTree()
+    {
+        QProcess install;
+        install.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        install.start(QString::fromUtf8(CMAKE),
+                      {u"--install"_s, QString::fromUtf8(BUILD), u"--prefix"_s, prefix});
+        install.waitForFinished(-1);
+        EXPECT_EQ(install.exitCode(), 0) << install.readAllStandardOutput().constData();
+    }
+
+    void expectWhatADesktopLooksFor();
+    void expectThatTheBusStartsItWithItsToolchain();
+
+    QString serviceFile() const
+    {
+        return prefix + u"/share/dbus-1/services/org.sealwright.Sealwright.service"_s;
+    }
+    static QString value(const QString &file, const QString &key)
+    {
+        QFile opened(file);
+        EXPECT_TRUE(opened.open(QIODevice::ReadOnly)) << file.toStdString();
+        for (const QByteArray &line : opened.readAll().split('\n')) {
+            if (const QString text = QString::fromUtf8(line); text.startsWith(key + u'='))
+                return text.sliced(key.size() + 1);
+        }
+        return {};
+    }
+
+    const QString prefix = folder("a prefix");
+};
+
+void InstalledTree::expectWhatADesktopLooksFor()
+{
+    EXPECT_EQ(value(serviceFile(), u"Name"_s), bus::service);
+    EXPECT_EQ(value(serviceFile(), u"Exec"_s), u"\"%1/bin/sealwright\""_s.arg(prefix));
+    const QString desktopFile = prefix + u"/share/applications/org.sealwright.Sealwright.desktop"_s;
+    EXPECT_EQ(value(desktopFile, u"DBusActivatable"_s), u"true"_s);
+    const QString icon = value(desktopFile, u"Icon"_s);
+    for (const QString &place : {u"scalable/apps/%1.svg"_s, u"48x48/apps/%1.png"_s, u"256x256/apps/%1.png"_s})
+        EXPECT_TRUE(QFile::exists(prefix + u"/share/icons/hicolor/"_s + place.arg(icon)))
+            << place.toStdString();
+    QProcess ctl;
+    start(ctl, prefix + u"/bin/sealwrightctl"_s);
+    EXPECT_EQ(end(ctl), 2) << "it has been told nothing to do";
+}
+
+void InstalledTree::expectThatTheBusStartsItWithItsToolchain()
+{
+    environment.insert(u"SEALWRIGHT_TOOLCHAIN_STATE"_s, folder("TOOLCHAIN"));
+    QString variables;
+    for (const QString &name : {u"XDG_CONFIG_HOME"_s, u"XDG_DATA_HOME"_s, u"SEALWRIGHT_TOOLCHAIN_STATE"_s})
+        variables += u"%1='%2' "_s.arg(name, environment.value(name));
+    // The line is the installed file's own, but for the folders of this test.
+    privatebus::setActivation(u"/usr/bin/env %1 %2"_s.arg(variables, value(serviceFile(), u"Exec"_s)));
+    waitUntilReady(); // without a toolchain beside it there is no notary tool on this host
+    EXPECT_EQ(documents().size(), 1);
+    quit();
+    host.runUntil([this] { return !client.connection().interface()->isServiceRegistered(bus::service); });
+}
+
+} // namespace
+
+TEST_F(InstalledTree, isKnownToTheDesktopAndStartedByTheBus)
+{
+    expectWhatADesktopLooksFor();
+    expectThatTheBusStartsItWithItsToolchain();
+}

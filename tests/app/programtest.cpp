@@ -1,0 +1,164 @@
+// The program as it was built: a second start, the end without a notary tool, life without a bus or a
+// display, and where it looks for its files.
+
+#include "app/program.h"
+
+#include "dbus/quittingapplication.h"
+
+#include <QDBusConnectionInterface>
+#include <QDir>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString program = QString::fromUtf8(SEALWRIGHT_PROGRAM);
+
+class BuiltProgram : public Program {
+protected:
+    BuiltProgram()
+    {
+        environment.insert(u"QT_QPA_PLATFORM"_s, u"offscreen"_s);
+        setPreferences({u"toolRoot="_s + host.tools.root(), u"toolPause=0"_s,
+                        u"appleIDValue=dev@example.com"_s, u"appPassValue=notary"_s});
+        const QString xcode = host.tools.root() + u"/Applications/Xcode.app/Contents"_s;
+        items::makeInfo(xcode, u"Xcode"_s, u"com.apple.dt.Xcode"_s);
+        items::makeFile(xcode + u"/MacOS/Xcode"_s, "#!/bin/sh\n", true);
+    }
+    ~BuiltProgram() override { kill(process); }
+
+    void start() { Program::start(process, program); }
+    void startAndWait()
+    {
+        start();
+        waitUntilReady();
+    }
+    void quitAndExpectSuccess()
+    {
+        quit();
+        EXPECT_EQ(end(process), 0);
+    }
+    void removeXcode() const { QDir(host.tools.root() + u"/Applications"_s).removeRecursively(); }
+    void removeDisplay()
+    {
+        for (const QString &name : {u"DISPLAY"_s, u"WAYLAND_DISPLAY"_s, u"QT_QPA_PLATFORM"_s})
+            environment.remove(name);
+    }
+
+    QProcess process;
+};
+
+} // namespace
+
+TEST_F(BuiltProgram, isReadyWithOneDocumentAndQuitsOnlyWhenTold)
+{
+    startAndWait();
+    ASSERT_EQ(documents().size(), 1);
+    client.call(documents().first(), bus::documentInterface, u"Close"_s);
+    host.runUntil([this] { return documents().isEmpty(); });
+    waitUntilReady();
+    quitAndExpectSuccess();
+}
+
+TEST_F(BuiltProgram, runsTheToolsBelowTheRootThatThePreferencesName)
+{
+    startAndWait();
+    EXPECT_EQ(host.tools.order(), (QStringList{u"security"_s, u"altool-h"_s}));
+    quitAndExpectSuccess();
+}
+
+TEST_F(BuiltProgram, carriesAnItemThroughAndPutsWhatIsInTheWayIntoThePersonsTrash)
+{
+    items::makeBundle(host.item(u"Foo.app"_s));
+    items::makeFile(host.item(u"Foo - Submitted/earlier"_s), "text");
+    startAndWait();
+    const QDBusMessage answer = client.end(client.beginSubmit(
+        {{u"at"_s, QUrl::fromLocalFile(host.item(u"Foo.app"_s)).toString()}, {u"skippingStapling"_s, true}}));
+    EXPECT_EQ(
+        variantOf(answer),
+        QVariant(QUrl::fromLocalFile(host.item(u"Foo - Submitted/Foo.app"_s)).toString(QUrl::FullyEncoded)));
+    EXPECT_TRUE(QFile::exists(folder("DATA") + u"/Trash/files/Foo - Submitted/earlier"_s));
+    quitAndExpectSuccess();
+}
+
+TEST_F(BuiltProgram, startedASecondTimeEndsAndActivatesTheFirst)
+{
+    startAndWait();
+    client.call(documents().first(), bus::documentInterface, u"Close"_s);
+    host.runUntil([this] { return documents().isEmpty(); });
+    QProcess second;
+    Program::start(second, program);
+    EXPECT_EQ(end(second), 0);
+    EXPECT_EQ(documents().size(), 1) << "the activation opens a document where there is none";
+    quitAndExpectSuccess();
+}
+
+TEST_F(BuiltProgram, startedWhileAnotherQuitsTakesItsPlace)
+{
+    BusClient other(host);
+    const QuittingApplication quitting(other.connection());
+    start();
+    host.runUntil([&other] {
+        return other.connection().interface()->serviceOwner(bus::service).value()
+            != other.connection().baseService();
+    });
+    waitUntilReady();
+    EXPECT_EQ(documents().size(), 1);
+    quitAndExpectSuccess();
+    EXPECT_FALSE(process.readAllStandardError().contains("sealwright: ")) << "it has the bus";
+}
+
+TEST_F(BuiltProgram, withoutANotaryToolSaysSoOnStandardErrorAndEndsWithStatusOne)
+{
+    removeXcode();
+    start();
+    EXPECT_EQ(end(process), 1);
+    const QString error = QString::fromUtf8(process.readAllStandardError());
+    EXPECT_TRUE(error.startsWith(u"Xcode or Transporter Not Found\nNotarization cannot be performed "_s))
+        << error.toStdString();
+    EXPECT_TRUE(error.endsWith(u"\n\nSealwright will now quit.\n"_s)) << error.toStdString();
+}
+
+TEST_F(BuiltProgram, withoutABusSaysSoAndRunsAllTheSame)
+{
+    environment.insert(u"DBUS_SESSION_BUS_ADDRESS"_s, u"unix:path=/nonexistent/bus"_s);
+    start();
+    host.runUntil([this] { return !host.tools.callsOf(u"altool-h"_s).isEmpty(); });
+    EXPECT_EQ(process.state(), QProcess::Running);
+    const QByteArray error = process.readAllStandardError();
+    EXPECT_TRUE(error.startsWith("sealwright: ")) << error.constData();
+}
+
+TEST_F(BuiltProgram, startsWithoutADisplay)
+{
+    removeDisplay();
+    startAndWait();
+    quitAndExpectSuccess();
+}
+
+TEST_F(BuiltProgram, withoutADisplayAsWellSaysThatThereIsNoNotaryTool)
+{
+    removeDisplay();
+    removeXcode();
+    start();
+    EXPECT_EQ(end(process), 1);
+}
+
+TEST_F(BuiltProgram, startedOnDemandOpensTheItemsAndNoEmptyDocument)
+{
+    items::makeBundle(host.item(u"Foo.app"_s));
+    const QStringList cleared{u"-u"_s, u"DISPLAY"_s,        u"-u"_s, u"WAYLAND_DISPLAY"_s,
+                              u"-u"_s, u"QT_QPA_PLATFORM"_s};
+    privatebus::setActivation(u"/usr/bin/env %1 XDG_CONFIG_HOME='%2' SEALWRIGHT_FAKE_ROOT='%3' '%4'"_s.arg(
+        cleared.join(u' '), folder("CONFIG"), host.tools.root(), program));
+    const QDBusMessage answer =
+        client.call(bus::applicationPath, bus::desktopInterface, u"Open"_s,
+                    {QStringList{QUrl::fromLocalFile(host.item(u"Foo.app"_s)).toString()}, QVariantMap()});
+    EXPECT_EQ(errorOf(answer), u"no error"_s);
+    waitUntilReady();
+    ASSERT_EQ(documents().size(), 1);
+    EXPECT_EQ(client.get(documents().first(), bus::documentInterface, u"DocStatus"_s),
+              QVariant(u"interacting"_s));
+    quit();
+    host.runUntil([this] { return !client.connection().interface()->isServiceRegistered(bus::service); });
+}
