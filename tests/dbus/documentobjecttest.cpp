@@ -106,6 +106,7 @@ TEST_F(DocumentObject, anEmptyLogIsAnEmptyTextAndNotNoValue)
 TEST_F(DocumentObject, fetchingTheLogOfARunTakesTheRunsAnswerAway)
 {
     const QDBusPendingCall submission = beginEndlessSubmission();
+    host.runUntil([this] { return host.mainQueue.isEmpty(); }); // what the run logged so far has landed
     host.document().logStringMain(u"here"_s, false);
     const QDBusMessage log = call(u"FetchLog"_s, {QVariantMap()});
     EXPECT_TRUE(variantOf(log).toString().endsWith(u"here\n"_s));
