@@ -39,6 +39,11 @@ protected:
         return run(xcrun, {u"stapler"_s, action, u"-v"_s, item});
     }
 
+    [[nodiscard]] ToolResult assess(const QString &image, const QString &type = u"open"_s) const
+    {
+        return run(spctl, {u"--assess"_s, u"--type"_s, type, u"-vv"_s, image});
+    }
+
     [[nodiscard]] bool isApproved(const QString &image) const
     {
         return pollToTheEnd(uuidIn(upload(image))).output.contains(u"Status: success"_s);
@@ -245,4 +250,40 @@ TEST_F(ImageSigning, anImageSignedAnewAfterItsApprovalIsNotStapled)
     ASSERT_EQ(sign(image).status, 0);
     EXPECT_EQ(staple(image, u"validate"_s).status, 65);
     EXPECT_EQ(staple(image).status, 65);
+}
+
+TEST_F(ImageSigning, anUnsignedImageHasNoUsableSignatureEvenIfItIsApproved)
+{
+    const QString image = this->image();
+    ASSERT_TRUE(isApproved(image));
+    EXPECT_EQ(assess(image).status, 3);
+    EXPECT_EQ(assess(image).error, image + u": rejected\nsource=no usable signature\n"_s);
+}
+
+TEST_F(ImageSigning, aSignedImageIsAcceptedForOpeningOnceItIsApproved)
+{
+    const QString image = this->image();
+    ASSERT_EQ(sign(image).status, 0);
+    EXPECT_EQ(assess(image).error, image + u": rejected\nsource=Unnotarized (local stand-in)\n"_s);
+    ASSERT_TRUE(isApproved(image));
+    const QString accepted =
+        image + u": accepted\nsource=Notarized (local stand-in)\norigin="_s + identity + u'\n';
+    EXPECT_EQ(assess(image).error, accepted);
+    ASSERT_EQ(staple(image).status, 0);
+    ASSERT_TRUE(QFile::rename(statePath(u"notary"_s), statePath(u"forgotten"_s)));
+    EXPECT_EQ(assess(image).status, 0);
+    EXPECT_EQ(assess(image).error, accepted);
+    EXPECT_EQ(assess(image, u"execute"_s).status, 3);
+    EXPECT_EQ(assess(image, u"install"_s).status, 3);
+}
+
+TEST_F(ImageSigning, anImageChangedAfterItsApprovalIsRejected)
+{
+    const QString image = this->image();
+    ASSERT_EQ(sign(image).status, 0);
+    ASSERT_TRUE(isApproved(image));
+    QByteArray bytes = readFile(image);
+    bytes[bytes.size() / 3] = char(bytes[bytes.size() / 3] + 1);
+    writeFile(image, bytes);
+    EXPECT_EQ(assess(image).error, image + u": rejected\nsource=invalid signature\n"_s);
 }

@@ -28,12 +28,13 @@ For each of them: [--asc-provider NAME] [--output-format normal|xml]
 )";
 
 constexpr std::string_view details = R"(
-Sends a zip archive or a disk image to the notary and asks what became of it. The notary is a stand-in too: a
-folder on this machine, which keeps the file's digest and looks whether the bundles at its top bear seals that
-agree with their files. Nothing leaves the machine, nobody at Apple sees or approves anything, and an approval
+Sends a zip archive, a disk image or a package to the notary and asks what became of it. The notary is a
+stand-in too: a folder on this machine, which keeps the file's digest and looks whether the bundles at its top
+bear seals that agree with their files, and whether a package bears a signature that agrees with its. Into a
+package's payload it does not look. Nothing leaves the machine, nobody at Apple sees or approves anything, and an approval
 is worth nothing elsewhere.
 
-  -f, --file FILE          a zip archive or a disk image, whatever it is called
+  -f, --file FILE          a zip archive, a disk image or a package, whatever it is called
   --primary-bundle-id ID   kept with the request
   -u, --username ID        any; there are no accounts
   -p, --password PASSWORD  must be there; an item of the keychain folder is made by sealwright-keychain
@@ -104,8 +105,9 @@ int notarizeApp(const ParsedArguments &arguments)
     if (!file.open(QIODevice::ReadOnly))
         return fail(u"Unable to read the file '%1': %2"_s.arg(path, file.errorString()));
     if (!canBeReviewed(path))
-        return fail(u"'%1' is neither a zip archive nor a disk image, and this stand-in for the notary reads "
-                    "nothing else."_s.arg(path));
+        return fail(
+            u"'%1' is no zip archive, no disk image and no package, and this stand-in for the notary reads nothing else."_s
+                .arg(path));
     NotaryRequest request;
     request.archiveDigest = digestOf(file);
     if (request.archiveDigest.isEmpty())

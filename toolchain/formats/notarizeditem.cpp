@@ -4,6 +4,7 @@
 #include "formats/resourceseal.h"
 #include "formats/signedimage.h"
 #include "formats/statefolder.h"
+#include "formats/xar/xarfile.h"
 
 namespace toolchain {
 
@@ -43,16 +44,39 @@ private:
     const SignedImage m_image;
 };
 
+class NotarizedPackage : public NotarizedItem {
+public:
+    explicit NotarizedPackage(const QString &path)
+        : m_package(path)
+    {
+    }
+
+    bool isSound() const { return m_package.error().isEmpty() && m_package.isPackage(); }
+    QByteArray digest() const override { return m_package.sealDigest(); }
+    std::optional<Ticket> ticket() const override { return ticketFromJson(m_package.tail()); }
+    QString attach(const Ticket &ticket) override { return m_package.writeTail(jsonOf(ticket)); }
+
+private:
+    const XarFile m_package;
+};
+
+/// Null if it cannot be approved.
+template <typename Item>
+std::unique_ptr<NotarizedItem> openFile(const QString &path)
+{
+    auto item = std::make_unique<Item>(path);
+    return item->isSound() ? std::move(item) : nullptr;
+}
+
 } // namespace
 
 std::unique_ptr<NotarizedItem> openNotarizedItem(const QString &path)
 {
     if (auto bundle = readBundle(path))
         return std::make_unique<NotarizedBundle>(std::move(*bundle));
-    if (!SignedImage::looksLikeOne(path))
-        return nullptr;
-    auto image = std::make_unique<NotarizedImage>(path);
-    return image->isSound() ? std::move(image) : nullptr;
+    if (XarFile::looksLikeOne(path))
+        return openFile<NotarizedPackage>(path);
+    return SignedImage::looksLikeOne(path) ? openFile<NotarizedImage>(path) : nullptr;
 }
 
 bool isApproved(const NotarizedItem &item)

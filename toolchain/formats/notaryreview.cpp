@@ -4,9 +4,11 @@
 #include <QFileInfo>
 
 #include "formats/bundle.h"
+#include "formats/identities.h"
 #include "formats/imagecontents.h"
 #include "formats/resourceseal.h"
 #include "formats/signedimage.h"
+#include "formats/xar/xarfile.h"
 #include "formats/zipreader.h"
 
 using namespace Qt::StringLiterals;
@@ -137,16 +139,48 @@ Review reviewImage(const QString &path)
     return review;
 }
 
+/// What speaks against a package; empty if nothing does.
+QString problemOf(const XarFile &package)
+{
+    if (!package.error().isEmpty())
+        return u"The package cannot be read: "_s + package.error() + u'.';
+    if (!package.isPackage())
+        return u"The archive is no installer package."_s;
+    if (!package.isSigned())
+        return u"The package is not signed at all."_s;
+    const auto signer = readCertificate(package.certificate());
+    if (!signer || !signer->isValidNow || !signer->canSignPackages)
+        return u"The package is not signed with a valid Developer ID Installer certificate."_s;
+    if (!package.signatureFits())
+        return u"The signature of the package is invalid."_s;
+    const QString damaged = package.damagedFile();
+    return damaged.isEmpty() ? QString() : u"The package is damaged: "_s + damaged + u'.';
+}
+
+Review reviewPackage(const QString &path)
+{
+    Review review;
+    const XarFile package(path);
+    const QString problem = problemOf(package);
+    if (!problem.isEmpty())
+        review.issues.append({QFileInfo(path).fileName(), problem});
+    else
+        review.sealDigests.append(package.sealDigest());
+    return review;
+}
+
 } // namespace
 
 bool canBeReviewed(const QString &path)
 {
-    return looksLikeZipArchive(path) || SignedImage::looksLikeOne(path);
+    return looksLikeZipArchive(path) || XarFile::looksLikeOne(path) || SignedImage::looksLikeOne(path);
 }
 
 Review reviewUpload(const QString &path)
 {
-    return looksLikeZipArchive(path) ? reviewArchive(path) : reviewImage(path);
+    if (looksLikeZipArchive(path))
+        return reviewArchive(path);
+    return XarFile::looksLikeOne(path) ? reviewPackage(path) : reviewImage(path);
 }
 
 } // namespace toolchain

@@ -1,7 +1,8 @@
-#include "formats/notarystate.h"
+#include "formats/identities.h"
+#include "formats/notarizeditem.h"
 #include "formats/resourceseal.h"
-#include "formats/statefolder.h"
-#include "formats/ticket.h"
+#include "formats/signedimage.h"
+#include "formats/xar/xarfile.h"
 #include "support/arguments.h"
 #include "support/console.h"
 
@@ -21,55 +22,97 @@ constexpr std::string_view usage = R"(Usage: spctl --assess [--type execute|exec
 Says on standard error whether each FILE would be accepted.
 
   -a, --assess   assess; needed
-  -t, --type     the kind of use; execute if it is not given. A package (install) and a disk image (open)
-                 are always rejected, as no signature in them can be read here.
+  -t, --type     the kind of use; execute if it is not given. A package can only be installed (install), and
+                 a disk image only be opened (open).
   -v, --verbose  also say why
   -h, --help     print this text
 
-A bundle is accepted if its seal agrees with its files, and either its stapled ticket names that seal or
-this machine's stand-in for the notary service has approved it. No certificate is judged, and the result
-means nothing outside of this machine. Exit status: 0 accepted, 1 no such file, 3 rejected.
+A bundle needs a seal that agrees with its files, a disk image and a package a signature of this toolchain's
+codesign or productsign, by a certificate of the kind that is needed and within its dates. And either a stapled
+ticket names that seal or signature or this machine's stand-in for the notary service has approved it. Who
+issued a certificate is not judged, and the result means nothing outside of this machine. Exit status: 0 accepted, 1 no such file, 3 rejected.
 )";
 
 constexpr int rejectedStatus = 3;
 
 struct Assessment {
-    bool isAccepted = false;
-    QString source;
+    QString problem; ///< what speaks against the item; empty if it is accepted
+    QString origin;
 };
 
-bool isApproved(const Bundle &bundle)
+const QString noSignature = u"no usable signature"_s;
+const QString brokenSeal = u"a sealed resource is missing or invalid"_s;
+
+Assessment assessBundle(const Bundle &bundle)
 {
-    const QByteArray digest = sealDigest(bundle);
-    const auto ticket = readTicket(bundle.ticketPath());
-    return (ticket && ticket->sealDigest == digest) || NotaryState(notaryFolder()).approvalOf(digest);
+    if (!QFileInfo::exists(bundle.sealPath()))
+        return {noSignature, {}};
+    const auto problems = checkSealOf(bundle);
+    if (problems.isEmpty())
+        return {{}, u"not recorded (this toolchain's seals carry no certificate)"_s};
+    const QString place =
+        problems.first().path.isEmpty() ? QString() : u" ("_s + problems.first().path + u')';
+    return {problems.first().message + place, {}};
+}
+
+Assessment assessPackage(const QString &path)
+{
+    const XarFile package(path);
+    const auto signer = readCertificate(package.certificate());
+    if (!package.error().isEmpty() || !package.isPackage() || !package.isSigned() || !signer)
+        return {noSignature, {}};
+    if (!signer->isValidNow || !signer->canSignPackages)
+        return {u"not a valid certificate for packages"_s, {}};
+    if (!package.signatureFits())
+        return {u"invalid signature"_s, {}};
+    const QString damaged = package.damagedFile();
+    return {damaged.isEmpty() ? QString() : brokenSeal + u" ("_s + damaged + u')', signer->commonName};
+}
+
+Assessment assessImage(const QString &path)
+{
+    const SignedImage image(path);
+    const auto signer = readCertificate(image.note().signature.certificate);
+    if (!image.error().isEmpty() || !signer)
+        return {noSignature, {}};
+    if (!signer->isValidNow || !signer->canSignCode)
+        return {u"not a valid certificate for code"_s, {}};
+    const bool fits = image.note().signature.fits(image.digest(), QCryptographicHash::Sha256);
+    return {fits ? QString() : u"invalid signature"_s, signer->commonName};
+}
+
+/// Looks at the signature alone.
+Assessment assessSignature(const QString &path, const std::string &type)
+{
+    if (type == "install")
+        return XarFile::looksLikeOne(path) ? assessPackage(path) : Assessment{noSignature, {}};
+    if (type == "open" && SignedImage::looksLikeOne(path))
+        return assessImage(path);
+    const auto bundle = readBundle(path);
+    return bundle ? assessBundle(*bundle) : Assessment{noSignature, {}};
 }
 
 Assessment assess(const QString &path, const std::string &type)
 {
-    const auto bundle = type == "install" ? std::nullopt : readBundle(path);
-    if (!bundle || !QFileInfo::exists(bundle->sealPath()))
-        return {false, u"no usable signature"_s};
-    const auto problems = checkSealOf(*bundle);
-    if (!problems.isEmpty()) {
-        const QString place =
-            problems.first().path.isEmpty() ? QString() : u" ("_s + problems.first().path + u')';
-        return {false, problems.first().message + place};
-    }
-    if (!isApproved(*bundle))
-        return {false, u"Unnotarized (local stand-in)"_s};
-    return {true, u"Notarized (local stand-in)"_s};
+    Assessment assessment = assessSignature(path, type);
+    if (!assessment.problem.isEmpty())
+        return assessment;
+    const auto item = openNotarizedItem(path);
+    if (!item || !isApproved(*item))
+        assessment.problem = u"Unnotarized (local stand-in)"_s;
+    return assessment;
 }
 
 int report(const QString &path, const Assessment &assessment, bool isVerbose)
 {
-    QString text = path + (assessment.isAccepted ? u": accepted\n"_s : u": rejected\n"_s);
+    const bool isAccepted = assessment.problem.isEmpty();
+    QString text = path + (isAccepted ? u": accepted\n"_s : u": rejected\n"_s);
     if (isVerbose)
-        text += u"source="_s + assessment.source + u'\n';
-    if (isVerbose && assessment.isAccepted)
-        text += u"origin=not recorded (this toolchain's seals carry no certificate)\n"_s;
+        text += u"source="_s + (isAccepted ? u"Notarized (local stand-in)"_s : assessment.problem) + u'\n';
+    if (isVerbose && isAccepted)
+        text += u"origin="_s + assessment.origin + u'\n';
     printError(text.toStdString());
-    return assessment.isAccepted ? 0 : rejectedStatus;
+    return isAccepted ? 0 : rejectedStatus;
 }
 
 int assessOperand(const std::string &operand, const ParsedArguments &arguments)

@@ -16,7 +16,7 @@ constexpr std::string_view usage = R"(Usage: stapler staple [-q] [-v] ITEM
        stapler validate [-q] [-v] ITEM
        stapler --help
 
-Attaches to a bundle or a disk image the ticket of its approval, or says whether a ticket is attached that
+Attaches to a bundle, a disk image or a package the ticket of its approval, or says whether a ticket is attached that
 fits its seal.
 
   -q           print nothing but errors
@@ -25,7 +25,8 @@ fits its seal.
 
 The approval is asked of this machine's stand-in for the notary service. The ticket is a plain note that
 macOS does not read as a ticket. It lies where the real program leaves one too: in a bundle it is the file
-Contents/CodeResources; in a disk image it is a part of the signature between the image and its trailer.
+Contents/CodeResources; in a disk image it is a part of the signature between the image and its trailer; in a
+package it stands behind the archive.
 Exit status: 0 done, 64 wrong arguments, 65 not approved or no ticket, 66 no such file,
 72 a file that cannot be stapled, 73 the ticket cannot be written.
 )";
@@ -54,7 +55,7 @@ public:
         const auto item = openNotarizedItem(m_path);
         if (!item) {
             printError("stapler: " + m_path.toStdString()
-                       + ": neither a bundle nor a disk image that a ticket can be attached to\n");
+                       + ": not a bundle, a disk image or a package that a ticket can be attached to\n");
             return unsuitableStatus;
         }
         const QByteArray digest = item->digest();
