@@ -4,20 +4,12 @@
 #include "document/documentextensions.h"
 #include "document/mainwincontroller.h"
 #include "document/workingfoldernames.h"
-#include "platform/applicationhost.h"
 #include "platform/bundle.h"
 #include "platform/itempath.h"
 
 #include <QUuid>
 
 using namespace Qt::StringLiterals;
-
-namespace {
-
-constexpr qsizetype longestTooShortAppleID = 2;
-constexpr qsizetype longestTooShortPasswordKey = 1;
-
-} // namespace
 
 ItemKind itemKind(const QString &path)
 {
@@ -101,14 +93,8 @@ void SubmitWorkflow::submitURL(const QUrl &url)
 
 bool SubmitWorkflow::checkFields(const QUrl &url)
 {
-    if (document.appleIDField.stringValue().trimmed().size() <= longestTooShortAppleID)
-        return refuseIncomplete(u"Missing Apple ID"_s, u"You need to enter your Apple ID."_s,
-                                document.appleIDField);
-    if (document.appPassField.stringValue().trimmed().size() <= longestTooShortPasswordKey)
-        return refuseIncomplete(
-            u"Missing Password"_s,
-            u"You need to enter the key to an application-specific password you have added to your login Keychain."_s,
-            document.appPassField);
+    if (!document.steps().credentials.checkFields())
+        return false;
     const QString identity = document.identitiesPopup.titleOfSelectedItem();
     if (!checkIdentity(identity))
         return false;
@@ -128,14 +114,6 @@ bool SubmitWorkflow::checkKind()
         return true;
     return refuse(u"Cannot Submit Item"_s,
                   u"'%1' is not an app, plugin, fmplugin, flat package or disk image."_s.arg(path));
-}
-
-bool SubmitWorkflow::refuseIncomplete(const QString &title, const QString &text, TextField &field)
-{
-    document.host().application.beep();
-    document.finalAlertOrMessage(title, text, text);
-    field.makeFirstResponder();
-    return false;
 }
 
 void SubmitWorkflow::chooseItem()
@@ -159,10 +137,7 @@ void SubmitWorkflow::startWithOriginal()
     if (!checkKind())
         return;
     showItem(document.originalFileName());
-    submitAsync({.appleID = document.appleIDField.stringValue(),
-                 .passwordKey = document.appPassField.stringValue().trimmed(),
-                 .providerName = document.providerNameField.stringValue()},
-                document.identitiesPopup.titleOfSelectedItem());
+    submitAsync(document.steps().credentials.entered(), document.identitiesPopup.titleOfSelectedItem());
 }
 
 void SubmitWorkflow::submitAsync(const Credentials &credentials, const QString &identity)

@@ -54,7 +54,6 @@ private:
 
     bool checkFields(const QUrl &url);
     bool checkKind();
-    bool refuseIncomplete(const QString &title, const QString &text, class TextField &field);
     void chooseItem();
     void startWithOriginal();
     void submitAsync(const Credentials &credentials, const QString &identity);
