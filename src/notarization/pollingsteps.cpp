@@ -4,12 +4,12 @@
 #include "document/documentextensions.h"
 #include "document/mainwincontroller.h"
 #include "document/workingfoldernames.h"
+#include "notarization/servicelog.h"
 #include "platform/fileservice.h"
 #include "platform/itempath.h"
 #include "platform/notifications.h"
 #include "platform/preferences.h"
 #include "platform/timer.h"
-#include "platform/urlreader.h"
 
 using namespace Qt::StringLiterals;
 
@@ -123,17 +123,9 @@ void PollingSteps::acceptVerdict(const QString &report)
     document.steps().stapling.runStaplerAndFinish();
 }
 
-std::optional<QByteArray> PollingSteps::contentsOfLogFile(const QString &report)
-{
-    const QUrl url(logFileURL(report));
-    if (!url.isValid() || url.isEmpty())
-        return std::nullopt;
-    return document.host().urls.contentsOf(url);
-}
-
 void PollingSteps::logIssues(const QString &report)
 {
-    const auto log = contentsOfLogFile(report);
+    const auto log = contentsOfLogFile(document.host().urls, report);
     if (!log)
         return;
     document.logToFile(u"LogFileURL full contents: %1"_s.arg(QString::fromUtf8(*log)));
@@ -148,7 +140,7 @@ void PollingSteps::logIssues(const QString &report)
 void PollingSteps::refuseVerdict(const QString &report)
 {
     QString explanation = report;
-    if (const auto log = contentsOfLogFile(report))
+    if (const auto log = contentsOfLogFile(document.host().urls, report))
         explanation += u'\n' + QString::fromUtf8(*log);
     auto &files = document.host().files;
     const QString item = itempath::fromUrl(document.appletURL());

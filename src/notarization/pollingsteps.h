@@ -34,7 +34,6 @@ private:
     void acceptVerdict(const QString &report);
     void logIssues(const QString &report);
     void refuseVerdict(const QString &report);
-    std::optional<QByteArray> contentsOfLogFile(const QString &report);
 };
 
 /// The log line of a failed query; it shows the tool's true status.
