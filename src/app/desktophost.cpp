@@ -54,7 +54,8 @@ platform::Host DesktopHost::services()
             .appleScript = m_appleScript,
             .distributedNotifications = m_distributedNotifications,
             .userNotifications = m_userNotifications,
-            .application = m_application};
+            .application = m_application,
+            .pasteboard = m_pasteboard};
 }
 
 AppDelegate::Configuration DesktopHost::configuration()

@@ -5,6 +5,7 @@
 #include "platform/posix/posixprocesslauncher.h"
 #include "platform/qt/busdistributednotifications.h"
 #include "platform/qt/desktopnotificationcenter.h"
+#include "platform/qt/desktoppasteboard.h"
 #include "platform/qt/desktopworkspace.h"
 #include "platform/qt/osascript.h"
 #include "platform/qt/qtmainqueue.h"
@@ -45,6 +46,7 @@ private:
     platform::OsaScript m_appleScript;
     platform::BusDistributedNotifications m_distributedNotifications;
     platform::DesktopNotificationCenter m_userNotifications;
+    platform::DesktopPasteboard m_pasteboard;
     WindowOrder m_windowOrder;
     LogPrinter m_logPrinter;
     WidgetWindowFactory m_windowFactory;

@@ -8,6 +8,7 @@ class Clock;
 class DistributedNotifications;
 class FileService;
 class MainQueue;
+class Pasteboard;
 class Preferences;
 class ProcessLauncher;
 class TimerService;
@@ -33,6 +34,7 @@ struct Host {
     DistributedNotifications &distributedNotifications;
     UserNotificationCenter &userNotifications;
     ApplicationHost &application;
+    Pasteboard &pasteboard;
     Updater *updater = nullptr; ///< null on a host that has none
 };
 

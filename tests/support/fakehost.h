@@ -6,6 +6,7 @@
 #include "platform/clock.h"
 #include "platform/mainqueue.h"
 #include "platform/notifications.h"
+#include "platform/pasteboard.h"
 #include "platform/posix/posixfileservice.h"
 #include "platform/preferences.h"
 #include "platform/timer.h"
@@ -193,6 +194,12 @@ public:
     void setSendsSystemProfile(bool sends) override;
     std::function<void()> onCall;
     std::optional<bool> sendsSystemProfile;
+};
+
+class FakePasteboard : public platform::Pasteboard {
+public:
+    QString firstString() const override { return text; }
+    QString text; ///< null: no text has been copied
 };
 
 class FakeWindow;

@@ -75,6 +75,7 @@ platform::Host TestHost::host()
             distributedNotifications,
             userNotifications,
             applicationHost,
+            pasteboard,
             &updater};
 }
 

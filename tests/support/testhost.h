@@ -65,6 +65,7 @@ public:
     FakeDistributedNotifications distributedNotifications;
     FakeUserNotificationCenter userNotifications;
     FakeApplication applicationHost;
+    FakePasteboard pasteboard;
     FakeUpdater updater;
     WatchedLauncher launcher;
     AppDelegate::Configuration configuration;
