@@ -3,7 +3,9 @@
 #include "document/helpsheets.h"
 #include "notarization/archivesteps.h"
 #include "notarization/credentialcheck.h"
+#include "notarization/history.h"
 #include "notarization/pollingsteps.h"
+#include "notarization/requestinfo.h"
 #include "notarization/stapleonlyworkflow.h"
 #include "notarization/staplingsteps.h"
 #include "notarization/submitworkflow.h"
@@ -31,6 +33,8 @@ struct DocumentExtensions {
         , polling(document)
         , stapling(document)
         , stapleOnly(document)
+        , requestInfo(document)
+        , history(document)
         , scripting(document)
     {
     }
@@ -48,5 +52,7 @@ struct DocumentExtensions {
     PollingSteps polling;
     StaplingSteps stapling;
     StapleOnlyWorkflow stapleOnly;
+    RequestInfo requestInfo;
+    History history;
     MainWinControllerScripting scripting;
 };

@@ -27,6 +27,18 @@ void deleteOnMainThread(platform::MainQueue &mainQueue, MainWinController *docum
         mainQueue.post([document] { delete document; });
 }
 
+/// Keeps the number as the field has it; what is no number leaves it as it is.
+void bind(TextField &field, Property<quint64> &number)
+{
+    field.setStringValue(QString::number(number()));
+    QObject::connect(&field, &Control::changed, &field, [&] {
+        bool isNumber = false;
+        const quint64 typed = field.stringValue().toULongLong(&isNumber);
+        if (isNumber)
+            number.set(typed);
+    });
+}
+
 /// Keeps a checkbox and the flag that it shows the same, whichever is changed.
 void bind(Checkbox &checkbox, ObservableProperty<bool> &flag)
 {
@@ -76,6 +88,7 @@ void MainWinController::bindControls()
     bind(createDiskImageCheckbox, useDiskImage);
     bind(useDropDMGCheckbox, useDropDMG);
     bind(dropDMGConfigsPopup, dropDMGConfiguration);
+    bind(historyMaxPagesField, maxPageCount);
     const auto showConfigNames = [this] {
         dropDMGConfigsPopup.setItemTitles(m_appDelegate.dropDMGConfigNames());
     };
@@ -155,11 +168,15 @@ void MainWinController::perform(Action action)
         return doCloseDocument(CloseSender::person);
     case Action::doCloseWindow:
         return doCloseWindow();
-    case Action::none:
     case Action::doFetchHistory:
-    case Action::doInfoForUUIDOnClipboard:
-    case Action::doInfoForUUIDOfLastUpload:
+        return steps().history.doFetchHistory();
     case Action::doInfoForUUIDInFile:
+        return steps().requestInfo.doInfoForUUIDInFile();
+    case Action::doInfoForUUIDOfLastUpload:
+        return steps().requestInfo.doInfoForUUIDOfLastUpload();
+    case Action::doInfoForUUIDOnClipboard:
+        return steps().requestInfo.doInfoForUUIDOnClipboard();
+    case Action::none:
     case Action::doListProviderShortnames:
         return; // no window offers these yet
     }

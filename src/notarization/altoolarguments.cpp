@@ -14,17 +14,22 @@ QStringList identification(const Credentials &credentials)
     return arguments;
 }
 
+QStringList output(OutputFormat format)
+{
+    return format == OutputFormat::xml ? QStringList{u"--output-format"_s, u"xml"_s} : QStringList();
+}
+
 } // namespace
 
-QStringList history(const QString &page, const Credentials &credentials)
+QStringList history(const QString &page, const Credentials &credentials, OutputFormat format)
 {
-    return QStringList{u"--notarization-history"_s, page} + identification(credentials);
+    return QStringList{u"--notarization-history"_s, page} + identification(credentials) + output(format);
 }
 
 QStringList upload(const QString &file, const QString &bundleID, const Credentials &credentials)
 {
     return QStringList{u"--notarize-app"_s, u"-f"_s, file, u"--primary-bundle-id"_s, bundleID}
-    + identification(credentials) + QStringList{u"--output-format"_s, u"xml"_s};
+    + identification(credentials) + output(OutputFormat::xml);
 }
 
 QStringList info(const QString &requestUUID, const Credentials &credentials)

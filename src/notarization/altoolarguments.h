@@ -10,10 +10,14 @@ struct Credentials {
     QString providerName; ///< the team's short name; null or empty for none
 };
 
+/// In which form the notary tool replies.
+enum class OutputFormat { normal, xml };
+
 /// The argument lists of the notary tool, without the "altool" that xcrun needs in front.
 namespace altoolarguments {
 
-[[nodiscard]] QStringList history(const QString &page, const Credentials &credentials);
+[[nodiscard]] QStringList history(const QString &page, const Credentials &credentials,
+                                  OutputFormat format = OutputFormat::normal);
 [[nodiscard]] QStringList upload(const QString &file, const QString &bundleID,
                                  const Credentials &credentials);
 [[nodiscard]] QStringList info(const QString &requestUUID, const Credentials &credentials);

@@ -12,10 +12,13 @@ constexpr qsizetype longestTooShortPasswordKey = 1;
 
 } // namespace
 
+const QString invalidCredentialMessage =
+    u"Invalid Apple ID, or invalid key for app-specific password in login keychain."_s;
+
 QString credentialMessage(const QString &errorString)
 {
     if (errorString.contains("The specified item could not be found in the keychain"_L1))
-        return u"Invalid Apple ID, or invalid key for app-specific password in login keychain."_s;
+        return invalidCredentialMessage;
     return u"Unknown problem using altool. Check that the app-specific pasword, Apple ID, and team provider name are correct."_s;
 }
 

@@ -26,5 +26,8 @@ private:
     bool refuse(const QString &title, const QString &text, TextField &field);
 };
 
+/// What the user is told when the keychain has no such item.
+extern const QString invalidCredentialMessage;
+
 /// What a failed check tells the user; `errorString` is the tool's standard error.
 [[nodiscard]] QString credentialMessage(const QString &errorString);

@@ -13,6 +13,7 @@ namespace argument {
 inline const QString at = QStringLiteral("at"); ///< the item, a file URL
 inline const QString showingDialogs = QStringLiteral("showingDialogs"); ///< boolean
 inline const QString skippingStapling = QStringLiteral("skippingStapling"); ///< boolean
+inline const QString xmlOutput = QStringLiteral("xmlOutput"); ///< boolean
 } // namespace argument
 
 /// What a script receives at the end of its command.

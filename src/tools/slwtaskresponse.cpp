@@ -16,12 +16,12 @@ std::shared_ptr<OutputBuffer> copyOf(const std::shared_ptr<OutputBuffer> &buffer
     return buffer ? std::make_shared<OutputBuffer>((*buffer)()) : nullptr;
 }
 
+} // namespace
+
 QString orNull(const QString &text)
 {
     return text.isNull() ? u"(null)"_s : text;
 }
-
-} // namespace
 
 std::optional<QString> decodedUtf8(const QByteArray &bytes)
 {

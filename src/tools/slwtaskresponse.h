@@ -61,6 +61,9 @@ using SLWTaskResponsePtr = std::shared_ptr<SLWTaskResponse>;
 /// Text of a stream: null for nothing, otherwise UTF-8, and if it is not that, byte by byte.
 [[nodiscard]] QString decodedToolOutput(const QByteArray &bytes);
 
+/// The text as a message shows it: a null one as "(null)".
+[[nodiscard]] QString orNull(const QString &text);
+
 /// The report that goes to the log file; a null text shows as "(null)".
 [[nodiscard]] QString toolReport(const QString &path, const QString &args, qint64 status,
                                  const QString &output, const QString &error);

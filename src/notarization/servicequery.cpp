@@ -1,0 +1,52 @@
+#include "notarization/servicequery.h"
+
+#include "document/documentextensions.h"
+#include "document/mainwincontroller.h"
+
+using namespace Qt::StringLiterals;
+
+const QString fetchingHistory = u"\nFetching notarizing history..."_s;
+
+QString historyFailureLine(const QString &message, const QString &errorString)
+{
+    return u"%1\nError message: %2\nCheck that both the app-specific pasword and Apple ID are correct."_s.arg(
+        message, orNull(errorString));
+}
+
+std::optional<Credentials> ServiceQuery::beginQuery(const QString &blockedText)
+{
+    if (!document.finishEditing(blockedText))
+        return std::nullopt;
+    document.changeStatus(status::fetching);
+    document.isBusy.set(true);
+    document.progressIndicator.startAnimation();
+    if (!document.steps().credentials.checkFields())
+        return std::nullopt;
+    if (!document.dontClearCheckbox.isOn())
+        document.statusTextView.clear();
+    return document.steps().credentials.entered();
+}
+
+SLWTaskResponsePtr ServiceQuery::ask(const QStringList &arguments)
+{
+    return document.runAltool(document.taskRunner(), arguments);
+}
+
+void ServiceQuery::reportHistoryFailure(const QString &message, const QString &errorString)
+{
+    document.reportFailure(u"Cannot Fetch History"_s, historyFailureLine(message, errorString));
+}
+
+void ServiceQuery::finishQuery()
+{
+    document.changeStatus(status::ready);
+    document.dispatchToMain([this] { makeIdle(); });
+}
+
+void ServiceQuery::makeIdle()
+{
+    document.isScripted.set(false);
+    document.suppressDialogs.set(false);
+    document.isBusy.set(false);
+    document.progressIndicator.stopAnimation();
+}
