@@ -19,5 +19,6 @@ inline platform::Host benchHost(TestHost &test, platform::MainQueue &queue, plat
             host.distributedNotifications,
             host.userNotifications,
             host.application,
+            host.pasteboard,
             host.updater};
 }

@@ -27,9 +27,27 @@ void Checkbox::setState(int state)
 void Popup::setItemTitles(const QStringList &titles)
 {
     m_itemTitles = titles;
+    m_representedObjects.clear();
     if (!titles.contains(m_title))
         m_title = titles.value(0);
     Q_EMIT changed();
+}
+
+void Popup::setItems(const QList<PopupItem> &items)
+{
+    m_itemTitles.clear();
+    m_representedObjects.clear();
+    for (const PopupItem &item : items) {
+        m_itemTitles.append(item.title);
+        m_representedObjects.append(item.representedObject);
+    }
+    m_title = m_itemTitles.value(0);
+    Q_EMIT changed();
+}
+
+QString Popup::representedObjectOfSelectedItem() const
+{
+    return m_representedObjects.value(m_itemTitles.indexOf(m_title), QStringLiteral(""));
 }
 
 void Popup::selectItemWithTitle(const QString &title)
@@ -59,6 +77,12 @@ void Button::setToolTip(const QString &toolTip)
 void Button::setAction(Action action)
 {
     if (std::exchange(m_action, action) != action)
+        Q_EMIT changed();
+}
+
+void TabView::selectTabViewItemAtIndex(int index)
+{
+    if (std::exchange(m_selectedIndex, index) != index)
         Q_EMIT changed();
 }
 

@@ -55,6 +55,12 @@ private:
     int m_state = 0;
 };
 
+/// One item of a popup that stands for something else than its title says.
+struct PopupItem {
+    QString title;
+    QString representedObject;
+};
+
 class Popup : public Control {
     Q_OBJECT
 
@@ -62,14 +68,19 @@ public:
     QStringList itemTitles() const { return m_itemTitles; }
     /// Replaces the items. The first one becomes the selected one, unless the present title is among them.
     void setItemTitles(const QStringList &titles);
+    /// Replaces the items and selects the first one.
+    void setItems(const QList<PopupItem> &items);
 
     /// The selected item's title; empty for an empty popup.
     QString titleOfSelectedItem() const { return m_title; }
     /// Selects the item; a title that is not among the items leaves the selection as it is.
     void selectItemWithTitle(const QString &title);
+    /// What the selected item stands for; empty if none is selected, or if it stands for itself.
+    QString representedObjectOfSelectedItem() const;
 
 private:
     QStringList m_itemTitles;
+    QStringList m_representedObjects; // by the titles' index, where there are any
     QString m_title;
 };
 
@@ -122,6 +133,19 @@ private:
     QString m_keyEquivalent;
     QString m_toolTip;
     Action m_action = Action::none;
+};
+
+/// Pages of which one is on show.
+class TabView : public Control {
+    Q_OBJECT
+
+public:
+    /// Counted from 0.
+    int selectedIndex() const { return m_selectedIndex; }
+    void selectTabViewItemAtIndex(int index);
+
+private:
+    int m_selectedIndex = 0;
 };
 
 class ProgressIndicator : public Control {

@@ -48,4 +48,11 @@ struct DocumentControls {
     Button fetchHistoryButton;
     TextField historyMaxPagesField;
     TextField historyMaxPagesLabel;
+
+    // The sheet with the short names of the account's teams
+    TabView providerSheetTabView;
+    Popup providerSheetPopup;
+    TextField providerSheetErrorText; ///< the heading of a message
+    TextField providerSheetDetailText;
+    ProgressIndicator providerSheetProgress;
 };

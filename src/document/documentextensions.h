@@ -5,6 +5,7 @@
 #include "notarization/credentialcheck.h"
 #include "notarization/history.h"
 #include "notarization/pollingsteps.h"
+#include "notarization/providernames.h"
 #include "notarization/requestinfo.h"
 #include "notarization/stapleonlyworkflow.h"
 #include "notarization/staplingsteps.h"
@@ -35,6 +36,7 @@ struct DocumentExtensions {
         , stapleOnly(document)
         , requestInfo(document)
         , history(document)
+        , providers(document)
         , scripting(document)
     {
     }
@@ -54,5 +56,6 @@ struct DocumentExtensions {
     StapleOnlyWorkflow stapleOnly;
     RequestInfo requestInfo;
     History history;
+    ProviderNames providers;
     MainWinControllerScripting scripting;
 };

@@ -176,9 +176,10 @@ void MainWinController::perform(Action action)
         return steps().requestInfo.doInfoForUUIDOfLastUpload();
     case Action::doInfoForUUIDOnClipboard:
         return steps().requestInfo.doInfoForUUIDOnClipboard();
-    case Action::none:
     case Action::doListProviderShortnames:
-        return; // no window offers these yet
+        return steps().providers.doListProviderShortnames();
+    case Action::none:
+        return;
     }
 }
 

@@ -120,7 +120,7 @@ public:
     bool windowShouldClose();
     void windowWillClose();
     /// Ends an edit in progress and gives up the keyboard focus. False when that is refused; the script that
-    /// waits is then told so by the text.
+    /// waits is then told so by the text, unless that is null.
     [[nodiscard]] bool finishEditing(const QString &blockedText);
     /// The same without telling anybody.
     bool giveUpFocus();

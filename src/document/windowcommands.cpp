@@ -160,7 +160,7 @@ bool MainWinController::finishEditing(const QString &blockedText)
         return true;
     host().application.beep();
     const auto command = currentCommand();
-    if (isScripted() && command) {
+    if (isScripted() && command && !blockedText.isNull()) {
         command->setScriptErrorString(blockedText);
         command->setScriptErrorNumber(scriptErrorGeneral);
         command->resumeExecutionWithResult({});

@@ -37,4 +37,10 @@ QStringList info(const QString &requestUUID, const Credentials &credentials)
     return QStringList{u"--notarization-info"_s, requestUUID} + identification(credentials);
 }
 
+QStringList listProviders(const Credentials &credentials)
+{
+    const Credentials ofAccount{credentials.appleID, credentials.passwordKey, {}};
+    return QStringList{u"--list-providers"_s} + identification(ofAccount) + output(OutputFormat::xml);
+}
+
 } // namespace altoolarguments

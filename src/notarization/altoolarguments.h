@@ -21,5 +21,7 @@ namespace altoolarguments {
 [[nodiscard]] QStringList upload(const QString &file, const QString &bundleID,
                                  const Credentials &credentials);
 [[nodiscard]] QStringList info(const QString &requestUUID, const Credentials &credentials);
+/// The account's teams, whichever of them the credentials name.
+[[nodiscard]] QStringList listProviders(const Credentials &credentials);
 
 } // namespace altoolarguments

@@ -56,6 +56,11 @@ public:
     /// Attaches the question to the window and returns at once. The completion gets the number of the answer;
     /// the sheet has gone by then.
     virtual void beginSheet(const Alert &alert, std::function<void(int)> completion) = 0;
+    /// The same with a sheet that is described under that name; what it shows and takes is the owner's. It
+    /// stays until `endSheet`, whose code the completion gets when the sheet has gone.
+    virtual void beginSheetNamed(const QString &interfaceName, std::function<void(int)> completion) = 0;
+    /// Ends that sheet; nothing happens if none is up.
+    virtual void endSheet(int returnCode) = 0;
     /// The same with an open panel: the chosen item, or an empty URL when the person cancelled.
     virtual void beginOpenPanel(const OpenPanel &panel, std::function<void(const QUrl &)> completion) = 0;
     /// Asks how to print the text of the window log, and prints it in the styles that it has on screen.

@@ -2,10 +2,12 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QSignalBlocker>
+#include <QStackedWidget>
 
 #include <limits>
 
@@ -54,6 +56,24 @@ void bindings::bind(QLineEdit &edit, TextField &field)
     QObject::connect(&edit, &QLineEdit::textChanged, &field, &TextField::setStringValue);
     QObject::connect(&field, &TextField::focusRequested, &edit,
                      [&edit] { edit.setFocus(Qt::OtherFocusReason); });
+}
+
+void bindings::bind(QLabel &label, TextField &field)
+{
+    label.setTextFormat(Qt::PlainText);
+    follow(label, field, [&label, &field] {
+        showAvailability(label, field);
+        label.setText(field.stringValue());
+    });
+}
+
+void bindings::bind(QStackedWidget &pages, TabView &tabView)
+{
+    follow(pages, tabView, [&pages, &tabView] {
+        showAvailability(pages, tabView);
+        pages.setCurrentIndex(tabView.selectedIndex());
+    });
+    QObject::connect(&pages, &QStackedWidget::currentChanged, &tabView, &TabView::selectTabViewItemAtIndex);
 }
 
 void bindings::bind(QCheckBox &box, Checkbox &checkbox)

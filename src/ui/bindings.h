@@ -8,7 +8,9 @@ class QCheckBox;
 class QComboBox;
 class QLineEdit;
 class QProgressBar;
+class QLabel;
 class QPushButton;
+class QStackedWidget;
 
 /// Ties a widget to a control, so that both show the same at all times, whichever is changed. The widget
 /// keeps nothing that the control does not have; it may go before the control or after it. Main thread.
@@ -16,6 +18,9 @@ namespace bindings {
 
 /// What is typed is in the control at once, without an end to the edit.
 void bind(QLineEdit &edit, TextField &field);
+/// Shows the text letter for letter.
+void bind(QLabel &label, TextField &field);
+void bind(QStackedWidget &pages, TabView &tabView);
 void bind(QCheckBox &box, Checkbox &checkbox);
 void bind(QComboBox &box, Popup &popup);
 /// On screen while the control's animation runs.

@@ -1,8 +1,10 @@
 #include "ui/widgetwindow.h"
 
+#include "notarization/providernames.h"
 #include "ui/alertbox.h"
 #include "ui/itempanel.h"
 #include "ui/logprinter.h"
+#include "ui/providernamesheet.h"
 #include "ui/windoworder.h"
 
 #include <QGuiApplication>
@@ -11,7 +13,8 @@
 #include <QPrinter>
 
 WidgetWindow::WidgetWindow(MainWinController &document, WindowOrder &order, LogPrinter &printer)
-    : m_order(order)
+    : m_document(document)
+    , m_order(order)
     , m_printer(printer)
     , m_widget(document)
 {
@@ -76,6 +79,22 @@ void WidgetWindow::beginSheet(const platform::Alert &alert, std::function<void(i
         return;
     auto *const box = new AlertBox(alert, &m_widget);
     m_sheets.begin(box, [box, completion = std::move(completion)] { completion(box->answer()); });
+}
+
+void WidgetWindow::beginSheetNamed(const QString &interfaceName, std::function<void(int)> completion)
+{
+    if (m_isClosed || interfaceName != providerNameSheet) // the only one there is
+        return;
+    m_namedSheet = new ProviderNameSheet(m_document, &m_widget);
+    m_sheets.begin(m_namedSheet, [sheet = m_namedSheet.get(), completion = std::move(completion)] {
+        completion(sheet->result());
+    });
+}
+
+void WidgetWindow::endSheet(int returnCode)
+{
+    if (m_namedSheet)
+        m_namedSheet->done(returnCode);
 }
 
 void WidgetWindow::beginOpenPanel(const platform::OpenPanel &panel,

@@ -4,6 +4,8 @@
 #include "ui/documentwindow.h"
 #include "ui/sheets.h"
 
+#include <QPointer>
+
 class LogPrinter;
 class WindowOrder;
 
@@ -26,6 +28,8 @@ public:
     void performClose() override;
     void close() override;
     void beginSheet(const platform::Alert &alert, std::function<void(int)> completion) override;
+    void beginSheetNamed(const QString &interfaceName, std::function<void(int)> completion) override;
+    void endSheet(int returnCode) override;
     void beginOpenPanel(const platform::OpenPanel &panel,
                         std::function<void(const QUrl &)> completion) override;
     void printLog() override;
@@ -37,10 +41,12 @@ public:
     bool isMinimized() const { return m_widget.isMinimized(); }
 
 private:
+    MainWinController &m_document;
     WindowOrder &m_order;
     LogPrinter &m_printer;
     DocumentWindow m_widget;
     Sheets m_sheets;
+    QPointer<QDialog> m_namedSheet;
     Delegate m_delegate;
     platform::TabbingMode m_tabbingMode = platform::TabbingMode::automatic;
     bool m_isClosed = false;

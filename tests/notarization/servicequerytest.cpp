@@ -41,6 +41,13 @@ TEST(QueryArguments, ofARecordNameTheProviderIfThereIsOne)
         (QStringList{u"--notarization-info"_s, u""_s, u"-u"_s, u"a@b.c"_s, u"-p"_s, u"@keychain:key"_s}));
 }
 
+TEST(QueryArguments, ofTheProvidersNeverNameOne)
+{
+    EXPECT_EQ(altoolarguments::listProviders({u" a@b.c"_s, u"key"_s, u"Team1"_s}),
+              (QStringList{u"--list-providers"_s, u"-u"_s, u" a@b.c"_s, u"-p"_s, u"@keychain:key"_s,
+                           u"--output-format"_s, u"xml"_s}));
+}
+
 TEST(HistoryFailureLine, showsWhatTheToolSaidOrThatItSaidNothing)
 {
     EXPECT_EQ(
@@ -97,7 +104,8 @@ protected:
         EXPECT_EQ(host.log(LogStyle::error), QStringList{text});
         EXPECT_FALSE(document().isBusy());
         EXPECT_FALSE(document().progressIndicator.isAnimating());
-            EXPECT_TRUE(host.tools.calls().isEmpty());
+        EXPECT_FALSE(host.window().namedSheet);
+        EXPECT_TRUE(host.tools.calls().isEmpty());
         host.window().answerSheet();
         EXPECT_EQ(document().statusString(), u"ready"_s);
     }
@@ -192,6 +200,8 @@ TEST_P(Query, keepsTheDocumentBusyAndCannotBeCancelled)
     EXPECT_EQ(document().statusString(), u"fetching"_s);
     host.tools.release(GetParam().tool);
     host.settle();
+    document().steps().providers.doProviderNameCancel(); // of the one query that has a sheet
+    host.settle();
     EXPECT_FALSE(document().isBusy());
     EXPECT_FALSE(document().progressIndicator.isAnimating());
     EXPECT_EQ(document().statusString(), u"ready"_s);
@@ -245,5 +255,9 @@ INSTANTIATE_TEST_SUITE_P(
                  u"Interface is blocked."_s},
         QueryRow{"ofTheHistory", u"altool--notarization-history"_s,
                  [](MainWinController &document) { document.perform(Action::doFetchHistory); },
-                 u"Inteface is blocked."_s}),
+                 u"Inteface is blocked."_s},
+        QueryRow{"ofTheProviders",
+                 u"altool--list-providers"_s,
+                 [](MainWinController &document) { document.perform(Action::doListProviderShortnames); },
+                 {}}),
     [](const auto &row) { return row.param.name; });

@@ -324,6 +324,7 @@ void FakeWindow::close()
 {
     isClosed = true;
     sheet.reset();
+    namedSheet.reset();
     panel.reset();
     m_application.onScreen.removeAll(this);
     m_delegate.willClose();
@@ -335,6 +336,19 @@ void FakeWindow::beginSheet(const platform::Alert &alert, std::function<void(int
         return;
     sheets.append(alert);
     sheet = Sheet{alert, std::move(completion)};
+}
+
+void FakeWindow::beginSheetNamed(const QString &interfaceName, std::function<void(int)> completion)
+{
+    if (!isClosed)
+        namedSheet = NamedSheet{interfaceName, std::move(completion)};
+}
+
+void FakeWindow::endSheet(int returnCode)
+{
+    const auto ended = std::exchange(namedSheet, std::nullopt);
+    if (ended)
+        ended->completion(returnCode);
 }
 
 void FakeWindow::beginOpenPanel(const platform::OpenPanel &wanted,

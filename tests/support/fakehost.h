@@ -237,6 +237,10 @@ public:
         platform::Alert alert;
         std::function<void(int)> completion;
     };
+    struct NamedSheet {
+        QString interfaceName;
+        std::function<void(int)> completion;
+    };
     struct Panel {
         platform::OpenPanel panel;
         std::function<void(const QUrl &)> completion;
@@ -255,6 +259,8 @@ public:
     void beginOpenPanel(const platform::OpenPanel &panel,
                         std::function<void(const QUrl &)> completion) override;
     void printLog() override { ++prints; }
+    void beginSheetNamed(const QString &interfaceName, std::function<void(int)> completion) override;
+    void endSheet(int returnCode) override;
     void setDelegate(Delegate delegate) override { m_delegate = std::move(delegate); }
     QList<platform::Window *> tabbedWindows() const override { return tabs; }
 
@@ -271,6 +277,7 @@ public:
     bool refusesToGiveUpFocus = false;
     bool isClosed = false;
     std::optional<Sheet> sheet; ///< that is up now
+    std::optional<NamedSheet> namedSheet;
     std::optional<Panel> panel;
     QList<platform::Alert> sheets; ///< all that have been up
     QList<platform::Window *> tabs;

@@ -53,6 +53,7 @@ TestHost::~TestHost()
     timers.forgetAll();
     for (FakeWindow *window : QList(applicationHost.onScreen)) {
         window->sheet.reset();
+        window->namedSheet.reset();
         window->panel.reset();
     }
     m_application.reset();

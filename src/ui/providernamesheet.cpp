@@ -1,0 +1,128 @@
+#include "ui/providernamesheet.h"
+
+#include "document/documentextensions.h"
+#include "document/mainwincontroller.h"
+#include "ui/bindings.h"
+#include "ui/busybar.h"
+#include "ui/named.h"
+
+#include <QComboBox>
+#include <QDialogButtonBox>
+#include <QLabel>
+#include <QPushButton>
+#include <QStackedWidget>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int leastWidth = 460;
+
+QLabel *makeCaption(QWidget *parent, const QString &text, QWidget *buddy)
+{
+    auto *const caption = new QLabel(text, parent);
+    caption->setBuddy(buddy);
+    return caption;
+}
+
+QLabel *makeText(QWidget *parent, TextField &field, const QString &name)
+{
+    auto *const text = new QLabel(parent);
+    text->setObjectName(name); // without an accessible name, so that its text is what is read
+    text->setWordWrap(true);
+    text->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    bindings::bind(*text, field);
+    return text;
+}
+
+} // namespace
+
+ProviderNameSheet::ProviderNameSheet(MainWinController &document, QWidget *parent)
+    : QDialog(parent)
+    , m_document(document)
+{
+    setWindowTitle(u"Provider Short Name"_s);
+    setMinimumWidth(leastWidth);
+    m_pages = new QStackedWidget(this);
+    m_pages->setObjectName(u"providerSheetTabView"_s);
+    m_pages->addWidget(makeWaitingPage());
+    m_pages->addWidget(makeChoicePage());
+    m_pages->addWidget(makeMessagePage());
+    auto *const rows = new QVBoxLayout(this);
+    rows->addWidget(m_pages, 1);
+    rows->addWidget(makeButtons());
+    connect(m_pages, &QStackedWidget::currentChanged, this, &ProviderNameSheet::showButtonsOfPage);
+    bindings::bind(*m_pages, document.providerSheetTabView);
+    showButtonsOfPage(m_pages->currentIndex());
+}
+
+void ProviderNameSheet::accept()
+{
+    m_document.steps().providers.doProviderNameOK();
+}
+
+void ProviderNameSheet::reject()
+{
+    m_document.steps().providers.doProviderNameCancel();
+}
+
+QWidget *ProviderNameSheet::makeWaitingPage()
+{
+    auto *const page = new QWidget(m_pages);
+    auto *const rows = new QVBoxLayout(page);
+    auto *const progress = named(new BusyBar(page), u"providerSheetProgress"_s, u"Progress"_s);
+    bindings::bind(*progress, m_document.providerSheetProgress);
+    rows->addWidget(makeCaption(page, u"Asking Apple for your development teams…"_s, progress));
+    rows->addWidget(progress);
+    rows->addStretch(1);
+    return page;
+}
+
+QWidget *ProviderNameSheet::makeChoicePage()
+{
+    const QString label = u"Development team"_s;
+    auto *const page = new QWidget(m_pages);
+    auto *const rows = new QVBoxLayout(page);
+    auto *const popup = named(new QComboBox(page), u"providerSheetPopup"_s, label);
+    popup->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    bindings::bind(*popup, m_document.providerSheetPopup);
+    rows->addWidget(makeCaption(page, label, popup));
+    rows->addWidget(popup);
+    rows->addStretch(1);
+    return page;
+}
+
+QWidget *ProviderNameSheet::makeMessagePage()
+{
+    auto *const page = new QWidget(m_pages);
+    auto *const rows = new QVBoxLayout(page);
+    QLabel *const heading = makeText(page, m_document.providerSheetErrorText, u"providerSheetErrorText"_s);
+    QFont font = heading->font();
+    font.setBold(true);
+    heading->setFont(font);
+    rows->addWidget(heading);
+    rows->addWidget(makeText(page, m_document.providerSheetDetailText, u"providerSheetDetailText"_s));
+    rows->addStretch(1);
+    return page;
+}
+
+QDialogButtonBox *ProviderNameSheet::makeButtons()
+{
+    auto *const buttons = new QDialogButtonBox(this);
+    m_ok = named(buttons->addButton(u"OK"_s, QDialogButtonBox::AcceptRole), u"providerSheetOK"_s, u"OK"_s);
+    m_cancel = named(buttons->addButton(u"Cancel"_s, QDialogButtonBox::RejectRole), u"providerSheetCancel"_s,
+                     u"Cancel"_s);
+    connect(buttons, &QDialogButtonBox::accepted, this, &ProviderNameSheet::accept);
+    connect(buttons, &QDialogButtonBox::rejected, this, &ProviderNameSheet::reject);
+    return buttons;
+}
+
+void ProviderNameSheet::showButtonsOfPage(int page)
+{
+    // Only a choice can be taken; from the other pages there is one way out.
+    m_ok->setVisible(page == choicePage);
+    (page == choicePage ? m_ok : m_cancel)->setDefault(true);
+    m_cancel->setText(page == messagePage ? u"Close"_s : u"Cancel"_s);
+    m_cancel->setAccessibleName(m_cancel->text());
+}
