@@ -1,6 +1,7 @@
 #include "document/helpsheets.h"
 
 #include "app/appdelegate.h"
+#include "document/documentextensions.h"
 #include "document/mainwincontroller.h"
 #include "platform/itempath.h"
 
@@ -38,9 +39,16 @@ void HelpSheets::doTeamProviderHelp()
 {
     const QString title = u"Provider Short Name"_s;
     if (document.appDelegate().altoolVersionNumber() >= firstVersionThatListsProviders)
-        show({title, providerWithChoose, {u"Choose"_s, u"Cancel"_s}}, document.providerNameField);
+        show({title, providerWithChoose, {u"Choose"_s, u"Cancel"_s}}, document.providerNameField,
+             [this](int answer) { listProvidersIfChosen(answer); });
     else
         show({title, providerWithoutChoose, {}}, document.providerNameField);
+}
+
+void HelpSheets::listProvidersIfChosen(int answer)
+{
+    if (answer == platform::alertFirstButton)
+        document.dispatchToMain([this] { document.steps().providers.listProviderShortnames(); });
 }
 
 void HelpSheets::doExtraEntitlementsHelp()
@@ -56,12 +64,13 @@ void HelpSheets::doDropDMGHelp()
     show({u"Disk Image Options"_s, diskImageOptions, {}}, document.providerNameField);
 }
 
-void HelpSheets::show(const platform::Alert &alert, TextField &fieldAfterwards)
+void HelpSheets::show(const platform::Alert &alert, TextField &fieldAfterwards, std::function<void(int)> next)
 {
     document.changeStatus(status::interacting);
     document.giveUpFocus();
-    document.beginSheet(alert, [this, &fieldAfterwards](int) {
+    document.beginSheet(alert, [this, &fieldAfterwards, next = std::move(next)](int answer) {
         fieldAfterwards.makeFirstResponder();
         document.changeStatus(status::ready);
+        next(answer);
     });
 }

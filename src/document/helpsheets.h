@@ -2,6 +2,8 @@
 
 #include "document/documentextension.h"
 
+#include <functional>
+
 class TextField;
 
 namespace platform {
@@ -22,6 +24,8 @@ public:
     void doDropDMGHelp();
 
 private:
-    /// The field has the focus when the sheet has gone.
-    void show(const platform::Alert &alert, TextField &fieldAfterwards);
+    /// The field has the focus when the sheet has gone; then what is to come next gets the answer.
+    void show(
+        const platform::Alert &alert, TextField &fieldAfterwards, std::function<void(int)> next = [](int) {});
+    void listProvidersIfChosen(int answer);
 };

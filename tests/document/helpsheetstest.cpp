@@ -146,5 +146,26 @@ TEST_P(Help, givesTheFocusToItsFieldAndIsReadyAfterwards)
     EXPECT_FALSE(host.window().sheet);
 }
 
+TEST_P(Help, listsTheProvidersWhereTheyCanBeChosen)
+{
+    const bool offersThem = GetParam().alert.buttons.value(0) == "Choose"_L1;
+    document().perform(GetParam().action);
+    host.window().answerSheet(platform::alertFirstButton);
+    EXPECT_FALSE(host.window().namedSheet) << "not before the help has gone";
+    EXPECT_EQ(document().statusString(), u"ready"_s);
+    host.settle();
+    EXPECT_EQ(host.window().namedSheet.has_value(), offersThem);
+    EXPECT_EQ(host.tools.order(), offersThem ? QStringList{u"altool--list-providers"_s} : QStringList());
+}
+
+TEST_P(Help, listsNoProvidersWhenItIsCancelled)
+{
+    document().perform(GetParam().action);
+    host.window().answerSheet(platform::alertSecondButton);
+    host.settle();
+    EXPECT_FALSE(host.window().namedSheet);
+    EXPECT_TRUE(host.tools.calls().isEmpty());
+}
+
 INSTANTIATE_TEST_SUITE_P(Sheets, Help, testing::ValuesIn(rows),
                          [](const auto &row) { return row.param.name; });
