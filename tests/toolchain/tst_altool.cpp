@@ -52,6 +52,50 @@ protected:
         return QJsonDocument::fromJson(readFile(QUrl(logUrlIn(report)).toLocalFile())).object();
     }
 
+    static QString uuidOf(int number)
+    {
+        return u"%1-0000-4000-8000-000000000000"_s.arg(number, 8, 10, QChar(u'0'));
+    }
+    /// Keeps an approved request, which is the newer the higher its number is.
+    void storeRequest(int number) const
+    {
+        const QDateTime uploaded = QDateTime(QDate(2026, 1, 1), QTime(12, 0), Qt::UTC).addSecs(60 * number);
+        const QJsonObject form{{u"RequestUUID"_s, uuidOf(number)},
+                               {u"archive"_s, u"My App.zip"_s},
+                               {u"sha256"_s, u"00"_s},
+                               {u"primaryBundleID"_s, u"com.example.app"_s},
+                               {u"uploaded"_s, uploaded.toString(Qt::ISODate)},
+                               {u"issues"_s, QJsonArray()},
+                               {u"seals"_s, QJsonArray()},
+                               {u"polls"_s, 3}};
+        // Named against the order in which they were uploaded.
+        writeFile(statePath(u"notary/requests/%1.json"_s.arg(uuidOf(999 - number))),
+                  QJsonDocument(form).toJson());
+    }
+
+    /// What a property list says about a page of the history.
+    [[nodiscard]] QVariantMap historyEntries(const QString &page) const
+    {
+        const ToolResult reply = altool({u"--notarization-history"_s, page, u"--output-format"_s, u"xml"_s});
+        EXPECT_EQ(reply.status, 0) << reply.error.toStdString();
+        const QVariantMap list = platform::propertyListFromData(reply.output.toUtf8()).value.toMap();
+        return list.value(u"notarization-history"_s).toMap();
+    }
+
+    void makeIdentityOf(const QString &name, const QString &kind) const
+    {
+        ASSERT_EQ(run(keychain, {u"make-identity"_s, u"--name"_s, name, u"--kind"_s, kind}).status, 0);
+    }
+
+    [[nodiscard]] QVariantList providerEntries() const
+    {
+        const ToolResult reply = altool({u"--list-providers"_s, u"--output-format"_s, u"xml"_s});
+        EXPECT_EQ(reply.status, 0) << reply.error.toStdString();
+        const QVariantMap list = platform::propertyListFromData(reply.output.toUtf8()).value.toMap();
+        EXPECT_TRUE(list.contains(u"providers"_s));
+        return list.value(u"providers"_s).toList();
+    }
+
     /// Uploads the archive and answers the messages of the log that goes with the refusal, by their paths.
     [[nodiscard]] QMap<QString, QString> issuesOfRefusal() const
     {
@@ -300,6 +344,107 @@ TEST_F(Altool, aHistoryMayBeAPropertyList)
     EXPECT_EQ(items.first().toMap().value(u"RequestUUID"_s).toString(), uuid);
 }
 
+TEST_F(Altool, aHistoryBeginsWithTheNewestRequest)
+{
+    for (const int number : {1, 3, 2})
+        storeRequest(number);
+    const QStringList lines = altool({u"--notarization-history"_s, u"0"_s}).output.split(u'\n');
+    ASSERT_EQ(lines.size(), 4);
+    for (qsizetype index = 0; index < 3; ++index)
+        EXPECT_TRUE(lines.at(index).contains(uuidOf(3 - int(index)))) << lines.at(index).toStdString();
+}
+
+TEST_F(Altool, aHistoryOfOnePageNamesNoNextOne)
+{
+    for (int number = 1; number <= 20; ++number)
+        storeRequest(number);
+    const QString text = altool({u"--notarization-history"_s, u"0"_s}).output;
+    EXPECT_EQ(text.count(u'\n'), 20);
+    EXPECT_FALSE(text.contains(u"Next page value"_s));
+    EXPECT_FALSE(historyEntries(u"0"_s).contains(u"next-page"_s));
+    EXPECT_EQ(altool({u"--notarization-history"_s, u"1"_s}).output, u"No items found.\n"_s);
+}
+
+TEST_F(Altool, aHistoryOfSeveralPagesLeadsFromOneToTheNext)
+{
+    for (int number = 1; number <= 41; ++number)
+        storeRequest(number);
+    const QString first = altool({u"--notarization-history"_s, u"0"_s}).output;
+    EXPECT_TRUE(first.contains(uuidOf(41)));
+    EXPECT_TRUE(first.contains(uuidOf(22)));
+    EXPECT_FALSE(first.contains(uuidOf(21)));
+    EXPECT_TRUE(first.endsWith(u"\nNext page value: 1\n"_s)) << first.toStdString();
+    EXPECT_TRUE(altool({u"--notarization-history"_s, u"1"_s}).output.endsWith(u"\nNext page value: 2\n"_s));
+    const QString last = altool({u"--notarization-history"_s, u"2"_s}).output;
+    EXPECT_EQ(last.count(u'\n'), 1);
+    EXPECT_TRUE(last.contains(uuidOf(1)));
+    EXPECT_EQ(altool({u"--notarization-history"_s, u"3"_s}).output, u"No items found.\n"_s);
+    EXPECT_EQ(altool({u"--notarization-history"_s, u"18446744073709551615"_s}).output,
+              u"No items found.\n"_s);
+}
+
+TEST_F(Altool, aHistoryOfSeveralPagesLeadsOnInAPropertyListToo)
+{
+    for (int number = 1; number <= 21; ++number)
+        storeRequest(number);
+    const QVariantMap first = historyEntries(u"0"_s);
+    EXPECT_EQ(first.value(u"items"_s).toList().size(), 20);
+    EXPECT_EQ(first.value(u"items"_s).toList().first().toMap().value(u"RequestUUID"_s).toString(),
+              uuidOf(21));
+    EXPECT_EQ(first.value(u"next-page"_s).toInt(), 1);
+    EXPECT_EQ(historyEntries(u"1"_s).value(u"items"_s).toList().size(), 1);
+    EXPECT_FALSE(historyEntries(u"1"_s).contains(u"next-page"_s));
+    const QVariantMap beyond = historyEntries(u"2"_s);
+    EXPECT_TRUE(beyond.contains(u"items"_s));
+    EXPECT_TRUE(beyond.value(u"items"_s).toList().isEmpty());
+    EXPECT_FALSE(beyond.contains(u"next-page"_s));
+}
+
+TEST_F(Altool, theProvidersAreTheTeamsOfTheKeychain)
+{
+    makeIdentityOf(u"Ant: Söhne (9XYZ)"_s, u"application"_s);
+    makeIdentityOf(holder, u"installer"_s); // a second one of a team that is there
+    const QVariantList providers = providerEntries();
+    ASSERT_EQ(providers.size(), 2);
+    EXPECT_EQ(providers.at(0).toMap(),
+              (QVariantMap{{u"ProviderName"_s, u"Ant: Söhne"_s},
+                           {u"ProviderShortname"_s, u"9XYZ"_s},
+                           {u"WWDRTeamID"_s, u"9XYZ"_s}}));
+    EXPECT_EQ(providers.at(1).toMap(),
+              (QVariantMap{{u"ProviderName"_s, u"Example Corp"_s},
+                           {u"ProviderShortname"_s, u"A1B2C3D4E5"_s},
+                           {u"WWDRTeamID"_s, u"A1B2C3D4E5"_s}}));
+    EXPECT_EQ(altool({u"--list-providers"_s}).output,
+              u"ProviderShortname WWDRTeamID ProviderName\n9XYZ 9XYZ Ant: Söhne\n"
+              "A1B2C3D4E5 A1B2C3D4E5 Example Corp\n"_s);
+}
+
+TEST_F(Altool, anIdentityWithoutATeamIsNamedAndLeftOut)
+{
+    makeIdentityOf(u"Nobody"_s, u"application"_s);
+    const ToolResult reply = altool({u"--list-providers"_s});
+    EXPECT_EQ(reply.status, 0);
+    EXPECT_TRUE(reply.error.contains(u"Developer ID Application: Nobody: "_s));
+    EXPECT_FALSE(reply.output.contains(u"Nobody"_s));
+    EXPECT_TRUE(reply.output.contains(u"Example Corp"_s));
+}
+
+TEST_F(Altool, aKeychainWithoutIdentitiesHasNoProviders)
+{
+    ASSERT_TRUE(QFile::remove(statePath(u"keychain/"_s + identity + u".pem"_s)));
+    EXPECT_TRUE(providerEntries().isEmpty());
+    EXPECT_EQ(altool({u"--list-providers"_s}).output, u"No providers found.\n"_s);
+}
+
+TEST_F(Altool, theProvidersAreNotListedWithoutAPassword)
+{
+    const ToolResult reply =
+        run(xcrun, {u"altool"_s, u"--list-providers"_s, u"-u"_s, u"me"_s, u"-p"_s, u"@keychain:none"_s});
+    EXPECT_EQ(reply.status, 1);
+    EXPECT_EQ(reply.output, QString());
+    EXPECT_TRUE(reply.error.contains(u"The specified item could not be found in the keychain"_s));
+}
+
 TEST_F(Altool, refusesCommandLinesThatAreNotWhole)
 {
     const QStringList credentials{u"-u"_s, u"me"_s, u"-p"_s, u"secret"_s};
@@ -307,7 +452,11 @@ TEST_F(Altool, refusesCommandLinesThatAreNotWhole)
          {QStringList{},
           {u"--notarization-history"_s, u"0"_s},
           {u"--notarization-history"_s},
-          QStringList{u"--list-providers"_s} + credentials,
+          {u"--list-providers"_s},
+          QStringList{u"--list-providers"_s, u"--notarization-history"_s, u"0"_s} + credentials,
+          QStringList{u"--list-providers"_s, u"A1B2C3D4E5"_s} + credentials,
+          QStringList{u"--notarization-history"_s, u"-1"_s} + credentials,
+          QStringList{u"--notarization-history"_s, u"99999999999999999999"_s} + credentials,
           QStringList{u"--notarization-history"_s, u"first"_s} + credentials,
           QStringList{u"--notarize-app"_s, u"-f"_s, u"x.zip"_s} + credentials,
           QStringList{u"--notarize-app"_s, u"--notarization-history"_s, u"0"_s} + credentials,

@@ -1,5 +1,6 @@
 #include "altool/commands.h"
 
+#include "altool/providers.h"
 #include "formats/notaryreview.h"
 #include "formats/notarystate.h"
 #include "formats/passwords.h"
@@ -22,6 +23,7 @@ namespace {
 constexpr std::string_view usage = R"(Usage: altool --notarize-app -f FILE --primary-bundle-id ID CREDENTIALS
        altool --notarization-info UUID CREDENTIALS
        altool --notarization-history PAGE CREDENTIALS
+       altool --list-providers CREDENTIALS
        altool --help
 CREDENTIALS: -u APPLE-ID -p @keychain:ITEM | -p @env:VARIABLE | -p PASSWORD
 For each of them: [--asc-provider NAME] [--output-format normal|xml]
@@ -36,12 +38,15 @@ is worth nothing elsewhere.
 
   -f, --file FILE          a zip archive, a disk image or a package, whatever it is called
   --primary-bundle-id ID   kept with the request
+  --list-providers         the teams of the keychain folder's identities, which end in the team's identifier in
+                           parentheses; that is the short name too. The account is not asked: there is none
   -u, --username ID        any; there are no accounts
   -p, --password PASSWORD  must be there; an item of the keychain folder is made by sealwright-keychain
-  --asc-provider NAME      accepted; there are no teams
+  --asc-provider NAME      accepted and not looked at: all teams share one history
   --output-format FORMAT   normal (the default), or xml for a property list
 
-A request is in progress for two questions, or for two minutes. The history is one page, number 0.
+A request is in progress for two questions, or for two minutes. The history has 20 requests a page, newest
+first; pages are counted from 0, and each but the last one names the next.
 Exit status: 0 done, 1 failed, 64 wrong arguments, 239 a RequestUUID that the notary does not know.
 )";
 
@@ -143,15 +148,23 @@ int notarizationHistory(const ParsedArguments &arguments)
     const NotaryHistory history = NotaryState(notaryFolder()).history();
     for (const QString &warning : history.warnings)
         printError("altool: warning: " + warning.toStdString() + "\n");
-    const bool isFirstPage = argument(arguments, "--notarization-history").toUInt() == 0;
-    return answer(
-        historyReply(isFirstPage ? history.requests : QList<NotaryRequest>(), formatFrom(arguments)));
+    const qulonglong page = argument(arguments, "--notarization-history").toULongLong();
+    return answer(historyReply(history.requests, page, formatFrom(arguments)));
 }
 
-bool isNumber(const std::string &text)
+int listProviders(const ParsedArguments &arguments)
 {
-    return !text.empty()
-        && std::all_of(text.begin(), text.end(), [](unsigned char c) { return std::isdigit(c); });
+    const ProviderList list = readProviders(keychainFolder());
+    for (const QString &warning : list.warnings)
+        printError("altool: warning: " + warning.toStdString() + "\n");
+    return answer(providersReply(list.providers, formatFrom(arguments)));
+}
+
+bool isNumber(const QString &text)
+{
+    bool isNumber = false;
+    static_cast<void>(text.toULongLong(&isNumber));
+    return isNumber && text.front().isDigit();
 }
 
 /// What is wrong with the command line as a whole; empty if nothing is.
@@ -160,7 +173,7 @@ std::string argumentProblem(const ParsedArguments &arguments)
     if (!arguments.operands.empty())
         return "unexpected argument '" + arguments.operands.front() + "'";
     const int commands = arguments.has("--notarize-app") + arguments.has("--notarization-info")
-        + arguments.has("--notarization-history");
+        + arguments.has("--notarization-history") + arguments.has("--list-providers");
     if (commands != 1)
         return "exactly one command is needed";
     if (arguments.value("-u").empty() || !arguments.has("-p"))
@@ -168,7 +181,7 @@ std::string argumentProblem(const ParsedArguments &arguments)
     if (arguments.has("--notarize-app")
         && (arguments.value("-f").empty() || arguments.value("--primary-bundle-id").empty()))
         return "--notarize-app needs -f and --primary-bundle-id";
-    if (arguments.has("--notarization-history") && !isNumber(arguments.value("--notarization-history")))
+    if (arguments.has("--notarization-history") && !isNumber(argument(arguments, "--notarization-history")))
         return "--notarization-history needs the number of a page";
     const std::string format =
         arguments.has("--output-format") ? arguments.value("--output-format") : "normal";
@@ -190,6 +203,7 @@ std::vector<Option> altoolOptions()
     return {{{"--notarize-app"}},
             {{"--notarization-info"}, OptionValue::Required},
             {{"--notarization-history"}, OptionValue::Required},
+            {{"--list-providers"}},
             {{"-f", "--file"}, OptionValue::Required},
             {{"--primary-bundle-id"}, OptionValue::Required},
             {{"-u", "--username"}, OptionValue::Required},
@@ -209,6 +223,8 @@ int runAltool(const ParsedArguments &arguments)
         return fail(problem);
     if (arguments.has("--notarize-app"))
         return notarizeApp(arguments);
+    if (arguments.has("--list-providers"))
+        return listProviders(arguments);
     return arguments.has("--notarization-info") ? notarizationInfo(arguments)
                                                 : notarizationHistory(arguments);
 }

@@ -20,6 +20,8 @@ struct VerdictTexts {
     QString message;
 };
 
+constexpr qulonglong requestsOnAPage = 20;
+
 VerdictTexts textsOf(Verdict verdict)
 {
     switch (verdict) {
@@ -97,6 +99,55 @@ QString historyLine(const NotaryRequest &request)
         + request.bundleIdentifier + u' ' + request.archiveName + u'\n';
 }
 
+struct HistoryPage {
+    QList<NotaryRequest> requests;
+    std::optional<qulonglong> next; ///< nothing on the last page
+};
+
+HistoryPage pageOf(const QList<NotaryRequest> &requests, qulonglong page)
+{
+    const auto count = qulonglong(requests.size());
+    const qulonglong pages = (count + requestsOnAPage - 1) / requestsOnAPage;
+    if (page >= pages)
+        return {};
+    return {requests.mid(qsizetype(page * requestsOnAPage), qsizetype(requestsOnAPage)),
+            page + 1 < pages ? std::optional(page + 1) : std::nullopt};
+}
+
+QString historyText(const HistoryPage &page)
+{
+    if (page.requests.isEmpty())
+        return u"No items found.\n"_s;
+    QString text;
+    for (const NotaryRequest &request : page.requests)
+        text += historyLine(request);
+    return page.next ? text + u"\nNext page value: %1\n"_s.arg(*page.next) : text;
+}
+
+QVariantMap historyEntries(const HistoryPage &page)
+{
+    QVariantList items;
+    for (const NotaryRequest &request : page.requests)
+        items.append(QVariantMap{{u"Date"_s, request.uploaded},
+                                 {u"RequestUUID"_s, request.uuid},
+                                 {u"Status"_s, textsOf(request.verdict()).status}});
+    QVariantMap entries{{u"items"_s, items}};
+    if (page.next)
+        entries.insert(u"next-page"_s, *page.next);
+    return entries;
+}
+
+/// One line a team, the name last since it may have blanks.
+QString providersText(const QList<Provider> &providers)
+{
+    if (providers.isEmpty())
+        return u"No providers found.\n"_s;
+    QString text = u"ProviderShortname WWDRTeamID ProviderName\n"_s;
+    for (const Provider &provider : providers)
+        text += provider.shortName + u' ' + provider.teamIdentifier + u' ' + provider.name + u'\n';
+    return text;
+}
+
 } // namespace
 
 Reply uploadReply(const NotaryRequest &request, const QString &archive, OutputFormat format)
@@ -115,19 +166,23 @@ Reply infoReply(const NotaryRequest &request, const QString &logPath, OutputForm
         {{u"notarization-info"_s, infoEntries(request, logPath)}, {u"success-message"_s, infoMessage}});
 }
 
-Reply historyReply(const QList<NotaryRequest> &requests, OutputFormat format)
+Reply historyReply(const QList<NotaryRequest> &requests, qulonglong page, OutputFormat format)
 {
-    QVariantList items;
-    QString text;
-    for (const NotaryRequest &request : requests) {
-        const VerdictTexts texts = textsOf(request.verdict());
-        items.append(QVariantMap{
-            {u"Date"_s, request.uploaded}, {u"RequestUUID"_s, request.uuid}, {u"Status"_s, texts.status}});
-        text += historyLine(request);
-    }
+    const HistoryPage shown = pageOf(requests, page);
+    return format == OutputFormat::Normal ? Reply{historyText(shown).toUtf8(), {}}
+                                          : xmlReply({{u"notarization-history"_s, historyEntries(shown)}});
+}
+
+Reply providersReply(const QList<Provider> &providers, OutputFormat format)
+{
     if (format == OutputFormat::Normal)
-        return {text.isEmpty() ? QByteArray("No items found.\n") : text.toUtf8(), {}};
-    return xmlReply({{u"notarization-history"_s, QVariantMap{{u"items"_s, items}}}});
+        return {providersText(providers).toUtf8(), {}};
+    QVariantList entries;
+    for (const Provider &provider : providers)
+        entries.append(QVariantMap{{u"ProviderName"_s, provider.name},
+                                   {u"ProviderShortname"_s, provider.shortName},
+                                   {u"WWDRTeamID"_s, provider.teamIdentifier}});
+    return xmlReply({{u"providers"_s, entries}});
 }
 
 QString toolVersion()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "altool/providers.h"
 #include "formats/notaryrequest.h"
 
 #include <QList>
@@ -21,7 +22,11 @@ struct Reply {
 /// `logPath` is told only of a request that is decided.
 [[nodiscard]] Reply infoReply(const NotaryRequest &request, const QString &logPath, OutputFormat format);
 
-[[nodiscard]] Reply historyReply(const QList<NotaryRequest> &requests, OutputFormat format);
+/// Of all requests, newest first, those that are on the page, counted from 0. Says which page is the next one
+/// if anything is on that.
+[[nodiscard]] Reply historyReply(const QList<NotaryRequest> &requests, qulonglong page, OutputFormat format);
+
+[[nodiscard]] Reply providersReply(const QList<Provider> &providers, OutputFormat format);
 
 /// "4.1.0"
 [[nodiscard]] QString toolVersion();
