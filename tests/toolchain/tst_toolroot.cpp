@@ -40,8 +40,9 @@ protected:
 TEST_F(ToolRoot, holdsEveryToolWhereItIsLookedFor)
 {
     for (const QString &tool :
-         {codesign, ditto, u"/usr/bin/hdiutil"_s, security, spctl, xattr, xcrun,
-          developerFolder + u"/altool"_s, developerFolder + u"/stapler"_s, transporterTool})
+         {codesign, ditto, u"/usr/bin/hdiutil"_s, u"/usr/bin/osascript"_s, u"/usr/bin/productsign"_s,
+          security, spctl, xattr, xcrun, developerFolder + u"/altool"_s, developerFolder + u"/stapler"_s,
+          transporterTool})
         EXPECT_TRUE(QFileInfo(toolRoot() + tool).isExecutable()) << tool.toStdString();
 }
 
