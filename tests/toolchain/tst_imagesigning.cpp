@@ -245,10 +245,19 @@ TEST_F(ImageSigning, anImageThatNobodyApprovedIsNotStapled)
 TEST_F(ImageSigning, anImageSignedAnewAfterItsApprovalIsNotStapled)
 {
     const QString image = this->image();
+    ASSERT_EQ(sign(image).status, 0);
     ASSERT_TRUE(isApproved(image));
     ASSERT_EQ(staple(image).status, 0);
-    ASSERT_EQ(sign(image).status, 0);
+    ASSERT_EQ(sign(image, {u"--force"_s}).status, 0);
     EXPECT_EQ(staple(image, u"validate"_s).status, 65);
+    EXPECT_EQ(staple(image).status, 65);
+}
+
+TEST_F(ImageSigning, anImageSignedAfterItsApprovalIsNotStapled)
+{
+    const QString image = this->image();
+    ASSERT_TRUE(isApproved(image));
+    ASSERT_EQ(sign(image).status, 0);
     EXPECT_EQ(staple(image).status, 65);
 }
 
