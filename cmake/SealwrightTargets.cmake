@@ -32,9 +32,12 @@ function(sealwright_test name)
     add_executable(${name} ${ARGN})
     target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR}/tests)
     target_link_libraries(${name} PRIVATE sealwright_options test_main GTest::gmock)
+    if(SEALWRIGHT_TEST_LABEL)
+        set(label LABELS ${SEALWRIGHT_TEST_LABEL}) # an empty one would shift the properties behind it
+    endif()
     gtest_discover_tests(${name}
         TEST_PREFIX "${name}."
         DISCOVERY_TIMEOUT 60
         NO_PRETTY_VALUES
-        PROPERTIES TIMEOUT 300 LABELS "${SEALWRIGHT_TEST_LABEL}" ENVIRONMENT "QT_QPA_PLATFORM=offscreen")
+        PROPERTIES TIMEOUT 300 ${label} ENVIRONMENT "QT_QPA_PLATFORM=offscreen")
 endfunction()
