@@ -23,10 +23,10 @@ bool isNeverSigned(const QString &fileName)
 
 /// What a resource-fork editor and a bridge of older macOS versions leave behind, and what would break the
 /// seal.
-bool isLeftover(const QString &folderName, const QString &fileName)
+bool isLeftover(const QString &folder, const QString &fileName)
 {
-    return folderName == "Contents"_L1
-        && (fileName == "Scriptbench.plist"_L1 || fileName == "Bridgescope.plist"_L1);
+    return (fileName == "Scriptbench.plist"_L1 || fileName == "Bridgescope.plist"_L1)
+        && itempath::lastComponent(folder) == "Contents"_L1;
 }
 
 bool isSignedUntested(const QString &lowerExtension)
@@ -83,7 +83,7 @@ void BundleScanner::parseDirectory(const QString &directory, OrderedPathSet &sig
         } else if (isSignedUntested(extension)) {
             signableSet.append(item);
         } else {
-            parseFile(directory, item, kind, signableSet);
+            parseFile(directory, {name, kind}, signableSet);
         }
     }
 }
@@ -104,19 +104,19 @@ void BundleScanner::addIfBundle(const QString &directory, OrderedPathSet &signab
     setToSubtract.insert(path);
 }
 
-void BundleScanner::parseFile(const QString &folder, const QString &file, const platform::FileKind &kind,
+void BundleScanner::parseFile(const QString &folder, const platform::FolderEntry &entry,
                               OrderedPathSet &signableSet)
 {
-    const QString name = itempath::lastComponent(file);
-    if (isNeverSigned(name))
+    if (isNeverSigned(entry.name))
         return;
-    if (isLeftover(itempath::lastComponent(folder), name)) {
+    const QString file = itempath::appending(folder, entry.name);
+    if (isLeftover(folder, entry.name)) {
         document.host().files.removeItem(file).ignore();
         return;
     }
-    if (isNeverExamined(itempath::lowerExtension(name)))
+    if (isNeverExamined(itempath::lowerExtension(entry.name)))
         return;
-    if (kind.isRegularFile && kind.isExecutable && isMachO(file))
+    if (entry.kind.isRegularFile && entry.kind.isExecutable && isMachO(file))
         signableSet.append(file);
 }
 

@@ -44,8 +44,7 @@ public:
 
 private:
     void addIfBundle(const QString &directory, OrderedPathSet &signableSet, QSet<QString> &setToSubtract);
-    void parseFile(const QString &folder, const QString &file, const platform::FileKind &kind,
-                   OrderedPathSet &signableSet);
+    void parseFile(const QString &folder, const platform::FolderEntry &entry, OrderedPathSet &signableSet);
     void parseVersions(const QString &versions, OrderedPathSet &signableSet, QSet<QString> &setToSubtract,
                        const QStringList &arrayToPassOver);
     bool isMachO(const QString &file);
