@@ -2,35 +2,101 @@
 
 #include "document/documentextensions.h"
 #include "document/mainwincontroller.h"
+#include "platform/applicationhost.h"
 #include "scripting/commandchecks.h"
 
 using namespace Qt::StringLiterals;
 
+// Commands
+
 void MainWinControllerScripting::AESubmitForNotarizing(const ScriptCommandPtr &command)
 {
-    if (!commandchecks::submittableItem(document.host().files, command) || !checkStatusIsReady())
-        return;
-    startSubmission(command);
+    if (commandchecks::submittableItem(document.host().files, command) && checkStatusIsReady())
+        startSubmission(command);
 }
 
-void MainWinControllerScripting::startSubmission(const ScriptCommandPtr &command)
+void MainWinControllerScripting::AEStapleOnly(const ScriptCommandPtr &command)
 {
-    const QVariantMap &arguments = command->evaluatedArguments();
-    document.suppressDialogs.set(!arguments.value(argument::showingDialogs).toBool());
-    document.currentCommand.set(command);
-    command->suspendExecution();
-    const QUrl url = arguments.value(argument::at).toUrl();
-    document.dispatchToMain([this, url] { document.steps().submit.scriptedSubmit(url); });
+    if (commandchecks::submittableItem(document.host().files, command) && checkStatusIsReady())
+        startStapling(command);
+}
+
+void MainWinControllerScripting::AESignOnly(const ScriptCommandPtr &command)
+{
+    if (commandchecks::signableItem(document.host().files, command) && checkStatusIsReady())
+        startSigning(command);
+}
+
+void MainWinControllerScripting::AEFetchHistory(const ScriptCommandPtr &command)
+{
+    if (checkStatusIsReady())
+        startHistory(command);
+}
+
+void MainWinControllerScripting::AEPrepareForNotarizing(const ScriptCommandPtr &command)
+{
+    if (commandchecks::submittableItem(document.host().files, command) && checkStatusIsReady())
+        prepare(command, commandchecks::knownIdentity(command, document.identitiesPopup.itemTitles()));
 }
 
 void MainWinControllerScripting::AEFetchLog(const ScriptCommandPtr &command)
 {
-    document.currentCommand.set(command);
-    command->suspendExecution();
-    document.dispatchToMain([this] { document.contentsOfLog(); });
+    suspend(command, [this] { document.contentsOfLog(); });
+}
+
+void MainWinControllerScripting::AEClearLog(const ScriptCommandPtr &command)
+{
+    suspend(command, [this] { document.doClearStatus(); });
 }
 
 bool MainWinControllerScripting::checkStatusIsReady() const
 {
     return commandchecks::isReady(document.statusString(), u"Document"_s);
+}
+
+// Work
+
+void MainWinControllerScripting::startSubmission(const ScriptCommandPtr &command)
+{
+    suspendWithItem(command, [this](const QUrl &url) { document.steps().submit.scriptedSubmit(url); });
+}
+
+void MainWinControllerScripting::startStapling(const ScriptCommandPtr &command)
+{
+    suspendWithItem(command,
+                    [this](const QUrl &url) { document.steps().stapleOnly.scriptedStapleOnly(url); });
+}
+
+void MainWinControllerScripting::startSigning(const ScriptCommandPtr &command)
+{
+    suspendWithItem(command, [this](const QUrl &url) { document.steps().signOnly.scriptedSignOnly(url); });
+}
+
+void MainWinControllerScripting::startHistory(const ScriptCommandPtr &command)
+{
+    document.suppressDialogs.set(true); // whatever the command says of dialogs
+    const quint64 page = command->evaluatedArguments().value(argument::pageToFetch).toULongLong();
+    suspend(command, [this, page] { document.steps().history.fetchHistory(page); });
+}
+
+void MainWinControllerScripting::prepare(const ScriptCommandPtr &command, const QString &identity)
+{
+    document.steps().submit.prepareForDirectSubmit(command->evaluatedArguments().value(argument::at).toUrl(),
+                                                   identity);
+    document.host().application.activate();
+}
+
+void MainWinControllerScripting::suspendWithItem(const ScriptCommandPtr &command,
+                                                 std::function<void(const QUrl &)> work)
+{
+    const QVariantMap &arguments = command->evaluatedArguments();
+    document.suppressDialogs.set(!arguments.value(argument::showingDialogs).toBool());
+    suspend(command, [work = std::move(work), url = arguments.value(argument::at).toUrl()] { work(url); });
+}
+
+void MainWinControllerScripting::suspend(const ScriptCommandPtr &command, std::function<void()> work)
+{
+    document.currentCommand.set(command);
+    command->suspendExecution();
+    document.dispatchToMain(std::move(work));
 }

@@ -16,9 +16,37 @@ NSApplicationScripting::NSApplicationScripting(AppDelegate &appDelegate)
 
 void NSApplicationScripting::AESubmitForNotarizing(const ScriptCommandPtr &command)
 {
-    if (!commandchecks::submittableItem(m_appDelegate.host().files, command) || !checkStatusIsReady())
-        return;
-    m_appDelegate.addedDocument()->steps().scripting.startSubmission(command);
+    if (commandchecks::submittableItem(m_appDelegate.host().files, command) && checkStatusIsReady())
+        addedDocument().startSubmission(command);
+}
+
+void NSApplicationScripting::AEStapleOnly(const ScriptCommandPtr &command)
+{
+    if (commandchecks::submittableItem(m_appDelegate.host().files, command) && checkStatusIsReady())
+        addedDocument().startStapling(command);
+}
+
+void NSApplicationScripting::AESignOnly(const ScriptCommandPtr &command)
+{
+    if (commandchecks::signableItem(m_appDelegate.host().files, command) && checkStatusIsReady())
+        addedDocument().startSigning(command);
+}
+
+void NSApplicationScripting::AEFetchHistory(const ScriptCommandPtr &command)
+{
+    if (checkStatusIsReady())
+        addedDocument().startHistory(command);
+}
+
+void NSApplicationScripting::AEPrepareForNotarizing(const ScriptCommandPtr &command)
+{
+    if (commandchecks::submittableItem(m_appDelegate.host().files, command) && checkStatusIsReady())
+        addedDocument().prepare(command, commandchecks::knownIdentity(command, m_appDelegate.identities()));
+}
+
+MainWinControllerScripting &NSApplicationScripting::addedDocument() const
+{
+    return m_appDelegate.addedDocument()->steps().scripting;
 }
 
 bool NSApplicationScripting::checkStatusIsReady() const

@@ -9,6 +9,7 @@
 
 class AppDelegate;
 class MainWinController;
+class MainWinControllerScripting;
 
 /// What scripts reach on the application, and its lists of windows and documents. The lists are made afresh
 /// on each call, on the main thread.
@@ -16,8 +17,14 @@ class NSApplicationScripting {
 public:
     explicit NSApplicationScripting(AppDelegate &appDelegate);
 
-    // Commands. On the thread of script delivery; the work is queued to the main thread.
+    // Commands, each on a new document of its own. On the thread of script delivery; the work is queued to
+    // the main thread.
     void AESubmitForNotarizing(const ScriptCommandPtr &command);
+    void AEStapleOnly(const ScriptCommandPtr &command);
+    void AESignOnly(const ScriptCommandPtr &command);
+    void AEFetchHistory(const ScriptCommandPtr &command);
+    /// Leaves the document to a person, who then decides. Ends at once.
+    void AEPrepareForNotarizing(const ScriptCommandPtr &command);
 
     /// True when the application is ready; otherwise the executing command has its error.
     [[nodiscard]] bool checkStatusIsReady() const;
@@ -37,6 +44,8 @@ public:
     MainWinController *windowController(const platform::Window *window) const;
 
 private:
+    MainWinControllerScripting &addedDocument() const;
+
     AppDelegate &m_appDelegate;
 };
 

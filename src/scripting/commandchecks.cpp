@@ -8,18 +8,57 @@
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+const QString applicationPrefix = u"Developer ID Application: "_s;
+
+/// The item that the command names, if it is there; null otherwise.
+QString itemPath(const platform::FileService &files, const ScriptCommandPtr &command)
+{
+    const QVariant at = command->evaluatedArguments().value(argument::at);
+    const QString path = at.typeId() == QMetaType::QUrl ? itempath::fromUrl(at.toUrl()) : QString();
+    return !path.isEmpty() && files.isReachable(path) ? path : QString();
+}
+
+bool isPlainFolder(const platform::FileService &files, const QString &path)
+{
+    const std::optional<bool> isPackage = files.isPackage(path);
+    return isPackage && !*isPackage && files.kind(path).isDirectory;
+}
+
+/// The item as the command gave it; nothing, with the error set on the command, if it will not do.
+std::optional<QUrl> itemIf(bool isAllowed, const ScriptCommandPtr &command)
+{
+    if (isAllowed)
+        return command->evaluatedArguments().value(argument::at).toUrl();
+    command->setScriptErrorNumber(scriptErrorArgument);
+    return std::nullopt;
+}
+
+} // namespace
+
 namespace commandchecks {
 
 std::optional<QUrl> submittableItem(const platform::FileService &files, const ScriptCommandPtr &command)
 {
-    const QVariant at = command->evaluatedArguments().value(argument::at);
-    const QUrl url = at.typeId() == QMetaType::QUrl ? at.toUrl() : QUrl();
-    const QString path = itempath::fromUrl(url);
-    if (!submittableExtensions().contains(itempath::lowerExtension(path)) || !files.isReachable(path)) {
-        command->setScriptErrorNumber(scriptErrorArgument);
-        return std::nullopt;
-    }
-    return url;
+    const QString path = itemPath(files, command);
+    return itemIf(submittableExtensions().contains(itempath::lowerExtension(path)), command);
+}
+
+std::optional<QUrl> signableItem(const platform::FileService &files, const ScriptCommandPtr &command)
+{
+    const QString path = itemPath(files, command);
+    const bool isAllowed =
+        !path.isNull() && (itempath::lowerExtension(path) == "app"_L1 || isPlainFolder(files, path));
+    return itemIf(isAllowed, command);
+}
+
+QString knownIdentity(const ScriptCommandPtr &command, const QStringList &identities)
+{
+    QString identity = command->evaluatedArguments().value(argument::signingIdentity).toString();
+    if (identity.startsWith(applicationPrefix))
+        identity.remove(0, applicationPrefix.size());
+    return identities.contains(identity) ? identity : QString();
 }
 
 bool isReady(const QString &statusString, const QString &receiver)

@@ -17,6 +17,14 @@ namespace commandchecks {
 [[nodiscard]] std::optional<QUrl> submittableItem(const platform::FileService &files,
                                                   const ScriptCommandPtr &command);
 
+/// The same for an item that can be signed alone: an app or a plain folder.
+[[nodiscard]] std::optional<QUrl> signableItem(const platform::FileService &files,
+                                               const ScriptCommandPtr &command);
+
+/// The identity that a command names, with or without its prefix; null if it names none of the known ones,
+/// which is no error.
+[[nodiscard]] QString knownIdentity(const ScriptCommandPtr &command, const QStringList &identities);
+
 /// True for the word "ready"; otherwise the executing command gets the error. `receiver` is "Application" or
 /// "Document".
 [[nodiscard]] bool isReady(const QString &statusString, const QString &receiver);

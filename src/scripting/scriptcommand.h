@@ -13,7 +13,9 @@ namespace argument {
 inline const QString at = QStringLiteral("at"); ///< the item, a file URL
 inline const QString showingDialogs = QStringLiteral("showingDialogs"); ///< boolean
 inline const QString skippingStapling = QStringLiteral("skippingStapling"); ///< boolean
+inline const QString pageToFetch = QStringLiteral("pageToFetch"); ///< whole number
 inline const QString xmlOutput = QStringLiteral("xmlOutput"); ///< boolean
+inline const QString signingIdentity = QStringLiteral("signingIdentity"); ///< text
 } // namespace argument
 
 /// What a script receives at the end of its command.
