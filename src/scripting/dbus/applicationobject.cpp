@@ -8,12 +8,12 @@
 #include "scripting/dbus/lasterrors.h"
 #include "scripting/dbus/makedocument.h"
 #include "scripting/dbus/scriptcalls.h"
+#include "scripting/dbus/sharedcommands.h"
 
 #include <QDBusVariant>
 #include <QGuiApplication>
 
 using namespace Qt::StringLiterals;
-using scriptcalls::ArgumentType;
 
 namespace {
 
@@ -85,19 +85,13 @@ Handler openingDocuments(const Handler &handler)
 
 QList<BusMethod> methods()
 {
-    return {
-        scriptcalls::command(u"SubmitForNotarizing"_s,
-                             {{argument::at, ArgumentType::fileUrl},
-                              {argument::showingDialogs, ArgumentType::boolean},
-                              {argument::skippingStapling, ArgumentType::boolean}},
-                             [](const BusObject &object, const ScriptCommandPtr &command) {
-                                 scripting(object).AESubmitForNotarizing(command);
-                             }),
-        {u"MakeDocument"_s,
-         {{u"properties"_s, u"a{sv}"_s}},
-         {{u"document"_s, u"o"_s}},
-         openingDocuments(makeDocument)},
-    };
+    return scriptcalls::sharedCommands<NSApplicationScripting>(&scripting)
+        + QList<BusMethod>{
+            {u"MakeDocument"_s,
+             {{u"properties"_s, u"a{sv}"_s}},
+             {{u"document"_s, u"o"_s}},
+             openingDocuments(makeDocument)},
+        };
 }
 
 // What a desktop asks of an application

@@ -3,6 +3,8 @@
 #include <QDBusArgument>
 #include <QDBusMetaType>
 
+#include <limits>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -17,6 +19,19 @@ QString signatureOf(const QVariant &value)
 bool standsForNoValue(const QVariant &value)
 {
     return signatureOf(value) == "av"_L1 && qdbus_cast<QVariantList>(value).isEmpty();
+}
+
+const QString wholeNumber = u"x"_s;
+
+/// Clients send a number in whatever width their language gives it. Nothing for one that is too large.
+std::optional<QVariant> wholeNumberFrom(const QVariant &value)
+{
+    static const QStringList widths{u"y"_s, u"n"_s, u"q"_s, u"i"_s, u"u"_s, u"x"_s, u"t"_s};
+    const QString signature = signatureOf(value);
+    constexpr auto greatest = static_cast<qulonglong>(std::numeric_limits<qlonglong>::max());
+    if (!widths.contains(signature) || (signature == "t"_L1 && value.toULongLong() > greatest))
+        return std::nullopt;
+    return QVariant(value.toLongLong());
 }
 
 } // namespace
@@ -41,9 +56,9 @@ std::optional<QVariant> fromBus(const QVariant &value, const QString &signature)
 {
     if (standsForNoValue(value))
         return QVariant();
-    if (signatureOf(value) != signature)
-        return std::nullopt;
-    return value;
+    if (signature == wholeNumber)
+        return wholeNumberFrom(value);
+    return signatureOf(value) == signature ? std::optional(value) : std::nullopt;
 }
 
 QUrl fileUrl(const QString &text)

@@ -6,9 +6,9 @@
 #include "scripting/dbus/busobjects.h"
 #include "scripting/dbus/closewindow.h"
 #include "scripting/dbus/scriptcalls.h"
+#include "scripting/dbus/sharedcommands.h"
 
 using namespace Qt::StringLiterals;
-using scriptcalls::ArgumentType;
 
 namespace {
 
@@ -35,23 +35,26 @@ void cancel(const BusObject &object, const BusCall &call)
     call.reply();
 }
 
+MainWinControllerScripting &scripting(const BusObject &object)
+{
+    return object.document->steps().scripting;
+}
+
 QList<BusMethod> methods()
 {
-    return {
-        scriptcalls::command(u"SubmitForNotarizing"_s,
-                             {{argument::at, ArgumentType::fileUrl},
-                              {argument::showingDialogs, ArgumentType::boolean},
-                              {argument::skippingStapling, ArgumentType::boolean}},
-                             [](const BusObject &object, const ScriptCommandPtr &command) {
-                                 object.document->steps().scripting.AESubmitForNotarizing(command);
-                             }),
-        scriptcalls::command(u"FetchLog"_s, {},
-                             [](const BusObject &object, const ScriptCommandPtr &command) {
-                                 object.document->steps().scripting.AEFetchLog(command);
-                             }),
-        {u"Cancel"_s, {}, {}, cancel},
-        {u"Close"_s, {}, {}, closeWindow},
-    };
+    return scriptcalls::sharedCommands<MainWinControllerScripting>(&scripting)
+        + QList<BusMethod>{
+            scriptcalls::command(u"FetchLog"_s, {},
+                                 [](const BusObject &object, const ScriptCommandPtr &command) {
+                                     scripting(object).AEFetchLog(command);
+                                 }),
+            scriptcalls::command(u"ClearLog"_s, {},
+                                 [](const BusObject &object, const ScriptCommandPtr &command) {
+                                     scripting(object).AEClearLog(command);
+                                 }),
+            {u"Cancel"_s, {}, {}, cancel},
+            {u"Close"_s, {}, {}, closeWindow},
+        };
 }
 
 } // namespace

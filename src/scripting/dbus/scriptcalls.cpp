@@ -18,6 +18,22 @@ QVariant fileUrlOrAsItIs(const QVariant &value)
     return url.isEmpty() ? value : url;
 }
 
+/// The value as a handler expects it; nothing if it has the wrong type.
+std::optional<QVariant> evaluated(const QVariant &given, ArgumentType type)
+{
+    switch (type) {
+    case ArgumentType::fileUrl:
+        return fileUrlOrAsItIs(given); // whatever is no file URL is the handler's to refuse, with a number
+    case ArgumentType::boolean:
+        return busvalue::fromBus(given, u"b"_s);
+    case ArgumentType::wholeNumber:
+        return busvalue::fromBus(given, u"x"_s);
+    case ArgumentType::text:
+        return busvalue::fromBus(given, u"s"_s);
+    }
+    return std::nullopt;
+}
+
 /// The arguments as a handler expects them; nothing if one has the wrong type, which is then named.
 std::optional<QVariantMap> evaluated(const QVariantMap &given, const QList<CommandArgument> &arguments,
                                      QString *wrongKey)
@@ -26,9 +42,7 @@ std::optional<QVariantMap> evaluated(const QVariantMap &given, const QList<Comma
     for (const auto &[key, type] : arguments) {
         if (!given.contains(key))
             continue;
-        // Whatever is no file URL is the handler's to refuse, with a number.
-        const auto value = type == ArgumentType::fileUrl ? std::optional(fileUrlOrAsItIs(given.value(key)))
-                                                         : busvalue::fromBus(given.value(key), u"b"_s);
+        const auto value = evaluated(given.value(key), type);
         if (!value) {
             *wrongKey = key;
             return std::nullopt;

@@ -8,7 +8,7 @@
 /// Calls that reach a handler as script commands.
 namespace scriptcalls {
 
-enum class ArgumentType { fileUrl, boolean };
+enum class ArgumentType { fileUrl, boolean, wholeNumber, text };
 
 struct CommandArgument {
     QString key;
