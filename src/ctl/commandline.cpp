@@ -17,14 +17,21 @@ struct Grammar {
     QStringList options; ///< beside --help and --version
 };
 
-const QStringList submissionOptions{u"document"_s, u"show-dialogs"_s, u"skip-stapling"_s, u"follow"_s,
-                                    u"timeout"_s};
+const QStringList allOptions{u"document"_s,      u"window"_s, u"show-dialogs"_s,
+                             u"skip-stapling"_s, u"follow"_s, u"timeout"_s,
+                             u"identity"_s,      u"page"_s,   u"xml"_s};
+const QStringList workOptions{u"document"_s, u"show-dialogs"_s, u"follow"_s, u"timeout"_s};
 
 const QList<Grammar> &grammars()
 {
     static const QList<Grammar> all{
-        {u"submit"_s, 1, 1, submissionOptions},
+        {u"submit"_s, 1, 1, workOptions + QStringList{u"skip-stapling"_s}},
+        {u"staple"_s, 1, 1, workOptions},
+        {u"sign"_s, 1, 1, workOptions},
+        {u"prepare"_s, 1, 1, {u"document"_s, u"identity"_s}},
+        {u"history"_s, 0, 0, {u"document"_s, u"page"_s, u"xml"_s, u"timeout"_s}},
         {u"log"_s, 1, 1, {}},
+        {u"clear-log"_s, 1, 1, {}},
         {u"documents"_s, 0, 0, {}},
         {u"windows"_s, 0, 0, {}},
         {u"get"_s, 1, 1, {u"document"_s, u"window"_s}},
@@ -38,7 +45,7 @@ const QList<Grammar> &grammars()
 
 QCommandLineOption option(const QString &name)
 {
-    const QStringList optionsWithValue{u"document"_s, u"window"_s, u"timeout"_s};
+    const QStringList optionsWithValue{u"document"_s, u"window"_s, u"timeout"_s, u"identity"_s, u"page"_s};
     return {name, {}, optionsWithValue.contains(name) ? u"value"_s : QString()};
 }
 
@@ -71,7 +78,7 @@ int milliseconds(const QString &seconds)
 /// What is wrong with the values of the options; null if nothing is.
 QString problemOf(const Request &request, const QCommandLineParser &parser)
 {
-    for (const QString &name : {u"document"_s, u"window"_s}) {
+    for (const QString &name : {u"document"_s, u"window"_s, u"identity"_s}) {
         if (parser.isSet(name) && parser.value(name).isEmpty())
             return u"--%1 takes a value that is not empty"_s.arg(name);
     }
@@ -79,6 +86,11 @@ QString problemOf(const Request &request, const QCommandLineParser &parser)
         return u"--document and --window exclude each other"_s;
     if (request.timeout == 0)
         return u"--timeout takes a number of seconds above 0"_s;
+    bool isPage = true;
+    if (parser.isSet(u"page"_s))
+        parser.value(u"page"_s).toULongLong(&isPage);
+    if (!isPage)
+        return u"--page takes a whole number from 0 up"_s;
     if (request.operands.contains(QString()))
         return u"an argument of %1 is empty"_s.arg(request.command);
     return {};
@@ -94,6 +106,9 @@ Request readOptions(const Grammar &grammar, const QCommandLineParser &parser)
     request.showDialogs = parser.isSet(u"show-dialogs"_s);
     request.skipStapling = parser.isSet(u"skip-stapling"_s);
     request.follow = parser.isSet(u"follow"_s);
+    request.identity = parser.value(u"identity"_s);
+    request.page = parser.value(u"page"_s).toULongLong();
+    request.xml = parser.isSet(u"xml"_s);
     if (parser.isSet(u"timeout"_s))
         request.timeout = milliseconds(parser.value(u"timeout"_s));
     return request;
@@ -102,7 +117,7 @@ Request readOptions(const Grammar &grammar, const QCommandLineParser &parser)
 Request parseWith(const Grammar &grammar, const QStringList &words)
 {
     QCommandLineParser parser;
-    for (const QString &name : submissionOptions + QStringList{u"window"_s, u"help"_s, u"version"_s})
+    for (const QString &name : allOptions + QStringList{u"help"_s, u"version"_s})
         parser.addOption(option(name));
     if (!parser.parse(words))
         return wrongUse(parser.errorText());
@@ -144,8 +159,8 @@ QString helpText()
 {
     return uR"(usage: sealwrightctl COMMAND [ARGUMENT ...]
 
-Tells a Sealwright that runs on this session bus what to do. To open items, or to submit one in a new
-document, it is started if it does not run.
+Tells a Sealwright that runs on this session bus what to do. To open items, or to work in a new document, it
+is started if it does not run.
 
   submit PATH      Notarizes the item and waits for the end. Prints the path of the finished item.
     --document ID      in that document, with its settings; otherwise in a new one
@@ -153,7 +168,18 @@ document, it is started if it does not run.
     --skip-stapling    ends when the upload is done, without waiting for the verdict
     --follow           prints the log to standard error as it comes; an interrupt cancels
     --timeout SECONDS  how long to wait; without it, there is no limit
+  staple PATH      Staples an item that has been submitted before. Prints the path of the item.
+  sign PATH        Signs a copy of an app or a folder. Prints the path of the signed copy.
+    --document ID, --show-dialogs, --follow, --timeout SECONDS   as above
+  prepare PATH     Makes the item ready to be submitted by a person.
+    --document ID      in that document; otherwise in a new one
+    --identity NAME    with that signing identity, if there is one of that name
+  history          Prints a page of the account's submissions.
+    --document ID, --timeout SECONDS   as above
+    --page N           that page; otherwise page 0
+    --xml              as a property list
   log ID           Prints the log of a document.
+  clear-log ID     Empties it.
   documents        Lists the documents: ID, status, title, separated by tabs.
   windows          Lists the windows in the same way, with their numbers.
   get KEY          Prints a property of the application, or of

@@ -29,27 +29,64 @@ QString fileUrl(const QString &path)
         .toString(QUrl::FullyEncoded);
 }
 
-Answer submit(const Request &request, const Client &client)
+/// The command on the document that the request names; otherwise on the application, which opens a new one.
+QDBusMessage command(const Request &request, const QString &name, const QVariantMap &arguments)
+{
+    if (!request.document.isEmpty())
+        return Client::method(Client::documentPath(request.document), bus::documentInterface, name,
+                              {arguments});
+    return Client::method(bus::applicationPath, bus::applicationInterface, name, {arguments},
+                          Client::Start::onDemand);
+}
+
+Answer printed(const Answer &answer)
+{
+    if (answer)
+        output::print(output::lines(answer.values.value(0)));
+    return answer;
+}
+
+/// Has an item worked on, and shows the log meanwhile if that is wanted.
+Answer work(const Request &request, const Client &client, const QString &name)
 {
     QVariantMap arguments{{u"at"_s, fileUrl(request.operands.first())}};
     if (request.showDialogs)
         arguments.insert(u"showingDialogs"_s, true);
     if (request.skipStapling)
         arguments.insert(u"skippingStapling"_s, true);
-    const bool inNewDocument = request.document.isEmpty();
-    const QString path = inNewDocument ? bus::applicationPath : Client::documentPath(request.document);
-    const QDBusMessage command = Client::method(
-        path, inNewDocument ? bus::applicationInterface : bus::documentInterface, u"SubmitForNotarizing"_s,
-        {arguments}, inNewDocument ? Client::Start::onDemand : Client::Start::never);
     std::unique_ptr<LogFollower> follower;
     if (request.follow)
-        follower = std::make_unique<LogFollower>(client, inNewDocument ? QString() : path);
-    const Answer answer = client.call(command, request.timeout);
+        follower = std::make_unique<LogFollower>(
+            client, request.document.isEmpty() ? QString() : Client::documentPath(request.document));
+    const Answer answer = client.call(command(request, name, arguments), request.timeout);
     if (follower)
         follower->finish();
+    return printed(answer);
+}
+
+Answer prepare(const Request &request, const Client &client)
+{
+    QVariantMap arguments{{u"at"_s, fileUrl(request.operands.first())}};
+    if (!request.identity.isEmpty())
+        arguments.insert(u"signingIdentity"_s, request.identity);
+    return client.call(command(request, u"PrepareForNotarizing"_s, arguments));
+}
+
+Answer history(const Request &request, const Client &client)
+{
+    QVariantMap arguments{{u"pageToFetch"_s, static_cast<qlonglong>(request.page)}};
+    if (request.xml)
+        arguments.insert(u"xmlOutput"_s, true);
+    const Answer answer = client.call(command(request, u"FetchHistory"_s, arguments), request.timeout);
     if (answer)
-        output::print(output::lines(answer.values.value(0)));
+        output::printText(answer.values.value(0).value<QDBusVariant>().variant().toString());
     return answer;
+}
+
+Answer clearLog(const Request &request, const Client &client)
+{
+    return client.call(Client::method(Client::documentPath(request.operands.first()), bus::documentInterface,
+                                      u"ClearLog"_s, {QVariantMap()}));
 }
 
 Answer log(const Request &request, const Client &client)
@@ -116,10 +153,7 @@ Answer get(const Request &request, const Client &client)
         path = bus::windowsPath + u'/' + bus::pathElement(request.window);
         interface = bus::windowInterface;
     }
-    const Answer answer = client.call(Client::getProperty(path, interface, request.operands.first()));
-    if (answer)
-        output::print(output::lines(answer.values.value(0)));
-    return answer;
+    return printed(client.call(Client::getProperty(path, interface, request.operands.first())));
 }
 
 Answer open(const Request &request, const Client &client)
@@ -142,8 +176,18 @@ using Command = std::function<Answer(const Request &, const Client &)>;
 const QHash<QString, Command> &commands()
 {
     static const QHash<QString, Command> all{
-        {u"submit"_s, submit},
+        {u"submit"_s,
+         [](const Request &request, const Client &client) {
+             return work(request, client, u"SubmitForNotarizing"_s);
+         }},
+        {u"staple"_s,
+         [](const Request &request, const Client &client) { return work(request, client, u"StapleOnly"_s); }},
+        {u"sign"_s,
+         [](const Request &request, const Client &client) { return work(request, client, u"SignOnly"_s); }},
+        {u"prepare"_s, prepare},
+        {u"history"_s, history},
         {u"log"_s, log},
+        {u"clear-log"_s, clearLog},
         {u"documents"_s,
          [](const Request &, const Client &client) {
              return list(client, u"OrderedDocuments"_s, documentLine);

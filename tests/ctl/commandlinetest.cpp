@@ -37,6 +37,16 @@ TEST(CommandLine, withoutOptionsThereIsNoLimitOfTime)
     EXPECT_EQ(request.timeout, std::numeric_limits<int>::max());
 }
 
+TEST(CommandLine, theHistoryTakesAPageAndItsForm)
+{
+    const Request request = parse(u"history --page 12 --xml"_s);
+    EXPECT_EQ(request.kind, Request::Kind::run);
+    EXPECT_EQ(request.page, 12U);
+    EXPECT_TRUE(request.xml);
+    EXPECT_EQ(parse(u"history"_s).page, 0U);
+    EXPECT_FALSE(parse(u"history"_s).xml);
+}
+
 TEST(CommandLine, aTimeThatIsTooLongIsTheLongest)
 {
     EXPECT_EQ(parse(u"submit a --timeout 1e12"_s).timeout, std::numeric_limits<int>::max());
@@ -68,13 +78,17 @@ INSTANTIATE_TEST_SUITE_P(Lines, WrongUse,
                                          "submit a --frob", "submit a --timeout", "submit a --timeout 0",
                                          "submit a --timeout -1", "submit a --timeout soon",
                                          "submit a --timeout nan", "submit a --document=", "log", "log a b",
-                                         "log a --follow", "documents x", "windows --timeout 5", "cancel",
-                                         "close", "open", "quit now", "get",
+                                         "log a --follow", "staple", "staple a --skip-stapling", "sign a b",
+                                         "prepare", "prepare a --follow",
+                                         "prepare a --identity=", "history 3", "history --page x",
+                                         "history --page -1", "clear-log", "submit a --page 1", "documents x",
+                                         "windows --timeout 5", "cancel", "close", "open", "quit now", "get",
                                          "get --document a --window 1 K"));
 
 TEST(CommandLine, theHelpNamesEveryOption)
 {
-    for (const QString &option : {u"--document"_s, u"--show-dialogs"_s, u"--skip-stapling"_s, u"--follow"_s,
-                                  u"--timeout"_s, u"--window"_s, u"--help"_s, u"--version"_s})
+    for (const QString &option :
+         {u"--document"_s, u"--show-dialogs"_s, u"--skip-stapling"_s, u"--follow"_s, u"--timeout"_s,
+          u"--window"_s, u"--identity"_s, u"--page"_s, u"--xml"_s, u"--help"_s, u"--version"_s})
         EXPECT_TRUE(helpText().contains(option)) << option.toStdString();
 }

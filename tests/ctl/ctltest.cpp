@@ -3,6 +3,7 @@
 #include "ctl/ctl.h"
 #include "dbus/hostonbus.h"
 #include "dbus/privatebus.h"
+#include "support/items.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -64,6 +65,60 @@ TEST_F(Client, aSubmissionCanBeGivenToADocument)
         host.settle();
     }
     EXPECT_EQ(documentCount(), 1);
+}
+
+TEST_F(Client, anItemIsSignedAndThePathOfItsCopyPrinted)
+{
+    appURL();
+    EXPECT_EQ(run({u"sign"_s, host.item(u"Foo.app"_s), u"--document"_s, element()}), 0);
+    EXPECT_EQ(output, host.item(u"Foo - Signed/Foo.app"_s) + u'\n');
+    EXPECT_EQ(documentCount(), 1);
+}
+
+TEST_F(Client, anItemIsStapledAndItsPathPrinted)
+{
+    appURL();
+    host.tools.answer(u"spctl"_s, {.error = "Foo.app: accepted\n"});
+    EXPECT_EQ(run({u"staple"_s, host.item(u"Foo.app"_s), u"--follow"_s}), 0);
+    EXPECT_EQ(output, host.item(u"Foo.app"_s) + u'\n');
+    EXPECT_TRUE(error.contains(u"Stapling succeeded."_s)) << error.toStdString();
+    EXPECT_EQ(documentCount(), 2);
+}
+
+TEST_F(Client, whatOnlySubmittingTakesIsNotSigned)
+{
+    items::makeFile(host.item(u"Foo.pkg"_s), "xar!");
+    EXPECT_EQ(run({u"sign"_s, host.item(u"Foo.pkg"_s)}), 1);
+    EXPECT_EQ(error, u"sealwrightctl: error 6: \n"_s);
+    EXPECT_EQ(documentCount(), 1);
+}
+
+TEST_F(Client, aPageOfTheHistoryIsPrintedAsItStands)
+{
+    host.tools.answer(u"altool--notarization-history"_s, {.output = "a page\nof two lines"});
+    EXPECT_EQ(run({u"history"_s, u"--page"_s, u"3"_s, u"--xml"_s, u"--document"_s, element()}), 0);
+    EXPECT_EQ(output, u"a page\nof two lines\n"_s);
+    const QStringList arguments = host.tools.callsOf(u"altool--notarization-history"_s).first();
+    EXPECT_EQ(arguments.value(2), u"3"_s);
+    EXPECT_TRUE(arguments.contains(u"xml"_s));
+}
+
+TEST_F(Client, anItemIsPreparedForAPerson)
+{
+    appURL();
+    EXPECT_EQ(run({u"prepare"_s, host.item(u"Foo.app"_s), u"--identity"_s, u"Nobody"_s}), 0);
+    EXPECT_EQ(output, QString());
+    EXPECT_EQ(documentCount(), 2);
+    EXPECT_EQ(host.document().statusString(), u"interacting"_s);
+}
+
+TEST_F(Client, aLogIsEmptied)
+{
+    host.document().logString(u"a line"_s);
+    host.settle();
+    EXPECT_EQ(run({u"clear-log"_s, element()}), 0);
+    EXPECT_EQ(output, QString());
+    EXPECT_TRUE(host.log().isEmpty());
 }
 
 TEST_F(Client, withDialogsTheDocumentShowsItsSheet)
