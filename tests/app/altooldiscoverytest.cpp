@@ -10,6 +10,8 @@
 
 #include <gtest/gtest.h>
 
+#include <csignal>
+
 #include <thread>
 
 using namespace Qt::StringLiterals;
@@ -133,7 +135,7 @@ TEST_F(NotaryTool, aBannerWithBytesThatAreNoUtf8StillCounts)
 
 TEST_F(NotaryTool, aProbeThatDiesOfASignalCountsAsOld)
 {
-    EXPECT_EQ(versionAfterProbe({.signal = 11}), 1u);
+    EXPECT_EQ(versionAfterProbe({.signal = SIGKILL}), 1u);
     EXPECT_EQ(host.application().statusString(), u"ready"_s);
 }
 

@@ -7,6 +7,8 @@
 #include "scripting/scriptcommand.h"
 #include "support/steptest.h"
 
+#include <csignal>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -146,7 +148,7 @@ INSTANTIATE_TEST_SUITE_P(
         CheckRow{"aWrongPassword", {.status = 3, .error = "Unable to authenticate."}, false},
         CheckRow{"nothingSaid", {.status = 1}, false},
         CheckRow{"garbage", {.status = 1, .error = QByteArray("\xff\x00\xfe", 3)}, false},
-        CheckRow{"bySignal", {.signal = 11}, false}),
+        CheckRow{"bySignal", {.signal = SIGKILL}, false}),
     [](const auto &row) { return row.param.situation; });
 
 TEST_F(CredentialsTest, cannotBeCheckedByAToolThatCannotStart)

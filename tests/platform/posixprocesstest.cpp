@@ -372,7 +372,8 @@ TEST_F(PosixProcess, theChildStartsWithoutBlockedSignalsAndDiesOfABrokenPipe)
 
 TEST_F(PosixProcess, runsOnManyThreadsAtOnceLeakNoDescriptors)
 {
-    const QString list = u"ls /proc/self/fd; printf e >&2"_s;
+    // Pipes alone: a sanitizer opens files of its own whenever it likes.
+    const QString list = u"ls -l /proc/self/fd | grep -c pipe: ; printf e >&2"_s;
     const QByteArray expected = finished(list).output;
     const qsizetype before = openDescriptors();
     std::vector<std::thread> threads;

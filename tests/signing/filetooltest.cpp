@@ -2,6 +2,8 @@
 
 #include "signing/scantest.h"
 
+#include <csignal>
+
 using namespace Qt::StringLiterals;
 
 struct ReportRow {
@@ -61,7 +63,7 @@ TEST_F(FileTool, whoseRunFailsMakesNoCode)
 TEST_F(FileTool, thatDiesOfASignalMakesNoCode)
 {
     makeCode(u"Foo.app/Contents/MacOS/tool"_s);
-    host.tools.answer(u"file"_s, {.output = "Mach-O 64-bit x86_64 executable\n", .signal = 11});
+    host.tools.answer(u"file"_s, {.output = "Mach-O 64-bit x86_64 executable\n", .signal = SIGKILL});
     walk(u"Foo.app"_s);
     EXPECT_EQ(discovered(), QStringList());
 }

@@ -4,6 +4,8 @@
 #include "platform/itempath.h"
 #include "support/steptest.h"
 
+#include <csignal>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -121,7 +123,7 @@ INSTANTIATE_TEST_SUITE_P(Rows, ItemFailure,
                                                  {.status = 1, .error = "errSecInternalComponent\n"},
                                                  "Error # in codesign: errSecInternalComponent\n"},
                                          ItemRow{"withoutAText", {.status = 1}, "Error # in codesign."},
-                                         ItemRow{"bySignal", {.signal = 11}, "Error # in codesign."},
+                                         ItemRow{"bySignal", {.signal = SIGKILL}, "Error # in codesign."},
                                          ItemRow{"placeholdersInTheText",
                                                  {.status = 2, .error = "%1%2%@"},
                                                  "Error # in codesign: %1%2%@"}),
