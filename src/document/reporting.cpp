@@ -67,9 +67,9 @@ void MainWinController::reportFailureAndRename(const QString &title, const QStri
 
 void MainWinController::beginSuccessSheet(const platform::Alert &alert)
 {
-    beginSheet(alert, [this, item = itempath::fromUrl(appletURL())](int answer) {
+    beginSheet(alert, [this](int answer) {
         if (answer == platform::alertSecondButton)
-            host().workspace.revealItem(item);
+            host().workspace.revealItem(itempath::fromUrl(appletURL()));
         changeStatus(status::ready);
     });
 }

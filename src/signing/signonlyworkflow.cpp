@@ -122,9 +122,10 @@ void SignOnlyWorkflow::finish()
     document.renameWorkingFolderWith(workingfolder::codeSigned.toString());
     document.logBoldString(u"Code-signing succeeded."_s);
     document.closeLog();
+    const bool isSilent = document.suppressDialogs(); // as it was when the work ended: a cancel clears it
     // All of the end is one turn of the main thread: a command that follows at once finds no half of it.
-    document.dispatchToMain([this] {
-        if (document.suppressDialogs())
+    document.dispatchToMain([this, isSilent] {
+        if (isSilent)
             endSilently();
         else
             endWithDialog();
