@@ -43,7 +43,7 @@ ItemPanel::ItemPanel(const platform::OpenPanel &panel, QWidget *parent)
     setProxyModel(new ChoosableItems([this](const QString &path) { return mayChoose(path); }, this));
     connect(this, &QFileDialog::currentChanged, this, &ItemPanel::showName);
     connect(this, &QFileDialog::directoryEntered, this, [this](const QString &folder) {
-        if (!m_panel.canChooseDirectories && mayChoose(folder))
+        if (isChoosableFile(folder) && mayChoose(folder))
             choose(folder);
     });
 }
@@ -51,11 +51,18 @@ ItemPanel::ItemPanel(const platform::OpenPanel &panel, QWidget *parent)
 bool ItemPanel::mayChoose(const QString &path) const
 {
     const QFileInfo item(path);
-    const bool hasAllowedType = m_panel.allowedFileTypes.contains(itempath::lowerExtension(path));
-    const bool mayChooseFile = m_panel.canChooseFiles && hasAllowedType;
-    if (!item.exists() || !(mayChooseFile || (item.isDir() && m_panel.canChooseDirectories)))
+    if (!item.exists() || !(isChoosableFile(path) || (item.isDir() && m_panel.canChooseDirectories)))
         return false;
     return !m_panel.shouldEnable || m_panel.shouldEnable(itempath::toUrl(path));
+}
+
+/// A bundle counts as the file that it is elsewhere; a folder that only has such a name does not.
+bool ItemPanel::isChoosableFile(const QString &path) const
+{
+    static const QStringList bundles{u"app"_s, u"plugin"_s, u"fmplugin"_s};
+    const QString extension = itempath::lowerExtension(path);
+    return m_panel.canChooseFiles && m_panel.allowedFileTypes.contains(extension)
+        && (!QFileInfo(path).isDir() || bundles.contains(extension));
 }
 
 void ItemPanel::choose(const QString &path)

@@ -113,6 +113,29 @@ TEST_F(ItemPanelTest, aDoubleClickOnABundleChoosesIt)
     EXPECT_EQ(panel.chosenItem(), itempath::toUrl(path(u"Foo.app"_s)));
 }
 
+TEST_F(ItemPanelTest, aDoubleClickOnABundleChoosesItWhereFoldersMayBeChosenToo)
+{
+    ItemPanel &panel = open({.message = u"Choose an app or a directory"_s,
+                             .allowedFileTypes = {u"app"_s},
+                             .canChooseFiles = true,
+                             .canChooseDirectories = true,
+                             .shouldEnable = {}});
+    ASSERT_TRUE(awaitRow(u"Foo.app"_s));
+    list().setCurrentIndex(row(u"Foo.app"_s));
+    Q_EMIT list().activated(row(u"Foo.app"_s));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !panel.isVisible(); }));
+    EXPECT_EQ(panel.chosenItem(), itempath::toUrl(path(u"Foo.app"_s)));
+}
+
+TEST_F(ItemPanelTest, aFolderWithTheNameOfAFileIsNotChosen)
+{
+    items::makeFolder(path(u"Folder.pkg"_s));
+    ItemPanel &panel = open(itemsToSubmit());
+    enter(u"Folder.pkg"_s);
+    EXPECT_TRUE(panel.chosenItem().isEmpty());
+    EXPECT_TRUE(panel.isVisible());
+}
+
 TEST_F(ItemPanelTest, aBundleThatIsSelectedIsOpenedByTheButton)
 {
     auto &panel = open(itemsToSubmit());
