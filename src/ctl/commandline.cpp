@@ -75,6 +75,14 @@ int milliseconds(const QString &seconds)
         std::clamp<double>(value, 1, static_cast<double>(std::numeric_limits<int>::max())));
 }
 
+/// Below 0 for a text that is no page.
+qint64 page(const QString &text)
+{
+    bool isNumber = false;
+    const qint64 number = text.toLongLong(&isNumber);
+    return isNumber ? number : -1;
+}
+
 /// What is wrong with the values of the options; null if nothing is.
 QString problemOf(const Request &request, const QCommandLineParser &parser)
 {
@@ -86,10 +94,7 @@ QString problemOf(const Request &request, const QCommandLineParser &parser)
         return u"--document and --window exclude each other"_s;
     if (request.timeout == 0)
         return u"--timeout takes a number of seconds above 0"_s;
-    bool isPage = true;
-    if (parser.isSet(u"page"_s))
-        parser.value(u"page"_s).toULongLong(&isPage);
-    if (!isPage)
+    if (request.page < 0)
         return u"--page takes a whole number from 0 up"_s;
     if (request.operands.contains(QString()))
         return u"an argument of %1 is empty"_s.arg(request.command);
@@ -107,7 +112,8 @@ Request readOptions(const Grammar &grammar, const QCommandLineParser &parser)
     request.skipStapling = parser.isSet(u"skip-stapling"_s);
     request.follow = parser.isSet(u"follow"_s);
     request.identity = parser.value(u"identity"_s);
-    request.page = parser.value(u"page"_s).toULongLong();
+    if (parser.isSet(u"page"_s))
+        request.page = page(parser.value(u"page"_s));
     request.xml = parser.isSet(u"xml"_s);
     if (parser.isSet(u"timeout"_s))
         request.timeout = milliseconds(parser.value(u"timeout"_s));

@@ -18,7 +18,7 @@ struct Request {
     bool showDialogs = false;
     bool skipStapling = false;
     QString identity; ///< empty if none was given
-    quint64 page = 0; ///< of the history
+    qint64 page = 0; ///< of the history
     bool xml = false;
     bool follow = false;
     int timeout = std::numeric_limits<int>::max(); ///< milliseconds; the greatest value is none

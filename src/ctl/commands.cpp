@@ -74,12 +74,13 @@ Answer prepare(const Request &request, const Client &client)
 
 Answer history(const Request &request, const Client &client)
 {
-    QVariantMap arguments{{u"pageToFetch"_s, static_cast<qlonglong>(request.page)}};
+    QVariantMap arguments{{u"pageToFetch"_s, request.page}};
     if (request.xml)
         arguments.insert(u"xmlOutput"_s, true);
     const Answer answer = client.call(command(request, u"FetchHistory"_s, arguments), request.timeout);
-    if (answer)
-        output::printText(answer.values.value(0).value<QDBusVariant>().variant().toString());
+    const QStringList page = answer ? output::lines(answer.values.value(0)) : QStringList();
+    if (!page.isEmpty())
+        output::printText(page.first());
     return answer;
 }
 

@@ -103,6 +103,13 @@ TEST_F(Client, aPageOfTheHistoryIsPrintedAsItStands)
     EXPECT_TRUE(arguments.contains(u"xml"_s));
 }
 
+TEST_F(Client, aPageOfTheHistoryWithoutAnyTextIsNothing)
+{
+    host.tools.answer(u"altool--notarization-history"_s, {});
+    EXPECT_EQ(run({u"history"_s}), 0);
+    EXPECT_EQ(output, QString());
+}
+
 TEST_F(Client, anItemIsPreparedForAPerson)
 {
     appURL();

@@ -59,6 +59,8 @@ TEST_P(OtherCommands, anArgumentOfTheWrongTypeIsRefusedBeforeAnythingHappens)
               u"org.freedesktop.DBus.Error.InvalidArgs"_s);
     EXPECT_EQ(errorOf(send(u"FetchHistory"_s, {{u"pageToFetch"_s, std::numeric_limits<qulonglong>::max()}})),
               u"org.freedesktop.DBus.Error.InvalidArgs"_s);
+    EXPECT_EQ(errorOf(send(u"FetchHistory"_s, {{u"pageToFetch"_s, -1}})),
+              u"org.freedesktop.DBus.Error.InvalidArgs"_s);
     EXPECT_EQ(errorOf(send(u"FetchHistory"_s, {{u"xmlOutput"_s, 1}})),
               u"org.freedesktop.DBus.Error.InvalidArgs"_s);
     EXPECT_EQ(errorOf(send(u"SignOnly"_s, {{u"at"_s, item}, {u"showingDialogs"_s, u"yes"_s}})),

@@ -251,8 +251,9 @@ TEST_P(OtherCommand, fetchesTheOnePageThatIsAskedFor)
 TEST_P(OtherCommand, fetchesTheFirstPageIfNoneIsAskedFor)
 {
     fetchHistory({});
-    host.runUntil([this] { return host.document().isScripted() || reply; });
+    host.document().maxPageCount.set(0); // which a person's fetch would keep to
     expectSuccess();
+    ASSERT_EQ(host.tools.callsOf(historyTool).size(), 1);
     EXPECT_EQ(host.tools.callsOf(historyTool).first().value(2), u"0"_s);
     EXPECT_FALSE(host.tools.callsOf(historyTool).first().contains(u"--output-format"_s));
 }
@@ -300,6 +301,13 @@ TEST_P(OtherCommand, preparesForAPersonAndEndsAtOnce)
     EXPECT_FALSE(host.document().suppressDialogs());
     EXPECT_GT(host.applicationHost.activations, activations);
     EXPECT_TRUE(host.tools.calls().isEmpty());
+    const auto next = std::make_shared<ScriptCommand>(atItem(u"Foo.app"_s),
+                                                      [this](const ScriptReply &answer) { reply = answer; });
+    next->execute([this](const ScriptCommandPtr &executing) {
+        host.document().steps().scripting.AESignOnly(executing);
+    });
+    EXPECT_EQ(reply->errorNumber, 1199);
+    EXPECT_EQ(reply->errorText, u"Document is busy, status: interacting."_s);
 }
 
 TEST_P(OtherCommand, preparesWithTheIdentityThatIsNamedWithItsPrefixOrWithout)
@@ -322,6 +330,28 @@ TEST_P(OtherCommand, preparesWithThePresentIdentityIfAnUnknownOneIsNamed)
     ASSERT_TRUE(reply);
     EXPECT_FALSE(reply->isError());
     EXPECT_EQ(host.document().identitiesPopup.titleOfSelectedItem(), u"Example Corp (A1B2C3D4E5)"_s);
+}
+
+TEST_P(OtherCommand, onABusyReceiverGivesTheArgumentsErrorFirst)
+{
+    makeReceiverBusy();
+    staple({});
+    expectRefused(6);
+    sign(atItem(u"Gone.app"_s));
+    expectRefused(6);
+    prepare(atItem(u"Gone.app"_s));
+    expectRefused(6);
+}
+
+TEST_P(OtherCommand, goesAheadBesideABusyDocumentIfTheApplicationGetsIt)
+{
+    if (GetParam() == Receiver::document)
+        host.application().newDocument(0);
+    host.application().allControllers().first()->changeStatus(status::submitting);
+    sign(atItem(u"Foo.app"_s));
+    host.settle();
+    ASSERT_TRUE(reply);
+    EXPECT_FALSE(reply->isError());
 }
 
 TEST_P(OtherCommand, preparesNothingWhileBusyOrWithoutAnItem)

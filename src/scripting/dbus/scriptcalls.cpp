@@ -18,6 +18,13 @@ QVariant fileUrlOrAsItIs(const QVariant &value)
     return url.isEmpty() ? value : url;
 }
 
+/// There is no page below 0.
+std::optional<QVariant> pageNumber(const QVariant &given)
+{
+    const auto number = busvalue::fromBus(given, u"x"_s);
+    return number && number->toLongLong() < 0 ? std::nullopt : number;
+}
+
 /// The value as a handler expects it; nothing if it has the wrong type.
 std::optional<QVariant> evaluated(const QVariant &given, ArgumentType type)
 {
@@ -26,8 +33,8 @@ std::optional<QVariant> evaluated(const QVariant &given, ArgumentType type)
         return fileUrlOrAsItIs(given); // whatever is no file URL is the handler's to refuse, with a number
     case ArgumentType::boolean:
         return busvalue::fromBus(given, u"b"_s);
-    case ArgumentType::wholeNumber:
-        return busvalue::fromBus(given, u"x"_s);
+    case ArgumentType::pageNumber:
+        return pageNumber(given);
     case ArgumentType::text:
         return busvalue::fromBus(given, u"s"_s);
     }

@@ -8,7 +8,7 @@
 /// Calls that reach a handler as script commands.
 namespace scriptcalls {
 
-enum class ArgumentType { fileUrl, boolean, wholeNumber, text };
+enum class ArgumentType { fileUrl, boolean, pageNumber, text };
 
 struct CommandArgument {
     QString key;

@@ -21,10 +21,10 @@ QList<BusMethod> sharedCommands(Receiver &(*receiver)(const BusObject &))
                 carriedOutBy(&Receiver::AESubmitForNotarizing)),
         command(QStringLiteral("StapleOnly"), {at, showingDialogs}, carriedOutBy(&Receiver::AEStapleOnly)),
         command(QStringLiteral("SignOnly"), {at, showingDialogs}, carriedOutBy(&Receiver::AESignOnly)),
-        command(QStringLiteral("FetchHistory"),
-                {{argument::pageToFetch, ArgumentType::wholeNumber},
-                 {argument::xmlOutput, ArgumentType::boolean}},
-                carriedOutBy(&Receiver::AEFetchHistory)),
+        command(
+            QStringLiteral("FetchHistory"),
+            {{argument::pageToFetch, ArgumentType::pageNumber}, {argument::xmlOutput, ArgumentType::boolean}},
+            carriedOutBy(&Receiver::AEFetchHistory)),
         command(QStringLiteral("PrepareForNotarizing"), {at, {argument::signingIdentity, ArgumentType::text}},
                 carriedOutBy(&Receiver::AEPrepareForNotarizing)),
     };
