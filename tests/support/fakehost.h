@@ -43,6 +43,7 @@ public:
     ~TestWorkerQueue() override;
     void post(std::function<void()> job) override;
     bool isIdle() const { return m_running == 0; }
+    int running() const { return m_running; }
 
 private:
     std::atomic<int> m_running = 0;

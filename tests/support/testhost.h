@@ -29,6 +29,7 @@ public:
 
     /// Lets the main queue run until the workers are idle and nothing is queued any more.
     void settle();
+    TestWorkerQueue &workers() { return *m_workers; }
     /// Lets the main queue run until the condition holds. A condition that never does is a failed test.
     void runUntil(const std::function<bool()> &condition);
 

@@ -1,0 +1,454 @@
+// Documents under random sequences of commands, cancels, closings, tool failures and timers. The seed is
+// printed; SEALWRIGHT_SEED and SEALWRIGHT_STEPS repeat a run or make a longer one.
+
+#include "state/instanttools.h"
+#include "support/items.h"
+#include "support/testhost.h"
+
+#include "app/preferencekeys.h"
+#include "document/documentextensions.h"
+#include "platform/itempath.h"
+#include "scripting/NSApplication+Scripting.h"
+#include "scripting/scriptcommand.h"
+
+#include <QDirIterator>
+
+#include <gtest/gtest.h>
+
+#include <iostream>
+#include <random>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int usualSeed = 20261121;
+constexpr int usualSteps = 10'000;
+constexpr int stepsBetweenSearches = 500;
+constexpr qsizetype mostDocuments = 5;
+constexpr int patience = 100; // milliseconds for workers that wait for one another
+
+const QStringList itemNames{u"A.app"_s, u"B.pkg"_s, u"C.dmg"_s, u"D.plugin"_s};
+
+int numberFrom(const char *variable, int otherwise)
+{
+    bool isSet = false;
+    const int number = qEnvironmentVariableIntValue(variable, &isSet);
+    return isSet ? number : otherwise;
+}
+
+/// A command of a script and what became of it.
+struct Sent {
+    std::weak_ptr<MainWinController> document;
+    int answers = 0;
+    bool mayBeLost = false; ///< the document has since got another command, was closed, or had been cancelled
+};
+
+} // namespace
+
+class RandomCommands : public testing::Test {
+protected:
+    RandomCommands()
+        : m_random(static_cast<unsigned>(numberFrom("SEALWRIGHT_SEED", usualSeed)))
+    {
+        test.preferences.setValue(key::detailedLogToFile, true);
+        tools.effect = [](const QString &tool, const QStringList &arguments) { leaveTrace(tool, arguments); };
+        application = std::make_unique<AppDelegate>(hostWithInstantTools(), windows, test.configuration);
+        application->applicationWillFinishLaunching();
+        application->applicationDidFinishLaunching();
+    }
+    ~RandomCommands() override
+    {
+        test.timers.forgetAll();
+        application.reset();
+    }
+
+    platform::Host hostWithInstantTools()
+    {
+        platform::Host host = test.host();
+        return {host.mainQueue,
+                host.workers,
+                host.timers,
+                host.clock,
+                tools,
+                host.files,
+                host.urls,
+                host.preferences,
+                host.workspace,
+                host.appleScript,
+                host.distributedNotifications,
+                host.userNotifications,
+                host.application,
+                host.pasteboard,
+                host.updater};
+    }
+
+    /// So that no copy that has been worked on passes for the item of the user. Another document may just
+    /// have taken the copy away.
+    static void leaveTrace(const QString &tool, const QStringList &arguments)
+    {
+        const QString item = arguments.value(arguments.size() - 1);
+        const bool isFileSigned =
+            tool == "productsign"_L1 || (tool == "codesign"_L1 && QFileInfo(item).isFile());
+        if (!isFileSigned && tool != "xattr"_L1 && tool != "codesign"_L1)
+            return;
+        QFile trace(isFileSigned ? item : item + u"/signed"_s);
+        if (trace.open(QIODevice::WriteOnly))
+            trace.write("signed");
+    }
+
+    // Chance
+
+    int below(qsizetype limit)
+    {
+        return static_cast<int>(std::uniform_int_distribution<qsizetype>(0, limit - 1)(m_random));
+    }
+    bool happens(int percent) { return below(100) < percent; }
+    template <class List>
+    auto &oneOf(List &list)
+    {
+        return list[below(std::size(list))];
+    }
+
+    // The user's items, each with bytes of its own
+
+    QString itemPath(const QString &name) const { return test.item(name.left(1) + u'/' + name); }
+
+    QUrl someItem()
+    {
+        const QString name = oneOf(itemNames);
+        const QString path = itemPath(name);
+        if (!QFileInfo::exists(path)) {
+            const QByteArray serial = QByteArray::number(++m_serial);
+            if (name.endsWith(".pkg"_L1) || name.endsWith(".dmg"_L1)) {
+                items::makeFile(path, "item " + serial);
+            } else {
+                items::makeBundle(path);
+                items::makeFile(path + u"/Contents/serial"_s, serial);
+            }
+            m_fingerprints.append(items::fingerprint(path));
+        }
+        return itempath::toUrl(path);
+    }
+
+    void expectAllItemsAreSomewhere()
+    {
+        QSet<QByteArray> found;
+        QDirIterator entries(test.item(u".."_s), QDir::AllEntries | QDir::NoDotAndDotDot,
+                             QDirIterator::Subdirectories);
+        while (entries.hasNext()) {
+            const QString path = entries.next();
+            if (itemNames.contains(entries.fileName()))
+                found.insert(items::fingerprint(path));
+        }
+        for (const QByteArray &fingerprint : m_fingerprints)
+            EXPECT_TRUE(found.contains(fingerprint));
+    }
+
+    // Steps
+
+    DocumentPtr someDocument()
+    {
+        const auto &documents = application->allControllers();
+        return documents.isEmpty() ? nullptr : documents.at(below(documents.size()));
+    }
+
+    static bool hasSheet(MainWinController &document)
+    {
+        const FakeWindow &window = TestHost::window(document);
+        return window.sheet || window.panel || window.namedSheet;
+    }
+
+    void openDocument()
+    {
+        if (application->allControllers().size() >= mostDocuments)
+            return;
+        application->newDocument(0);
+        m_cancelled.remove(application->allControllers().last().get()); // another had its address
+    }
+
+    void dropItem()
+    {
+        if (application->allControllers().size() < mostDocuments)
+            application->applicationOpenFiles({itempath::fromUrl(someItem())});
+    }
+
+    void personCommands()
+    {
+        static constexpr Action guarded[] = {Action::doSubmit,
+                                             Action::doStapleOnly,
+                                             Action::doSignOnly,
+                                             Action::doSubmitAgain,
+                                             Action::doStapleAgain,
+                                             Action::doSignAgain,
+                                             Action::doFetchHistory,
+                                             Action::doInfoForUUIDOnClipboard,
+                                             Action::doInfoForUUIDOfLastUpload,
+                                             Action::doInfoForUUIDInFile,
+                                             Action::doListProviderShortnames,
+                                             Action::doSetDocumentDefaults};
+        const DocumentPtr document = someDocument();
+        const Action action = oneOf(guarded);
+        if (document && !hasSheet(*document) && document->validateMenuItem(action))
+            document->perform(action);
+    }
+
+    void personAsksForHelp()
+    {
+        static constexpr Action help[] = {Action::doAppPassHelp, Action::doTeamProviderHelp,
+                                          Action::doExtraEntitlementsHelp, Action::doDropDMGHelp,
+                                          Action::doExtraEntitlements};
+        const DocumentPtr document = someDocument();
+        if (document && !hasSheet(*document) && document->statusString() == status::ready)
+            document->perform(oneOf(help));
+    }
+
+    void personDecidesOnPreparedItem()
+    {
+        const DocumentPtr document = someDocument();
+        if (document && !hasSheet(*document)
+            && document->stapleOnlyButton.action() == Action::doCancelDirectSubmit)
+            document->perform(happens(50) ? Action::doDirectSubmit : Action::doCancelDirectSubmit);
+    }
+
+    void personCancels()
+    {
+        const DocumentPtr document = someDocument();
+        if (!document || !document->canCancel())
+            return;
+        document->doCancel();
+        m_cancelled.insert(document.get());
+    }
+
+    void personAnswers()
+    {
+        const DocumentPtr document = someDocument();
+        if (!document)
+            return;
+        FakeWindow &window = TestHost::window(*document);
+        if (window.panel)
+            window.choose(happens(70) ? someItem() : QUrl());
+        else if (window.sheet)
+            window.answerSheet(happens(50) ? platform::alertFirstButton : platform::alertSecondButton);
+        else if (window.namedSheet)
+            window.endSheet(below(2));
+        settle(); // what an answer has queued comes before the next click
+    }
+
+    void personCloses()
+    {
+        const DocumentPtr document = someDocument();
+        if (document && !hasSheet(*document))
+            document->window().performClose();
+    }
+
+    void scriptCommands()
+    {
+        static constexpr void (NSApplicationScripting::*onApplication[])(const ScriptCommandPtr &) = {
+            &NSApplicationScripting::AESubmitForNotarizing, &NSApplicationScripting::AEStapleOnly,
+            &NSApplicationScripting::AESignOnly, &NSApplicationScripting::AEFetchHistory,
+            &NSApplicationScripting::AEPrepareForNotarizing};
+        if (application->allControllers().size() < mostDocuments)
+            send([&](const ScriptCommandPtr &command) {
+                (application->scripting().*oneOf(onApplication))(command);
+            });
+    }
+
+    void scriptCommandsDocument()
+    {
+        static constexpr void (MainWinControllerScripting::*onDocument[])(const ScriptCommandPtr &) = {
+            &MainWinControllerScripting::AESubmitForNotarizing,
+            &MainWinControllerScripting::AEStapleOnly,
+            &MainWinControllerScripting::AESignOnly,
+            &MainWinControllerScripting::AEFetchHistory,
+            &MainWinControllerScripting::AEPrepareForNotarizing,
+            &MainWinControllerScripting::AEFetchLog,
+            &MainWinControllerScripting::AEClearLog};
+        const DocumentPtr document = someDocument();
+        if (!document)
+            return;
+        const auto before = document->currentCommand();
+        send([&](const ScriptCommandPtr &command) {
+            (document->steps().scripting.*oneOf(onDocument))(command);
+        });
+        if (document->currentCommand() != before)
+            loseEarlierCommandsOf(*document);
+    }
+
+    void send(const std::function<void(const ScriptCommandPtr &)> &handler)
+    {
+        const auto sent = std::make_shared<Sent>();
+        QVariantMap arguments{{argument::at, someItem()}};
+        arguments.insert(argument::showingDialogs, happens(20));
+        arguments.insert(argument::skippingStapling, happens(20));
+        const auto command =
+            std::make_shared<ScriptCommand>(arguments, [sent](const ScriptReply &) { ++sent->answers; });
+        command->execute(handler);
+        for (const DocumentPtr &document : application->allControllers()) {
+            if (document->currentCommand() == command) {
+                sent->document = document;
+                sent->mayBeLost = document->cancelPressed(); // the next report is swallowed
+            }
+        }
+        m_sent.append(sent);
+    }
+
+    /// All but the command that was sent last.
+    void loseEarlierCommandsOf(MainWinController &document)
+    {
+        for (const auto &sent : m_sent.first(m_sent.size() - 1)) {
+            if (sent->document.lock().get() == &document)
+                sent->mayBeLost = true;
+        }
+    }
+
+    void timerFires() { test.timers.fireNext(); }
+
+    void toolMisbehaves()
+    {
+        static const QStringList names{u"altool--notarization-history"_s,
+                                       u"altool--notarize-app"_s,
+                                       u"altool--notarization-info"_s,
+                                       u"altool--list-providers"_s,
+                                       u"codesign"_s,
+                                       u"xattr"_s,
+                                       u"ditto"_s,
+                                       u"spctl"_s,
+                                       u"stapler"_s,
+                                       u"productsign"_s,
+                                       u"hdiutil"_s,
+                                       u"file"_s};
+        const QList<InstantTools::Answer> answers{{.status = 1, .error = "trouble"},
+                                                  {.status = 239},
+                                                  {.hangs = true},
+                                                  {},
+                                                  {.output = FakeTools::infoReport(u"in progress"_s)},
+                                                  {.output = FakeTools::infoReport(u"invalid"_s)},
+                                                  {.output = "garbage"}};
+        tools.answerNext(oneOf(names), oneOf(answers));
+    }
+
+    void toolsGoOn() { tools.releaseAll(); }
+
+    void takeStep()
+    {
+        static constexpr void (RandomCommands::*kinds[])() = {
+            &RandomCommands::openDocument,
+            &RandomCommands::dropItem,
+            &RandomCommands::personCommands,
+            &RandomCommands::personCommands,
+            &RandomCommands::personAsksForHelp,
+            &RandomCommands::personDecidesOnPreparedItem,
+            &RandomCommands::personCancels,
+            &RandomCommands::personAnswers,
+            &RandomCommands::personAnswers,
+            &RandomCommands::personAnswers,
+            &RandomCommands::personCloses,
+            &RandomCommands::scriptCommands,
+            &RandomCommands::scriptCommandsDocument,
+            &RandomCommands::timerFires,
+            &RandomCommands::timerFires,
+            &RandomCommands::toolMisbehaves,
+            &RandomCommands::toolsGoOn,
+        };
+        (this->*oneOf(kinds))();
+    }
+
+    /// Lets everything happen that needs nobody: what still runs then hangs.
+    void settle()
+    {
+        QElapsedTimer waited;
+        waited.start();
+        test.runUntil([&] {
+            if (waited.elapsed() > patience)
+                tools.releaseAll(); // one hangs and another waits for its runner
+            return test.workers().running() == tools.hanging() && test.mainQueue.isEmpty();
+        });
+    }
+
+    static std::string lastLinesOf(MainWinController &document)
+    {
+        return document.statusTextView.string().right(1500).toStdString();
+    }
+
+    void expectOrder()
+    {
+        EXPECT_LE(tools.mostQueriesAtOnce(), 1);
+        for (const auto &sent : m_sent)
+            EXPECT_LE(sent->answers, 1);
+        for (const DocumentPtr &document : application->allControllers()) {
+            // After a cancel the sheet of its report says "ready" whenever it goes, whatever goes on by then.
+            if (!m_cancelled.contains(document.get()) && test.workers().isIdle()
+                && document->statusString() == status::ready) {
+                SCOPED_TRACE("log: " + lastLinesOf(*document));
+                EXPECT_FALSE(document->isBusy());
+                EXPECT_FALSE(document->isSubmitting());
+                EXPECT_FALSE(document->isPolling());
+                EXPECT_FALSE(document->staplingTimer());
+            }
+        }
+    }
+
+    /// A document whose window is closed owes nobody an answer.
+    void forgetClosedDocuments()
+    {
+        for (const auto &sent : m_sent) {
+            const DocumentPtr document = sent->document.lock();
+            if (!document || !application->allControllers().contains(document))
+                sent->mayBeLost = sent->mayBeLost || sent->answers == 0;
+        }
+    }
+
+    void endAll()
+    {
+        tools.releaseAll();
+        settle();
+        while (!application->allControllers().isEmpty())
+            application->allControllers().last()->window().close();
+        settle();
+        for (int rounds = 0; rounds < 10'000 && (!test.timers.armed().isEmpty() || !test.workers().isIdle());
+             ++rounds) {
+            tools.releaseAll();
+            test.timers.fireNext();
+            settle();
+        }
+        EXPECT_TRUE(test.timers.armed().isEmpty());
+        EXPECT_TRUE(test.workers().isIdle());
+    }
+
+    TestHost test;
+    InstantTools tools;
+    FakeWindowFactory windows{test.applicationHost};
+    std::unique_ptr<AppDelegate> application;
+    QList<std::shared_ptr<Sent>> m_sent;
+
+private:
+    std::mt19937 m_random;
+    QSet<const MainWinController *> m_cancelled;
+    int m_serial = 0;
+    QList<QByteArray> m_fingerprints;
+};
+
+TEST_F(RandomCommands, keepTheItemsAndTheOrderOfDocuments)
+{
+    const int steps = numberFrom("SEALWRIGHT_STEPS", usualSteps);
+    std::cout << "Seed " << numberFrom("SEALWRIGHT_SEED", usualSeed) << ", " << steps << " steps\n";
+    for (int step = 0; step < steps && !HasFailure(); ++step) {
+        SCOPED_TRACE("step " + std::to_string(step));
+        takeStep();
+        if (happens(70)) {
+            settle();
+            expectOrder();
+        }
+        forgetClosedDocuments();
+        if (step % stepsBetweenSearches == 0)
+            expectAllItemsAreSomewhere();
+    }
+    endAll();
+    for (const auto &sent : m_sent) {
+        EXPECT_TRUE(sent->document.expired());
+        EXPECT_TRUE(sent->answers == 1 || sent->mayBeLost);
+    }
+    expectAllItemsAreSomewhere();
+    std::cout << m_sent.size() << " commands of scripts\n";
+}
