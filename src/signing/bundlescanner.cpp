@@ -23,10 +23,10 @@ bool isNeverSigned(const QString &fileName)
 
 /// What a resource-fork editor and a bridge of older macOS versions leave behind, and what would break the
 /// seal.
-bool isLeftover(const QString &folder, const QString &fileName)
+bool isLeftover(const QString &file, const QString &fileName)
 {
     return (fileName == "Scriptbench.plist"_L1 || fileName == "Bridgescope.plist"_L1)
-        && itempath::lastComponent(folder) == "Contents"_L1;
+        && itempath::lastComponent(itempath::folder(file)) == "Contents"_L1;
 }
 
 bool isSignedUntested(const QString &lowerExtension)
@@ -70,20 +70,22 @@ void BundleScanner::parseDirectory(const QString &directory, OrderedPathSet &sig
 {
     addIfBundle(directory, signableSet, setToSubtract);
     const auto &files = document.host().files;
-    for (const auto &[name, kind] : files.entriesOfDirectory(directory, links)) {
-        const QString item = itempath::appending(directory, name);
+    for (const platform::FolderEntry &entry : files.entriesOfDirectory(directory, links)) {
+        const QString item = itempath::appending(directory, entry.name);
         if (arrayToPassOver.contains(item))
             continue;
-        const QString extension = itempath::lowerExtension(name);
-        if (kind.isDirectory) {
+        const QString extension = itempath::lowerExtension(entry.name);
+        if (entry.kind.isDirectory) {
             if (extension == "framework"_L1)
                 parseFramework(item, signableSet, setToSubtract, arrayToPassOver);
             else
                 parseDirectory(item, signableSet, setToSubtract, arrayToPassOver);
         } else if (isSignedUntested(extension)) {
             signableSet.append(item);
-        } else {
-            parseFile(directory, {name, kind}, signableSet);
+        } else if (!isNeverSigned(entry.name) && !deleteIfLeftover(item, entry.name)
+                   && !isNeverExamined(extension) && entry.kind.isRegularFile && entry.kind.isExecutable
+                   && isMachO(item)) {
+            signableSet.append(item);
         }
     }
 }
@@ -104,20 +106,12 @@ void BundleScanner::addIfBundle(const QString &directory, OrderedPathSet &signab
     setToSubtract.insert(path);
 }
 
-void BundleScanner::parseFile(const QString &folder, const platform::FolderEntry &entry,
-                              OrderedPathSet &signableSet)
+bool BundleScanner::deleteIfLeftover(const QString &file, const QString &fileName)
 {
-    if (isNeverSigned(entry.name))
-        return;
-    const QString file = itempath::appending(folder, entry.name);
-    if (isLeftover(folder, entry.name)) {
-        document.host().files.removeItem(file).ignore();
-        return;
-    }
-    if (isNeverExamined(itempath::lowerExtension(entry.name)))
-        return;
-    if (entry.kind.isRegularFile && entry.kind.isExecutable && isMachO(file))
-        signableSet.append(file);
+    if (!isLeftover(file, fileName))
+        return false;
+    document.host().files.removeItem(file).ignore();
+    return true;
 }
 
 bool BundleScanner::isMachO(const QString &file)

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "document/documentextension.h"
-#include "platform/fileservice.h"
 
 #include <QList>
 #include <QSet>
@@ -44,7 +43,7 @@ public:
 
 private:
     void addIfBundle(const QString &directory, OrderedPathSet &signableSet, QSet<QString> &setToSubtract);
-    void parseFile(const QString &folder, const platform::FolderEntry &entry, OrderedPathSet &signableSet);
+    bool deleteIfLeftover(const QString &file, const QString &fileName);
     void parseVersions(const QString &versions, OrderedPathSet &signableSet, QSet<QString> &setToSubtract,
                        const QStringList &arrayToPassOver);
     bool isMachO(const QString &file);
