@@ -1,6 +1,5 @@
 #include "document/helpsheets.h"
 
-#include "app/appdelegate.h"
 #include "document/documentextensions.h"
 #include "document/mainwincontroller.h"
 #include "platform/itempath.h"
@@ -8,8 +7,6 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-
-constexpr quint64 firstVersionThatListsProviders = 4;
 
 const QString appleAccountSite = u"https://appleid.apple.com/account/manage"_s;
 
@@ -38,7 +35,7 @@ void HelpSheets::doAppPassHelp()
 void HelpSheets::doTeamProviderHelp()
 {
     const QString title = u"Provider Short Name"_s;
-    if (document.appDelegate().altoolVersionNumber() >= firstVersionThatListsProviders)
+    if (document.steps().providers.canBeListed())
         show({title, providerWithChoose, {u"Choose"_s, u"Cancel"_s}}, document.providerNameField,
              [this](int answer) { listProvidersIfChosen(answer); });
     else

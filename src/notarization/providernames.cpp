@@ -53,9 +53,14 @@ std::variant<Providers, ProviderMessage> readProviders(const SLWTaskResponse &re
     return providers;
 }
 
+bool ProviderNames::canBeListed() const
+{
+    return document.appDelegate().altoolVersionNumber() > lastVersionWithoutProviders;
+}
+
 void ProviderNames::doListProviderShortnames()
 {
-    if (document.appDelegate().altoolVersionNumber() > lastVersionWithoutProviders)
+    if (canBeListed())
         return listProviderShortnames();
     document.changeStatus(status::interacting);
     document.beginSheet(

@@ -16,6 +16,8 @@ public:
 
     /// The command: lists the names, or says that the notary tool is too old for it. Main thread.
     void doListProviderShortnames();
+    /// Whether the notary tool is one that can tell them.
+    [[nodiscard]] bool canBeListed() const;
 
     /// Asks for the teams and shows them in a sheet. Main thread.
     void listProviderShortnames();
