@@ -77,35 +77,12 @@ bool ItemWorkflow::checkIdentity(const QString &identity)
         || refuse(u"No Identities Found"_s, u"No Developer ID codesigning identities have been found."_s);
 }
 
-void ItemWorkflow::askForItem(const platform::OpenPanel &panel, std::function<void(const QUrl &)> chosen,
-                              std::function<void()> cancelled)
-{
-    document.changeStatus(status::interacting);
-    document.window().beginOpenPanel(panel,
-                                     [held = document.shared_from_this(), chosen = std::move(chosen),
-                                      cancelled = std::move(cancelled)](const QUrl &url) {
-                                         if (url.isEmpty())
-                                             cancelled();
-                                         else
-                                             chosen(url);
-                                     });
-}
-
-void ItemWorkflow::endBeforeStart()
-{
-    document.changeStatus(status::ready);
-    document.isBusy.set(false);
-    document.isSubmitting.set(false);
-    document.progressIndicator.stopAnimation();
-}
-
 void ItemWorkflow::showItem(const QString &name)
 {
     document.appletNameField.setStringValue(name);
     document.window().setTitle(document.appDelegate().uniqueWindowNameFrom(name));
     document.progressIndicator.startAnimation();
-    if (!document.dontClearCheckbox.isOn())
-        document.statusTextView.clear();
+    document.clearLogUnlessKept();
 }
 
 bool ItemWorkflow::goesOn(bool stepWorked) const

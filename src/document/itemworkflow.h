@@ -33,11 +33,6 @@ protected:
     /// Whether an identity can be chosen at all; if none can, that has been reported.
     [[nodiscard]] bool checkIdentity(const QString &identity);
 
-    /// Asks for an item. One of the two is called, unless the window closes before that.
-    void askForItem(const platform::OpenPanel &panel, std::function<void(const QUrl &)> chosen,
-                    std::function<void()> cancelled);
-    /// Leaves a workflow whose panel was cancelled.
-    void endBeforeStart();
     /// Shows the name in the window, starts the spinner and clears the log, unless it is to be kept.
     void showItem(const QString &name);
 

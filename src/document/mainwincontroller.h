@@ -65,6 +65,8 @@ public:
     void logErrorMain(const QString &message) { logStringMain(message, true); }
     void logStringMain(const QString &message, bool isError);
     void closeLog();
+    /// Empties the window log, unless the person wants it kept. Main thread.
+    void clearLogUnlessKept();
     /// Answers the current script command with the text of the window log. Main thread.
     void contentsOfLog();
     TextAttributes logAttributes() const;
@@ -125,6 +127,11 @@ public:
     /// The same without telling anybody.
     bool giveUpFocus();
     void beginSheet(const platform::Alert &alert, std::function<void(int)> completion);
+    /// Asks for an item. One of the two is called, unless the window closes before that.
+    void askForItem(const platform::OpenPanel &panel, std::function<void(const QUrl &)> chosen,
+                    std::function<void()> cancelled);
+    /// Leaves a workflow whose panel was cancelled.
+    void endBeforeStart();
 
     // Tool runs. Worker thread.
     SLWTaskResponsePtr runTool(const QString &path, const QStringList &args);

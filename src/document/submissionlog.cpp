@@ -58,6 +58,12 @@ void MainWinController::closeLog()
         handle->close();
 }
 
+void MainWinController::clearLogUnlessKept()
+{
+    if (!dontClearCheckbox.isOn())
+        statusTextView.clear();
+}
+
 void MainWinController::contentsOfLog()
 {
     if (const auto command = currentCommand())

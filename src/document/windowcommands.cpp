@@ -180,3 +180,25 @@ void MainWinController::beginSheet(const platform::Alert &alert, std::function<v
         completion(answer);
     });
 }
+
+void MainWinController::askForItem(const platform::OpenPanel &panel, std::function<void(const QUrl &)> chosen,
+                                   std::function<void()> cancelled)
+{
+    changeStatus(status::interacting);
+    window().beginOpenPanel(panel,
+                            [held = shared_from_this(), chosen = std::move(chosen),
+                             cancelled = std::move(cancelled)](const QUrl &url) {
+                                if (url.isEmpty())
+                                    cancelled();
+                                else
+                                    chosen(url);
+                            });
+}
+
+void MainWinController::endBeforeStart()
+{
+    changeStatus(status::ready);
+    isBusy.set(false);
+    isSubmitting.set(false);
+    progressIndicator.stopAnimation();
+}

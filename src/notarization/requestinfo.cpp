@@ -44,20 +44,14 @@ QString lookupFailureLine(const SLWTaskResponse &response)
 
 void RequestInfo::doInfoForUUIDInFile()
 {
-    document.changeStatus(status::interacting);
-    const platform::OpenPanel panel{
-        .message = u"Choose the RequestUUID.txt file"_s,
-        .allowedFileTypes = {u"txt"_s},
-        .canChooseFiles = true,
-        .canChooseDirectories = false,
-        .shouldEnable = &MainWinController::shouldEnableURL,
-    };
-    document.window().beginOpenPanel(panel, [this, held = document.shared_from_this()](const QUrl &chosen) {
-        if (chosen.isEmpty())
-            giveUp();
-        else
-            lookUpRequestInFile(itempath::fromUrl(chosen));
-    });
+    document.askForItem(
+        {.message = u"Choose the RequestUUID.txt file"_s,
+         .allowedFileTypes = {u"txt"_s},
+         .canChooseFiles = true,
+         .canChooseDirectories = false,
+         .shouldEnable = &MainWinController::shouldEnableURL},
+        [this](const QUrl &chosen) { lookUpRequestInFile(itempath::fromUrl(chosen)); },
+        [this] { document.endBeforeStart(); });
 }
 
 void RequestInfo::lookUpRequestInFile(const QString &path)
@@ -68,15 +62,7 @@ void RequestInfo::lookUpRequestInFile(const QString &path)
     if (text)
         return infoForRequestUUID(text->trimmed());
     document.host().application.beep();
-    giveUp();
-}
-
-void RequestInfo::giveUp()
-{
-    document.changeStatus(status::ready);
-    document.isBusy.set(false);
-    document.isSubmitting.set(false);
-    document.progressIndicator.stopAnimation();
+    document.endBeforeStart();
 }
 
 void RequestInfo::doInfoForUUIDOfLastUpload()

@@ -21,7 +21,6 @@ public:
 
 private:
     void lookUpRequestInFile(const QString &path);
-    void giveUp();
 
     // The job. Worker thread; takes one or two network requests, and one more for the service's log.
     void lookUp(const std::optional<QString> &requestUUID, const Credentials &credentials);

@@ -22,8 +22,7 @@ std::optional<Credentials> ServiceQuery::beginQuery(const QString &blockedText)
     document.progressIndicator.startAnimation();
     if (!document.steps().credentials.checkFields())
         return std::nullopt;
-    if (!document.dontClearCheckbox.isOn())
-        document.statusTextView.clear();
+    document.clearLogUnlessKept();
     return document.steps().credentials.entered();
 }
 

@@ -37,9 +37,8 @@ bool isAccepted(const QString &assessment)
 
 QString assessmentFailureLine(const SLWTaskResponse &response)
 {
-    const QString error = response.errorString();
     return u"Error %1 in spctl codesign verification: %2"_s.arg(QString::number(response.reference()),
-                                                                error.isNull() ? u"(null)"_s : error);
+                                                                orNull(response.errorString()));
 }
 
 // Commands and entries
@@ -92,7 +91,7 @@ void StapleOnlyWorkflow::setItem(const QUrl &url)
 
 void StapleOnlyWorkflow::chooseItem()
 {
-    askForItem(
+    document.askForItem(
         {.message = u"Choose an app, disk image, .pkg, .plugin or .fmplugin to try to staple"_s,
          .allowedFileTypes = submittableExtensions(),
          .canChooseFiles = true,

@@ -118,7 +118,7 @@ bool SubmitWorkflow::checkKind()
 
 void SubmitWorkflow::chooseItem()
 {
-    askForItem(
+    document.askForItem(
         {.message = u"Choose an app, plugin, fmplugin, flat package or disk image to copy and submit"_s,
          .allowedFileTypes = submittableExtensions(),
          .canChooseFiles = true,
@@ -129,7 +129,7 @@ void SubmitWorkflow::chooseItem()
             setOriginal(chosen, submitAction);
             startWithOriginal();
         },
-        [this] { endBeforeStart(); });
+        [this] { document.endBeforeStart(); });
 }
 
 void SubmitWorkflow::startWithOriginal()

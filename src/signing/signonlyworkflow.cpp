@@ -50,7 +50,7 @@ void SignOnlyWorkflow::signOnlyURL(const QUrl &url)
 
 void SignOnlyWorkflow::chooseItem(const QString &identity)
 {
-    askForItem(
+    document.askForItem(
         {.message = u"Choose an app or a directory to copy and sign with the hardened runtime"_s,
          .allowedFileTypes = {u"app"_s},
          .canChooseFiles = true,
@@ -61,7 +61,7 @@ void SignOnlyWorkflow::chooseItem(const QString &identity)
             setOriginal(chosen, signAction);
             startWithOriginal(identity);
         },
-        [this] { endBeforeStart(); });
+        [this] { document.endBeforeStart(); });
 }
 
 void SignOnlyWorkflow::startWithOriginal(const QString &identity)
