@@ -23,8 +23,7 @@ void QtMainQueue::post(std::function<void()> block)
     const std::scoped_lock lock(m_mutex);
     m_blocks.push_back(std::move(block));
     if (!std::exchange(m_isServed, true))
-        QMetaObject::invokeMethod(
-            &m_service, [this] { m_service.start(0); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(&m_service, "start", Qt::QueuedConnection);
 }
 
 bool QtMainQueue::isMainThread() const
@@ -34,7 +33,7 @@ bool QtMainQueue::isMainThread() const
 
 void QtMainQueue::serve()
 {
-    m_service.start(0); // anew, since a timer does not fire in the loop of its own block
+    m_service.start(); // anew, since a timer does not fire in the loop of its own block
     const QDeadlineTimer deadline(longestInARow);
     while (!deadline.hasExpired()) {
         const auto block = takeNext();
