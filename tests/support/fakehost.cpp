@@ -10,13 +10,20 @@ using platform::Outcome;
 void TestMainQueue::post(std::function<void()> block)
 {
     ++m_pending;
-    QMetaObject::invokeMethod(
-        this,
-        [this, block = std::move(block)] {
-            block();
-            --m_pending;
-        },
-        Qt::QueuedConnection);
+    const std::scoped_lock lock(m_mutex);
+    m_blocks.push_back(std::move(block));
+    QMetaObject::invokeMethod(this, "runNext", Qt::QueuedConnection);
+}
+
+void TestMainQueue::runNext()
+{
+    std::unique_lock lock(m_mutex);
+    auto block = std::move(m_blocks.front());
+    m_blocks.pop_front();
+    lock.unlock();
+    block();
+    block = nullptr; // lets go of its document before it counts as done
+    --m_pending;
 }
 
 TestWorkerQueue::~TestWorkerQueue()

@@ -21,6 +21,7 @@
 #include <QThread>
 
 #include <atomic>
+#include <deque>
 #include <functional>
 #include <mutex>
 #include <thread>
@@ -28,14 +29,21 @@
 /// The services of a host, faked: each does the least that the contract asks, records what it was asked and
 /// lets a test say what it answers.
 
+/// One event a block. The blocks themselves pass under a lock that a thread sanitizer can see.
 class TestMainQueue : public QObject, public platform::MainQueue {
+    Q_OBJECT
+
 public:
     void post(std::function<void()> block) override;
     bool isMainThread() const override { return QThread::currentThread() == thread(); }
     bool isEmpty() const { return m_pending == 0; }
 
 private:
+    Q_SLOT void runNext();
+
     std::atomic<int> m_pending = 0;
+    std::mutex m_mutex;
+    std::deque<std::function<void()>> m_blocks;
 };
 
 class TestWorkerQueue : public platform::WorkerQueue {
