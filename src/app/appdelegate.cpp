@@ -1,5 +1,6 @@
 #include "app/appdelegate.h"
 
+#include "about/aboutcontroller.h"
 #include "app/preferencekeys.h"
 #include "document/documentdefaults.h"
 #include "document/documentextensions.h"
@@ -71,7 +72,8 @@ void AppDelegate::applicationDidFinishLaunching()
     if (m_droppedURLs)
         loadDroppedURLs(*m_droppedURLs);
     changeStatus(status::ready);
-    m_host.distributedNotifications.addObserver(configurationsChanged, [this] { dropDMGConfigChange(); });
+    m_host.distributedNotifications.addObserver(*this, configurationsChanged,
+                                                [this] { dropDMGConfigChange(); });
 }
 
 bool AppDelegate::findAltool()
@@ -97,7 +99,7 @@ void AppDelegate::quitWithoutAltool()
 
 void AppDelegate::applicationWillTerminate()
 {
-    m_host.distributedNotifications.removeAllObservers();
+    m_host.distributedNotifications.removeObserver(*this);
 }
 
 SLWTaskMasterPtr AppDelegate::newTaskMaster() const
@@ -241,6 +243,16 @@ void AppDelegate::menuNeedsUpdate(AgainItem &doAgainMenuItem) const
 }
 
 // The rest of the application's face
+
+void AppDelegate::doShowAboutPanel()
+{
+    AboutController::instance(*this).showWindow();
+}
+
+QString AppDelegate::daysToGo()
+{
+    return u"does not expire"_s;
+}
 
 void AppDelegate::doSendUsEmail()
 {

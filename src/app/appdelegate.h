@@ -30,6 +30,9 @@ public:
         QUrl supportAddress; ///< a mailto: URL
         QUrl website;
         QUrl usersForum;
+        QVariantMap information; ///< the application's own information dictionary
+        QString credits; ///< path of the credits, rich text
+        QString buildDate; ///< as "MMM d yyyy", in English
     };
 
     AppDelegate(const platform::Host &host, WindowFactory &windowFactory, Configuration configuration);
@@ -73,6 +76,10 @@ public:
     void menuNeedsUpdate(AgainItem &doAgainMenuItem) const;
     bool validateMenuItem() const { return true; }
 
+    void doShowAboutPanel();
+    /// A short remark on how long this build stays usable.
+    static QString daysToGo();
+
     // Support. Whether the page opened is not told.
     void doSendUsEmail();
     void doVisitOurWebsite();
@@ -113,6 +120,7 @@ public:
     const QList<DocumentPtr> &allControllers() const { return m_allControllers; }
 
     const platform::Host &host() const { return m_host; }
+    const Configuration &configuration() const { return m_configuration; }
     WindowFactory &windowFactory() const { return m_windowFactory; }
     NSApplicationScripting &scripting() const { return *m_scripting; }
 

@@ -35,6 +35,7 @@ DesktopHost::DesktopHost(const QString &applicationFolder)
     , m_workspace(m_toolRoot.applicationsFolder(), m_files, m_launcher)
     , m_appleScript(m_launcher)
     , m_userNotifications(m_mainQueue)
+    , m_appearance(m_desktopAppearance, m_preferences, m_distributedNotifications)
     , m_windowFactory(m_windowOrder, m_logPrinter)
     , m_application(m_windowOrder, m_logPrinter)
 {
@@ -63,5 +64,10 @@ AppDelegate::Configuration DesktopHost::configuration()
     return {.dropDMGFolder = inDataFolder(u"DropDMG/Configurations"_s),
             .supportAddress = QUrl(u"mailto:support@sealwright.org"_s),
             .website = QUrl(u"https://sealwright.org/"_s),
-            .usersForum = QUrl(u"https://sealwright.org/forum"_s)};
+            .usersForum = QUrl(u"https://sealwright.org/forum"_s),
+            .information = {{u"CFBundleShortVersionString"_s, QStringLiteral(SEALWRIGHT_VERSION)},
+                            {u"CFBundleVersion"_s, QStringLiteral(SEALWRIGHT_BUILD)},
+                            {u"NSHumanReadableCopyright"_s, u"Copyright © 2026 The Sealwright authors"_s}},
+            .credits = u":/Credits.rtf"_s,
+            .buildDate = QStringLiteral(SEALWRIGHT_BUILD_DATE)};
 }

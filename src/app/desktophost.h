@@ -4,6 +4,7 @@
 #include "platform/posix/posixfileservice.h"
 #include "platform/posix/posixprocesslauncher.h"
 #include "platform/qt/busdistributednotifications.h"
+#include "platform/qt/desktopappearance.h"
 #include "platform/qt/desktopnotificationcenter.h"
 #include "platform/qt/desktoppasteboard.h"
 #include "platform/qt/desktopworkspace.h"
@@ -15,6 +16,7 @@
 #include "platform/qt/settingspreferences.h"
 #include "platform/qt/systemclock.h"
 #include "tools/toolroot.h"
+#include "ui/appearance.h"
 #include "ui/logprinter.h"
 #include "ui/widgetapplication.h"
 #include "ui/widgetwindow.h"
@@ -47,6 +49,8 @@ private:
     platform::BusDistributedNotifications m_distributedNotifications;
     platform::DesktopNotificationCenter m_userNotifications;
     platform::DesktopPasteboard m_pasteboard;
+    platform::DesktopAppearance m_desktopAppearance;
+    Appearance m_appearance;
     WindowOrder m_windowOrder;
     LogPrinter m_logPrinter;
     WidgetWindowFactory m_windowFactory;

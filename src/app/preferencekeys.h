@@ -44,8 +44,13 @@ inline const QString isDebuggingTool = QStringLiteral("isDebuggingTool");
 inline const QString toolRoot = QStringLiteral("toolRoot");
 inline const QString toolPause =
     QStringLiteral("toolPause"); ///< seconds that a runner waits after a tool's end
+/// "Dark" or absent; follows the desktop.
+inline const QString AppleInterfaceStyle = QStringLiteral("AppleInterfaceStyle");
 
 /// The values of the keys that nobody has set.
 [[nodiscard]] QVariantMap registeredDefaults();
 
 } // namespace key
+
+/// The value of `AppleInterfaceStyle` on a dark desktop.
+inline constexpr QStringView darkInterfaceStyle = u"Dark";

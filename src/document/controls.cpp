@@ -18,6 +18,22 @@ void TextField::setStringValue(const QString &value)
         Q_EMIT changed();
 }
 
+void TextField::setTextColor(const GreyColour &colour)
+{
+    if (m_textColor == colour)
+        return;
+    m_textColor = colour;
+    Q_EMIT changed();
+}
+
+void TextView::setText(const QList<StyledText> &text)
+{
+    if (m_text == text)
+        return;
+    m_text = text;
+    Q_EMIT changed();
+}
+
 void Checkbox::setState(int state)
 {
     if (std::exchange(m_state, state) != state)

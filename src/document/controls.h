@@ -4,6 +4,8 @@
 #include <QStringList>
 #include <QVector>
 
+#include <optional>
+
 /// The values behind a document's window. The document reads and writes them; the widgets show them, hold
 /// nothing of their own and write back what a person does. All on the main thread.
 
@@ -25,12 +27,22 @@ private:
     bool m_isEnabled = true;
 };
 
+/// A shade between black, white level 0, and white, white level 1.
+struct GreyColour {
+    double white;
+    double alpha;
+    bool operator==(const GreyColour &) const = default;
+};
+
 class TextField : public Control {
     Q_OBJECT
 
 public:
     QString stringValue() const { return m_stringValue; }
     void setStringValue(const QString &value);
+    /// Nothing for the usual colour of text.
+    std::optional<GreyColour> textColor() const { return m_textColor; }
+    void setTextColor(const GreyColour &colour);
 
     /// Gives the field the keyboard focus.
     void makeFirstResponder() { Q_EMIT focusRequested(); }
@@ -40,6 +52,27 @@ Q_SIGNALS:
 
 private:
     QString m_stringValue = QStringLiteral("");
+    std::optional<GreyColour> m_textColor;
+};
+
+/// A stretch of text that looks the same all through.
+struct StyledText {
+    QString text;
+    bool isBold = false;
+    bool isItalic = false;
+    bool operator==(const StyledText &) const = default;
+};
+
+/// A longer text to read.
+class TextView : public Control {
+    Q_OBJECT
+
+public:
+    QList<StyledText> text() const { return m_text; }
+    void setText(const QList<StyledText> &text);
+
+private:
+    QList<StyledText> m_text;
 };
 
 class Checkbox : public Control {

@@ -6,6 +6,8 @@
 
 #include <functional>
 
+class QObject;
+
 namespace platform {
 
 /// Messages that applications post to each other by a name.
@@ -14,10 +16,16 @@ public:
     virtual ~DistributedNotifications() = default;
 
     /// Calls the handler on the main thread for each notification of that name, whoever posts it. One handler
-    /// a name.
-    virtual void addObserver(const QString &name, std::function<void()> handler) = 0;
-    virtual void removeAllObservers() = 0;
+    /// for an observer and a name.
+    virtual void addObserver(const QObject &observer, const QString &name, std::function<void()> handler) = 0;
+    /// Calls none of the observer's handlers from now on.
+    virtual void removeObserver(const QObject &observer) = 0;
+    /// Tells all applications, this one among them. Returns at once.
+    virtual void post(const QString &name) = 0;
 };
+
+/// Posted by the desktop when it becomes light or dark.
+inline constexpr QStringView themeChangedNotification = u"AppleInterfaceThemeChangedNotification";
 
 /// In a message's user info: whether it is shown while the application is active (a boolean).
 inline constexpr QStringView showWhenActiveKey = u"userInfoShowWhenActiveKey";

@@ -8,6 +8,7 @@
 #include <QPushButton>
 #include <QSignalBlocker>
 #include <QStackedWidget>
+#include <QTextEdit>
 
 #include <limits>
 
@@ -43,6 +44,23 @@ QStringList itemTitles(const QComboBox &box)
     return titles;
 }
 
+void colourText(QWidget &widget, const GreyColour &colour)
+{
+    const auto level = static_cast<float>(colour.white);
+    QPalette palette = widget.palette();
+    palette.setColor(QPalette::WindowText,
+                     QColor::fromRgbF(level, level, level, static_cast<float>(colour.alpha)));
+    widget.setPalette(palette);
+}
+
+QTextCharFormat formatOf(const StyledText &text)
+{
+    QTextCharFormat format;
+    format.setFontWeight(text.isBold ? QFont::Bold : QFont::Normal);
+    format.setFontItalic(text.isItalic);
+    return format;
+}
+
 } // namespace
 
 void bindings::bind(QLineEdit &edit, TextField &field)
@@ -64,6 +82,19 @@ void bindings::bind(QLabel &label, TextField &field)
     follow(label, field, [&label, &field] {
         showAvailability(label, field);
         label.setText(field.stringValue());
+        if (const auto colour = field.textColor())
+            colourText(label, *colour);
+    });
+}
+
+void bindings::bind(QTextEdit &edit, TextView &view)
+{
+    follow(edit, view, [&edit, &view] {
+        showAvailability(edit, view);
+        edit.clear();
+        QTextCursor end(edit.document());
+        for (const StyledText &text : view.text())
+            end.insertText(text.text, formatOf(text));
     });
 }
 

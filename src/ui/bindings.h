@@ -11,6 +11,7 @@ class QProgressBar;
 class QLabel;
 class QPushButton;
 class QStackedWidget;
+class QTextEdit;
 
 /// Ties a widget to a control, so that both show the same at all times, whichever is changed. The widget
 /// keeps nothing that the control does not have; it may go before the control or after it. Main thread.
@@ -18,8 +19,9 @@ namespace bindings {
 
 /// What is typed is in the control at once, without an end to the edit.
 void bind(QLineEdit &edit, TextField &field);
-/// Shows the text letter for letter.
+/// Shows the text letter for letter, in its colour.
 void bind(QLabel &label, TextField &field);
+void bind(QTextEdit &edit, TextView &view);
 void bind(QStackedWidget &pages, TabView &tabView);
 void bind(QCheckBox &box, Checkbox &checkbox);
 void bind(QComboBox &box, Popup &popup);

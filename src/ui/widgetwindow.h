@@ -1,6 +1,7 @@
 #pragma once
 
 #include "document/windowfactory.h"
+#include "ui/aboutwindow.h"
 #include "ui/documentwindow.h"
 #include "ui/sheets.h"
 
@@ -62,6 +63,10 @@ public:
     [[nodiscard]] std::unique_ptr<platform::Window> makeWindow(MainWinController &document) override
     {
         return std::make_unique<WidgetWindow>(document, m_order, m_printer);
+    }
+    [[nodiscard]] std::unique_ptr<platform::Panel> makeAboutPanel(AboutController &controller) override
+    {
+        return std::make_unique<AboutWindow>(controller);
     }
 
 private:

@@ -36,6 +36,10 @@ public:
     {
         return std::make_unique<PlainWindow>(*application);
     }
+    [[nodiscard]] std::unique_ptr<platform::Panel> makeAboutPanel(AboutController &) override
+    {
+        return nullptr;
+    }
     FakeApplication *application = nullptr;
 };
 

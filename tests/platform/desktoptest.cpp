@@ -2,6 +2,7 @@
 #include "platform/posix/posixfileservice.h"
 #include "platform/posix/posixprocesslauncher.h"
 #include "platform/qt/busdistributednotifications.h"
+#include "platform/qt/desktopappearance.h"
 #include "platform/qt/desktopnotificationcenter.h"
 #include "platform/qt/desktopworkspace.h"
 #include "platform/qt/qtmainqueue.h"
@@ -242,10 +243,11 @@ TEST_F(NotificationCenter, withNobodyToAskAnActiveApplicationShowsNothing)
 TEST_F(Desktop, aNotificationOfAnySenderCallsItsHandlerAlone)
 {
     BusDistributedNotifications notifications(application);
+    const QObject observer;
     settle();
     QStringList calls;
-    notifications.addObserver(u"com.example.changed"_s, [&] { calls += u"changed"_s; });
-    notifications.addObserver(u"last"_s, [&] { calls += u"last"_s; });
+    notifications.addObserver(observer, u"com.example.changed"_s, [&] { calls += u"changed"_s; });
+    notifications.addObserver(observer, u"last"_s, [&] { calls += u"last"_s; });
     sendPosted(u"com.example.other"_s);
     sendPosted(u"com.example.changed"_s);
     sendPosted(u"com.example.changed"_s);
@@ -257,11 +259,12 @@ TEST_F(Desktop, aNotificationOfAnySenderCallsItsHandlerAlone)
 TEST_F(Desktop, withoutObserversNoHandlerIsCalled)
 {
     BusDistributedNotifications notifications(application);
+    const QObject observer;
     settle();
     QStringList calls;
-    notifications.addObserver(u"com.example.changed"_s, [&] { calls += u"changed"_s; });
-    notifications.removeAllObservers();
-    notifications.addObserver(u"last"_s, [&] { calls += u"last"_s; });
+    notifications.addObserver(observer, u"com.example.changed"_s, [&] { calls += u"changed"_s; });
+    notifications.removeObserver(observer);
+    notifications.addObserver(observer, u"last"_s, [&] { calls += u"last"_s; });
     sendPosted(u"com.example.changed"_s);
     sendPosted(u"last"_s);
     ASSERT_TRUE(waitFor([&] { return !calls.isEmpty(); }));
@@ -271,14 +274,153 @@ TEST_F(Desktop, withoutObserversNoHandlerIsCalled)
 TEST_F(Desktop, aHandlerMayRemoveItself)
 {
     BusDistributedNotifications notifications(application);
+    const QObject observer;
     settle();
     int calls = 0;
-    notifications.addObserver(u"once"_s, [&] {
-        notifications.removeAllObservers();
+    notifications.addObserver(observer, u"once"_s, [&] {
+        notifications.removeObserver(observer);
         ++calls;
     });
     sendPosted(u"once"_s);
     EXPECT_TRUE(waitFor([&] { return calls == 1; }));
+}
+
+TEST_F(Desktop, oneObserverMayGoWithoutTheOthers)
+{
+    BusDistributedNotifications notifications(application);
+    const QObject leaves;
+    const QObject stays;
+    settle();
+    QStringList calls;
+    notifications.addObserver(leaves, u"changed"_s, [&] { calls += u"leaves"_s; });
+    notifications.addObserver(stays, u"changed"_s, [&] { calls += u"stays"_s; });
+    sendPosted(u"changed"_s);
+    ASSERT_TRUE(waitFor([&] { return calls.size() == 2; }));
+    notifications.removeObserver(leaves);
+    sendPosted(u"changed"_s);
+    ASSERT_TRUE(waitFor([&] { return calls.size() == 3; }));
+    EXPECT_EQ(calls, (QStringList{u"leaves"_s, u"stays"_s, u"stays"_s}));
+}
+
+TEST_F(Desktop, aHandlerMayRemoveAnotherObserver)
+{
+    BusDistributedNotifications notifications(application);
+    const QObject first;
+    const QObject second;
+    settle();
+    QStringList calls;
+    notifications.addObserver(first, u"changed"_s, [&] {
+        notifications.removeObserver(second);
+        calls += u"first"_s;
+    });
+    notifications.addObserver(second, u"changed"_s, [&] { calls += u"second"_s; });
+    notifications.addObserver(first, u"last"_s, [&] { calls += u"last"_s; });
+    sendPosted(u"changed"_s);
+    sendPosted(u"last"_s);
+    ASSERT_TRUE(waitFor([&] { return calls.contains(u"last"_s); }));
+    EXPECT_EQ(calls, (QStringList{u"first"_s, u"last"_s}));
+}
+
+TEST_F(Desktop, aNotificationThatIsPostedReachesAllThisApplicationAmongThem)
+{
+    BusDistributedNotifications here(application);
+    BusDistributedNotifications elsewhere(desktop);
+    const QObject observer;
+    settle();
+    QStringList calls;
+    here.addObserver(observer, u"changed"_s, [&] { calls += u"here"_s; });
+    elsewhere.addObserver(observer, u"changed"_s, [&] { calls += u"elsewhere"_s; });
+    here.post(u"changed"_s);
+    ASSERT_TRUE(waitFor([&] { return calls.size() == 2; }));
+    calls.sort();
+    EXPECT_EQ(calls, (QStringList{u"elsewhere"_s, u"here"_s}));
+}
+
+TEST_F(Desktop, withoutABusANotificationReachesThisApplicationAllTheSame)
+{
+    BusDistributedNotifications notifications(QDBusConnection(u"no such bus"_s));
+    const QObject observer;
+    int calls = 0;
+    notifications.addObserver(observer, u"changed"_s, [&] { ++calls; });
+    notifications.post(u"changed"_s);
+    EXPECT_TRUE(waitFor([&] { return calls == 1; }));
+}
+
+// Light and dark
+
+namespace {
+
+/// The desktop's portal for settings, which knows the one setting.
+class SettingsPortal : public QObject {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.Settings")
+
+public:
+    uint scheme = 0;
+
+public Q_SLOTS:
+    QDBusVariant Read(const QString &group, const QString &key)
+    {
+        if (group != "org.freedesktop.appearance"_L1 || key != "color-scheme"_L1)
+            return QDBusVariant(u"another setting"_s);
+        return QDBusVariant(QVariant::fromValue(QDBusVariant(QVariant(scheme))));
+    }
+};
+
+class LightAndDark : public Desktop {
+protected:
+    using Scheme = DesktopAppearance::Scheme;
+
+    void servePortal(uint scheme)
+    {
+        portal.scheme = scheme;
+        serve(u"org.freedesktop.portal.Desktop"_s, portalPath, &portal);
+    }
+    void sendChange(const QString &key, uint scheme)
+    {
+        QDBusMessage signal =
+            QDBusMessage::createSignal(portalPath, u"org.freedesktop.portal.Settings"_s, u"SettingChanged"_s);
+        signal << u"org.freedesktop.appearance"_s << key
+               << QVariant::fromValue(QDBusVariant(QVariant(scheme)));
+        ASSERT_TRUE(desktop.send(signal));
+    }
+
+    const QString portalPath = u"/org/freedesktop/portal/desktop"_s;
+    SettingsPortal portal;
+};
+
+} // namespace
+
+TEST_F(LightAndDark, isReadAtTheStart)
+{
+    servePortal(1);
+    const DesktopAppearance appearance(application);
+    EXPECT_EQ(appearance.scheme(), Scheme::noPreference) << "nobody waits for the answer";
+    EXPECT_TRUE(waitFor([&] { return appearance.scheme() == Scheme::dark; }));
+}
+
+TEST_F(LightAndDark, isFollowedAndEachChangeToldOnce)
+{
+    servePortal(2);
+    const DesktopAppearance appearance(application);
+    int changes = 0;
+    QObject::connect(&appearance, &DesktopAppearance::changed, &appearance, [&] { ++changes; });
+    ASSERT_TRUE(waitFor([&] { return appearance.scheme() == Scheme::light; }));
+    sendChange(u"color-scheme"_s, 2);
+    sendChange(u"contrast"_s, 1);
+    sendChange(u"color-scheme"_s, 1);
+    ASSERT_TRUE(waitFor([&] { return appearance.scheme() == Scheme::dark; }));
+    EXPECT_EQ(changes, 2);
+    sendChange(u"color-scheme"_s, 77);
+    EXPECT_TRUE(waitFor([&] { return appearance.scheme() == Scheme::noPreference; }));
+}
+
+TEST_F(LightAndDark, ofADesktopWithoutAPortalIsNoPreference)
+{
+    const DesktopAppearance appearance(application);
+    settle();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(appearance.scheme(), Scheme::noPreference);
 }
 
 #include "desktoptest.moc"

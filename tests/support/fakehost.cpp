@@ -106,14 +106,14 @@ void ManualTimers::forgetAll()
         timer->invalidate();
 }
 
-void MemoryPreferences::setValue(const QString &key, const QVariant &value)
+void MemoryPreferences::store(const QString &key, const QVariant &value)
 {
     const std::scoped_lock lock(m_mutex);
     m_values.insert(key, value);
     m_changes.append(key);
 }
 
-void MemoryPreferences::remove(const QString &key)
+void MemoryPreferences::discard(const QString &key)
 {
     const std::scoped_lock lock(m_mutex);
     m_values.remove(key);
@@ -275,9 +275,25 @@ platform::AppleScriptResult FakeAppleScript::execute(const QString &source)
     return result;
 }
 
-void FakeDistributedNotifications::addObserver(const QString &name, std::function<void()> handler)
+void FakeDistributedNotifications::addObserver(const QObject &observer, const QString &name,
+                                               std::function<void()> handler)
 {
     handlers.insert(name, std::move(handler));
+    m_namesOfObservers.insert(&observer, name);
+}
+
+void FakeDistributedNotifications::removeObserver(const QObject &observer)
+{
+    for (const QString &name : m_namesOfObservers.values(&observer))
+        handlers.remove(name);
+    m_namesOfObservers.remove(&observer);
+}
+
+void FakeDistributedNotifications::post(const QString &name)
+{
+    posted.append(name);
+    if (const auto handler = handlers.value(name))
+        handler();
 }
 
 void FakeUserNotificationCenter::deliver(const platform::UserNotification &notification)
@@ -381,4 +397,9 @@ void FakeWindow::choose(const QUrl &url)
 std::unique_ptr<platform::Window> FakeWindowFactory::makeWindow(MainWinController &)
 {
     return std::make_unique<FakeWindow>(m_application);
+}
+
+std::unique_ptr<platform::Panel> FakeWindowFactory::makeAboutPanel(AboutController &)
+{
+    return std::make_unique<FakePanel>(aboutPanel);
 }

@@ -92,14 +92,14 @@ public:
 
 class MemoryPreferences : public platform::Preferences {
 public:
-    void setValue(const QString &key, const QVariant &value) override;
-    void remove(const QString &key) override;
     QVariantMap stored() const;
     /// The keys that were stored or removed since the last call, in order.
     QStringList takeChanges();
 
 protected:
     QVariant storedValue(const QString &key) const override;
+    void store(const QString &key, const QVariant &value) override;
+    void discard(const QString &key) override;
 
 private:
     mutable std::mutex m_mutex;
@@ -185,9 +185,14 @@ public:
 
 class FakeDistributedNotifications : public platform::DistributedNotifications {
 public:
-    void addObserver(const QString &name, std::function<void()> handler) override;
-    void removeAllObservers() override { handlers.clear(); }
-    QHash<QString, std::function<void()>> handlers;
+    void addObserver(const QObject &observer, const QString &name, std::function<void()> handler) override;
+    void removeObserver(const QObject &observer) override;
+    void post(const QString &name) override;
+    QHash<QString, std::function<void()>> handlers; ///< each name has one observer here
+    QStringList posted;
+
+private:
+    QMultiHash<const QObject *, QString> m_namesOfObservers;
 };
 
 class FakeUserNotificationCenter : public platform::UserNotificationCenter {
@@ -297,6 +302,27 @@ private:
     QString m_title;
 };
 
+class FakePanel : public platform::Panel {
+public:
+    /// What has been asked of all panels made with it.
+    struct Uses {
+        int made = 0;
+        int centered = 0;
+        int shown = 0;
+    };
+
+    explicit FakePanel(Uses &uses)
+        : m_uses(uses)
+    {
+        ++m_uses.made;
+    }
+    void center() override { ++m_uses.centered; }
+    void show() override { ++m_uses.shown; }
+
+private:
+    Uses &m_uses;
+};
+
 class FakeWindowFactory : public WindowFactory {
 public:
     explicit FakeWindowFactory(FakeApplication &application)
@@ -304,6 +330,9 @@ public:
     {
     }
     [[nodiscard]] std::unique_ptr<platform::Window> makeWindow(MainWinController &document) override;
+    [[nodiscard]] std::unique_ptr<platform::Panel> makeAboutPanel(AboutController &controller) override;
+
+    FakePanel::Uses aboutPanel;
 
 private:
     FakeApplication &m_application;

@@ -31,8 +31,15 @@ TestHost::TestHost(WindowFactory *windowFactory)
     , files(m_folder.filePath(u"trash"_s))
     , launcher([root = ToolRoot(tools.root())](const QString &path) { return root.locate(path); },
                ToolRoot(tools.root()).searchFolders())
-    , configuration{m_folder.filePath(u"DropDMG/Configurations"_s), QUrl(u"mailto:help@example.com"_s),
-                    QUrl(u"https://example.com/"_s), QUrl(u"https://example.com/forum"_s)}
+    , configuration{m_folder.filePath(u"DropDMG/Configurations"_s),
+                    QUrl(u"mailto:help@example.com"_s),
+                    QUrl(u"https://example.com/"_s),
+                    QUrl(u"https://example.com/forum"_s),
+                    {{u"CFBundleShortVersionString"_s, u"1.2.3"_s},
+                     {u"CFBundleVersion"_s, u"45"_s},
+                     {u"NSHumanReadableCopyright"_s, u"Copyright © 2026 Example"_s}},
+                    creditsFile(),
+                    u"Oct  9 2026"_s}
     , m_fakeWindows(applicationHost)
     , m_windowFactory(windowFactory ? *windowFactory : m_fakeWindows)
     , m_workers(std::make_unique<TestWorkerQueue>())

@@ -26,6 +26,10 @@ public:
     MainWinController &document();
     FakeWindow &window() { return window(document()); }
     static FakeWindow &window(MainWinController &document);
+    /// What has been asked of the about panel.
+    const FakePanel::Uses &aboutPanel() const { return m_fakeWindows.aboutPanel; }
+    /// Path of the credits, a file that a test may write.
+    QString creditsFile() const { return m_folder.filePath(QStringLiteral("Credits.rtf")); }
 
     /// Lets the main queue run until the workers are idle and nothing is queued any more.
     void settle();

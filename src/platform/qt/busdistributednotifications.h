@@ -3,7 +3,7 @@
 #include "platform/notifications.h"
 
 #include <QDBusConnection>
-#include <QHash>
+#include <QList>
 #include <QObject>
 
 namespace platform {
@@ -17,15 +17,25 @@ class BusDistributedNotifications : public QObject, public DistributedNotificati
 public:
     explicit BusDistributedNotifications(QDBusConnection bus = QDBusConnection::sessionBus());
 
-    void addObserver(const QString &name, std::function<void()> handler) override;
-    void removeAllObservers() override;
+    void addObserver(const QObject &observer, const QString &name, std::function<void()> handler) override;
+    void removeObserver(const QObject &observer) override;
+    /// Without a bus only this application is told.
+    void post(const QString &name) override;
 
 private Q_SLOTS:
     void posted(const QString &name);
 
 private:
+    struct Observation {
+        const QObject *observer;
+        QString name;
+        std::function<void()> handler;
+    };
+
+    void callHandler(const QObject *observer, const QString &name);
+
     QDBusConnection m_bus;
-    QHash<QString, std::function<void()>> m_handlers;
+    QList<Observation> m_observations;
 };
 
 } // namespace platform

@@ -1,0 +1,65 @@
+#include "platform/qt/desktopappearance.h"
+
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+
+using namespace Qt::StringLiterals;
+
+namespace platform {
+
+namespace {
+
+const QString service = u"org.freedesktop.portal.Desktop"_s;
+const QString objectPath = u"/org/freedesktop/portal/desktop"_s;
+const QString interfaceName = u"org.freedesktop.portal.Settings"_s;
+const QString appearanceGroup = u"org.freedesktop.appearance"_s;
+const QString colorSchemeKey = u"color-scheme"_s;
+
+/// The answer to `Read` is wrapped once more than the document says.
+QVariant unwrapped(QVariant value)
+{
+    while (value.metaType() == QMetaType::fromType<QDBusVariant>())
+        value = value.value<QDBusVariant>().variant();
+    return value;
+}
+
+} // namespace
+
+DesktopAppearance::DesktopAppearance(QDBusConnection bus)
+{
+    bus.connect(service, objectPath, interfaceName, u"SettingChanged"_s, u"ssv"_s, this,
+                SLOT(settingChanged(QString, QString, QDBusVariant)));
+    ask(bus);
+}
+
+void DesktopAppearance::ask(QDBusConnection &bus)
+{
+    QDBusMessage call = QDBusMessage::createMethodCall(service, objectPath, interfaceName, u"Read"_s);
+    call << appearanceGroup << colorSchemeKey;
+    auto *const answer = new QDBusPendingCallWatcher(bus.asyncCall(call), this);
+    connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer] {
+        answer->deleteLater();
+        if (const QDBusPendingReply<QDBusVariant> reply = *answer; reply.isValid())
+            setScheme(unwrapped(reply.value().variant()));
+    });
+}
+
+void DesktopAppearance::settingChanged(const QString &group, const QString &key, const QDBusVariant &value)
+{
+    if (group == appearanceGroup && key == colorSchemeKey)
+        setScheme(unwrapped(value.variant()));
+}
+
+void DesktopAppearance::setScheme(const QVariant &value)
+{
+    Scheme scheme = Scheme::noPreference; // also for a number that nobody knows yet
+    if (value.toUInt() == 1)
+        scheme = Scheme::dark;
+    else if (value.toUInt() == 2)
+        scheme = Scheme::light;
+    if (std::exchange(m_scheme, scheme) != scheme)
+        Q_EMIT changed();
+}
+
+} // namespace platform
