@@ -39,6 +39,18 @@ double Preferences::number(const QString &key) const
     return found.typeId() == QMetaType::QString ? found.toString().trimmed().toDouble() : found.toDouble();
 }
 
+void Preferences::setValue(const QString &key, const QVariant &value)
+{
+    store(key, value);
+    Q_EMIT changes.changed();
+}
+
+void Preferences::remove(const QString &key)
+{
+    discard(key);
+    Q_EMIT changes.changed();
+}
+
 QString Preferences::string(const QString &key) const
 {
     return value(key).toString();

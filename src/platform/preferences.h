@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/property.h"
+
 #include <QString>
 #include <QVariant>
 
@@ -25,11 +27,16 @@ public:
     /// Null when the key has no value.
     QString string(const QString &key) const;
 
-    virtual void setValue(const QString &key, const QVariant &value) = 0;
-    virtual void remove(const QString &key) = 0;
+    void setValue(const QString &key, const QVariant &value);
+    void remove(const QString &key);
+
+    /// Tells of each write of any key, on the thread that wrote.
+    Observable changes;
 
 protected:
     virtual QVariant storedValue(const QString &key) const = 0;
+    virtual void store(const QString &key, const QVariant &value) = 0;
+    virtual void discard(const QString &key) = 0;
 
 private:
     QVariantMap m_defaults; // written once at launch, before any other thread reads

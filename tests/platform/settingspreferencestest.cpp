@@ -167,3 +167,15 @@ TEST_F(SettingsFile, manyThreadsMayReadAndWriteWhileTheFileIsWritten)
     for (int t = 0; t < 4; ++t)
         EXPECT_EQ(next.integer(QString::number(t)), 199);
 }
+
+TEST_F(SettingsFile, tellsOfEachWriteOnceTheValueIsThere)
+{
+    SettingsPreferences preferences(path);
+    const QObject context;
+    QStringList seen;
+    QObject::connect(&preferences.changes, &Observable::changed, &context,
+                     [&] { seen.append(preferences.string(u"key"_s)); });
+    preferences.setValue(u"key"_s, u"one"_s);
+    preferences.remove(u"key"_s);
+    EXPECT_EQ(seen, (QStringList{u"one"_s, QString()}));
+}

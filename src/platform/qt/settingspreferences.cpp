@@ -38,14 +38,14 @@ SettingsPreferences::SettingsPreferences(const QString &path)
 
 SettingsPreferences::~SettingsPreferences() = default;
 
-void SettingsPreferences::setValue(const QString &key, const QVariant &value)
+void SettingsPreferences::store(const QString &key, const QVariant &value)
 {
     const std::lock_guard lock(m_mutex);
     m_values[key] = value;
     m_file->setValue(key, value);
 }
 
-void SettingsPreferences::remove(const QString &key)
+void SettingsPreferences::discard(const QString &key)
 {
     const std::lock_guard lock(m_mutex);
     m_values.remove(key);

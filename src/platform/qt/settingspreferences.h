@@ -18,11 +18,10 @@ public:
     explicit SettingsPreferences(const QString &path);
     ~SettingsPreferences() override;
 
-    void setValue(const QString &key, const QVariant &value) override;
-    void remove(const QString &key) override;
-
 protected:
     QVariant storedValue(const QString &key) const override;
+    void store(const QString &key, const QVariant &value) override;
+    void discard(const QString &key) override;
 
 private:
     class File;

@@ -1,0 +1,233 @@
+#include "ui/preferenceswindow.h"
+
+#include "app/preferencekeys.h"
+#include "platform/preferences.h"
+#include "ui/named.h"
+#include "ui/preferencebindings.h"
+
+#include <QApplication>
+#include <QBoxLayout>
+#include <QCheckBox>
+#include <QFileDialog>
+#include <QFormLayout>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QScrollArea>
+#include <QShortcut>
+#include <QSpinBox>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int charactersAcross = 72;
+
+/// One group of settings: what is set, and below it in smaller print what that means.
+class Section {
+public:
+    Section(QBoxLayout &sections, const QString &title)
+        : m_group(new QGroupBox(title))
+        , m_rows(new QFormLayout(m_group))
+    {
+        m_rows->setFieldGrowthPolicy(QFormLayout::ExpandingFieldsGrow);
+        sections.addWidget(m_group);
+    }
+
+    void addCheckbox(platform::Preferences &preferences, const QString &key, const QString &label,
+                     const QString &explanation)
+    {
+        auto *const box = named(new QCheckBox(label, m_group), key, plain(label));
+        bindings::bind(*box, preferences, key);
+        m_rows->addRow(box);
+        explain(*box, explanation);
+    }
+
+    void addField(QWidget *field, QWidget *named, const QString &label, const QString &explanation)
+    {
+        named->setAccessibleName(plain(label));
+        auto *const caption = new QLabel(label, m_group);
+        caption->setBuddy(named);
+        m_rows->addRow(caption, field);
+        explain(*named, explanation);
+    }
+
+    QWidget *widget() const { return m_group; }
+
+private:
+    static QString plain(QString label) { return label.remove(u'&'); }
+
+    void explain(QWidget &setting, const QString &explanation)
+    {
+        auto *const text = new QLabel(explanation, m_group);
+        text->setWordWrap(true);
+        text->setForegroundRole(QPalette::PlaceholderText);
+        setting.setAccessibleDescription(explanation);
+        m_rows->addRow(text);
+    }
+
+    QGroupBox *const m_group;
+    QFormLayout *const m_rows;
+};
+
+QSpinBox *makeSpinBox(QWidget *parent, const QString &key, int least, int most, const QString &unit)
+{
+    auto *const box = new QSpinBox(parent);
+    box->setObjectName(key);
+    box->setRange(least, most);
+    box->setSuffix(unit);
+    return box;
+}
+
+QDoubleSpinBox *makeSecondsBox(QWidget *parent, const QString &key, double least, double most, int decimals,
+                               double step)
+{
+    auto *const box = new QDoubleSpinBox(parent);
+    box->setObjectName(key);
+    box->setDecimals(decimals);
+    box->setRange(least, most);
+    box->setSingleStep(step);
+    box->setSuffix(u" seconds"_s);
+    return box;
+}
+
+} // namespace
+
+void PreferencesWindow::show(platform::Preferences &preferences)
+{
+    PreferencesWindow *window = nullptr;
+    for (QWidget *const top : QApplication::topLevelWidgets()) {
+        if (auto *const open = qobject_cast<PreferencesWindow *>(top))
+            window = open;
+    }
+    if (!window) {
+        window = new PreferencesWindow(preferences);
+        window->setAttribute(Qt::WA_DeleteOnClose);
+    }
+    window->setWindowState(window->windowState() & ~Qt::WindowMinimized);
+    window->setVisible(true);
+    window->raise();
+    window->activateWindow();
+}
+
+PreferencesWindow::PreferencesWindow(platform::Preferences &preferences)
+    : m_preferences(preferences)
+{
+    setWindowTitle(u"Settings"_s);
+    auto *const scroll = new QScrollArea(this);
+    scroll->setFrameShape(QFrame::NoFrame);
+    scroll->setWidgetResizable(true);
+    scroll->setFocusPolicy(Qt::NoFocus);
+    auto *const contents = new QWidget(scroll);
+    auto *const sections = new QVBoxLayout(contents);
+    addSigning(*sections);
+    addNotarization(*sections);
+    addLog(*sections);
+    addTools(*sections);
+    sections->addStretch(1);
+    scroll->setWidget(contents);
+    auto *const whole = new QVBoxLayout(this);
+    whole->setContentsMargins(0, 0, 0, 0);
+    whole->addWidget(scroll);
+    connect(qApp, &QApplication::focusChanged, scroll, [scroll](QWidget *, QWidget *now) {
+        if (now && scroll->isAncestorOf(now))
+            scroll->ensureWidgetVisible(now);
+    });
+    connect(new QShortcut(Qt::Key_Escape, this), &QShortcut::activated, this, &QWidget::close);
+    connect(new QShortcut(QKeySequence::Close, this), &QShortcut::activated, this, &QWidget::close);
+    const int width = fontMetrics().averageCharWidth() * charactersAcross;
+    resize(width, contents->heightForWidth(width));
+}
+
+void PreferencesWindow::addSigning(QBoxLayout &sections)
+{
+    Section section(sections, u"Signing"_s);
+    section.addCheckbox(m_preferences, key::prefCodesignForce, u"&Replace signatures that are there"_s,
+                        u"Without it, codesign refuses code that is signed already."_s);
+    section.addCheckbox(m_preferences, key::prefCodesignDeep, u"Have codesign sign &nested code too"_s,
+                        u"Rarely needed: nested code is signed piece by piece in any case."_s);
+    section.addCheckbox(m_preferences, key::prefDoPostCodesignCheck, u"&Verify after signing"_s,
+                        u"Has codesign check the finished signature before anything is uploaded."_s);
+}
+
+void PreferencesWindow::addNotarization(QBoxLayout &sections)
+{
+    Section section(sections, u"Notarization"_s);
+    section.addCheckbox(m_preferences, key::preferXcodeAltool, u"Prefer the notary tool of &Xcode"_s,
+                        u"Otherwise that of Transporter comes first. Takes effect at the next launch."_s);
+    constexpr double leastDelay = 20;
+    constexpr double mostDelay = 300;
+    auto *const delay = makeSecondsBox(section.widget(), key::pollingDelay, leastDelay, mostDelay, 1, 5);
+    bindings::bind(*delay, m_preferences, key::pollingDelay);
+    section.addField(delay, delay, u"&Ask for the verdict every"_s,
+                     u"From 20 to 300 seconds. A verdict usually takes several minutes."_s);
+    constexpr int leastFailures = 3;
+    constexpr int mostFailures = 1'000'000;
+    auto *const limit = makeSpinBox(section.widget(), key::prefRetryLimitFor239Failure, leastFailures,
+                                    mostFailures, u" failures"_s);
+    bindings::bind(*limit, m_preferences, key::prefRetryLimitFor239Failure);
+    section.addField(limit, limit, u"&Give up after"_s,
+                     u"Failures with code 239, which pass by themselves when the service is busy."_s);
+    section.addCheckbox(m_preferences, key::userInfoShowWhenActive,
+                        u"Notif&y me while Sealwright is in front"_s,
+                        u"Otherwise a verdict is announced only while you work in another program."_s);
+}
+
+void PreferencesWindow::addLog(QBoxLayout &sections)
+{
+    Section section(sections, u"Log"_s);
+    section.addCheckbox(m_preferences, key::detailedLogToFile, u"Keep a detailed &log beside the item"_s,
+                        u"“Submission Log.txt” has every line of the window and each tool's full report."_s);
+    constexpr int leastSize = 6;
+    constexpr int mostSize = 72;
+    auto *const size = makeSpinBox(section.widget(), key::logFontSize, leastSize, mostSize, u" points"_s);
+    bindings::bind(*size, m_preferences, key::logFontSize);
+    section.addField(size, size, u"Text &size in the window"_s, u"Counts from the next line on."_s);
+}
+
+void PreferencesWindow::addTools(QBoxLayout &sections)
+{
+    Section section(sections, u"Tools"_s);
+    QWidget *const folder = makeToolRoot(section.widget());
+    section.addField(
+        folder, folder->findChild<QLineEdit *>(key::toolRoot), u"&Folder of tools"_s,
+        u"Holds tools at Apple's paths, such as usr/bin/codesign. Takes effect at the next launch."_s);
+    constexpr double longestPause = 10;
+    constexpr double step = 0.05;
+    auto *const pause = makeSecondsBox(section.widget(), key::toolPause, 0, longestPause, 2, step);
+    bindings::bind(*pause, m_preferences, key::toolPause);
+    section.addField(pause, pause, u"&Pause after each tool"_s,
+                     u"0 is safe on this system. Counts for documents opened from now on."_s);
+}
+
+QWidget *PreferencesWindow::makeToolRoot(QWidget *parent)
+{
+    auto *const row = new QWidget(parent);
+    auto *const columns = new QHBoxLayout(row);
+    columns->setContentsMargins(0, 0, 0, 0);
+    auto *const path = new QLineEdit(row);
+    path->setObjectName(key::toolRoot);
+    path->setPlaceholderText(u"The toolchain that came with Sealwright"_s);
+    path->setClearButtonEnabled(true);
+    bindings::bind(*path, m_preferences, key::toolRoot);
+    auto *const choose =
+        named(new QPushButton(u"&Choose…"_s, row), u"chooseToolRootButton"_s, u"Choose folder of tools"_s);
+    connect(choose, &QPushButton::clicked, this, &PreferencesWindow::chooseToolRoot);
+    columns->addWidget(path, 1);
+    columns->addWidget(choose);
+    return row;
+}
+
+void PreferencesWindow::chooseToolRoot()
+{
+    auto *const panel =
+        new QFileDialog(this, u"Choose the folder of tools"_s, m_preferences.string(key::toolRoot));
+    panel->setAttribute(Qt::WA_DeleteOnClose);
+    panel->setOption(QFileDialog::DontUseNativeDialog);
+    panel->setFileMode(QFileDialog::Directory);
+    panel->setOption(QFileDialog::ShowDirsOnly);
+    connect(panel, &QFileDialog::fileSelected, this,
+            [this](const QString &folder) { m_preferences.setValue(key::toolRoot, folder); });
+    panel->open();
+}

@@ -1,0 +1,238 @@
+#include "ui/preferenceswindow.h"
+
+#include "app/appdelegate.h"
+#include "app/preferencekeys.h"
+#include "support/fakehost.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QDialogButtonBox>
+#include <QFileDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QScrollArea>
+#include <QSpinBox>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QStringList checkboxKeys{key::prefCodesignForce,       key::prefCodesignDeep,
+                               key::prefDoPostCodesignCheck, key::preferXcodeAltool,
+                               key::userInfoShowWhenActive,  key::detailedLogToFile};
+const QStringList fieldKeys{key::pollingDelay, key::prefRetryLimitFor239Failure, key::logFontSize,
+                            key::toolRoot, key::toolPause};
+
+class PreferencesWindowTest : public testing::Test {
+protected:
+    PreferencesWindowTest() { AppDelegate::initialize(preferences); }
+
+    PreferencesWindow &window()
+    {
+        if (!m_window) {
+            m_window = std::make_unique<PreferencesWindow>(preferences);
+            m_window->setVisible(true);
+            EXPECT_TRUE(QTest::qWaitForWindowActive(m_window.get()));
+        }
+        return *m_window;
+    }
+    template <class Widget>
+    Widget &part(const QString &name)
+    {
+        auto *const found = window().findChild<Widget *>(name);
+        if (!found)
+            throw std::runtime_error("no such part: " + name.toStdString());
+        return *found;
+    }
+    /// Types a text in place of the one that a field has, and ends the edit.
+    template <class Field>
+    static void type(Field &field, const QString &text)
+    {
+        field.setFocus();
+        QTest::keyClick(&field, Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClicks(&field, text);
+        QTest::keyClick(&field, Qt::Key_Return);
+    }
+
+    MemoryPreferences preferences;
+
+private:
+    std::unique_ptr<PreferencesWindow> m_window;
+};
+
+} // namespace
+
+TEST_F(PreferencesWindowTest, eachCheckboxAgreesWithItsPreferenceBothWays)
+{
+    for (const QString &key : checkboxKeys) {
+        auto &box = part<QCheckBox>(key);
+        const bool usual = preferences.boolean(key);
+        EXPECT_EQ(box.isChecked(), usual) << key.toStdString();
+        QTest::keyClick(&box, Qt::Key_Space);
+        EXPECT_EQ(preferences.boolean(key), !usual) << key.toStdString();
+        preferences.setValue(key, usual);
+        EXPECT_EQ(box.isChecked(), usual) << key.toStdString();
+        preferences.setValue(key, !usual);
+        preferences.remove(key);
+        EXPECT_EQ(box.isChecked(), usual) << "the registered value counts again: " << key.toStdString();
+    }
+}
+
+TEST_F(PreferencesWindowTest, eachNumberAgreesWithItsPreferenceBothWays)
+{
+    auto &delay = part<QDoubleSpinBox>(key::pollingDelay);
+    EXPECT_EQ(delay.value(), 30.0);
+    type(delay, u"45"_s);
+    EXPECT_EQ(preferences.number(key::pollingDelay), 45.0);
+    preferences.setValue(key::pollingDelay, 22.5);
+    EXPECT_EQ(delay.value(), 22.5);
+
+    auto &limit = part<QSpinBox>(key::prefRetryLimitFor239Failure);
+    EXPECT_EQ(limit.value(), 1000);
+    type(limit, u"7"_s);
+    EXPECT_EQ(preferences.integer(key::prefRetryLimitFor239Failure), 7);
+    preferences.setValue(key::prefRetryLimitFor239Failure, 9);
+    EXPECT_EQ(limit.value(), 9);
+
+    auto &size = part<QSpinBox>(key::logFontSize);
+    EXPECT_EQ(size.value(), 12);
+    QTest::keyClick(&size, Qt::Key_Up);
+    EXPECT_EQ(preferences.integer(key::logFontSize), 13);
+    preferences.setValue(key::logFontSize, 18);
+    EXPECT_EQ(size.value(), 18);
+
+    auto &pause = part<QDoubleSpinBox>(key::toolPause);
+    EXPECT_EQ(pause.value(), 0.15);
+    type(pause, u"0"_s);
+    EXPECT_EQ(preferences.number(key::toolPause), 0.0);
+    preferences.setValue(key::toolPause, 0.5);
+    EXPECT_EQ(pause.value(), 0.5);
+}
+
+TEST_F(PreferencesWindowTest, aNumberIsWrittenWhenItHasBeenTypedAndNotDigitByDigit)
+{
+    auto &limit = part<QSpinBox>(key::prefRetryLimitFor239Failure);
+    preferences.takeChanges();
+    limit.setFocus();
+    limit.selectAll();
+    QTest::keyClicks(&limit, u"250"_s);
+    EXPECT_TRUE(preferences.takeChanges().isEmpty());
+    QTest::keyClick(&limit, Qt::Key_Tab);
+    EXPECT_EQ(preferences.takeChanges(), QStringList{key::prefRetryLimitFor239Failure});
+    EXPECT_EQ(preferences.integer(key::prefRetryLimitFor239Failure), 250);
+}
+
+TEST_F(PreferencesWindowTest, aValueThatCannotBeShownStaysUntilAPersonSetsAnother)
+{
+    preferences.setValue(key::pollingDelay, 5);
+    EXPECT_EQ(part<QDoubleSpinBox>(key::pollingDelay).value(), 20.0);
+    EXPECT_EQ(preferences.number(key::pollingDelay), 5.0);
+}
+
+TEST_F(PreferencesWindowTest, theFolderOfToolsAgreesWithItsPreferenceBothWays)
+{
+    auto &path = part<QLineEdit>(key::toolRoot);
+    EXPECT_EQ(path.text(), QString());
+    type(path, u"/opt/tools"_s);
+    EXPECT_EQ(preferences.string(key::toolRoot), u"/opt/tools"_s);
+    preferences.setValue(key::toolRoot, u"/srv/tools"_s);
+    EXPECT_EQ(path.text(), u"/srv/tools"_s);
+    path.selectAll();
+    QTest::keyClick(&path, Qt::Key_Delete);
+    QTest::keyClick(&path, Qt::Key_Return);
+    EXPECT_FALSE(preferences.stored().contains(key::toolRoot)) << "without a folder it is the bundled one";
+}
+
+TEST_F(PreferencesWindowTest, whatIsBeingTypedIsNotTakenAwayByAnotherChange)
+{
+    auto &path = part<QLineEdit>(key::toolRoot);
+    path.setFocus();
+    QTest::keyClicks(&path, u"/opt"_s);
+    preferences.setValue(key::logFontSize, 14);
+    EXPECT_EQ(path.text(), u"/opt"_s);
+    EXPECT_FALSE(preferences.stored().contains(key::toolRoot));
+}
+
+TEST_F(PreferencesWindowTest, theFolderOfToolsCanBeChosenInAPanel)
+{
+    const QTemporaryDir folder;
+    QTest::mouseClick(&part<QPushButton>(u"chooseToolRootButton"_s), Qt::LeftButton);
+    auto &panel = part<QFileDialog>({});
+    EXPECT_EQ(panel.windowModality(), Qt::WindowModal);
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&panel));
+    auto &name = *panel.findChild<QLineEdit *>(u"fileNameEdit"_s);
+    name.setText(folder.path()); // typed, the panel would complete it with what it finds on the way
+    QTest::mouseClick(panel.findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Open), Qt::LeftButton);
+    EXPECT_EQ(preferences.string(key::toolRoot), folder.path());
+    EXPECT_EQ(part<QLineEdit>(key::toolRoot).text(), folder.path());
+}
+
+TEST_F(PreferencesWindowTest, eachSettingHasALabelAndALineThatExplainsIt)
+{
+    for (const QString &key : checkboxKeys + fieldKeys) {
+        const auto &setting = part<QWidget>(key);
+        EXPECT_FALSE(setting.accessibleName().isEmpty()) << key.toStdString();
+        EXPECT_FALSE(setting.accessibleDescription().isEmpty()) << key.toStdString();
+    }
+    EXPECT_TRUE(part<QLineEdit>(key::toolRoot).accessibleDescription().contains(u"at the next launch"_s));
+}
+
+TEST_F(PreferencesWindowTest, theTabKeyReachesEverySetting)
+{
+    QSet<QString> reached;
+    part<QWidget>(key::prefCodesignForce).setFocus();
+    for (int presses = 0; presses < 40; ++presses) {
+        reached.insert(QApplication::focusWidget()->objectName());
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    }
+    for (const QString &key : checkboxKeys + fieldKeys)
+        EXPECT_TRUE(reached.contains(key)) << key.toStdString();
+}
+
+TEST_F(PreferencesWindowTest, aLabelsLetterWithAltLeadsToItsSetting)
+{
+    QTest::keyClick(&window(), Qt::Key_G, Qt::AltModifier);
+    EXPECT_TRUE(part<QSpinBox>(key::prefRetryLimitFor239Failure).hasFocus());
+}
+
+TEST_F(PreferencesWindowTest, withAFontTwiceTheSizeNothingIsCutOffSideways)
+{
+    const QFont usual = QApplication::font();
+    QFont large = usual;
+    large.setPointSizeF(2 * usual.pointSizeF());
+    QApplication::setFont(large);
+    window().resize(1024, 700);
+    QCoreApplication::processEvents();
+    auto &scroll = part<QScrollArea>({});
+    EXPECT_LE(scroll.widget()->minimumSizeHint().width(), 1024);
+    for (const QString &key : checkboxKeys + fieldKeys) {
+        auto &setting = part<QWidget>(key);
+        setting.setFocus();
+        QCoreApplication::processEvents();
+        EXPECT_FALSE(setting.visibleRegion().isEmpty()) << key.toStdString();
+    }
+    QApplication::setFont(usual);
+}
+
+TEST_F(PreferencesWindowTest, thereIsOneAndEscapeClosesIt)
+{
+    const auto open = [] {
+        QList<QWidget *> windows;
+        for (QWidget *const top : QApplication::topLevelWidgets()) {
+            if (qobject_cast<PreferencesWindow *>(top))
+                windows.append(top);
+        }
+        return windows;
+    };
+    PreferencesWindow::show(preferences);
+    PreferencesWindow::show(preferences);
+    ASSERT_EQ(open().size(), 1);
+    ASSERT_TRUE(QTest::qWaitForWindowActive(open().first()));
+    QTest::keyClick(open().first(), Qt::Key_Escape);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return open().isEmpty(); }));
+}
