@@ -2,6 +2,9 @@
 
 #include "document/documentextension.h"
 #include "scripting/scriptcommand.h"
+#include "scripting/scriptproperty.h"
+
+#include <QUrl>
 
 #include <functional>
 
@@ -27,6 +30,22 @@ public:
 
     /// True when the document is ready; otherwise the executing command has its error.
     [[nodiscard]] bool checkStatusIsReady() const;
+
+    /// Each is the live value of a control or a field. No read looks at the preferences.
+    static const QList<ScriptProperty<MainWinControllerScripting>> &properties();
+    /// Makes the writes one after the other, also when one of them is an error. Main thread.
+    void setScriptingProperties(const QVariantMap &valuesByKey);
+    void setAEActiveIdentity(const QString &identity);
+    /// Takes the URL of a property list, and has an error for that, too.
+    void setAEExtraEntitlements(const QVariant &url);
+    /// With DropDMG missing, turning it on turns it off for documents that are made later.
+    void setAEUseDropDMG(bool usesDropDMG);
+    void setAEDropDMGConfig(const QVariant &name);
+
+    QString displayName() const;
+    /// For messages to those who write scripts.
+    QString description() const;
+    MainWinController &controller() const { return document; }
 
     // What a command asks for, after its checks. Each suspends the command until the work has ended.
     void startSubmission(const ScriptCommandPtr &command);

@@ -49,6 +49,13 @@ MainWinControllerScripting &NSApplicationScripting::addedDocument() const
     return m_appDelegate.addedDocument()->steps().scripting;
 }
 
+DocumentPtr NSApplicationScripting::newScriptingDocument(const QVariantMap &properties) const
+{
+    const DocumentPtr document = m_appDelegate.addedDocument();
+    document->steps().scripting.setScriptingProperties(properties);
+    return document;
+}
+
 bool NSApplicationScripting::checkStatusIsReady() const
 {
     return commandchecks::isReady(m_appDelegate.statusString(), u"Application"_s);

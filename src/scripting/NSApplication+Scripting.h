@@ -2,6 +2,7 @@
 
 #include "platform/window.h"
 #include "scripting/scriptcommand.h"
+#include "scripting/scriptproperty.h"
 
 #include <QList>
 
@@ -26,8 +27,20 @@ public:
     /// Leaves the document to a person, who then decides. Ends at once.
     void AEPrepareForNotarizing(const ScriptCommandPtr &command);
 
+    /// Makes a document, and sets these of its properties by their keys.
+    std::shared_ptr<MainWinController> newScriptingDocument(const QVariantMap &properties) const;
+
     /// True when the application is ready; otherwise the executing command has its error.
     [[nodiscard]] bool checkStatusIsReady() const;
+
+    /// Nearly all of these are preferences, and what is written to them reaches documents that are made
+    /// later.
+    static const QList<ScriptProperty<NSApplicationScripting>> &properties();
+    /// Moved to the nearer limit without a word; seconds.
+    void setAEPollingDelay(float delay);
+    void setAEErrorRetryLimit(qint64 limit);
+    /// A null identity, as none, is removed and reported as wrong as well.
+    void setActiveIdentity(const QString &identity);
 
     // Lists, front to back
     /// The document windows on screen; of a tab group the one that shows.
@@ -39,6 +52,8 @@ public:
     /// Null when no document window is open.
     platform::Window *frontmostWindow() const;
     MainWinController *frontmostPseudoDocument() const;
+
+    AppDelegate &appDelegate() const { return m_appDelegate; }
 
     /// The document of a window; null if the window is no document's.
     MainWinController *windowController(const platform::Window *window) const;

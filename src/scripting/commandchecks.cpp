@@ -65,10 +65,7 @@ bool isReady(const QString &statusString, const QString &receiver)
 {
     if (statusString == status::ready)
         return true;
-    if (const auto command = ScriptCommand::executingCommand()) {
-        command->setScriptErrorNumber(scriptErrorBusy);
-        command->setScriptErrorString(u"%1 is busy, status: %2."_s.arg(receiver, statusString));
-    }
+    setScriptError(scriptErrorBusy, u"%1 is busy, status: %2."_s.arg(receiver, statusString));
     return false;
 }
 

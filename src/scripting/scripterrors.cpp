@@ -1,5 +1,7 @@
 #include "scripting/scripterrors.h"
 
+#include "scripting/scriptcommand.h"
+
 #include <algorithm>
 #include <iterator>
 
@@ -42,6 +44,16 @@ constexpr Record records[] = {
 };
 
 } // namespace
+
+void setScriptError(qint64 number, const QString &text)
+{
+    const auto command = ScriptCommand::executingCommand();
+    if (!command)
+        return;
+    if (!text.isNull())
+        command->setScriptErrorString(text);
+    command->setScriptErrorNumber(number);
+}
 
 qint64 errorNumberFromString(const QString &title)
 {

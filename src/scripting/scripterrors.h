@@ -3,9 +3,16 @@
 #include <QString>
 
 /// The numbers by which failures reach a script.
+inline constexpr qint64 scriptErrorReadOnly = -10003; ///< the property cannot be written
 inline constexpr qint64 scriptErrorArgument = 6; ///< an argument or a value was wrong
 inline constexpr qint64 scriptErrorGeneral = 7; ///< a failure that only the text explains
 inline constexpr qint64 scriptErrorBusy = 1199; ///< nothing was done; try again later
+inline constexpr qint64 scriptErrorNoDropDMG = 1202; ///< DropDMG was asked for and is not there
+inline constexpr qint64 scriptErrorNoConfiguration = 1203; ///< there is no such DropDMG configuration
+inline constexpr qint64 scriptErrorWithdrawn = 1204; ///< the property is no longer supported
+
+/// Sets the error on the command that this thread executes, if there is one. A null text is none.
+void setScriptError(qint64 number, const QString &text = {});
 
 /// The informative text of most failures: the explanation is in the logs.
 inline constexpr QStringView seeTheLog = u"See the log for details.";
