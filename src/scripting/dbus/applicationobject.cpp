@@ -28,45 +28,20 @@ NSApplicationScripting &scripting(const BusObject &object)
     return object.application.scripting();
 }
 
-QVariant orderedWindows(const BusObject &object)
+BusAccessByKey properties()
 {
-    return QVariant::fromValue(object.objects.paths(scripting(object).orderedWindows()));
-}
-
-QVariant allOrderedWindows(const BusObject &object)
-{
-    return QVariant::fromValue(object.objects.paths(scripting(object).allOrderedWindows()));
-}
-
-QVariant orderedPseudoDocuments(const BusObject &object)
-{
-    return QVariant::fromValue(object.objects.paths(scripting(object).orderedPseudoDocuments()));
-}
-
-QVariant orderedDocuments(const BusObject &object)
-{
-    return QVariant::fromValue(object.objects.paths(scripting(object).orderedDocuments()));
-}
-
-QList<BusProperty> properties()
-{
-    return {
-        {u"Name"_s, u"s"_s, [](const BusObject &) { return QCoreApplication::applicationName(); }},
-        {u"Version"_s, u"s"_s, [](const BusObject &) { return QCoreApplication::applicationVersion(); }},
-        {u"IsActive"_s, u"b"_s, [](const BusObject &) { return isActive(); }},
-        {u"AppStatus"_s, u"s"_s, [](const BusObject &object) { return object.application.statusString(); },
-         [](const BusObject &, const QVariant &) { scriptcalls::fail(scriptcalls::readOnlyNumber); }, true},
-        {u"OrderedWindows"_s, u"ao"_s, orderedWindows, [](const BusObject &, const QVariant &) {}},
-        {u"AllOrderedWindows"_s, u"ao"_s, allOrderedWindows},
-        {u"OrderedPseudoDocuments"_s, u"ao"_s, orderedPseudoDocuments},
-        {u"OrderedDocuments"_s, u"ao"_s, orderedDocuments},
-        {u"LastErrorFrom"_s, u"v"_s,
-         [](const BusObject &object) {
+    BusAccessByKey access = accessTo(NSApplicationScripting::properties(), &scripting);
+    access.insert({
+        {u"name"_s, {[](const BusObject &) { return QCoreApplication::applicationName(); }}},
+        {u"version"_s, {[](const BusObject &) { return QCoreApplication::applicationVersion(); }}},
+        {u"isActive"_s, {[](const BusObject &) { return isActive(); }}},
+        {u"lastErrorFrom"_s, {[](const BusObject &object) {
              const QVariant offending = object.objects.lastErrors().of(object.caller);
              return offending.isValid() ? QVariant::fromValue(QDBusVariant(busvalue::toBus(offending)))
                                         : QVariant();
-         }},
-    };
+         }}},
+    });
+    return access;
 }
 
 using Handler = std::function<void(const BusObject &, const BusCall &)>;
@@ -83,16 +58,8 @@ Handler openingDocuments(const Handler &handler)
     };
 }
 
-QList<BusMethod> methods()
-{
-    return scriptcalls::sharedCommands<NSApplicationScripting>(&scripting)
-        + QList<BusMethod>{
-            {u"MakeDocument"_s,
-             {{u"properties"_s, u"a{sv}"_s}},
-             {{u"document"_s, u"o"_s}},
-             openingDocuments(makeDocument)},
-        };
-}
+const BusArgument madeFrom{u"properties"_s, u"a{sv}"_s};
+const BusArgument madeDocument{u"document"_s, u"o"_s};
 
 // What a desktop asks of an application
 
@@ -146,11 +113,21 @@ const BusArgument platformData{u"platform_data"_s, u"a{sv}"_s};
 
 } // namespace
 
+const BusHandlers &applicationHandlers()
+{
+    static const BusHandlers handlers{
+        .properties = properties(),
+        .commands = CommandsOf<NSApplicationScripting>(&scripting).shared(),
+        .ownCalls = {{u"newScriptingObjectOfClass:forValueForKey:withContentsValue:properties:"_s,
+                      {{madeFrom}, {madeDocument}, openingDocuments(makeDocument)}}},
+    };
+    return handlers;
+}
+
 const BusInterface &applicationInterface()
 {
-    static const BusInterface interface {
-        .name = bus::applicationInterface, .properties = properties(), .methods = methods()
-    };
+    static const BusInterface interface =
+        busInterface(bus::applicationInterface, u"application"_s, applicationHandlers());
     return interface;
 }
 

@@ -12,24 +12,38 @@ QString lines(const QList<BusArgument> &arguments, const QString &direction)
     return text;
 }
 
+QString annotation(const QString &name, const QString &value)
+{
+    return u"      <annotation name=\"%1\" value=\"%2\"/>\n"_s.arg(name, value.toHtmlEscaped());
+}
+
+/// What browsers of the bus show as the entry's documentation.
+QString documentation(const QString &description)
+{
+    return description.isEmpty() ? QString() : annotation(u"org.gtk.GDBus.DocString"_s, description);
+}
+
 QString lines(const BusMethod &method)
 {
-    return u"    <method name=\"%1\">\n"_s.arg(method.name) + lines(method.in, u" direction=\"in\""_s)
-        + lines(method.out, u" direction=\"out\""_s) + u"    </method>\n"_s;
+    return u"    <method name=\"%1\">\n"_s.arg(method.name) + documentation(method.description)
+        + lines(method.in, u" direction=\"in\""_s) + lines(method.out, u" direction=\"out\""_s)
+        + u"    </method>\n"_s;
 }
 
 QString lines(const BusSignal &signal)
 {
-    return u"    <signal name=\"%1\">\n"_s.arg(signal.name) + lines(signal.arguments, {})
-        + u"    </signal>\n"_s;
+    return u"    <signal name=\"%1\">\n"_s.arg(signal.name) + documentation(signal.description)
+        + lines(signal.arguments, {}) + u"    </signal>\n"_s;
 }
 
 QString lines(const BusProperty &property)
 {
-    const bool isWritable = property.write && !property.refusesEveryValue;
-    return u"    <property name=\"%1\" type=\"%2\" access=\"%3\">\n"
-           "      <annotation name=\"org.freedesktop.DBus.Property.EmitsChangedSignal\" value=\"false\"/>\n"
-           "    </property>\n"_s.arg(property.name, property.type, isWritable ? u"readwrite"_s : u"read"_s);
+    const auto &[term, key, name, type, isWritable, isWithdrawn] = property.definition;
+    return u"    <property name=\"%1\" type=\"%2\" access=\"%3\">\n"_s.arg(
+               name, busSignature(type), isWritable ? u"readwrite"_s : u"read"_s)
+        + annotation(u"org.freedesktop.DBus.Property.EmitsChangedSignal"_s, u"false"_s)
+        + (isWithdrawn ? annotation(u"org.freedesktop.DBus.Deprecated"_s, u"true"_s) : QString())
+        + documentation(term.description) + u"    </property>\n"_s;
 }
 
 template <class Entry>

@@ -7,11 +7,21 @@
 
 namespace {
 
+const QString &nameOf(const BusProperty &property)
+{
+    return property.definition.busName;
+}
+
+const QString &nameOf(const BusMethod &method)
+{
+    return method.name;
+}
+
 template <class Entry>
 const Entry *named(const QList<Entry> &entries, const QString &name)
 {
     const auto found = std::find_if(entries.cbegin(), entries.cend(),
-                                    [&name](const Entry &entry) { return entry.name == name; });
+                                    [&name](const Entry &entry) { return nameOf(entry) == name; });
     return found == entries.cend() ? nullptr : &*found;
 }
 
@@ -33,7 +43,7 @@ QVariantMap readAllProperties(const BusObject &object, const BusInterface &inter
     for (const BusProperty &property : interface.properties) {
         const ScriptReply reply = scriptcalls::read(object, property);
         if (!reply.isError())
-            values.insert(property.name, busvalue::toBus(reply.result));
+            values.insert(property.definition.busName, reply.result);
     }
     return values;
 }

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "scripting/dbus/buscall.h"
+#include "scripting/definition/scriptingdefinition.h"
+#include "scripting/scriptproperty.h"
 
 #include <QList>
 #include <QString>
@@ -30,14 +32,11 @@ struct BusArgument {
 };
 
 struct BusProperty {
-    QString name;
-    QString type; ///< signature, of a value that is there
-    /// An invalid value for none. What it sets on the executing command is the caller's error.
+    scriptingdefinition::Property definition;
+    /// As a `ScriptProperty` has them, on an object of the bus.
     std::function<QVariant(const BusObject &)> read;
-    /// Takes a value of the type, or an invalid one for no value. Errors as above. Null if there is no write.
     std::function<void(const BusObject &, const QVariant &)> write = nullptr;
-    /// The write has an error of its own for each value, whatever its type.
-    bool refusesEveryValue = false;
+    Takes takes = Takes::value;
 };
 
 struct BusMethod {
@@ -47,11 +46,13 @@ struct BusMethod {
     /// Answers the call, now or later. The arguments are of the types above.
     std::function<void(const BusObject &, const BusCall &)> handle;
     bool worksDuringLaunch = false; ///< the others wait until launch has ended
+    QString description = {};
 };
 
 struct BusSignal {
     QString name;
     QList<BusArgument> arguments;
+    QString description = {};
 };
 
 /// One list of all that an interface has. Calls, property access and introspection go by it.
@@ -75,7 +76,7 @@ const BusInterface &windowInterface();
 const BusInterface &propertiesInterface();
 const BusInterface &objectManagerInterface();
 
-/// The values of the interface, except those whose read is an error.
+/// The values of the interface as they look on the bus, except those whose read is an error.
 [[nodiscard]] QVariantMap readAllProperties(const BusObject &object, const BusInterface &interface);
 /// The values of all interfaces that have any.
 [[nodiscard]] QMap<QString, QVariantMap> readAllProperties(const BusObject &object);

@@ -121,6 +121,14 @@ QList<QDBusObjectPath> BusObjects::paths(const QList<platform::Window *> &window
     return all;
 }
 
+platform::Window *BusObjects::window(const QDBusObjectPath &path) const
+{
+    const auto found = std::find_if(m_entries.cbegin(), m_entries.cend(), [&path](const Entry &each) {
+        return path.path() == below(bus::windowsPath, each.windowElement);
+    });
+    return found == m_entries.cend() ? nullptr : &found->document->window();
+}
+
 QString BusObjects::callerOf(const MainWinController &document) const
 {
     const Entry *const found = entry(document);

@@ -30,6 +30,9 @@ public:
     [[nodiscard]] QList<QDBusObjectPath> paths(const QList<MainWinController *> &documents) const;
     [[nodiscard]] QList<QDBusObjectPath> paths(const QList<platform::Window *> &windows) const;
 
+    /// The window of a path; null if there is none.
+    [[nodiscard]] platform::Window *window(const QDBusObjectPath &path) const;
+
     [[nodiscard]] QString callerOf(const MainWinController &document) const;
     const LastErrors &lastErrors() const { return *m_lastErrors; }
 

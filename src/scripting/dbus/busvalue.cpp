@@ -22,16 +22,30 @@ bool standsForNoValue(const QVariant &value)
 }
 
 const QString wholeNumber = u"x"_s;
+const QString number = u"d"_s;
 
-/// Clients send a number in whatever width their language gives it. Nothing for one that is too large.
-std::optional<QVariant> wholeNumberFrom(const QVariant &value)
+/// Clients send a number in whatever width their language gives it.
+bool isWholeNumber(const QString &signature)
 {
     static const QStringList widths{u"y"_s, u"n"_s, u"q"_s, u"i"_s, u"u"_s, u"x"_s, u"t"_s};
+    return widths.contains(signature);
+}
+
+/// Nothing for one that is too large.
+std::optional<QVariant> wholeNumberFrom(const QVariant &value)
+{
     const QString signature = signatureOf(value);
     constexpr auto greatest = static_cast<qulonglong>(std::numeric_limits<qlonglong>::max());
-    if (!widths.contains(signature) || (signature == "t"_L1 && value.toULongLong() > greatest))
+    if (!isWholeNumber(signature) || (signature == "t"_L1 && value.toULongLong() > greatest))
         return std::nullopt;
     return QVariant(value.toLongLong());
+}
+
+std::optional<QVariant> numberFrom(const QVariant &value)
+{
+    const QString signature = signatureOf(value);
+    return isWholeNumber(signature) || signature == number ? std::optional<QVariant>(value.toDouble())
+                                                           : std::nullopt;
 }
 
 } // namespace
@@ -58,6 +72,8 @@ std::optional<QVariant> fromBus(const QVariant &value, const QString &signature)
         return QVariant();
     if (signature == wholeNumber)
         return wholeNumberFrom(value);
+    if (signature == number)
+        return numberFrom(value);
     return signatureOf(value) == signature ? std::optional(value) : std::nullopt;
 }
 

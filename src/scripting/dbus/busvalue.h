@@ -26,7 +26,7 @@ void registerTypes();
 [[nodiscard]] QVariant toBus(const QVariant &value);
 
 /// The value that came over the bus if it has the signature, an invalid one if it stands for no value, and
-/// nothing if it is of another type.
+/// nothing if it is of another type. Whole numbers may have any width, and are numbers as well.
 [[nodiscard]] std::optional<QVariant> fromBus(const QVariant &value, const QString &signature);
 
 /// A text of the form "file:///..."; every other text gives an empty URL.

@@ -5,27 +5,32 @@
 #include "scripting/dbus/busnames.h"
 #include "scripting/dbus/busobjects.h"
 #include "scripting/dbus/closewindow.h"
-#include "scripting/dbus/scriptcalls.h"
 #include "scripting/dbus/sharedcommands.h"
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-QList<BusProperty> properties()
+MainWinControllerScripting &scripting(const BusObject &object)
 {
-    return {
-        {u"UniqueID"_s, u"s"_s, [](const BusObject &object) { return object.document->uniqueID; }},
-        {u"DisplayName"_s, u"s"_s, [](const BusObject &object) { return object.document->window().title(); }},
-        {u"Window"_s, u"o"_s,
-         [](const BusObject &object) {
-             return QVariant::fromValue(object.objects.path(object.document->window()));
-         }},
-        {u"Caller"_s, u"s"_s,
-         [](const BusObject &object) { return object.objects.callerOf(*object.document); }},
-        {u"DocStatus"_s, u"s"_s, [](const BusObject &object) { return object.document->statusString(); },
-         [](const BusObject &, const QVariant &) { scriptcalls::fail(scriptcalls::readOnlyNumber); }, true},
-    };
+    return object.document->steps().scripting;
+}
+
+BusAccessByKey properties()
+{
+    BusAccessByKey access = accessTo(MainWinControllerScripting::properties(), &scripting);
+    access.insert(u"caller"_s,
+                  {[](const BusObject &object) { return object.objects.callerOf(*object.document); }});
+    return access;
+}
+
+QHash<QString, CommandHandler> commands()
+{
+    const CommandsOf<MainWinControllerScripting> carriedOutBy(&scripting);
+    QHash<QString, CommandHandler> all = carriedOutBy.shared();
+    all.insert(u"AEFetchLog:"_s, carriedOutBy(&MainWinControllerScripting::AEFetchLog));
+    all.insert(u"AEClearLog:"_s, carriedOutBy(&MainWinControllerScripting::AEClearLog));
+    return all;
 }
 
 void cancel(const BusObject &object, const BusCall &call)
@@ -35,38 +40,21 @@ void cancel(const BusObject &object, const BusCall &call)
     call.reply();
 }
 
-MainWinControllerScripting &scripting(const BusObject &object)
-{
-    return object.document->steps().scripting;
-}
-
-QList<BusMethod> methods()
-{
-    return scriptcalls::sharedCommands<MainWinControllerScripting>(&scripting)
-        + QList<BusMethod>{
-            scriptcalls::command(u"FetchLog"_s, {},
-                                 [](const BusObject &object, const ScriptCommandPtr &command) {
-                                     scripting(object).AEFetchLog(command);
-                                 }),
-            scriptcalls::command(u"ClearLog"_s, {},
-                                 [](const BusObject &object, const ScriptCommandPtr &command) {
-                                     scripting(object).AEClearLog(command);
-                                 }),
-            {u"Cancel"_s, {}, {}, cancel},
-            {u"Close"_s, {}, {}, closeWindow},
-        };
-}
-
 } // namespace
+
+const BusHandlers &documentHandlers()
+{
+    static const BusHandlers handlers{
+        .properties = properties(),
+        .commands = commands(),
+        .ownCalls = {{u"doCancel:"_s, {{}, {}, cancel}}, {u"doCloseDocument:"_s, {{}, {}, closeWindow}}},
+    };
+    return handlers;
+}
 
 const BusInterface &documentInterface()
 {
-    static const BusInterface interface {
-        .name = bus::documentInterface, .properties = properties(), .methods = methods(), .signalList = {
-            {u"LogAppended"_s, {{u"text"_s, u"s"_s}, {u"style"_s, u"s"_s}}},
-            {u"LogCleared"_s, {}},
-            {u"StatusChanged"_s, {{u"status"_s, u"s"_s}}}
-        }
-    };
+    static const BusInterface interface =
+        busInterface(bus::documentInterface, u"document"_s, documentHandlers());
     return interface;
 }

@@ -1,6 +1,7 @@
 #include "scripting/dbus/makedocument.h"
 
 #include "app/appdelegate.h"
+#include "scripting/NSApplication+Scripting.h"
 #include "scripting/dbus/busnames.h"
 #include "scripting/dbus/busobjects.h"
 #include "scripting/dbus/scriptcalls.h"
@@ -9,39 +10,38 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-using Assignments = QList<scriptcalls::Assignment>;
-
-/// Nothing if one of the properties cannot be set; the call has been answered then.
-std::optional<Assignments> checkedAssignments(const QVariantMap &values, const BusCall &call)
+/// The values by the properties' keys. Nothing if one of the properties cannot be set; the call has been
+/// answered then.
+std::optional<QVariantMap> checkedValues(const BusObject &application, const QVariantMap &given,
+                                         const BusCall &call)
 {
-    Assignments assignments;
-    for (auto value = values.cbegin(); value != values.cend(); ++value) {
+    QVariantMap values;
+    for (auto value = given.cbegin(); value != given.cend(); ++value) {
         const BusProperty *const property = documentInterface().property(value.key());
         if (!property) {
             call.replyWithError(buserror::invalidArgs, u"A document has no property %1."_s.arg(value.key()));
             return std::nullopt;
         }
-        const auto assignment = scriptcalls::checkedAssignment(*property, value.value(), call);
-        if (!assignment)
+        const auto checked = scriptcalls::checkedValue(application, *property, value.value(), call);
+        if (!checked)
             return std::nullopt;
-        assignments.append(*assignment);
+        values.insert(property->definition.key, *checked);
     }
-    return assignments;
+    return values;
 }
 
 } // namespace
 
 void makeDocument(const BusObject &application, const BusCall &call)
 {
-    const auto assignments = checkedAssignments(call.dictionary(0), call);
-    if (!assignments)
+    const auto values = checkedValues(application, call.dictionary(0), call);
+    if (!values)
         return;
-    const DocumentPtr document = application.application.addedDocument();
-    const QDBusObjectPath path = application.objects.path(*document);
-    const ScriptReply written =
-        scriptcalls::write(*application.objects.find(path.path(), call.caller()), *assignments);
-    if (written.isError())
-        call.replyWithScriptError(written);
+    DocumentPtr document;
+    const ScriptReply made = scriptcalls::carryOut(
+        [&] { document = application.application.scripting().newScriptingDocument(*values); });
+    if (made.isError())
+        call.replyWithScriptError(made);
     else
-        call.reply({QVariant::fromValue(path)});
+        call.reply({QVariant::fromValue(application.objects.path(*document))});
 }

@@ -2,6 +2,7 @@
 
 #include "scripting/dbus/busnames.h"
 #include "scripting/dbus/busvalue.h"
+#include "scripting/dbus/objectvalues.h"
 
 #include <QDBusVariant>
 
@@ -11,51 +12,34 @@ namespace scriptcalls {
 
 namespace {
 
-QVariant fileUrlOrAsItIs(const QVariant &value)
-{
-    const QUrl url =
-        busvalue::fileUrl(value.metaType() == QMetaType::fromType<QString>() ? value.toString() : QString());
-    return url.isEmpty() ? value : url;
-}
-
-/// There is no page below 0.
-std::optional<QVariant> pageNumber(const QVariant &given)
-{
-    const auto number = busvalue::fromBus(given, u"x"_s);
-    return number && number->toLongLong() < 0 ? std::nullopt : number;
-}
+using scriptingdefinition::Parameter;
+using scriptingdefinition::Type;
 
 /// The value as a handler expects it; nothing if it has the wrong type.
-std::optional<QVariant> evaluated(const QVariant &given, ArgumentType type)
+std::optional<QVariant> evaluated(const BusObject &object, const QVariant &given, const Parameter &parameter)
 {
-    switch (type) {
-    case ArgumentType::fileUrl:
-        return fileUrlOrAsItIs(given); // whatever is no file URL is the handler's to refuse, with a number
-    case ArgumentType::boolean:
-        return busvalue::fromBus(given, u"b"_s);
-    case ArgumentType::pageNumber:
-        return pageNumber(given);
-    case ArgumentType::text:
-        return busvalue::fromBus(given, u"s"_s);
-    }
-    return std::nullopt;
+    // Whatever is no file URL is the handler's to refuse, with a number.
+    const Takes takes = parameter.type.type == Type::file ? Takes::anything : Takes::valueOrNothing;
+    const auto value = objectvalues::fromBus(object, given, parameter.type, takes);
+    const bool isNegative = parameter.type.type == Type::integer && value && value->toLongLong() < 0;
+    return isNegative ? std::nullopt : value; // there is no page below 0
 }
 
 /// The arguments as a handler expects them; nothing if one has the wrong type, which is then named.
-std::optional<QVariantMap> evaluated(const QVariantMap &given, const QList<CommandArgument> &arguments,
-                                     QString *wrongKey)
+std::optional<QVariantMap> evaluated(const BusObject &object, const QVariantMap &given,
+                                     const QList<Parameter> &parameters, QString *wrongKey)
 {
     QVariantMap result;
-    for (const auto &[key, type] : arguments) {
-        if (!given.contains(key))
+    for (const Parameter &parameter : parameters) {
+        if (!given.contains(parameter.key))
             continue;
-        const auto value = evaluated(given.value(key), type);
+        const auto value = evaluated(object, given.value(parameter.key), parameter);
         if (!value) {
-            *wrongKey = key;
+            *wrongKey = parameter.key;
             return std::nullopt;
         }
         if (value->isValid())
-            result.insert(key, *value);
+            result.insert(parameter.key, *value);
     }
     return result;
 }
@@ -68,27 +52,14 @@ void answer(const BusCall &call, const ScriptReply &reply)
         call.reply({QVariant::fromValue(QDBusVariant(busvalue::toBus(reply.result)))});
 }
 
-ScriptReply carryOut(const std::function<void()> &work, const QVariant *result = nullptr)
-{
-    ScriptReply ended;
-    const auto command =
-        std::make_shared<ScriptCommand>(QVariantMap(), [&ended](const ScriptReply &reply) { ended = reply; });
-    command->execute([&](const ScriptCommandPtr &executing) {
-        work();
-        executing->resumeExecutionWithResult(result ? *result : QVariant());
-    });
-    return ended;
-}
-
 } // namespace
 
-BusMethod command(const QString &name, const QList<CommandArgument> &arguments,
-                  std::function<void(const BusObject &, const ScriptCommandPtr &)> handler)
+BusMethod method(const scriptingdefinition::Command &command, const CommandHandler &handler)
 {
-    const auto handle = [name, arguments, handler = std::move(handler)](const BusObject &object,
-                                                                        const BusCall &call) {
+    const auto handle = [name = command.busName, parameters = command.parameters,
+                         handler](const BusObject &object, const BusCall &call) {
         QString wrongKey;
-        const auto values = evaluated(call.dictionary(0), arguments, &wrongKey);
+        const auto values = evaluated(object, call.dictionary(0), parameters, &wrongKey);
         if (!values)
             return call.replyWithError(buserror::invalidArgs,
                                        u"The argument %1 of %2 has the wrong type."_s.arg(wrongKey, name));
@@ -96,44 +67,41 @@ BusMethod command(const QString &name, const QList<CommandArgument> &arguments,
             *values, [call](const ScriptReply &reply) { answer(call, reply); });
         scriptCommand->execute([&](const ScriptCommandPtr &executing) { handler(object, executing); });
     };
-    return {name, {{u"arguments"_s, u"a{sv}"_s}}, {{u"result"_s, u"v"_s}}, handle};
+    return {command.busName, {{u"arguments"_s, u"a{sv}"_s}}, {{u"result"_s, u"v"_s}}, handle,
+            false,           command.term.description};
+}
+
+ScriptReply carryOut(const std::function<void()> &work)
+{
+    ScriptReply ended;
+    const auto command =
+        std::make_shared<ScriptCommand>(QVariantMap(), [&ended](const ScriptReply &reply) { ended = reply; });
+    command->execute([&work](const ScriptCommandPtr &) { work(); });
+    return ended;
 }
 
 ScriptReply read(const BusObject &object, const BusProperty &property)
 {
     QVariant value;
-    return carryOut([&] { value = property.read(object); }, &value);
+    ScriptReply reply = carryOut([&] { value = property.read(object); });
+    reply.result = objectvalues::toBus(object, value);
+    return reply;
 }
 
-std::optional<Assignment> checkedAssignment(const BusProperty &property, const QVariant &value,
-                                            const BusCall &call)
+std::optional<QVariant> checkedValue(const BusObject &object, const BusProperty &property,
+                                     const QVariant &value, const BusCall &call)
 {
+    const QString &name = property.definition.busName;
     if (!property.write) {
-        call.replyWithError(buserror::propertyReadOnly, u"%1 is read-only."_s.arg(property.name));
+        call.replyWithError(buserror::propertyReadOnly, u"%1 is read-only."_s.arg(name));
         return std::nullopt;
     }
-    const auto typed =
-        property.refusesEveryValue ? std::optional(value) : busvalue::fromBus(value, property.type);
-    if (!typed) {
-        call.replyWithError(buserror::invalidArgs,
-                            u"%1 takes a value of the type %2."_s.arg(property.name, property.type));
-        return std::nullopt;
-    }
-    return Assignment{&property, *typed};
-}
-
-ScriptReply write(const BusObject &object, const QList<Assignment> &assignments)
-{
-    return carryOut([&] {
-        for (const auto &[property, value] : assignments)
-            property->write(object, value);
-    });
-}
-
-void fail(qint64 number)
-{
-    if (const auto executing = ScriptCommand::executingCommand())
-        executing->setScriptErrorNumber(number);
+    const auto typed = objectvalues::fromBus(object, value, property.definition.type, property.takes);
+    if (!typed)
+        call.replyWithError(
+            buserror::invalidArgs,
+            u"%1 takes a value of the type %2."_s.arg(name, busSignature(property.definition.type)));
+    return typed;
 }
 
 } // namespace scriptcalls

@@ -1,33 +1,36 @@
 #pragma once
 
-#include "scripting/dbus/scriptcalls.h"
+#include "scripting/dbus/bushandlers.h"
 
-namespace scriptcalls {
-
-/// The commands that the application and a document have alike. The receiver is what carries them out.
+/// The handlers of a receiver's commands, by their methods.
 template <class Receiver>
-QList<BusMethod> sharedCommands(Receiver &(*receiver)(const BusObject &))
-{
-    const CommandArgument at{argument::at, ArgumentType::fileUrl};
-    const CommandArgument showingDialogs{argument::showingDialogs, ArgumentType::boolean};
-    const auto carriedOutBy = [receiver](void (Receiver::*handler)(const ScriptCommandPtr &)) {
-        return [receiver, handler](const BusObject &object, const ScriptCommandPtr &command) {
+class CommandsOf {
+public:
+    explicit CommandsOf(Receiver &(*receiver)(const BusObject &))
+        : m_receiver(receiver)
+    {
+    }
+
+    CommandHandler operator()(void (Receiver::*handler)(const ScriptCommandPtr &)) const
+    {
+        return [receiver = m_receiver, handler](const BusObject &object, const ScriptCommandPtr &command) {
             (receiver(object).*handler)(command);
         };
-    };
-    return {
-        command(QStringLiteral("SubmitForNotarizing"),
-                {at, showingDialogs, {argument::skippingStapling, ArgumentType::boolean}},
-                carriedOutBy(&Receiver::AESubmitForNotarizing)),
-        command(QStringLiteral("StapleOnly"), {at, showingDialogs}, carriedOutBy(&Receiver::AEStapleOnly)),
-        command(QStringLiteral("SignOnly"), {at, showingDialogs}, carriedOutBy(&Receiver::AESignOnly)),
-        command(
-            QStringLiteral("FetchHistory"),
-            {{argument::pageToFetch, ArgumentType::pageNumber}, {argument::xmlOutput, ArgumentType::boolean}},
-            carriedOutBy(&Receiver::AEFetchHistory)),
-        command(QStringLiteral("PrepareForNotarizing"), {at, {argument::signingIdentity, ArgumentType::text}},
-                carriedOutBy(&Receiver::AEPrepareForNotarizing)),
-    };
-}
+    }
 
-} // namespace scriptcalls
+    /// The commands that the application and a document have alike.
+    QHash<QString, CommandHandler> shared() const
+    {
+        const auto &carriedOutBy = *this;
+        return {
+            {QStringLiteral("AESubmitForNotarizing:"), carriedOutBy(&Receiver::AESubmitForNotarizing)},
+            {QStringLiteral("AEStapleOnly:"), carriedOutBy(&Receiver::AEStapleOnly)},
+            {QStringLiteral("AESignOnly:"), carriedOutBy(&Receiver::AESignOnly)},
+            {QStringLiteral("AEFetchHistory:"), carriedOutBy(&Receiver::AEFetchHistory)},
+            {QStringLiteral("AEPrepareForNotarizing:"), carriedOutBy(&Receiver::AEPrepareForNotarizing)},
+        };
+    }
+
+private:
+    Receiver &(*m_receiver)(const BusObject &);
+};

@@ -49,7 +49,7 @@ void get(const BusObject &object, const BusCall &call)
     if (reply.isError())
         call.replyWithScriptError(reply);
     else
-        call.reply({QVariant::fromValue(QDBusVariant(busvalue::toBus(reply.result)))});
+        call.reply({QVariant::fromValue(QDBusVariant(reply.result))});
 }
 
 void set(const BusObject &object, const BusCall &call)
@@ -57,10 +57,10 @@ void set(const BusObject &object, const BusCall &call)
     const BusProperty *const property = namedProperty(object, call);
     if (!property)
         return;
-    const auto assignment = scriptcalls::checkedAssignment(*property, call.variant(2), call);
-    if (!assignment)
+    const auto value = scriptcalls::checkedValue(object, *property, call.variant(2), call);
+    if (!value)
         return;
-    const ScriptReply reply = scriptcalls::write(object, {*assignment});
+    const ScriptReply reply = scriptcalls::carryOut([&] { property->write(object, *value); });
     if (reply.isError())
         call.replyWithScriptError(reply);
     else

@@ -1,6 +1,6 @@
 #include "document/mainwincontroller.h"
+#include "scripting/dbus/bushandlers.h"
 #include "scripting/dbus/busnames.h"
-#include "scripting/dbus/busobjects.h"
 #include "scripting/dbus/closewindow.h"
 
 using namespace Qt::StringLiterals;
@@ -11,19 +11,30 @@ void closeWindow(const BusObject &object, const BusCall &call)
     object.document->doCloseDocument(CloseSender::script);
 }
 
+namespace {
+
+BusAccessByKey properties()
+{
+    return {
+        {u"title"_s, {[](const BusObject &object) { return object.document->window().title(); }}},
+        {u"document"_s, {[](const BusObject &object) { return QVariant::fromValue(object.document); }}},
+    };
+}
+
+} // namespace
+
+const BusHandlers &windowHandlers()
+{
+    static const BusHandlers handlers{
+        .properties = properties(),
+        .commands = {},
+        .ownCalls = {{u"performClose:"_s, {{}, {}, closeWindow}}},
+    };
+    return handlers;
+}
+
 const BusInterface &windowInterface()
 {
-    static const BusInterface interface {
-        .name = bus::windowInterface,
-        .properties = {{u"Title"_s, u"s"_s,
-                        [](const BusObject &object) { return object.document->window().title(); }},
-                       {u"Document"_s, u"o"_s,
-                        [](const BusObject &object) {
-                            return QVariant::fromValue(object.objects.path(*object.document));
-                        }}},
-        .methods = {
-            {u"Close"_s, {}, {}, closeWindow}
-        }
-    };
+    static const BusInterface interface = busInterface(bus::windowInterface, u"window"_s, windowHandlers());
     return interface;
 }
