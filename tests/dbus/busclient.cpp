@@ -136,6 +136,13 @@ QString errorOf(const QDBusMessage &answer)
     return answer.type() == QDBusMessage::ErrorMessage ? answer.errorName() : u"no error"_s;
 }
 
+QString failureOf(const QDBusMessage &answer)
+{
+    const QString error = errorOf(answer);
+    return answer.type() == QDBusMessage::ErrorMessage ? error.section(u'.', -1) + u' ' + errorTextOf(answer)
+                                                       : error;
+}
+
 QString errorTextOf(const QDBusMessage &answer)
 {
     EXPECT_EQ(answer.signature(), u"s"_s);

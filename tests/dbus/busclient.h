@@ -70,5 +70,7 @@ private:
 [[nodiscard]] bool isNoValue(const QVariant &value);
 /// The error's name, or a text that says that it is none.
 [[nodiscard]] QString errorOf(const QDBusMessage &answer);
+/// The number of a script error and its text, such as "N6 "; "no error" if it is none.
+[[nodiscard]] QString failureOf(const QDBusMessage &answer);
 /// The error's one string; a failed test if the body is of another shape.
 [[nodiscard]] QString errorTextOf(const QDBusMessage &answer);

@@ -7,6 +7,9 @@
 
 #include <gtest/gtest.h>
 
+/// What a script sends and gets for no value.
+inline const QVariant nothing = QVariantList();
+
 /// A launched application on the bus, with one empty document, and a script.
 class HostOnBus : public testing::Test {
 protected:
@@ -56,6 +59,29 @@ protected:
         });
     }
     void cancel() { client.call(documentPath(), bus::documentInterface, QStringLiteral("Cancel")); }
+
+    // Properties of the application and of the document that was added last.
+    QVariant ofApplication(const QString &name)
+    {
+        return client.get(bus::applicationPath, bus::applicationInterface, name);
+    }
+    QVariant ofDocument(const QString &name)
+    {
+        return client.get(documentPath(), bus::documentInterface, name);
+    }
+    QDBusMessage setOfApplication(const QString &name, const QVariant &value)
+    {
+        return client.set(bus::applicationPath, bus::applicationInterface, name, value);
+    }
+    QDBusMessage setOfDocument(const QString &name, const QVariant &value)
+    {
+        return client.set(documentPath(), bus::documentInterface, name, value);
+    }
+    QDBusMessage makeDocument(const QVariantMap &properties = {})
+    {
+        return client.call(bus::applicationPath, bus::applicationInterface, QStringLiteral("MakeDocument"),
+                           {properties});
+    }
 
     TestHost host;
     ScriptingBus bus{host.application()};

@@ -10,10 +10,9 @@ using namespace Qt::StringLiterals;
 class Objects : public HostOnBus {
 protected:
     /// Has a document made by the script; its path.
-    QString makeDocument(const QVariantMap &properties = {})
+    QString makeDocument()
     {
-        const QDBusMessage answer =
-            client.call(bus::applicationPath, bus::applicationInterface, u"MakeDocument"_s, {properties});
+        const QDBusMessage answer = HostOnBus::makeDocument();
         EXPECT_EQ(answer.signature(), u"o"_s) << answer.errorMessage().toStdString();
         return answer.arguments().value(0).value<QDBusObjectPath>().path();
     }
@@ -72,9 +71,7 @@ TEST_F(Objects, aDocumentOfTheDesktopsActionsIsNobodysOnTheBus)
 
 TEST_F(Objects, aDocumentIsNotMadeWithAPropertyThatCannotBeSet)
 {
-    const auto make = [this](const QVariantMap &properties) {
-        return client.call(bus::applicationPath, bus::applicationInterface, u"MakeDocument"_s, {properties});
-    };
+    const auto make = [this](const QVariantMap &properties) { return HostOnBus::makeDocument(properties); };
     const QDBusMessage unknown = make({{u"NoSuchThing"_s, true}});
     EXPECT_EQ(errorOf(unknown), buserror::invalidArgs);
     EXPECT_TRUE(errorTextOf(unknown).contains(u"NoSuchThing"_s));

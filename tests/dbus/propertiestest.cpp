@@ -41,17 +41,6 @@ TEST_F(Properties, aDocumentAndItsWindowReferToEachOther)
               documentPath());
 }
 
-TEST_F(Properties, allAtOnceHaveTheListsAndTheLastErrorAsWell)
-{
-    const QDBusMessage answer =
-        client.call(bus::applicationPath, bus::propertiesInterface, u"GetAll"_s, {bus::applicationInterface});
-    const auto values = qdbus_cast<QVariantMap>(answer.arguments().value(0));
-    EXPECT_EQ(
-        values.keys(),
-        (QStringList{u"AllOrderedWindows"_s, u"AppStatus"_s, u"IsActive"_s, u"LastErrorFrom"_s, u"Name"_s,
-                     u"OrderedDocuments"_s, u"OrderedPseudoDocuments"_s, u"OrderedWindows"_s, u"Version"_s}));
-}
-
 TEST_F(Properties, withoutAnErrorThereIsNoLastObjectEither)
 {
     EXPECT_TRUE(isNoValue(client.get(bus::applicationPath, bus::applicationInterface, u"LastErrorFrom"_s)));
