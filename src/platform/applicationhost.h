@@ -27,7 +27,8 @@ public:
     /// Asks for the paper, the orientation and the margins that all logs are printed with from now on. Holds
     /// up the whole application.
     virtual void runPageLayout() = 0;
-    /// The document windows on screen, front to back; of a tab group the selected one.
+    /// The document windows on screen, front to back; of a tab group the selected one. Not those that are
+    /// minimised.
     virtual QList<Window *> windowsFrontToBack() const = 0;
 };
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QList>
 #include <QRect>
 #include <QString>
 #include <QStringList>
@@ -30,6 +31,36 @@ struct OpenPanel {
 
 enum class TabbingMode { automatic = 0, preferred = 1, disallowed = 2 };
 
+/// A place on screen in QuickDraw's form, in points: the origin is the top left of the main screen, and y
+/// grows downward. What lies beyond the range of a side is brought to its end.
+struct QDRect {
+    qint16 top = 0;
+    qint16 left = 0;
+    qint16 bottom = 0;
+    qint16 right = 0;
+
+    bool operator==(const QDRect &other) const = default;
+};
+
+class Window;
+
+/// The windows that are gathered as tabs of one frame, of which one shows. Main thread.
+class TabGroup {
+public:
+    virtual ~TabGroup() = default;
+
+    /// In the order of the tabs.
+    virtual QList<Window *> windows() const = 0;
+    virtual Window *selectedWindow() const = 0;
+    virtual void setSelectedWindow(Window &window) = 0;
+    /// Gives the window a frame of its own on screen, in front and where the group is. If it showed, a
+    /// neighbour shows in its place. Nothing happens to a window that is alone.
+    virtual void removeWindow(Window &window) = 0;
+    /// Takes the window from its group, or from another place in this one. It shows only if it did so here
+    /// before. A place beyond the last one is the last.
+    virtual void insertWindow(Window &window, qsizetype atIndex) = 0;
+};
+
 /// One document's window, or its page where windows are gathered as tabs. Main thread.
 class Window {
 public:
@@ -40,8 +71,26 @@ public:
     virtual void setSubtitle(const QString &subtitle) = 0;
 
     virtual void setTabbingMode(TabbingMode mode) = 0;
-    /// Brings the window on screen, to the front.
+    /// Brings the window on screen, to the front. One that comes on screen for the first time goes by its
+    /// tabbing mode: `preferred` makes it the last tab of the frontmost frame, if there is one; otherwise it
+    /// has a frame of its own.
     virtual void show() = 0;
+
+    /// The group that the window is a member of; one that is not tabbed has a group to itself.
+    virtual TabGroup &tabGroup() const = 0;
+    /// The windows of its group; empty if the window is not tabbed.
+    QList<Window *> tabbedWindows() const;
+
+    /// The place of the window's frame in points: the origin is the bottom left of the main screen, and y
+    /// grows upward, so that `y` is the lower edge.
+    virtual QRect frame() const = 0;
+    virtual void setFrame(const QRect &frame) = 0;
+    /// The same place in the other form.
+    virtual QDRect boundsAsQDRect() const = 0;
+    virtual void setBoundsAsQDRect(const QDRect &bounds) = 0;
+    /// Puts the frame directly above the window of that number, or in front of all for 0. Where no window has
+    /// the number the order stays.
+    virtual void orderAbove(qint64 windowNumber) = 0;
 
     /// Ends an edit in progress in a text field, so that the field has what was typed.
     virtual void endEditing() = 0;
@@ -73,9 +122,12 @@ public:
         std::function<void()> willClose;
     };
     virtual void setDelegate(Delegate delegate) = 0;
-
-    /// The windows of this window's tab group in their order, itself among them; empty outside of one.
-    virtual QList<Window *> tabbedWindows() const = 0;
 };
+
+inline QList<Window *> Window::tabbedWindows() const
+{
+    const QList<Window *> members = tabGroup().windows();
+    return members.size() > 1 ? members : QList<Window *>();
+}
 
 } // namespace platform

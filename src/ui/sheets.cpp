@@ -1,16 +1,75 @@
 #include "ui/sheets.h"
 
+#include <QApplication>
+#include <QEvent>
 #include <QPointer>
+#include <QWindow>
+
+namespace {
+
+bool isInput(QEvent::Type type)
+{
+    switch (type) {
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonRelease:
+    case QEvent::MouseButtonDblClick:
+    case QEvent::MouseMove:
+    case QEvent::Wheel:
+    case QEvent::ContextMenu:
+    case QEvent::TouchBegin:
+    case QEvent::KeyPress:
+    case QEvent::KeyRelease:
+    case QEvent::Shortcut:
+    case QEvent::ShortcutOverride:
+    case QEvent::InputMethod:
+    case QEvent::DragEnter:
+    case QEvent::Drop:
+        return true;
+    default:
+        return false;
+    }
+}
+
+} // namespace
+
+Sheets::Sheets(QWidget &page)
+    : m_page(page)
+{
+}
 
 void Sheets::begin(QDialog *dialog, std::function<void()> completion)
 {
-    dialog->setWindowModality(Qt::WindowModal);
-    // Queued: the completion may destroy the window, and the dialog with it, which is then not in use.
+    connect(dialog, &QDialog::finished, this, [this, dialog] {
+        if (!m_sheets.isEmpty() && m_sheets.first().dialog == dialog)
+            m_sheets.first().hasEnded = true;
+    });
+    // Queued: the completion may destroy the page, and the dialog with it, which is then not in use.
     connect(
         dialog, &QDialog::finished, this, [this, dialog] { end(dialog); }, Qt::QueuedConnection);
     m_sheets.append({dialog, std::move(completion)});
-    if (m_sheets.size() == 1)
-        dialog->open();
+    qApp->installEventFilter(this);
+    putUp();
+}
+
+void Sheets::putUp()
+{
+    if (m_sheets.isEmpty() || m_sheets.first().hasEnded || !m_page.isVisible())
+        return;
+    QDialog &dialog = *m_sheets.first().dialog;
+    if (dialog.isVisible())
+        return;
+    dialog.addActions(m_page.window()->actions()); // so that the keys lead from here to other tabs as well
+    dialog.winId(); // makes its window
+    dialog.windowHandle()->setTransientParent(m_page.window()->windowHandle()); // which changes with the page
+    dialog.show();
+}
+
+void Sheets::activate()
+{
+    if (m_sheets.isEmpty())
+        return;
+    m_sheets.first().dialog->raise();
+    m_sheets.first().dialog->activateWindow();
 }
 
 void Sheets::end(const QDialog *dialog)
@@ -19,18 +78,41 @@ void Sheets::end(const QDialog *dialog)
         return; // dropped in the meantime
     const Sheet ended = m_sheets.takeFirst();
     ended.dialog->deleteLater();
-    ended.dialog->parentWidget()->activateWindow(); // not every desktop gives the focus back
+    if (m_sheets.isEmpty())
+        qApp->removeEventFilter(this);
+    if (m_page.isVisible())
+        m_page.activateWindow(); // not every desktop gives the focus back
     const QPointer<Sheets> alive(this);
     ended.completion();
-    if (alive && !m_sheets.isEmpty() && m_sheets.first().dialog->isHidden())
-        m_sheets.first().dialog->open();
+    if (alive)
+        putUp();
 }
 
 void Sheets::drop()
 {
+    qApp->removeEventFilter(this);
     const QList<Sheet> dropped = std::exchange(m_sheets, {});
     for (const Sheet &sheet : dropped) {
         sheet.dialog->hide();
         sheet.dialog->deleteLater();
     }
+}
+
+bool Sheets::eventFilter(QObject *object, QEvent *event)
+{
+    if (object == &m_page && event->type() == QEvent::Show)
+        QMetaObject::invokeMethod(this, &Sheets::putUp, Qt::QueuedConnection);
+    else if (object == &m_page && event->type() == QEvent::Hide)
+        m_sheets.first().dialog->hide();
+    if (!isInput(event->type()) || !isOfPage(object))
+        return false;
+    if (event->type() == QEvent::MouseButtonPress)
+        activate();
+    return true;
+}
+
+bool Sheets::isOfPage(const QObject *object) const
+{
+    const auto *const widget = qobject_cast<const QWidget *>(object);
+    return widget && (widget == &m_page || m_page.isAncestorOf(widget));
 }

@@ -2,64 +2,159 @@
 
 #include "notarization/providernames.h"
 #include "ui/alertbox.h"
+#include "ui/framewindow.h"
 #include "ui/itempanel.h"
 #include "ui/logprinter.h"
 #include "ui/providernamesheet.h"
 #include "ui/windoworder.h"
 
-#include <QGuiApplication>
+#include <QApplication>
 #include <QInputMethod>
 #include <QPrintDialog>
 #include <QPrinter>
+#include <QScreen>
+
+#include <algorithm>
+#include <limits>
+
+namespace {
+
+qint16 side(int position)
+{
+    using Side = std::numeric_limits<qint16>;
+    return qint16(std::clamp<int>(position, Side::min(), Side::max()));
+}
+
+/// The rectangle as one counts from the other end of the main screen's height.
+QRect turnedOver(const QRect &place)
+{
+    const int height = QGuiApplication::primaryScreen()->geometry().height();
+    return {place.x(), height - place.y() - place.height(), place.width(), place.height()};
+}
+
+} // namespace
 
 WidgetWindow::WidgetWindow(MainWinController &document, WindowOrder &order, LogPrinter &printer)
     : m_document(document)
     , m_order(order)
     , m_printer(printer)
-    , m_widget(document)
+    , m_page(document)
 {
-    QObject::connect(&m_widget, &DocumentWindow::closeRequested, &m_sheets, [this] { performClose(); });
-    QObject::connect(&m_widget, &DocumentWindow::cameToFront, &m_sheets, [this] {
-        if (!m_isClosed)
-            m_order.bringToFront(*this);
-    });
+    (new FrameWindow(order))->insertWindow(*this, 0);
 }
 
 WidgetWindow::~WidgetWindow()
 {
-    m_order.remove(*this);
     m_sheets.drop();
+    frameWindow()->release(*this);
+}
+
+FrameWindow *WidgetWindow::frameWindow() const
+{
+    return qobject_cast<FrameWindow *>(m_page.window());
+}
+
+QWidget &WidgetWindow::widget()
+{
+    return *frameWindow();
+}
+
+platform::TabGroup &WidgetWindow::tabGroup() const
+{
+    return *frameWindow();
 }
 
 void WidgetWindow::show()
 {
     if (m_isClosed)
         return;
-    m_widget.setWindowState(m_widget.windowState() & ~Qt::WindowMinimized);
-    m_widget.show();
-    m_widget.raise();
-    m_widget.activateWindow();
-    m_order.bringToFront(*this);
+    const auto frames = m_order.framesFrontToBack();
+    const bool isNew = !m_order.contains(*frameWindow());
+    if (isNew && m_tabbingMode == platform::TabbingMode::preferred && !frames.isEmpty())
+        frames.first()->insertWindow(*this, frames.first()->count());
+    frameWindow()->setSelectedWindow(*this);
+    frameWindow()->comeToFront();
+    m_page.activateWindow();
 }
+
+// Its place
+
+QRect WidgetWindow::frame() const
+{
+    return turnedOver(place());
+}
+
+void WidgetWindow::setFrame(const QRect &frame)
+{
+    setPlace(turnedOver(frame));
+}
+
+platform::QDRect WidgetWindow::boundsAsQDRect() const
+{
+    const QRect bounds = place();
+    return {.top = side(bounds.y()),
+            .left = side(bounds.x()),
+            .bottom = side(bounds.y() + bounds.height()),
+            .right = side(bounds.x() + bounds.width())};
+}
+
+void WidgetWindow::setBoundsAsQDRect(const platform::QDRect &bounds)
+{
+    setPlace({bounds.left, bounds.top, bounds.right - bounds.left, bounds.bottom - bounds.top});
+}
+
+QRect WidgetWindow::place() const
+{
+    return frameWindow()->frameGeometry();
+}
+
+void WidgetWindow::setPlace(const QRect &place)
+{
+    FrameWindow &frame = *frameWindow();
+    frame.resize(place.size() - (frame.frameGeometry().size() - frame.size()));
+    frame.move(place.topLeft());
+}
+
+void WidgetWindow::orderAbove(qint64 windowNumber)
+{
+    if (windowNumber == 0 && !m_isClosed) // this desktop's windows have no numbers
+        frameWindow()->comeToFront();
+}
+
+// Editing
 
 void WidgetWindow::endEditing()
 {
     // What is typed is in the control at once, but for what an input method still composes.
-    if (m_widget.isActiveWindow())
+    if (m_page.isVisible() && m_page.isActiveWindow())
         QGuiApplication::inputMethod()->commit();
 }
 
 bool WidgetWindow::makeNothingFirstResponder()
 {
-    if (auto *const widget = m_widget.focusWidget())
+    if (auto *const widget = m_page.focusWidget())
         widget->clearFocus();
     return true;
+}
+
+// Closing
+
+void WidgetWindow::requestClose()
+{
+    if (!hasSheet())
+        return performClose();
+    frameWindow()->setSelectedWindow(*this);
+    m_sheets.activate();
+    QApplication::beep();
 }
 
 void WidgetWindow::performClose()
 {
     if (!m_delegate.shouldClose || m_delegate.shouldClose())
-        close();
+        return close();
+    FrameWindow &frame = *frameWindow();
+    if (!frame.selected().hasSheet())
+        frame.setSelectedWindow(*this); // the question is not asked out of sight
 }
 
 void WidgetWindow::close()
@@ -67,17 +162,18 @@ void WidgetWindow::close()
     if (std::exchange(m_isClosed, true))
         return;
     m_sheets.drop();
-    m_order.remove(*this);
-    m_widget.hide();
+    frameWindow()->putAway(*this);
     if (m_delegate.willClose)
         m_delegate.willClose();
 }
+
+// Sheets
 
 void WidgetWindow::beginSheet(const platform::Alert &alert, std::function<void(int)> completion)
 {
     if (m_isClosed)
         return;
-    auto *const box = new AlertBox(alert, &m_widget);
+    auto *const box = new AlertBox(alert, &m_page);
     m_sheets.begin(box, [box, completion = std::move(completion)] { completion(box->answer()); });
 }
 
@@ -85,7 +181,7 @@ void WidgetWindow::beginSheetNamed(const QString &interfaceName, std::function<v
 {
     if (m_isClosed || interfaceName != providerNameSheet) // the only one there is
         return;
-    m_namedSheet = new ProviderNameSheet(m_document, &m_widget);
+    m_namedSheet = new ProviderNameSheet(m_document, &m_page);
     m_sheets.begin(m_namedSheet, [sheet = m_namedSheet.get(), completion = std::move(completion)] {
         completion(sheet->result());
     });
@@ -102,7 +198,7 @@ void WidgetWindow::beginOpenPanel(const platform::OpenPanel &panel,
 {
     if (m_isClosed)
         return;
-    auto *const dialog = new ItemPanel(panel, &m_widget);
+    auto *const dialog = new ItemPanel(panel, &m_page);
     m_sheets.begin(dialog,
                    [dialog, completion = std::move(completion)] { completion(dialog->chosenItem()); });
 }
@@ -111,9 +207,9 @@ void WidgetWindow::printLog()
 {
     if (m_isClosed)
         return;
-    QPrintDialog *const dialog = m_printer.makeDialog(title(), &m_widget);
+    QPrintDialog *const dialog = m_printer.makeDialog(title(), &m_page);
     m_sheets.begin(dialog, [this, dialog] {
         if (dialog->result() == QDialog::Accepted)
-            m_widget.printLog(*dialog->printer());
+            m_page.printLog(*dialog->printer());
     });
 }

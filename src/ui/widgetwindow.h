@@ -2,28 +2,34 @@
 
 #include "document/windowfactory.h"
 #include "ui/aboutwindow.h"
-#include "ui/documentwindow.h"
+#include "ui/documentpage.h"
 #include "ui/sheets.h"
 
 #include <QPointer>
 
+class FrameWindow;
 class LogPrinter;
 class WindowOrder;
 
-/// A document's window made of widgets. Once closed it stays closed: it takes what a workflow that still runs
-/// puts into it, and shows nothing of it.
+/// A document's window made of widgets: a page that is in one frame or another, from its first day to its
+/// last. Once closed it stays closed: it takes what a workflow that still runs puts into it, and shows
+/// nothing of it.
 class WidgetWindow : public platform::Window {
 public:
     WidgetWindow(MainWinController &document, WindowOrder &order, LogPrinter &printer);
     ~WidgetWindow() override;
 
-    QString title() const override { return m_widget.windowTitle(); }
-    void setTitle(const QString &title) override { m_widget.setWindowTitle(title); }
-    void setSubtitle(const QString &subtitle) override { m_widget.setStatusWord(subtitle); }
-    /// Kept, without an effect: each document has a window to itself.
+    QString title() const override { return m_page.windowTitle(); }
+    void setTitle(const QString &title) override { m_page.setWindowTitle(title); }
+    void setSubtitle(const QString &subtitle) override { m_page.setStatusWord(subtitle); }
     void setTabbingMode(platform::TabbingMode mode) override { m_tabbingMode = mode; }
-    platform::TabbingMode tabbingMode() const { return m_tabbingMode; }
     void show() override;
+    platform::TabGroup &tabGroup() const override;
+    QRect frame() const override;
+    void setFrame(const QRect &frame) override;
+    platform::QDRect boundsAsQDRect() const override;
+    void setBoundsAsQDRect(const platform::QDRect &bounds) override;
+    void orderAbove(qint64 windowNumber) override;
     void endEditing() override;
     [[nodiscard]] bool makeNothingFirstResponder() override;
     void performClose() override;
@@ -35,18 +41,25 @@ public:
                         std::function<void(const QUrl &)> completion) override;
     void printLog() override;
     void setDelegate(Delegate delegate) override { m_delegate = std::move(delegate); }
-    QList<platform::Window *> tabbedWindows() const override { return {}; }
 
-    QWidget &widget() { return m_widget; }
-    /// Put away by the person: no longer on screen, but not closed.
-    bool isMinimized() const { return m_widget.isMinimized(); }
+    /// A person wants to close the window. A sheet that is up has to be answered first.
+    void requestClose();
+    bool hasSheet() const { return !m_sheets.isEmpty(); }
+    DocumentPage &page() { return m_page; }
+    /// The frame that the page is in.
+    FrameWindow *frameWindow() const;
+    /// The same as a widget.
+    QWidget &widget();
 
 private:
+    QRect place() const;
+    void setPlace(const QRect &place);
+
     MainWinController &m_document;
     WindowOrder &m_order;
     LogPrinter &m_printer;
-    DocumentWindow m_widget;
-    Sheets m_sheets;
+    DocumentPage m_page;
+    Sheets m_sheets{m_page};
     QPointer<QDialog> m_namedSheet;
     Delegate m_delegate;
     platform::TabbingMode m_tabbingMode = platform::TabbingMode::automatic;

@@ -1,13 +1,21 @@
 #include "ui/windoworder.h"
 
-#include "ui/widgetwindow.h"
+#include "ui/framewindow.h"
+
+#include <algorithm>
+
+QList<FrameWindow *> WindowOrder::framesFrontToBack() const
+{
+    QList<FrameWindow *> onScreen;
+    std::copy_if(m_frames.cbegin(), m_frames.cend(), std::back_inserter(onScreen),
+                 [](const FrameWindow *frame) { return !frame->isMinimized(); });
+    return onScreen;
+}
 
 QList<platform::Window *> WindowOrder::frontToBack() const
 {
-    QList<platform::Window *> onScreen;
-    for (WidgetWindow *const window : m_windows) {
-        if (!window->isMinimized())
-            onScreen.append(window);
-    }
-    return onScreen;
+    QList<platform::Window *> windows;
+    for (const FrameWindow *const frame : framesFrontToBack())
+        windows.append(frame->selectedWindow());
+    return windows;
 }

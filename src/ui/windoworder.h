@@ -2,24 +2,27 @@
 
 #include <QList>
 
-class WidgetWindow;
+class FrameWindow;
 
 namespace platform {
 class Window;
 }
 
-/// The document windows and their order. Main thread.
+/// The frames that are on screen or minimised, and their order. Main thread.
 class WindowOrder {
 public:
-    void bringToFront(WidgetWindow &window)
+    void bringToFront(FrameWindow &frame)
     {
-        remove(window);
-        m_windows.prepend(&window);
+        remove(frame);
+        m_frames.prepend(&frame);
     }
-    void remove(WidgetWindow &window) { m_windows.removeOne(&window); }
-    /// Those on screen, front to back: not those that are minimised.
+    void remove(FrameWindow &frame) { m_frames.removeOne(&frame); }
+    bool contains(FrameWindow &frame) const { return m_frames.contains(&frame); }
+    /// Those on screen: not those that are minimised.
+    QList<FrameWindow *> framesFrontToBack() const;
+    /// The window that shows in each of them.
     QList<platform::Window *> frontToBack() const;
 
 private:
-    QList<WidgetWindow *> m_windows;
+    QList<FrameWindow *> m_frames;
 };

@@ -25,15 +25,10 @@ protected:
     /// Four new documents as the tabs of one window, of which one shows.
     void openTabs(const QString &prefix, qsizetype visible)
     {
-        QList<platform::Window *> tabs;
-        for (int number = 1; number <= 4; ++number)
-            tabs.append(&open(prefix + QString::number(number)));
-        for (platform::Window *tab : tabs) {
-            auto *const window = dynamic_cast<FakeWindow *>(tab);
-            window->tabs = tabs;
-            if (tab != tabs.at(visible))
-                host.applicationHost.onScreen.removeAll(window);
-        }
+        FakeTabGroup &group = *open(prefix + u"1"_s).group;
+        for (int number = 2; number <= 4; ++number)
+            group.insertWindow(open(prefix + QString::number(number)), number - 1);
+        group.setSelectedWindow(*group.windows().at(visible));
     }
 
     void closeUntitled() { host.application().allControllers().first()->window().performClose(); }

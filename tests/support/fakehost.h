@@ -236,15 +236,37 @@ public:
     std::function<int()>
         answerModal; ///< called while the alert is up; without it the first button is pressed
     int pageLayouts = 0;
-    QList<FakeWindow *> onScreen; ///< front to back
+    QList<FakeWindow *> onScreen; ///< front to back; of a tab group the one that shows
+    QStringList arrangements; ///< what was done to the order and the tabs of windows
+};
+
+class FakeTabGroup : public platform::TabGroup, public std::enable_shared_from_this<FakeTabGroup> {
+public:
+    explicit FakeTabGroup(FakeApplication &application)
+        : m_application(application)
+    {
+    }
+
+    QList<platform::Window *> windows() const override { return {m_windows.cbegin(), m_windows.cend()}; }
+    platform::Window *selectedWindow() const override;
+    void setSelectedWindow(platform::Window &window) override;
+    void removeWindow(platform::Window &window) override;
+    void insertWindow(platform::Window &window, qsizetype atIndex) override;
+
+    /// Lets go of a window that is about to be elsewhere, or nowhere.
+    void release(FakeWindow &window);
+
+private:
+    void show(FakeWindow *window);
+
+    FakeApplication &m_application;
+    QList<FakeWindow *> m_windows;
+    FakeWindow *m_selected = nullptr;
 };
 
 class FakeWindow : public platform::Window {
 public:
-    explicit FakeWindow(FakeApplication &application)
-        : m_application(application)
-    {
-    }
+    explicit FakeWindow(FakeApplication &application);
     ~FakeWindow() override;
 
     struct Sheet {
@@ -276,7 +298,12 @@ public:
     void beginSheetNamed(const QString &interfaceName, std::function<void(int)> completion) override;
     void endSheet(int returnCode) override;
     void setDelegate(Delegate delegate) override { m_delegate = std::move(delegate); }
-    QList<platform::Window *> tabbedWindows() const override { return tabs; }
+    platform::TabGroup &tabGroup() const override { return *group; }
+    QRect frame() const override { return place; }
+    void setFrame(const QRect &frame) override;
+    platform::QDRect boundsAsQDRect() const override { return bounds; }
+    void setBoundsAsQDRect(const platform::QDRect &newBounds) override { bounds = newBounds; }
+    void orderAbove(qint64 windowNumber) override;
 
     /// Answers the sheet that is up (1000 is the first button) or chooses in the panel that is up.
     void answerSheet(int answer = platform::alertFirstButton);
@@ -294,7 +321,9 @@ public:
     std::optional<NamedSheet> namedSheet;
     std::optional<Panel> panel;
     QList<platform::Alert> sheets; ///< all that have been up
-    QList<platform::Window *> tabs;
+    std::shared_ptr<FakeTabGroup> group;
+    QRect place{100, 200, 920, 700};
+    platform::QDRect bounds;
 
 private:
     FakeApplication &m_application;

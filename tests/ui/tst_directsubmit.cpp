@@ -81,11 +81,11 @@ protected:
         data.setUrls(urls);
         QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
         enter.ignore();
-        QApplication::sendEvent(&widget(), &enter);
+        QApplication::sendEvent(&page(), &enter);
         if (!enter.isAccepted())
             return false;
         QDropEvent drop(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-        QApplication::sendEvent(&widget(), &drop);
+        QApplication::sendEvent(&page(), &drop);
         return drop.isAccepted();
     }
 };

@@ -2,6 +2,7 @@
 
 #include <QDialog>
 #include <QPointer>
+#include <QPushButton>
 #include <QTest>
 #include <QWidget>
 
@@ -21,17 +22,67 @@ protected:
     }
 
     QWidget window;
-    Sheets sheets;
+    Sheets sheets{window};
     int completions = 0;
 };
 
 } // namespace
 
-TEST_F(SheetsOfAWindow, aSheetIsModalToItsWindowAlone)
+TEST_F(SheetsOfAWindow, whileASheetIsUpItsPageTakesNoInput)
+{
+    QPushButton button(&window);
+    button.show();
+    int clicks = 0;
+    QObject::connect(&button, &QPushButton::clicked, &button, [&] { ++clicks; });
+    QDialog *const dialog = begin([] {});
+    QTest::mouseClick(&button, Qt::LeftButton);
+    QTest::keyClick(&button, Qt::Key_Space);
+    EXPECT_EQ(clicks, 0);
+    dialog->accept();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return sheets.isEmpty(); }));
+    QTest::mouseClick(&button, Qt::LeftButton);
+    QTest::keyClick(&button, Qt::Key_Space);
+    EXPECT_EQ(clicks, 2);
+}
+
+TEST_F(SheetsOfAWindow, whileASheetIsUpItAndOtherWindowsTakeInput)
+{
+    QPushButton elsewhere;
+    elsewhere.show();
+    QDialog *const dialog = begin([] {});
+    QPushButton inSheet(dialog);
+    inSheet.show();
+    int clicks = 0;
+    for (const QPushButton *const button : {&elsewhere, &inSheet})
+        QObject::connect(button, &QPushButton::clicked, button, [&] { ++clicks; });
+    QTest::mouseClick(&elsewhere, Qt::LeftButton);
+    QTest::mouseClick(&inSheet, Qt::LeftButton);
+    EXPECT_EQ(clicks, 2);
+}
+
+TEST_F(SheetsOfAWindow, aClickOnThePageBringsTheSheetToTheFront)
 {
     const QDialog *const dialog = begin([] {});
-    EXPECT_TRUE(dialog->isVisible());
-    EXPECT_EQ(dialog->windowModality(), Qt::WindowModal);
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window.isActiveWindow(); }));
+    QTest::mouseClick(&window, Qt::LeftButton);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return dialog->isActiveWindow(); }));
+}
+
+TEST_F(SheetsOfAWindow, aSheetIsOutOfSightWithItsPage)
+{
+    window.hide();
+    QDialog *const dialog = begin([&] { ++completions; });
+    EXPECT_FALSE(dialog->isVisible());
+    window.show();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return dialog->isVisible(); }));
+    window.hide();
+    EXPECT_FALSE(dialog->isVisible());
+    window.show();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return dialog->isVisible(); }));
+    EXPECT_EQ(completions, 0) << "to be out of sight is no answer";
+    dialog->accept();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return completions == 1; }));
 }
 
 TEST_F(SheetsOfAWindow, theCompletionComesOnceAfterTheSheetHasGone)
@@ -79,7 +130,7 @@ TEST_F(SheetsOfAWindow, droppedSheetsGoWithoutAnAnswer)
 TEST(Sheets, aCompletionMayEndTheLifeOfTheWindow)
 {
     auto window = std::make_unique<QWidget>();
-    auto sheets = std::make_unique<Sheets>();
+    auto sheets = std::make_unique<Sheets>(*window);
     auto *const dialog = new QDialog(window.get());
     bool isDone = false;
     sheets->begin(dialog, [&] {

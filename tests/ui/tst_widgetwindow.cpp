@@ -32,13 +32,6 @@ TEST_F(WidgetWindowTest, theDocumentsStatusReachesTheWindow)
     EXPECT_EQ(part<QLabel>(u"statusString"_s).text(), u"ready"_s);
 }
 
-TEST_F(WidgetWindowTest, aLoneWindowHasNoTabs)
-{
-    EXPECT_TRUE(window().tabbedWindows().isEmpty());
-    window().setTabbingMode(platform::TabbingMode::preferred);
-    EXPECT_EQ(window().tabbingMode(), platform::TabbingMode::preferred);
-}
-
 TEST_F(WidgetWindowTest, theAnswerOfASheetIsTheNumberOfItsButton)
 {
     QList<int> answers;

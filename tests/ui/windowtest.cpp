@@ -30,7 +30,7 @@ void WindowTest::until(const std::function<bool()> &condition)
 
 AlertBox *WindowTest::sheet()
 {
-    for (auto *const box : widget().findChildren<AlertBox *>()) {
+    for (auto *const box : page().findChildren<AlertBox *>()) {
         if (box->isVisible())
             return box;
     }

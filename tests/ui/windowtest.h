@@ -18,13 +18,17 @@ protected:
 
     MainWinController &document() { return host.document(); }
     WidgetWindow &window() { return dynamic_cast<WidgetWindow &>(document().window()); }
+    /// The frame that its window is in, and what is in that frame of this document alone.
     QWidget &widget() { return window().widget(); }
+    DocumentPage &page() { return window().page(); }
 
     /// The part of the window that has this name. One that is missing ends the test.
     template <class Widget>
     Widget &part(const QString &name)
     {
-        auto *const found = widget().findChild<Widget *>(name);
+        auto *found = page().findChild<Widget *>(name);
+        if (!found)
+            found = widget().findChild<Widget *>(name);
         if (!found)
             throw std::runtime_error("no such part: " + name.toStdString());
         return *found;

@@ -1,8 +1,7 @@
-#include "ui/documentwindow.h"
+#include "ui/documentpage.h"
 
 #include "app/appdelegate.h"
 #include "document/mainwincontroller.h"
-#include "platform/applicationhost.h"
 #include "platform/itempath.h"
 #include "ui/bindings.h"
 #include "ui/busybar.h"
@@ -11,11 +10,9 @@
 #include "ui/settingspane.h"
 
 #include <QBoxLayout>
-#include <QCloseEvent>
 #include <QDropEvent>
 #include <QLabel>
 #include <QLineEdit>
-#include <QMenuBar>
 #include <QMimeData>
 #include <QPushButton>
 
@@ -23,7 +20,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr QSize firstSize{920, 700};
 constexpr int progressWidth = 120;
 constexpr int leastLogLines = 4;
 constexpr qreal itemNameScale = 1.25;
@@ -40,61 +36,49 @@ QStringList pathsOf(const QMimeData &data)
 
 } // namespace
 
-DocumentWindow::DocumentWindow(MainWinController &document)
+DocumentPage::DocumentPage(MainWinController &document)
     : m_document(document)
 {
     setAcceptDrops(true);
-    addFileMenu();
-    setCentralWidget(new QWidget(this));
-    auto *const rows = new QVBoxLayout(centralWidget());
+    auto *const rows = new QVBoxLayout(this);
     addHeader(*rows);
-    rows->addWidget(new SettingsPane(document, centralWidget()));
+    rows->addWidget(new SettingsPane(document, this));
     addLog(*rows);
     addCommands(*rows);
     setStatusWord(document.statusString());
     findChild<QWidget *>(u"appleIDField"_s)->setFocus();
-    resize(firstSize);
 }
 
-void DocumentWindow::setStatusWord(const QString &word)
+void DocumentPage::setStatusWord(const QString &word)
 {
     m_statusWord->setText(word);
 }
 
-void DocumentWindow::printLog(QPagedPaintDevice &paper) const
+void DocumentPage::rememberFocus()
+{
+    m_lastFocus = focusWidget();
+}
+
+void DocumentPage::restoreFocus()
+{
+    if (QWidget *const focused = focusWidget() ? focusWidget() : m_lastFocus.get())
+        focused->setFocus();
+}
+
+void DocumentPage::printLog(QPagedPaintDevice &paper) const
 {
     m_log->print(&paper);
 }
 
-void DocumentWindow::addFileMenu()
-{
-    QMenu *const file = menuBar()->addMenu(u"&File"_s);
-    file->addAction(u"&New"_s, QKeySequence(u"Ctrl+N"_s), this,
-                    [this] { m_document.appDelegate().newDocument(0); });
-    file->addSeparator();
-    QAction *const submit =
-        file->addAction(u"&Submit…"_s, this, [this] { m_document.perform(Action::doSubmit); });
-    QAction *const cancel =
-        file->addAction(u"C&ancel"_s, this, [this] { m_document.perform(Action::doCancel); });
-    file->addSeparator();
-    file->addAction(u"&Close Window"_s, QKeySequence(u"Ctrl+W"_s), this, &DocumentWindow::closeRequested);
-    file->addAction(u"&Quit"_s, QKeySequence(u"Ctrl+Q"_s), this,
-                    [this] { m_document.host().application.terminate(); });
-    connect(file, &QMenu::aboutToShow, this, [this, submit, cancel] {
-        submit->setEnabled(m_document.validateMenuItem(Action::doSubmit));
-        cancel->setEnabled(m_document.canCancel());
-    });
-}
-
-void DocumentWindow::addHeader(QBoxLayout &rows)
+void DocumentPage::addHeader(QBoxLayout &rows)
 {
     auto *const header = new QHBoxLayout;
     header->addWidget(makeItemName(), 1);
-    m_statusWord = new QLabel(centralWidget());
+    m_statusWord = new QLabel(this);
     m_statusWord->setObjectName(u"statusString"_s);
     m_statusWord->setTextFormat(Qt::PlainText);
     header->addWidget(m_statusWord);
-    auto *const progress = named(new BusyBar(centralWidget()), u"progressIndicator"_s, u"Progress"_s);
+    auto *const progress = named(new BusyBar(this), u"progressIndicator"_s, u"Progress"_s);
     progress->setFixedWidth(progressWidth);
     QSizePolicy policy = progress->sizePolicy();
     policy.setRetainSizeWhenHidden(true); // so that nothing moves when a run starts
@@ -105,9 +89,9 @@ void DocumentWindow::addHeader(QBoxLayout &rows)
     rows.addLayout(header);
 }
 
-QWidget *DocumentWindow::makeItemName()
+QWidget *DocumentPage::makeItemName()
 {
-    auto *const name = named(new QLineEdit(centralWidget()), u"appletNameField"_s, u"Item"_s);
+    auto *const name = named(new QLineEdit(this), u"appletNameField"_s, u"Item"_s);
     name->setReadOnly(true);
     name->setFrame(false);
     name->setAcceptDrops(false);
@@ -123,10 +107,9 @@ QWidget *DocumentWindow::makeItemName()
     return name;
 }
 
-QWidget *DocumentWindow::makeCancelButton()
+QWidget *DocumentPage::makeCancelButton()
 {
-    auto *const cancel =
-        named(new QPushButton(u"&Cancel"_s, centralWidget()), u"cancelButton"_s, u"Cancel"_s);
+    auto *const cancel = named(new QPushButton(u"&Cancel"_s, this), u"cancelButton"_s, u"Cancel"_s);
     cancel->setToolTip(u"Stops the run in progress"_s);
     const auto showCanCancel = [this, cancel] { cancel->setEnabled(m_document.canCancel()); };
     connect(&m_document.canCancel, &Observable::changed, cancel, showCanCancel);
@@ -135,19 +118,19 @@ QWidget *DocumentWindow::makeCancelButton()
     return cancel;
 }
 
-void DocumentWindow::addLog(QBoxLayout &rows)
+void DocumentPage::addLog(QBoxLayout &rows)
 {
     const QString label = u"Log"_s;
-    m_log = named(new LogView(m_document.statusTextView, centralWidget()), u"statusTextView"_s, label);
+    m_log = named(new LogView(m_document.statusTextView, this), u"statusTextView"_s, label);
     m_log->setAcceptDrops(false);
     m_log->setMinimumHeight(leastLogLines * m_log->fontMetrics().lineSpacing());
-    auto *const caption = new QLabel(label, centralWidget());
+    auto *const caption = new QLabel(label, this);
     caption->setBuddy(m_log);
     rows.addWidget(caption);
     rows.addWidget(m_log, 1);
 }
 
-void DocumentWindow::addCommands(QBoxLayout &rows)
+void DocumentPage::addCommands(QBoxLayout &rows)
 {
     auto *const commands = new QHBoxLayout;
     commands->addStretch(1);
@@ -156,10 +139,10 @@ void DocumentWindow::addCommands(QBoxLayout &rows)
     rows.addLayout(commands);
 }
 
-QWidget *DocumentWindow::makeStapleButton()
+QWidget *DocumentPage::makeStapleButton()
 {
     Button &button = m_document.stapleOnlyButton;
-    auto *const push = new QPushButton(centralWidget());
+    auto *const push = new QPushButton(this);
     push->setObjectName(u"stapleOnlyButton"_s);
     bindings::bind(*push, button, [this](Action action) { m_document.perform(action); });
     const auto showIfOffered = [&button, push] {
@@ -170,9 +153,9 @@ QWidget *DocumentWindow::makeStapleButton()
     return push;
 }
 
-QWidget *DocumentWindow::makeSubmitButton()
+QWidget *DocumentPage::makeSubmitButton()
 {
-    auto *const push = new QPushButton(centralWidget());
+    auto *const push = new QPushButton(this);
     push->setObjectName(u"submitAppButton"_s);
     bindings::bind(*push, m_document.submitAppButton, [this](Action action) { m_document.perform(action); });
     // A document runs one workflow at a time; the spinner turns for as long as one runs.
@@ -187,26 +170,13 @@ QWidget *DocumentWindow::makeSubmitButton()
     return push;
 }
 
-void DocumentWindow::closeEvent(QCloseEvent *event)
-{
-    event->ignore();
-    Q_EMIT closeRequested();
-}
-
-void DocumentWindow::changeEvent(QEvent *event)
-{
-    QMainWindow::changeEvent(event);
-    if (event->type() == QEvent::ActivationChange && isActiveWindow())
-        Q_EMIT cameToFront();
-}
-
-void DocumentWindow::dragEnterEvent(QDragEnterEvent *event)
+void DocumentPage::dragEnterEvent(QDragEnterEvent *event)
 {
     if (!pathsOf(*event->mimeData()).isEmpty())
         event->acceptProposedAction();
 }
 
-void DocumentWindow::dropEvent(QDropEvent *event)
+void DocumentPage::dropEvent(QDropEvent *event)
 {
     event->acceptProposedAction();
     m_document.appDelegate().applicationOpenFiles(pathsOf(*event->mimeData()));

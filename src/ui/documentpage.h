@@ -1,6 +1,7 @@
 #pragma once
 
-#include <QMainWindow>
+#include <QPointer>
+#include <QWidget>
 
 class LogView;
 class MainWinController;
@@ -8,31 +9,28 @@ class QBoxLayout;
 class QLabel;
 class QPagedPaintDevice;
 
-/// The widgets of one document, bound to its controls. Knows what the document offers; opening, closing and
-/// sheets are its owner's task.
-class DocumentWindow : public QMainWindow {
+/// The widgets of one document, bound to its controls. Its window title is the document's. Opening, closing
+/// and sheets are its owner's task.
+class DocumentPage : public QWidget {
     Q_OBJECT
 
 public:
-    explicit DocumentWindow(MainWinController &document);
+    explicit DocumentPage(MainWinController &document);
 
+    MainWinController &document() const { return m_document; }
     void setStatusWord(const QString &word);
+    /// A page that goes into another frame forgets which of its parts has the keyboard focus, unless it is
+    /// told to remember.
+    void rememberFocus();
+    void restoreFocus();
     /// Puts the text of the log on paper, as it looks here.
     void printLog(QPagedPaintDevice &paper) const;
 
-Q_SIGNALS:
-    /// A person wants to close the window. It stays until its owner hides it.
-    void closeRequested();
-    void cameToFront();
-
 protected:
-    void closeEvent(QCloseEvent *event) override;
-    void changeEvent(QEvent *event) override;
     void dragEnterEvent(QDragEnterEvent *event) override;
     void dropEvent(QDropEvent *event) override;
 
 private:
-    void addFileMenu();
     void addHeader(QBoxLayout &rows);
     QWidget *makeItemName();
     QWidget *makeCancelButton();
@@ -44,4 +42,5 @@ private:
     MainWinController &m_document;
     QLabel *m_statusWord = nullptr;
     LogView *m_log = nullptr;
+    QPointer<QWidget> m_lastFocus;
 };

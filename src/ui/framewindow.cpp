@@ -1,0 +1,254 @@
+#include "ui/framewindow.h"
+
+#include "ui/mainmenu.h"
+#include "ui/tabbar.h"
+#include "ui/widgetwindow.h"
+#include "ui/windoworder.h"
+
+#include <QAction>
+#include <QCloseEvent>
+#include <QMenuBar>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr QSize firstSize{920, 700};
+constexpr QPoint grip{80, 20}; // where in a frame of its own the pointer holds a tab that was dragged out
+
+QRect globalRect(const QWidget &widget)
+{
+    return {widget.mapToGlobal(QPoint(0, 0)), widget.size()};
+}
+
+} // namespace
+
+FrameWindow::FrameWindow(WindowOrder &order)
+    : m_order(order)
+    , m_tabs(new TabWidget(this))
+{
+    setCentralWidget(m_tabs);
+    addTabCommands();
+    new MainMenu(*this);
+    resize(firstSize);
+    connect(m_tabs, &TabWidget::currentChanged, this, [this](int index) {
+        if (index >= 0)
+            showPage(selected().page());
+        Q_EMIT tabsChanged();
+    });
+    connect(m_tabs, &TabWidget::tabCloseRequested, this,
+            [this](int index) { m_windows.at(index)->requestClose(); });
+    connect(&m_tabs->tabs(), &TabBar::tabMoved, this, [this](int from, int to) { m_windows.move(from, to); });
+    connect(&m_tabs->tabs(), &TabBar::tabDraggedOut, this,
+            [this](int index, QPoint position) { dropTab(*m_windows.at(index), position); });
+}
+
+void FrameWindow::addTabCommands()
+{
+    const auto add = [this](const QString &text, const QList<QKeySequence> &shortcuts,
+                            void (FrameWindow::*command)()) {
+        auto *const action = new QAction(text, this);
+        action->setShortcuts(shortcuts);
+        connect(action, &QAction::triggered, this, command);
+        connect(this, &FrameWindow::tabsChanged, action, [this, action] { action->setEnabled(count() > 1); });
+        addAction(action);
+    };
+    add(u"Show &Previous Tab"_s, {QKeySequence(u"Ctrl+PgUp"_s), QKeySequence(u"Ctrl+Shift+Tab"_s)},
+        &FrameWindow::selectPreviousTab);
+    add(u"Show &Next Tab"_s, {QKeySequence(u"Ctrl+PgDown"_s), QKeySequence(u"Ctrl+Tab"_s)},
+        &FrameWindow::selectNextTab);
+    add(u"&Move Tab to New Window"_s, {}, &FrameWindow::moveTabToOwnFrame);
+}
+
+// The group
+
+QList<platform::Window *> FrameWindow::windows() const
+{
+    return {m_windows.cbegin(), m_windows.cend()};
+}
+
+platform::Window *FrameWindow::selectedWindow() const
+{
+    return &selected();
+}
+
+WidgetWindow &FrameWindow::selected() const
+{
+    return *m_windows.at(m_tabs->currentIndex());
+}
+
+void FrameWindow::setSelectedWindow(platform::Window &window)
+{
+    m_tabs->setCurrentIndex(m_tabs->indexOf(&static_cast<WidgetWindow &>(window).page()));
+}
+
+void FrameWindow::removeWindow(platform::Window &window)
+{
+    if (count() < 2)
+        return;
+    FrameWindow &own = moveToOwnFrame(static_cast<WidgetWindow &>(window));
+    m_order.bringToFront(own);
+    // Later, so that a window that goes on into another group at once does not flash up.
+    QMetaObject::invokeMethod(
+        &own, [&own] { own.setVisible(own.m_order.contains(own)); }, Qt::QueuedConnection);
+}
+
+void FrameWindow::insertWindow(platform::Window &window, qsizetype atIndex)
+{
+    auto &inserted = static_cast<WidgetWindow &>(window);
+    if (m_windows.contains(&inserted))
+        return moveWithin(inserted, atIndex);
+    inserted.page().rememberFocus();
+    if (FrameWindow *const previous = inserted.frameWindow())
+        previous->release(inserted);
+    const auto index = std::clamp<qsizetype>(atIndex, 0, count());
+    m_windows.insert(index, &inserted);
+    m_tabs->insertTab(int(index), &inserted.page(), {});
+    followTitle(inserted.page());
+    if (&inserted == &selected())
+        showPage(inserted.page());
+    Q_EMIT tabsChanged();
+}
+
+void FrameWindow::moveWithin(WidgetWindow &window, qsizetype index)
+{
+    const auto last = std::clamp<qsizetype>(index, 0, count() - 1);
+    m_tabs->tabs().moveTab(m_tabs->indexOf(&window.page()), int(last));
+}
+
+void FrameWindow::release(WidgetWindow &window)
+{
+    const qsizetype index = m_windows.indexOf(&window);
+    m_windows.removeAt(index);
+    window.page().disconnect(this);
+    m_tabs->removeTab(int(index));
+    window.page().setParent(nullptr);
+    if (count() > 0) {
+        Q_EMIT tabsChanged();
+        return;
+    }
+    m_order.remove(*this);
+    hide();
+    deleteLater();
+}
+
+FrameWindow &FrameWindow::moveToOwnFrame(WidgetWindow &window)
+{
+    if (count() < 2)
+        return *this;
+    auto *const own = new FrameWindow(m_order);
+    own->resize(size());
+    if (isVisible())
+        own->move(pos());
+    own->insertWindow(window, 0);
+    return *own;
+}
+
+void FrameWindow::putAway(WidgetWindow &window)
+{
+    FrameWindow &own = moveToOwnFrame(window);
+    m_order.remove(own);
+    own.hide();
+}
+
+// On screen
+
+void FrameWindow::comeToFront()
+{
+    setWindowState(windowState() & ~Qt::WindowMinimized);
+    show();
+    raise();
+    m_order.bringToFront(*this);
+}
+
+void FrameWindow::followTitle(DocumentPage &page)
+{
+    connect(&page, &QWidget::windowTitleChanged, this, [this, &page] { showTitle(page); });
+    showTitle(page);
+}
+
+void FrameWindow::showTitle(DocumentPage &page)
+{
+    const QString title = page.windowTitle();
+    const int index = m_tabs->indexOf(&page);
+    m_tabs->setTabText(index, QString(title).replace(u'&', u"&&"_s));
+    m_tabs->setTabToolTip(index, title);
+    if (index == m_tabs->currentIndex())
+        setWindowTitle(title);
+}
+
+void FrameWindow::showPage(DocumentPage &page)
+{
+    showTitle(page);
+    if (!m_tabs->tabs().hasFocus())
+        page.restoreFocus();
+}
+
+void FrameWindow::closeEvent(QCloseEvent *event)
+{
+    event->ignore(); // each document decides for itself
+    for (WidgetWindow *const window : QList(m_windows))
+        window->requestClose();
+}
+
+void FrameWindow::changeEvent(QEvent *event)
+{
+    QMainWindow::changeEvent(event);
+    if (event->type() == QEvent::ActivationChange && isActiveWindow() && m_order.contains(*this))
+        m_order.bringToFront(*this);
+}
+
+// Tabs, as a person moves them
+
+void FrameWindow::selectNeighbour(qsizetype distance)
+{
+    m_tabs->setCurrentIndex(int((m_tabs->currentIndex() + count() + distance) % count()));
+}
+
+void FrameWindow::moveTabToOwnFrame()
+{
+    moveToOwnFrame(selected()).comeToFront();
+}
+
+void FrameWindow::mergeAllFrames()
+{
+    const auto frames = m_order.framesFrontToBack();
+    for (FrameWindow *const frame : frames) {
+        if (frame == this)
+            continue;
+        for (WidgetWindow *const window : QList(frame->m_windows))
+            insertWindow(*window, count());
+    }
+}
+
+void FrameWindow::dropTab(WidgetWindow &window, QPoint globalPosition)
+{
+    const auto frames = m_order.framesFrontToBack();
+    const auto under =
+        std::find_if(frames.cbegin(), frames.cend(), [globalPosition](const FrameWindow *frame) {
+            return frame->frameGeometry().contains(globalPosition);
+        });
+    if (under != frames.cend() && (*under)->takesTabsAt(globalPosition)) {
+        (*under)->insertWindow(window, (*under)->placeAt(globalPosition));
+        return window.show();
+    }
+    FrameWindow &own = moveToOwnFrame(window);
+    own.move(globalPosition - grip);
+    window.show();
+}
+
+bool FrameWindow::takesTabsAt(QPoint globalPosition) const
+{
+    const QWidget &target = count() > 1 ? static_cast<QWidget &>(m_tabs->tabs()) : *menuBar();
+    QRect wholeWidth = globalRect(target);
+    wholeWidth.setLeft(globalRect(*this).left());
+    wholeWidth.setRight(globalRect(*this).right());
+    return wholeWidth.contains(globalPosition);
+}
+
+qsizetype FrameWindow::placeAt(QPoint globalPosition) const
+{
+    return count() > 1 ? m_tabs->tabs().placeAt(m_tabs->tabs().mapFromGlobal(globalPosition)) : count();
+}

@@ -1,0 +1,91 @@
+#include "ui/tabbar.h"
+
+#include <QApplication>
+#include <QKeyEvent>
+#include <QMouseEvent>
+
+using namespace Qt::StringLiterals;
+
+TabBar::TabBar(QWidget *parent)
+    : QTabBar(parent)
+{
+    setObjectName(u"tabBar"_s);
+    setAccessibleName(u"Tabs"_s);
+    setMovable(true);
+    setTabsClosable(true);
+    setElideMode(Qt::ElideMiddle);
+}
+
+int TabBar::placeAt(QPoint position) const
+{
+    const int tab = tabAt(position);
+    if (tab < 0)
+        return count();
+    return position.x() < tabRect(tab).center().x() ? tab : tab + 1;
+}
+
+void TabBar::mousePressEvent(QMouseEvent *event)
+{
+    QTabBar::mousePressEvent(event);
+    m_isTabPressed = event->button() == Qt::LeftButton && tabAt(event->position().toPoint()) >= 0;
+}
+
+void TabBar::mouseMoveEvent(QMouseEvent *event)
+{
+    if (m_isTabPressed && !m_isDraggingOut && isOffTheBar(event->position().toPoint()))
+        beginDraggingOut(*event);
+    if (!m_isDraggingOut)
+        QTabBar::mouseMoveEvent(event);
+}
+
+void TabBar::mouseReleaseEvent(QMouseEvent *event)
+{
+    m_isTabPressed = false;
+    if (!m_isDraggingOut)
+        return QTabBar::mouseReleaseEvent(event);
+    endDraggingOut();
+    Q_EMIT tabDraggedOut(currentIndex(), event->globalPosition().toPoint());
+}
+
+void TabBar::keyPressEvent(QKeyEvent *event)
+{
+    if (m_isDraggingOut && event->key() == Qt::Key_Escape) {
+        m_isTabPressed = false;
+        return endDraggingOut();
+    }
+    QTabBar::keyPressEvent(event);
+}
+
+bool TabBar::isOffTheBar(QPoint position) const
+{
+    const int reach = QApplication::startDragDistance();
+    return !rect().adjusted(-reach, -reach, reach, reach).contains(position);
+}
+
+void TabBar::beginDraggingOut(const QMouseEvent &event)
+{
+    m_isDraggingOut = true;
+    // Ends the drag along the bar, which puts the tab into its place there.
+    QMouseEvent release(QEvent::MouseButtonRelease, event.position(), event.globalPosition(), Qt::LeftButton,
+                        Qt::NoButton, event.modifiers());
+    QTabBar::mouseReleaseEvent(&release);
+    setCursor(Qt::DragMoveCursor);
+    grabKeyboard(); // for Escape
+}
+
+void TabBar::endDraggingOut()
+{
+    m_isDraggingOut = false;
+    releaseKeyboard();
+    unsetCursor();
+}
+
+TabWidget::TabWidget(QWidget *parent)
+    : QTabWidget(parent)
+    , m_tabs(new TabBar(this))
+{
+    setTabBar(m_tabs);
+    setTabBarAutoHide(true);
+    setDocumentMode(true);
+    setFocusPolicy(Qt::NoFocus); // which it would hand on to its tabs, also where they are out of sight
+}

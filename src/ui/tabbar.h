@@ -1,0 +1,46 @@
+#pragma once
+
+#include <QTabBar>
+#include <QTabWidget>
+
+/// Tabs that can be moved along the bar and, by dragging them off it, out of it.
+class TabBar : public QTabBar {
+    Q_OBJECT
+
+public:
+    explicit TabBar(QWidget *parent);
+
+    /// Before which tab something would go that is dropped there; local position.
+    int placeAt(QPoint position) const;
+
+Q_SIGNALS:
+    /// A tab was let go off the bar. It is still in its place.
+    void tabDraggedOut(int index, QPoint globalPosition);
+
+protected:
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+
+private:
+    bool isOffTheBar(QPoint position) const;
+    void beginDraggingOut(const QMouseEvent &event);
+    void endDraggingOut();
+
+    bool m_isTabPressed = false;
+    bool m_isDraggingOut = false;
+};
+
+/// Pages with such tabs. One page alone has no tab.
+class TabWidget : public QTabWidget {
+    Q_OBJECT
+
+public:
+    explicit TabWidget(QWidget *parent);
+
+    TabBar &tabs() const { return *m_tabs; }
+
+private:
+    TabBar *m_tabs;
+};
