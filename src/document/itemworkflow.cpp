@@ -2,6 +2,7 @@
 
 #include "app/appdelegate.h"
 #include "app/preferencekeys.h"
+#include "document/documentextensions.h"
 #include "document/mainwincontroller.h"
 #include "document/workingfoldernames.h"
 #include "platform/applicationhost.h"
@@ -83,6 +84,13 @@ void ItemWorkflow::showItem(const QString &name)
     document.window().setTitle(document.appDelegate().uniqueWindowNameFrom(name));
     document.progressIndicator.startAnimation();
     document.clearLogUnlessKept();
+}
+
+StepOptions ItemWorkflow::stepOptions() const
+{
+    return {.signsContents = !document.dontSignEnclosuresCheckbox.isOn(),
+            .checksSignature = document.host().preferences.boolean(key::prefDoPostCodesignCheck),
+            .archive = document.steps().archive.chosenStep()};
 }
 
 bool ItemWorkflow::goesOn(bool stepWorked) const

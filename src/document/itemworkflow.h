@@ -2,6 +2,7 @@
 
 #include "document/documentextension.h"
 #include "document/documentfields.h"
+#include "document/plannedsteps.h"
 #include "platform/window.h"
 
 /// What the workflows have in common that begin with an item of the user's.
@@ -35,6 +36,8 @@ protected:
 
     /// Shows the name in the window, starts the spinner and clears the log, unless it is to be kept.
     void showItem(const QString &name);
+    /// What the settings say at this moment about the steps of a run.
+    [[nodiscard]] StepOptions stepOptions() const;
 
     // Worker thread.
 

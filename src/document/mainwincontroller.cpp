@@ -69,6 +69,7 @@ std::shared_ptr<MainWinController> MainWinController::withLoadedWindow(AppDelega
 
 MainWinController::MainWinController(AppDelegate &appDelegate)
     : uniqueID(QUuid::createUuid().toString(QUuid::WithoutBraces))
+    , stepList(appDelegate.host().clock)
     , m_appDelegate(appDelegate)
     , m_steps(std::make_unique<DocumentExtensions>(*this))
 {

@@ -2,6 +2,7 @@
 
 #include "document/documentcontrols.h"
 #include "document/documentfields.h"
+#include "document/steplist.h"
 #include "platform/host.h"
 #include "platform/window.h"
 
@@ -38,6 +39,9 @@ public:
 
     /// The owner token for the runners, unique in the process.
     const QString uniqueID;
+
+    /// The steps of the latest run, for those who show them. Main thread.
+    StepList stepList;
 
     AppDelegate &appDelegate() const { return m_appDelegate; }
     const platform::Host &host() const;
@@ -82,6 +86,9 @@ public:
     void openLog(const QString &path, const QString &banner);
     /// Puts the user's untouched item into the working folder, after a success. Nothing is reported.
     void moveOriginalIntoWorkingFolder();
+
+    /// Marks the step as the one that runs from now on. Any thread.
+    void beginStep(Step step);
 
     // Status and final report.
     /// Any thread.

@@ -16,6 +16,11 @@ void MainWinController::changeStatus(QStringView newStatus)
     dispatchToMain([this, word = newStatus.toString()] { window().setSubtitle(word); });
 }
 
+void MainWinController::beginStep(Step step)
+{
+    dispatchToMain([this, step] { stepList.begin(step); });
+}
+
 void MainWinController::dispatchFinalAlertOrMessage(const QString &title, const QString &text,
                                                     const QString &logError)
 {
@@ -30,6 +35,7 @@ void MainWinController::dispatchFinalAlertOrMessage(const QString &title, const 
 void MainWinController::finalAlertOrMessage(const QString &title, const QString &text,
                                             const QString &logError)
 {
+    stepList.finish(StepState::failed);
     logErrorMain(logError);
     closeLog();
     if (isScripted())
@@ -76,6 +82,7 @@ void MainWinController::beginSuccessSheet(const platform::Alert &alert)
 
 void MainWinController::endWorkflow()
 {
+    stepList.finish(StepState::done);
     progressIndicator.stopAnimation();
     isBusy.set(false);
     isSubmitting.set(false);

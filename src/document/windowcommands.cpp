@@ -47,6 +47,7 @@ bool needsIdleDocument(Action action)
 void MainWinController::doCancel()
 {
     cancelPressed.set(true);
+    stepList.finish(StepState::cancelled);
     invalidate(staplingTimer);
     staplingTimer.set(nullptr);
     logBoldString(u"Process cancelled..."_s);

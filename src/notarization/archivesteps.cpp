@@ -67,13 +67,22 @@ void ArchiveSteps::deleteSignedBundle()
     document.host().files.removeItem(itemPath()).ignore();
 }
 
-bool ArchiveSteps::makeArchiveForUploading()
+Step ArchiveSteps::chosenStep() const
 {
     if (!document.useDiskImage())
-        return makeZipArchive();
+        return Step::makeZipArchive;
     if (document.appDelegate().hasDropDMG() && document.useDropDMG())
-        return makeDiskImageWithDropDMG();
-    return makeDiskImage();
+        return Step::makeDiskImageWithDropDMG;
+    return Step::makeDiskImage;
+}
+
+bool ArchiveSteps::makeArchiveForUploading()
+{
+    const Step step = chosenStep();
+    document.beginStep(step);
+    if (step == Step::makeZipArchive)
+        return makeZipArchive();
+    return step == Step::makeDiskImage ? makeDiskImage() : makeDiskImageWithDropDMG();
 }
 
 bool ArchiveSteps::makeZipArchive()

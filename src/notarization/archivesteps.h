@@ -1,6 +1,7 @@
 #pragma once
 
 #include "document/documentextension.h"
+#include "document/steplist.h"
 #include "tools/slwtaskresponse.h"
 
 #include <QString>
@@ -13,6 +14,9 @@ public:
         : DocumentExtension(owner)
     {
     }
+
+    /// Which archive would be made now, of the three kinds that there are.
+    [[nodiscard]] Step chosenStep() const;
 
     /// Makes the archive and sets `submitFilePath`. What kind it makes is what is chosen now, not what was
     /// chosen when the submission began. False after a failure that has been reported; the signed copy is

@@ -40,6 +40,8 @@ double delayAfter239(quint64 count)
 
 void PollingSteps::armTimer(const PollingInfo &info, double delay)
 {
+    const quint64 failures = document.infoFailureCount() + document.info239FailureCount();
+    document.dispatchToMain([this, delay, failures] { document.stepList.pollIn(delay, failures); });
     const auto timer = document.host().timers.schedule(
         delay, timerTolerance,
         [this, held = document.shared_from_this(), info] { staplingTimerFired(info); });
@@ -49,6 +51,7 @@ void PollingSteps::armTimer(const PollingInfo &info, double delay)
 void PollingSteps::staplingTimerFired(const PollingInfo &info)
 {
     document.staplingTimer.set(nullptr);
+    document.stepList.pollNow();
     document.dispatchToWorker([this, info] { continueStaplingWithInfo(info); });
 }
 
@@ -120,6 +123,7 @@ void PollingSteps::acceptVerdict(const QString &report)
          .informativeText = u"Now stapling the submission"_s,
          .userInfo = {{platform::showWhenActiveKey.toString(),
                        document.host().preferences.boolean(key::userInfoShowWhenActive)}}});
+    document.beginStep(Step::staple);
     document.steps().stapling.runStaplerAndFinish();
 }
 

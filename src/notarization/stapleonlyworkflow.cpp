@@ -143,6 +143,7 @@ void StapleOnlyWorkflow::startStapling()
 void StapleOnlyWorkflow::continueStapleOnly()
 {
     showAppletURL();
+    document.stepList.plan(stapleOnlySteps());
     document.dispatchToWorker([this] { runJob(); });
 }
 
@@ -158,8 +159,11 @@ void StapleOnlyWorkflow::runJob()
     const QString item = itempath::fromUrl(document.appletURL());
     document.openLog(itempath::appending(itempath::folder(item), workingfolder::logName.toString()),
                      workingfolder::stapleOnlyBanner(item));
-    if (isAcceptable(item))
-        document.steps().stapling.runStaplerAndFinish();
+    document.beginStep(Step::checkSignature);
+    if (!isAcceptable(item))
+        return;
+    document.beginStep(Step::staple);
+    document.steps().stapling.runStaplerAndFinish();
 }
 
 bool StapleOnlyWorkflow::isAcceptable(const QString &item)

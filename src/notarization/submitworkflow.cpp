@@ -137,6 +137,7 @@ void SubmitWorkflow::startWithOriginal()
     if (!checkKind())
         return;
     showItem(document.originalFileName());
+    document.stepList.plan(submitSteps(itemKind(document.originalFileName()), stepOptions()));
     submitAsync(document.steps().credentials.entered(), document.identitiesPopup.titleOfSelectedItem());
 }
 
@@ -163,8 +164,10 @@ void SubmitWorkflow::submitAsync(const Credentials &credentials, const QString &
 void SubmitWorkflow::runChain(const Submission &submission)
 {
     QString identifier = fallbackIdentifier(itempath::fromUrl(document.originalAppletURL()));
+    document.beginStep(Step::checkCredentials);
     if (!goesOn(document.steps().credentials.checkAltool(submission.credentials)))
         return;
+    document.beginStep(Step::makeWorkingCopy);
     if (!goesOn(document.createWorkingFolderAndLog()))
         return;
     if (prepareItem(submission, identifier))
@@ -182,6 +185,7 @@ bool SubmitWorkflow::prepareItem(const Submission &submission, QString &identifi
 
 bool SubmitWorkflow::preparePackage(const Submission &submission)
 {
+    document.beginStep(Step::signPackage);
     if (!goesOn(document.steps().packages.checkPkgAndSignWithID(submission.identity)))
         return false;
     document.submitFilePath.set(itempath::fromUrl(document.appletURL()));
@@ -191,15 +195,23 @@ bool SubmitWorkflow::preparePackage(const Submission &submission)
 bool SubmitWorkflow::prepareBundle(const Submission &submission, QString &identifier)
 {
     auto &steps = document.steps();
+    document.beginStep(Step::saveEntitlements);
     if (!goesOn(steps.entitlements.saveEntitlementsDictionary(submission.entitlements)))
         return false;
+    document.beginStep(Step::clearAttributes);
     if (!goesOn(steps.signing.clearXattrs()))
         return false;
-    if (submission.kind == ItemKind::app && !goesOn(steps.signing.lockMainScpt()))
-        return false;
-    if (!submission.dontSignEnclosures
-        && !goesOn(steps.signing.codesignMembersWithID(submission.identity, true)))
-        return false;
+    if (submission.kind == ItemKind::app) {
+        document.beginStep(Step::lockScript);
+        if (!goesOn(steps.signing.lockMainScpt()))
+            return false;
+    }
+    if (!submission.dontSignEnclosures) {
+        document.beginStep(Step::signContents);
+        if (!goesOn(steps.signing.codesignMembersWithID(submission.identity, true)))
+            return false;
+    }
+    document.beginStep(Step::signMainFile);
     if (!goesOn(steps.signing.signAndCheckAppWithID(submission.identity, true)))
         return false;
     // Before the archive is made: that may put a disk image in the bundle's place.
@@ -213,8 +225,10 @@ bool SubmitWorkflow::prepareBundle(const Submission &submission, QString &identi
 bool SubmitWorkflow::prepareDiskImage(const Submission &submission, QString &identifier)
 {
     auto &steps = document.steps();
+    document.beginStep(Step::signMainFile);
     if (!goesOn(steps.signing.signAndCheckAppWithID(submission.identity, false)))
         return false;
+    document.beginStep(Step::findIdentifier);
     const QString own = steps.archive.primaryBundleID();
     if (!own.isEmpty())
         identifier = own;
@@ -225,6 +239,7 @@ bool SubmitWorkflow::prepareDiskImage(const Submission &submission, QString &ide
 void SubmitWorkflow::upload(const Submission &submission, const QString &identifier)
 {
     document.dispatchToMain([this] { document.canCancel.set(false); }); // uploading is not to be interrupted
+    document.beginStep(Step::upload);
     const bool isPolling = document.steps().upload.uploadForNotarizing(submission.credentials, identifier);
     if (goesOn(isPolling))
         document.dispatchToMain([this] { document.canCancel.set(true); });

@@ -111,6 +111,7 @@ void UploadStep::startPolling(const Credentials &credentials, const QString &req
         u"Checking for the result of Apple's process. This usually takes several minutes, but could take even longer..."_s);
     if (const auto command = document.currentCommand())
         command->setScriptErrorOffendingObjectDescriptor(document.appletURL());
+    document.beginStep(Step::awaitResult);
     document.steps().polling.armTimer(info, info.pollingDelay);
     document.changeStatus(status::waiting);
 }

@@ -130,8 +130,10 @@ bool SigningSteps::signAndCheckAppWithID(const QString &identity, bool needsEnti
         document.reportFailureAndRename(signingError, toolFailureLine(*response, u"in codesign"_s));
         return false;
     }
-    if (needsEntitlements && document.host().preferences.boolean(key::prefDoPostCodesignCheck))
+    if (needsEntitlements && document.host().preferences.boolean(key::prefDoPostCodesignCheck)) {
+        document.beginStep(Step::checkSignature);
         checkSignature();
+    }
     return true;
 }
 

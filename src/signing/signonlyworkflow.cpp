@@ -67,6 +67,7 @@ void SignOnlyWorkflow::chooseItem(const QString &identity)
 void SignOnlyWorkflow::startWithOriginal(const QString &identity)
 {
     showItem(document.originalFileName());
+    document.stepList.plan(signOnlySteps(isApp(), stepOptions()));
     signOnlyAsyncWithID(identity);
 }
 
@@ -74,7 +75,6 @@ void SignOnlyWorkflow::signOnlyAsyncWithID(const QString &identity)
 {
     document.canCancel.set(true);
     const bool dontSignEnclosures = document.dontSignEnclosuresCheckbox.isOn();
-    const bool isApp = itempath::lowerExtension(document.originalFileName()) == "app"_L1;
     const auto entitlements = document.steps().entitlements.assembleEntitlements();
     if (!entitlements)
         return;
@@ -82,8 +82,13 @@ void SignOnlyWorkflow::signOnlyAsyncWithID(const QString &identity)
         [this,
          signing = Signing{.entitlements = *entitlements,
                            .identity = identity,
-                           .isApp = isApp,
+                           .isApp = isApp(),
                            .dontSignEnclosures = dontSignEnclosures}] { runChain(signing); });
+}
+
+bool SignOnlyWorkflow::isApp() const
+{
+    return itempath::lowerExtension(document.originalFileName()) == "app"_L1;
 }
 
 // The background chain
@@ -97,13 +102,19 @@ void SignOnlyWorkflow::runChain(const Signing &signing)
 bool SignOnlyWorkflow::prepareCopy(const Signing &signing)
 {
     auto &steps = document.steps();
+    document.beginStep(Step::makeWorkingCopy);
     if (!goesOn(document.createWorkingFolderAndLog()))
         return false;
+    document.beginStep(Step::saveEntitlements);
     if (!goesOn(steps.entitlements.saveEntitlementsDictionary(signing.entitlements)))
         return false;
+    document.beginStep(Step::clearAttributes);
     if (!goesOn(steps.signing.clearXattrs()))
         return false;
-    return !signing.isApp || goesOn(steps.signing.lockMainScpt());
+    if (!signing.isApp)
+        return true;
+    document.beginStep(Step::lockScript);
+    return goesOn(steps.signing.lockMainScpt());
 }
 
 bool SignOnlyWorkflow::signCopy(const Signing &signing)
@@ -111,9 +122,15 @@ bool SignOnlyWorkflow::signCopy(const Signing &signing)
     auto &steps = document.steps().signing;
     // Whatever is no app has no main file: all of it are members, and leaving them out would sign nothing.
     const bool signsMembers = !signing.isApp || !signing.dontSignEnclosures;
-    if (signsMembers && !goesOn(steps.codesignMembersWithID(signing.identity, signing.isApp)))
-        return false;
-    return !signing.isApp || goesOn(steps.signAndCheckAppWithID(signing.identity, true));
+    if (signsMembers) {
+        document.beginStep(Step::signContents);
+        if (!goesOn(steps.codesignMembersWithID(signing.identity, signing.isApp)))
+            return false;
+    }
+    if (!signing.isApp)
+        return true;
+    document.beginStep(Step::signMainFile);
+    return goesOn(steps.signAndCheckAppWithID(signing.identity, true));
 }
 
 void SignOnlyWorkflow::finish()

@@ -37,6 +37,7 @@ private:
     void chooseItem(const QString &identity);
     void startWithOriginal(const QString &identity);
     void signOnlyAsyncWithID(const QString &identity);
+    bool isApp() const;
 
     // The background chain. Worker thread. A step that answers false has reported, or a cancel has.
     void runChain(const Signing &signing);

@@ -1,0 +1,146 @@
+#include "document/steplist.h"
+
+#include "platform/clock.h"
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr qint64 millisecondsPerSecond = 1000;
+
+auto has(StepState state)
+{
+    return [state](const StepList::Row &row) { return row.state == state; };
+}
+
+} // namespace
+
+QString stepName(Step step)
+{
+    switch (step) {
+    case Step::checkCredentials:
+        return u"Check credentials"_s;
+    case Step::makeWorkingCopy:
+        return u"Make working copy"_s;
+    case Step::signPackage:
+        return u"Check and sign package"_s;
+    case Step::saveEntitlements:
+        return u"Save entitlements"_s;
+    case Step::clearAttributes:
+        return u"Clear extended attributes"_s;
+    case Step::lockScript:
+        return u"Lock main script"_s;
+    case Step::signContents:
+        return u"Sign contents"_s;
+    case Step::signMainFile:
+        return u"Sign main file"_s;
+    case Step::checkSignature:
+        return u"Check code signature"_s;
+    case Step::findIdentifier:
+        return u"Find bundle identifier"_s;
+    case Step::makeZipArchive:
+        return u"Make zip archive"_s;
+    case Step::makeDiskImage:
+        return u"Make disk image"_s;
+    case Step::makeDiskImageWithDropDMG:
+        return u"Make disk image with DropDMG"_s;
+    case Step::upload:
+        return u"Upload to Apple"_s;
+    case Step::awaitResult:
+        return u"Wait for Apple's result"_s;
+    case Step::staple:
+        return u"Staple"_s;
+    }
+    return {};
+}
+
+const StepList::Row *StepList::running() const
+{
+    const auto row = std::find_if(m_rows.cbegin(), m_rows.cend(), has(StepState::running));
+    return row == m_rows.cend() ? nullptr : &*row;
+}
+
+qint64 StepList::duration(const Row &row) const
+{
+    if (!row.began.isValid())
+        return 0;
+    const QDateTime end = row.ended.isValid() ? row.ended : m_clock.now();
+    return std::max<qint64>(0, row.began.msecsTo(end) / millisecondsPerSecond); // a clock may be set back
+}
+
+void StepList::plan(const QList<Step> &steps)
+{
+    m_rows.clear();
+    for (const Step step : steps)
+        m_rows.append({.step = step});
+    m_wait.reset();
+    Q_EMIT changed();
+}
+
+void StepList::begin(Step step)
+{
+    endRunning(StepState::done);
+    const qsizetype place = placeOf(step);
+    skipWaiting(place);
+    m_rows[place] = {.step = step, .state = StepState::running, .began = m_clock.now()};
+    Q_EMIT changed();
+}
+
+void StepList::finish(StepState state)
+{
+    endRunning(state);
+    skipWaiting(m_rows.size());
+    Q_EMIT changed();
+}
+
+void StepList::pollIn(double delay, quint64 failures)
+{
+    if (!running())
+        return; // cancelled meanwhile
+    const quint64 polls = m_wait ? m_wait->polls : 0;
+    const auto milliseconds = static_cast<qint64>(delay * millisecondsPerSecond);
+    m_wait = {.nextPoll = m_clock.now().addMSecs(milliseconds), .polls = polls, .failures = failures};
+    Q_EMIT changed();
+}
+
+void StepList::pollNow()
+{
+    if (!m_wait)
+        return;
+    m_wait->nextPoll = {};
+    ++m_wait->polls;
+    Q_EMIT changed();
+}
+
+void StepList::endRunning(StepState state)
+{
+    m_wait.reset();
+    for (Row &row : m_rows) {
+        if (row.state != StepState::running)
+            continue;
+        row.state = state;
+        row.ended = m_clock.now();
+    }
+}
+
+void StepList::skipWaiting(qsizetype end)
+{
+    for (qsizetype row = 0; row < end; ++row) {
+        if (m_rows[row].state == StepState::waiting)
+            m_rows[row].state = StepState::skipped;
+    }
+}
+
+qsizetype StepList::placeOf(Step step)
+{
+    const auto planned =
+        std::find_if(m_rows.cbegin(), m_rows.cend(), [step](const Row &row) { return row.step == step; });
+    if (planned != m_rows.cend())
+        return planned - m_rows.cbegin();
+    const auto next = std::find_if(m_rows.cbegin(), m_rows.cend(), has(StepState::waiting));
+    const qsizetype place = next - m_rows.cbegin();
+    m_rows.insert(place, {.step = step});
+    return place;
+}
