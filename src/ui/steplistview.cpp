@@ -1,0 +1,94 @@
+#include "ui/steplistview.h"
+
+#include "ui/named.h"
+#include "ui/steplistmodel.h"
+#include "ui/steprowdelegate.h"
+
+#include <QEvent>
+#include <QScrollBar>
+#include <QTimerEvent>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int interval = 1000; // milliseconds
+constexpr int usualRows = 13; // an app's steps and the line about the polls
+constexpr int fewestRows = 4;
+
+} // namespace
+
+StepListView::StepListView(const StepList &steps, QWidget *parent)
+    : QListView(parent)
+    , m_model(new StepListModel(steps, this))
+{
+    named(this, u"stepList"_s, u"Steps"_s);
+    setModel(m_model);
+    setItemDelegate(new StepRowDelegate(this));
+    setFrameShape(QFrame::NoFrame);
+    viewport()->setBackgroundRole(QPalette::Window);
+    setSelectionMode(NoSelection);
+    setEditTriggers(NoEditTriggers);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setWordWrap(true); // so that the rows are laid out anew at another width
+    connect(&steps, &Observable::changed, this, [this, &steps] { follow(steps); });
+}
+
+QSize StepListView::sizeFor(const QString &name, int rows) const
+{
+    return {StepRowDelegate::widthFor(name, font()) + verticalScrollBar()->sizeHint().width(),
+            rows * StepRowDelegate::heightOfOneLine(font())};
+}
+
+QSize StepListView::sizeHint() const
+{
+    return sizeFor(stepName(Step::makeDiskImageWithDropDMG), usualRows); // the longest name
+}
+
+QSize StepListView::minimumSizeHint() const
+{
+    const QString longestWord = stepName(Step::saveEntitlements).section(u' ', -1);
+    return sizeFor(longestWord, fewestRows);
+}
+
+void StepListView::follow(const StepList &steps)
+{
+    scrollTo(steps.wait() ? m_model->index(m_model->rowCount() - 1) : m_model->running());
+    tickInActiveWindow();
+}
+
+void StepListView::tickInActiveWindow()
+{
+    if (!m_model->running().isValid() || !isVisible() || !isActiveWindow())
+        m_timer.stop();
+    else if (!m_timer.isActive())
+        m_timer.start(interval, Qt::CoarseTimer, this);
+}
+
+bool StepListView::event(QEvent *event)
+{
+    if (event->type() == QEvent::WindowActivate || event->type() == QEvent::WindowDeactivate) {
+        viewport()->update(); // the time that has passed meanwhile
+        tickInActiveWindow();
+    }
+    return QListView::event(event);
+}
+
+void StepListView::showEvent(QShowEvent *event)
+{
+    QListView::showEvent(event);
+    tickInActiveWindow();
+}
+
+void StepListView::hideEvent(QHideEvent *event)
+{
+    QListView::hideEvent(event);
+    tickInActiveWindow();
+}
+
+void StepListView::timerEvent(QTimerEvent *event)
+{
+    if (event->timerId() != m_timer.timerId())
+        return QListView::timerEvent(event);
+    update(m_model->running()); // a new picture and no more: nobody wants to be told of each second
+}

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QBasicTimer>
+#include <QListView>
+
+class StepList;
+class StepListModel;
+
+/// Shows the steps of a document's run beside its log. The time of the step that runs is kept up to the
+/// second in the active window alone: of fifty windows that wait for hours, none costs the processor
+/// anything. The list may go before the view does.
+class StepListView : public QListView {
+    Q_OBJECT
+
+public:
+    explicit StepListView(const StepList &steps, QWidget *parent = nullptr);
+
+    /// Room for the longest name in one line, and for the steps of an app.
+    QSize sizeHint() const override;
+    /// Room for some steps, whose names then take more lines.
+    QSize minimumSizeHint() const override;
+
+protected:
+    bool event(QEvent *event) override;
+    void showEvent(QShowEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
+    void timerEvent(QTimerEvent *event) override;
+
+private:
+    void follow(const StepList &steps);
+    void tickInActiveWindow();
+    QSize sizeFor(const QString &name, int rows) const;
+
+    StepListModel *m_model;
+    QBasicTimer m_timer;
+};
