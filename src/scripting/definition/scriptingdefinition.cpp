@@ -66,6 +66,11 @@ Term termOf(const XmlElement &element)
     return {element.attribute(u"name"_s), element.attribute(u"code"_s), element.attribute(u"description"_s)};
 }
 
+bool isYes(const XmlElement &element, const QString &attribute)
+{
+    return element.attribute(attribute) == "yes"_L1;
+}
+
 QString keyOf(const XmlElement &element)
 {
     return element.child(u"cocoa"_s).attribute(u"key"_s);
@@ -76,14 +81,15 @@ ValueType typeOf(const XmlElement &element)
     if (element.hasAttribute(u"type"_s))
         return {typeNamed(element.attribute(u"type"_s)), false};
     const XmlElement type = element.child(u"type"_s);
-    return {typeNamed(type.attribute(u"type"_s)), type.attribute(u"list"_s) == "yes"_L1};
+    return {typeNamed(type.attribute(u"type"_s)), isYes(type, u"list"_s)};
 }
 
 QList<Parameter> parametersOf(const XmlElement &command)
 {
     QList<Parameter> parameters;
     for (const XmlElement &parameter : command.childrenNamed(u"parameter"_s))
-        parameters.append({termOf(parameter), keyOf(parameter), typeOf(parameter)});
+        parameters.append(
+            {termOf(parameter), keyOf(parameter), typeOf(parameter), isYes(parameter, u"optional"_s)});
     return parameters;
 }
 
@@ -96,7 +102,7 @@ Property propertyOf(const XmlElement &element)
         .busName = busNameOf(key),
         .type = typeOf(element),
         .isWritable = element.attribute(u"access"_s).contains(u'w'),
-        .isWithdrawn = element.attribute(u"hidden"_s) == "yes"_L1,
+        .isWithdrawn = isYes(element, u"hidden"_s),
     };
     if (element.name == "element"_L1) {
         property.term.name = element.attribute(u"type"_s) + u's';
@@ -114,15 +120,16 @@ Command commandOf(const XmlElement &response, const QList<XmlElement> &commands)
     if (command == commands.cend())
         return {};
     const QString method = response.child(u"cocoa"_s).attribute(u"method"_s);
+    const bool hasOwnForm = response.hasAttribute(u"bus:name"_s);
     const XmlElement result = command->child(u"result"_s);
     return {
         .term = termOf(*command),
         .method = method,
-        .busName =
-            response.hasAttribute(u"bus:name"_s) ? response.attribute(u"bus:name"_s) : busNameOf(method),
+        .busName = hasOwnForm ? response.attribute(u"bus:name"_s) : busNameOf(method),
         .parameters = parametersOf(*command),
         .result = typeOf(result),
         .resultDescription = result.attribute(u"description"_s),
+        .hasOwnForm = hasOwnForm,
     };
 }
 

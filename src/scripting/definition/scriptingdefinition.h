@@ -32,6 +32,7 @@ struct Parameter {
     Term term;
     QString key; ///< in a command's arguments
     ValueType type;
+    bool isOptional = false;
 };
 
 /// A property of a class, or a list of its elements.
@@ -52,6 +53,8 @@ struct Command {
     QList<Parameter> parameters;
     ValueType result;
     QString resultDescription;
+    /// On the bus its arguments and its result are its own, and not a dictionary and one value.
+    bool hasOwnForm = false;
 };
 
 struct Event {
