@@ -24,6 +24,12 @@ const QString configuration = uR"(<busconfig>
     <allow eavesdrop="true"/>
     <allow own="*"/>
   </policy>
+  <!-- what an ordinary session bus allows, in place of the lower limits of a system's -->
+  <limit name="max_incoming_bytes">1000000000</limit>
+  <limit name="max_outgoing_bytes">1000000000</limit>
+  <limit name="max_message_size">1000000000</limit>
+  <limit name="max_match_rules_per_connection">50000</limit>
+  <limit name="max_replies_per_connection">50000</limit>
 </busconfig>
 )"_s;
 
