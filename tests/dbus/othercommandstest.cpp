@@ -12,10 +12,14 @@ protected:
     /// Sends the command to the receiver and waits for its answer.
     QDBusMessage send(const QString &command, const QVariantMap &arguments)
     {
+        return client.end(begin(command, arguments));
+    }
+    QDBusPendingCall begin(const QString &command, const QVariantMap &arguments)
+    {
         const bool isToApplication = QByteArray(GetParam()) == "application";
-        return client.call(isToApplication ? bus::applicationPath : documentPath(),
-                           isToApplication ? bus::applicationInterface : bus::documentInterface, command,
-                           {arguments});
+        return client.begin(isToApplication ? bus::applicationPath : documentPath(),
+                            isToApplication ? bus::applicationInterface : bus::documentInterface, command,
+                            {arguments});
     }
 };
 
@@ -69,6 +73,96 @@ TEST_P(OtherCommands, anArgumentOfTheWrongTypeIsRefusedBeforeAnythingHappens)
               u"org.freedesktop.DBus.Error.InvalidArgs"_s);
     EXPECT_EQ(host.application().allControllers().size(), 1);
     EXPECT_TRUE(host.tools.calls().isEmpty());
+}
+
+TEST_P(OtherCommands, theHistoryWithoutAPageIsThatOfTheFirstAndAScriptsOwn)
+{
+    host.tools.answer(u"altool--notarization-history"_s, {.output = "a page\n"});
+    EXPECT_EQ(variantOf(send(u"FetchHistory"_s, {})), QVariant(u"a page\n"_s));
+    const auto calls = host.tools.callsOf(u"altool--notarization-history"_s);
+    ASSERT_EQ(calls.size(), 1); // a person's goes on to further pages
+    EXPECT_EQ(calls.first().value(2), u"0"_s);
+}
+
+TEST_P(OtherCommands, theHistoryShowsNoDialogsWhateverIsAskedFor)
+{
+    host.tools.answer(u"altool--notarization-history"_s, {.status = 1, .error = "no such account"});
+    const QDBusMessage answer = send(u"FetchHistory"_s, {{u"showingDialogs"_s, true}});
+    EXPECT_TRUE(failureOf(answer).startsWith(u"N1120 Cannot Fetch History: "_s))
+        << failureOf(answer).toStdString();
+    host.settle();
+    EXPECT_TRUE(host.window().sheets.isEmpty());
+}
+
+TEST_P(OtherCommands, theHistoryIsNeverAnsweredIfAPageNamesTheOneBehindIt)
+{
+    host.tools.answer(u"altool--notarization-history"_s,
+                      {.output = "<plist version=\"1.0\"><dict><key>notarization-history</key><dict>"
+                                 "<key>next-page</key><integer>3</integer></dict></dict></plist>"});
+    const QDBusPendingCall call = begin(u"FetchHistory"_s, {{u"pageToFetch"_s, 2}, {u"xmlOutput"_s, true}});
+    host.runUntil([this] { return !host.tools.calls().isEmpty(); });
+    host.settle();
+    EXPECT_EQ(ofDocument(u"DocStatus"_s), QVariant(u"ready"_s)); // an answer would have come before this one
+    EXPECT_FALSE(call.isFinished());
+}
+
+TEST_P(OtherCommands, aPreparedDocumentRefusesFurtherCommands)
+{
+    send(u"PrepareForNotarizing"_s, {{u"at"_s, appURL()}});
+    for (const QString &command :
+         {u"SubmitForNotarizing"_s, u"StapleOnly"_s, u"SignOnly"_s, u"PrepareForNotarizing"_s}) {
+        const QDBusMessage answer =
+            client.call(documentPath(), bus::documentInterface, command, {QVariantMap{{u"at"_s, appURL()}}});
+        EXPECT_EQ(failureOf(answer), u"N1199 Document is busy, status: interacting."_s);
+    }
+    EXPECT_TRUE(host.tools.calls().isEmpty());
+}
+
+TEST_P(OtherCommands, anIdentityIsSelectedByItsNameWithThePrefixOrWithout)
+{
+    const QStringList identities{u"Jane (AAAA)"_s, u"Joe (BBBB)"_s};
+    host.application().identities.set(identities);
+    const std::pair<QString, QString> selections[] = {
+        {u"Developer ID Application: Joe (BBBB)"_s, u"Joe (BBBB)"_s},
+        {u"Joe (BBBB)"_s, u"Joe (BBBB)"_s},
+        {u"Nobody"_s, u"Jane (AAAA)"_s},
+        {u"Developer ID Application: "_s, u"Jane (AAAA)"_s},
+    };
+    for (const auto &[given, selected] : selections) {
+        host.application().newDocument(0);
+        EXPECT_EQ(
+            failureOf(send(u"PrepareForNotarizing"_s, {{u"at"_s, appURL()}, {u"signingIdentity"_s, given}})),
+            u"no error"_s);
+        EXPECT_EQ(ofDocument(u"ActiveIdentity"_s), QVariant(selected)) << given.toStdString();
+    }
+}
+
+TEST_P(OtherCommands, aPlainFolderIsSignedAndAFileIsNot)
+{
+    items::makeBundle(host.item(u"Folder/Foo.app"_s));
+    EXPECT_EQ(failureOf(send(u"SignOnly"_s, {{u"at"_s, url(u"Folder"_s)}})), u"no error"_s);
+    host.settle();
+    const qsizetype documents = host.application().allControllers().size();
+    for (const QString &name : {u"Foo.pkg"_s, u"Foo.dmg"_s}) {
+        items::makeFile(host.item(name), "file");
+        EXPECT_EQ(failureOf(send(u"SignOnly"_s, {{u"at"_s, url(name)}})), u"N6 "_s);
+    }
+    EXPECT_EQ(host.application().allControllers().size(), documents);
+}
+
+TEST_P(OtherCommands, aBusyReceiverIsToldOfTheArgumentFirst)
+{
+    const QString item = appURL();
+    host.application().changeStatus(status::interacting);
+    host.document().changeStatus(status::interacting);
+    for (const QString &command :
+         {u"SubmitForNotarizing"_s, u"StapleOnly"_s, u"SignOnly"_s, u"PrepareForNotarizing"_s}) {
+        EXPECT_EQ(failureOf(send(command, {})), u"N6 "_s);
+        EXPECT_TRUE(failureOf(send(command, {{u"at"_s, item}})).startsWith(u"N1199 "_s));
+    }
+    EXPECT_TRUE(failureOf(send(u"FetchHistory"_s, {})).startsWith(u"N1199 "_s));
+    EXPECT_TRUE(host.tools.calls().isEmpty());
+    EXPECT_EQ(host.application().allControllers().size(), 1);
 }
 
 TEST_F(HostOnBus, clearingTheLogOfABusyDocumentIsAnsweredWithNoValue)
