@@ -25,6 +25,7 @@ constexpr Row table[] = {
     {"log", rows::windowLog},
     {"submission", rows::submissionOfManyItems},
     {"waiting", rows::waitingDocuments},
+    {"scripted", rows::scriptedSubmissions},
 };
 
 /// Prints the figure; false if it is over its bar.

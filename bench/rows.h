@@ -14,5 +14,6 @@ namespace rows {
 [[nodiscard]] QList<Figure> windowLog();
 [[nodiscard]] QList<Figure> submissionOfManyItems();
 [[nodiscard]] QList<Figure> waitingDocuments();
+[[nodiscard]] QList<Figure> scriptedSubmissions();
 
 } // namespace rows
