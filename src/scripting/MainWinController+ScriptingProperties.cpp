@@ -65,6 +65,11 @@ QList<DocumentProperty> stateProperties()
          Takes::anything},
         {u"AEDocStatus"_s, [](Document &document) { return document.controller().statusString(); },
          refuseWrite, Takes::anything},
+        {u"AEWindowTab"_s,
+         [](Document &document) {
+             return QVariant::fromValue(document.controller().window().tabGroup().selectedWindow());
+         },
+         refuseWrite, Takes::anything},
     };
 }
 

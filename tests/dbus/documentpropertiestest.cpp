@@ -170,11 +170,24 @@ TEST_F(DocumentProperties, theItemIsNothingBeforeTheFirstRunAndThenItsCopy)
     EXPECT_EQ(get(u"AppletFile"_s), QVariant(url(u"Foo - Submitted/Foo.app"_s)));
 }
 
-TEST_F(DocumentProperties, theItemAndTheStatusAreReadOnlyByNumberInEveryStatus)
+TEST_F(DocumentProperties, theWindowTabIsTheOneOnShow)
+{
+    const auto windowTab = [this] { return get(u"WindowTab"_s).value<QDBusObjectPath>().path(); };
+    EXPECT_EQ(windowTab(), windowPath());
+    const QString hidden = windowPath();
+    host.application().newDocument(2);
+    EXPECT_EQ(windowTab(), windowPath());
+    const QString document = path(*host.application().allControllers().first());
+    EXPECT_EQ(client.get(document, bus::documentInterface, u"WindowTab"_s).value<QDBusObjectPath>().path(),
+              windowPath());
+    EXPECT_NE(windowPath(), hidden);
+}
+
+TEST_F(DocumentProperties, theItemTheStatusAndTheWindowTabAreReadOnlyByNumberInEveryStatus)
 {
     for (const QStringView word : {status::ready, status::waiting, status::interacting}) {
         host.document().changeStatus(word);
-        for (const QString &name : {u"AppletFile"_s, u"DocStatus"_s}) {
+        for (const QString &name : {u"AppletFile"_s, u"DocStatus"_s, u"WindowTab"_s}) {
             for (const QVariant &value : {QVariant(u"file:///a.app"_s), QVariant(1), nothing})
                 EXPECT_EQ(failureOf(set(name, value)), u"Minus10003 "_s);
         }
