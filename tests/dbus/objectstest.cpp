@@ -46,6 +46,61 @@ TEST_F(Objects, aTabBehindAnotherIsInTheListOfAllWindowsOnly)
               (QStringList{bus::windowsPath + u"/2"_s, bus::windowsPath + u"/1"_s}));
 }
 
+struct TabsRow {
+    qsizetype visible;
+    QList<int> order; ///< the numbers of the windows
+};
+
+class TabbedObjects : public Objects, public testing::WithParamInterface<TabsRow> {
+protected:
+    /// Four new windows as tabs of one frame, of which one shows.
+    void openTabs(qsizetype visible)
+    {
+        host.application().newDocument(0);
+        FakeTabGroup &group = *host.window().group;
+        for (int place = 1; place < 4; ++place) {
+            host.application().newDocument(0);
+            group.insertWindow(host.window(), place);
+        }
+        group.setSelectedWindow(*group.windows().at(visible));
+    }
+    static QStringList paths(const QList<int> &numbers)
+    {
+        QStringList paths;
+        for (const int number : numbers)
+            paths.append(bus::windowsPath + u'/' + QString::number(number));
+        return paths;
+    }
+};
+
+TEST_P(TabbedObjects, areOneWindowOnScreenAndAllOfThemByNearnessToIt)
+{
+    host.window().close();
+    openTabs(GetParam().visible);
+    EXPECT_EQ(client.getPaths(u"OrderedWindows"_s), paths({GetParam().order.first()}));
+    EXPECT_EQ(client.getPaths(u"AllOrderedWindows"_s), paths(GetParam().order));
+    QStringList windowsOfDocuments;
+    for (const QString &document : client.getPaths(u"OrderedPseudoDocuments"_s))
+        windowsOfDocuments.append(
+            client.get(document, bus::documentInterface, u"Window"_s).value<QDBusObjectPath>().path());
+    EXPECT_EQ(windowsOfDocuments, paths(GetParam().order));
+}
+
+TEST_P(TabbedObjects, stayTogetherAmongOtherWindows)
+{
+    openTabs(GetParam().visible);
+    host.application().newDocument(0);
+    EXPECT_EQ(client.getPaths(u"OrderedWindows"_s), paths({6, GetParam().order.first(), 1}));
+    EXPECT_EQ(client.getPaths(u"AllOrderedWindows"_s), paths(QList{6} + GetParam().order + QList{1}));
+    openTabs(0); // the windows 7 to 10
+    EXPECT_EQ(client.getPaths(u"AllOrderedWindows"_s),
+              paths(QList{7, 8, 9, 10, 6} + GetParam().order + QList{1}));
+}
+
+INSTANTIATE_TEST_SUITE_P(VisibleTabs, TabbedObjects,
+                         testing::Values(TabsRow{0, {2, 3, 4, 5}}, TabsRow{1, {3, 4, 5, 2}},
+                                         TabsRow{2, {4, 5, 3, 2}}, TabsRow{3, {5, 4, 3, 2}}));
+
 TEST_F(Objects, aMadeDocumentKnowsWhoMadeIt)
 {
     const QString made = makeDocument();
