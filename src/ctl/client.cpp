@@ -1,9 +1,12 @@
 #include "ctl/client.h"
 
+#include "scripting/dbus/busbounds.h"
 #include "scripting/dbus/busnames.h"
 
 #include <QDBusError>
+#include <QDBusMetaType>
 #include <QDBusPendingCallWatcher>
+#include <QDBusVariant>
 #include <QEventLoop>
 
 #include <limits>
@@ -66,6 +69,7 @@ Answer failure(const QDBusError &error)
 Client::Client()
     : m_connection(QDBusConnection::connectToBus(QDBusConnection::SessionBus, connectionName))
 {
+    qDBusRegisterMetaType<BusBounds>();
 }
 
 Answer Client::call(const QDBusMessage &method, int timeout) const
@@ -98,6 +102,13 @@ QDBusMessage Client::method(const QString &path, const QString &interface, const
 QDBusMessage Client::getProperty(const QString &path, const QString &interface, const QString &name)
 {
     return method(path, bus::propertiesInterface, u"Get"_s, {interface, name});
+}
+
+QDBusMessage Client::setProperty(const QString &path, const QString &interface, const QString &name,
+                                 const QVariant &value)
+{
+    return method(path, bus::propertiesInterface, u"Set"_s,
+                  {interface, name, QVariant::fromValue(QDBusVariant(value))});
 }
 
 QString Client::documentPath(const QString &identifier)

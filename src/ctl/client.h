@@ -34,6 +34,9 @@ public:
     static QDBusMessage method(const QString &path, const QString &interface, const QString &name,
                                const QVariantList &arguments = {}, Start start = Start::never);
     static QDBusMessage getProperty(const QString &path, const QString &interface, const QString &name);
+    /// An empty list stands for no value.
+    static QDBusMessage setProperty(const QString &path, const QString &interface, const QString &name,
+                                    const QVariant &value);
 
     /// The path for an identifier, or for the element of a path that stands for one.
     static QString documentPath(const QString &identifier);

@@ -9,6 +9,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr qsizetype anyNumber = std::numeric_limits<qsizetype>::max();
+constexpr qsizetype mostWordsOfSet = 5; // a key and the four numbers of bounds
 
 struct Grammar {
     QString command;
@@ -17,9 +18,8 @@ struct Grammar {
     QStringList options; ///< beside --help and --version
 };
 
-const QStringList allOptions{u"document"_s,      u"window"_s, u"show-dialogs"_s,
-                             u"skip-stapling"_s, u"follow"_s, u"timeout"_s,
-                             u"identity"_s,      u"page"_s,   u"xml"_s};
+const QStringList allOptions{u"document"_s, u"window"_s,   u"show-dialogs"_s, u"skip-stapling"_s, u"follow"_s,
+                             u"timeout"_s,  u"identity"_s, u"page"_s,         u"xml"_s,           u"unset"_s};
 const QStringList workOptions{u"document"_s, u"show-dialogs"_s, u"follow"_s, u"timeout"_s};
 
 const QList<Grammar> &grammars()
@@ -34,7 +34,9 @@ const QList<Grammar> &grammars()
         {u"clear-log"_s, 1, 1, {}},
         {u"documents"_s, 0, 0, {}},
         {u"windows"_s, 0, 0, {}},
+        {u"new"_s, 0, anyNumber, {}},
         {u"get"_s, 1, 1, {u"document"_s, u"window"_s}},
+        {u"set"_s, 1, mostWordsOfSet, {u"document"_s, u"window"_s, u"unset"_s}},
         {u"cancel"_s, 1, 1, {}},
         {u"close"_s, 1, 1, {}},
         {u"open"_s, 1, anyNumber, {}},
@@ -42,6 +44,8 @@ const QList<Grammar> &grammars()
     };
     return all;
 }
+
+enum class Options { anywhere, beforeOperands };
 
 QCommandLineOption option(const QString &name)
 {
@@ -83,7 +87,28 @@ qint64 page(const QString &text)
     return isNumber ? number : -1;
 }
 
-/// What is wrong with the values of the options; null if nothing is.
+QString problemOfSet(const Request &request)
+{
+    const qsizetype values = request.operands.size() - 1;
+    if (request.operands.first().isEmpty())
+        return u"the key is empty"_s;
+    if (request.unset && values > 0)
+        return u"--unset stands in place of a value"_s;
+    if (!request.unset && values == 0)
+        return u"set needs a value, or --unset"_s;
+    return {};
+}
+
+QString problemOfNew(const Request &request)
+{
+    for (const QString &word : request.operands) {
+        if (word.indexOf(u'=') < 1)
+            return u"%1 is not of the form KEY=VALUE"_s.arg(word);
+    }
+    return {};
+}
+
+/// What is wrong with the values of the options or the operands; null if nothing is.
 QString problemOf(const Request &request, const QCommandLineParser &parser)
 {
     for (const QString &name : {u"document"_s, u"window"_s, u"identity"_s}) {
@@ -96,8 +121,12 @@ QString problemOf(const Request &request, const QCommandLineParser &parser)
         return u"--timeout takes a number of seconds above 0"_s;
     if (request.page < 0)
         return u"--page takes a whole number from 0 up"_s;
+    if (request.command == "set"_L1)
+        return problemOfSet(request);
     if (request.operands.contains(QString()))
         return u"an argument of %1 is empty"_s.arg(request.command);
+    if (request.command == "new"_L1)
+        return problemOfNew(request);
     return {};
 }
 
@@ -111,6 +140,7 @@ Request readOptions(const Grammar &grammar, const QCommandLineParser &parser)
     request.showDialogs = parser.isSet(u"show-dialogs"_s);
     request.skipStapling = parser.isSet(u"skip-stapling"_s);
     request.follow = parser.isSet(u"follow"_s);
+    request.unset = parser.isSet(u"unset"_s);
     request.identity = parser.value(u"identity"_s);
     if (parser.isSet(u"page"_s))
         request.page = page(parser.value(u"page"_s));
@@ -120,9 +150,11 @@ Request readOptions(const Grammar &grammar, const QCommandLineParser &parser)
     return request;
 }
 
-Request parseWith(const Grammar &grammar, const QStringList &words)
+Request parseWith(const Grammar &grammar, const QStringList &words, Options options)
 {
     QCommandLineParser parser;
+    if (options == Options::beforeOperands)
+        parser.setOptionsAfterPositionalArgumentsMode(QCommandLineParser::ParseAsPositionalArguments);
     for (const QString &name : allOptions + QStringList{u"help"_s, u"version"_s})
         parser.addOption(option(name));
     if (!parser.parse(words))
@@ -144,6 +176,16 @@ Request parseWith(const Grammar &grammar, const QStringList &words)
     return problem.isNull() ? request : wrongUse(problem);
 }
 
+Request parseWith(const Grammar &grammar, const QStringList &words)
+{
+    Request request = parseWith(grammar, words, Options::anywhere);
+    if (grammar.command != "set"_L1 || request.kind != Request::Kind::wrongUse)
+        return request;
+    // A value may be a negative number, or a text that begins like an option.
+    const Request literal = parseWith(grammar, words, Options::beforeOperands);
+    return literal.kind == Request::Kind::run ? literal : request;
+}
+
 } // namespace
 
 Request parseCommandLine(const QStringList &words)
@@ -159,6 +201,14 @@ Request parseCommandLine(const QStringList &words)
             return parseWith(grammar, words);
     }
     return wrongUse(u"there is no command %1"_s.arg(words.first()));
+}
+
+QStringList commandNames()
+{
+    QStringList names;
+    for (const Grammar &grammar : grammars())
+        names.append(grammar.command);
+    return names;
 }
 
 QString helpText()
@@ -188,9 +238,14 @@ is started if it does not run.
   clear-log ID     Empties it.
   documents        Lists the documents: ID, status, title, separated by tabs.
   windows          Lists the windows in the same way, with their numbers.
+  new [KEY=VALUE ...]
+                   Opens a document with these properties and prints its ID.
   get KEY          Prints a property of the application, or of
     --document ID      a document
     --window N         a window
+  set KEY VALUE    Gives a property of the application a value, or of
+    --document ID, --window N   as above
+    --unset            in place of the value: no value
   cancel ID        Cancels what the document does.
   close ID         Closes the document.
   open PATH ...    Opens the items, ready to be submitted by a person.

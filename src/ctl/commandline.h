@@ -21,9 +21,12 @@ struct Request {
     qint64 page = 0; ///< of the history
     bool xml = false;
     bool follow = false;
+    bool unset = false; ///< set to no value
     int timeout = std::numeric_limits<int>::max(); ///< milliseconds; the greatest value is none
 };
 
 /// The words without the program's name.
 [[nodiscard]] Request parseCommandLine(const QStringList &words);
 [[nodiscard]] QString helpText();
+/// In the order of the help.
+[[nodiscard]] QStringList commandNames();

@@ -2,14 +2,13 @@
 
 #include "ctl/logfollower.h"
 #include "ctl/output.h"
+#include "ctl/propertyvalue.h"
 #include "scripting/dbus/busnames.h"
 
 #include <QDBusArgument>
 #include <QDBusObjectPath>
 #include <QDBusVariant>
-#include <QDir>
 #include <QHash>
-#include <QUrl>
 
 #include <functional>
 #include <memory>
@@ -19,15 +18,6 @@ using namespace Qt::StringLiterals;
 namespace {
 
 using ManagedObjects = QMap<QDBusObjectPath, QMap<QString, QVariantMap>>;
-
-QString fileUrl(const QString &path)
-{
-    // Behind a link, ".." is not what its letters say.
-    const QString absolute = QDir::current().absoluteFilePath(path);
-    const bool canBeTidied = !absolute.contains("/.."_L1);
-    return QUrl::fromLocalFile(canBeTidied ? QDir::cleanPath(absolute) : absolute)
-        .toString(QUrl::FullyEncoded);
-}
 
 /// The command on the document that the request names; otherwise on the application, which opens a new one.
 QDBusMessage command(const Request &request, const QString &name, const QVariantMap &arguments)
@@ -143,18 +133,65 @@ QString windowLine(const QDBusObjectPath &path, const ManagedObjects &objects)
         + properties.value(u"Title"_s).toString();
 }
 
+/// Whose property is meant.
+struct Receiver {
+    QString className; ///< in the scripting definition
+    QString path;
+    QString interface;
+};
+
+Receiver receiver(const Request &request)
+{
+    if (!request.document.isEmpty())
+        return {u"document"_s, Client::documentPath(request.document), bus::documentInterface};
+    if (!request.window.isEmpty())
+        return {u"window"_s, bus::windowsPath + u'/' + bus::pathElement(request.window),
+                bus::windowInterface};
+    return {u"application"_s, bus::applicationPath, bus::applicationInterface};
+}
+
 Answer get(const Request &request, const Client &client)
 {
-    QString path = bus::applicationPath;
-    QString interface = bus::applicationInterface;
-    if (!request.document.isEmpty()) {
-        path = Client::documentPath(request.document);
-        interface = bus::documentInterface;
-    } else if (!request.window.isEmpty()) {
-        path = bus::windowsPath + u'/' + bus::pathElement(request.window);
-        interface = bus::windowInterface;
+    const Receiver from = receiver(request);
+    return printed(client.call(Client::getProperty(from.path, from.interface, request.operands.first())));
+}
+
+/// The value of a property as it goes over the bus. Of a property that nobody knows it is the text: that
+/// there is none is the application's to say. An answer that is none is wrong use.
+Answer valueForBus(const QString &className, const QString &key, const QStringList &words)
+{
+    const auto type = typeOfProperty(className, key);
+    if (!type)
+        return {ExitStatus::done, {words.join(u' ')}, {}};
+    const auto value = readValue(*type, words);
+    if (!value)
+        return {ExitStatus::wrongUse, {}, u"%1 takes %2"_s.arg(key, describe(*type))};
+    return {ExitStatus::done, {*value}, {}};
+}
+
+Answer set(const Request &request, const Client &client)
+{
+    const Receiver to = receiver(request);
+    const QString &key = request.operands.first();
+    const Answer value = request.unset ? Answer{ExitStatus::done, {QVariantList()}, {}}
+                                       : valueForBus(to.className, key, request.operands.mid(1));
+    if (!value)
+        return value;
+    return client.call(Client::setProperty(to.path, to.interface, key, value.values.first()));
+}
+
+Answer newDocument(const Request &request, const Client &client)
+{
+    QVariantMap properties;
+    for (const QString &word : request.operands) {
+        const QString key = word.section(u'=', 0, 0);
+        const Answer value = valueForBus(u"document"_s, key, {word.section(u'=', 1)});
+        if (!value)
+            return value;
+        properties.insert(key, value.values.first());
     }
-    return printed(client.call(Client::getProperty(path, interface, request.operands.first())));
+    return printed(client.call(Client::method(bus::applicationPath, bus::applicationInterface,
+                                              u"MakeDocument"_s, {properties}, Client::Start::onDemand)));
 }
 
 Answer open(const Request &request, const Client &client)
@@ -197,7 +234,9 @@ const QHash<QString, Command> &commands()
          [](const Request &, const Client &client) {
              return list(client, u"AllOrderedWindows"_s, windowLine);
          }},
+        {u"new"_s, newDocument},
         {u"get"_s, get},
+        {u"set"_s, set},
         {u"cancel"_s,
          [](const Request &request, const Client &client) {
              return callDocument(request, client, u"Cancel"_s);

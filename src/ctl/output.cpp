@@ -1,5 +1,7 @@
 #include "ctl/output.h"
 
+#include "scripting/dbus/busbounds.h"
+
 #include <QDBusArgument>
 #include <QDBusObjectPath>
 #include <QDBusVariant>
@@ -14,6 +16,19 @@ namespace {
 QString lastElement(const QDBusObjectPath &path)
 {
     return path.path().section(u'/', -1);
+}
+
+QStringList lastElements(const QList<QDBusObjectPath> &paths)
+{
+    QStringList all;
+    for (const QDBusObjectPath &path : paths)
+        all.append(lastElement(path));
+    return all;
+}
+
+QString numbers(const BusBounds &bounds)
+{
+    return u"%1 %2 %3 %4"_s.arg(bounds.top).arg(bounds.left).arg(bounds.bottom).arg(bounds.right);
 }
 
 QString fileAsPath(const QString &text)
@@ -39,12 +54,12 @@ QStringList lines(const QVariant &value)
     if (value.metaType() == QMetaType::fromType<QDBusObjectPath>())
         return {lastElement(value.value<QDBusObjectPath>())};
     if (value.metaType() == QMetaType::fromType<QDBusArgument>()) {
-        if (value.value<QDBusArgument>().currentSignature() != "ao"_L1)
-            return {}; // an empty list of anything, which stands for no value
-        QStringList all;
-        for (const QDBusObjectPath &path : qdbus_cast<QList<QDBusObjectPath>>(value))
-            all.append(lastElement(path));
-        return all;
+        const QString signature = value.value<QDBusArgument>().currentSignature();
+        if (signature == "ao"_L1)
+            return lastElements(qdbus_cast<QList<QDBusObjectPath>>(value));
+        if (signature == "(nnnn)"_L1)
+            return {numbers(qdbus_cast<BusBounds>(value))};
+        return {}; // an empty list of anything, which stands for no value
     }
     if (value.metaType() == QMetaType::fromType<QStringList>())
         return value.toStringList();

@@ -57,6 +57,38 @@ TEST(CommandLine, anOperandMayLookLikeAnOptionBehindTwoDashes)
     EXPECT_EQ(parse(u"submit -- --follow.app"_s).operands, QStringList{u"--follow.app"_s});
 }
 
+TEST(CommandLine, aPropertyIsSetToAValueOrToNone)
+{
+    const Request value = parse(u"set --document a-b AppleID dev@example.com"_s);
+    EXPECT_EQ(value.operands, (QStringList{u"AppleID"_s, u"dev@example.com"_s}));
+    EXPECT_EQ(value.document, u"a-b"_s);
+    EXPECT_FALSE(value.unset);
+    const Request none = parse(u"set AppleID --unset --document a-b"_s);
+    EXPECT_EQ(none.operands, QStringList{u"AppleID"_s});
+    EXPECT_EQ(none.document, u"a-b"_s);
+    EXPECT_TRUE(none.unset);
+    EXPECT_EQ(parseCommandLine({u"set"_s, u"AppleID"_s, QString()}).operands,
+              (QStringList{u"AppleID"_s, QString()}));
+}
+
+TEST(CommandLine, aValueMayBeginLikeAnOption)
+{
+    EXPECT_EQ(parse(u"set ErrorRetryLimit -1"_s).operands, (QStringList{u"ErrorRetryLimit"_s, u"-1"_s}));
+    EXPECT_EQ(parse(u"set --document a AppPassword --secret"_s).operands,
+              (QStringList{u"AppPassword"_s, u"--secret"_s}));
+    EXPECT_EQ(parse(u"set --document a AppPassword --secret"_s).document, u"a"_s);
+    EXPECT_EQ(parse(u"set --window 3 BoundsAsQDRect -20 -10 400 500"_s).operands,
+              (QStringList{u"BoundsAsQDRect"_s, u"-20"_s, u"-10"_s, u"400"_s, u"500"_s}));
+    EXPECT_EQ(parse(u"set AppPassword -- --unset"_s).operands, (QStringList{u"AppPassword"_s, u"--unset"_s}));
+}
+
+TEST(CommandLine, aNewDocumentTakesAnyNumberOfProperties)
+{
+    EXPECT_EQ(parse(u"new"_s).kind, Request::Kind::run);
+    EXPECT_EQ(parse(u"new AppleID=a=b DropDMGConfig="_s).operands,
+              (QStringList{u"AppleID=a=b"_s, u"DropDMGConfig="_s}));
+}
+
 TEST(CommandLine, helpAndVersionGoBeforeAll)
 {
     EXPECT_EQ(parse(u"--help"_s).kind, Request::Kind::help);
@@ -82,12 +114,20 @@ INSTANTIATE_TEST_SUITE_P(
                     "prepare a --follow", "prepare a --identity=", "history 3", "history --page x",
                     "history --page -1", "history --page 18446744073709551615", "clear-log",
                     "submit a --page 1", "documents x", "windows --timeout 5", "cancel", "close", "open",
-                    "quit now", "get", "get --document a --window 1 K"));
+                    "quit now", "get", "get --document a --window 1 K", "new AppleID", "new =a",
+                    "new --document a", "set", "set AppleID", "set --unset",
+                    "set --document a --window 1 K V", "set K 1 2 3 4 5"));
+
+TEST(CommandLine, theHelpNamesEveryCommand)
+{
+    for (const QString &command : commandNames())
+        EXPECT_TRUE(helpText().contains(u"\n  "_s + command)) << command.toStdString();
+}
 
 TEST(CommandLine, theHelpNamesEveryOption)
 {
     for (const QString &option :
          {u"--document"_s, u"--show-dialogs"_s, u"--skip-stapling"_s, u"--follow"_s, u"--timeout"_s,
-          u"--window"_s, u"--identity"_s, u"--page"_s, u"--xml"_s, u"--help"_s, u"--version"_s})
+          u"--window"_s, u"--identity"_s, u"--page"_s, u"--xml"_s, u"--unset"_s, u"--help"_s, u"--version"_s})
         EXPECT_TRUE(helpText().contains(option)) << option.toStdString();
 }

@@ -5,6 +5,7 @@
 #include "dbus/privatebus.h"
 #include "support/items.h"
 
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 
@@ -308,6 +309,74 @@ TEST_F(Client, propertiesArePrintedOneLineAValue)
     EXPECT_EQ(run({u"get"_s, u"Nothing"_s}), 1);
 }
 
+TEST_F(Client, aPropertyOfTheApplicationIsSetByItsType)
+{
+    EXPECT_EQ(run({u"set"_s, u"PollingDelay"_s, u"45.5"_s}), 0) << error.toStdString();
+    EXPECT_EQ(run({u"get"_s, u"PollingDelay"_s}), 0);
+    EXPECT_EQ(output, u"45.5\n"_s);
+    EXPECT_EQ(run({u"set"_s, u"ErrorRetryLimit"_s, u"-1"_s}), 0) << error.toStdString();
+    EXPECT_EQ(run({u"get"_s, u"ErrorRetryLimit"_s}), 0);
+    EXPECT_EQ(output, u"3\n"_s);
+    EXPECT_EQ(run({u"set"_s, u"CreateDMG"_s, u"true"_s}), 0) << error.toStdString();
+    EXPECT_EQ(run({u"get"_s, u"CreateDMG"_s}), 0);
+    EXPECT_EQ(output, u"true\n"_s);
+}
+
+TEST_F(Client, aPropertyIsSetToNoValue)
+{
+    EXPECT_EQ(run({u"set"_s, u"AppleID"_s, u"me@example.com"_s}), 0) << error.toStdString();
+    EXPECT_EQ(run({u"get"_s, u"AppleID"_s}), 0);
+    EXPECT_EQ(output, u"me@example.com\n"_s);
+    EXPECT_EQ(run({u"set"_s, u"AppleID"_s, u"--unset"_s}), 0) << error.toStdString();
+    EXPECT_EQ(run({u"get"_s, u"AppleID"_s}), 0);
+    EXPECT_EQ(output, QString());
+}
+
+TEST_F(Client, aPropertyOfADocumentIsSetByItsType)
+{
+    const QStringList receiver{u"--document"_s, element()};
+    EXPECT_EQ(run(QStringList{u"set"_s, u"PathsToSkip"_s, u"[\"a b\", \"c\"]"_s} + receiver), 0)
+        << error.toStdString();
+    EXPECT_EQ(host.document().skipPaths(), (QStringList{u"a b"_s, u"c"_s}));
+    EXPECT_EQ(run(QStringList{u"get"_s, u"PathsToSkip"_s} + receiver), 0);
+    EXPECT_EQ(output, u"a b\nc\n"_s);
+    EXPECT_EQ(run(QStringList{u"set"_s, u"ExtraEntitlements"_s, u"some.plist"_s} + receiver), 1);
+    EXPECT_EQ(error, u"sealwrightctl: error 6: \n"_s); // it is stored all the same
+    EXPECT_EQ(run(QStringList{u"get"_s, u"ExtraEntitlements"_s} + receiver), 0);
+    EXPECT_EQ(output, QDir::currentPath() + u"/some.plist\n"_s);
+}
+
+TEST_F(Client, aValueOfAnotherTypeIsWrongUse)
+{
+    EXPECT_EQ(run({u"set"_s, u"CreateDMG"_s, u"yes"_s}), 2);
+    EXPECT_EQ(error, u"sealwrightctl: CreateDMG takes true or false\n"_s);
+    EXPECT_EQ(run({u"set"_s, u"AppleID"_s, u"a"_s, u"b"_s}), 2);
+    EXPECT_EQ(error, u"sealwrightctl: AppleID takes one value\n"_s);
+    EXPECT_EQ(run({u"set"_s, u"AppleID"_s, u"a"_s, u"--unset"_s}), 2);
+    EXPECT_EQ(run({u"new"_s, u"AllowJITCode=1"_s}), 2);
+    EXPECT_EQ(error, u"sealwrightctl: AllowJITCode takes true or false\n"_s);
+    EXPECT_EQ(documentCount(), 1);
+}
+
+TEST_F(Client, thatThereIsNoSuchPropertyIsTheApplicationsToSay)
+{
+    EXPECT_EQ(run({u"set"_s, u"Nothing"_s, u"x"_s}), 1);
+    EXPECT_TRUE(error.startsWith(u"sealwrightctl: error: "_s)) << error.toStdString();
+    EXPECT_EQ(run({u"set"_s, u"AppStatus"_s, u"ready"_s}), 1);
+    EXPECT_EQ(error, u"sealwrightctl: error -10003: \n"_s);
+}
+
+TEST_F(Client, aNewDocumentHasThePropertiesThatItIsMadeWith)
+{
+    EXPECT_EQ(run({u"new"_s, u"AllowJITCode=true"_s, u"AppleID=a=b"_s, u"ProviderName="_s}), 0)
+        << error.toStdString();
+    ASSERT_EQ(documentCount(), 2);
+    EXPECT_EQ(output, element() + u'\n');
+    EXPECT_TRUE(host.document().allowJITCheckbox.isOn());
+    EXPECT_EQ(host.document().appleIDField.stringValue(), u"a=b"_s);
+    EXPECT_EQ(host.document().providerNameField.stringValue(), QString());
+}
+
 TEST_F(Client, aDocumentIsClosed)
 {
     EXPECT_EQ(run({u"close"_s, element()}), 0);
@@ -374,7 +443,9 @@ TEST_F(LonelyClient, saysThatNothingRuns)
          {QStringList{u"submit"_s, u"a"_s}, QStringList{u"documents"_s}, QStringList{u"windows"_s},
           QStringList{u"log"_s, u"a"_s}, QStringList{u"cancel"_s, u"a"_s}, QStringList{u"close"_s, u"a"_s},
           QStringList{u"open"_s, u"a"_s}, QStringList{u"get"_s, u"Name"_s}, QStringList{u"quit"_s},
-          QStringList{u"submit"_s, u"a"_s, u"--follow"_s}}) {
+          QStringList{u"staple"_s, u"a"_s}, QStringList{u"sign"_s, u"a"_s}, QStringList{u"prepare"_s, u"a"_s},
+          QStringList{u"history"_s}, QStringList{u"clear-log"_s, u"a"_s}, QStringList{u"new"_s},
+          QStringList{u"set"_s, u"AppleID"_s, u"a"_s}, QStringList{u"submit"_s, u"a"_s, u"--follow"_s}}) {
         EXPECT_EQ(run(words), 3) << words.join(u' ').toStdString();
         EXPECT_EQ(error, u"sealwrightctl: Sealwright is not running\n"_s);
     }
@@ -386,6 +457,10 @@ TEST_F(LonelyClient, hasTheBusStartTheApplicationOnlyForWhatCanBeginThere)
     privatebus::setActivation(u"/bin/sh -c 'touch %1; exit 1'"_s.arg(marker()));
     EXPECT_TRUE(startsTheApplication({u"submit"_s, u"a"_s}));
     EXPECT_TRUE(startsTheApplication({u"open"_s, u"a"_s}));
+    EXPECT_TRUE(startsTheApplication({u"sign"_s, u"a"_s}));
+    EXPECT_TRUE(startsTheApplication({u"history"_s}));
+    EXPECT_TRUE(startsTheApplication({u"new"_s}));
+    EXPECT_FALSE(startsTheApplication({u"set"_s, u"AppleID"_s, u"a"_s}));
     EXPECT_FALSE(startsTheApplication({u"documents"_s}));
     EXPECT_FALSE(startsTheApplication({u"windows"_s}));
     EXPECT_FALSE(startsTheApplication({u"submit"_s, u"a"_s, u"--document"_s, u"b"_s}));
