@@ -54,6 +54,12 @@ void InstalledTree::expectWhatADesktopLooksFor()
     for (const QString &place : {u"scalable/apps/%1.svg"_s, u"48x48/apps/%1.png"_s, u"256x256/apps/%1.png"_s})
         EXPECT_TRUE(QFile::exists(prefix + u"/share/icons/hicolor/"_s + place.arg(icon)))
             << place.toStdString();
+    for (const QString &file :
+         {u"share/man/man1/sealwrightctl.1"_s, u"share/zsh/site-functions/_sealwrightctl"_s,
+          u"share/bash-completion/completions/sealwrightctl"_s})
+        EXPECT_TRUE(QFile::exists(prefix + u'/' + file)) << file.toStdString();
+    EXPECT_EQ(value(prefix + u"/lib/systemd/user/sealwright.service"_s, u"ExecStart"_s),
+              u"\"%1/bin/sealwright\""_s.arg(prefix));
     QProcess ctl;
     start(ctl, prefix + u"/bin/sealwrightctl"_s);
     EXPECT_EQ(end(ctl), 2) << "it has been told nothing to do";
