@@ -1,0 +1,63 @@
+#!/bin/bash
+# Notarizes a release: signs, submits, waits and staples one item after the other, and puts the results into a
+# folder. Ends at the first item that fails, with the log of its document beside the results.
+#
+# usage: release.sh FOLDER ITEM ...
+#
+# IDENTITY   the signing identity, as `sealwrightctl get DeveloperIdentities` prints it; without it, the one
+#            that new documents start with
+# LIMIT      how long to wait for one item, in seconds (7200)
+set -euo pipefail
+
+folder=${1:?usage: release.sh FOLDER ITEM ...}
+shift
+limit=${LIMIT:-7200}
+document=
+
+closeDocument()
+{
+    [[ -z $document ]] || sealwrightctl close "$document" || true
+    document=
+}
+trap closeDocument EXIT
+
+# A document of our own: what a person has open stays as it is.
+openDocument()
+{
+    document=$(sealwrightctl new LogClearing=false)
+    [[ -z ${IDENTITY:-} ]] || sealwrightctl set --document "$document" ActiveIdentity "$IDENTITY"
+}
+
+# Prints the path of the finished item.
+notarize()
+{
+    local status=0
+    sealwrightctl submit --document "$document" --timeout "$limit" "$1" || status=$?
+    if ((status == 3)); then
+        echo "release: no verdict on $1 within $limit seconds" >&2
+        sealwrightctl cancel "$document" || true
+    fi
+    return "$status"
+}
+
+# Release machines keep what a tool prints, so the log comes when there is something to read in it.
+keepLog()
+{
+    local log
+    log=$folder/$(basename "$1").log
+    sealwrightctl log "$document" > "$log" || return 0
+    echo "release: $1 failed; the log is in $log" >&2
+}
+
+mkdir -p "$folder"
+for item in "$@"; do
+    openDocument
+    status=0
+    finished=$(notarize "$item") || status=$?
+    if ((status != 0)); then
+        keepLog "$item"
+        exit "$status"
+    fi
+    cp -a "$finished" "$folder/"
+    closeDocument
+done
