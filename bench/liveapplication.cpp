@@ -12,6 +12,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr double mebibyte = 1024.0 * 1024.0;
+constexpr double kibibytesInMebibyte = 1024.0;
 constexpr int userTimeField = 11; // behind the name, counted from 0
 constexpr int systemTimeField = 12;
 constexpr int residentField = 21;
@@ -34,6 +35,9 @@ LiveApplication::LiveApplication(int items)
         items::makeBundle(item(number));
     qputenv("XDG_CONFIG_HOME", m_place.filePath(u"config"_s).toUtf8());
     qputenv("QT_QPA_PLATFORM", "offscreen");
+    // Nobody reads what it says, and a full pipe would stop it.
+    m_process.setStandardOutputFile(QProcess::nullDevice());
+    m_process.setStandardErrorFile(QProcess::nullDevice());
     m_process.start(QStringLiteral(SEALWRIGHT_PROGRAM), QStringList());
     until([] { return outputOf({u"get"_s, u"AppStatus"_s}).trimmed() == "ready"; });
 }
@@ -65,6 +69,16 @@ double LiveApplication::processorSeconds() const
 double LiveApplication::residentMebibytes() const
 {
     return static_cast<double>(account().at(residentField).toLongLong() * sysconf(_SC_PAGESIZE)) / mebibyte;
+}
+
+double LiveApplication::peakMebibytes() const
+{
+    QFile file(u"/proc/%1/status"_s.arg(m_process.processId()));
+    if (!file.open(QIODevice::ReadOnly))
+        qFatal("the application has gone");
+    const QByteArray status = file.readAll();
+    const QByteArray line = status.mid(status.indexOf("VmHWM:")).split('\n').first();
+    return line.simplified().split(' ').at(1).toDouble() / kibibytesInMebibyte;
 }
 
 QByteArray LiveApplication::outputOf(const QStringList &arguments)

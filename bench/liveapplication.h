@@ -20,6 +20,8 @@ public:
 
     double processorSeconds() const;
     double residentMebibytes() const;
+    /// The most that was in memory at a time.
+    double peakMebibytes() const;
 
     /// What the client prints.
     static QByteArray outputOf(const QStringList &arguments);
