@@ -12,6 +12,7 @@
 #include "notarization/submitworkflow.h"
 #include "notarization/uploadstep.h"
 #include "scripting/MainWinController+Scripting.h"
+#include "scripting/NSWindow+Scripting.h"
 #include "signing/bundlescanner.h"
 #include "signing/entitlements.h"
 #include "signing/packagesteps.h"
@@ -38,6 +39,7 @@ struct DocumentExtensions {
         , history(document)
         , providers(document)
         , scripting(document)
+        , windowScripting(document)
     {
     }
 
@@ -58,4 +60,5 @@ struct DocumentExtensions {
     History history;
     ProviderNames providers;
     MainWinControllerScripting scripting;
+    NSWindowScripting windowScripting;
 };

@@ -78,8 +78,9 @@ public:
 
     /// The group that the window is a member of; one that is not tabbed has a group to itself.
     virtual TabGroup &tabGroup() const = 0;
-    /// The windows of its group; empty if the window is not tabbed.
-    QList<Window *> tabbedWindows() const;
+    /// The windows of its group; empty if the window is not tabbed. A host that shows the tab of a window
+    /// that is alone gives that one.
+    virtual QList<Window *> tabbedWindows() const;
 
     /// The place of the window's frame in points: the origin is the bottom left of the main screen, and y
     /// grows upward, so that `y` is the lower edge.

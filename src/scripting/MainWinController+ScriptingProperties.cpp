@@ -2,6 +2,7 @@
 
 #include "app/appdelegate.h"
 #include "app/preferencekeys.h"
+#include "document/documentextensions.h"
 #include "platform/itempath.h"
 #include "platform/preferences.h"
 #include "scripting/scripterrors.h"
@@ -19,6 +20,11 @@ using Controls = DocumentControls;
 void refuseWrite(Document &, const QVariant &)
 {
     setScriptError(scriptErrorReadOnly);
+}
+
+NSWindowScripting &windowOf(Document &document)
+{
+    return document.controller().steps().windowScripting;
 }
 
 /// The checkbox's state is one number when the property is true and another when it is false.
@@ -85,6 +91,8 @@ QList<DocumentProperty> signingProperties()
         {u"AELogClearing"_s,
          [](Document &document) { return document.controller().dontClearCheckbox.state() == 0; },
          setsState(&Controls::dontClearCheckbox, 0, 1)},
+        {u"AEIsTabbed"_s, [](Document &document) { return windowOf(document).AEIsTabbed(); },
+         [](Document &document, const QVariant &value) { windowOf(document).setAEIsTabbed(value.toBool()); }},
         {u"AEActiveIdentity"_s, activeIdentity,
          whenReady<Document>([](Document &document, const QVariant &value) {
              document.setAEActiveIdentity(value.toString());

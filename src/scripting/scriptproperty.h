@@ -18,8 +18,8 @@ enum class Takes {
 /// thread. What read and write set on the executing command is the script's error.
 ///
 /// Values are a QString, a bool, a whole number as qint64, a number as double, a QStringList, a file as QUrl,
-/// a platform::Window *, a MainWinController *, or lists of the last two. An invalid value and an empty URL
-/// are no value.
+/// a platform::Window *, a MainWinController *, lists of the last two, or a platform::QDRect. An invalid
+/// value and an empty URL are no value.
 template <class Object>
 struct ScriptProperty {
     using Write = std::function<void(Object &, const QVariant &)>;

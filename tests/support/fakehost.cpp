@@ -401,6 +401,11 @@ void FakeWindow::show()
     m_application.arrangements.clear();
 }
 
+QList<platform::Window *> FakeWindow::tabbedWindows() const
+{
+    return showsTabWhenAlone ? group->windows() : Window::tabbedWindows();
+}
+
 void FakeWindow::setFrame(const QRect &frame)
 {
     place = frame;

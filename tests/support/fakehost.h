@@ -299,6 +299,7 @@ public:
     void endSheet(int returnCode) override;
     void setDelegate(Delegate delegate) override { m_delegate = std::move(delegate); }
     platform::TabGroup &tabGroup() const override { return *group; }
+    QList<platform::Window *> tabbedWindows() const override;
     QRect frame() const override { return place; }
     void setFrame(const QRect &frame) override;
     platform::QDRect boundsAsQDRect() const override { return bounds; }
@@ -324,6 +325,7 @@ public:
     std::shared_ptr<FakeTabGroup> group;
     QRect place{100, 200, 920, 700};
     platform::QDRect bounds;
+    bool showsTabWhenAlone = false;
 
 private:
     FakeApplication &m_application;

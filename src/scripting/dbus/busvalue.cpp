@@ -50,12 +50,29 @@ std::optional<QVariant> numberFrom(const QVariant &value)
 
 } // namespace
 
+QDBusArgument &operator<<(QDBusArgument &argument, const platform::QDRect &bounds)
+{
+    argument.beginStructure();
+    argument << bounds.top << bounds.left << bounds.bottom << bounds.right;
+    argument.endStructure();
+    return argument;
+}
+
+const QDBusArgument &operator>>(const QDBusArgument &argument, platform::QDRect &bounds)
+{
+    argument.beginStructure();
+    argument >> bounds.top >> bounds.left >> bounds.bottom >> bounds.right;
+    argument.endStructure();
+    return argument;
+}
+
 namespace busvalue {
 
 void registerTypes()
 {
     qDBusRegisterMetaType<BusInterfaceProperties>();
     qDBusRegisterMetaType<BusManagedObjects>();
+    qDBusRegisterMetaType<platform::QDRect>();
 }
 
 QVariant toBus(const QVariant &value)

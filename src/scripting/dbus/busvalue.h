@@ -1,5 +1,8 @@
 #pragma once
 
+#include "platform/window.h"
+
+#include <QDBusArgument>
 #include <QDBusObjectPath>
 #include <QList>
 #include <QMap>
@@ -14,6 +17,10 @@ using BusInterfaceProperties = QMap<QString, QVariantMap>;
 using BusManagedObjects = QMap<QDBusObjectPath, BusInterfaceProperties>;
 Q_DECLARE_METATYPE(BusInterfaceProperties)
 Q_DECLARE_METATYPE(BusManagedObjects)
+
+/// Bounds are a structure of four 16-bit numbers.
+QDBusArgument &operator<<(QDBusArgument &argument, const platform::QDRect &bounds);
+const QDBusArgument &operator>>(const QDBusArgument &argument, platform::QDRect &bounds);
 
 /// How values look on the bus. Any thread.
 namespace busvalue {

@@ -55,6 +55,8 @@ std::optional<QVariant> typed(const BusObject &object, const QVariant &value, Va
         return fileFrom(*plain);
     if (type == ValueType{Type::window})
         return windowFrom(object, *plain);
+    if (type == ValueType{Type::rectangle})
+        return QVariant::fromValue(qdbus_cast<platform::QDRect>(*plain));
     if (type == ValueType{Type::text, true})
         return qdbus_cast<QStringList>(*plain);
     return plain;

@@ -1,3 +1,4 @@
+#include "document/documentextensions.h"
 #include "document/mainwincontroller.h"
 #include "scripting/dbus/bushandlers.h"
 #include "scripting/dbus/busnames.h"
@@ -13,12 +14,9 @@ void closeWindow(const BusObject &object, const BusCall &call)
 
 namespace {
 
-BusAccessByKey properties()
+NSWindowScripting &scripting(const BusObject &object)
 {
-    return {
-        {u"title"_s, {[](const BusObject &object) { return object.document->window().title(); }}},
-        {u"document"_s, {[](const BusObject &object) { return QVariant::fromValue(object.document); }}},
-    };
+    return object.document->steps().windowScripting;
 }
 
 } // namespace
@@ -26,7 +24,7 @@ BusAccessByKey properties()
 const BusHandlers &windowHandlers()
 {
     static const BusHandlers handlers{
-        .properties = properties(),
+        .properties = accessTo(NSWindowScripting::properties(), &scripting),
         .commands = {},
         .ownCalls = {{u"performClose:"_s, {{}, {}, closeWindow}}},
     };
