@@ -316,7 +316,7 @@ int FakeApplication::runModal(const platform::Alert &alert)
 
 QList<platform::Window *> FakeApplication::windowsFrontToBack() const
 {
-    return {onScreen.cbegin(), onScreen.cend()};
+    return otherWindows ? otherWindows() : QList<platform::Window *>(onScreen.cbegin(), onScreen.cend());
 }
 
 platform::Window *FakeTabGroup::selectedWindow() const

@@ -237,6 +237,7 @@ public:
         answerModal; ///< called while the alert is up; without it the first button is pressed
     int pageLayouts = 0;
     QList<FakeWindow *> onScreen; ///< front to back; of a tab group the one that shows
+    std::function<QList<platform::Window *>()> otherWindows; ///< in their place, where they are no fakes
     QStringList arrangements; ///< what was done to the order and the tabs of windows
 };
 

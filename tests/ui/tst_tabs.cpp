@@ -1,5 +1,6 @@
 // Windows as tabs: opened, switched, moved, closed, by mouse and keyboard.
 
+#include "document/documentextensions.h"
 #include "ui/framewindow.h"
 #include "ui/tabbar.h"
 #include "windowtest.h"
@@ -450,6 +451,37 @@ TEST_F(Tabs, theTabOnShowIsMovedToAWindowOfItsOwnByTheMenu)
     }
     EXPECT_EQ(titles(group).size(), 2);
     EXPECT_EQ(order.frontToBack().first(), &at(2).window());
+}
+
+TEST_F(Tabs, aScriptTakesATabOutALittleAside)
+{
+    openTwoMore();
+    FrameWindow &group = frame();
+    group.move(70, 40);
+    const platform::QDRect before = window().boundsAsQDRect();
+    at(1).steps().windowScripting.setAEIsTabbed(false);
+    until([this] { return frameOf(at(1)).isVisible(); });
+    EXPECT_EQ(frameOf(at(1)).pos(), group.pos() + QPoint(21, 23)) << "downward on this screen";
+    EXPECT_EQ(frameOf(at(1)).size(), group.size());
+    EXPECT_EQ(window().boundsAsQDRect(), before);
+    EXPECT_EQ(titles(group), (QStringList{u"Untitled"_s, u"Untitled-3"_s}));
+    EXPECT_EQ(order.frontToBack(), (QList<platform::Window *>{&at(1).window(), &at(2).window()}));
+}
+
+TEST_F(Tabs, aScriptHasAWindowJoinTheOneBehindIt)
+{
+    openTwoMore();
+    host.application().newDocument(1);
+    FrameWindow &group = frameOf(at(0));
+    at(3).steps().windowScripting.setAEIsTabbed(true);
+    EXPECT_EQ(titles(group), (QStringList{u"Untitled"_s, u"Untitled-2"_s, u"Untitled-4"_s, u"Untitled-3"_s}));
+    EXPECT_EQ(tabTexts(group), titles(group));
+    at(3).steps().windowScripting.setAETabOrderedIndex(1);
+    EXPECT_EQ(titles(group), (QStringList{u"Untitled-4"_s, u"Untitled"_s, u"Untitled-2"_s, u"Untitled-3"_s}));
+    at(3).steps().windowScripting.setAEIsVisible(true);
+    EXPECT_EQ(selectedTitle(group), u"Untitled-4"_s);
+    EXPECT_EQ(at(0).steps().windowScripting.AEOrderedIndex(), 1);
+    EXPECT_FALSE(at(0).steps().windowScripting.AEIsVisible());
 }
 
 TEST_F(Tabs, theFocusIsWhereItWasInEachTab)

@@ -8,6 +8,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPointer>
+#include <QScreen>
 
 using namespace Qt::StringLiterals;
 
@@ -46,6 +47,43 @@ TEST_F(WidgetWindowTest, theAnswerOfASheetIsTheNumberOfItsButton)
     EXPECT_EQ(awaitSheet().informativeText(), u"All is well."_s);
     answer(u"OK"_s);
     EXPECT_EQ(answers, (QList{1001, 1000, 1000}));
+}
+
+TEST_F(WidgetWindowTest, itsPlaceCountsFromTheTopLeftOrFromTheBottomLeftOfTheScreen)
+{
+    const int height = QGuiApplication::primaryScreen()->geometry().height();
+    const platform::QDRect bounds{60, 40, 660, 840};
+    window().setBoundsAsQDRect(bounds);
+    EXPECT_EQ(window().boundsAsQDRect(), bounds);
+    EXPECT_EQ(widget().frameGeometry(), QRect(40, 60, 800, 600));
+    EXPECT_EQ(window().frame(), QRect(40, height - 660, 800, 600));
+    window().setFrame(QRect(61, height - 683, 800, 600));
+    EXPECT_EQ(window().boundsAsQDRect(), (platform::QDRect{83, 61, 683, 861}));
+}
+
+TEST_F(WidgetWindowTest, aPlaceBeyondTheRangeOfBoundsIsAtItsEnd)
+{
+    widget().move(40'000, -40'000);
+    EXPECT_EQ(window().boundsAsQDRect().left, 32'767);
+    EXPECT_EQ(window().boundsAsQDRect().top, -32'768);
+}
+
+TEST_F(WidgetWindowTest, boundsThatAreInsideOutLeaveTheLeastSize)
+{
+    window().setBoundsAsQDRect({400, 300, 200, 100});
+    EXPECT_EQ(widget().frameGeometry().topLeft(), QPoint(300, 400));
+    EXPECT_TRUE(widget().size().isValid());
+}
+
+TEST_F(WidgetWindowTest, aWindowIsOrderedInFrontOfAllAndAboveNoOther)
+{
+    WidgetWindow &first = window();
+    WidgetWindow &second = dynamic_cast<WidgetWindow &>(host.application().addedDocument()->window());
+    for (const qint64 number : {1, 2, -1})
+        first.orderAbove(number);
+    EXPECT_EQ(order.frontToBack(), (QList<platform::Window *>{&second, &first}));
+    first.orderAbove(0);
+    EXPECT_EQ(order.frontToBack(), (QList<platform::Window *>{&first, &second}));
 }
 
 TEST_F(WidgetWindowTest, theFocusIsGivenUpOnDemand)

@@ -11,6 +11,7 @@ constexpr int deadline = 20'000; // milliseconds
 
 WindowTest::WindowTest()
 {
+    host.applicationHost.otherWindows = [this] { return order.frontToBack(); };
     host.launch();
     host.settle();
 }
