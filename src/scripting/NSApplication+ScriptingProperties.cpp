@@ -39,6 +39,13 @@ QVariant storedText(const Application &application, const QString &key)
     return text.isEmpty() ? QVariant() : text;
 }
 
+/// As it is, be it empty.
+QVariant storedConfiguration(const Application &application)
+{
+    const QVariant stored = preferences(application).value(key::dropDMGConfigName);
+    return stored.isValid() ? stored.toString() : QVariant();
+}
+
 ApplicationProperty flag(const QString &name, const QString &key)
 {
     return {
@@ -119,8 +126,7 @@ QList<ApplicationProperty> textProperties()
         text(u"AEAppleID"_s, key::appleIDValue),
         text(u"AEAppPassword"_s, key::appPassValue),
         text(u"AEProviderName"_s, key::providerNameValue),
-        {u"AEDropDMGConfig"_s,
-         [](Application &application) { return preferences(application).value(key::dropDMGConfigName); },
+        {u"AEDropDMGConfig"_s, storedConfiguration,
          [](Application &application, const QVariant &value) {
              store(application, key::dropDMGConfigName, value);
          },

@@ -177,6 +177,8 @@ TEST_F(ApplicationProperties, theConfigurationIsStoredAndReadAsItIs)
         EXPECT_EQ(stored(key::dropDMGConfigName), QVariant(name));
         EXPECT_EQ(get(u"DropDMGConfig"_s), QVariant(name));
     }
+    host.preferences.setValue(key::dropDMGConfigName, 7); // whatever it is, it is a text to a script
+    EXPECT_EQ(get(u"DropDMGConfig"_s), QVariant(u"7"_s));
     expectTaken(u"DropDMGConfig"_s, nothing);
     EXPECT_FALSE(host.preferences.stored().contains(key::dropDMGConfigName));
     EXPECT_EQ(errorOf(set(u"DropDMGConfig"_s, 1)), buserror::invalidArgs);
