@@ -56,7 +56,8 @@ void DocumentPage::setStatusWord(const QString &word)
 
 void DocumentPage::rememberFocus()
 {
-    m_lastFocus = focusWidget();
+    if (focusWidget()) // not in a frame where the page has never been on show
+        m_lastFocus = focusWidget();
 }
 
 void DocumentPage::restoreFocus()

@@ -484,6 +484,19 @@ TEST_F(Tabs, aScriptHasAWindowJoinTheOneBehindIt)
     EXPECT_FALSE(at(0).steps().windowScripting.AEIsVisible());
 }
 
+TEST_F(Tabs, aPageKeepsItsFocusOnItsWayThroughAFrameThatHidesIt)
+{
+    host.application().newDocument(1);
+    FrameWindow &other = frameOf(at(0));
+    other.insertWindow(at(1).window(), 0);
+    ASSERT_FALSE(windowOf(at(1)).page().isVisible());
+    other.removeWindow(at(1).window());
+    FrameWindow &own = frameOf(at(1));
+    until([&] { return own.isVisible(); });
+    ASSERT_TRUE(own.focusWidget());
+    EXPECT_EQ(own.focusWidget()->objectName(), u"appleIDField"_s);
+}
+
 TEST_F(Tabs, theFocusIsWhereItWasInEachTab)
 {
     openTwoMore();
