@@ -212,9 +212,9 @@ TEST_F(WindowScripting, aHiddenTabIsMadeVisible)
 
 TEST_F(WindowScripting, hidingAHiddenTabShowsTheTabAfterIt)
 {
-    openThreeTabs(u"C"_s);
-    window(u"A"_s).setAEIsVisible(false);
-    EXPECT_EQ(order(), u"B"_s);
+    openThreeTabs(u"A"_s);
+    window(u"B"_s).setAEIsVisible(false);
+    EXPECT_EQ(order(), u"C"_s) << "and not the one before it";
 }
 
 TEST_F(WindowScripting, hidingAHiddenTabThatIsTheLastShowsTheTabBeforeIt)
