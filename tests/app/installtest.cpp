@@ -4,6 +4,7 @@
 
 #include <QDBusConnectionInterface>
 #include <QDir>
+#include <QXmlStreamReader>
 
 using namespace Qt::StringLiterals;
 
@@ -24,6 +25,7 @@ protected:
     }
 
     void expectWhatADesktopLooksFor();
+    void expectThatSoftwareCentresCanReadWhatItIs();
     void expectThatTheBusStartsItWithItsToolchain();
 
     QString serviceFile() const
@@ -60,9 +62,27 @@ void InstalledTree::expectWhatADesktopLooksFor()
         EXPECT_TRUE(QFile::exists(prefix + u'/' + file)) << file.toStdString();
     EXPECT_EQ(value(prefix + u"/lib/systemd/user/sealwright.service"_s, u"ExecStart"_s),
               u"\"%1/bin/sealwright\""_s.arg(prefix));
+    expectThatSoftwareCentresCanReadWhatItIs();
     QProcess ctl;
     start(ctl, prefix + u"/bin/sealwrightctl"_s);
     EXPECT_EQ(end(ctl), 2) << "it has been told nothing to do";
+}
+
+void InstalledTree::expectThatSoftwareCentresCanReadWhatItIs()
+{
+    QFile file(prefix + u"/share/metainfo/org.sealwright.Sealwright.metainfo.xml"_s);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    QXmlStreamReader xml(&file);
+    QHash<QString, QString> texts;
+    while (!xml.atEnd()) {
+        if (xml.readNext() == QXmlStreamReader::StartElement
+            && (xml.name() == "id"_L1 || xml.name() == "launchable"_L1 || xml.name() == "dbus"_L1))
+            texts.insert(xml.name().toString(), xml.readElementText());
+    }
+    EXPECT_FALSE(xml.hasError()) << xml.errorString().toStdString();
+    EXPECT_EQ(texts.value(u"id"_s), bus::service);
+    EXPECT_EQ(texts.value(u"dbus"_s), bus::service);
+    EXPECT_TRUE(QFile::exists(prefix + u"/share/applications/"_s + texts.value(u"launchable"_s)));
 }
 
 void InstalledTree::expectThatTheBusStartsItWithItsToolchain()
