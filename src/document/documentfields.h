@@ -42,7 +42,7 @@ struct DocumentFields {
     /// Path of the file that is uploaded; null until a workflow sets it.
     Property<QString> submitFilePath;
     /// The extra entitlements file; empty if there is none.
-    Property<QUrl> extraEntitlementsURL;
+    ObservableProperty<QUrl> extraEntitlementsURL;
     /// Paths that the signer skips, relative to the item's own.
     Property<QStringList> skipPaths;
 

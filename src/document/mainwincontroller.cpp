@@ -52,6 +52,13 @@ void bind(Popup &popup, Property<QString> &title)
     QObject::connect(&popup, &Control::changed, &popup, [&] { title.set(popup.titleOfSelectedItem()); });
 }
 
+void describe(Button &button, const QString &title, const QString &toolTip, Action action)
+{
+    button.setTitle(title);
+    button.setToolTip(toolTip);
+    button.setAction(action);
+}
+
 } // namespace
 
 std::shared_ptr<MainWinController> MainWinController::withLoadedWindow(AppDelegate &appDelegate)
@@ -95,7 +102,13 @@ void MainWinController::bindControls()
     };
     connect(&m_appDelegate.dropDMGConfigNames, &Observable::changed, this, showConfigNames);
     showConfigNames();
-    signOnlyButton.setAction(Action::doSignOnly);
+    describe(signOnlyButton, u"Sign Only…"_s, u"Signs a copy of an item and submits nothing"_s,
+             Action::doSignOnly);
+    describe(fetchHistoryButton, u"Fetch History"_s, u"Lists what the account has submitted"_s,
+             Action::doFetchHistory);
+    describe(chooseProviderButton, u"Choose…"_s, u"Asks for the short names of your teams"_s,
+             Action::doListProviderShortnames);
+    historyMaxPagesLabel.setStringValue(u"Pages"_s);
     steps().submit.setOrdinaryButtons();
 }
 
