@@ -27,7 +27,6 @@ QLabel *makeLabel(QWidget *parent, TextField &field, const QString &name)
     auto *const label = new QLabel(parent);
     label->setObjectName(name); // without an accessible name, so that its text is what is read
     label->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    label->setWordWrap(true);
     bindings::bind(*label, field);
     return label;
 }
@@ -45,6 +44,7 @@ AboutWindow::AboutWindow(AboutController &controller)
     icon->setFixedWidth(iconSize);
     columns->addWidget(icon, 0, Qt::AlignTop);
     auto *const rows = new QVBoxLayout;
+    rows->setSpacing(margin / 4);
     rows->addWidget(makeTitle(controller));
     rows->addWidget(makeLabel(this, controller.mVersionView, u"mVersionView"_s));
     rows->addWidget(makeLabel(this, controller.mCopyrightView, u"mCopyrightView"_s));
@@ -71,6 +71,7 @@ QWidget *AboutWindow::makeCredits(AboutController &controller)
     credits->setReadOnly(true);
     credits->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     credits->setTabChangesFocus(true);
+    credits->setCursorWidth(0); // nothing can be typed here
     credits->setMinimumSize(credits->fontMetrics().averageCharWidth() * charactersAcross,
                             credits->fontMetrics().lineSpacing() * creditLines);
     bindings::bind(*credits, controller.mCreditsView);

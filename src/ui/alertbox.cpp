@@ -10,6 +10,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int iconSize = 48;
+constexpr int charactersAcross = 48; // at least, or a short text would stand in a narrow column
 
 } // namespace
 
@@ -28,8 +29,10 @@ void AlertBox::styleText()
 {
     // The box offers no other way to its two labels; the second would take an address in brackets for markup.
     for (const QString &name : {u"qt_msgbox_label"_s, u"qt_msgbox_informativelabel"_s}) {
-        if (auto *const label = findChild<QLabel *>(name))
+        if (auto *const label = findChild<QLabel *>(name)) {
             label->setTextFormat(Qt::PlainText);
+            label->setMinimumWidth(label->fontMetrics().averageCharWidth() * charactersAcross);
+        }
     }
     if (auto *const message = findChild<QLabel *>(u"qt_msgbox_label"_s)) {
         QFont font = message->font();

@@ -13,11 +13,11 @@ using Scheme = platform::DesktopAppearance::Scheme;
 
 namespace {
 
-constexpr QRgb darkWindow = 0xff2b2b2e;
-constexpr QRgb darkBase = 0xff1e1e20;
-constexpr QRgb darkButton = 0xff3a3a3e;
+constexpr QRgb darkWindow = 0xff343438;
+constexpr QRgb darkBase = 0xff1c1c1e;
+constexpr QRgb darkButton = 0xff46464b;
 constexpr QRgb darkText = 0xffe6e6e8;
-constexpr QRgb darkDimmed = 0xff8e8e93;
+constexpr QRgb darkDimmed = 0xffa0a0a6;
 constexpr QRgb darkHighlight = 0xff3d7bd9;
 constexpr QRgb darkLink = 0xff6fa8ff;
 constexpr QRgb lightWindow = 0xfff2f2f4;

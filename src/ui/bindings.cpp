@@ -153,3 +153,17 @@ void bindings::bind(QPushButton &push, Button &button, std::function<void(Action
     QObject::connect(&push, &QPushButton::clicked, &button,
                      [&button, perform = std::move(perform)] { perform(button.action()); });
 }
+
+void bindings::enableWhile(QWidget &widget, Control &control, Control &other, std::function<bool()> condition)
+{
+    const auto show = [&widget, &control, condition = std::move(condition)] {
+        widget.setEnabled(control.isEnabled() && condition());
+    };
+    follow(widget, control, show);
+    follow(widget, other, show);
+}
+
+void bindings::enableWhile(QWidget &widget, Control &other, std::function<bool()> condition)
+{
+    enableWhile(widget, other, other, std::move(condition));
+}

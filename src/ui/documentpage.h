@@ -3,11 +3,12 @@
 #include <QPointer>
 #include <QWidget>
 
-class LogView;
+class FindBar;
+class ItemHeader;
+class LogPane;
 class MainWinController;
-class QBoxLayout;
-class QLabel;
 class QPagedPaintDevice;
+class QRubberBand;
 
 /// The widgets of one document, bound to its controls. Its window title is the document's. Opening, closing
 /// and sheets are its owner's task.
@@ -19,6 +20,8 @@ public:
 
     MainWinController &document() const { return m_document; }
     void setStatusWord(const QString &word);
+    /// What searches the log.
+    FindBar &findBar() const;
     /// A page that goes into another frame forgets which of its parts has the keyboard focus, unless it is
     /// told to remember.
     void rememberFocus();
@@ -28,19 +31,16 @@ public:
 
 protected:
     void dragEnterEvent(QDragEnterEvent *event) override;
+    void dragLeaveEvent(QDragLeaveEvent *event) override;
     void dropEvent(QDropEvent *event) override;
 
 private:
-    void addHeader(QBoxLayout &rows);
-    QWidget *makeItemName();
-    QWidget *makeCancelButton();
-    void addLog(QBoxLayout &rows);
-    void addCommands(QBoxLayout &rows);
-    QWidget *makeStapleButton();
-    QWidget *makeSubmitButton();
+    QWidget *makeParts();
+    QWidget *makeRun();
 
     MainWinController &m_document;
-    QLabel *m_statusWord = nullptr;
-    LogView *m_log = nullptr;
+    ItemHeader *m_header;
+    LogPane *m_logPane = nullptr;
+    QRubberBand *m_dropOutline; ///< on show while files that can be dropped are over the page
     QPointer<QWidget> m_lastFocus;
 };

@@ -15,7 +15,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr QSize firstSize{920, 700};
+constexpr QSize firstSize{1000, 760};
 constexpr QPoint grip{80, 20}; // where in a frame of its own the pointer holds a tab that was dragged out
 
 QRect globalRect(const QWidget &widget)

@@ -1,7 +1,9 @@
 #include "ui/logview.h"
 
+#include <QEvent>
 #include <QFontDatabase>
 #include <QScrollBar>
+#include <QTextBlock>
 
 namespace {
 
@@ -41,6 +43,32 @@ void LogView::scrollToEndSoon()
         verticalScrollBar()->setValue(verticalScrollBar()->maximum());
     };
     QMetaObject::invokeMethod(this, scroll, Qt::QueuedConnection);
+}
+
+void LogView::changeEvent(QEvent *event)
+{
+    QPlainTextEdit::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange)
+        recolourErrors();
+}
+
+void LogView::recolourErrors()
+{
+    QList<QTextCursor> errors;
+    for (QTextBlock block = document()->begin(); block.isValid(); block = block.next()) {
+        for (auto part = block.begin(); !part.atEnd(); ++part) {
+            const QTextFragment fragment = part.fragment();
+            if (!fragment.charFormat().hasProperty(QTextFormat::ForegroundBrush))
+                continue;
+            errors.emplaceBack(document());
+            errors.last().setPosition(fragment.position());
+            errors.last().setPosition(fragment.position() + fragment.length(), QTextCursor::KeepAnchor);
+        }
+    }
+    QTextCharFormat format;
+    format.setForeground(red());
+    for (QTextCursor &error : errors)
+        error.mergeCharFormat(format);
 }
 
 QTextCharFormat LogView::formatFor(const LogText::Run &run) const

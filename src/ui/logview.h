@@ -12,7 +12,11 @@ class LogView : public QPlainTextEdit {
 public:
     explicit LogView(const LogText &log, QWidget *parent = nullptr);
 
+protected:
+    void changeEvent(QEvent *event) override;
+
 private:
+    void recolourErrors();
     void append(const LogText::Run &run);
     void scrollToEndSoon();
     QTextCharFormat formatFor(const LogText::Run &run) const;

@@ -2,11 +2,13 @@
 
 #include "app/appdelegate.h"
 #include "platform/applicationhost.h"
+#include "ui/editcommands.h"
+#include "ui/findbar.h"
 #include "ui/framewindow.h"
+#include "ui/preferenceswindow.h"
 #include "ui/widgetwindow.h"
 
 #include <QAction>
-#include <QKeySequence>
 #include <QMenu>
 #include <QMenuBar>
 
@@ -26,47 +28,175 @@ MainMenu::MainMenu(FrameWindow &frame)
     , m_frame(frame)
 {
     addFileMenu();
+    addEditMenu();
+    addAccountMenu();
     addWindowMenu();
+    addHelpMenu();
 }
+
+// File
 
 void MainMenu::addFileMenu()
 {
-    QMenu &file = *m_frame.menuBar()->addMenu(u"&File"_s);
-    addNew(file, u"&New"_s, QKeySequence(u"Ctrl+N"_s), asTheDesktopLikes);
-    addNew(file, u"New &Window"_s, QKeySequence(u"Ctrl+Shift+N"_s), asSeparateWindow);
-    addNew(file, u"New &Tab"_s, QKeySequence(u"Ctrl+T"_s), asTab);
+    QMenu &file = addMenu(u"&File"_s, u"fileMenu"_s);
+    addNewItems(file);
     file.addSeparator();
-    addCommand(file, u"&Submit…"_s, {}, Action::doSubmit);
-    addCommand(file, u"C&ancel"_s, {}, Action::doCancel);
+    addWorkflows(file);
     file.addSeparator();
-    file.addAction(u"&Close"_s, QKeySequence(u"Ctrl+W"_s), this,
-                   [this] { m_frame.selected().requestClose(); });
-    addCommand(file, u"Close All Ta&bs"_s, QKeySequence(u"Ctrl+Shift+W"_s), Action::doCloseWindow);
-    file.addAction(u"&Quit"_s, QKeySequence(u"Ctrl+Q"_s), this,
-                   [this] { document().host().application.terminate(); });
+    addCloseItems(file);
+    file.addSeparator();
+    addCommand(file, u"Page Set&up…"_s, QKeySequence(u"Ctrl+Shift+P"_s), Action::doRunPageLayout);
+    addCommand(file, u"&Print Log…"_s, QKeySequence(u"Ctrl+P"_s), Action::doPrint);
+    file.addSeparator();
+    addItem(file, u"&Quit"_s, QKeySequence(u"Ctrl+Q"_s),
+            [this] { document().host().application.terminate(); });
 }
+
+void MainMenu::addNewItems(QMenu &menu)
+{
+    const auto add = [&](const QString &text, const QKeySequence &shortcut, int tag) {
+        QAction *const item =
+            addItem(menu, text, shortcut, [this, tag] { document().appDelegate().newDocument(tag); });
+        item->setData(tag);
+    };
+    add(u"&New"_s, QKeySequence(u"Ctrl+N"_s), asTheDesktopLikes);
+    add(u"New &Window"_s, QKeySequence(u"Ctrl+Shift+N"_s), asSeparateWindow);
+    add(u"New &Tab"_s, QKeySequence(u"Ctrl+T"_s), asTab);
+}
+
+void MainMenu::addWorkflows(QMenu &menu)
+{
+    addCommand(menu, u"&Submit…"_s, QKeySequence(u"Ctrl+Return"_s), Action::doSubmit);
+    addCommand(menu, u"Si&gn Only…"_s, QKeySequence(u"Ctrl+Shift+Return"_s), Action::doSignOnly);
+    // The button of that name has this key; two owners of one key would each keep it from the other.
+    addCommand(menu, u"Staple &Only…\tCtrl+O"_s, {}, Action::doStapleOnly);
+    addAgainItem(menu);
+    addCommand(menu, u"C&ancel\tCtrl+."_s, {}, Action::doCancel);
+}
+
+void MainMenu::addAgainItem(QMenu &menu)
+{
+    const auto present = std::make_shared<AppDelegate::AgainItem>();
+    QAction *const item = addItem(menu, {}, QKeySequence(u"Ctrl+R"_s), [this, present] {
+        document().appDelegate().menuNeedsUpdate(*present); // a shortcut does not open the menu first
+        if (present->action != Action::none && isOffered(present->action))
+            document().perform(present->action);
+    });
+    item->setObjectName(u"doAgainMenuItem"_s);
+    const auto update = [this, item, present] {
+        document().appDelegate().menuNeedsUpdate(*present);
+        item->setText(present->title);
+        item->setEnabled(present->action != Action::none && isOffered(present->action));
+    };
+    connect(&menu, &QMenu::aboutToShow, item, update);
+    connect(
+        &menu, &QMenu::aboutToHide, item, [item] { item->setEnabled(true); }, Qt::QueuedConnection);
+}
+
+void MainMenu::addCloseItems(QMenu &menu)
+{
+    addItem(menu, u"&Close"_s, QKeySequence(u"Ctrl+W"_s), [this] { m_frame.selected().requestClose(); });
+    addCommand(menu, u"Close All Ta&bs"_s, QKeySequence(u"Ctrl+Shift+W"_s), Action::doCloseWindow);
+    addItem(menu, u"Close A&ll"_s, QKeySequence(u"Ctrl+Alt+W"_s),
+            [this] { document().appDelegate().doCloseAll(); });
+}
+
+// Edit
+
+void MainMenu::addEditMenu()
+{
+    QMenu &edit = addMenu(u"&Edit"_s, u"editMenu"_s);
+    new EditCommands(m_frame, edit);
+    edit.addSeparator();
+    addFindItems(edit);
+    addCommand(edit, u"C&lear Log"_s, QKeySequence(u"Ctrl+K"_s), Action::doClearStatus);
+    edit.addSeparator();
+    addDefaultsItems(edit);
+    edit.addSeparator();
+    addItem(edit, u"Settin&gs…"_s, QKeySequence(u"Ctrl+,"_s),
+            [this] { PreferencesWindow::show(document().host().preferences); });
+}
+
+void MainMenu::addFindItems(QMenu &menu)
+{
+    const auto findBar = [this]() -> FindBar & { return m_frame.selected().page().findBar(); };
+    addItem(menu, u"&Find…"_s, QKeySequence(u"Ctrl+F"_s), [findBar] { findBar().open(); });
+    addItem(menu, u"Find &Next"_s, QKeySequence(u"F3"_s), [findBar] { findBar().findNext(); });
+    addItem(menu, u"Find Pre&vious"_s, QKeySequence(u"Shift+F3"_s), [findBar] { findBar().findPrevious(); });
+}
+
+void MainMenu::addDefaultsItems(QMenu &menu)
+{
+    addCommand(menu, u"&Set Document Defaults…"_s, {}, Action::doSetDocumentDefaults);
+    addItem(menu, u"&Reset Document Defaults…"_s, {},
+            [this] { document().appDelegate().doResetDocumentDefaults(); });
+}
+
+// The account at the service
+
+void MainMenu::addAccountMenu()
+{
+    QMenu &account = addMenu(u"A&ccount"_s, u"accountMenu"_s);
+    addCommand(account, u"Fetch &History"_s, QKeySequence(u"Ctrl+H"_s), Action::doFetchHistory);
+    account.addSeparator();
+    addCommand(account, u"Info for the &Last Upload"_s, QKeySequence(u"Ctrl+I"_s),
+               Action::doInfoForUUIDOfLastUpload);
+    addCommand(account, u"Info for the UUID on the &Clipboard"_s, QKeySequence(u"Ctrl+Shift+I"_s),
+               Action::doInfoForUUIDOnClipboard);
+    addCommand(account, u"Info for the UUID in a &File…"_s, {}, Action::doInfoForUUIDInFile);
+    account.addSeparator();
+    addCommand(account, u"Choose &Provider Short Name…"_s, {}, Action::doListProviderShortnames);
+}
+
+// Window and help
 
 void MainMenu::addWindowMenu()
 {
-    QMenu &window = *m_frame.menuBar()->addMenu(u"&Window"_s);
+    QMenu &window = addMenu(u"&Window"_s, u"windowMenu"_s);
     window.addActions(m_frame.actions());
     window.addAction(u"M&erge All Windows"_s, &m_frame, &FrameWindow::mergeAllFrames);
 }
 
-void MainMenu::addNew(QMenu &menu, const QString &text, const QKeySequence &shortcut, int tag)
+void MainMenu::addHelpMenu()
 {
-    menu.addAction(text, shortcut, this, [this, tag] { document().appDelegate().newDocument(tag); });
+    QMenu &help = addMenu(u"&Help"_s, u"helpMenu"_s);
+    addCommand(help, u"&App-Specific Password"_s, {}, Action::doAppPassHelp);
+    addCommand(help, u"&Provider Short Name"_s, {}, Action::doTeamProviderHelp);
+    addCommand(help, u"&Extra Entitlements"_s, {}, Action::doExtraEntitlementsHelp);
+    addCommand(help, u"&Disk Image Options"_s, {}, Action::doDropDMGHelp);
+    help.addSeparator();
+    addItem(help, u"&Website"_s, {}, [this] { document().appDelegate().doVisitOurWebsite(); });
+    addItem(help, u"Users' &Forum"_s, {}, [this] { document().appDelegate().doShowUsersForum(); });
+    addItem(help, u"&Send Us Email"_s, {}, [this] { document().appDelegate().doSendUsEmail(); });
+    help.addSeparator();
+    addItem(help, u"A&bout Sealwright"_s, {}, [this] { document().appDelegate().doShowAboutPanel(); });
 }
 
-void MainMenu::addCommand(QMenu &menu, const QString &text, const QKeySequence &shortcut, Action action)
+// What the menus are made of
+
+QMenu &MainMenu::addMenu(const QString &title, const QString &name)
 {
-    QAction *const item = menu.addAction(text, shortcut, this, [this, action] {
+    QMenu &menu = *m_frame.menuBar()->addMenu(title);
+    menu.setObjectName(name);
+    return menu;
+}
+
+QAction *MainMenu::addCommand(QMenu &menu, const QString &text, const QKeySequence &shortcut, Action action)
+{
+    QAction *const item = addItem(menu, text, shortcut, [this, action] {
         if (isOffered(action)) // a shortcut does not open the menu first
             document().perform(action);
     });
     connect(&menu, &QMenu::aboutToShow, item, [this, item, action] { item->setEnabled(isOffered(action)); });
     connect(
         &menu, &QMenu::aboutToHide, item, [item] { item->setEnabled(true); }, Qt::QueuedConnection);
+    return item;
+}
+
+QAction *MainMenu::addItem(QMenu &menu, const QString &text, const QKeySequence &shortcut,
+                           std::function<void()> perform)
+{
+    return menu.addAction(text, shortcut, this, std::move(perform));
 }
 
 bool MainMenu::isOffered(Action action) const
@@ -78,6 +208,11 @@ bool MainMenu::isOffered(Action action) const
         return document().canCancel();
     case Action::doCloseWindow:
         return m_frame.count() > 1;
+    case Action::doAppPassHelp:
+    case Action::doTeamProviderHelp:
+    case Action::doExtraEntitlementsHelp:
+    case Action::doDropDMGHelp:
+        return !document().isBusy(); // the sheet would change the status word of the run
     default:
         return document().validateMenuItem(action);
     }

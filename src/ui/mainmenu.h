@@ -1,10 +1,13 @@
 #pragma once
 
+#include <QKeySequence>
 #include <QObject>
+
+#include <functional>
 
 class FrameWindow;
 class MainWinController;
-class QKeySequence;
+class QAction;
 class QMenu;
 enum class Action;
 
@@ -18,11 +21,24 @@ public:
 
 private:
     void addFileMenu();
+    void addNewItems(QMenu &menu);
+    void addWorkflows(QMenu &menu);
+    void addAgainItem(QMenu &menu);
+    void addCloseItems(QMenu &menu);
+    void addEditMenu();
+    void addFindItems(QMenu &menu);
+    void addDefaultsItems(QMenu &menu);
+    void addAccountMenu();
     void addWindowMenu();
-    /// An item that makes a new document.
-    void addNew(QMenu &menu, const QString &text, const QKeySequence &shortcut, int tag);
-    /// An item that the document carries out.
-    void addCommand(QMenu &menu, const QString &text, const QKeySequence &shortcut, Action action);
+    void addHelpMenu();
+
+    QMenu &addMenu(const QString &title, const QString &name);
+    /// An item that the document carries out. While it cannot, the item is off when the menu shows, and its
+    /// shortcut does nothing.
+    QAction *addCommand(QMenu &menu, const QString &text, const QKeySequence &shortcut, Action action);
+    /// An item for the frame or the application.
+    QAction *addItem(QMenu &menu, const QString &text, const QKeySequence &shortcut,
+                     std::function<void()> perform);
     bool isOffered(Action action) const;
     MainWinController &document() const;
 

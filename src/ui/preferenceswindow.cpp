@@ -4,12 +4,12 @@
 #include "platform/preferences.h"
 #include "ui/named.h"
 #include "ui/preferencebindings.h"
+#include "ui/settingrows.h"
 
 #include <QApplication>
 #include <QBoxLayout>
 #include <QCheckBox>
 #include <QFileDialog>
-#include <QFormLayout>
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
@@ -17,58 +17,73 @@
 #include <QScrollArea>
 #include <QShortcut>
 #include <QSpinBox>
+#include <QStyle>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int charactersAcross = 72;
+constexpr int charactersAcross = 96;
+constexpr int captionCharacters = 28;
 
-/// One group of settings: what is set, and below it in smaller print what that means.
+/// One group of settings: what is set, and below it what that means.
 class Section {
 public:
     Section(QBoxLayout &sections, const QString &title)
         : m_group(new QGroupBox(title))
-        , m_rows(new QFormLayout(m_group))
+        , m_rows(new QVBoxLayout(m_group))
     {
-        m_rows->setFieldGrowthPolicy(QFormLayout::ExpandingFieldsGrow);
         sections.addWidget(m_group);
     }
 
     void addCheckbox(platform::Preferences &preferences, const QString &key, const QString &label,
                      const QString &explanation)
     {
-        auto *const box = named(new QCheckBox(label, m_group), key, plain(label));
+        auto *const box = named(new QCheckBox(label, m_group), key, settingrows::plainLabel(label));
         bindings::bind(*box, preferences, key);
-        m_rows->addRow(box);
+        beginSetting();
+        m_rows->addWidget(box);
         explain(*box, explanation);
     }
 
-    void addField(QWidget *field, QWidget *named, const QString &label, const QString &explanation)
+    /// `field` is the setting itself or holds it.
+    void addField(QWidget *field, QWidget &setting, const QString &label, const QString &explanation)
     {
-        named->setAccessibleName(plain(label));
-        auto *const caption = new QLabel(label, m_group);
-        caption->setBuddy(named);
-        m_rows->addRow(caption, field);
-        explain(*named, explanation);
+        auto *const row = new QHBoxLayout;
+        QWidget *const caption = settingrows::makeCaption(m_group, label, setting);
+        caption->setMinimumWidth(caption->fontMetrics().averageCharWidth() * captionCharacters);
+        row->addWidget(caption);
+        row->addWidget(field, field == &setting ? 0 : 1);
+        if (field == &setting)
+            row->addStretch(1);
+        beginSetting();
+        m_rows->addLayout(row);
+        explain(setting, explanation);
     }
 
     QWidget *widget() const { return m_group; }
 
 private:
-    static QString plain(QString label) { return label.remove(u'&'); }
+    void beginSetting()
+    {
+        if (m_rows->count() > 0)
+            m_rows->addSpacing(m_rows->spacing());
+    }
 
     void explain(QWidget &setting, const QString &explanation)
     {
         auto *const text = new QLabel(explanation, m_group);
         text->setWordWrap(true);
         text->setForegroundRole(QPalette::PlaceholderText);
+        const QStyle &style = *m_group->style();
+        text->setIndent(style.pixelMetric(QStyle::PM_IndicatorWidth)
+                        + style.pixelMetric(QStyle::PM_CheckBoxLabelSpacing));
         setting.setAccessibleDescription(explanation);
-        m_rows->addRow(text);
+        m_rows->addWidget(text);
     }
 
     QGroupBox *const m_group;
-    QFormLayout *const m_rows;
+    QVBoxLayout *const m_rows;
 };
 
 QSpinBox *makeSpinBox(QWidget *parent, const QString &key, int least, int most, const QString &unit)
@@ -160,14 +175,14 @@ void PreferencesWindow::addNotarization(QBoxLayout &sections)
     constexpr double mostDelay = 300;
     auto *const delay = makeSecondsBox(section.widget(), key::pollingDelay, leastDelay, mostDelay, 1, 5);
     bindings::bind(*delay, m_preferences, key::pollingDelay);
-    section.addField(delay, delay, u"&Ask for the verdict every"_s,
+    section.addField(delay, *delay, u"&Ask for the verdict every"_s,
                      u"From 20 to 300 seconds. A verdict usually takes several minutes."_s);
     constexpr int leastFailures = 3;
     constexpr int mostFailures = 1'000'000;
     auto *const limit = makeSpinBox(section.widget(), key::prefRetryLimitFor239Failure, leastFailures,
                                     mostFailures, u" failures"_s);
     bindings::bind(*limit, m_preferences, key::prefRetryLimitFor239Failure);
-    section.addField(limit, limit, u"&Give up after"_s,
+    section.addField(limit, *limit, u"&Give up after"_s,
                      u"Failures with code 239, which pass by themselves when the service is busy."_s);
     section.addCheckbox(m_preferences, key::userInfoShowWhenActive,
                         u"Notif&y me while Sealwright is in front"_s,
@@ -183,7 +198,7 @@ void PreferencesWindow::addLog(QBoxLayout &sections)
     constexpr int mostSize = 72;
     auto *const size = makeSpinBox(section.widget(), key::logFontSize, leastSize, mostSize, u" points"_s);
     bindings::bind(*size, m_preferences, key::logFontSize);
-    section.addField(size, size, u"Text &size in the window"_s, u"Counts from the next line on."_s);
+    section.addField(size, *size, u"Text &size in the window"_s, u"Counts from the next line on."_s);
 }
 
 void PreferencesWindow::addTools(QBoxLayout &sections)
@@ -191,13 +206,13 @@ void PreferencesWindow::addTools(QBoxLayout &sections)
     Section section(sections, u"Tools"_s);
     QWidget *const folder = makeToolRoot(section.widget());
     section.addField(
-        folder, folder->findChild<QLineEdit *>(key::toolRoot), u"&Folder of tools"_s,
+        folder, *folder->findChild<QLineEdit *>(key::toolRoot), u"&Folder of tools"_s,
         u"Holds tools at Apple's paths, such as usr/bin/codesign. Takes effect at the next launch."_s);
     constexpr double longestPause = 10;
     constexpr double step = 0.05;
     auto *const pause = makeSecondsBox(section.widget(), key::toolPause, 0, longestPause, 2, step);
     bindings::bind(*pause, m_preferences, key::toolPause);
-    section.addField(pause, pause, u"&Pause after each tool"_s,
+    section.addField(pause, *pause, u"&Pause after each tool"_s,
                      u"0 is safe on this system. Counts for documents opened from now on."_s);
 }
 

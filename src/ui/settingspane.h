@@ -20,8 +20,5 @@ protected:
     void resizeEvent(QResizeEvent *event) override;
 
 private:
-    QWidget *makeCredentials(MainWinController &document);
-    QWidget *makeEntitlements(MainWinController &document);
-
     QBoxLayout *m_columns;
 };

@@ -8,6 +8,7 @@
 #include <QLineEdit>
 #include <QMimeData>
 #include <QPushButton>
+#include <QRubberBand>
 
 using namespace Qt::StringLiterals;
 
@@ -45,14 +46,14 @@ TEST_F(DirectSubmit, cancelGoesBackToTheOrdinaryWindow)
 {
     QTest::mouseClick(&cancel(), Qt::LeftButton);
     EXPECT_EQ(submit().text(), u"Submit…"_s);
-    EXPECT_FALSE(cancel().isVisible());
+    EXPECT_EQ(cancel().text(), u"Staple Only…"_s);
     EXPECT_EQ(itemOnShow(), QString());
 }
 
 TEST_F(DirectSubmit, ctrlAndAFullStopCancel)
 {
     QTest::keyClick(&widget(), Qt::Key_Period, Qt::ControlModifier);
-    until([this] { return !cancel().isVisible(); });
+    until([this] { return cancel().text() == u"Staple Only…"_s; });
     EXPECT_EQ(submit().text(), u"Submit…"_s);
 }
 
@@ -84,6 +85,7 @@ protected:
         QApplication::sendEvent(&page(), &enter);
         if (!enter.isAccepted())
             return false;
+        EXPECT_TRUE(page().findChild<QRubberBand *>()->isVisible()) << "a person sees where the files go";
         QDropEvent drop(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
         QApplication::sendEvent(&page(), &drop);
         return drop.isAccepted();
@@ -111,4 +113,12 @@ TEST_F(DropOnAWindow, whatHoldsNoFileIsNotTaken)
 {
     EXPECT_FALSE(drop({QUrl(u"https://example.com/Foo.app"_s)}));
     EXPECT_EQ(host.application().allControllers().size(), 1);
+}
+
+TEST_F(DropOnAWindow, aFileWithAnUpperCaseExtensionIsRefusedWithoutAWord)
+{
+    items::makeFile(host.item(u"Foo.PKG"_s), "xar!");
+    EXPECT_TRUE(drop({itempath::toUrl(host.item(u"Foo.PKG"_s))}));
+    EXPECT_EQ(host.application().allControllers().size(), 1);
+    EXPECT_FALSE(sheet());
 }

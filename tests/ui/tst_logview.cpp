@@ -55,6 +55,22 @@ TEST(LogView, eachStyleLooksDifferent)
         EXPECT_EQ(formatOfLine(view, line).foreground().style(), Qt::NoBrush);
 }
 
+TEST(LogView, errorsStandOutOnADarkGroundToo)
+{
+    LogText log;
+    LogView view(log);
+    log.append(run(u"plain\n"_s, LogStyle::plain));
+    log.append(run(u"error\n"_s, LogStyle::error));
+    const QColor onLight = formatOfLine(view, 1).foreground().color();
+    QPalette dark = view.palette();
+    dark.setColor(QPalette::Base, Qt::black);
+    view.setPalette(dark);
+    EXPECT_GT(formatOfLine(view, 1).foreground().color().lightness(), onLight.lightness());
+    EXPECT_EQ(formatOfLine(view, 0).foreground().style(), Qt::NoBrush);
+    view.setPalette({});
+    EXPECT_EQ(formatOfLine(view, 1).foreground().color(), onLight);
+}
+
 TEST(LogView, theFontHasAFixedWidth)
 {
     LogText log;

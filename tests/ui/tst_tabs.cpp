@@ -7,6 +7,7 @@
 
 #include <QAction>
 #include <QLineEdit>
+#include <QMenu>
 #include <QMenuBar>
 #include <QPointer>
 #include <QPushButton>
@@ -178,7 +179,7 @@ TEST_F(Tabs, theMenuActsOnTheDocumentOnShow)
     at(0).canCancel.set(true);
     at(2).canCancel.set(true);
     for (QAction *const item : frame().menuBar()->actions().first()->menu()->actions()) {
-        if (item->text() == u"C&ancel"_s)
+        if (item->text().startsWith(u"C&ancel"_s))
             item->trigger();
     }
     EXPECT_FALSE(at(0).canCancel());
@@ -432,7 +433,7 @@ TEST_F(Tabs, allWindowsAreMergedIntoTheOneInFront)
     openTwoMore();
     host.application().newDocument(1);
     FrameWindow &front = frame();
-    for (QAction *const item : front.menuBar()->actions().at(1)->menu()->actions()) {
+    for (QAction *const item : front.findChild<QMenu *>(u"windowMenu"_s)->actions()) {
         if (item->text() == u"M&erge All Windows"_s)
             item->trigger();
     }

@@ -1,0 +1,86 @@
+#include "ui/commandbar.h"
+
+#include "document/mainwincontroller.h"
+#include "ui/bindings.h"
+#include "ui/keepplace.h"
+#include "ui/named.h"
+#include "ui/settingrows.h"
+
+#include <QBoxLayout>
+#include <QIntValidator>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int mostPages = 99'999;
+constexpr int digitsAcross = 7;
+
+/// As wide as the widest of the titles that a button has in the course of time.
+void makeRoomFor(QPushButton &push, const QStringList &titles)
+{
+    const QFontMetrics metrics = push.fontMetrics();
+    const int border = push.sizeHint().width() - metrics.horizontalAdvance(push.text());
+    for (const QString &title : titles)
+        push.setMinimumWidth(qMax(push.minimumWidth(), metrics.horizontalAdvance(title) + border));
+}
+
+} // namespace
+
+CommandBar::CommandBar(MainWinController &document, QWidget *parent)
+    : QWidget(parent)
+    , m_document(document)
+{
+    auto *const row = new QHBoxLayout(this);
+    row->setContentsMargins(0, 0, 0, 0);
+    addHistory(*row);
+    row->addStretch(1);
+    QPushButton *const sign = makeButton(document.signOnlyButton, u"signOnlyButton"_s);
+    QPushButton *const staple = makeButton(document.stapleOnlyButton, u"stapleOnlyButton"_s);
+    QPushButton *const submit = makeButton(document.submitAppButton, u"submitAppButton"_s);
+    makeRoomFor(*staple, {u"Cancel"_s, u"Staple Only…"_s});
+    makeRoomFor(*submit, {u"Submit Now"_s, u"Submit…"_s});
+    for (QPushButton *const button : {sign, staple, submit})
+        row->addWidget(button);
+    submit->setDefault(true);
+}
+
+void CommandBar::addHistory(QBoxLayout &row)
+{
+    row.addWidget(makeButton(m_document.fetchHistoryButton, u"fetchHistoryButton"_s));
+    auto *const label = new QLabel(this);
+    label->setObjectName(u"historyMaxPagesLabel"_s);
+    bindings::bind(*label, m_document.historyMaxPagesLabel);
+    keepPlace(*label);
+    QWidget *const pages = makePages();
+    label->setBuddy(pages);
+    row.addWidget(label);
+    row.addWidget(pages);
+}
+
+QWidget *CommandBar::makePages()
+{
+    auto *const pages =
+        named(new QLineEdit(this), u"historyMaxPagesField"_s, m_document.historyMaxPagesLabel.stringValue());
+    pages->setToolTip(u"How many pages of the history to fetch"_s);
+    pages->setValidator(new QIntValidator(1, mostPages, pages));
+    pages->setFixedWidth(pages->fontMetrics().horizontalAdvance(u'0') * digitsAcross);
+    pages->setAcceptDrops(false);
+    keepPlace(*pages);
+    bindings::bind(*pages, m_document.historyMaxPagesField);
+    return pages;
+}
+
+QPushButton *CommandBar::makeButton(Button &button, const QString &name)
+{
+    auto *const push = new QPushButton(this);
+    push->setObjectName(name);
+    push->setAutoDefault(false);
+    keepPlace(*push);
+    bindings::bind(*push, button, [this](Action action) { m_document.perform(action); });
+    settingrows::offerWhenIdle(*push, button, m_document);
+    return push;
+}

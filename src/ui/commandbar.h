@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QWidget>
+
+class Button;
+class MainWinController;
+class QBoxLayout;
+class QPushButton;
+
+/// What a document can be told to do: on the left the history of the account, on the right what begins with
+/// an item. The places stay as they are when a dropped item waits to be confirmed and some of them go.
+class CommandBar : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit CommandBar(MainWinController &document, QWidget *parent = nullptr);
+
+private:
+    void addHistory(QBoxLayout &row);
+    QWidget *makePages();
+    QPushButton *makeButton(Button &button, const QString &name);
+
+    MainWinController &m_document;
+};

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QLabel>
+
+/// One line of text that is shortened in its middle where there is no room for all of it.
+class ElidedLabel : public QLabel {
+    Q_OBJECT
+
+public:
+    explicit ElidedLabel(QWidget *parent = nullptr);
+
+    QSize minimumSizeHint() const override;
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+};

@@ -1,0 +1,122 @@
+#include "ui/findbar.h"
+
+#include "ui/named.h"
+
+#include <QBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QToolButton>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr QChar paragraphSeparator(0x2029);
+
+QToolButton *makeButton(QWidget *parent, const QString &text, const QString &name, const QString &toolTip)
+{
+    auto *const button = named(new QToolButton(parent), name, text);
+    button->setText(text);
+    button->setToolTip(toolTip);
+    button->setFocusPolicy(Qt::TabFocus);
+    return button;
+}
+
+} // namespace
+
+FindBar::FindBar(QPlainTextEdit &text, QWidget *parent)
+    : QWidget(parent)
+    , m_text(text)
+    , m_words(named(new QLineEdit(this), u"findField"_s, u"Find in log"_s))
+    , m_result(new QLabel(this))
+{
+    m_words->setPlaceholderText(u"Find in log"_s);
+    m_words->setClearButtonEnabled(true);
+    m_words->setAcceptDrops(false);
+    m_result->setObjectName(u"findResult"_s);
+    auto *const previous =
+        makeButton(this, u"Previous"_s, u"findPreviousButton"_s, u"The place before (Shift+F3)"_s);
+    auto *const next = makeButton(this, u"Next"_s, u"findNextButton"_s, u"The next place (F3)"_s);
+    auto *const done = makeButton(this, u"Done"_s, u"findDoneButton"_s, u"Puts the search away (Esc)"_s);
+    auto *const row = new QHBoxLayout(this);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->addWidget(m_words, 1);
+    row->addWidget(m_result);
+    for (QToolButton *const button : {previous, next, done})
+        row->addWidget(button);
+    connect(m_words, &QLineEdit::textChanged, this, &FindBar::findWhileTyping);
+    connect(m_words, &QLineEdit::returnPressed, this, &FindBar::findNext);
+    connect(previous, &QToolButton::clicked, this, &FindBar::findPrevious);
+    connect(next, &QToolButton::clicked, this, &FindBar::findNext);
+    connect(done, &QToolButton::clicked, this, &FindBar::putAway);
+    hide();
+}
+
+void FindBar::open()
+{
+    const QString selected = m_text.textCursor().selectedText();
+    show();
+    if (!selected.isEmpty() && !selected.contains(paragraphSeparator))
+        m_words->setText(selected);
+    m_words->setFocus(Qt::ShortcutFocusReason);
+    m_words->selectAll();
+}
+
+void FindBar::findNext()
+{
+    find(Direction::forward);
+}
+
+void FindBar::findPrevious()
+{
+    find(Direction::backward);
+}
+
+void FindBar::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() == Qt::Key_Escape)
+        putAway();
+    else
+        QWidget::keyPressEvent(event);
+}
+
+void FindBar::findWhileTyping()
+{
+    // From where the selection begins: a longer word may still fit the place that a shorter one has found.
+    QTextCursor cursor = m_text.textCursor();
+    cursor.setPosition(cursor.selectionStart());
+    m_text.setTextCursor(cursor);
+    if (m_words->text().isEmpty())
+        m_result->clear();
+    else
+        find(Direction::forward);
+}
+
+void FindBar::find(Direction direction)
+{
+    if (m_words->text().isEmpty())
+        return open();
+    const bool isForward = direction == Direction::forward;
+    const auto flags = isForward ? QTextDocument::FindFlags() : QTextDocument::FindBackward;
+    if (m_text.find(m_words->text(), flags))
+        return tell(true);
+    const QTextCursor before = m_text.textCursor();
+    m_text.moveCursor(isForward ? QTextCursor::Start : QTextCursor::End);
+    const bool isFound = m_text.find(m_words->text(), flags);
+    if (!isFound)
+        m_text.setTextCursor(before);
+    tell(isFound);
+}
+
+void FindBar::tell(bool isFound)
+{
+    m_result->setText(isFound ? QString() : u"Not found"_s);
+}
+
+void FindBar::putAway()
+{
+    hide();
+    m_text.setFocus(Qt::OtherFocusReason);
+}

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QWidget>
+
+class QLabel;
+class QLineEdit;
+class QPlainTextEdit;
+
+/// Finds words in a text, without regard to the case, and selects what it finds. Hidden until it is asked
+/// for; Escape puts it away and gives the text the keyboard focus.
+class FindBar : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit FindBar(QPlainTextEdit &text, QWidget *parent = nullptr);
+
+    /// Comes up with what is selected in the text, if that lies in one line.
+    void open();
+    /// Selects the next place behind the selection; after the last one the first. The other way round before
+    /// it. Without words to look for the bar comes up.
+    void findNext();
+    void findPrevious();
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+
+private:
+    enum class Direction { forward, backward };
+
+    void findWhileTyping();
+    void find(Direction direction);
+    void tell(bool isFound);
+    void putAway();
+
+    QPlainTextEdit &m_text;
+    QLineEdit *m_words;
+    QLabel *m_result;
+};

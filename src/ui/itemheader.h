@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QWidget>
+
+class BusyBar;
+class MainWinController;
+class QLabel;
+class QPushButton;
+
+/// What a document is about and how far it has come: the item's name, the status word, and while a workflow
+/// runs its progress and the way to cancel it.
+class ItemHeader : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit ItemHeader(MainWinController &document, QWidget *parent = nullptr);
+
+    void setStatusWord(const QString &word);
+
+private:
+    QWidget *makeItemName();
+    BusyBar *makeProgress();
+    QPushButton *makeCancelButton();
+
+    MainWinController &m_document;
+    QLabel *m_statusWord;
+};

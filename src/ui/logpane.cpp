@@ -1,0 +1,59 @@
+#include "ui/logpane.h"
+
+#include "document/mainwincontroller.h"
+#include "ui/findbar.h"
+#include "ui/logview.h"
+#include "ui/named.h"
+#include "ui/settingrows.h"
+
+#include <QBoxLayout>
+#include <QCheckBox>
+#include <QLabel>
+#include <QToolButton>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int leastLogLines = 4;
+
+} // namespace
+
+LogPane::LogPane(MainWinController &document, QWidget *parent)
+    : QWidget(parent)
+    , m_document(document)
+    , m_log(named(new LogView(document.statusTextView, this), u"statusTextView"_s, u"Log"_s))
+    , m_findBar(new FindBar(*m_log, this))
+{
+    m_log->setAcceptDrops(false); // files that are dropped here are for the window
+    m_log->setPlaceholderText(
+        u"Drop an app, plug-in, package or disk image on this window, or press Submit…"_s);
+    m_log->setMinimumHeight(leastLogLines * m_log->fontMetrics().lineSpacing());
+    auto *const rows = new QVBoxLayout(this);
+    rows->setContentsMargins(0, 0, 0, 0);
+    addCaption(*rows);
+    rows->addWidget(m_log, 1);
+    rows->addWidget(m_findBar);
+}
+
+void LogPane::addCaption(QBoxLayout &rows)
+{
+    auto *const row = new QHBoxLayout;
+    row->addWidget(settingrows::makeHeading(this, u"Lo&g"_s, *m_log));
+    row->addStretch(1);
+    row->addWidget(settingrows::makeCheckbox(
+        this, m_document,
+        {&DocumentControls::dontClearCheckbox, u"dontClearCheckbox"_s, u"&Keep log between runs"_s, {}}));
+    row->addWidget(makeClearButton());
+    rows.addLayout(row);
+}
+
+QWidget *LogPane::makeClearButton()
+{
+    auto *const clear = named(new QToolButton(this), u"clearLogButton"_s, u"Clear"_s);
+    clear->setText(u"Clear"_s);
+    clear->setToolTip(u"Empties the log of this window, not the one in the item's folder"_s);
+    clear->setFocusPolicy(Qt::TabFocus);
+    connect(clear, &QToolButton::clicked, this, [this] { m_document.perform(Action::doClearStatus); });
+    return clear;
+}

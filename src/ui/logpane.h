@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QWidget>
+
+class FindBar;
+class LogView;
+class MainWinController;
+class QBoxLayout;
+
+/// A document's log with what belongs to it: its caption, whether it is kept, clearing it and searching it.
+class LogPane : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit LogPane(MainWinController &document, QWidget *parent = nullptr);
+
+    LogView &log() const { return *m_log; }
+    FindBar &findBar() const { return *m_findBar; }
+
+private:
+    void addCaption(QBoxLayout &rows);
+    QWidget *makeClearButton();
+
+    MainWinController &m_document;
+    LogView *m_log;
+    FindBar *m_findBar;
+};

@@ -1,0 +1,89 @@
+#include "ui/settingrows.h"
+
+#include "document/mainwincontroller.h"
+#include "ui/bindings.h"
+#include "ui/named.h"
+
+#include <QCheckBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QToolButton>
+#include <QtMath>
+
+using namespace Qt::StringLiterals;
+
+QCheckBox *settingrows::makeCheckbox(QWidget *parent, MainWinController &document, const CheckboxRow &row)
+{
+    auto *const box = named(new QCheckBox(row.label, parent), row.name, plainLabel(row.label));
+    box->setToolTip(row.toolTip);
+    bindings::bind(*box, document.*row.control);
+    return box;
+}
+
+QLineEdit *settingrows::makeTextField(QWidget *parent, MainWinController &document, const TextRow &row)
+{
+    auto *const edit = named(new QLineEdit(parent), row.name, plainLabel(row.label));
+    edit->setPlaceholderText(row.hint);
+    edit->setAcceptDrops(false); // files that are dropped here are for the window
+    bindings::bind(*edit, document.*row.control);
+    return edit;
+}
+
+QToolButton *settingrows::makeHelpButton(QWidget *parent, MainWinController &document, Action help,
+                                         const QString &name, const QString &subject)
+{
+    auto *const button = named(new QToolButton(parent), name, u"Help: "_s + subject);
+    button->setText(u"?"_s);
+    button->setToolTip(button->accessibleName());
+    button->setFocusPolicy(Qt::TabFocus);
+    QObject::connect(button, &QToolButton::clicked, &document, [&document, help] { document.perform(help); });
+    offerWhenIdle(*button, document);
+    return button;
+}
+
+void settingrows::offerWhenIdle(QWidget &widget, Control &control, MainWinController &document)
+{
+    bindings::enableWhile(widget, control, document.progressIndicator,
+                          [&document] { return !document.progressIndicator.isAnimating(); });
+}
+
+void settingrows::offerWhenIdle(QWidget &widget, MainWinController &document)
+{
+    bindings::enableWhile(widget, document.progressIndicator,
+                          [&document] { return !document.progressIndicator.isAnimating(); });
+}
+
+QString settingrows::plainLabel(QString label)
+{
+    return label.remove(u'&');
+}
+
+QLabel *settingrows::makeCaption(QWidget *parent, const QString &label, QWidget &widget)
+{
+    auto *const caption = new QLabel(label, parent);
+    caption->setBuddy(&widget);
+    widget.setAccessibleName(plainLabel(label));
+    return caption;
+}
+
+QLabel *settingrows::makeHeading(QWidget *parent, const QString &label, QWidget &widget)
+{
+    constexpr qreal heightOfButtons = 1.6; // over that of the text
+    QLabel *const heading = makeCaption(parent, label, widget);
+    heading->setMinimumHeight(qCeil(heading->fontMetrics().height() * heightOfButtons));
+    return heading;
+}
+
+void settingrows::alignCaptions(QWidget &widget)
+{
+    int width = 0;
+    QList<QLabel *> captions;
+    for (auto *const label : widget.findChildren<QLabel *>()) {
+        if (!label->buddy())
+            continue;
+        captions.append(label);
+        width = qMax(width, label->sizeHint().width());
+    }
+    for (QLabel *const caption : captions)
+        caption->setMinimumWidth(width);
+}

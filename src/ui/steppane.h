@@ -1,0 +1,13 @@
+#pragma once
+
+#include <QWidget>
+
+class MainWinController;
+
+/// The steps of a document's run under their caption, to stand beside the log.
+class StepPane : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit StepPane(MainWinController &document, QWidget *parent = nullptr);
+};
