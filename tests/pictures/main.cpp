@@ -1,0 +1,134 @@
+// Draws each state of the windows that the pages of docs/ show into the folder of the environment variable
+// PICTURES. Arguments: "dark", "large" (a font twice the size).
+
+#include "pictures/scene.h"
+
+#include "about/aboutcontroller.h"
+#include "document/documentextensions.h"
+#include "platform/itempath.h"
+#include "ui/preferenceswindow.h"
+
+#include <QApplication>
+#include <QDBusVariant>
+#include <QIcon>
+#include <QTemporaryDir>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+void emptyDocument()
+{
+    Scene scene;
+    scene.draw(u"empty.png"_s);
+}
+
+void running()
+{
+    Scene scene;
+    scene.host.tools.answer(u"ditto"_s, {.hangs = true});
+    const QString item = scene.makeItem(u"Example.app"_s);
+    scene.document().steps().submit.submitURL(itempath::toUrl(item));
+    scene.host.runUntil([&] { return !scene.host.tools.callsOf(u"ditto"_s).isEmpty(); });
+    QCoreApplication::processEvents();
+    Scene::draw(scene.window(), u"running.png"_s);
+    scene.host.tools.release(u"ditto"_s);
+    scene.settle();
+}
+
+void waitingAndSuccess()
+{
+    Scene scene;
+    scene.host.tools.answerRun(u"altool--notarization-info"_s, 1,
+                               {.output = FakeTools::infoReport(u"in progress"_s)});
+    scene.host.submit(scene.makeItem(u"Example.app"_s));
+    scene.host.timers.fireNext();
+    scene.draw(u"waiting.png"_s);
+    scene.host.firePolls();
+    scene.draw(u"success.png"_s);
+}
+
+void failure()
+{
+    Scene scene;
+    scene.host.tools.answer(u"codesign"_s, {.status = 1, .error = "Example.app: errSecInternalComponent\n"});
+    scene.host.submit(scene.makeItem(u"Example.app"_s));
+    scene.draw(u"failure.png"_s);
+}
+
+void directSubmit()
+{
+    Scene scene;
+    scene.host.application().applicationOpenFiles({scene.makeItem(u"Example.app"_s)});
+    scene.window().resize(1024, 768);
+    scene.draw(u"direct-submit.png"_s);
+}
+
+void providers()
+{
+    Scene scene;
+    scene.host.tools.answer(u"altool--list-providers"_s,
+                            {.output = R"(<plist version="1.0"><dict><key>providers</key><array>
+<dict><key>ProviderShortname</key><string>ExampleCompany</string><key>ProviderName</key><string>Example Company</string>
+<key>WWDRTeamID</key><string>ABCDE12345</string></dict>
+<dict><key>ProviderShortname</key><string>JaneDoe</string><key>ProviderName</key><string>Jane Doe</string>
+<key>WWDRTeamID</key><string>FGHIJ67890</string></dict></array></dict></plist>)"});
+    scene.document().steps().providers.doListProviderShortnames();
+    scene.draw(u"providers.png"_s);
+}
+
+void tabs()
+{
+    Scene scene;
+    scene.host.submitToTheEnd(scene.makeItem(u"Example.app"_s));
+    scene.host.application().newDocument(2);
+    scene.window().resize(1024, 768);
+    scene.draw(u"tabs.png"_s);
+}
+
+void panels()
+{
+    Scene scene;
+    for (QWidget *const top : QApplication::topLevelWidgets())
+        top->setProperty("before", true);
+    PreferencesWindow::show(scene.host.preferences);
+    scene.host.application().doShowAboutPanel();
+    for (QWidget *const top : QApplication::topLevelWidgets()) {
+        if (qobject_cast<PreferencesWindow *>(top))
+            Scene::draw(*top, u"settings.png"_s);
+        if (qobject_cast<AboutWindow *>(top))
+            Scene::draw(*top, u"about.png"_s);
+    }
+    for (QWidget *const top : QApplication::topLevelWidgets()) {
+        if (qobject_cast<PreferencesWindow *>(top))
+            delete top;
+    }
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    const QTemporaryDir settings; // of the file dialog, which remembers where it has been
+    qputenv("XDG_CONFIG_HOME", settings.path().toUtf8());
+    const QApplication application(argc, argv);
+    QApplication::setQuitOnLastWindowClosed(false);
+    QApplication::setWindowIcon(QIcon(QStringLiteral(RESOURCES "/icons/256/org.sealwright.Sealwright.png")));
+    const QStringList arguments = QApplication::arguments();
+    if (arguments.contains(u"large"_s)) {
+        QFont font = QApplication::font();
+        font.setPointSizeF(2 * font.pointSizeF());
+        QApplication::setFont(font);
+    }
+    platform::DesktopAppearance desktop{QDBusConnection(u"none"_s)};
+    MemoryPreferences preferences;
+    FakeDistributedNotifications notifications;
+    const Appearance appearance(desktop, preferences, notifications);
+    QMetaObject::invokeMethod(
+        &desktop, "settingChanged", Q_ARG(QString, u"org.freedesktop.appearance"_s),
+        Q_ARG(QString, u"color-scheme"_s),
+        Q_ARG(QDBusVariant, QDBusVariant(QVariant(arguments.contains(u"dark"_s) ? 1u : 2u))));
+    for (const auto &scene :
+         {emptyDocument, running, waitingAndSuccess, failure, directSubmit, providers, tabs, panels})
+        scene();
+}

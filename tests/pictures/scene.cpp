@@ -1,0 +1,96 @@
+#include "pictures/scene.h"
+
+#include "app/preferencekeys.h"
+#include "support/items.h"
+
+#include <QApplication>
+#include <QDialog>
+#include <QDir>
+#include <QFileInfo>
+#include <QPainter>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QString outputFolder()
+{
+    return qEnvironmentVariable("PICTURES", QDir::currentPath());
+}
+
+QDialog *sheetOf(const QWidget &window)
+{
+    for (auto *const dialog : window.findChildren<QDialog *>()) {
+        if (dialog->isVisible())
+            return dialog;
+    }
+    return nullptr;
+}
+
+} // namespace
+
+Scene::Scene()
+{
+    // So that paths are shown as short as people have them.
+    qputenv("HOME", QFileInfo(QFileInfo(host.item(u"x"_s)).path()).path().toUtf8());
+    host.tools.answer(u"security"_s,
+                      {.output = "  1) 0123 \"Developer ID Application: Example Company (ABCDE12345)\"\n"
+                                 "  2) 4567 \"Developer ID Installer: Example Company (ABCDE12345)\"\n"
+                                 "  3) 89AB \"Developer ID Application: Jane Doe (FGHIJ67890)\"\n"});
+    host.preferences.setValue(key::appPassValue, u"notary"_s);
+    host.preferences.setValue(key::appleIDValue, u"release@example.com"_s);
+    host.launch();
+    window().resize(1024, 768);
+    settle();
+}
+
+Scene::~Scene()
+{
+    host.timers.forgetAll();
+    for (const DocumentPtr &document : QList(host.application().allControllers()))
+        document->window().close();
+    host.settle();
+}
+
+QWidget &Scene::window()
+{
+    return dynamic_cast<WidgetWindow &>(document().window()).widget();
+}
+
+QString Scene::makeItem(const QString &name)
+{
+    const QString path = host.item(name);
+    items::makeBundle(path);
+    return path;
+}
+
+void Scene::settle()
+{
+    host.settle();
+    QTest::qWait(50); // the widgets' own delayed layouts and repaints
+}
+
+void Scene::draw(const QString &file)
+{
+    settle();
+    QPixmap picture = window().grab();
+    if (const QDialog *const sheet = sheetOf(window())) {
+        QPixmap above = const_cast<QDialog *>(sheet)->grab();
+        QPainter painter(&picture);
+        const QSizeF room = picture.deviceIndependentSize();
+        const QSizeF size = above.deviceIndependentSize();
+        const QPointF corner((room.width() - size.width()) / 2, (room.height() - size.height()) / 3);
+        painter.fillRect(QRectF(QPointF(0, 0), room), QColor(0, 0, 0, 60));
+        painter.drawPixmap(corner, above);
+        painter.setPen(QColor(0, 0, 0, 120));
+        painter.drawRect(QRectF(corner, size));
+    }
+    picture.save(outputFolder() + u'/' + file);
+}
+
+void Scene::draw(QWidget &widget, const QString &file)
+{
+    QTest::qWait(50);
+    widget.grab().save(outputFolder() + u'/' + file);
+}

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "support/testhost.h"
+#include "ui/appearance.h"
+#include "ui/logprinter.h"
+#include "ui/widgetwindow.h"
+#include "ui/windoworder.h"
+
+/// An application on a faked host whose windows are drawn into files.
+class Scene {
+public:
+    Scene();
+    ~Scene();
+
+    MainWinController &document() { return host.document(); }
+    /// The top-level window that shows the document added last.
+    QWidget &window();
+
+    /// An app to submit, in the folder of items.
+    QString makeItem(const QString &name);
+    /// Lets all that is queued happen, also to the widgets.
+    void settle();
+
+    /// Draws the window, with the sheet that is up over it.
+    void draw(const QString &file);
+    static void draw(QWidget &widget, const QString &file);
+
+    WindowOrder order;
+    LogPrinter printer;
+    WidgetWindowFactory factory{order, printer};
+    TestHost host{&factory};
+};
