@@ -14,6 +14,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScreen>
 #include <QScrollArea>
 #include <QShortcut>
 #include <QSpinBox>
@@ -152,7 +153,7 @@ PreferencesWindow::PreferencesWindow(platform::Preferences &preferences)
     connect(new QShortcut(Qt::Key_Escape, this), &QShortcut::activated, this, &QWidget::close);
     connect(new QShortcut(QKeySequence::Close, this), &QShortcut::activated, this, &QWidget::close);
     const int width = fontMetrics().averageCharWidth() * charactersAcross;
-    resize(width, contents->heightForWidth(width));
+    resize(QSize(width, contents->heightForWidth(width)).boundedTo(screen()->availableSize()));
 }
 
 void PreferencesWindow::addSigning(QBoxLayout &sections)

@@ -4,12 +4,14 @@
 #include "pictures/scene.h"
 
 #include "about/aboutcontroller.h"
+#include "app/preferencekeys.h"
 #include "document/documentextensions.h"
 #include "platform/itempath.h"
 #include "ui/preferenceswindow.h"
 
 #include <QApplication>
 #include <QDBusVariant>
+#include <QFile>
 #include <QIcon>
 #include <QTemporaryDir>
 
@@ -89,8 +91,8 @@ void tabs()
 void panels()
 {
     Scene scene;
-    for (QWidget *const top : QApplication::topLevelWidgets())
-        top->setProperty("before", true);
+    QFile::copy(QStringLiteral(RESOURCES "/Credits.rtf"), scene.host.creditsFile());
+    scene.host.preferences.remove(key::toolPause); // which tests do without
     PreferencesWindow::show(scene.host.preferences);
     scene.host.application().doShowAboutPanel();
     for (QWidget *const top : QApplication::topLevelWidgets()) {

@@ -11,6 +11,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScreen>
 #include <QScrollArea>
 #include <QSpinBox>
 #include <QTemporaryDir>
@@ -216,6 +217,18 @@ TEST_F(PreferencesWindowTest, withAFontTwiceTheSizeNothingIsCutOffSideways)
         QCoreApplication::processEvents();
         EXPECT_FALSE(setting.visibleRegion().isEmpty()) << key.toStdString();
     }
+    QApplication::setFont(usual);
+}
+
+TEST_F(PreferencesWindowTest, withAVeryLargeFontItStillFitsTheScreen)
+{
+    const QFont usual = QApplication::font();
+    QFont large = usual;
+    large.setPointSizeF(3 * usual.pointSizeF());
+    QApplication::setFont(large);
+    const QSize room = window().screen()->availableSize();
+    EXPECT_LE(window().width(), room.width());
+    EXPECT_LE(window().height(), room.height());
     QApplication::setFont(usual);
 }
 
