@@ -95,6 +95,7 @@ void bindings::bind(QTextEdit &edit, TextView &view)
         QTextCursor end(edit.document());
         for (const StyledText &text : view.text())
             end.insertText(text.text, formatOf(text));
+        edit.moveCursor(QTextCursor::Start); // where reading begins
     });
 }
 

@@ -17,7 +17,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int leastWidth = 460;
+constexpr int charactersAcross = 84; // of a short name with what it stands for
 
 QLabel *makeCaption(QWidget *parent, const QString &text, QWidget *buddy)
 {
@@ -43,7 +43,7 @@ ProviderNameSheet::ProviderNameSheet(MainWinController &document, QWidget *paren
     , m_document(document)
 {
     setWindowTitle(u"Provider Short Name"_s);
-    setMinimumWidth(leastWidth);
+    setMinimumWidth(fontMetrics().averageCharWidth() * charactersAcross);
     m_pages = new QStackedWidget(this);
     m_pages->setObjectName(u"providerSheetTabView"_s);
     m_pages->addWidget(makeWaitingPage());

@@ -50,6 +50,7 @@ TEST_F(AboutWindowTest, showsTheFieldsOfItsController)
     EXPECT_EQ(credits.toPlainText(), u"Made by\nsomebody"_s);
     EXPECT_EQ(credits.document()->firstBlock().begin().fragment().charFormat().fontWeight(), QFont::Bold);
     EXPECT_TRUE(credits.isReadOnly());
+    EXPECT_EQ(credits.textCursor().position(), 0) << "reading begins at the beginning";
 }
 
 TEST_F(AboutWindowTest, opensInTheMiddleOfTheScreen)
