@@ -114,7 +114,7 @@ void MainMenu::addEditMenu()
     addDefaultsItems(edit);
     edit.addSeparator();
     addItem(edit, u"Settin&gs…"_s, QKeySequence(u"Ctrl+,"_s),
-            [this] { PreferencesWindow::show(document().host().preferences); });
+            [this] { PreferencesWindow::present(document().host().preferences); });
 }
 
 void MainMenu::addFindItems(QMenu &menu)

@@ -110,7 +110,7 @@ QDoubleSpinBox *makeSecondsBox(QWidget *parent, const QString &key, double least
 
 } // namespace
 
-void PreferencesWindow::show(platform::Preferences &preferences)
+void PreferencesWindow::present(platform::Preferences &preferences)
 {
     PreferencesWindow *window = nullptr;
     for (QWidget *const top : QApplication::topLevelWidgets()) {
@@ -122,7 +122,7 @@ void PreferencesWindow::show(platform::Preferences &preferences)
         window->setAttribute(Qt::WA_DeleteOnClose);
     }
     window->setWindowState(window->windowState() & ~Qt::WindowMinimized);
-    window->setVisible(true);
+    window->show();
     window->raise();
     window->activateWindow();
 }

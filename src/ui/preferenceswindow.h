@@ -17,7 +17,7 @@ public:
     explicit PreferencesWindow(platform::Preferences &preferences);
 
     /// Brings the one window to the front, made anew if none is open.
-    static void show(platform::Preferences &preferences);
+    static void present(platform::Preferences &preferences);
 
 private:
     void addSigning(QBoxLayout &sections);

@@ -93,7 +93,7 @@ void panels()
     Scene scene;
     QFile::copy(QStringLiteral(RESOURCES "/Credits.rtf"), scene.host.creditsFile());
     scene.host.preferences.remove(key::toolPause); // which tests do without
-    PreferencesWindow::show(scene.host.preferences);
+    PreferencesWindow::present(scene.host.preferences);
     scene.host.application().doShowAboutPanel();
     for (QWidget *const top : QApplication::topLevelWidgets()) {
         if (qobject_cast<PreferencesWindow *>(top))

@@ -37,7 +37,7 @@ protected:
     {
         if (!m_window) {
             m_window = std::make_unique<PreferencesWindow>(preferences);
-            m_window->setVisible(true);
+            m_window->show();
             EXPECT_TRUE(QTest::qWaitForWindowActive(m_window.get()));
         }
         return *m_window;
@@ -242,8 +242,8 @@ TEST_F(PreferencesWindowTest, thereIsOneAndEscapeClosesIt)
         }
         return windows;
     };
-    PreferencesWindow::show(preferences);
-    PreferencesWindow::show(preferences);
+    PreferencesWindow::present(preferences);
+    PreferencesWindow::present(preferences);
     ASSERT_EQ(open().size(), 1);
     ASSERT_TRUE(QTest::qWaitForWindowActive(open().first()));
     QTest::keyClick(open().first(), Qt::Key_Escape);
