@@ -7,6 +7,7 @@
 
 #include <QDBusSignature>
 #include <QDBusVariant>
+#include <QDir>
 
 using namespace Qt::StringLiterals;
 using scriptingdefinition::Type;
@@ -113,6 +114,21 @@ TEST_F(HostileClient, startsNoCommandWithAnArgumentOfAnotherType)
             }
         }
     }
+    expectUnharmed();
+}
+
+TEST_F(HostileClient, losesNoFolderByAFileNameWithANullCharacter)
+{
+    const QString folder = host.item(u"Project"_s);
+    ASSERT_TRUE(QDir().mkpath(folder + u"/kept"_s));
+    const QString url = QUrl::fromLocalFile(folder).toString(QUrl::FullyEncoded) + u"%00.app"_s;
+    for (const QString &command : {u"SubmitForNotarizing"_s, u"SignOnly"_s, u"StapleOnly"_s}) {
+        EXPECT_EQ(errorOf(client.call(bus::applicationPath, bus::applicationInterface, command,
+                                      {QVariantMap{{u"at"_s, url}}})),
+                  u"org.sealwright.Error.N6"_s);
+        host.settle();
+    }
+    EXPECT_TRUE(QFile::exists(folder + u"/kept"_s));
     expectUnharmed();
 }
 

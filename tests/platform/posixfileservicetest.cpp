@@ -208,6 +208,16 @@ TEST_F(Files, removingAMissingItemFailsWithItsName)
     EXPECT_FALSE(files.removeItem(u"/proc/version"_s));
 }
 
+TEST_F(Files, aNameWithANullCharacterIsNotTheOneThatEndsThere)
+{
+    const QString kept = folder.file(u"kept"_s);
+    const QString odd = kept + QChar::Null + u".app"_s;
+    EXPECT_FALSE(files.isReachable(odd));
+    EXPECT_FALSE(files.removeItem(odd));
+    EXPECT_FALSE(files.copyItem(odd, folder.path(u"copy"_s)));
+    EXPECT_TRUE(files.isReachable(kept));
+}
+
 TEST_F(Files, aMovedItemIsTheSameItemUnderItsNewPath)
 {
     folder.folder(u"from/deep"_s);

@@ -26,6 +26,8 @@ Outcome failure(const QString &verb, const QString &path, const QString &target)
 
 QByteArray nativePath(const QString &path)
 {
+    if (path.contains(QChar::Null))
+        return {};
     QByteArray native = QFile::encodeName(path);
     while (native.size() > 1 && native.endsWith('/'))
         native.chop(1);

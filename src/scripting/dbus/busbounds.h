@@ -1,18 +1,11 @@
 #pragma once
 
+#include "platform/window.h"
+
 #include <QDBusArgument>
 
-/// A window's bounds as they go over the bus, "(nnnn)": points from the top left corner of the main screen.
-struct BusBounds {
-    short top = 0;
-    short left = 0;
-    short bottom = 0;
-    short right = 0;
-    bool operator==(const BusBounds &) const = default;
-};
-Q_DECLARE_METATYPE(BusBounds)
-
-inline QDBusArgument &operator<<(QDBusArgument &argument, const BusBounds &bounds)
+/// A window's bounds as they go over the bus, "(nnnn)": top, left, bottom, right.
+inline QDBusArgument &operator<<(QDBusArgument &argument, const platform::QDRect &bounds)
 {
     argument.beginStructure();
     argument << bounds.top << bounds.left << bounds.bottom << bounds.right;
@@ -20,7 +13,7 @@ inline QDBusArgument &operator<<(QDBusArgument &argument, const BusBounds &bound
     return argument;
 }
 
-inline const QDBusArgument &operator>>(const QDBusArgument &argument, BusBounds &bounds)
+inline const QDBusArgument &operator>>(const QDBusArgument &argument, platform::QDRect &bounds)
 {
     argument.beginStructure();
     argument >> bounds.top >> bounds.left >> bounds.bottom >> bounds.right;

@@ -50,22 +50,6 @@ std::optional<QVariant> numberFrom(const QVariant &value)
 
 } // namespace
 
-QDBusArgument &operator<<(QDBusArgument &argument, const platform::QDRect &bounds)
-{
-    argument.beginStructure();
-    argument << bounds.top << bounds.left << bounds.bottom << bounds.right;
-    argument.endStructure();
-    return argument;
-}
-
-const QDBusArgument &operator>>(const QDBusArgument &argument, platform::QDRect &bounds)
-{
-    argument.beginStructure();
-    argument >> bounds.top >> bounds.left >> bounds.bottom >> bounds.right;
-    argument.endStructure();
-    return argument;
-}
-
 namespace busvalue {
 
 void registerTypes()
@@ -96,7 +80,8 @@ std::optional<QVariant> fromBus(const QVariant &value, const QString &signature)
 
 QUrl fileUrl(const QString &text)
 {
-    return text.startsWith("file:///"_L1) ? QUrl(text) : QUrl();
+    const QUrl url = text.startsWith("file:///"_L1) ? QUrl(text) : QUrl();
+    return url.toLocalFile().contains(QChar::Null) ? QUrl() : url; // no file has such a name
 }
 
 } // namespace busvalue

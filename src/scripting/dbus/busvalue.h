@@ -1,8 +1,7 @@
 #pragma once
 
-#include "platform/window.h"
+#include "scripting/dbus/busbounds.h"
 
-#include <QDBusArgument>
 #include <QDBusObjectPath>
 #include <QList>
 #include <QMap>
@@ -18,14 +17,10 @@ using BusManagedObjects = QMap<QDBusObjectPath, BusInterfaceProperties>;
 Q_DECLARE_METATYPE(BusInterfaceProperties)
 Q_DECLARE_METATYPE(BusManagedObjects)
 
-/// Bounds are a structure of four 16-bit numbers.
-QDBusArgument &operator<<(QDBusArgument &argument, const platform::QDRect &bounds);
-const QDBusArgument &operator>>(const QDBusArgument &argument, platform::QDRect &bounds);
-
 /// How values look on the bus. Any thread.
 namespace busvalue {
 
-/// Makes the types above known to the bus library; before the first message.
+/// Makes the types above and bounds known to the bus library; before the first message.
 void registerTypes();
 
 /// An invalid value and an empty URL become an empty "av", which stands for no value; any other URL becomes
@@ -36,7 +31,7 @@ void registerTypes();
 /// nothing if it is of another type. Whole numbers may have any width, and are numbers as well.
 [[nodiscard]] std::optional<QVariant> fromBus(const QVariant &value, const QString &signature);
 
-/// A text of the form "file:///..."; every other text gives an empty URL.
+/// A text of the form "file:///..." that a file can have; every other text gives an empty URL.
 [[nodiscard]] QUrl fileUrl(const QString &text);
 
 } // namespace busvalue
