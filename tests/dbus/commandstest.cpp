@@ -198,6 +198,18 @@ TEST_F(Commands, theTextThatIsTooLongForAnErrorIsKeptForTheAskingConnection)
     host.settle();
 }
 
+TEST_F(Commands, aCallThatWantsNoAnswerLeavesTheLatestErrorAlone)
+{
+    failSigningWith(QByteArray(2000, 'x'));
+    submit({{u"at"_s, appURL()}}, documentPath());
+    QDBusMessage unanswered = QDBusMessage::createMethodCall(
+        bus::service, bus::applicationPath, bus::applicationInterface, u"SubmitForNotarizing"_s);
+    unanswered.setArguments({QVariantMap{{u"at"_s, u"bad"_s}}});
+    EXPECT_TRUE(client.connection().send(unanswered));
+    EXPECT_TRUE(lastErrorText(client).contains(QString(2000, u'x')));
+    host.settle();
+}
+
 TEST_F(Commands, aFailureAfterTheUploadNamesTheItem)
 {
     host.tools.answer(u"stapler"_s, {.status = 65, .error = "no ticket"});

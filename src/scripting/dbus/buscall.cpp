@@ -55,6 +55,8 @@ void BusCall::replyWithScriptError(const ScriptReply &failure) const
 
 void BusCall::sendError(const QString &name, const QString &text, const QVariant &offendingObject) const
 {
+    if (!m_message.isReplyRequired())
+        return;
     m_lastErrors->record(caller(), offendingObject); // before the caller can ask for it
     QDBusMessage answer = m_message.createErrorReply(name, {});
     answer.setArguments({text}); // as the message of the error, an empty text would be left out

@@ -158,7 +158,8 @@ bool ScriptingBus::handleMessage(const QDBusMessage &message, const QDBusConnect
 {
     if (isLibraryCall(message) && m_objects.find(message.path()))
         return false;
-    attend(message.service());
+    if (message.isReplyRequired()) // others receive no error to ask about, and may be gone by now
+        attend(message.service());
     serve(BusCall(message, connection, m_lastErrors));
     return true;
 }
