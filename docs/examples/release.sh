@@ -14,12 +14,15 @@ shift
 limit=${LIMIT:-7200}
 document=
 
+# A run that is interrupted is cancelled first: a busy document asks a person before it closes.
 closeDocument()
 {
+    [[ -z $document ]] || sealwrightctl cancel "$document" || true
     [[ -z $document ]] || sealwrightctl close "$document" || true
     document=
 }
 trap closeDocument EXIT
+trap 'exit 130' INT TERM
 
 # A document of our own: what a person has open stays as it is.
 openDocument()
