@@ -17,6 +17,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 const QString connectionName = u"sealwrightctl"_s;
+constexpr int noTimeout = std::numeric_limits<int>::max();
 
 /// The digits of a script error's number, with its sign; nothing for any other error.
 std::optional<QString> scriptErrorNumber(const QString &errorName)
@@ -69,25 +70,42 @@ Answer failure(const QDBusError &error)
 Client::Client()
     : m_connection(QDBusConnection::connectToBus(QDBusConnection::SessionBus, connectionName))
 {
-    qDBusRegisterMetaType<BusBounds>();
+    qDBusRegisterMetaType<platform::QDRect>();
 }
 
-Answer Client::call(const QDBusMessage &method, int timeout) const
+QDBusMessage Client::send(const QDBusMessage &method, int timeout) const
 {
     // The library's own waiting with events misses an answer that comes before it listens.
     const QDBusPendingCallWatcher watcher(m_connection.asyncCall(method, timeout));
     QEventLoop loop;
     QObject::connect(&watcher, &QDBusPendingCallWatcher::finished, &loop, &QEventLoop::quit);
     loop.exec(); // told in any case, also of an answer that is here by now
-    const QDBusMessage reply = watcher.reply();
+    return watcher.reply();
+}
+
+Answer Client::call(const QDBusMessage &method, int timeout) const
+{
+    const QDBusMessage reply = send(method, timeout);
     if (reply.type() == QDBusMessage::ReplyMessage)
         return {ExitStatus::done, reply.arguments(), {}};
-    return failure(QDBusError(reply));
+    Answer answer = failure(QDBusError(reply));
+    if (answer.status == ExitStatus::error)
+        answer.error += longErrorText();
+    return answer;
+}
+
+QString Client::longErrorText() const
+{
+    const QDBusMessage reply =
+        send(getProperty(bus::applicationPath, bus::applicationInterface, u"LastErrorFrom"_s), noTimeout);
+    const QVariant from = reply.arguments().value(0).value<QDBusVariant>().variant();
+    const QString text = from.value<QDBusVariant>().variant().toString();
+    return text.isEmpty() || text.startsWith("file:///"_L1) ? QString() : u'\n' + text;
 }
 
 Answer Client::call(const QDBusMessage &method) const
 {
-    return call(method, std::numeric_limits<int>::max());
+    return call(method, noTimeout);
 }
 
 QDBusMessage Client::method(const QString &path, const QString &interface, const QString &name,

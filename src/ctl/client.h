@@ -42,5 +42,10 @@ public:
     static QString documentPath(const QString &identifier);
 
 private:
+    QDBusMessage send(const QDBusMessage &method, int timeout) const;
+    /// The text that was too long for the latest error, on a line of its own; empty if there is none. It is
+    /// kept for the connection that received the error.
+    QString longErrorText() const;
+
     QDBusConnection m_connection;
 };

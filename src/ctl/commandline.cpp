@@ -234,8 +234,8 @@ is started if it does not run.
     --document ID, --timeout SECONDS   as above
     --page N           that page; otherwise page 0
     --xml              as a property list
-  log ID           Prints the log of a document.
-  clear-log ID     Empties it.
+  log ID           Prints the log of a document. A command that the document works for loses its answer.
+  clear-log ID     Empties it, at the same price.
   documents        Lists the documents: ID, status, title, separated by tabs.
   windows          Lists the windows in the same way, with their numbers.
   new [KEY=VALUE ...]

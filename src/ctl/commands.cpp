@@ -36,6 +36,13 @@ Answer printed(const Answer &answer)
     return answer;
 }
 
+Answer printedAsPath(const Answer &answer)
+{
+    if (answer)
+        output::print(output::fileAsPath(output::lines(answer.values.value(0))));
+    return answer;
+}
+
 /// Has an item worked on, and shows the log meanwhile if that is wanted.
 Answer work(const Request &request, const Client &client, const QString &name)
 {
@@ -51,7 +58,7 @@ Answer work(const Request &request, const Client &client, const QString &name)
     const Answer answer = client.call(command(request, name, arguments), request.timeout);
     if (follower)
         follower->finish();
-    return printed(answer);
+    return printedAsPath(answer);
 }
 
 Answer prepare(const Request &request, const Client &client)
@@ -153,7 +160,10 @@ Receiver receiver(const Request &request)
 Answer get(const Request &request, const Client &client)
 {
     const Receiver from = receiver(request);
-    return printed(client.call(Client::getProperty(from.path, from.interface, request.operands.first())));
+    const QString &key = request.operands.first();
+    const Answer answer = client.call(Client::getProperty(from.path, from.interface, key));
+    const auto type = typeOfProperty(from.className, key);
+    return type && type->type == scriptingdefinition::Type::file ? printedAsPath(answer) : printed(answer);
 }
 
 /// The value of a property as it goes over the bus. Of a property that nobody knows it is the text: that

@@ -26,14 +26,9 @@ QStringList lastElements(const QList<QDBusObjectPath> &paths)
     return all;
 }
 
-QString numbers(const BusBounds &bounds)
+QString numbers(const platform::QDRect &bounds)
 {
     return u"%1 %2 %3 %4"_s.arg(bounds.top).arg(bounds.left).arg(bounds.bottom).arg(bounds.right);
-}
-
-QString fileAsPath(const QString &text)
-{
-    return text.startsWith("file:///"_L1) ? QUrl(text).toLocalFile() : text;
 }
 
 void write(const QString &text, FILE *stream)
@@ -58,12 +53,21 @@ QStringList lines(const QVariant &value)
         if (signature == "ao"_L1)
             return lastElements(qdbus_cast<QList<QDBusObjectPath>>(value));
         if (signature == "(nnnn)"_L1)
-            return {numbers(qdbus_cast<BusBounds>(value))};
+            return {numbers(qdbus_cast<platform::QDRect>(value))};
         return {}; // an empty list of anything, which stands for no value
     }
     if (value.metaType() == QMetaType::fromType<QStringList>())
         return value.toStringList();
-    return {fileAsPath(value.toString())};
+    return {value.toString()};
+}
+
+QStringList fileAsPath(QStringList lines)
+{
+    for (QString &line : lines) {
+        if (line.startsWith("file:///"_L1))
+            line = QUrl(line).toLocalFile();
+    }
+    return lines;
 }
 
 void print(const QStringList &lines)

@@ -7,9 +7,11 @@
 /// What the client prints.
 namespace output {
 
-/// The lines that a value is printed as: none for no value, a file as its path, an object as the last element
-/// of its path, a list one line an entry.
+/// The lines that a value is printed as: none for no value, an object as the last element of its path, bounds
+/// as four numbers, a list one line an entry.
 [[nodiscard]] QStringList lines(const QVariant &value);
+/// Lines that are file URLs as paths.
+[[nodiscard]] QStringList fileAsPath(QStringList lines);
 
 void print(const QStringList &lines);
 /// As it stands; a line end is added where the text has none.

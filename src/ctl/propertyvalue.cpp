@@ -55,7 +55,8 @@ std::optional<QVariant> readTextList(const QString &word)
 
 std::optional<QVariant> readWindow(const QString &word)
 {
-    if (!readWholeNumber(word))
+    static const QRegularExpression number(u"^[0-9]+$"_s);
+    if (!number.match(word).hasMatch())
         return std::nullopt;
     return QVariant::fromValue(QDBusObjectPath(bus::windowsPath + u'/' + word));
 }
@@ -73,7 +74,7 @@ std::optional<QVariant> readBounds(const QStringList &words)
     }
     if (numbers.size() != 4)
         return std::nullopt;
-    return QVariant::fromValue(BusBounds{numbers[0], numbers[1], numbers[2], numbers[3]});
+    return QVariant::fromValue(platform::QDRect{numbers[0], numbers[1], numbers[2], numbers[3]});
 }
 
 } // namespace
@@ -96,7 +97,7 @@ std::optional<QVariant> readValue(ValueType type, const QStringList &words)
         return std::nullopt;
     const QString &word = words.first();
     if (type.isList)
-        return type.type == Type::text ? readTextList(word) : std::nullopt;
+        return readTextList(word);
     switch (type.type) {
     case Type::boolean:
         return readBoolean(word);

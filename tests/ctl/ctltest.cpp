@@ -152,6 +152,19 @@ TEST_F(Client, aScriptErrorIsPrintedWithItsNumberAndText)
     host.settle();
 }
 
+TEST_F(Client, aTextThatIsTooLongForAnErrorFollowsIt)
+{
+    host.tools.answer(u"codesign"_s, {.status = 1, .error = QByteArray(2000, 'x')});
+    appURL();
+    EXPECT_EQ(run({u"sign"_s, host.item(u"Foo.app"_s), u"--document"_s, element()}), 1);
+    EXPECT_TRUE(
+        error.startsWith(u"sealwrightctl: error 1110: Error Signing Code: See the 'from' parameter for "
+                         "detailed error message.\n"_s))
+        << error.toStdString();
+    EXPECT_TRUE(error.contains(QString(2000, u'x')));
+    host.settle();
+}
+
 TEST_F(Client, anotherErrorIsPrintedWithoutANumber)
 {
     for (const QStringList &words :
@@ -344,6 +357,22 @@ TEST_F(Client, aPropertyOfADocumentIsSetByItsType)
     EXPECT_EQ(error, u"sealwrightctl: error 6: \n"_s); // it is stored all the same
     EXPECT_EQ(run(QStringList{u"get"_s, u"ExtraEntitlements"_s} + receiver), 0);
     EXPECT_EQ(output, QDir::currentPath() + u"/some.plist\n"_s);
+}
+
+TEST_F(Client, onlyAFileIsPrintedAsAPath)
+{
+    host.document().appleIDField.setStringValue(u"file:///a%20b"_s);
+    EXPECT_EQ(run({u"get"_s, u"AppleID"_s, u"--document"_s, element()}), 0);
+    EXPECT_EQ(output, u"file:///a%20b\n"_s);
+}
+
+TEST_F(Client, theBoundsOfAWindowAreOneLine)
+{
+    EXPECT_EQ(
+        run({u"set"_s, u"--window"_s, u"1"_s, u"BoundsAsQDRect"_s, u"20"_s, u"-10"_s, u"720"_s, u"900"_s}), 0)
+        << error.toStdString();
+    EXPECT_EQ(run({u"get"_s, u"--window"_s, u"1"_s, u"BoundsAsQDRect"_s}), 0);
+    EXPECT_EQ(output, u"20 -10 720 900\n"_s);
 }
 
 TEST_F(Client, aValueOfAnotherTypeIsWrongUse)

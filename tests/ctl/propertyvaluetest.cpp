@@ -65,7 +65,8 @@ TEST(PropertyValue, aWindowIsItsNumber)
     const auto window = read(u"window"_s, u"ParentWindow"_s, {u"12"_s});
     ASSERT_TRUE(window);
     EXPECT_EQ(window->value<QDBusObjectPath>().path(), bus::windowsPath + u"/12"_s);
-    EXPECT_EQ(read(u"window"_s, u"ParentWindow"_s, {u"front"_s}), std::nullopt);
+    for (const QString &word : {u"front"_s, u"-1"_s, u"+1"_s, u"1.5"_s, QString()})
+        EXPECT_EQ(read(u"window"_s, u"ParentWindow"_s, {word}), std::nullopt) << word.toStdString();
 }
 
 TEST(PropertyValue, boundsAreFourNumbersInOneWordOrInFour)
@@ -75,7 +76,7 @@ TEST(PropertyValue, boundsAreFourNumbersInOneWordOrInFour)
           QStringList{u"20,-10,500,700"_s}}) {
         const auto bounds = read(u"window"_s, u"BoundsAsQDRect"_s, words);
         ASSERT_TRUE(bounds);
-        EXPECT_EQ(bounds->value<BusBounds>(), (BusBounds{20, -10, 500, 700}));
+        EXPECT_EQ(bounds->value<platform::QDRect>(), (platform::QDRect{20, -10, 500, 700}));
     }
     for (const QString &word : {u"1 2 3"_s, u"1 2 3 4 5"_s, u"1 2 3 x"_s, u"1 2 3 40000"_s})
         EXPECT_EQ(read(u"window"_s, u"BoundsAsQDRect"_s, {word}), std::nullopt) << word.toStdString();
