@@ -7,7 +7,6 @@ using scriptingdefinition::Class;
 using scriptingdefinition::Command;
 using scriptingdefinition::Event;
 using scriptingdefinition::Parameter;
-using scriptingdefinition::Term;
 using scriptingdefinition::Type;
 using scriptingdefinition::ValueType;
 
