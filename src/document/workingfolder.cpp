@@ -25,7 +25,8 @@ bool MainWinController::createWorkingFolderAndLog()
     if (!emptyWorkingFolder(folder))
         return false;
     openLog(itempath::appending(folder, workingfolder::logName.toString()), workingfolder::banner(copy));
-    if (const auto copied = files.copyItem(original, copy); !copied) {
+    // The tools follow links: the copy of one would lead them to the item itself.
+    if (const auto copied = files.copyResolvedItem(original, copy); !copied) {
         const QString error = u"Failed to copy file to working folder '%1': %2"_s.arg(folder, copied.error());
         logToFile(error);
         reportFailure(u"Cannot Copy File"_s, error);

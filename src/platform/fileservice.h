@@ -83,6 +83,9 @@ public:
     /// name.
     virtual Outcome copyItem(const QString &from, const QString &to) = 0;
 
+    /// The same of what the item leads to, if it is a link: to change the copy changes nothing else.
+    virtual Outcome copyResolvedItem(const QString &from, const QString &to) = 0;
+
     /// Moves the item to the trash, from which a person can take it back.
     virtual Outcome trashItem(const QString &path) = 0;
 

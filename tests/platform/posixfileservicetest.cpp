@@ -369,6 +369,27 @@ TEST_F(Files, aReplacementDirectoryIsNewEmptyPrivateAndOnTheSameVolume)
 
 TEST_F(Files, withoutAPlaceForAReplacementDirectoryTheItemIsNamed)
 {
+TEST_F(Files, aResolvedCopyOfALinkIsOneOfWhatItLeadsTo)
+{
+    folder.folder(u"real"_s);
+    folder.file(u"real/file"_s, "text");
+    folder.link(u"first"_s, folder.path(u"real"_s));
+    ASSERT_TRUE(files.copyResolvedItem(folder.link(u"second"_s, u"first"_s), folder.path(u"copy"_s)));
+    EXPECT_TRUE(S_ISDIR(stateOf(folder.path(u"copy"_s)).st_mode));
+    ASSERT_TRUE(files.writeFile(folder.path(u"copy/file"_s), "other"));
+    EXPECT_EQ(contentsOf(folder.path(u"real/file"_s)), "text");
+    ASSERT_TRUE(files.copyResolvedItem(folder.path(u"real"_s), folder.path(u"another copy"_s)));
+    EXPECT_EQ(contentsOf(folder.path(u"another copy/file"_s)), "text");
+}
+
+TEST_F(Files, aResolvedCopyOfALinkThatLeadsNowhereNamesTheLink)
+{
+    const QString link = folder.link(u"link"_s, u"nowhere"_s);
+    EXPECT_EQ(files.copyResolvedItem(link, folder.path(u"copy"_s)).error(),
+              u"Cannot copy '%1': No such file or directory"_s.arg(link));
+    EXPECT_FALSE(files.isReachable(folder.path(u"copy"_s)));
+}
+
     QString error;
     const QString item = folder.path(u"no/such/item"_s);
     EXPECT_EQ(files.replacementDirectory(item, &error), std::nullopt);

@@ -197,6 +197,12 @@ Outcome TestFiles::copyItem(const QString &from, const QString &to)
     return error.isNull() ? PosixFileService::copyItem(from, to) : Outcome::failure(error);
 }
 
+Outcome TestFiles::copyResolvedItem(const QString &from, const QString &to)
+{
+    const QString error = failureOf("copyItem", to);
+    return error.isNull() ? PosixFileService::copyResolvedItem(from, to) : Outcome::failure(error);
+}
+
 Outcome TestFiles::trashItem(const QString &path)
 {
     const QString error = failureOf("trashItem", path);

@@ -133,6 +133,7 @@ public:
     platform::Outcome removeItem(const QString &path) override;
     platform::Outcome moveItem(const QString &from, const QString &to) override;
     platform::Outcome copyItem(const QString &from, const QString &to) override;
+    platform::Outcome copyResolvedItem(const QString &from, const QString &to) override;
     platform::Outcome trashItem(const QString &path) override;
     platform::Outcome setPermissions(const QString &path, unsigned mode) override;
     std::optional<QByteArray> readFile(const QString &path, QString *error = nullptr) const override;

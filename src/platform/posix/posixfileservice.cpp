@@ -157,6 +157,17 @@ Outcome PosixFileService::copyItem(const QString &from, const QString &to)
     return ItemCopier::copy(from, to);
 }
 
+Outcome PosixFileService::copyResolvedItem(const QString &from, const QString &to)
+{
+    const QByteArray item = nativePath(from);
+    struct stat state;
+    if (lstat(item.constData(), &state) < 0 || !S_ISLNK(state.st_mode))
+        return ItemCopier::copy(from, to);
+    const std::unique_ptr<char, decltype(&std::free)> resolved(realpath(item.constData(), nullptr),
+                                                               &std::free);
+    return resolved ? ItemCopier::copy(QFile::decodeName(resolved.get()), to) : failure(u"copy"_s, from);
+}
+
 Outcome PosixFileService::trashItem(const QString &path)
 {
     // Without a folder for the trash to be in, the library takes the current folder for the trash.

@@ -19,6 +19,7 @@ public:
     Outcome moveItem(const QString &from, const QString &to) override;
     Outcome copyItem(const QString &from, const QString &to) override;
     Outcome trashItem(const QString &path) override;
+    Outcome copyResolvedItem(const QString &from, const QString &to) override;
     Outcome setPermissions(const QString &path, unsigned mode) override;
     std::optional<QByteArray> readFile(const QString &path, QString *error = nullptr) const override;
     Outcome writeFile(const QString &path, const QByteArray &bytes) override;
