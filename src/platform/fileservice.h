@@ -104,8 +104,8 @@ public:
     /// Opens a file that exists, for appending. Null on failure.
     [[nodiscard]] virtual std::shared_ptr<FileHandle> openForAppending(const QString &path) = 0;
 
-    /// A new, empty folder on the volume of the item, to make the item's replacement in. Nothing on failure,
-    /// with the reason in `*error`.
+    /// A new, empty folder on the volume of the item, to make the item's replacement in, and not among what
+    /// the person sees. Nothing on failure, with the reason in `*error`.
     virtual std::optional<QString> replacementDirectory(const QString &forItem, QString *error = nullptr) = 0;
 
     /// Puts the item at `replacement` in the place of the one at `path`.

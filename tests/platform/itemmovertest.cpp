@@ -97,6 +97,18 @@ TEST_F(ItemMover, aFolderTakesAFilesPlaceAndAFileAFolders)
     EXPECT_EQ(allNames(folder.path()), QStringList{u"item"_s});
 }
 
+TEST_F(ItemMover, anItemOfAnotherFileSystemTakesAnothersPlaceAsACopy)
+{
+    const QString path = folder.file(u"item"_s, "old");
+    const QString replacement = folder.file(u"new"_s, "new");
+    ASSERT_TRUE(replaceTreeByCopying(path, replacement));
+    EXPECT_EQ(contentsOf(path), "new");
+    EXPECT_EQ(allNames(folder.path()), QStringList{u"item"_s});
+    EXPECT_FALSE(replaceTreeByCopying(path, replacement)) << "it is gone";
+    EXPECT_EQ(contentsOf(path), "new");
+    EXPECT_EQ(allNames(folder.path()), QStringList{u"item"_s});
+}
+
 TEST_F(ItemMover, aLinkIsReplacedAndNotWhatItLeadsTo)
 {
     const QString real = folder.file(u"real"_s, "real");

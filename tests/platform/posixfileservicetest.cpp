@@ -21,6 +21,22 @@ protected:
     TemporaryFolder folder;
 };
 
+/// An environment variable that has another value for a while.
+class ChangedVariable {
+public:
+    ChangedVariable(const char *name, const QString &value)
+        : m_name(name)
+        , m_before(qgetenv(name))
+    {
+        qputenv(name, QFile::encodeName(value));
+    }
+    ~ChangedVariable() { m_before.isNull() ? qunsetenv(m_name) : qputenv(m_name, m_before); }
+
+private:
+    const char *const m_name;
+    const QByteArray m_before;
+};
+
 unsigned modeOf(const QString &path)
 {
     return stateOf(path).st_mode & 07777;
@@ -353,22 +369,6 @@ TEST_F(Files, aHandleMayBeClosedWhileOthersWriteWholeLines)
         EXPECT_TRUE(written.isEmpty() || written.size() == 99);
 }
 
-TEST_F(Files, aReplacementDirectoryIsNewEmptyPrivateAndOnTheSameVolume)
-{
-    const QString item = folder.file(u"item"_s);
-    const auto first = files.replacementDirectory(item);
-    const auto second = files.replacementDirectory(item);
-    ASSERT_TRUE(first && second);
-    EXPECT_NE(*first, *second);
-    EXPECT_EQ(modeOf(*first), 0700U);
-    EXPECT_TRUE(QDir(*first).isEmpty());
-    EXPECT_EQ(stateOf(*first).st_dev, stateOf(item).st_dev);
-    EXPECT_EQ(files.contentsOfDirectory(folder.path(), FolderLink::follow),
-              QStringList{u"item"_s}); // nobody sees it
-}
-
-TEST_F(Files, withoutAPlaceForAReplacementDirectoryTheItemIsNamed)
-{
 TEST_F(Files, aResolvedCopyOfALinkIsOneOfWhatItLeadsTo)
 {
     folder.folder(u"real"_s);
@@ -390,6 +390,54 @@ TEST_F(Files, aResolvedCopyOfALinkThatLeadsNowhereNamesTheLink)
     EXPECT_FALSE(files.isReachable(folder.path(u"copy"_s)));
 }
 
+TEST_F(Files, aReplacementDirectoryIsNewEmptyPrivateAndOnTheSameVolume)
+{
+    const QString item = folder.file(u"item"_s);
+    const auto first = files.replacementDirectory(item);
+    const auto second = files.replacementDirectory(item);
+    ASSERT_TRUE(first && second);
+    EXPECT_NE(*first, *second);
+    EXPECT_EQ(modeOf(*first), 0700U);
+    EXPECT_TRUE(QDir(*first).isEmpty());
+    EXPECT_EQ(stateOf(*first).st_dev, stateOf(item).st_dev);
+}
+
+TEST_F(Files, aReplacementDirectoryIsAmongTheTemporaryFilesWhereTheseAreOnTheVolume)
+{
+    const ChangedVariable temporaryFiles("TMPDIR", folder.folder(u"temporary"_s));
+    const auto made = files.replacementDirectory(folder.file(u"item"_s));
+    ASSERT_TRUE(made);
+    EXPECT_TRUE(made->startsWith(folder.path(u"temporary/"_s))) << made->toStdString();
+}
+
+TEST_F(Files, aReplacementDirectoryIsBesideTheItemWhereNoTemporaryFilesAreOnTheVolume)
+{
+    const ChangedVariable temporaryFiles("TMPDIR", u"/proc"_s);
+    const ChangedVariable cachedFiles("XDG_CACHE_HOME", u"/proc"_s);
+    const auto made = files.replacementDirectory(folder.file(u"item"_s));
+    ASSERT_TRUE(made);
+    EXPECT_TRUE(made->startsWith(folder.path(u".replacement-"_s))) << made->toStdString();
+    EXPECT_EQ(files.contentsOfDirectory(folder.path(), FolderLink::follow),
+              QStringList{u"item"_s}); // nobody sees it
+}
+
+TEST_F(Files, aReplacementDirectoryGoesWithTheServiceUnlessThereIsSomethingInIt)
+{
+    QString empty;
+    QString used;
+    {
+        PosixFileService service;
+        empty = service.replacementDirectory(folder.file(u"item"_s)).value();
+        used = service.replacementDirectory(folder.path(u"item"_s)).value();
+        ASSERT_TRUE(service.createFile(used + u"/file"_s));
+    }
+    EXPECT_FALSE(files.isReachable(empty));
+    EXPECT_TRUE(files.isReachable(used + u"/file"_s));
+    ASSERT_TRUE(files.removeItem(used));
+}
+
+TEST_F(Files, withoutAPlaceForAReplacementDirectoryTheItemIsNamed)
+{
     QString error;
     const QString item = folder.path(u"no/such/item"_s);
     EXPECT_EQ(files.replacementDirectory(item, &error), std::nullopt);

@@ -183,6 +183,9 @@ TEST_F(PackageStepsTest, aSubmissionOfAPackageUploadsTheSignedCopy)
     EXPECT_EQ(host.tools.order(),
               (QStringList{u"altool--notarization-history"_s, u"spctl"_s, u"productsign"_s,
                            u"altool--notarize-app"_s, u"altool--notarization-info"_s, u"stapler"_s}));
+    EXPECT_EQ(host.listing(u"My Foo - Notarized"_s),
+              (QStringList{u"My Foo - Unmodified Original"_s, u"My Foo.pkg"_s, u"RequestUUID.txt"_s,
+                           u"Submission Log.txt"_s}));
     EXPECT_EQ(host.text(u"My Foo - Notarized/My Foo.pkg"_s), u"signed"_s);
     EXPECT_EQ(host.text(u"My Foo - Notarized/My Foo - Unmodified Original/My Foo.pkg"_s), u"unsigned"_s);
 }

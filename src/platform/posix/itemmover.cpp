@@ -97,10 +97,22 @@ Outcome moveTreeByCopying(const QString &from, const QString &to)
     return moved;
 }
 
+Outcome replaceTreeByCopying(const QString &path, const QString &replacement)
+{
+    const QString copy = pathBeside(path);
+    Outcome replaced = ItemCopier::copy(replacement, copy);
+    if (replaced)
+        replaced = replaceTree(path, copy);
+    removeTree(replaced ? replacement : copy).ignore();
+    return replaced;
+}
+
 Outcome replaceTree(const QString &path, const QString &replacement)
 {
     if (renameItem(replacement, path))
         return Outcome::success();
+    if (errno == EXDEV)
+        return replaceTreeByCopying(path, replacement);
     const bool isFolderInTheWay =
         errno == EISDIR || errno == ENOTDIR || errno == ENOTEMPTY || errno == EEXIST;
     if (!isFolderInTheWay || !exchange(path, replacement))

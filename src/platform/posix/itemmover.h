@@ -12,8 +12,11 @@ Outcome moveTree(const QString &from, const QString &to);
 /// that, the item is at `to`, and the failure names what is left over.
 Outcome moveTreeByCopying(const QString &from, const QString &to);
 
-/// Puts the item at `replacement`, on the same file system, in the place of the one at `path`, which is
-/// deleted as far as possible. A file changes in one step.
+/// Puts the item at `replacement` in the place of the one at `path`, which is deleted as far as possible. A
+/// file changes in one step.
 Outcome replaceTree(const QString &path, const QString &replacement);
+
+/// The way from another file system. After a failure the replacement is where it was.
+Outcome replaceTreeByCopying(const QString &path, const QString &replacement);
 
 } // namespace platform

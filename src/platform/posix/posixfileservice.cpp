@@ -224,13 +224,10 @@ std::shared_ptr<FileHandle> PosixFileService::openForAppending(const QString &pa
 
 std::optional<QString> PosixFileService::replacementDirectory(const QString &forItem, QString *error)
 {
-    const QByteArray item = nativePath(forItem);
-    QByteArray folder = item.first(item.lastIndexOf('/') + 1) + ".replacement-XXXXXX";
-    if (mkdtemp(folder.data()))
-        return QFile::decodeName(folder);
-    if (error)
+    auto folder = m_replacementFolders.makeFor(forItem);
+    if (!folder && error)
         *error = failureText(u"make a replacement of"_s, forItem);
-    return std::nullopt;
+    return folder;
 }
 
 Outcome PosixFileService::replaceItem(const QString &path, const QString &replacement)

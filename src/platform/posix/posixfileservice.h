@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/fileservice.h"
+#include "platform/posix/replacementfolders.h"
 
 namespace platform {
 
@@ -18,8 +19,8 @@ public:
     Outcome removeItem(const QString &path) override;
     Outcome moveItem(const QString &from, const QString &to) override;
     Outcome copyItem(const QString &from, const QString &to) override;
-    Outcome trashItem(const QString &path) override;
     Outcome copyResolvedItem(const QString &from, const QString &to) override;
+    Outcome trashItem(const QString &path) override;
     Outcome setPermissions(const QString &path, unsigned mode) override;
     std::optional<QByteArray> readFile(const QString &path, QString *error = nullptr) const override;
     Outcome writeFile(const QString &path, const QByteArray &bytes) override;
@@ -27,6 +28,9 @@ public:
     [[nodiscard]] std::shared_ptr<FileHandle> openForAppending(const QString &path) override;
     std::optional<QString> replacementDirectory(const QString &forItem, QString *error = nullptr) override;
     Outcome replaceItem(const QString &path, const QString &replacement) override;
+
+private:
+    ReplacementFolders m_replacementFolders;
 };
 
 } // namespace platform
