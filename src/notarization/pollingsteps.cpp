@@ -23,6 +23,12 @@ constexpr double earlyDelayAfter239 = 30.0;
 constexpr double lateDelayAfter239 = 60.0;
 constexpr double timerTolerance = 10.0;
 
+/// What is no UTF-8 is no text.
+QString textOfLog(const QByteArray &log)
+{
+    return orNull(decodedUtf8(log).value_or(QString()));
+}
+
 } // namespace
 
 QString queryFailureLine(const SLWTaskResponse &response)
@@ -132,7 +138,7 @@ void PollingSteps::logIssues(const QString &report)
     const auto log = contentsOfLogFile(document.host().urls, report);
     if (!log)
         return;
-    document.logToFile(u"LogFileURL full contents: %1"_s.arg(QString::fromUtf8(*log)));
+    document.logToFile(u"LogFileURL full contents: "_s + textOfLog(*log));
     const auto summary = issuesSummary(*log);
     if (!summary)
         return;
@@ -145,7 +151,7 @@ void PollingSteps::refuseVerdict(const QString &report)
 {
     QString explanation = report;
     if (const auto log = contentsOfLogFile(document.host().urls, report))
-        explanation += u'\n' + QString::fromUtf8(*log);
+        explanation += u'\n' + textOfLog(*log);
     auto &files = document.host().files;
     const QString item = itempath::fromUrl(document.appletURL());
     files.removeItem(item).ignore(); // what the service refused is not kept
