@@ -13,7 +13,7 @@
 #include <thread>
 
 /// An HTTP server on loopback, in a thread of its own, that answers each path with the raw bytes given for it
-/// and then closes the connection.
+/// and then closes the connection. It may be told to hold the last byte back.
 class LoopbackServer {
 public:
     explicit LoopbackServer(QHash<QByteArray, QByteArray> answers)
@@ -36,7 +36,11 @@ public:
         return QUrl(QStringLiteral("http://127.0.0.1:%1%2").arg(m_port).arg(path));
     }
 
-    /// All requests so far, once the client has its answer.
+    /// From now on all but the last byte of each answer is sent, until `release`.
+    void hold() { m_isHolding = true; }
+    void release() { m_isHolding = false; }
+
+    /// All requests so far, once the client has its answer, or what there is of it.
     QByteArray requests()
     {
         const std::lock_guard lock(m_mutex);
@@ -56,6 +60,8 @@ private:
         QObject::connect(&end, &QTimer::timeout, &loop, [&] {
             if (m_isEnding)
                 loop.quit();
+            if (!m_isHolding)
+                sendRests();
         });
         server.listen(QHostAddress::LocalHost);
         port.set_value(server.serverPort());
@@ -73,12 +79,28 @@ private:
             const std::lock_guard lock(m_mutex);
             m_requests += request;
         }
-        socket->write(m_answers.value(request.split(' ').value(1)));
-        socket->disconnectFromHost();
+        const QByteArray bytes = m_answers.value(request.split(' ').value(1));
+        if (m_isHolding) {
+            socket->write(bytes.chopped(1));
+            m_rests.append({socket, bytes.last(1)});
+        } else {
+            socket->write(bytes);
+            socket->disconnectFromHost();
+        }
+    }
+
+    void sendRests()
+    {
+        for (const auto &[socket, rest] : std::exchange(m_rests, {})) {
+            socket->write(rest);
+            socket->disconnectFromHost();
+        }
     }
 
     const QHash<QByteArray, QByteArray> m_answers;
     std::atomic<bool> m_isEnding = false;
+    std::atomic<bool> m_isHolding = false;
+    QList<std::pair<QTcpSocket *, QByteArray>> m_rests; // held back; of the server's thread
     std::mutex m_mutex;
     QByteArray m_requests;
     quint16 m_port = 0;

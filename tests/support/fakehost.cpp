@@ -265,7 +265,9 @@ Outcome TestFiles::replaceItem(const QString &path, const QString &replacement)
 std::optional<QByteArray> FakeUrlReader::contentsOf(const QUrl &url)
 {
     asked.append(url);
-    return contents.contains(url) ? std::optional(contents.value(url)) : std::nullopt;
+    if (contents.contains(url))
+        return contents.value(url);
+    return otherwise ? otherwise->contentsOf(url) : std::nullopt;
 }
 
 Outcome FakeWorkspace::launchInBackground(const QString &bundleIdentifier)

@@ -153,6 +153,7 @@ class FakeUrlReader : public platform::UrlReader {
 public:
     std::optional<QByteArray> contentsOf(const QUrl &url) override;
     QHash<QUrl, QByteArray> contents; ///< what is not here fails to load
+    platform::UrlReader *otherwise = nullptr; ///< reads what is not there, if a test wants it to
     QList<QUrl> asked;
 };
 
