@@ -81,6 +81,42 @@ TEST_F(BuiltProgram, carriesAnItemThroughAndPutsWhatIsInTheWayIntoThePersonsTras
     quitAndExpectSuccess();
 }
 
+class KilledProgram : public BuiltProgram, public testing::WithParamInterface<const char *> {
+protected:
+    QDBusPendingCall beginSubmit()
+    {
+        return client.beginSubmit({{u"at"_s, QUrl::fromLocalFile(host.item(u"Foo.app"_s)).toString()},
+                                   {u"skippingStapling"_s, true}});
+    }
+};
+
+TEST_P(KilledProgram, leavesTheItemAsItWasAndWorksOverWhatIsLeftAtItsNextStart)
+{
+    const QString tool = QString::fromLatin1(GetParam());
+    items::makeBundle(host.item(u"Foo.app"_s));
+    const QByteArray fingerprint = items::fingerprint(host.item(u"Foo.app"_s));
+    host.tools.answerRun(tool, 1, {.hangs = true});
+    startAndWait();
+    const QDBusPendingCall lost = beginSubmit();
+    host.runUntil([&] { return host.tools.callsOf(tool).size() == 1; });
+    kill(process);
+    host.tools.release(tool, 1);
+    EXPECT_EQ(process.exitStatus(), QProcess::CrashExit);
+    EXPECT_EQ(items::fingerprint(host.item(u"Foo.app"_s)), fingerprint);
+    startAndWait();
+    EXPECT_EQ(errorOf(client.end(beginSubmit())), u"no error"_s);
+    EXPECT_EQ(host.listing(), (QStringList{u"Foo - Submitted"_s, u"Foo.app"_s}));
+    EXPECT_EQ(items::fingerprint(host.item(u"Foo.app"_s)), fingerprint);
+    quitAndExpectSuccess();
+}
+
+INSTANTIATE_TEST_SUITE_P(WhileAToolRuns, KilledProgram,
+                         testing::Values("altool--notarization-history", "xattr", "codesign", "ditto",
+                                         "altool--notarize-app"),
+                         [](const auto &row) {
+                             return QString::fromLatin1(row.param).section(u'-', -1).toStdString();
+                         });
+
 TEST_F(BuiltProgram, startedASecondTimeEndsAndActivatesTheFirst)
 {
     startAndWait();

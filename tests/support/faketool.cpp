@@ -5,8 +5,10 @@
 // $SEALWRIGHT_FAKE_ROOT/runs/NAME        how many runs of that tool there have been
 // $SEALWRIGHT_FAKE_ROOT/answers/NAME/N   a folder: what the N-th run answers; "always" for the others
 //
-// In such a folder: stdout, stderr, status, signal (kills itself by it), hang (waits while it is there), and
-// content (written to the path in the file target, where "{last}" is the last argument).
+// $SEALWRIGHT_FAKE_ROOT/kills/NAME/N     there: the N-th run ends its caller when its own work is done
+//
+// In a folder of an answer: stdout, stderr, status, signal (kills itself by it), hang (waits while it is
+// there), and content (written to the path in the file target, where "{last}" is the last argument).
 
 #include <csignal>
 #include <cstdio>
@@ -119,6 +121,8 @@ int main(int argc, char **argv)
         std::filesystem::copy_file(answer / "content", target,
                                    std::filesystem::copy_options::overwrite_existing);
     }
+    if (std::filesystem::exists(root / "kills" / name / std::to_string(run)))
+        kill(getppid(), SIGKILL);
     copyTo(STDOUT_FILENO, answer / "stdout");
     copyTo(STDERR_FILENO, answer / "stderr");
     while (std::filesystem::exists(answer / "hang"))

@@ -66,6 +66,13 @@ void FakeTools::remove(const QString &path)
     QFile::remove(m_root + path);
 }
 
+void FakeTools::killCallerIn(const QString &tool, int run)
+{
+    const QString folder = m_root + u"/kills/"_s + tool + u'/';
+    QDir().mkpath(folder);
+    write(folder + QString::number(run), {});
+}
+
 void FakeTools::answer(const QString &tool, const ToolAnswer &answer)
 {
     answerRun(tool, 0, answer);

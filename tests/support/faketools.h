@@ -37,6 +37,9 @@ public:
     void answerRun(const QString &tool, int run, const ToolAnswer &answer);
     /// Lets the runs of the tool go on that hang for its usual answer, or for that of one run.
     void release(const QString &tool, int run = 0);
+    /// Lets the tool's run of that number, counted from 1, do its work and then kill the process that runs
+    /// it.
+    void killCallerIn(const QString &tool, int run);
     /// Takes the tool away from the root.
     void remove(const QString &path);
 

@@ -17,27 +17,13 @@ constexpr RoadKind kinds[] = {
     {.name = "aDiskImage", .item = u"Foo.dmg"},
 };
 
-/// The changes of a submission that nothing disturbs, in their order.
-QStringList undisturbedChanges(const RoadKind &kind)
-{
-    QStringList changes;
-    Road road(kind);
-    road.host.files.failure = [&changes](const QString &operation, const QString &) {
-        changes.append(operation);
-        return QString();
-    };
-    road.walk();
-    road.host.files.failure = nullptr;
-    return changes;
-}
-
 } // namespace
 
 class FullDisk : public testing::TestWithParam<RoadKind> { };
 
 TEST_P(FullDisk, atEachChangeLosesNothingAndIsReportedWhereItMatters)
 {
-    const QStringList changes = undisturbedChanges(GetParam());
+    const QStringList changes = Road::undisturbedChanges(GetParam());
     ASSERT_GE(changes.size(), 4);
     for (int i = 0; i < changes.size() && !HasFailure(); ++i) {
         SCOPED_TRACE(changes.at(i).toStdString() + ", change " + std::to_string(i + 1));

@@ -6,6 +6,8 @@
 #include "scripting/NSApplication+Scripting.h"
 #include "support/items.h"
 
+#include <QFileInfo>
+
 #include <gtest/gtest.h>
 
 #include <future>
@@ -61,6 +63,19 @@ QList<ToolCall> Road::undisturbedRuns(const RoadKind &kind)
     road.walk();
     road.expectEnd({u"Notarized", 0, u""});
     return road.host.tools.calls();
+}
+
+QStringList Road::undisturbedChanges(const RoadKind &kind)
+{
+    QStringList changes;
+    Road road(kind);
+    road.host.files.failure = [&changes](const QString &operation, const QString &) {
+        changes.append(operation);
+        return QString();
+    };
+    road.walk();
+    road.host.files.failure = nullptr;
+    return changes;
 }
 
 void Road::begin()
@@ -121,6 +136,13 @@ void Road::expectItemIsSafe()
     const bool isInPlace = items::fingerprint(itemPath()) == m_fingerprint;
     const bool isPutAway = items::fingerprint(originalInside(folder())) == m_fingerprint;
     EXPECT_NE(isInPlace, isPutAway) << "in place: " << isInPlace << ", put away: " << isPutAway;
+}
+
+void Road::putItemBack()
+{
+    if (QFileInfo::exists(itemPath()))
+        return;
+    EXPECT_TRUE(QFile::rename(originalInside(folder()), itemPath()));
 }
 
 void Road::expectIdleDocument()

@@ -36,6 +36,8 @@ public:
     void goOnToTheEnd();
     /// The runs of a walk without any trouble, in their order.
     static QList<ToolCall> undisturbedRuns(const RoadKind &kind);
+    /// What such a walk does to the disk by itself, in its order.
+    static QStringList undisturbedChanges(const RoadKind &kind);
 
     /// Cancels as a person would, from another thread than the main one; returns when that is done.
     void cancelFromWorker();
@@ -47,6 +49,8 @@ public:
     void expectEnd(const RoadEnd &end);
     void expectItemIsSafe();
     void expectIdleDocument();
+    /// Brings the item back to its place where an earlier walk has put it away, as a person would.
+    void putItemBack();
     /// Submits the item once more in the same document, to success.
     void expectSecondWalkSucceeds();
 
