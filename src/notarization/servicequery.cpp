@@ -38,8 +38,11 @@ void ServiceQuery::reportHistoryFailure(const QString &message, const QString &e
 
 void ServiceQuery::finishQuery()
 {
-    document.changeStatus(status::ready);
-    document.dispatchToMain([this] { makeIdle(); });
+    // In one turn of the main thread: a command that follows at once finds no half of it.
+    document.dispatchToMain([this] {
+        document.changeStatus(status::ready);
+        makeIdle();
+    });
 }
 
 void ServiceQuery::makeIdle()

@@ -96,9 +96,12 @@ bool UploadStep::scriptSkipsStapling() const
 
 void UploadStep::endWithoutStapling()
 {
-    document.resumeScript(document.appletURL());
-    document.changeStatus(status::ready);
-    document.dispatchToMain([this] { document.endWorkflow(); });
+    // All in one turn of the main thread: a command that follows at once finds no half of it.
+    document.dispatchToMain([this] {
+        document.resumeScript(document.appletURL());
+        document.changeStatus(status::ready);
+        document.endWorkflow();
+    });
 }
 
 void UploadStep::startPolling(const Credentials &credentials, const QString &requestUUID)

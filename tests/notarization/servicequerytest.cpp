@@ -134,6 +134,32 @@ TEST_P(Query, withoutAPasswordKeyIsRefused)
         u"You need to enter the key to an application-specific password you have added to your login Keychain."_s);
 }
 
+TEST_P(Query, keepsTheWindowLogWhereItIsRefused)
+{
+    document().logStringMain(u"earlier"_s, false);
+    document().appPassField.setStringValue(u"x"_s);
+    start();
+    host.settle();
+    EXPECT_EQ(host.log().value(0), u"earlier"_s) << "it is emptied when all has been checked";
+    EXPECT_EQ(host.log().size(), 2);
+}
+
+TEST_P(Query, isOverForWhateverComesBehindItsReadiness)
+{
+    std::optional<bool> isBusyBehind;
+    QObject::connect(&document().statusString, &Observable::changed, [&] {
+        if (document().statusString() == status::ready)
+            document().dispatchToMain([&] { isBusyBehind = document().isBusy(); });
+    });
+    start();
+    host.settle();
+    if (host.window().namedSheet)
+        host.window().endSheet(0);
+    host.settle();
+    ASSERT_TRUE(isBusyBehind);
+    EXPECT_FALSE(*isBusyBehind);
+}
+
 TEST_P(Query, sendsTheAppleIDAsTypedAndTheKeyTrimmed)
 {
     document().appleIDField.setStringValue(u" abc"_s);

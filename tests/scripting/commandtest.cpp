@@ -113,6 +113,29 @@ TEST_P(SubmitCommand, withAnExtensionInCapitalsIsAccepted)
     EXPECT_FALSE(reply->isError());
 }
 
+TEST_P(SubmitCommand, takesEachOfTheFiveKinds)
+{
+    host.tools.answer(u"spctl"_s, {.error = "accepted"});
+    host.document().identitiesPopup.selectItemWithTitle(u"Example Corp (A1B2C3D4E5)"_s);
+    for (const QString &name : {u"Bar.plugin"_s, u"Baz.fmplugin"_s, u"Qux.dmg"_s, u"Foo.app"_s}) {
+        if (name.endsWith(u".dmg"_s))
+            items::makeFile(host.item(name), "koly");
+        else
+            items::makeBundle(host.item(name));
+        send(atItem(name));
+        host.settle();
+        host.firePolls();
+        ASSERT_TRUE(reply) << name.toStdString();
+        EXPECT_FALSE(reply->isError()) << reply->errorText.toStdString();
+    }
+    items::makeFile(host.item(u"Quux.pkg"_s), "xar!");
+    send(atItem(u"Quux.pkg"_s));
+    host.settle();
+    ASSERT_TRUE(reply);
+    EXPECT_TRUE(reply->errorText.startsWith(u"Installer Identity Not Found: "_s))
+        << "taken, and then checked";
+}
+
 TEST_P(SubmitCommand, onABusyReceiverGivesTheArgumentsErrorFirst)
 {
     host.application().changeStatus(status::interacting);
@@ -279,6 +302,44 @@ TEST_F(AScript, thatFetchesTheLogOfARunningDocumentLosesTheCommandOfTheRun)
     host.settle();
     EXPECT_FALSE(reply); // its answer went to the finished log command
     EXPECT_FALSE(log->isError());
+}
+
+TEST_F(AScript, thatSkipsStaplingCanSubmitAgainAsSoonAsItIsAnswered)
+{
+    std::optional<bool> isBusyBehind;
+    const auto submit = std::make_shared<ScriptCommand>(
+        QVariantMap{{argument::at, itempath::toUrl(host.item(u"Foo.app"_s))},
+                    {argument::skippingStapling, true}},
+        [&](const ScriptReply &) {
+            host.document().dispatchToMain([&] { isBusyBehind = host.document().isBusy(); });
+        });
+    submit->execute([this](const ScriptCommandPtr &executing) {
+        host.document().steps().scripting.AESubmitForNotarizing(executing);
+    });
+    host.settle();
+    ASSERT_TRUE(isBusyBehind);
+    EXPECT_FALSE(*isBusyBehind) << "the end of the run would clear the flags of the next one";
+    EXPECT_EQ(host.document().statusString(), u"ready"_s);
+}
+
+TEST_F(AScript, thatClearsTheLogOfARunningDocumentLosesTheCommandOfTheRun)
+{
+    host.tools.answer(u"xattr"_s, {.hangs = true});
+    send(atItem(u"Foo.app"_s), Receiver::document);
+    host.runUntil([this] { return !host.tools.callsOf(u"xattr"_s).isEmpty(); });
+    int cleared = 0;
+    const auto clear =
+        std::make_shared<ScriptCommand>(QVariantMap(), [&cleared](const ScriptReply &) { ++cleared; });
+    clear->execute([this](const ScriptCommandPtr &executing) {
+        host.document().steps().scripting.AEClearLog(executing);
+    });
+    host.runUntil([&cleared] { return cleared > 0; });
+    host.tools.release(u"xattr"_s);
+    host.settle();
+    host.firePolls();
+    EXPECT_TRUE(QFileInfo::exists(host.item(u"Foo - Notarized"_s))) << "the run goes on";
+    EXPECT_FALSE(reply) << "its answer went to the finished command";
+    EXPECT_EQ(cleared, 1);
 }
 
 TEST_F(AScript, isToldNothingOfAFailureOfAPersonsOwnRun)
