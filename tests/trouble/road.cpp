@@ -37,11 +37,18 @@ Road::Road(const RoadKind &kind)
         host.tools.answer(u"altool-h"_s, {.output = "Copyright (c) 2019, Apple Inc. Version 3.1.2\n"});
     host.preferences.setValue(key::prefDoPostCodesignCheck, true);
     host.preferences.setValue(key::createDiskImage, kind.asDiskImage);
-    if (kind.asDiskImage)
+    if (kind.asDiskImage) {
+        const QString image = QString(m_baseName).replace(u' ', u'_') + u".dmg"_s;
         host.tools.answer(u"hdiutil"_s,
-                          {.content = "image",
-                           .target = host.item(m_baseName + u" - Working/"_s + m_baseName + u".dmg"_s)});
-    makeItem(itemPath());
+                          {.content = "image", .target = host.item(m_baseName + u" - Working/"_s + image)});
+    }
+    if (kind.linkTo) {
+        const QString text = QString::fromUtf16(kind.linkTo);
+        makeItem(host.item(text));
+        items::makeLink(itemPath(), text);
+    } else {
+        makeItem(itemPath());
+    }
     m_fingerprint = items::fingerprint(itemPath());
     host.launch();
 }

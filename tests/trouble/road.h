@@ -11,6 +11,7 @@ struct RoadKind {
     const char16_t *item; ///< file name of the item
     bool asDiskImage = false; ///< a bundle is uploaded as a disk image
     bool onSharedRunners = false; ///< with a notary tool of major version 3
+    const char16_t *linkTo = nullptr; ///< the item is a link with that text to one that lies there
 };
 
 inline void PrintTo(const RoadKind &kind, std::ostream *stream)
