@@ -243,3 +243,32 @@ TEST_F(Cancel, clearingTheLogWithoutAScriptLeavesTheFile)
     EXPECT_EQ(document().statusTextView.string(), u""_s);
     EXPECT_EQ(host.text(u"log.txt"_s), u"14:03:22.123: head\n14:03:22.123: hello\n"_s);
 }
+
+namespace {
+
+/// A timer that notes what a document says at the moment when it is called off.
+class WitnessTimer : public platform::Timer {
+public:
+    explicit WitnessTimer(const MainWinController &watched)
+        : m_watched(watched)
+    {
+    }
+    void invalidate() override { isCancelledAlready = m_watched.cancelPressed(); }
+
+    std::optional<bool> isCancelledAlready;
+
+private:
+    const MainWinController &m_watched;
+};
+
+} // namespace
+
+TEST_F(Cancel, isSetBeforeAnythingIsEnded)
+{
+    launchWithVersion("4.0.1");
+    const auto timer = std::make_shared<WitnessTimer>(document());
+    document().staplingTimer.set(timer);
+    document().doCancel();
+    EXPECT_EQ(timer->isCancelledAlready, true);
+    EXPECT_EQ(document().staplingTimer(), nullptr);
+}

@@ -96,9 +96,17 @@ TEST_F(StapleOnly, assessesTheItemAndThenStaplesIt)
 
 TEST_F(StapleOnly, namesTheKindOfUseByTheItem)
 {
-    items::makeFile(host.item(u"Elsewhere/Foo.pkg"_s), "xar!");
-    staple(u"Elsewhere/Foo.pkg"_s);
-    EXPECT_EQ(host.tools.callsOf(u"spctl"_s).value(0).value(2), u"install"_s);
+    const QHash<QString, QString> kinds{{u"Foo.pkg"_s, u"install"_s},
+                                        {u"Foo.DMG"_s, u"open"_s},
+                                        {u"Foo.plugin"_s, u"open"_s},
+                                        {u"Foo.bundle"_s, u"execute"_s}};
+    for (auto kind = kinds.begin(); kind != kinds.end(); ++kind) {
+        host.tools.forgetCalls();
+        items::makeFile(host.item(u"Elsewhere/"_s + kind.key()), "xar!");
+        staple(u"Elsewhere/"_s + kind.key());
+        host.window().answerSheet();
+        EXPECT_EQ(host.tools.callsOf(u"spctl"_s).value(0).value(2), kind.value()) << kind.key().toStdString();
+    }
 }
 
 TEST_F(StapleOnly, ofASubmissionFinishesItsFolder)
@@ -183,6 +191,17 @@ TEST_F(StapleOnly, withoutALogFileMakesNoneAndClosesTheOneThatIsOpen)
     EXPECT_EQ(document().logHandle(), nullptr);
     EXPECT_EQ(host.text(u"open.txt"_s), u"14:03:22.123: head\n"_s);
     EXPECT_EQ(host.text(u"Elsewhere/Submission Log.txt"_s), u"earlier\n"_s);
+}
+
+TEST_F(StapleOnly, closesTheLogFileOfAnEarlierRunBeforeItBeginsItsOwn)
+{
+    launched().loggingToFile.set(true);
+    document().openLog(host.item(u"open.txt"_s), u"head"_s);
+    const auto earlier = document().logHandle();
+    staple(u"Elsewhere/Foo.app"_s);
+    earlier->write("later");
+    EXPECT_EQ(host.text(u"open.txt"_s), u"14:03:22.123: head\n"_s);
+    EXPECT_TRUE(host.text(u"Elsewhere/Submission Log.txt"_s).contains(u"Stapling succeeded."_s));
 }
 
 TEST_F(StapleOnly, goesOnWithALogFileThatCannotBeMade)
@@ -375,4 +394,19 @@ TEST_F(StapleAfterCancel, swallowsItsFirstFailureAndTellsTheSecond)
     host.settle();
     EXPECT_EQ(host.window().sheets.last().messageText, u"Error Verifying Signing"_s);
     EXPECT_FALSE(document().isBusy());
+}
+
+TEST_F(StapleAfterCancel, swallowsAFailureOfTheStaplerAndStaysBusy)
+{
+    host.tools.answer(u"stapler"_s, {.status = 65, .error = "no ticket"});
+    const auto sheetsBefore = host.window().sheets.size();
+    choose(u"Bar - Submitted/Bar.app"_s);
+    host.settle();
+    EXPECT_EQ(host.tools.callsOf(u"stapler"_s).size(), 1);
+    EXPECT_EQ(host.window().sheets.size(), sheetsBefore);
+    EXPECT_TRUE(host.log(LogStyle::error).isEmpty());
+    EXPECT_TRUE(host.listing().contains(u"Bar - Failed"_s)) << "the folder has its name all the same";
+    EXPECT_TRUE(document().isBusy());
+    EXPECT_EQ(document().statusString(), u"stapling"_s);
+    EXPECT_FALSE(document().cancelPressed());
 }

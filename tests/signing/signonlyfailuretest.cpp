@@ -4,6 +4,8 @@
 
 #include "app/preferencekeys.h"
 
+#include <future>
+
 using namespace Qt::StringLiterals;
 
 // Refused before anything happens
@@ -258,4 +260,43 @@ TEST_F(SignOnly, cancelledWhileTheResultIsCheckedDoesNotFinish)
     EXPECT_EQ(host.listing(), (QStringList{u"Foo - Working"_s, u"Foo.app"_s}));
     EXPECT_FALSE(host.log().contains(u"Code-signing succeeded."_s));
     EXPECT_TRUE(document().cancelPressed()) << "no report came that could use it up";
+}
+
+TEST_F(SignOnly, cancelledBetweenTwoToolsStopsThereAndIsReportedOnce)
+{
+    launched();
+    host.launcher.afterRun = [this](const QString &path) {
+        if (!path.endsWith(u"xattr"_s))
+            return;
+        std::promise<void> done;
+        host.mainQueue.post([this, &done] {
+            document().doCancel();
+            done.set_value();
+        });
+        done.get_future().wait();
+    };
+    sign(u"Foo.app"_s);
+    ASSERT_EQ(host.window().sheets.size(), 1);
+    EXPECT_EQ(host.window().sheets.first().messageText, u"Process Cancelled"_s);
+    EXPECT_EQ(host.tools.order(), QStringList{u"xattr"_s});
+    EXPECT_EQ(host.listing(), (QStringList{u"Foo - Working"_s, u"Foo.app"_s}));
+    EXPECT_EQ(items::fingerprint(host.item(u"Foo.app"_s)), original);
+    EXPECT_TRUE(document().cancelPressed()) << "no report came that could use it up";
+    EXPECT_FALSE(document().isBusy());
+}
+
+TEST_F(SignOnly, cancelledOnSharedRunnersLetsTheToolEndAndStopsBehindIt)
+{
+    host.tools.answer(u"altool-h"_s, {.output = "Copyright (c) 2019, Apple Inc. Version 3.1.2\n"});
+    host.tools.answer(u"xattr"_s, {.hangs = true});
+    start(u"Foo.app"_s);
+    ASSERT_EQ(document().ownTaskRunner(), nullptr);
+    host.runUntil([this] { return !host.tools.callsOf(u"xattr"_s).isEmpty(); });
+    document().doCancel();
+    host.tools.release(u"xattr"_s);
+    host.settle();
+    EXPECT_EQ(host.window().sheets.size(), 1);
+    EXPECT_EQ(host.tools.order(), QStringList{u"xattr"_s});
+    EXPECT_EQ(host.listing(), (QStringList{u"Foo - Working"_s, u"Foo.app"_s})) << "the tool did not fail";
+    EXPECT_TRUE(document().cancelPressed());
 }

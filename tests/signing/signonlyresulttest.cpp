@@ -4,6 +4,8 @@
 
 #include "app/preferencekeys.h"
 
+#include <QFileInfo>
+
 using namespace Qt::StringLiterals;
 
 // What a success leaves
@@ -130,6 +132,38 @@ TEST_F(SignOnly, byAScriptWithDialogsAnswersBeforeTheSheetIsDismissed)
     EXPECT_FALSE(document().isScripted());
 }
 
+struct MomentRow {
+    const char *name;
+    bool suppressesDialogs;
+    QString status; ///< when the answer goes out
+};
+
+class SignOnlyAnswer : public SignOnly, public testing::WithParamInterface<MomentRow> { };
+
+TEST_P(SignOnlyAnswer, goesOutWithItsStatusAndBeforeTheSheet)
+{
+    launched();
+    QString statusAtAnswer;
+    qsizetype sheetsAtAnswer = -1;
+    const auto command = std::make_shared<ScriptCommand>(QVariantMap(), [&](const ScriptReply &) {
+        statusAtAnswer = document().statusString();
+        sheetsAtAnswer = host.window().sheets.size();
+    });
+    command->suspendExecution();
+    document().suppressDialogs.set(GetParam().suppressesDialogs);
+    document().currentCommand.set(command);
+    steps().signOnly.scriptedSignOnly(itempath::toUrl(host.item(u"Foo.app"_s)));
+    host.settle();
+    EXPECT_EQ(statusAtAnswer, GetParam().status);
+    EXPECT_EQ(sheetsAtAnswer, 0);
+    EXPECT_EQ(host.window().sheets.size(), GetParam().suppressesDialogs ? 0 : 1);
+}
+
+INSTANTIATE_TEST_SUITE_P(ToAScript, SignOnlyAnswer,
+                         testing::Values(MomentRow{"withoutDialogs", true, u"ready"_s},
+                                         MomentRow{"withDialogs", false, u"interacting"_s}),
+                         [](const auto &row) { return row.param.name; });
+
 TEST_F(SignOnly, byAScriptIsOverForWhateverComesBehindTheAnswer)
 {
     launched();
@@ -213,3 +247,33 @@ TEST_F(SignOnly, againWithAnItemThatCannotBeTakenBackSaysThatItHasGone)
     ASSERT_TRUE(host.window().sheet);
     EXPECT_EQ(host.window().sheet->alert.messageText, u"File Not Found"_s);
 }
+
+struct AgainRow {
+    const char *name;
+    QString item;
+    QString base; ///< of the names of its folders
+};
+
+class SignAgain : public SignOnly, public testing::WithParamInterface<AgainRow> { };
+
+TEST_P(SignAgain, takesTheKeptItemBackUnderItsOwnName)
+{
+    const auto &[name, item, base] = GetParam();
+    items::makeBundle(host.item(item + u"/Inner.app"_s));
+    items::makeBundle(host.item(item));
+    const QByteArray fingerprint = items::fingerprint(host.item(item));
+    sign(item);
+    host.window().answerSheet();
+    ASSERT_FALSE(QFileInfo::exists(host.item(item)));
+    document().perform(Action::doSignAgain);
+    host.settle();
+    EXPECT_EQ(host.window().sheets.last().messageText, u"Signing Successful"_s);
+    EXPECT_EQ(host.files.trashed, QStringList{host.item(base + u" - Signed"_s)});
+    EXPECT_EQ(items::fingerprint(host.item(u"%1 - Signed/%1 - Unmodified Original/%2"_s.arg(base, item))),
+              fingerprint);
+}
+
+INSTANTIATE_TEST_SUITE_P(OfAnItem, SignAgain,
+                         testing::Values(AgainRow{"aFolder", u"Tools"_s, u"Tools"_s},
+                                         AgainRow{"twoDots", u"My.Tool.app"_s, u"My.Tool"_s}),
+                         [](const auto &row) { return row.param.name; });

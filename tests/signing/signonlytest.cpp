@@ -69,7 +69,9 @@ TEST_F(SignOnly, byThePanelKeepsTheIdentityThatWasChosenBeforeIt)
     document().identitiesPopup.selectItemWithTitle(u"First (A1)"_s);
     host.window().choose(itempath::toUrl(host.item(u"Foo.app"_s)));
     host.settle();
-    for (const QStringList &arguments : host.tools.callsOf(u"codesign"_s))
+    const auto lines = host.tools.callsOf(u"codesign"_s);
+    ASSERT_EQ(lines.size(), 2);
+    for (const QStringList &arguments : lines)
         EXPECT_TRUE(arguments.contains(u"Developer ID Application: Second (B2)"_s));
 }
 
@@ -122,6 +124,14 @@ TEST_F(SignOnly, tellsAScriptThatTheInterfaceIsBlocked)
     EXPECT_EQ(scriptReply->errorNumber, 7);
     EXPECT_EQ(scriptReply->errorText, u"Inteface is blocked."_s);
     EXPECT_FALSE(scriptReply->result.isValid());
+    EXPECT_EQ(document().statusString(), u"ready"_s);
+    EXPECT_EQ(document().lastAction(), quint64(signAction)) << "the item has been taken over by then";
+    EXPECT_FALSE(document().isBusy());
+    EXPECT_FALSE(document().isSubmitting());
+    EXPECT_FALSE(document().canCancel());
+    EXPECT_TRUE(document().isScripted()) << "the flags of the script are left as they are";
+    EXPECT_TRUE(document().suppressDialogs());
+    EXPECT_FALSE(document().progressIndicator.isAnimating());
 }
 
 TEST_F(SignOnly, beginsAnewWithTheFailuresOfPollingAndLeavesThoseOfStatus239)
@@ -131,6 +141,19 @@ TEST_F(SignOnly, beginsAnewWithTheFailuresOfPollingAndLeavesThoseOfStatus239)
     sign(u"Foo.app"_s);
     EXPECT_EQ(document().infoFailureCount(), 0U);
     EXPECT_EQ(document().info239FailureCount(), 4U);
+}
+
+TEST_F(SignOnly, givenInAdvanceShowsItsNameInTheWindow)
+{
+    host.tools.answer(u"xattr"_s, {.hangs = true});
+    start(u"Foo.app"_s);
+    EXPECT_EQ(host.window().title(), u"Foo.app"_s);
+    EXPECT_EQ(document().appletNameField.stringValue(), u"Foo.app"_s);
+    EXPECT_TRUE(document().progressIndicator.isAnimating());
+    host.runUntil([this] { return !host.tools.callsOf(u"xattr"_s).isEmpty(); });
+    host.tools.release(u"xattr"_s);
+    host.settle();
+    EXPECT_FALSE(document().progressIndicator.isAnimating());
 }
 
 TEST_F(SignOnly, needsNoCredentialsAndUploadsNothing)
