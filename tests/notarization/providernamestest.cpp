@@ -260,6 +260,19 @@ TEST_F(ProviderNamesTest, cancelLeavesWhatWasTyped)
     expectEnded(focused);
 }
 
+TEST_F(ProviderNamesTest, endWhatAScriptHasSetWhenTheSheetGoesAndNotBefore)
+{
+    list();
+    document().isScripted.set(true);
+    document().suppressDialogs.set(true);
+    EXPECT_TRUE(document().isBusy());
+    EXPECT_EQ(document().statusString(), u"fetching"_s);
+    steps().providers.doProviderNameCancel();
+    EXPECT_FALSE(document().isScripted());
+    EXPECT_FALSE(document().suppressDialogs());
+    EXPECT_FALSE(document().isBusy());
+}
+
 TEST_F(ProviderNamesTest, theButtonsEndTheSheetWithCodesOfTheirOwn)
 {
     list();

@@ -535,3 +535,26 @@ TEST_F(RequestInfoTest, clearsTheFlagsOfAScriptAtItsEndAndNoOthers)
     EXPECT_TRUE(document().isPolling());
     document().isPolling.set(false);
 }
+
+TEST_F(RequestInfoTest, whoseLogHasTheAddressNullSaysNothingOfIt)
+{
+    host.tools.answer(infoTool, {.output = FakeTools::infoReport(u"success"_s, u"(null)"_s)});
+    lookUp();
+    EXPECT_FALSE(host.log().contains(u"Contents of LogFileURL:"_s));
+    expectIdle();
+}
+
+TEST_F(RequestInfoTest, afterACancelThatNobodyUsedUpSwallowsItsFailureAndStaysBusy)
+{
+    host.tools.answer(infoTool, {.status = 1, .error = "refused"});
+    document().cancelPressed.set(true);
+    lookUp();
+    EXPECT_TRUE(host.window().sheets.isEmpty());
+    EXPECT_TRUE(host.log(LogStyle::error).isEmpty());
+    EXPECT_TRUE(document().isBusy());
+    EXPECT_EQ(document().statusString(), u"fetching"_s);
+    EXPECT_FALSE(document().cancelPressed());
+    lookUp();
+    EXPECT_EQ(host.window().sheets.value(0).messageText, u"Failed to Retrieve Info"_s);
+    EXPECT_FALSE(document().isBusy());
+}
