@@ -421,7 +421,7 @@ TEST_F(Files, aReplacementDirectoryIsBesideTheItemWhereNoTemporaryFilesAreOnTheV
               QStringList{u"item"_s}); // nobody sees it
 }
 
-TEST_F(Files, aReplacementDirectoryGoesWithTheServiceUnlessThereIsSomethingInIt)
+TEST_F(Files, aReplacementDirectoryGoesWithTheServiceAndWithWhatStandsBesideIt)
 {
     QString empty;
     QString used;
@@ -430,10 +430,12 @@ TEST_F(Files, aReplacementDirectoryGoesWithTheServiceUnlessThereIsSomethingInIt)
         empty = service.replacementDirectory(folder.file(u"item"_s)).value();
         used = service.replacementDirectory(folder.path(u"item"_s)).value();
         ASSERT_TRUE(service.createFile(used + u"/file"_s));
+        ASSERT_TRUE(service.createFile(used + u".item"_s));
     }
     EXPECT_FALSE(files.isReachable(empty));
-    EXPECT_TRUE(files.isReachable(used + u"/file"_s));
-    ASSERT_TRUE(files.removeItem(used));
+    EXPECT_FALSE(files.isReachable(used));
+    EXPECT_FALSE(files.isReachable(used + u".item"_s));
+    EXPECT_TRUE(files.isReachable(folder.path(u"item"_s)));
 }
 
 TEST_F(Files, withoutAPlaceForAReplacementDirectoryTheItemIsNamed)

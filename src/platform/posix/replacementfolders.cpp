@@ -1,6 +1,7 @@
 #include "platform/posix/replacementfolders.h"
 
 #include "platform/posix/failure.h"
+#include "platform/posix/itemremover.h"
 
 #include <QDir>
 #include <QFile>
@@ -37,7 +38,7 @@ QList<QByteArray> placesFor(const QByteArray &itemFolder, dev_t volume)
 ReplacementFolders::~ReplacementFolders()
 {
     for (const QByteArray &folder : std::as_const(m_made))
-        rmdir(folder.constData());
+        removeTree(QFile::decodeName(folder)).ignore();
 }
 
 std::optional<QString> ReplacementFolders::makeFor(const QString &item)
@@ -53,7 +54,9 @@ std::optional<QString> ReplacementFolders::makeFor(const QString &item)
             continue;
         const std::scoped_lock lock(m_mutex);
         m_made.append(folder);
-        return QFile::decodeName(folder);
+        const QByteArray inner = folder + "/new";
+        if (mkdir(inner.constData(), 0700) == 0)
+            return QFile::decodeName(inner);
     }
     return std::nullopt;
 }

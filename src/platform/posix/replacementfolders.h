@@ -10,8 +10,8 @@
 namespace platform {
 
 /// Folders to make the replacements of items in. Each lies among the temporary files of the host or the user,
-/// where those are on the item's volume, and hidden beside the item otherwise. What is still empty when this
-/// object goes, goes with it. Any thread.
+/// where those are on the item's volume, and hidden beside the item otherwise, in a hidden folder of its own:
+/// with this object it goes, and so does what has been left in it or right beside it. Any thread.
 class ReplacementFolders {
 public:
     ReplacementFolders() = default;
