@@ -44,7 +44,8 @@ void EditCommands::showWhatIsPossible()
 {
     m_cut->setEnabled(isEditable() && hasSelection());
     m_copy->setEnabled(hasSelection());
-    m_paste->setEnabled(isEditable() && QApplication::clipboard()->mimeData()->hasText());
+    const QMimeData *const clipboard = QApplication::clipboard()->mimeData(); // null where it holds nothing
+    m_paste->setEnabled(isEditable() && clipboard && clipboard->hasText());
     m_selectAll->setEnabled(!m_editor.isNull());
 }
 
