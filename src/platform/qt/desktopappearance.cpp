@@ -1,8 +1,8 @@
 #include "platform/qt/desktopappearance.h"
 
-#include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
+#include <QDBusVariant>
 
 using namespace Qt::StringLiterals;
 
@@ -29,7 +29,7 @@ QVariant unwrapped(QVariant value)
 DesktopAppearance::DesktopAppearance(QDBusConnection bus)
 {
     bus.connect(service, objectPath, interfaceName, u"SettingChanged"_s, u"ssv"_s, this,
-                SLOT(settingChanged(QString, QString, QDBusVariant)));
+                SLOT(settingChanged(QDBusMessage)));
     ask(bus);
 }
 
@@ -45,10 +45,11 @@ void DesktopAppearance::ask(QDBusConnection &bus)
     });
 }
 
-void DesktopAppearance::settingChanged(const QString &group, const QString &key, const QDBusVariant &value)
+void DesktopAppearance::settingChanged(const QDBusMessage &signal)
 {
-    if (group == appearanceGroup && key == colorSchemeKey)
-        setScheme(unwrapped(value.variant()));
+    const QVariantList arguments = signal.arguments(); // group, key, value
+    if (arguments.value(0) == appearanceGroup && arguments.value(1) == colorSchemeKey)
+        setScheme(unwrapped(arguments.value(2)));
 }
 
 void DesktopAppearance::setScheme(const QVariant &value)
