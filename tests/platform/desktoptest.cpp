@@ -9,6 +9,7 @@
 #include "temporaryfolder.h"
 
 #include <QDBusMessage>
+#include <QDBusVariant>
 #include <QDesktopServices>
 
 #include <future>
