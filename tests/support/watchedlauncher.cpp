@@ -4,13 +4,21 @@ namespace {
 
 class WatchedProcess : public platform::Process {
 public:
-    WatchedProcess(std::shared_ptr<Process> process, std::function<void()> afterRun)
+    WatchedProcess(std::shared_ptr<Process> process, std::atomic<int> &launching,
+                   std::function<void()> afterRun)
         : m_process(std::move(process))
+        , m_launching(launching)
         , m_afterRun(std::move(afterRun))
     {
     }
 
-    platform::Outcome launch() override { return m_process->launch(); }
+    platform::Outcome launch() override
+    {
+        ++m_launching;
+        platform::Outcome launched = m_process->launch();
+        --m_launching;
+        return launched;
+    }
     void waitUntilExit(const DataHandler &output, const DataHandler &error) override
     {
         m_process->waitUntilExit(output, error);
@@ -23,6 +31,7 @@ public:
 
 private:
     const std::shared_ptr<Process> m_process;
+    std::atomic<int> &m_launching;
     const std::function<void()> m_afterRun;
 };
 
@@ -32,8 +41,9 @@ std::shared_ptr<platform::Process> WatchedLauncher::process(const QString &path,
 {
     if (beforeRun)
         beforeRun(path);
-    return std::make_shared<WatchedProcess>(PosixProcessLauncher::process(path, arguments), [this, path] {
-        if (afterRun)
-            afterRun(path);
-    });
+    return std::make_shared<WatchedProcess>(PosixProcessLauncher::process(path, arguments), m_launching,
+                                            [this, path] {
+                                                if (afterRun)
+                                                    afterRun(path);
+                                            });
 }

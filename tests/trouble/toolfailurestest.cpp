@@ -152,7 +152,8 @@ protected:
         road.host.runUntil([&] { // a poll's run comes only when its timer fires
             if (road.host.timers.armed().size() == 1)
                 road.host.timers.fireNext();
-            return road.host.tools.callsOf(tool).size() == run;
+            // Until the launch has returned, the signal of a cancel might come after the release.
+            return road.host.tools.callsOf(tool).size() == run && !road.host.launcher.isLaunching();
         });
         road.host.document().doCancel();
         road.host.tools.release(tool, run);
