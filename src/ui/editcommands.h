@@ -3,25 +3,29 @@
 #include <QObject>
 #include <QPointer>
 
+class FrameWindow;
 class QAction;
 class QKeySequence;
 class QMenu;
 
-/// The items of an edit menu that concern the text in which the insertion point is or was last, in one
-/// window. Lives as long as the menu.
+/// The items of a frame's edit menu for the text in which the insertion point is or was last: on the page
+/// that shows, or in its sheet while one is up. Lives as long as the menu.
 class EditCommands : public QObject {
     Q_OBJECT
 
 public:
-    EditCommands(QWidget &window, QMenu &menu);
+    EditCommands(FrameWindow &frame, QMenu &menu);
 
 private:
     QAction *add(QMenu &menu, const QString &text, const QKeySequence &shortcut, const char *slot);
     void showWhatIsPossible();
+    bool isOfFrame(const QWidget &text) const;
+    QWidget *editor() const;
     bool hasSelection() const;
     bool isEditable() const;
 
-    QPointer<QWidget> m_editor; ///< a menu that is open has taken the focus from it
+    FrameWindow &m_frame;
+    QPointer<QWidget> m_lastEditor; ///< a menu that is open has taken the focus from it
     QAction *m_cut;
     QAction *m_copy;
     QAction *m_paste;

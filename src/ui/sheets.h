@@ -18,6 +18,8 @@ public:
     void begin(QDialog *dialog, std::function<void()> completion);
 
     bool isEmpty() const { return m_sheets.isEmpty(); }
+    /// The one that is up or will be when its page shows; null if there is none.
+    QDialog *current() const { return m_sheets.isEmpty() ? nullptr : m_sheets.first().dialog; }
     /// Brings the one that is up to the front.
     void activate();
 

@@ -45,6 +45,8 @@ public:
     /// A person wants to close the window. A sheet that is up has to be answered first.
     void requestClose();
     bool hasSheet() const { return !m_sheets.isEmpty(); }
+    /// Null if there is none.
+    QDialog *sheet() const { return m_sheets.current(); }
     DocumentPage &page() { return m_page; }
     /// The frame that the page is in.
     FrameWindow *frameWindow() const;
