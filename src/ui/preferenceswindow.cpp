@@ -163,8 +163,9 @@ void PreferencesWindow::addSigning(QBoxLayout &sections)
                         u"Without it, codesign refuses code that is signed already."_s);
     section.addCheckbox(m_preferences, key::prefCodesignDeep, u"Have codesign sign &nested code too"_s,
                         u"Rarely needed: nested code is signed piece by piece in any case."_s);
-    section.addCheckbox(m_preferences, key::prefDoPostCodesignCheck, u"&Verify after signing"_s,
-                        u"Has codesign check the finished signature before anything is uploaded."_s);
+    section.addCheckbox(
+        m_preferences, key::prefDoPostCodesignCheck, u"&Verify after signing"_s,
+        u"spctl assesses what was signed, if it is no disk image. Its answer is for the log file; the upload goes on."_s);
 }
 
 void PreferencesWindow::addNotarization(QBoxLayout &sections)

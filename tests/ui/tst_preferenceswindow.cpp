@@ -135,6 +135,14 @@ TEST_F(PreferencesWindowTest, aValueThatCannotBeShownStaysUntilAPersonSetsAnothe
     EXPECT_EQ(preferences.number(key::pollingDelay), 5.0);
 }
 
+TEST_F(PreferencesWindowTest, theCheckAfterSigningIsNotMadeMoreOfThanItIs)
+{
+    const QString said = part<QCheckBox>(key::prefDoPostCodesignCheck).accessibleDescription();
+    EXPECT_FALSE(said.contains(u"codesign"_s)) << "another tool has the say";
+    for (const QString &fact : {u"spctl"_s, u"log file"_s, u"upload goes on"_s, u"disk image"_s})
+        EXPECT_TRUE(said.contains(fact)) << fact.toStdString();
+}
+
 TEST_F(PreferencesWindowTest, theFolderOfToolsAgreesWithItsPreferenceBothWays)
 {
     auto &path = part<QLineEdit>(key::toolRoot);
