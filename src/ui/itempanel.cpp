@@ -11,25 +11,37 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// Leaves out the files that cannot be chosen.
+/// Leaves out the files of other types, and greys out those that cannot be chosen all the same.
 class ChoosableItems : public QSortFilterProxyModel {
 public:
-    ChoosableItems(std::function<bool(const QString &path)> mayChoose, QObject *parent)
+    using Test = std::function<bool(const QString &path)>;
+
+    ChoosableItems(Test hasType, Test mayChoose, QObject *parent)
         : QSortFilterProxyModel(parent)
+        , m_hasType(std::move(hasType))
         , m_mayChoose(std::move(mayChoose))
     {
+    }
+
+    Qt::ItemFlags flags(const QModelIndex &index) const override
+    {
+        const QModelIndex file = mapToSource(index);
+        const bool isRefused = file.isValid() && !files().isDir(file) && !m_mayChoose(files().filePath(file));
+        return QSortFilterProxyModel::flags(index) & ~(isRefused ? Qt::ItemIsEnabled : Qt::NoItemFlags);
     }
 
 protected:
     bool filterAcceptsRow(int row, const QModelIndex &parent) const override
     {
-        const auto &files = static_cast<const QFileSystemModel &>(*sourceModel());
-        const QModelIndex index = files.index(row, 0, parent);
-        return files.isDir(index) || m_mayChoose(files.filePath(index));
+        const QModelIndex index = files().index(row, 0, parent);
+        return files().isDir(index) || m_hasType(files().filePath(index));
     }
 
 private:
-    const std::function<bool(const QString &)> m_mayChoose;
+    const QFileSystemModel &files() const { return static_cast<const QFileSystemModel &>(*sourceModel()); }
+
+    const Test m_hasType;
+    const Test m_mayChoose;
 };
 
 } // namespace
@@ -40,7 +52,8 @@ ItemPanel::ItemPanel(const platform::OpenPanel &panel, QWidget *parent)
 {
     setOption(DontUseNativeDialog);
     setFileMode(panel.canChooseFiles ? ExistingFile : Directory);
-    setProxyModel(new ChoosableItems([this](const QString &path) { return mayChoose(path); }, this));
+    setProxyModel(new ChoosableItems([this](const QString &path) { return isChoosableFile(path); },
+                                     [this](const QString &path) { return mayChoose(path); }, this));
     connect(this, &QFileDialog::currentChanged, this, &ItemPanel::showName);
     connect(this, &QFileDialog::directoryEntered, this, [this](const QString &folder) {
         if (isChoosableFile(folder) && mayChoose(folder))

@@ -5,7 +5,8 @@
 #include <QFileDialog>
 
 /// An open panel for one item. A bundle folder is an item like a file if its extension is among the allowed
-/// ones; other folders are for walking through, unless folders may be chosen.
+/// ones; other folders are for walking through, unless folders may be chosen. Items that only the panel's
+/// owner refuses are on show, but off.
 class ItemPanel : public QFileDialog {
     Q_OBJECT
 

@@ -173,17 +173,25 @@ TEST_F(ItemPanelTest, aFileOfAnotherTypeIsNeitherShownNorTaken)
     EXPECT_TRUE(panel.chosenItem().isEmpty());
 }
 
-TEST_F(ItemPanelTest, theOwnersFilterHasTheLastWord)
+TEST_F(ItemPanelTest, whatTheOwnerRefusesIsShownGreyAndNotTaken)
 {
     auto &panel = open({.message = u"Choose a record"_s,
                         .allowedFileTypes = {u"txt"_s},
                         .canChooseFiles = true,
                         .canChooseDirectories = false,
                         .shouldEnable = &MainWinController::shouldEnableURL});
-    ASSERT_TRUE(awaitRow(u"RequestUUID.txt"_s));
-    EXPECT_FALSE(row(u"Notes.txt"_s).isValid());
+    ASSERT_TRUE(awaitRow(u"RequestUUID.txt"_s) && awaitRow(u"Notes.txt"_s));
+    EXPECT_FALSE(row(u"Notes.txt"_s).flags() & Qt::ItemIsEnabled) << "on show, but grey";
+    for (const QString &name : {u"RequestUUID.txt"_s, u"Folder"_s, u"Foo.app"_s})
+        EXPECT_TRUE(row(name).flags() & Qt::ItemIsEnabled) << name.toStdString();
+    EXPECT_FALSE(row(u"Installer.pkg"_s).isValid());
+    QTest::mouseClick(list().viewport(), Qt::LeftButton, {}, list().visualRect(row(u"Notes.txt"_s)).center());
+    QTest::mouseDClick(list().viewport(), Qt::LeftButton, {},
+                       list().visualRect(row(u"Notes.txt"_s)).center());
+    EXPECT_TRUE(panel.isVisible());
     enter(u"Notes.txt"_s);
     EXPECT_TRUE(panel.isVisible());
+    EXPECT_TRUE(panel.chosenItem().isEmpty());
     enter(u"RequestUUID.txt"_s);
     EXPECT_EQ(panel.chosenItem(), itempath::toUrl(path(u"RequestUUID.txt"_s)));
 }
