@@ -40,12 +40,17 @@ CommandBar::CommandBar(MainWinController &document, QWidget *parent)
     row->addStretch(1);
     QPushButton *const sign = makeButton(document.signOnlyButton, u"signOnlyButton"_s);
     QPushButton *const staple = makeButton(document.stapleOnlyButton, u"stapleOnlyButton"_s);
-    QPushButton *const submit = makeButton(document.submitAppButton, u"submitAppButton"_s);
+    m_submit = makeButton(document.submitAppButton, u"submitAppButton"_s);
     makeRoomFor(*staple, {u"Cancel"_s, u"Staple Only…"_s});
-    makeRoomFor(*submit, {u"Submit Now"_s, u"Submit…"_s});
-    for (QPushButton *const button : {sign, staple, submit})
+    makeRoomFor(*m_submit, {u"Submit Now"_s, u"Submit…"_s});
+    for (QPushButton *const button : {sign, staple, m_submit})
         row->addWidget(button);
-    submit->setDefault(true);
+    m_submit->setDefault(true);
+}
+
+void CommandBar::pressPrimaryButton()
+{
+    m_submit->click();
 }
 
 void CommandBar::addHistory(QBoxLayout &row)

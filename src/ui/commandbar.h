@@ -15,10 +15,14 @@ class CommandBar : public QWidget {
 public:
     explicit CommandBar(MainWinController &document, QWidget *parent = nullptr);
 
+    /// Presses the button that Return stands for, if it is on.
+    void pressPrimaryButton();
+
 private:
     void addHistory(QBoxLayout &row);
     QWidget *makePages();
     QPushButton *makeButton(Button &button, const QString &name);
 
     MainWinController &m_document;
+    QPushButton *m_submit = nullptr;
 };

@@ -12,6 +12,8 @@
 
 #include <QBoxLayout>
 #include <QDropEvent>
+#include <QKeyEvent>
+#include <QLineEdit>
 #include <QMimeData>
 #include <QRubberBand>
 #include <QSplitter>
@@ -35,13 +37,14 @@ QStringList pathsOf(const QMimeData &data)
 DocumentPage::DocumentPage(MainWinController &document)
     : m_document(document)
     , m_header(new ItemHeader(document, this))
+    , m_commands(new CommandBar(document, this))
     , m_dropOutline(new QRubberBand(QRubberBand::Rectangle, this))
 {
     setAcceptDrops(true);
     auto *const rows = new QVBoxLayout(this);
     rows->addWidget(m_header);
     rows->addWidget(makeParts(), 1);
-    rows->addWidget(new CommandBar(document, this));
+    rows->addWidget(m_commands);
     setStatusWord(document.statusString());
     findChild<QWidget *>(u"appleIDField"_s)->setFocus();
 }
@@ -70,6 +73,11 @@ QWidget *DocumentPage::makeRun()
 FindBar &DocumentPage::findBar() const
 {
     return m_logPane->findBar();
+}
+
+void DocumentPage::pressPrimaryButton()
+{
+    m_commands->pressPrimaryButton();
 }
 
 void DocumentPage::setStatusWord(const QString &word)
@@ -114,4 +122,15 @@ void DocumentPage::dropEvent(QDropEvent *event)
     m_dropOutline->hide();
     event->acceptProposedAction();
     m_document.appDelegate().applicationOpenFiles(pathsOf(*event->mimeData()));
+}
+
+void DocumentPage::keyPressEvent(QKeyEvent *event)
+{
+    // A default button has the key from elsewhere in a dialog only, and a page is none.
+    const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    const bool isPlain = !(event->modifiers() & ~Qt::KeypadModifier) && !event->isAutoRepeat();
+    if (isReturn && isPlain && qobject_cast<QLineEdit *>(focusWidget()))
+        pressPrimaryButton();
+    else
+        QWidget::keyPressEvent(event);
 }

@@ -3,6 +3,7 @@
 #include <QPointer>
 #include <QWidget>
 
+class CommandBar;
 class FindBar;
 class ItemHeader;
 class LogPane;
@@ -22,6 +23,8 @@ public:
     void setStatusWord(const QString &word);
     /// What searches the log.
     FindBar &findBar() const;
+    /// Presses the button that Return stands for, if it is on.
+    void pressPrimaryButton();
     /// A page that goes into another frame forgets which of its parts has the keyboard focus, unless it is
     /// told to remember.
     void rememberFocus();
@@ -33,6 +36,7 @@ protected:
     void dragEnterEvent(QDragEnterEvent *event) override;
     void dragLeaveEvent(QDragLeaveEvent *event) override;
     void dropEvent(QDropEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
 
 private:
     QWidget *makeParts();
@@ -41,6 +45,7 @@ private:
     MainWinController &m_document;
     ItemHeader *m_header;
     LogPane *m_logPane = nullptr;
+    CommandBar *m_commands;
     QRubberBand *m_dropOutline; ///< on show while files that can be dropped are over the page
     QPointer<QWidget> m_lastFocus;
 };

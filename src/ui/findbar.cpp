@@ -76,10 +76,15 @@ void FindBar::findPrevious()
 
 void FindBar::keyPressEvent(QKeyEvent *event)
 {
-    if (event->key() == Qt::Key_Escape)
-        putAway();
-    else
+    switch (event->key()) {
+    case Qt::Key_Escape:
+        return putAway();
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        return; // the field has searched, and nothing else is meant
+    default:
         QWidget::keyPressEvent(event);
+    }
 }
 
 void FindBar::findWhileTyping()

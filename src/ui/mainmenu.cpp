@@ -66,12 +66,20 @@ void MainMenu::addNewItems(QMenu &menu)
 
 void MainMenu::addWorkflows(QMenu &menu)
 {
-    addCommand(menu, u"&Submit…"_s, QKeySequence(u"Ctrl+Return"_s), Action::doSubmit);
+    QAction *const submit = addCommand(menu, u"&Submit…"_s, QKeySequence(u"Ctrl+Return"_s), Action::doSubmit);
+    connect(submit, &QAction::triggered, this, &MainMenu::submitDroppedItem);
     addCommand(menu, u"Si&gn Only…"_s, QKeySequence(u"Ctrl+Shift+Return"_s), Action::doSignOnly);
     // The button of that name has this key; two owners of one key would each keep it from the other.
     addCommand(menu, u"Staple &Only…\tCtrl+O"_s, {}, Action::doStapleOnly);
     addAgainItem(menu);
     addCommand(menu, u"C&ancel\tCtrl+."_s, {}, Action::doCancel);
+}
+
+/// While a dropped item waits the menu's item is off, but its key goes on standing for the button.
+void MainMenu::submitDroppedItem()
+{
+    if (document().submitAppButton.action() == Action::doDirectSubmit && !m_frame.selected().hasSheet())
+        m_frame.selected().page().pressPrimaryButton();
 }
 
 void MainMenu::addAgainItem(QMenu &menu)

@@ -23,6 +23,7 @@ private:
     void addFileMenu();
     void addNewItems(QMenu &menu);
     void addWorkflows(QMenu &menu);
+    void submitDroppedItem();
     void addAgainItem(QMenu &menu);
     void addCloseItems(QMenu &menu);
     void addEditMenu();

@@ -3,6 +3,7 @@
 #include "document/documentextensions.h"
 #include "platform/itempath.h"
 #include "support/items.h"
+#include "ui/itempanel.h"
 
 #include <QApplication>
 #include <QLineEdit>
@@ -69,6 +70,39 @@ TEST_F(DirectSubmit, submitNowStartsWithTheItemThatWasDropped)
     host.firePolls();
     answer(u"OK"_s);
     EXPECT_EQ(host.listing(), QStringList{u"Foo - Notarized"_s});
+}
+
+TEST_F(DirectSubmit, ctrlAndReturnSubmitNow)
+{
+    QTest::keyClick(&widget(), Qt::Key_Return, Qt::ControlModifier);
+    EXPECT_TRUE(document().isBusy());
+    host.settle();
+    EXPECT_TRUE(document().isPolling());
+    EXPECT_FALSE(page().findChild<ItemPanel *>());
+    host.firePolls();
+    answer(u"OK"_s);
+}
+
+TEST_F(DirectSubmit, returnInAFieldSubmitsNow)
+{
+    QTest::keyClick(&part<QLineEdit>(u"appleIDField"_s), Qt::Key_Return);
+    EXPECT_TRUE(document().isBusy());
+    host.settle();
+    EXPECT_EQ(host.tools.callsOf(u"altool--notarize-app"_s).size(), 1);
+    host.firePolls();
+    answer(u"OK"_s);
+}
+
+TEST_F(DirectSubmit, underASheetNoKeySubmits)
+{
+    window().beginSheet({u"Question"_s, u"Well?"_s, {}}, [](int) {});
+    awaitSheet();
+    widget().activateWindow();
+    until([this] { return widget().isActiveWindow(); });
+    QTest::keyClick(&widget(), Qt::Key_Return, Qt::ControlModifier);
+    QTest::keyClick(&part<QLineEdit>(u"appleIDField"_s), Qt::Key_Return);
+    EXPECT_FALSE(document().isBusy());
+    answer(u"OK"_s);
 }
 
 namespace {

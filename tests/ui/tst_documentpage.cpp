@@ -3,6 +3,7 @@
 #include "document/documentextensions.h"
 #include "signing/entitlements.h"
 #include "support/items.h"
+#include "ui/findbar.h"
 #include "ui/itempanel.h"
 
 #include <QCheckBox>
@@ -211,6 +212,41 @@ TEST_F(DocumentPageTest, submitAsksForAnItemAndSubmitsIt)
     host.firePolls();
     answer(u"OK"_s);
     EXPECT_TRUE(submit().isEnabled());
+}
+
+TEST_F(DocumentPageTest, returnInAFieldPressesThePrimaryButtonOnce)
+{
+    for (const TextRow &row : textRows) {
+        for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter}) {
+            auto &field = part<QLineEdit>(row.name);
+            field.setText(u"something"_s);
+            field.setFocus();
+            QTest::keyClick(&field, key, key == Qt::Key_Enter ? Qt::KeypadModifier : Qt::NoModifier);
+            ASSERT_EQ(widget().findChildren<ItemPanel *>().size(), 1) << row.name.toStdString();
+            part<ItemPanel>({}).reject();
+            until([this] { return !widget().findChild<ItemPanel *>(); });
+        }
+    }
+}
+
+TEST_F(DocumentPageTest, returnElsewhereIsNotForThePrimaryButton)
+{
+    part<FindBar>({}).open();
+    for (const QString &name : {u"findField"_s, u"statusTextView"_s, u"identitiesPopup"_s,
+                                u"cameraCheckbox"_s, u"chooseProviderButton"_s}) {
+        auto &other = part<QWidget>(name);
+        other.setFocus();
+        QTest::keyClick(&other, Qt::Key_Return);
+        EXPECT_FALSE(document().isBusy() || widget().findChild<ItemPanel *>()) << name.toStdString();
+    }
+}
+
+TEST_F(DocumentPageTest, returnDoesNothingWhileThePrimaryButtonIsOff)
+{
+    document().progressIndicator.startAnimation();
+    QTest::keyClick(&part<QLineEdit>(u"appleIDField"_s), Qt::Key_Return);
+    EXPECT_FALSE(document().isBusy() || widget().findChild<ItemPanel *>());
+    document().progressIndicator.stopAnimation();
 }
 
 TEST_F(DocumentPageTest, aPanelThatIsCancelledLeavesTheDocumentReady)
