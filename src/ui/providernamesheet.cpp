@@ -43,6 +43,7 @@ ProviderNameSheet::ProviderNameSheet(MainWinController &document, QWidget *paren
     , m_document(document)
 {
     setWindowTitle(u"Provider Short Name"_s);
+    named(this, u"providerSheetWindow"_s, windowTitle());
     setMinimumWidth(fontMetrics().averageCharWidth() * charactersAcross);
     m_pages = new QStackedWidget(this);
     m_pages->setObjectName(u"providerSheetTabView"_s);
@@ -69,11 +70,12 @@ void ProviderNameSheet::reject()
 
 QWidget *ProviderNameSheet::makeWaitingPage()
 {
+    const QString label = u"Asking Apple for your development teams…"_s;
     auto *const page = new QWidget(m_pages);
     auto *const rows = new QVBoxLayout(page);
-    auto *const progress = named(new BusyBar(page), u"providerSheetProgress"_s, u"Progress"_s);
+    auto *const progress = named(new BusyBar(page), u"providerSheetProgress"_s, label);
     bindings::bind(*progress, m_document.providerSheetProgress);
-    rows->addWidget(makeCaption(page, u"Asking Apple for your development teams…"_s, progress));
+    rows->addWidget(makeCaption(page, label, progress));
     rows->addWidget(progress);
     rows->addStretch(1);
     return page;

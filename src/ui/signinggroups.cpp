@@ -140,7 +140,7 @@ QWidget *SigningGroup::makeDropDMG()
          u"Has DropDMG make the disk image to one of its configurations"_s});
     QComboBox *const configurations =
         makePopup(this, m_document.dropDMGConfigsPopup, u"dropDMGConfigsPopup"_s);
-    configurations->setAccessibleName(u"DropDMG configuration"_s);
+    configurations->setAccessibleName(use->accessibleName()); // whose words lead to it
     auto *const line = new QWidget(this);
     auto *const row = new QHBoxLayout(line);
     row->setContentsMargins(fontMetrics().averageCharWidth() * 3, 0, 0, 0); // it depends on the one above

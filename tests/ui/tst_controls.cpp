@@ -5,6 +5,7 @@
 
 #include "app/preferencekeys.h"
 #include "document/documentextensions.h"
+#include "notarization/providernames.h"
 #include "platform/itempath.h"
 #include "support/items.h"
 #include "ui/itempanel.h"
@@ -13,6 +14,7 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QProgressBar>
@@ -73,6 +75,39 @@ TEST_F(Controls, eachButtonShowsWhatItsControlHasAndCarriesItsCommand)
     }
 }
 
+TEST_F(Controls, eachControlOfADocumentIsInItsWindowUnderItsName)
+{
+    const QList<std::pair<const char *, QStringList>> names{
+        {"LogView", {u"statusTextView"_s}},
+        {"QLineEdit",
+         {u"providerNameField"_s, u"appleIDField"_s, u"appPassField"_s, u"appletNameField"_s,
+          u"historyMaxPagesField"_s}},
+        {"QComboBox", {u"identitiesPopup"_s, u"dropDMGConfigsPopup"_s, u"providerSheetPopup"_s}},
+        {"QCheckBox",
+         {u"eventsCheckbox"_s, u"calendarsCheckbox"_s, u"audioCheckbox"_s, u"cameraCheckbox"_s,
+          u"locationCheckbox"_s, u"photosCheckbox"_s, u"addressBookCheckbox"_s, u"disableLibCheckbox"_s,
+          u"allowJITCheckbox"_s, u"allowUnsignedExecMemCheckbox"_s, u"allowDYLDEnvCheckbox"_s,
+          u"disableMemProtectionCheckbox"_s, u"isDebugToolCheckbox"_s, u"dontSignEnclosuresCheckbox"_s,
+          u"dontClearCheckbox"_s, u"createDiskImageCheckbox"_s, u"useDropDMGCheckbox"_s,
+          u"extraEntitlementsButton"_s}},
+        {"QProgressBar", {u"progressIndicator"_s, u"providerSheetProgress"_s}},
+        {"QLabel", {u"historyMaxPagesLabel"_s, u"providerSheetErrorText"_s, u"providerSheetDetailText"_s}},
+        {"QPushButton",
+         {u"fetchHistoryButton"_s, u"stapleOnlyButton"_s, u"submitAppButton"_s, u"signOnlyButton"_s,
+          u"chooseProviderButton"_s}},
+        {"QDialog", {u"providerSheetWindow"_s}},
+        {"QStackedWidget", {u"providerSheetTabView"_s}},
+    };
+    window().beginSheetNamed(providerNameSheet, [](int) {});
+    for (const auto &[kind, namesOfKind] : names) {
+        for (const QString &name : namesOfKind) {
+            const auto found = page().findChildren<QWidget *>(name);
+            ASSERT_EQ(found.size(), 1) << name.toStdString();
+            EXPECT_TRUE(found.first()->inherits(kind)) << name.toStdString();
+        }
+    }
+}
+
 TEST_F(Controls, eachButtonIsOffWhileAWorkflowRuns)
 {
     const QStringList helpButtons{u"appPassHelpButton"_s, u"teamProviderHelpButton"_s,
@@ -122,7 +157,7 @@ TEST_F(Controls, theDiskImageOptionsAgreeWithTheirFieldsBothWays)
 TEST_F(Controls, theConfigurationsOfDropDMGAgreeWithTheirControlBothWays)
 {
     auto &combo = part<QComboBox>(u"dropDMGConfigsPopup"_s);
-    EXPECT_EQ(combo.accessibleName(), u"DropDMG configuration"_s);
+    EXPECT_EQ(combo.accessibleName(), u"Made by DropDMG with"_s);
     host.application().dropDMGConfigNames.set({u"Plain"_s, u"Fancy"_s});
     document().useDiskImage.set(true);
     EXPECT_FALSE(combo.isEnabled());

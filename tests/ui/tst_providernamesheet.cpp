@@ -162,7 +162,9 @@ TEST_F(ProviderSheetTest, saysItsNamesToScreenReaders)
 {
     listToTheEnd();
     EXPECT_EQ(part<QWidget>(u"providerSheetPopup"_s).accessibleName(), u"Development team"_s);
-    EXPECT_EQ(part<QWidget>(u"providerSheetProgress"_s).accessibleName(), u"Progress"_s);
+    EXPECT_EQ(part<QDialog>(u"providerSheetWindow"_s).accessibleName(), u"Provider Short Name"_s);
+    EXPECT_EQ(part<QWidget>(u"providerSheetProgress"_s).accessibleName(),
+              u"Asking Apple for your development teams…"_s);
     EXPECT_EQ(part<QWidget>(u"providerSheetOK"_s).accessibleName(), u"OK"_s);
     EXPECT_EQ(part<QWidget>(u"providerSheetCancel"_s).accessibleName(), u"Cancel"_s);
 }
