@@ -50,7 +50,7 @@ struct DocumentFields {
     Property<std::shared_ptr<ScriptCommand>> currentCommand;
     ObservableProperty<QString> statusString;
     Property<quint64> lastAction{nothingToRepeat};
-    Property<quint64> maxPageCount{1};
+    ObservableProperty<quint64> maxPageCount{1};
     Property<std::shared_ptr<platform::FileHandle>> logHandle; ///< the open log file, or null
     Property<std::shared_ptr<platform::Timer>> staplingTimer; ///< the pending poll, or null
     Property<quint64> infoFailureCount; ///< failures while polling

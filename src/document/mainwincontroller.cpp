@@ -27,16 +27,17 @@ void deleteOnMainThread(platform::MainQueue &mainQueue, MainWinController *docum
         mainQueue.post([document] { delete document; });
 }
 
-/// Keeps the number as the field has it; what is no number leaves it as it is.
-void bind(TextField &field, Property<quint64> &number)
+/// Keeps the number and the field the same, whichever is changed. A text that is no number from 1 on stays
+/// in the field and leaves the number as it is.
+void bind(TextField &field, ObservableProperty<quint64> &number)
 {
-    field.setStringValue(QString::number(number()));
-    QObject::connect(&field, &Control::changed, &field, [&] {
-        bool isNumber = false;
-        const quint64 typed = field.stringValue().toULongLong(&isNumber);
-        if (isNumber)
+    const auto show = [&] { field.setStringValue(QString::number(number())); };
+    QObject::connect(&number, &Observable::changed, &field, show);
+    QObject::connect(&field, &Control::changed, &number, [&] {
+        if (const quint64 typed = field.stringValue().toULongLong(); typed > 0)
             number.set(typed);
     });
+    show();
 }
 
 /// Keeps a checkbox and the flag that it shows the same, whichever is changed.

@@ -19,6 +19,21 @@ namespace {
 constexpr int mostPages = 99'999;
 constexpr int digitsAcross = 7;
 
+/// Puts the number of pages that is in force in the place of a text that is none, when the edit ends.
+class PagesValidator : public QIntValidator {
+public:
+    PagesValidator(const MainWinController &document, QObject *parent)
+        : QIntValidator(1, mostPages, parent)
+        , m_document(document)
+    {
+    }
+
+    void fixup(QString &text) const override { text = QString::number(m_document.maxPageCount()); }
+
+private:
+    const MainWinController &m_document;
+};
+
 /// As wide as the widest of the titles that a button has in the course of time.
 void makeRoomFor(QPushButton &push, const QStringList &titles)
 {
@@ -71,7 +86,7 @@ QWidget *CommandBar::makePages()
     auto *const pages =
         named(new QLineEdit(this), u"historyMaxPagesField"_s, m_document.historyMaxPagesLabel.stringValue());
     pages->setToolTip(u"How many pages of the history to fetch"_s);
-    pages->setValidator(new QIntValidator(1, mostPages, pages));
+    pages->setValidator(new PagesValidator(m_document, pages));
     pages->setFixedWidth(pages->fontMetrics().horizontalAdvance(u'0') * digitsAcross);
     pages->setAcceptDrops(false);
     keepPlace(*pages);

@@ -194,12 +194,12 @@ TEST_F(HistoryTest, takesTheMostPagesFromItsField)
     EXPECT_EQ(document().historyMaxPagesField.stringValue(), u"1"_s);
     document().historyMaxPagesField.setStringValue(u"12"_s);
     EXPECT_EQ(document().maxPageCount(), 12u);
-    for (const QString &noNumber : {u"many"_s, u""_s, u"-1"_s, u"1.5"_s, u"3x"_s}) {
+    for (const QString &noNumber : {u"many"_s, u""_s, u"-1"_s, u"1.5"_s, u"3x"_s, u"0"_s}) {
         document().historyMaxPagesField.setStringValue(noNumber);
         EXPECT_EQ(document().maxPageCount(), 12u) << noNumber.toStdString();
     }
-    document().historyMaxPagesField.setStringValue(u"0"_s);
-    EXPECT_EQ(document().maxPageCount(), 0u);
+    document().maxPageCount.set(5);
+    EXPECT_EQ(document().historyMaxPagesField.stringValue(), u"5"_s);
 }
 
 // For a script

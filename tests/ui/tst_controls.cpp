@@ -189,6 +189,24 @@ TEST_F(Controls, theHistorysPagesAgreeWithTheirFieldBothWays)
     EXPECT_EQ(part<QLabel>(u"historyMaxPagesLabel"_s).text(), u"Most pages"_s);
 }
 
+TEST_F(Controls, aNumberOfPagesThatIsNoneGivesWayToTheOneInForceAtTheEndOfTheEdit)
+{
+    auto &pages = part<QLineEdit>(u"historyMaxPagesField"_s);
+    document().maxPageCount.set(3);
+    EXPECT_EQ(pages.text(), u"3"_s);
+    for (const QString &typed : {u""_s, u"0"_s, u"000"_s}) {
+        pages.setFocus();
+        pages.selectAll();
+        QTest::keyClick(&pages, Qt::Key_Delete);
+        QTest::keyClicks(&pages, typed);
+        EXPECT_EQ(pages.text(), typed) << "an edit is not disturbed";
+        EXPECT_EQ(document().maxPageCount(), 3u) << typed.toStdString();
+        part<QLineEdit>(u"appleIDField"_s).setFocus();
+        EXPECT_EQ(pages.text(), u"3"_s) << typed.toStdString();
+        EXPECT_EQ(document().historyMaxPagesField.stringValue(), u"3"_s) << typed.toStdString();
+    }
+}
+
 TEST_F(Controls, theLogShowsWhatItsControlHas)
 {
     auto &log = part<LogView>(u"statusTextView"_s);
