@@ -32,6 +32,13 @@ QStringList pathsOf(const QMimeData &data)
     return paths;
 }
 
+/// Whatever is proposed: an owner who was told of a move would take the files away.
+void acceptCopy(QDropEvent &event)
+{
+    event.setDropAction(Qt::CopyAction);
+    event.accept();
+}
+
 } // namespace
 
 DocumentPage::DocumentPage(MainWinController &document)
@@ -106,7 +113,7 @@ void DocumentPage::dragEnterEvent(QDragEnterEvent *event)
 {
     if (pathsOf(*event->mimeData()).isEmpty())
         return;
-    event->acceptProposedAction();
+    acceptCopy(*event);
     m_dropOutline->setGeometry(rect());
     m_dropOutline->show();
     m_dropOutline->raise();
@@ -120,7 +127,7 @@ void DocumentPage::dragLeaveEvent(QDragLeaveEvent *)
 void DocumentPage::dropEvent(QDropEvent *event)
 {
     m_dropOutline->hide();
-    event->acceptProposedAction();
+    acceptCopy(*event);
     m_document.appDelegate().applicationOpenFiles(pathsOf(*event->mimeData()));
 }
 

@@ -26,8 +26,12 @@ LogPane::LogPane(MainWinController &document, QWidget *parent)
     , m_findBar(new FindBar(*m_log, this))
 {
     m_log->setAcceptDrops(false); // files that are dropped here are for the window
-    m_log->setPlaceholderText(
-        u"Drop an app, plug-in, package or disk image on this window, or press Submit…"_s);
+    const auto showHint = [this] {
+        m_log->setPlaceholderText(u"Drop an app, plug-in, package or disk image on this window, or press "_s
+                                  + m_document.submitAppButton.title());
+    };
+    connect(&document.submitAppButton, &Control::changed, m_log, showHint);
+    showHint();
     m_log->setMinimumHeight(leastLogLines * m_log->fontMetrics().lineSpacing());
     auto *const rows = new QVBoxLayout(this);
     rows->setContentsMargins(0, 0, 0, 0);

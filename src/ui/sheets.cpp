@@ -2,7 +2,6 @@
 
 #include <QApplication>
 #include <QEvent>
-#include <QPointer>
 #include <QWindow>
 
 namespace {
@@ -58,10 +57,21 @@ void Sheets::putUp()
     QDialog &dialog = *m_sheets.first().dialog;
     if (dialog.isVisible())
         return;
-    dialog.addActions(m_page.window()->actions()); // so that the keys lead from here to other tabs as well
+    lendKeys(dialog);
     dialog.winId(); // makes its window
     dialog.windowHandle()->setTransientParent(m_page.window()->windowHandle()); // which changes with the page
     dialog.show();
+}
+
+/// Has the keys of the frame lead from the sheet to other tabs as well.
+void Sheets::lendKeys(QDialog &dialog)
+{
+    for (const auto &action : std::exchange(m_lent, {})) // of the frame in which the page was before
+        dialog.removeAction(action);
+    for (QAction *const action : m_page.window()->actions()) {
+        dialog.addAction(action);
+        m_lent.append(action);
+    }
 }
 
 void Sheets::activate()

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <QAction>
 #include <QDialog>
 #include <QList>
+#include <QPointer>
 
 #include <functional>
 
@@ -37,9 +39,11 @@ private:
     };
 
     void putUp();
+    void lendKeys(QDialog &dialog);
     void end(const QDialog *dialog);
     bool isOfPage(const QObject *object) const;
 
     QWidget &m_page;
     QList<Sheet> m_sheets; // the first one is up
+    QList<QPointer<QAction>> m_lent; ///< to it, by the frame
 };

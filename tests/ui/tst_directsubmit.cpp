@@ -8,6 +8,7 @@
 #include <QApplication>
 #include <QLineEdit>
 #include <QMimeData>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRubberBand>
 
@@ -41,6 +42,14 @@ TEST_F(DirectSubmit, theItemAndTheTwoButtonsAreOnShow)
     EXPECT_EQ(cancel().text(), u"Cancel"_s);
     EXPECT_TRUE(cancel().isVisible());
     EXPECT_EQ(cancel().toolTip(), QString());
+}
+
+TEST_F(DirectSubmit, theEmptyLogNamesTheButtonAsItReads)
+{
+    const auto &log = part<QPlainTextEdit>(u"statusTextView"_s);
+    EXPECT_TRUE(log.placeholderText().endsWith(u"press Submit Now"_s)) << log.placeholderText().toStdString();
+    QTest::mouseClick(&cancel(), Qt::LeftButton);
+    EXPECT_TRUE(log.placeholderText().endsWith(u"press Submit…"_s)) << log.placeholderText().toStdString();
 }
 
 TEST_F(DirectSubmit, cancelGoesBackToTheOrdinaryWindow)
@@ -141,6 +150,21 @@ TEST_F(DropOnAWindow, aBundleWhoseURLEndsInASlashIsABundleAllTheSame)
     items::makeBundle(host.item(u"Foo.app"_s));
     EXPECT_TRUE(drop({QUrl::fromLocalFile(host.item(u"Foo.app/"_s))}));
     EXPECT_EQ(window().title(), u"Foo.app"_s);
+}
+
+TEST_F(DropOnAWindow, filesAreCopiedEvenIfTheirOwnerWouldHaveThemMoved)
+{
+    QMimeData data;
+    data.setUrls({itempath::toUrl(host.item(u"Foo.PKG"_s))});
+    const Qt::DropActions offered = Qt::CopyAction | Qt::MoveAction;
+    QDragEnterEvent enter(QPoint(5, 5), offered, &data, Qt::LeftButton, Qt::ShiftModifier);
+    QDropEvent drop(QPointF(5, 5), offered, &data, Qt::LeftButton, Qt::ShiftModifier);
+    for (QDropEvent *const event : {static_cast<QDropEvent *>(&enter), &drop}) {
+        ASSERT_EQ(event->proposedAction(), Qt::MoveAction);
+        QApplication::sendEvent(&page(), event);
+        EXPECT_TRUE(event->isAccepted());
+        EXPECT_EQ(event->dropAction(), Qt::CopyAction);
+    }
 }
 
 TEST_F(DropOnAWindow, whatHoldsNoFileIsNotTaken)

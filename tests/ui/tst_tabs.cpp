@@ -378,6 +378,7 @@ TEST_F(Tabs, aSheetGoesWithItsPageIntoAnotherFrame)
     frame().removeWindow(window());
     until([&] { return widget().isVisible() && box.isVisible(); });
     EXPECT_EQ(box.windowHandle()->transientParent(), widget().windowHandle());
+    EXPECT_EQ(box.actions(), widget().actions()) << "its keys are for the new frame alone";
     answer(u"OK"_s);
 }
 
