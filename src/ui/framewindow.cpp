@@ -39,7 +39,7 @@ FrameWindow::FrameWindow(WindowOrder &order)
         Q_EMIT tabsChanged();
     });
     connect(m_tabs, &TabWidget::tabCloseRequested, this,
-            [this](int index) { m_windows.at(index)->requestClose(); });
+            [this](int index) { m_windows.at(index)->performClose(); });
     connect(&m_tabs->tabs(), &TabBar::tabMoved, this, [this](int from, int to) { m_windows.move(from, to); });
     connect(&m_tabs->tabs(), &TabBar::tabDraggedOut, this,
             [this](int index, QPoint position) { dropTab(*m_windows.at(index), position); });
@@ -190,7 +190,7 @@ void FrameWindow::closeEvent(QCloseEvent *event)
 {
     event->ignore(); // each document decides for itself
     for (WidgetWindow *const window : QList(m_windows))
-        window->requestClose();
+        window->performClose();
 }
 
 void FrameWindow::changeEvent(QEvent *event)

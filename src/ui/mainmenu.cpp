@@ -103,7 +103,7 @@ void MainMenu::addAgainItem(QMenu &menu)
 
 void MainMenu::addCloseItems(QMenu &menu)
 {
-    addItem(menu, u"&Close"_s, QKeySequence(u"Ctrl+W"_s), [this] { m_frame.selected().requestClose(); });
+    addItem(menu, u"&Close"_s, QKeySequence(u"Ctrl+W"_s), [this] { m_frame.selected().performClose(); });
     addCommand(menu, u"Close All Ta&bs"_s, QKeySequence(u"Ctrl+Shift+W"_s), Action::doCloseWindow);
     addItem(menu, u"Close A&ll"_s, QKeySequence(u"Ctrl+Alt+W"_s),
             [this] { document().appDelegate().doCloseAll(); });

@@ -139,22 +139,22 @@ bool WidgetWindow::makeNothingFirstResponder()
 
 // Closing
 
-void WidgetWindow::requestClose()
-{
-    if (!hasSheet())
-        return performClose();
-    frameWindow()->setSelectedWindow(*this);
-    m_sheets.activate();
-    QApplication::beep();
-}
-
 void WidgetWindow::performClose()
 {
+    if (hasSheet())
+        return insistOnSheet();
     if (!m_delegate.shouldClose || m_delegate.shouldClose())
         return close();
     FrameWindow &frame = *frameWindow();
     if (!frame.selected().hasSheet())
         frame.setSelectedWindow(*this); // the question is not asked out of sight
+}
+
+void WidgetWindow::insistOnSheet()
+{
+    frameWindow()->setSelectedWindow(*this);
+    m_sheets.activate();
+    QApplication::beep();
 }
 
 void WidgetWindow::close()

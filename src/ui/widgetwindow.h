@@ -32,6 +32,7 @@ public:
     void orderAbove(qint64 windowNumber) override;
     void endEditing() override;
     [[nodiscard]] bool makeNothingFirstResponder() override;
+    /// A sheet that is up has to be answered first, whoever closes the window.
     void performClose() override;
     void close() override;
     void beginSheet(const platform::Alert &alert, std::function<void(int)> completion) override;
@@ -42,8 +43,6 @@ public:
     void printLog() override;
     void setDelegate(Delegate delegate) override { m_delegate = std::move(delegate); }
 
-    /// A person wants to close the window. A sheet that is up has to be answered first.
-    void requestClose();
     bool hasSheet() const { return !m_sheets.isEmpty(); }
     /// Null if there is none.
     QDialog *sheet() const { return m_sheets.current(); }
@@ -54,6 +53,7 @@ public:
     QWidget &widget();
 
 private:
+    void insistOnSheet();
     QRect place() const;
     void setPlace(const QRect &place);
 

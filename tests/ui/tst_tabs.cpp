@@ -367,7 +367,6 @@ TEST_F(Tabs, theKeysLeadFromASheetToTheNextTab)
     until([&] { return box.isActiveWindow(); });
     QTest::keyClick(&box, Qt::Key_PageDown, Qt::ControlModifier);
     EXPECT_EQ(selectedTitle(frame()), u"Untitled"_s);
-    window().performClose();
 }
 
 TEST_F(Tabs, aSheetGoesWithItsPageIntoAnotherFrame)

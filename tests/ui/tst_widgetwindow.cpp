@@ -119,6 +119,27 @@ TEST_F(WidgetWindowTest, closingABusyWindowAllTheSameLetsGoOfItsDocument)
     until([&] { return watched.expired(); });
 }
 
+TEST_F(WidgetWindowTest, whileASheetIsUpNobodyClosesTheWindowOrAsksAgain)
+{
+    document().isBusy.set(true);
+    int answers = 0;
+    window().beginSheet({u"Question"_s, u"Well?"_s, {}}, [&](int) { ++answers; });
+    AlertBox &box = awaitSheet();
+    host.application().doCloseAll();
+    document().doCloseDocument(CloseSender::script);
+    host.settle();
+    EXPECT_EQ(page().findChildren<AlertBox *>(), QList<AlertBox *>{&box}) << "no second question";
+    EXPECT_EQ(host.applicationHost.beeps, 0) << "the document has not been asked";
+    document().isBusy.set(false);
+    window().performClose();
+    EXPECT_EQ(host.application().allControllers().size(), 1);
+    EXPECT_TRUE(box.isVisible());
+    answer(u"OK"_s);
+    EXPECT_EQ(answers, 1);
+    window().performClose();
+    EXPECT_TRUE(host.application().allControllers().isEmpty());
+}
+
 TEST_F(WidgetWindowTest, anIdleWindowClosesAtOnce)
 {
     const std::weak_ptr<MainWinController> watched = document().weak_from_this();
