@@ -4,6 +4,7 @@
 #include "support/fakehost.h"
 
 #include <QApplication>
+#include <QDBusMessage>
 #include <QDBusVariant>
 #include <QTest>
 
@@ -24,9 +25,11 @@ protected:
 
     void say(uint scheme)
     {
-        QMetaObject::invokeMethod(&desktop, "settingChanged", Q_ARG(QString, u"org.freedesktop.appearance"_s),
-                                  Q_ARG(QString, u"color-scheme"_s),
-                                  Q_ARG(QDBusVariant, QDBusVariant(QVariant(scheme))));
+        QDBusMessage signal = QDBusMessage::createSignal(
+            u"/org/freedesktop/portal/desktop"_s, u"org.freedesktop.portal.Settings"_s, u"SettingChanged"_s);
+        signal << u"org.freedesktop.appearance"_s << u"color-scheme"_s
+               << QVariant::fromValue(QDBusVariant(QVariant(scheme)));
+        QMetaObject::invokeMethod(&desktop, "settingChanged", Q_ARG(QDBusMessage, signal));
     }
     static bool isDark() { return Appearance::isDark(QApplication::palette()); }
     QString style() { return preferences.string(key::AppleInterfaceStyle); }
