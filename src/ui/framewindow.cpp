@@ -8,6 +8,7 @@
 #include <QAction>
 #include <QCloseEvent>
 #include <QMenuBar>
+#include <QScreen>
 
 #include <algorithm>
 
@@ -16,6 +17,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr QSize firstSize{1000, 760};
+constexpr int titleBarHeight = 40; // about what a desktop adds on top
 constexpr QPoint grip{80, 20}; // where in a frame of its own the pointer holds a tab that was dragged out
 
 QRect globalRect(const QWidget &widget)
@@ -32,7 +34,7 @@ FrameWindow::FrameWindow(WindowOrder &order)
     setCentralWidget(m_tabs);
     addTabCommands();
     new MainMenu(*this);
-    resize(firstSize);
+    resize(firstSize.width(), qMin(firstSize.height(), screen()->availableSize().height() - titleBarHeight));
     connect(m_tabs, &TabWidget::currentChanged, this, [this](int index) {
         if (index >= 0)
             showPage(selected().page());
