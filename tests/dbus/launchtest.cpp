@@ -55,6 +55,14 @@ TEST_F(Desktop, openedItemsWaitForAPersonInDocumentsOfTheirOwn)
     EXPECT_EQ(host.document().originalFileName(), u"Foo.app"_s);
 }
 
+TEST_F(Desktop, openedBundlesMayHaveASlashAtTheEndOfTheirURL)
+{
+    EXPECT_EQ(errorOf(open({appURL() + u'/', appURL(u"Bar.plugin"_s) + u"//"_s})), u"no error"_s);
+    ASSERT_EQ(documentCount(), 3);
+    EXPECT_EQ(host.application().allControllers().at(1)->originalFileName(), u"Foo.app"_s);
+    EXPECT_EQ(host.document().originalFileName(), u"Bar.plugin"_s);
+}
+
 TEST_F(Desktop, theActionsAreQuitAndNewDocument)
 {
     EXPECT_EQ(errorOf(activateAction(u"new-document"_s)), u"no error"_s);

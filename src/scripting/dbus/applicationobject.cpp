@@ -1,6 +1,7 @@
 #include "app/appdelegate.h"
 #include "document/mainwincontroller.h"
 #include "platform/applicationhost.h"
+#include "platform/itempath.h"
 #include "scripting/NSApplication+Scripting.h"
 #include "scripting/dbus/busnames.h"
 #include "scripting/dbus/busobjects.h"
@@ -84,7 +85,7 @@ void open(const BusObject &object, const BusCall &call)
     const QStringList uris = call.texts(0);
     for (const QString &uri : uris) {
         if (const QUrl url = busvalue::fileUrl(uri); !url.isEmpty())
-            paths.append(url.toLocalFile());
+            paths.append(itempath::fromUrl(url)); // a folder's URL may end in a slash
     }
     object.application.applicationOpenFiles(paths);
     call.reply();
