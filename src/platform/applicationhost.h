@@ -14,6 +14,9 @@ public:
     /// Delivers files that were opened with the application while launch kept the main thread busy. A host
     /// that delivers them by itself has nothing to do.
     virtual void deliverPendingOpens() { }
+    /// Keeps what a desktop handed over with its request, so that the next window that is shown may come to
+    /// the front: a token of the xdg-activation protocol, never empty.
+    virtual void setActivationToken(const QString &token) = 0;
     /// Brings the application to the front.
     virtual void activate() = 0;
     /// Ends the application, once the event loop comes to it.

@@ -1,5 +1,6 @@
 #include "ui/widgetapplication.h"
 
+#include "platform/posix/spawn.h"
 #include "ui/alertbox.h"
 #include "ui/logprinter.h"
 #include "ui/windoworder.h"
@@ -15,6 +16,12 @@ void WidgetApplication::deliverPendingOpens()
 {
     if (m_pendingOpens)
         m_pendingOpens();
+}
+
+void WidgetApplication::setActivationToken(const QString &token)
+{
+    const auto lock = platform::lockLaunches(); // a launch on a worker reads the environment
+    qputenv("XDG_ACTIVATION_TOKEN", token.toUtf8());
 }
 
 void WidgetApplication::activate()

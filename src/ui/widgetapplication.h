@@ -20,6 +20,9 @@ public:
     void setPendingOpens(std::function<void()> deliver) { m_pendingOpens = std::move(deliver); }
 
     void deliverPendingOpens() override;
+    /// The token goes to the environment, from where the Wayland platform takes it when a window is
+    /// activated. The X11 platform has no place for one after its start.
+    void setActivationToken(const QString &token) override;
     void activate() override;
     void terminate() override;
     bool isOptionKeyDown() const override;

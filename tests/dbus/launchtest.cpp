@@ -10,21 +10,23 @@ using namespace Qt::StringLiterals;
 
 class Desktop : public HostOnBus {
 protected:
-    QDBusMessage open(const QStringList &uris)
+    QDBusMessage open(const QStringList &uris, const QVariantMap &platformData = {})
     {
-        return client.call(bus::applicationPath, bus::desktopInterface, u"Open"_s, {uris, QVariantMap()});
+        return client.call(bus::applicationPath, bus::desktopInterface, u"Open"_s, {uris, platformData});
     }
-    QDBusMessage activateAction(const QString &name)
+    QDBusMessage activateAction(const QString &name, const QVariantMap &platformData = {})
     {
         return client.call(bus::applicationPath, bus::desktopInterface, u"ActivateAction"_s,
-                           {name, QVariantList(), QVariantMap()});
+                           {name, QVariantList(), platformData});
     }
-    void activate()
+    void activate(const QVariantMap &platformData = {})
     {
         const QDBusMessage answer =
-            client.call(bus::applicationPath, bus::desktopInterface, u"Activate"_s, {QVariantMap()});
+            client.call(bus::applicationPath, bus::desktopInterface, u"Activate"_s, {platformData});
         EXPECT_EQ(errorOf(answer), u"no error"_s);
     }
+    /// The token that the window had which was shown last.
+    QString shownWith() { return host.applicationHost.tokenWhenShown; }
     qsizetype documentCount() { return host.application().allControllers().size(); }
 };
 
@@ -61,6 +63,38 @@ TEST_F(Desktop, openedBundlesMayHaveASlashAtTheEndOfTheirURL)
     ASSERT_EQ(documentCount(), 3);
     EXPECT_EQ(host.application().allControllers().at(1)->originalFileName(), u"Foo.app"_s);
     EXPECT_EQ(host.document().originalFileName(), u"Bar.plugin"_s);
+}
+
+TEST_F(Desktop, itsTokenIsThereBeforeAWindowComesUp)
+{
+    activate({{u"activation-token"_s, u"first"_s}});
+    EXPECT_EQ(shownWith(), u"first"_s);
+    EXPECT_EQ(errorOf(open({appURL()}, {{u"activation-token"_s, u"second"_s}})), u"no error"_s);
+    EXPECT_EQ(shownWith(), u"second"_s);
+    EXPECT_EQ(errorOf(activateAction(u"new-document"_s, {{u"activation-token"_s, u"third"_s}})),
+              u"no error"_s);
+    EXPECT_EQ(shownWith(), u"third"_s);
+}
+
+TEST_F(Desktop, theIdentifierOfAStartupStandsInForATokenThatIsMissing)
+{
+    const QString startup = u"shell/Sealwright/1-0-host_TIME123"_s;
+    activate({{u"desktop-startup-id"_s, startup}});
+    EXPECT_EQ(shownWith(), startup);
+    activate({{u"desktop-startup-id"_s, startup}, {u"activation-token"_s, u"token"_s}});
+    EXPECT_EQ(shownWith(), u"token"_s);
+}
+
+TEST_F(Desktop, whatIsNoTokenIsIgnored)
+{
+    for (const QVariant &value : QVariantList{7, QStringList{u"token"_s}, u""_s, u"two\nlines"_s,
+                                              QString(1025, u'x'), QByteArray("token")}) {
+        activate({{u"activation-token"_s, value}});
+        EXPECT_EQ(shownWith(), QString()) << value.typeName();
+    }
+    const QString longest(1024, u'x');
+    activate({{u"activation-token"_s, longest}});
+    EXPECT_EQ(shownWith(), longest);
 }
 
 TEST_F(Desktop, theActionsAreQuitAndNewDocument)

@@ -398,6 +398,7 @@ FakeWindow::~FakeWindow()
 
 void FakeWindow::show()
 {
+    m_application.tokenWhenShown = m_application.activationToken;
     modesWhenShown.append(tabbingModes.isEmpty() ? platform::TabbingMode::automatic : tabbingModes.last());
     auto &onScreen = m_application.onScreen;
     const bool isNew = group->windows().size() == 1 && !onScreen.contains(this);

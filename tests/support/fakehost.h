@@ -222,6 +222,7 @@ class FakeWindow;
 
 class FakeApplication : public platform::ApplicationHost {
 public:
+    void setActivationToken(const QString &token) override { activationToken = token; }
     void activate() override { ++activations; }
     void terminate() override { isTerminated = true; }
     bool isOptionKeyDown() const override { return optionKey; }
@@ -230,6 +231,8 @@ public:
     void runPageLayout() override { ++pageLayouts; }
     QList<platform::Window *> windowsFrontToBack() const override;
 
+    QString activationToken; ///< the latest
+    QString tokenWhenShown; ///< what it was when a window was last shown
     int activations = 0;
     bool isTerminated = false;
     bool optionKey = false;

@@ -84,6 +84,14 @@ TEST_F(WidgetApplicationTest, activatingWithoutAWindowDoesNothing)
     EXPECT_TRUE(application.windowsFrontToBack().isEmpty());
 }
 
+TEST_F(WidgetApplicationTest, theTokenOfADesktopIsWhereThePlatformLooksForIt)
+{
+    application.setActivationToken(u"first"_s);
+    application.setActivationToken(u"second"_s);
+    EXPECT_EQ(qEnvironmentVariable("XDG_ACTIVATION_TOKEN"), u"second"_s);
+    qunsetenv("XDG_ACTIVATION_TOKEN");
+}
+
 TEST_F(WidgetApplicationTest, pendingOpensAreDeliveredByWhoeverHasThem)
 {
     application.deliverPendingOpens();

@@ -30,7 +30,7 @@ enum class SpawnAs { group, session };
 
 /// Held from the making of a child's pipes until the application has closed its own copies of the child's
 /// ends. Until its exec, any child started meanwhile holds those open too, and the end of a stream would not
-/// come with the end of its program.
+/// come with the end of its program. Whoever changes the environment holds it too, since a launch reads that.
 [[nodiscard]] std::unique_lock<std::mutex> lockLaunches();
 
 /// Starts the program, under the lock of launches, and answers with its process in `*child`; that is left

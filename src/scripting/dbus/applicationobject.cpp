@@ -14,6 +14,8 @@
 #include <QDBusVariant>
 #include <QGuiApplication>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -63,6 +65,35 @@ const BusArgument madeFrom{u"properties"_s, u"a{sv}"_s};
 const BusArgument madeDocument{u"document"_s, u"o"_s};
 
 // What a desktop asks of an application
+
+bool isActivationToken(const QString &text)
+{
+    constexpr qsizetype longest = 1024;
+    return !text.isEmpty() && text.size() <= longest
+        && std::all_of(text.cbegin(), text.cend(), [](QChar character) { return character.isPrint(); });
+}
+
+/// What the desktop handed over so that a window may come to the front; null if it gave nothing of use.
+/// Desktops of before the xdg-activation protocol have the identifier of a startup notification for it.
+QString activationToken(const QVariantMap &platformData)
+{
+    for (const QString &key : {u"activation-token"_s, u"desktop-startup-id"_s}) {
+        const QVariant value = platformData.value(key);
+        if (value.typeId() == QMetaType::QString && isActivationToken(value.toString()))
+            return value.toString();
+    }
+    return {};
+}
+
+/// The handler of a request whose argument of that number is the desktop's data.
+Handler withActivationToken(qsizetype platformData, const Handler &handler)
+{
+    return [platformData, handler](const BusObject &object, const BusCall &call) {
+        if (const QString token = activationToken(call.dictionary(platformData)); !token.isEmpty())
+            object.application.host().application.setActivationToken(token);
+        handler(object, call);
+    };
+}
 
 void activate(const BusObject &object, const BusCall &call)
 {
@@ -136,12 +167,16 @@ const BusInterface &desktopInterface()
 {
     static const BusInterface interface {
         .name = bus::desktopInterface, .methods = {
-            {u"Activate"_s, {platformData}, {}, openingDocuments(activate)},
-            {u"Open"_s, {{u"uris"_s, u"as"_s}, platformData}, {}, openingDocuments(open), true},
+            {u"Activate"_s, {platformData}, {}, openingDocuments(withActivationToken(0, activate))},
+            {u"Open"_s,
+             {{u"uris"_s, u"as"_s}, platformData},
+             {},
+             openingDocuments(withActivationToken(1, open)),
+             true},
             {u"ActivateAction"_s,
              {{u"action_name"_s, u"s"_s}, {u"parameter"_s, u"av"_s}, platformData},
              {},
-             activateAction},
+             withActivationToken(2, activateAction)},
         }
     };
     return interface;
