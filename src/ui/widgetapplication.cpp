@@ -12,6 +12,13 @@
 
 using namespace Qt::StringLiterals;
 
+WidgetApplication::WidgetApplication(const WindowOrder &order, LogPrinter &printer)
+    : m_order(order)
+    , m_printer(printer)
+{
+    qApp->installEventFilter(this);
+}
+
 void WidgetApplication::deliverPendingOpens()
 {
     if (m_pendingOpens)
@@ -67,4 +74,14 @@ void WidgetApplication::runPageLayout()
 QList<platform::Window *> WidgetApplication::windowsFrontToBack() const
 {
     return m_order.frontToBack();
+}
+
+// The application would close its windows first, and stay if one of them did.
+bool WidgetApplication::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched != qApp || event->type() != QEvent::Quit)
+        return QObject::eventFilter(watched, event);
+    event->accept();
+    terminate();
+    return true;
 }

@@ -2,19 +2,19 @@
 
 #include "platform/applicationhost.h"
 
+#include <QObject>
+
 class LogPrinter;
 class WindowOrder;
 
 /// The application as a desktop with widgets shows it. On the `offscreen` platform, where nobody can dismiss
 /// it, an application-modal alert that leaves no choice goes to standard error instead, and the application
-/// ends with status 1.
-class WidgetApplication : public platform::ApplicationHost {
+/// ends with status 1. When the desktop's session ends, so does the application: no window is asked.
+class WidgetApplication : public QObject, public platform::ApplicationHost {
+    Q_OBJECT
+
 public:
-    WidgetApplication(const WindowOrder &order, LogPrinter &printer)
-        : m_order(order)
-        , m_printer(printer)
-    {
-    }
+    WidgetApplication(const WindowOrder &order, LogPrinter &printer);
 
     /// What delivers the files that were opened while launch kept the main thread busy.
     void setPendingOpens(std::function<void()> deliver) { m_pendingOpens = std::move(deliver); }
@@ -30,6 +30,9 @@ public:
     int runModal(const platform::Alert &alert) override;
     void runPageLayout() override;
     QList<platform::Window *> windowsFrontToBack() const override;
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     const WindowOrder &m_order;

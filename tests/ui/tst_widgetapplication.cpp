@@ -124,6 +124,18 @@ TEST_F(WidgetApplicationTest, terminatingEndsTheEventLoopWithStatusZero)
     EXPECT_EQ(QApplication::exec(), 0);
 }
 
+TEST_F(WidgetApplicationTest, theEndOfTheSessionEndsItWithoutAskingItsWindows)
+{
+    document().changeStatus(status::submitting);
+    host.application().addedDocument();
+    QEvent quit(QEvent::Quit);
+    QCoreApplication::sendEvent(qApp, &quit);
+    EXPECT_EQ(order.frontToBack().size(), 2) << "none is closed";
+    EXPECT_EQ(host.applicationHost.beeps, 0) << "none asks back";
+    ASSERT_TRUE(quit.isAccepted());
+    EXPECT_EQ(QApplication::exec(), 0);
+}
+
 TEST_F(WidgetApplicationTest, whereNobodyCanDismissAnAlertItGoesToStandardErrorAndTheStatusIsOne)
 {
     testing::internal::CaptureStderr();
