@@ -18,6 +18,7 @@ void SubmitWorkflow::prepareForDirectSubmit(const QUrl &url, const QString &iden
     if (!identity.isNull())
         document.identitiesPopup.selectItemWithTitle(identity);
     _prepareDirectSubmitUI();
+    planSteps();
 }
 
 void SubmitWorkflow::setOrdinaryControlsHidden(bool isHidden)

@@ -53,6 +53,7 @@ void SubmitWorkflow::doDirectSubmit()
 void SubmitWorkflow::doCancelDirectSubmit()
 {
     _cancelDirectSubmitUI();
+    document.stepList.plan({});
 }
 
 void SubmitWorkflow::submitByPerson(const QUrl &url)
@@ -137,8 +138,13 @@ void SubmitWorkflow::startWithOriginal()
     if (!checkKind())
         return;
     showItem(document.originalFileName());
-    document.stepList.plan(submitSteps(itemKind(document.originalFileName()), stepOptions()));
+    planSteps();
     submitAsync(document.steps().credentials.entered(), document.identitiesPopup.titleOfSelectedItem());
+}
+
+void SubmitWorkflow::planSteps()
+{
+    document.stepList.plan(submitSteps(itemKind(document.originalFileName()), stepOptions()));
 }
 
 void SubmitWorkflow::submitAsync(const Credentials &credentials, const QString &identity)

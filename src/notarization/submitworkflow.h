@@ -35,8 +35,8 @@ public:
     /// Checks what was entered and starts the submission of the item, or asks for one if the URL is empty.
     void submitURL(const QUrl &url);
 
-    /// Loads the document with an item and waits for a person; starts nothing. A null identity keeps the
-    /// selection.
+    /// Loads the document with an item, plans its steps and waits for a person; starts nothing. A null
+    /// identity keeps the selection.
     void prepareForDirectSubmit(const QUrl &url, const QString &identity);
 
     /// The titles and actions of the buttons outside of direct-submit mode.
@@ -56,6 +56,7 @@ private:
     bool checkKind();
     void chooseItem();
     void startWithOriginal();
+    void planSteps();
     void submitAsync(const Credentials &credentials, const QString &identity);
     void submitByPerson(const QUrl &url);
     void _prepareDirectSubmitUI();

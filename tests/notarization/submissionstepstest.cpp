@@ -225,11 +225,31 @@ TEST_F(SubmissionSteps, areThoseOfTheItemOfADirectSubmission)
 {
     items::makeFile(host.item(u"Foo.dmg"_s), "image");
     launched().steps().submit.prepareForDirectSubmit(itempath::toUrl(host.item(u"Foo.dmg"_s)), {});
-    EXPECT_TRUE(rows().isEmpty()) << "nothing has begun";
+    EXPECT_EQ(rows().size(), 7);
+    EXPECT_EQ(rows().filter(u": waiting"_s).size(), 7) << "nothing has begun";
     host.document().perform(Action::doDirectSubmit);
     host.settle();
     EXPECT_TRUE(rows().contains(u"Find bundle identifier: done"_s));
     EXPECT_TRUE(rows().contains(u"Wait for Apple's result: running"_s));
+}
+
+TEST_F(SubmissionSteps, ofAnotherItemGiveWayToThoseOfADirectSubmission)
+{
+    submitToTheEnd(u"Foo.app"_s);
+    const qsizetype stepsOfAnApp = rows().size();
+    items::makeFile(host.item(u"Foo.dmg"_s), "image");
+    host.document().steps().submit.prepareForDirectSubmit(itempath::toUrl(host.item(u"Foo.dmg"_s)), {});
+    EXPECT_LT(rows().size(), stepsOfAnApp);
+    EXPECT_EQ(rows().filter(u": waiting"_s), rows()) << "nothing has begun";
+}
+
+TEST_F(SubmissionSteps, ofADirectSubmissionGoWithItsItem)
+{
+    submitToTheEnd(u"Foo.app"_s);
+    items::makeFile(host.item(u"Foo.dmg"_s), "image");
+    host.document().steps().submit.prepareForDirectSubmit(itempath::toUrl(host.item(u"Foo.dmg"_s)), {});
+    host.document().perform(Action::doCancelDirectSubmit);
+    EXPECT_TRUE(rows().isEmpty());
 }
 
 TEST_F(SubmissionSteps, areThoseOfTheItemThatThePanelGave)
