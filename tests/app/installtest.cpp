@@ -4,6 +4,7 @@
 
 #include <QDBusConnectionInterface>
 #include <QDir>
+#include <QMimeDatabase>
 #include <QXmlStreamReader>
 
 using namespace Qt::StringLiterals;
@@ -25,6 +26,7 @@ protected:
     }
 
     void expectWhatADesktopLooksFor();
+    static void expectThatItIsOfferedForWhatItTakes(const QStringList &types);
     void expectThatSoftwareCentresCanReadWhatItIs();
     void expectThatTheBusStartsItWithItsToolchain();
 
@@ -52,6 +54,7 @@ void InstalledTree::expectWhatADesktopLooksFor()
     EXPECT_EQ(value(serviceFile(), u"Exec"_s), u"\"%1/bin/sealwright\""_s.arg(prefix));
     const QString desktopFile = prefix + u"/share/applications/org.sealwright.Sealwright.desktop"_s;
     EXPECT_EQ(value(desktopFile, u"DBusActivatable"_s), u"true"_s);
+    expectThatItIsOfferedForWhatItTakes(value(desktopFile, u"MimeType"_s).split(u';', Qt::SkipEmptyParts));
     const QString icon = value(desktopFile, u"Icon"_s);
     for (const QString &place : {u"scalable/apps/%1.svg"_s, u"48x48/apps/%1.png"_s, u"256x256/apps/%1.png"_s})
         EXPECT_TRUE(QFile::exists(prefix + u"/share/icons/hicolor/"_s + place.arg(icon)))
@@ -66,6 +69,16 @@ void InstalledTree::expectWhatADesktopLooksFor()
     QProcess ctl;
     start(ctl, prefix + u"/bin/sealwrightctl"_s);
     EXPECT_EQ(end(ctl), 2) << "it has been told nothing to do";
+}
+
+void InstalledTree::expectThatItIsOfferedForWhatItTakes(const QStringList &types)
+{
+    const QMimeDatabase database;
+    for (const QString &name : {u"Foo.dmg"_s, u"Foo.pkg"_s}) {
+        const QMimeType type = database.mimeTypeForFile(name, QMimeDatabase::MatchExtension);
+        EXPECT_TRUE(types.contains(type.name())) << name.toStdString() << " is " << type.name().toStdString();
+    }
+    EXPECT_FALSE(types.contains(u"inode/directory"_s)) << "it might become what opens all folders";
 }
 
 void InstalledTree::expectThatSoftwareCentresCanReadWhatItIs()
