@@ -93,7 +93,8 @@ protected:
         road.host.files.failure = nullptr;
     }
 
-    /// Walks in a process of its own, which has the folders in common with this one and dies on its way.
+    /// Walks in a process of its own, which has the folders in common with this one and dies on its way. The
+    /// threads of earlier roads have ended with them: none that is missing in the new process holds a lock.
     static void walkToDeath(Road &road)
     {
         const pid_t walker = fork();
