@@ -1,8 +1,6 @@
 #include "ui/busybar.h"
 
-#include <QEvent>
 #include <QPainter>
-#include <QTimerEvent>
 
 namespace {
 
@@ -15,42 +13,14 @@ constexpr qreal thickness = 8; // pixels
 
 BusyBar::BusyBar(QWidget *parent)
     : QProgressBar(parent)
+    , m_timer(*this, interval, [this] { makeStep(); })
 {
     setRange(0, 0); // how assistive software knows a bar without an end
     setTextVisible(false);
 }
 
-void BusyBar::moveInActiveWindow()
+void BusyBar::makeStep()
 {
-    if (!isVisible() || !isActiveWindow())
-        m_timer.stop();
-    else if (!m_timer.isActive())
-        m_timer.start(interval, Qt::CoarseTimer, this);
-}
-
-bool BusyBar::event(QEvent *event)
-{
-    if (event->type() == QEvent::WindowActivate || event->type() == QEvent::WindowDeactivate)
-        moveInActiveWindow();
-    return QProgressBar::event(event);
-}
-
-void BusyBar::showEvent(QShowEvent *event)
-{
-    QProgressBar::showEvent(event);
-    moveInActiveWindow();
-}
-
-void BusyBar::hideEvent(QHideEvent *event)
-{
-    QProgressBar::hideEvent(event);
-    moveInActiveWindow();
-}
-
-void BusyBar::timerEvent(QTimerEvent *event)
-{
-    if (event->timerId() != m_timer.timerId())
-        return QProgressBar::timerEvent(event);
     m_step = (m_step + 1) % (2 * steps); // there and back
     update();
 }

@@ -1,10 +1,11 @@
 #pragma once
 
-#include <QBasicTimer>
+#include "ui/activewindowtimer.h"
+
 #include <QProgressBar>
 
 /// A bar that says that something goes on, for how long nobody knows. It moves in the active window alone and
-/// a few times a second: of fifty windows that wait for hours, none may cost the processor anything.
+/// a few times a second.
 class BusyBar : public QProgressBar {
     Q_OBJECT
 
@@ -12,15 +13,11 @@ public:
     explicit BusyBar(QWidget *parent = nullptr);
 
 protected:
-    bool event(QEvent *event) override;
-    void showEvent(QShowEvent *event) override;
-    void hideEvent(QHideEvent *event) override;
-    void timerEvent(QTimerEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    void moveInActiveWindow();
+    void makeStep();
 
-    QBasicTimer m_timer;
+    ActiveWindowTimer m_timer;
     int m_step = 0;
 };

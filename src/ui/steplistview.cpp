@@ -6,7 +6,6 @@
 
 #include <QEvent>
 #include <QScrollBar>
-#include <QTimerEvent>
 
 using namespace Qt::StringLiterals;
 
@@ -21,6 +20,8 @@ constexpr int fewestRows = 4;
 StepListView::StepListView(const StepList &steps, QWidget *parent)
     : QListView(parent)
     , m_model(new StepListModel(steps, this))
+    // A new picture and no more: nobody wants to be told of each second.
+    , m_timer(*this, interval, [this] { update(m_model->running()); })
 {
     named(this, u"stepList"_s, u"Steps"_s);
     setModel(m_model);
@@ -32,6 +33,7 @@ StepListView::StepListView(const StepList &steps, QWidget *parent)
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setWordWrap(true); // so that the rows are laid out anew at another width
     connect(&steps, &Observable::changed, this, [this, &steps] { follow(steps); });
+    m_timer.setIsWanted(m_model->running().isValid());
 }
 
 QSize StepListView::sizeFor(const QString &name, int rows) const
@@ -54,41 +56,12 @@ QSize StepListView::minimumSizeHint() const
 void StepListView::follow(const StepList &steps)
 {
     scrollTo(steps.wait() ? m_model->index(m_model->rowCount() - 1) : m_model->running());
-    tickInActiveWindow();
-}
-
-void StepListView::tickInActiveWindow()
-{
-    if (!m_model->running().isValid() || !isVisible() || !isActiveWindow())
-        m_timer.stop();
-    else if (!m_timer.isActive())
-        m_timer.start(interval, Qt::CoarseTimer, this);
+    m_timer.setIsWanted(m_model->running().isValid());
 }
 
 bool StepListView::event(QEvent *event)
 {
-    if (event->type() == QEvent::WindowActivate || event->type() == QEvent::WindowDeactivate) {
+    if (event->type() == QEvent::WindowActivate || event->type() == QEvent::WindowDeactivate)
         viewport()->update(); // the time that has passed meanwhile
-        tickInActiveWindow();
-    }
     return QListView::event(event);
-}
-
-void StepListView::showEvent(QShowEvent *event)
-{
-    QListView::showEvent(event);
-    tickInActiveWindow();
-}
-
-void StepListView::hideEvent(QHideEvent *event)
-{
-    QListView::hideEvent(event);
-    tickInActiveWindow();
-}
-
-void StepListView::timerEvent(QTimerEvent *event)
-{
-    if (event->timerId() != m_timer.timerId())
-        return QListView::timerEvent(event);
-    update(m_model->running()); // a new picture and no more: nobody wants to be told of each second
 }

@@ -1,14 +1,14 @@
 #pragma once
 
-#include <QBasicTimer>
+#include "ui/activewindowtimer.h"
+
 #include <QListView>
 
 class StepList;
 class StepListModel;
 
 /// Shows the steps of a document's run beside its log. The time of the step that runs is kept up to the
-/// second in the active window alone: of fifty windows that wait for hours, none costs the processor
-/// anything. The list may go before the view does.
+/// second in the active window alone. The list may go before the view does.
 class StepListView : public QListView {
     Q_OBJECT
 
@@ -22,15 +22,11 @@ public:
 
 protected:
     bool event(QEvent *event) override;
-    void showEvent(QShowEvent *event) override;
-    void hideEvent(QHideEvent *event) override;
-    void timerEvent(QTimerEvent *event) override;
 
 private:
     void follow(const StepList &steps);
-    void tickInActiveWindow();
     QSize sizeFor(const QString &name, int rows) const;
 
     StepListModel *m_model;
-    QBasicTimer m_timer;
+    ActiveWindowTimer m_timer;
 };
