@@ -1,6 +1,7 @@
 #include "ui/editcommands.h"
 
 #include "ui/framewindow.h"
+#include "ui/menuitems.h"
 #include "ui/widgetwindow.h"
 
 #include <QAction>
@@ -16,32 +17,26 @@ using namespace Qt::StringLiterals;
 EditCommands::EditCommands(FrameWindow &frame, QMenu &menu)
     : QObject(&menu)
     , m_frame(frame)
-    , m_cut(add(menu, u"Cu&t"_s, QKeySequence::Cut, "cut"))
-    , m_copy(add(menu, u"&Copy"_s, QKeySequence::Copy, "copy"))
-    , m_paste(add(menu, u"&Paste"_s, QKeySequence::Paste, "paste"))
-    , m_selectAll(add(menu, u"Select &All"_s, QKeySequence::SelectAll, "selectAll"))
 {
+    add(menu, u"Cu&t"_s, QKeySequence::Cut, "cut", [this] { return isEditable() && hasSelection(); });
+    add(menu, u"&Copy"_s, QKeySequence::Copy, "copy", [this] { return hasSelection(); });
+    add(menu, u"&Paste"_s, QKeySequence::Paste, "paste", [this] { return isEditable() && canBePasted(); });
+    add(menu, u"Select &All"_s, QKeySequence::SelectAll, "selectAll", [this] { return editor() != nullptr; });
     connect(qApp, &QApplication::focusChanged, this, [this](QWidget *, QWidget *now) {
         const bool isText = qobject_cast<QLineEdit *>(now) || qobject_cast<QPlainTextEdit *>(now);
         if (isText && isOfFrame(*now))
             m_lastEditor = now;
     });
-    connect(&menu, &QMenu::aboutToShow, this, &EditCommands::showWhatIsPossible);
-    connect(
-        &menu, &QMenu::aboutToHide, this,
-        [this] {
-            for (QAction *const item : {m_cut, m_copy, m_paste, m_selectAll})
-                item->setEnabled(true);
-        },
-        Qt::QueuedConnection);
 }
 
-QAction *EditCommands::add(QMenu &menu, const QString &text, const QKeySequence &shortcut, const char *slot)
+void EditCommands::add(QMenu &menu, const QString &text, const QKeySequence &shortcut, const char *slot,
+                       const std::function<bool()> &isPossible)
 {
-    return menu.addAction(text, shortcut, this, [this, slot] {
+    QAction *const item = menu.addAction(text, shortcut, this, [this, slot] {
         if (QWidget *const target = editor())
             QMetaObject::invokeMethod(target, slot);
     });
+    offerWhileOpen(menu, *item, isPossible);
 }
 
 bool EditCommands::isOfFrame(const QWidget &text) const
@@ -60,13 +55,10 @@ QWidget *EditCommands::editor() const
                                                                                       : nullptr;
 }
 
-void EditCommands::showWhatIsPossible()
+bool EditCommands::canBePasted()
 {
-    m_cut->setEnabled(isEditable() && hasSelection());
-    m_copy->setEnabled(hasSelection());
     const QMimeData *const clipboard = QApplication::clipboard()->mimeData(); // null where it holds nothing
-    m_paste->setEnabled(isEditable() && clipboard && clipboard->hasText());
-    m_selectAll->setEnabled(editor());
+    return clipboard && clipboard->hasText();
 }
 
 bool EditCommands::hasSelection() const

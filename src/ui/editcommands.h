@@ -3,8 +3,9 @@
 #include <QObject>
 #include <QPointer>
 
+#include <functional>
+
 class FrameWindow;
-class QAction;
 class QKeySequence;
 class QMenu;
 
@@ -17,8 +18,9 @@ public:
     EditCommands(FrameWindow &frame, QMenu &menu);
 
 private:
-    QAction *add(QMenu &menu, const QString &text, const QKeySequence &shortcut, const char *slot);
-    void showWhatIsPossible();
+    void add(QMenu &menu, const QString &text, const QKeySequence &shortcut, const char *slot,
+             const std::function<bool()> &isPossible);
+    static bool canBePasted();
     bool isOfFrame(const QWidget &text) const;
     QWidget *editor() const;
     bool hasSelection() const;
@@ -26,8 +28,4 @@ private:
 
     FrameWindow &m_frame;
     QPointer<QWidget> m_lastEditor; ///< a menu that is open has taken the focus from it
-    QAction *m_cut;
-    QAction *m_copy;
-    QAction *m_paste;
-    QAction *m_selectAll;
 };

@@ -5,6 +5,7 @@
 #include "ui/editcommands.h"
 #include "ui/findbar.h"
 #include "ui/framewindow.h"
+#include "ui/menuitems.h"
 #include "ui/preferenceswindow.h"
 #include "ui/widgetwindow.h"
 
@@ -85,20 +86,17 @@ void MainMenu::submitDroppedItem()
 void MainMenu::addAgainItem(QMenu &menu)
 {
     const auto present = std::make_shared<AppDelegate::AgainItem>();
-    QAction *const item = addItem(menu, {}, QKeySequence(u"Ctrl+R"_s), [this, present] {
-        document().appDelegate().menuNeedsUpdate(*present); // a shortcut does not open the menu first
-        if (present->action != Action::none && isOffered(present->action))
+    const auto isPossible = [this, present] {
+        document().appDelegate().menuNeedsUpdate(*present);
+        return present->action != Action::none && isOffered(present->action);
+    };
+    QAction *const item = addItem(menu, {}, QKeySequence(u"Ctrl+R"_s), [this, present, isPossible] {
+        if (isPossible())
             document().perform(present->action);
     });
     item->setObjectName(u"doAgainMenuItem"_s);
-    const auto update = [this, item, present] {
-        document().appDelegate().menuNeedsUpdate(*present);
-        item->setText(present->title);
-        item->setEnabled(present->action != Action::none && isOffered(present->action));
-    };
-    connect(&menu, &QMenu::aboutToShow, item, update);
-    connect(
-        &menu, &QMenu::aboutToHide, item, [item] { item->setEnabled(true); }, Qt::QueuedConnection);
+    offerWhileOpen(menu, *item, isPossible);
+    connect(&menu, &QMenu::aboutToShow, item, [item, present] { item->setText(present->title); });
 }
 
 void MainMenu::addCloseItems(QMenu &menu)
@@ -192,12 +190,10 @@ QMenu &MainMenu::addMenu(const QString &title, const QString &name)
 QAction *MainMenu::addCommand(QMenu &menu, const QString &text, const QKeySequence &shortcut, Action action)
 {
     QAction *const item = addItem(menu, text, shortcut, [this, action] {
-        if (isOffered(action)) // a shortcut does not open the menu first
+        if (isOffered(action))
             document().perform(action);
     });
-    connect(&menu, &QMenu::aboutToShow, item, [this, item, action] { item->setEnabled(isOffered(action)); });
-    connect(
-        &menu, &QMenu::aboutToHide, item, [item] { item->setEnabled(true); }, Qt::QueuedConnection);
+    offerWhileOpen(menu, *item, [this, action] { return isOffered(action); });
     return item;
 }
 

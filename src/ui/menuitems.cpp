@@ -1,0 +1,11 @@
+#include "ui/menuitems.h"
+
+#include <QAction>
+#include <QMenu>
+
+void offerWhileOpen(QMenu &menu, QAction &item, const std::function<bool()> &isOffered)
+{
+    QObject::connect(&menu, &QMenu::aboutToShow, &item, [&item, isOffered] { item.setEnabled(isOffered()); });
+    QObject::connect(
+        &menu, &QMenu::aboutToHide, &item, [&item] { item.setEnabled(true); }, Qt::QueuedConnection);
+}
