@@ -52,5 +52,10 @@ inline const QString AppleInterfaceStyle = QStringLiteral("AppleInterfaceStyle")
 
 } // namespace key
 
+// The limits of what running workflows read.
+inline constexpr float shortestPollingDelay = 20.0F; ///< seconds
+inline constexpr float longestPollingDelay = 300.0F;
+inline constexpr int lowestRetryLimit = 3;
+
 /// The value of `AppleInterfaceStyle` on a dark desktop.
 inline constexpr QStringView darkInterfaceStyle = u"Dark";

@@ -14,10 +14,6 @@ namespace {
 using Application = NSApplicationScripting;
 using ApplicationProperty = ScriptProperty<Application>;
 
-constexpr float shortestPollingDelay = 20.0F; // seconds
-constexpr float longestPollingDelay = 300.0F;
-constexpr qint64 lowestRetryLimit = 3;
-
 platform::Preferences &preferences(const Application &application)
 {
     return application.appDelegate().host().preferences;
@@ -184,7 +180,7 @@ void NSApplicationScripting::setAEPollingDelay(float delay)
 
 void NSApplicationScripting::setAEErrorRetryLimit(qint64 limit)
 {
-    store(*this, key::prefRetryLimitFor239Failure, std::max(limit, lowestRetryLimit));
+    store(*this, key::prefRetryLimitFor239Failure, std::max<qint64>(limit, lowestRetryLimit));
 }
 
 void NSApplicationScripting::setActiveIdentity(const QString &identity)

@@ -173,15 +173,13 @@ void PreferencesWindow::addNotarization(QBoxLayout &sections)
     Section section(sections, u"Notarization"_s);
     section.addCheckbox(m_preferences, key::preferXcodeAltool, u"Prefer the notary tool of &Xcode"_s,
                         u"Otherwise that of Transporter comes first. Takes effect at the next launch."_s);
-    constexpr double leastDelay = 20;
-    constexpr double mostDelay = 300;
-    auto *const delay = makeSecondsBox(section.widget(), key::pollingDelay, leastDelay, mostDelay, 1, 5);
+    auto *const delay =
+        makeSecondsBox(section.widget(), key::pollingDelay, shortestPollingDelay, longestPollingDelay, 1, 5);
     bindings::bind(*delay, m_preferences, key::pollingDelay);
     section.addField(delay, *delay, u"&Ask for the verdict every"_s,
                      u"From 20 to 300 seconds. A verdict usually takes several minutes."_s);
-    constexpr int leastFailures = 3;
     constexpr int mostFailures = 1'000'000;
-    auto *const limit = makeSpinBox(section.widget(), key::prefRetryLimitFor239Failure, leastFailures,
+    auto *const limit = makeSpinBox(section.widget(), key::prefRetryLimitFor239Failure, lowestRetryLimit,
                                     mostFailures, u" failures"_s);
     bindings::bind(*limit, m_preferences, key::prefRetryLimitFor239Failure);
     section.addField(limit, *limit, u"&Give up after"_s,
