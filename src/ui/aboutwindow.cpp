@@ -3,13 +3,13 @@
 #include "about/aboutcontroller.h"
 #include "ui/bindings.h"
 #include "ui/named.h"
+#include "ui/toplevel.h"
 
 #include <QApplication>
 #include <QBoxLayout>
 #include <QIcon>
 #include <QLabel>
 #include <QScreen>
-#include <QShortcut>
 #include <QTextEdit>
 
 using namespace Qt::StringLiterals;
@@ -51,8 +51,7 @@ AboutWindow::AboutWindow(AboutController &controller)
     rows->addSpacing(margin / 2);
     rows->addWidget(makeCredits(controller), 1);
     columns->addLayout(rows, 1);
-    connect(new QShortcut(Qt::Key_Escape, this), &QShortcut::activated, this, &QWidget::close);
-    connect(new QShortcut(QKeySequence::Close, this), &QShortcut::activated, this, &QWidget::close);
+    toplevel::closeByKeys(*this);
 }
 
 QWidget *AboutWindow::makeTitle(AboutController &controller)
@@ -86,8 +85,6 @@ void AboutWindow::center()
 
 void AboutWindow::show()
 {
-    setWindowState(windowState() & ~Qt::WindowMinimized);
-    QWidget::show();
-    raise();
+    toplevel::bringToFront(*this);
     activateWindow();
 }

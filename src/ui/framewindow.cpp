@@ -2,6 +2,7 @@
 
 #include "ui/mainmenu.h"
 #include "ui/tabbar.h"
+#include "ui/toplevel.h"
 #include "ui/widgetwindow.h"
 #include "ui/windoworder.h"
 
@@ -159,9 +160,7 @@ void FrameWindow::putAway(WidgetWindow &window)
 
 void FrameWindow::comeToFront()
 {
-    setWindowState(windowState() & ~Qt::WindowMinimized);
-    show();
-    raise();
+    toplevel::bringToFront(*this);
     m_order.bringToFront(*this);
 }
 

@@ -5,6 +5,7 @@
 #include "ui/named.h"
 #include "ui/preferencebindings.h"
 #include "ui/settingrows.h"
+#include "ui/toplevel.h"
 
 #include <QApplication>
 #include <QBoxLayout>
@@ -16,7 +17,6 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollArea>
-#include <QShortcut>
 #include <QSpinBox>
 #include <QStyle>
 
@@ -121,9 +121,7 @@ void PreferencesWindow::present(platform::Preferences &preferences)
         window = new PreferencesWindow(preferences);
         window->setAttribute(Qt::WA_DeleteOnClose);
     }
-    window->setWindowState(window->windowState() & ~Qt::WindowMinimized);
-    window->show();
-    window->raise();
+    toplevel::bringToFront(*window);
     window->activateWindow();
 }
 
@@ -146,12 +144,8 @@ PreferencesWindow::PreferencesWindow(platform::Preferences &preferences)
     auto *const whole = new QVBoxLayout(this);
     whole->setContentsMargins(0, 0, 0, 0);
     whole->addWidget(scroll);
-    connect(qApp, &QApplication::focusChanged, scroll, [scroll](QWidget *, QWidget *now) {
-        if (now && scroll->isAncestorOf(now))
-            scroll->ensureWidgetVisible(now);
-    });
-    connect(new QShortcut(Qt::Key_Escape, this), &QShortcut::activated, this, &QWidget::close);
-    connect(new QShortcut(QKeySequence::Close, this), &QShortcut::activated, this, &QWidget::close);
+    toplevel::keepFocusInSight(*scroll);
+    toplevel::closeByKeys(*this);
     const int width = fontMetrics().averageCharWidth() * charactersAcross;
     resize(QSize(width, contents->heightForWidth(width)).boundedTo(screen()->availableSize()));
 }

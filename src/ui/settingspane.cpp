@@ -4,8 +4,8 @@
 #include "ui/entitlementsgroup.h"
 #include "ui/settingrows.h"
 #include "ui/signinggroups.h"
+#include "ui/toplevel.h"
 
-#include <QApplication>
 #include <QBoxLayout>
 
 namespace {
@@ -32,10 +32,7 @@ SettingsPane::SettingsPane(MainWinController &document, QWidget *parent)
     setFrameShape(QFrame::NoFrame);
     setFocusPolicy(Qt::NoFocus);
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Maximum);
-    connect(qApp, &QApplication::focusChanged, this, [this](QWidget *, QWidget *now) {
-        if (now && isAncestorOf(now))
-            ensureWidgetVisible(now);
-    });
+    toplevel::keepFocusInSight(*this);
 }
 
 QSize SettingsPane::sizeHint() const
