@@ -56,6 +56,25 @@ QString stepName(Step step)
     return {};
 }
 
+QString stateName(StepState state)
+{
+    switch (state) {
+    case StepState::waiting:
+        return u"waiting"_s;
+    case StepState::running:
+        return u"running"_s;
+    case StepState::done:
+        return u"done"_s;
+    case StepState::failed:
+        return u"failed"_s;
+    case StepState::cancelled:
+        return u"cancelled"_s;
+    case StepState::skipped:
+        return u"skipped"_s;
+    }
+    return {};
+}
+
 const StepList::Row *StepList::running() const
 {
     const auto row = std::find_if(m_rows.cbegin(), m_rows.cend(), has(StepState::running));

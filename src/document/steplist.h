@@ -38,6 +38,9 @@ enum class Step {
 /// How far a step has come. Skipped is one that its run turned out not to need or has not reached.
 enum class StepState { waiting, running, done, failed, cancelled, skipped };
 
+/// What people hear of it.
+[[nodiscard]] QString stateName(StepState state);
+
 /// The steps of a document's latest run, the one that runs now and how long each took. It tells what happens
 /// and steers nothing: no workflow asks it. Main thread.
 class StepList : public Observable {

@@ -11,25 +11,6 @@ namespace {
 constexpr qint64 secondsPerMinute = 60;
 constexpr qint64 secondsPerHour = 3600;
 
-QString spokenState(StepState state)
-{
-    switch (state) {
-    case StepState::waiting:
-        return u"waiting"_s;
-    case StepState::running:
-        return u"running"_s;
-    case StepState::done:
-        return u"done"_s;
-    case StepState::failed:
-        return u"failed"_s;
-    case StepState::cancelled:
-        return u"cancelled"_s;
-    case StepState::skipped:
-        return u"skipped"_s;
-    }
-    return {};
-}
-
 QString twoDigits(qint64 number)
 {
     return QString::number(number).rightJustified(2, u'0');
@@ -108,7 +89,7 @@ QString StepListModel::durationText(const StepList::Row &row) const
 
 QString StepListModel::spokenText(const StepList::Row &row) const
 {
-    const QString text = stepName(row.step) + u": "_s + spokenState(row.state);
+    const QString text = stepName(row.step) + u": "_s + stateName(row.state);
     const QString duration = durationText(row);
     return duration.isNull() ? text : text + u", "_s + duration;
 }
