@@ -1,7 +1,7 @@
 // The scanner's walk beside find.
 
-#include "benchhost.h"
 #include "rows.h"
+#include "support/testhost.h"
 
 #include "support/items.h"
 
@@ -30,7 +30,7 @@ QList<Figure> rows::bundleWalk()
     TestHost test;
     platform::PosixFileService files;
     FakeWindowFactory windows(test.applicationHost);
-    AppDelegate application(benchHost(test, test.mainQueue, files), windows, test.configuration);
+    AppDelegate application(test.host({.files = &files}), windows, test.configuration);
     const DocumentPtr document = application.addedDocument();
     auto &scanner = document->steps().scanner;
     const double ratio = measuring::ratio(

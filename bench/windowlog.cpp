@@ -1,7 +1,7 @@
 // The window's log under a flood of lines.
 
-#include "benchhost.h"
 #include "rows.h"
+#include "support/testhost.h"
 
 #include "platform/qt/qtmainqueue.h"
 #include "ui/logprinter.h"
@@ -50,7 +50,7 @@ Flood flood(int lines)
     LogPrinter printer;
     WidgetWindowFactory factory(order, printer);
     TestHost test;
-    AppDelegate application(benchHost(test, queue, test.files), factory, test.configuration);
+    AppDelegate application(test.host({.mainQueue = &queue}), factory, test.configuration);
     const DocumentPtr document = application.addedDocument();
     QCoreApplication::processEvents();
     const Stall stall;

@@ -56,7 +56,8 @@ protected:
     {
         test.preferences.setValue(key::detailedLogToFile, true);
         tools.effect = [](const QString &tool, const QStringList &arguments) { leaveTrace(tool, arguments); };
-        application = std::make_unique<AppDelegate>(hostWithInstantTools(), windows, test.configuration);
+        application =
+            std::make_unique<AppDelegate>(test.host({.launcher = &tools}), windows, test.configuration);
         application->applicationWillFinishLaunching();
         application->applicationDidFinishLaunching();
     }
@@ -64,26 +65,6 @@ protected:
     {
         test.timers.forgetAll();
         application.reset();
-    }
-
-    platform::Host hostWithInstantTools()
-    {
-        platform::Host host = test.host();
-        return {host.mainQueue,
-                host.workers,
-                host.timers,
-                host.clock,
-                tools,
-                host.files,
-                host.urls,
-                host.preferences,
-                host.workspace,
-                host.appleScript,
-                host.distributedNotifications,
-                host.userNotifications,
-                host.application,
-                host.pasteboard,
-                host.updater};
     }
 
     /// So that no copy that has been worked on passes for the item of the user. Another document may just

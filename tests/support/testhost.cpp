@@ -68,14 +68,14 @@ TestHost::~TestHost()
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
-platform::Host TestHost::host()
+platform::Host TestHost::host(const Instead &instead)
 {
-    return {mainQueue,
+    return {instead.mainQueue ? *instead.mainQueue : mainQueue,
             *m_workers,
             timers,
             clock,
-            launcher,
-            files,
+            instead.launcher ? *instead.launcher : launcher,
+            instead.files ? *instead.files : files,
             urls,
             preferences,
             workspace,

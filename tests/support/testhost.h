@@ -20,7 +20,14 @@ public:
     /// changed them.
     void launch();
     AppDelegate &application() { return *m_application; }
-    platform::Host host();
+    /// Services that stand in for those of this host; null for its own.
+    struct Instead {
+        platform::MainQueue *mainQueue = nullptr;
+        platform::ProcessLauncher *launcher = nullptr;
+        platform::FileService *files = nullptr;
+    };
+    platform::Host host(const Instead &instead);
+    platform::Host host() { return host(Instead()); }
 
     /// The document that was added last, and its window.
     MainWinController &document();
