@@ -100,7 +100,7 @@ QString Client::longErrorText() const
         send(getProperty(bus::applicationPath, bus::applicationInterface, u"LastErrorFrom"_s), noTimeout);
     const QVariant from = reply.arguments().value(0).value<QDBusVariant>().variant();
     const QString text = from.value<QDBusVariant>().variant().toString();
-    return text.isEmpty() || text.startsWith("file:///"_L1) ? QString() : u'\n' + text;
+    return text.isEmpty() || bus::isFileUrl(text) ? QString() : u'\n' + text;
 }
 
 Answer Client::call(const QDBusMessage &method) const

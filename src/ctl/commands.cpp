@@ -29,17 +29,14 @@ QDBusMessage command(const Request &request, const QString &name, const QVariant
                           Client::Start::onDemand);
 }
 
-Answer printed(const Answer &answer)
-{
-    if (answer)
-        output::print(output::lines(answer.values.value(0)));
-    return answer;
-}
+enum class Show { asItIs, filesAsPaths };
 
-Answer printedAsPath(const Answer &answer)
+Answer printed(const Answer &answer, Show show = Show::asItIs)
 {
-    if (answer)
-        output::print(output::fileAsPath(output::lines(answer.values.value(0))));
+    if (!answer)
+        return answer;
+    const QStringList lines = output::lines(answer.values.value(0));
+    output::print(show == Show::filesAsPaths ? output::filesAsPaths(lines) : lines);
     return answer;
 }
 
@@ -58,7 +55,7 @@ Answer work(const Request &request, const Client &client, const QString &name)
     const Answer answer = client.call(command(request, name, arguments), request.timeout);
     if (follower)
         follower->finish();
-    return printedAsPath(answer);
+    return printed(answer, Show::filesAsPaths);
 }
 
 Answer prepare(const Request &request, const Client &client)
@@ -163,7 +160,8 @@ Answer get(const Request &request, const Client &client)
     const QString &key = request.operands.first();
     const Answer answer = client.call(Client::getProperty(from.path, from.interface, key));
     const auto type = typeOfProperty(from.className, key);
-    return type && type->type == scriptingdefinition::Type::file ? printedAsPath(answer) : printed(answer);
+    const bool isFile = type && type->type == scriptingdefinition::Type::file;
+    return printed(answer, isFile ? Show::filesAsPaths : Show::asItIs);
 }
 
 /// The value of a property as it goes over the bus. Of a property that nobody knows it is the text: that

@@ -1,6 +1,7 @@
 #include "ctl/output.h"
 
 #include "scripting/dbus/busbounds.h"
+#include "scripting/dbus/busnames.h"
 
 #include <QDBusArgument>
 #include <QDBusObjectPath>
@@ -61,10 +62,10 @@ QStringList lines(const QVariant &value)
     return {value.toString()};
 }
 
-QStringList fileAsPath(QStringList lines)
+QStringList filesAsPaths(QStringList lines)
 {
     for (QString &line : lines) {
-        if (line.startsWith("file:///"_L1))
+        if (bus::isFileUrl(line))
             line = QUrl(line).toLocalFile();
     }
     return lines;

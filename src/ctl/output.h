@@ -11,7 +11,7 @@ namespace output {
 /// as four numbers, a list one line an entry.
 [[nodiscard]] QStringList lines(const QVariant &value);
 /// Lines that are file URLs as paths.
-[[nodiscard]] QStringList fileAsPath(QStringList lines);
+[[nodiscard]] QStringList filesAsPaths(QStringList lines);
 
 void print(const QStringList &lines);
 /// As it stands; a line end is added where the text has none.

@@ -108,7 +108,7 @@ std::optional<QVariant> readValue(ValueType type, const QStringList &words)
     case Type::window:
         return readWindow(word);
     case Type::file:
-        return word.startsWith("file:///"_L1) ? word : fileUrl(word);
+        return bus::isFileUrl(word) ? word : fileUrl(word);
     default:
         return word;
     }

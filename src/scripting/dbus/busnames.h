@@ -22,6 +22,12 @@ inline const QString propertiesInterface = QStringLiteral("org.freedesktop.DBus.
 inline const QString introspectableInterface = QStringLiteral("org.freedesktop.DBus.Introspectable");
 inline const QString peerInterface = QStringLiteral("org.freedesktop.DBus.Peer");
 
+/// Whether a text is a file as it goes over the bus.
+[[nodiscard]] inline bool isFileUrl(const QString &text)
+{
+    return text.startsWith(QStringLiteral("file:///"));
+}
+
 /// The last element of a document's path: its identifier with "_" for whatever a path may not hold.
 [[nodiscard]] inline QString pathElement(QString uniqueID)
 {

@@ -1,5 +1,7 @@
 #include "scripting/dbus/busvalue.h"
 
+#include "scripting/dbus/busnames.h"
+
 #include <QDBusArgument>
 #include <QDBusMetaType>
 
@@ -80,7 +82,7 @@ std::optional<QVariant> fromBus(const QVariant &value, const QString &signature)
 
 QUrl fileUrl(const QString &text)
 {
-    const QUrl url = text.startsWith("file:///"_L1) ? QUrl(text) : QUrl();
+    const QUrl url = bus::isFileUrl(text) ? QUrl(text) : QUrl();
     return url.toLocalFile().contains(QChar::Null) ? QUrl() : url; // no file has such a name
 }
 
