@@ -17,6 +17,7 @@ namespace {
 
 constexpr int progressWidth = 140;
 constexpr qreal itemNameScale = 1.35;
+
 } // namespace
 
 ItemHeader::ItemHeader(MainWinController &document, QWidget *parent)
