@@ -1,6 +1,7 @@
 #include "platform/itempath.h"
 
 #include <QDir>
+#include <QStringBuilder>
 
 using namespace Qt::StringLiterals;
 
@@ -60,7 +61,7 @@ QString withoutExtension(const QString &path)
 
 QString appending(const QString &folder, const QString &component)
 {
-    return folder.endsWith(u'/') ? folder + component : folder + u'/' + component;
+    return folder.endsWith(u'/') ? folder + component : folder % u'/' % component; // one allocation
 }
 
 QString abbreviatedWithTilde(const QString &path)
