@@ -32,7 +32,7 @@ std::optional<std::vector<Folder::Entry>> Folder::entries() const
         if (!entry)
             return found;
         if (std::strcmp(entry->d_name, ".") != 0 && std::strcmp(entry->d_name, "..") != 0)
-            found.push_back({entry->d_name, entry->d_ino});
+            found.push_back({entry->d_name, entry->d_ino, mode_t(DTTOIF(entry->d_type))});
     }
 }
 

@@ -28,6 +28,7 @@ public:
     struct Entry {
         std::string name;
         ino_t inode;
+        mode_t format; ///< S_IFDIR and so on; 0 where the file system does not tell
     };
 
     Folder(Place place, Links links);

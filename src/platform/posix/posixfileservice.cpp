@@ -33,20 +33,28 @@ bool isAllowed(Place place, int access)
     return faccessat(place.folder, place.name, access, AT_EACCESS) == 0;
 }
 
-FileKind kindOf(Place place)
+mode_t formatOf(Place place)
 {
     struct stat state;
-    if (fstatat(place.folder, place.name, &state, AT_SYMLINK_NOFOLLOW) < 0)
-        return {};
+    return fstatat(place.folder, place.name, &state, AT_SYMLINK_NOFOLLOW) < 0 ? 0 : state.st_mode;
+}
+
+FileKind kindOf(Place place, mode_t format)
+{
     FileKind kind;
-    kind.isDirectory = S_ISDIR(state.st_mode);
-    kind.isRegularFile = S_ISREG(state.st_mode);
-    // Without any execute bit nobody may, so most files cost one call only.
-    kind.isExecutable = kind.isRegularFile && (state.st_mode & 0111) != 0 && isAllowed(place, X_OK);
+    kind.isDirectory = S_ISDIR(format);
+    kind.isRegularFile = S_ISREG(format);
+    kind.isExecutable = kind.isRegularFile && isAllowed(place, X_OK);
     return kind;
 }
 
-/// Calls the function with each entry that is not hidden, its place in the open folder included.
+QString decoded(const std::string &name)
+{
+    return QFile::decodeName(QByteArray::fromRawData(name.data(), qsizetype(name.size())));
+}
+
+/// Calls the function with the name of each entry that is not hidden, its place in the open folder and its
+/// format, which is 0 where the file system does not list it.
 template <class Function>
 void forEachEntry(const QString &path, FolderLink link, Function function)
 {
@@ -58,7 +66,7 @@ void forEachEntry(const QString &path, FolderLink link, Function function)
         return;
     for (const Folder::Entry &entry : *entries) {
         if (!entry.name.starts_with('.'))
-            function(QFile::decodeName(entry.name.c_str()), Place{folder.descriptor(), entry.name.c_str()});
+            function(decoded(entry.name), Place{folder.descriptor(), entry.name.c_str()}, entry.format);
     }
 }
 
@@ -92,7 +100,8 @@ bool PosixFileService::isReadable(const QString &path) const
 FileKind PosixFileService::kind(const QString &path) const
 {
     const QByteArray native = nativePath(path);
-    return kindOf({AT_FDCWD, native.constData()});
+    const Place place{AT_FDCWD, native.constData()};
+    return kindOf(place, formatOf(place));
 }
 
 std::optional<bool> PosixFileService::isPackage(const QString &path) const
@@ -107,15 +116,15 @@ std::optional<bool> PosixFileService::isPackage(const QString &path) const
 QStringList PosixFileService::contentsOfDirectory(const QString &path, FolderLink link) const
 {
     QStringList names;
-    forEachEntry(path, link, [&names](const QString &name, Place) { names += name; });
+    forEachEntry(path, link, [&names](const QString &name, Place, mode_t) { names += name; });
     return names;
 }
 
 QList<FolderEntry> PosixFileService::entriesOfDirectory(const QString &path, FolderLink link) const
 {
     QList<FolderEntry> entries;
-    forEachEntry(path, link, [&entries](const QString &name, Place place) {
-        entries.append({name, kindOf(place)});
+    forEachEntry(path, link, [&entries](const QString &name, Place place, mode_t format) {
+        entries.append({name, kindOf(place, format != 0 ? format : formatOf(place))});
     });
     return entries;
 }
