@@ -35,7 +35,7 @@ FrameWindow::FrameWindow(WindowOrder &order)
     setCentralWidget(m_tabs);
     addTabCommands();
     new MainMenu(*this);
-    resize(firstSize.width(), qMin(firstSize.height(), screen()->availableSize().height() - titleBarHeight));
+    resize(firstSize.boundedTo(screen()->availableSize() - QSize(0, titleBarHeight)));
     connect(m_tabs, &TabWidget::currentChanged, this, [this](int index) {
         if (index >= 0)
             showPage(selected().page());

@@ -49,6 +49,13 @@ TEST_F(WidgetWindowTest, theAnswerOfASheetIsTheNumberOfItsButton)
     EXPECT_EQ(answers, (QList{1001, 1000, 1000}));
 }
 
+TEST_F(WidgetWindowTest, aNewWindowIsNoLargerThanTheScreen)
+{
+    const QSize room = widget().screen()->availableSize();
+    EXPECT_LE(widget().width(), room.width());
+    EXPECT_LT(widget().height(), room.height()); // a title bar comes on top
+}
+
 TEST_F(WidgetWindowTest, itsPlaceCountsFromTheTopLeftOrFromTheBottomLeftOfTheScreen)
 {
     const int height = QGuiApplication::primaryScreen()->geometry().height();
