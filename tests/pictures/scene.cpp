@@ -68,7 +68,7 @@ QString Scene::makeItem(const QString &name)
 void Scene::settle()
 {
     host.settle();
-    QTest::qWait(50); // the widgets' own delayed layouts and repaints
+    QTest::qWait(200); // a list lays its rows out anew a tenth of a second after its size has changed
 }
 
 void Scene::draw(const QString &file)
