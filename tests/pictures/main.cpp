@@ -7,10 +7,10 @@
 #include "app/preferencekeys.h"
 #include "document/documentextensions.h"
 #include "platform/itempath.h"
+#include "support/desktopsignal.h"
 #include "ui/preferenceswindow.h"
 
 #include <QApplication>
-#include <QDBusVariant>
 #include <QFile>
 #include <QIcon>
 #include <QTemporaryDir>
@@ -126,10 +126,7 @@ int main(int argc, char **argv)
     MemoryPreferences preferences;
     FakeDistributedNotifications notifications;
     const Appearance appearance(desktop, preferences, notifications);
-    QMetaObject::invokeMethod(
-        &desktop, "settingChanged", Q_ARG(QString, u"org.freedesktop.appearance"_s),
-        Q_ARG(QString, u"color-scheme"_s),
-        Q_ARG(QDBusVariant, QDBusVariant(QVariant(arguments.contains(u"dark"_s) ? 1u : 2u))));
+    sayColourScheme(desktop, arguments.contains(u"dark"_s) ? 1 : 2);
     for (const auto &scene :
          {emptyDocument, running, waitingAndSuccess, failure, directSubmit, providers, tabs, panels})
         scene();

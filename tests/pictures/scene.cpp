@@ -2,6 +2,7 @@
 
 #include "app/preferencekeys.h"
 #include "support/items.h"
+#include "ui/appearance.h"
 
 #include <QApplication>
 #include <QDialog>
@@ -40,6 +41,8 @@ Scene::Scene()
                                  "  3) 89AB \"Developer ID Application: Jane Doe (FGHIJ67890)\"\n"});
     host.preferences.setValue(key::appPassValue, u"notary"_s);
     host.preferences.setValue(key::appleIDValue, u"release@example.com"_s);
+    if (Appearance::isDark(QApplication::palette()))
+        host.preferences.setValue(key::AppleInterfaceStyle, darkInterfaceStyle.toString());
     host.launch();
     window().resize(1024, 768);
     settle();

@@ -1,11 +1,10 @@
 #include "ui/appearance.h"
 
 #include "app/preferencekeys.h"
+#include "support/desktopsignal.h"
 #include "support/fakehost.h"
 
 #include <QApplication>
-#include <QDBusMessage>
-#include <QDBusVariant>
 #include <QTest>
 
 #include <gtest/gtest.h>
@@ -23,14 +22,7 @@ class AppearanceTest : public testing::Test {
 protected:
     ~AppearanceTest() override { QApplication::setPalette(QPalette()); }
 
-    void say(uint scheme)
-    {
-        QDBusMessage signal = QDBusMessage::createSignal(
-            u"/org/freedesktop/portal/desktop"_s, u"org.freedesktop.portal.Settings"_s, u"SettingChanged"_s);
-        signal << u"org.freedesktop.appearance"_s << u"color-scheme"_s
-               << QVariant::fromValue(QDBusVariant(QVariant(scheme)));
-        QMetaObject::invokeMethod(&desktop, "settingChanged", Q_ARG(QDBusMessage, signal));
-    }
+    void say(uint scheme) { sayColourScheme(desktop, scheme); }
     static bool isDark() { return Appearance::isDark(QApplication::palette()); }
     QString style() { return preferences.string(key::AppleInterfaceStyle); }
 
