@@ -32,6 +32,7 @@ void describe()
     QApplication::setDesktopFileName(u"org.sealwright.Sealwright"_s);
     QApplication::setWindowIcon(QIcon(u":/icons/org.sealwright.Sealwright.png"_s));
     QApplication::setQuitOnLastWindowClosed(false);
+    QApplication::setQuitLockEnabled(false); // nor does the end of a desktop's own job end the application
 }
 
 /// False if the application runs already, and has been told to come to the front. A session without a bus
