@@ -67,7 +67,9 @@ int runDesktopApplication()
     AppDelegate &delegate = *new AppDelegate(host.services(), host.windowFactory(), host.configuration());
     ScriptingBus bus(delegate);
     host.application().setPendingOpens([&bus] { bus.takeArrivedCalls(); });
-    return takeTheBus(bus) ? launchAndRun(delegate, bus) : EXIT_SUCCESS;
+    const int status = takeTheBus(bus) ? launchAndRun(delegate, bus) : EXIT_SUCCESS;
+    host.removeTemporaryItems();
+    return status;
 }
 
 /// Ends the process without waiting for the tools that still run, and so without an end for anything that

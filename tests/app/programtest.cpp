@@ -81,6 +81,28 @@ TEST_F(BuiltProgram, carriesAnItemThroughAndPutsWhatIsInTheWayIntoThePersonsTras
     quitAndExpectSuccess();
 }
 
+TEST_F(BuiltProgram, takesItsTemporaryFilesWithIt)
+{
+    items::makeFolder(folder("TMP"));
+    environment.insert(u"TMPDIR"_s, folder("TMP"));
+    items::makeFile(host.item(u"Foo.pkg"_s), "package");
+    host.tools.answer(u"security"_s,
+                      {.output = "1) AA \"Developer ID Application: Example (A1B2C3D4E5)\"\n"
+                                 "2) BB \"Developer ID Installer: Example (A1B2C3D4E5)\"\n"});
+    host.tools.answer(u"spctl"_s, {.output = "rejected\nsource=no usable signature\n"});
+    host.tools.answer(u"productsign"_s, {.status = 1, .error = "no identity"});
+    startAndWait();
+    const QDBusMessage answer =
+        client.end(client.beginSubmit({{u"at"_s, QUrl::fromLocalFile(host.item(u"Foo.pkg"_s)).toString()}}));
+    EXPECT_EQ(host.tools.order().last(), u"productsign"_s) << qPrintable(errorOf(answer));
+    const auto temporaryItems = [this] {
+        return QDir(folder("TMP")).entryList({u".replacement-*"_s}, QDir::AllEntries | QDir::Hidden);
+    };
+    EXPECT_EQ(temporaryItems().size(), 1);
+    quitAndExpectSuccess();
+    EXPECT_EQ(temporaryItems(), QStringList());
+}
+
 class KilledProgram : public BuiltProgram, public testing::WithParamInterface<const char *> {
 protected:
     QDBusPendingCall beginSubmit()

@@ -28,6 +28,8 @@ public:
     [[nodiscard]] std::shared_ptr<FileHandle> openForAppending(const QString &path) override;
     std::optional<QString> replacementDirectory(const QString &forItem, QString *error = nullptr) override;
     Outcome replaceItem(const QString &path, const QString &replacement) override;
+    /// For a process that ends without an end of this object. What a workflow still makes there is lost.
+    void removeReplacementDirectories() { m_replacementFolders.removeAll(); }
 
 private:
     ReplacementFolders m_replacementFolders;

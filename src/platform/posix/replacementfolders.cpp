@@ -37,8 +37,15 @@ QList<QByteArray> placesFor(const QByteArray &itemFolder, dev_t volume)
 
 ReplacementFolders::~ReplacementFolders()
 {
+    removeAll();
+}
+
+void ReplacementFolders::removeAll()
+{
+    const std::scoped_lock lock(m_mutex);
     for (const QByteArray &folder : std::as_const(m_made))
         removeTree(QFile::decodeName(folder)).ignore();
+    m_made.clear();
 }
 
 std::optional<QString> ReplacementFolders::makeFor(const QString &item)

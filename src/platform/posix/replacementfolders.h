@@ -10,8 +10,8 @@
 namespace platform {
 
 /// Folders to make the replacements of items in. Each lies among the temporary files of the host or the user,
-/// where those are on the item's volume, and hidden beside the item otherwise, in a hidden folder of its own:
-/// with this object it goes, and so does what has been left in it or right beside it. Any thread.
+/// where those are on the item's volume, and hidden beside the item otherwise, in a hidden folder of its own.
+/// With this object they go. Any thread.
 class ReplacementFolders {
 public:
     ReplacementFolders() = default;
@@ -21,6 +21,8 @@ public:
 
     /// A new, private, empty one; nothing on failure, with the reason in errno.
     [[nodiscard]] std::optional<QString> makeFor(const QString &item);
+    /// Removes those that were made, with what has been left in each or right beside it.
+    void removeAll();
 
 private:
     std::mutex m_mutex;
