@@ -34,7 +34,8 @@ public:
     WindowFactory &windowFactory() { return m_windowFactory; }
     WidgetApplication &application() { return m_application; }
     static AppDelegate::Configuration configuration();
-    /// Leaves nothing behind among the temporary files. For the end of the process, which this object outlives.
+    /// Leaves nothing behind among the temporary files. For the end of the process, which this object
+    /// outlives.
     void removeTemporaryItems() { m_files.removeReplacementDirectories(); }
 
 private:
