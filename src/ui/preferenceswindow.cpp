@@ -238,5 +238,9 @@ void PreferencesWindow::chooseToolRoot()
     panel->setOption(QFileDialog::ShowDirsOnly);
     connect(panel, &QFileDialog::fileSelected, this,
             [this](const QString &folder) { m_preferences.setValue(key::toolRoot, folder); });
+    connect(panel, &QDialog::finished, this, [this, panel] {
+        toplevel::closeCompletions(*panel);
+        activateWindow(); // not every desktop gives the focus back
+    });
     panel->open();
 }

@@ -1,5 +1,7 @@
 #include "ui/sheets.h"
 
+#include "ui/toplevel.h"
+
 #include <QApplication>
 #include <QEvent>
 #include <QWindow>
@@ -39,6 +41,7 @@ Sheets::Sheets(QWidget &page)
 void Sheets::begin(QDialog *dialog, std::function<void()> completion)
 {
     connect(dialog, &QDialog::finished, this, [this, dialog] {
+        toplevel::closeCompletions(*dialog);
         if (!m_sheets.isEmpty() && m_sheets.first().dialog == dialog)
             m_sheets.first().hasEnded = true;
     });

@@ -17,6 +17,14 @@ void toplevel::closeByKeys(QWidget &window)
         QObject::connect(new QShortcut(key, &window), &QShortcut::activated, &window, &QWidget::close);
 }
 
+void toplevel::closeCompletions(const QWidget &window)
+{
+    QWidget *const popup = QApplication::activePopupWidget();
+    const QWidget *const completed = popup ? popup->focusProxy() : nullptr;
+    if (completed && window.isAncestorOf(completed))
+        popup->close();
+}
+
 void toplevel::keepFocusInSight(QScrollArea &area)
 {
     QObject::connect(qApp, &QApplication::focusChanged, &area, [&area](QWidget *, QWidget *now) {

@@ -12,6 +12,10 @@ void bringToFront(QWidget &window);
 /// Closes a window by Escape and by the desktop's key for it.
 void closeByKeys(QWidget &window);
 
+/// Closes the list of completions that is open for a field of the window. While one is, Qt takes no notice of
+/// the window that becomes active, and that would go on looking as if it were not.
+void closeCompletions(const QWidget &window);
+
 /// Scrolls so that what has the keyboard focus is in sight.
 void keepFocusInSight(QScrollArea &area);
 

@@ -4,12 +4,15 @@
 #include "app/preferencekeys.h"
 #include "support/fakehost.h"
 
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QCheckBox>
+#include <QCompleter>
 #include <QDialogButtonBox>
 #include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListView>
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollArea>
@@ -179,6 +182,25 @@ TEST_F(PreferencesWindowTest, theFolderOfToolsCanBeChosenInAPanel)
     QTest::mouseClick(panel.findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Open), Qt::LeftButton);
     EXPECT_EQ(preferences.string(key::toolRoot), folder.path());
     EXPECT_EQ(part<QLineEdit>(key::toolRoot).text(), folder.path());
+}
+
+TEST_F(PreferencesWindowTest, theSettingsAreActiveAgainWhenThePanelHasEndedWithCompletionsOpen)
+{
+    const QTemporaryDir folder;
+    ASSERT_TRUE(QDir(folder.path()).mkdir(u"tools"_s));
+    preferences.setValue(key::toolRoot, folder.path());
+    QTest::mouseClick(&part<QPushButton>(u"chooseToolRootButton"_s), Qt::LeftButton);
+    auto &panel = part<QFileDialog>({});
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&panel));
+    const auto &list = *panel.findChild<QListView *>(u"listView"_s);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return list.model()->rowCount(list.rootIndex()) > 0; }));
+    auto &name = *panel.findChild<QLineEdit *>(u"fileNameEdit"_s);
+    QTest::keyClicks(&name, u"tools"_s);
+    QWidget *const completions = name.completer()->popup();
+    ASSERT_TRUE(completions->isVisible());
+    QTest::keyClick(completions, Qt::Key_Return);
+    EXPECT_EQ(preferences.string(key::toolRoot), folder.filePath(u"tools"_s));
+    EXPECT_TRUE(QTest::qWaitFor([this] { return QApplication::activeWindow() == &window(); }));
 }
 
 TEST_F(PreferencesWindowTest, eachSettingHasALabelAndALineThatExplainsIt)

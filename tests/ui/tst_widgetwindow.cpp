@@ -4,9 +4,12 @@
 #include "support/items.h"
 #include "ui/itempanel.h"
 
+#include <QAbstractItemView>
 #include <QCloseEvent>
+#include <QCompleter>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListView>
 #include <QPointer>
 #include <QScreen>
 
@@ -221,4 +224,27 @@ TEST_F(WidgetWindowTest, anOpenPanelThatIsCancelledAnswersWithAnEmptyURL)
     widget().findChild<ItemPanel *>()->reject();
     until([&] { return !chosen.isEmpty(); });
     EXPECT_EQ(chosen, QList{QUrl()});
+}
+
+TEST_F(WidgetWindowTest, aWindowIsActiveAgainWhenItsPanelHasEndedWithCompletionsOpen)
+{
+    items::makeFile(host.item(u"Foo.pkg"_s), "pkg");
+    until([this] { return widget().isActiveWindow(); });
+    QList<QUrl> chosen;
+    window().beginOpenPanel({u"Choose"_s, {u"pkg"_s}, true, false, {}},
+                            [&](const QUrl &url) { chosen.append(url); });
+    const QPointer<ItemPanel> panel = &part<ItemPanel>({});
+    until([&] { return panel->isActiveWindow(); });
+    panel->setDirectory(itempath::folder(host.item(u"Foo.pkg"_s)));
+    const auto &list = *panel->findChild<QListView *>(u"listView"_s);
+    until([&] { return list.model()->rowCount(list.rootIndex()) > 0; });
+    auto &name = *panel->findChild<QLineEdit *>(u"fileNameEdit"_s);
+    QTest::keyClicks(&name, u"Foo.pkg"_s);
+    QWidget *const completions = name.completer()->popup();
+    ASSERT_TRUE(completions->isVisible());
+    QTest::keyClick(completions, Qt::Key_Return);
+    until([&] { return !chosen.isEmpty(); });
+    EXPECT_EQ(chosen, QList{itempath::toUrl(host.item(u"Foo.pkg"_s))});
+    until([this] { return QApplication::activeWindow() == &widget(); });
+    EXPECT_FALSE(QApplication::activePopupWidget());
 }
