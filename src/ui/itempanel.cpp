@@ -46,8 +46,8 @@ private:
 
 } // namespace
 
-ItemPanel::ItemPanel(const platform::OpenPanel &panel, QWidget *parent)
-    : QFileDialog(parent, panel.message)
+ItemPanel::ItemPanel(const platform::OpenPanel &panel, const QString &folder, QWidget *parent)
+    : QFileDialog(parent, panel.message, folder)
     , m_panel(panel)
 {
     setOption(DontUseNativeDialog);
@@ -55,9 +55,9 @@ ItemPanel::ItemPanel(const platform::OpenPanel &panel, QWidget *parent)
     setProxyModel(new ChoosableItems([this](const QString &path) { return isChoosableFile(path); },
                                      [this](const QString &path) { return mayChoose(path); }, this));
     connect(this, &QFileDialog::currentChanged, this, &ItemPanel::showName);
-    connect(this, &QFileDialog::directoryEntered, this, [this](const QString &folder) {
-        if (isChoosableFile(folder) && mayChoose(folder))
-            choose(folder);
+    connect(this, &QFileDialog::directoryEntered, this, [this](const QString &entered) {
+        if (isChoosableFile(entered) && mayChoose(entered))
+            choose(entered);
     });
 }
 

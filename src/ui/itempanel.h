@@ -11,7 +11,8 @@ class ItemPanel : public QFileDialog {
     Q_OBJECT
 
 public:
-    explicit ItemPanel(const platform::OpenPanel &panel, QWidget *parent = nullptr);
+    /// Begins in the folder, which is a path.
+    ItemPanel(const platform::OpenPanel &panel, const QString &folder, QWidget *parent = nullptr);
 
     /// The item that was chosen; empty if the panel was cancelled.
     QUrl chosenItem() const { return m_chosen; }

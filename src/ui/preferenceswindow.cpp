@@ -10,6 +10,7 @@
 #include <QApplication>
 #include <QBoxLayout>
 #include <QCheckBox>
+#include <QDir>
 #include <QFileDialog>
 #include <QGroupBox>
 #include <QLabel>
@@ -230,8 +231,9 @@ QWidget *PreferencesWindow::makeToolRoot(QWidget *parent)
 
 void PreferencesWindow::chooseToolRoot()
 {
-    auto *const panel =
-        new QFileDialog(this, u"Choose the folder of tools"_s, m_preferences.string(key::toolRoot));
+    const QString present = m_preferences.string(key::toolRoot);
+    auto *const panel = new QFileDialog(this, u"Choose the folder of tools"_s,
+                                        present.isEmpty() ? QDir::homePath() : present);
     panel->setAttribute(Qt::WA_DeleteOnClose);
     panel->setOption(QFileDialog::DontUseNativeDialog);
     panel->setFileMode(QFileDialog::Directory);

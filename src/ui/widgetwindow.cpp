@@ -34,10 +34,12 @@ QRect turnedOver(const QRect &place)
 
 } // namespace
 
-WidgetWindow::WidgetWindow(MainWinController &document, WindowOrder &order, LogPrinter &printer)
+WidgetWindow::WidgetWindow(MainWinController &document, WindowOrder &order, LogPrinter &printer,
+                           PanelFolder &panelFolder)
     : m_document(document)
     , m_order(order)
     , m_printer(printer)
+    , m_panelFolder(panelFolder)
     , m_page(document)
 {
     (new FrameWindow(order))->insertWindow(*this, 0);
@@ -198,9 +200,11 @@ void WidgetWindow::beginOpenPanel(const platform::OpenPanel &panel,
 {
     if (m_isClosed)
         return;
-    auto *const dialog = new ItemPanel(panel, &m_page);
-    m_sheets.begin(dialog,
-                   [dialog, completion = std::move(completion)] { completion(dialog->chosenItem()); });
+    auto *const dialog = new ItemPanel(panel, m_panelFolder.path(), &m_page);
+    m_sheets.begin(dialog, [this, dialog, completion = std::move(completion)] {
+        m_panelFolder.remember(dialog->chosenItem());
+        completion(dialog->chosenItem());
+    });
 }
 
 void WidgetWindow::printLog()

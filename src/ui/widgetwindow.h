@@ -3,6 +3,7 @@
 #include "document/windowfactory.h"
 #include "ui/aboutwindow.h"
 #include "ui/documentpage.h"
+#include "ui/panelfolder.h"
 #include "ui/sheets.h"
 
 #include <QPointer>
@@ -16,7 +17,8 @@ class WindowOrder;
 /// nothing of it.
 class WidgetWindow : public platform::Window {
 public:
-    WidgetWindow(MainWinController &document, WindowOrder &order, LogPrinter &printer);
+    WidgetWindow(MainWinController &document, WindowOrder &order, LogPrinter &printer,
+                 PanelFolder &panelFolder);
     ~WidgetWindow() override;
 
     QString title() const override { return m_page.windowTitle(); }
@@ -60,6 +62,7 @@ private:
     MainWinController &m_document;
     WindowOrder &m_order;
     LogPrinter &m_printer;
+    PanelFolder &m_panelFolder;
     DocumentPage m_page;
     Sheets m_sheets{m_page};
     QPointer<QDialog> m_namedSheet;
@@ -68,6 +71,7 @@ private:
     bool m_isClosed = false;
 };
 
+/// Outlives the windows that it makes.
 class WidgetWindowFactory : public WindowFactory {
 public:
     WidgetWindowFactory(WindowOrder &order, LogPrinter &printer)
@@ -77,7 +81,7 @@ public:
     }
     [[nodiscard]] std::unique_ptr<platform::Window> makeWindow(MainWinController &document) override
     {
-        return std::make_unique<WidgetWindow>(document, m_order, m_printer);
+        return std::make_unique<WidgetWindow>(document, m_order, m_printer, m_panelFolder);
     }
     [[nodiscard]] std::unique_ptr<platform::Panel> makeAboutPanel(AboutController &controller) override
     {
@@ -87,4 +91,5 @@ public:
 private:
     WindowOrder &m_order;
     LogPrinter &m_printer;
+    PanelFolder m_panelFolder;
 };

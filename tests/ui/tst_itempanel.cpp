@@ -34,8 +34,7 @@ protected:
 
     ItemPanel &open(const platform::OpenPanel &description)
     {
-        m_panel = std::make_unique<ItemPanel>(description);
-        m_panel->setDirectory(m_folder.path());
+        m_panel = std::make_unique<ItemPanel>(description, m_folder.path());
         m_panel->open();
         EXPECT_TRUE(QTest::qWaitForWindowActive(m_panel.get()));
         return *m_panel;

@@ -9,6 +9,7 @@
 #include <QCheckBox>
 #include <QCompleter>
 #include <QDialogButtonBox>
+#include <QDir>
 #include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
@@ -176,6 +177,7 @@ TEST_F(PreferencesWindowTest, theFolderOfToolsCanBeChosenInAPanel)
     QTest::mouseClick(&part<QPushButton>(u"chooseToolRootButton"_s), Qt::LeftButton);
     auto &panel = part<QFileDialog>({});
     EXPECT_EQ(panel.windowModality(), Qt::WindowModal);
+    EXPECT_EQ(panel.directory(), QDir::home()) << "not wherever the program was started";
     ASSERT_TRUE(QTest::qWaitForWindowActive(&panel));
     auto &name = *panel.findChild<QLineEdit *>(u"fileNameEdit"_s);
     name.setText(folder.path()); // typed, the panel would complete it with what it finds on the way

@@ -7,6 +7,7 @@
 #include <QAbstractItemView>
 #include <QCloseEvent>
 #include <QCompleter>
+#include <QDir>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListView>
@@ -224,6 +225,79 @@ TEST_F(WidgetWindowTest, anOpenPanelThatIsCancelledAnswersWithAnEmptyURL)
     widget().findChild<ItemPanel *>()->reject();
     until([&] { return !chosen.isEmpty(); });
     EXPECT_EQ(chosen, QList{QUrl()});
+}
+
+namespace {
+
+/// Opens panels in the windows of one application, and answers them as a person does.
+class PanelFolders : public WindowTest {
+protected:
+    ItemPanel &open(MainWinController &document, const QString &type)
+    {
+        document.window().beginOpenPanel({u"Choose"_s, {type}, true, false, {}},
+                                         [this](const QUrl &) { ++m_ended; });
+        auto &window = dynamic_cast<WidgetWindow &>(document.window());
+        auto &panel = *window.page().findChild<ItemPanel *>();
+        until([&] { return panel.isActiveWindow(); });
+        return panel;
+    }
+    void press(ItemPanel &panel, Qt::Key key)
+    {
+        const int before = m_ended;
+        QTest::keyClick(&panel, key);
+        until([&] { return m_ended > before; });
+    }
+    /// Chooses an item in a folder, and answers that folder.
+    QDir chooseFromBuilds()
+    {
+        const QString item = host.item(u"builds/Foo.app"_s);
+        items::makeBundle(item);
+        ItemPanel &panel = open(document(), u"app"_s);
+        panel.findChild<QLineEdit *>(u"fileNameEdit"_s)->setText(item);
+        press(panel, Qt::Key_Return);
+        return {itempath::folder(item)};
+    }
+
+private:
+    int m_ended = 0;
+};
+
+} // namespace
+
+TEST_F(PanelFolders, theFirstPanelBeginsInTheHomeFolder)
+{
+    ItemPanel &panel = open(document(), u"app"_s);
+    EXPECT_EQ(panel.directory(), QDir::home()) << "not wherever the program was started";
+    press(panel, Qt::Key_Escape);
+}
+
+TEST_F(PanelFolders, aPanelBeginsWhereTheLastItemWasChosenInWhicheverWindow)
+{
+    const QDir builds = chooseFromBuilds();
+    host.application().newDocument(1);
+    ItemPanel &other = open(document(), u"plist"_s);
+    EXPECT_EQ(other.directory(), builds);
+    press(other, Qt::Key_Escape);
+}
+
+TEST_F(PanelFolders, aPanelThatIsCancelledChangesNothing)
+{
+    const QDir builds = chooseFromBuilds();
+    ItemPanel &walked = open(document(), u"app"_s);
+    walked.setDirectory(host.item({}));
+    press(walked, Qt::Key_Escape);
+    ItemPanel &next = open(document(), u"app"_s);
+    EXPECT_EQ(next.directory(), builds);
+    press(next, Qt::Key_Escape);
+}
+
+TEST_F(PanelFolders, aFolderThatHasGoneGivesWayToTheHomeFolder)
+{
+    const QDir builds = chooseFromBuilds();
+    ASSERT_TRUE(QDir(builds).removeRecursively());
+    ItemPanel &panel = open(document(), u"app"_s);
+    EXPECT_EQ(panel.directory(), QDir::home());
+    press(panel, Qt::Key_Escape);
 }
 
 TEST_F(WidgetWindowTest, aWindowIsActiveAgainWhenItsPanelHasEndedWithCompletionsOpen)
