@@ -62,6 +62,8 @@ void FrameWindow::addTabCommands()
         &FrameWindow::selectPreviousTab);
     add(u"Show &Next Tab"_s, {QKeySequence(u"Ctrl+PgDown"_s), QKeySequence(u"Ctrl+Tab"_s)},
         &FrameWindow::selectNextTab);
+    add(u"Move Tab &Left"_s, {QKeySequence(u"Ctrl+Shift+PgUp"_s)}, &FrameWindow::moveTabLeft);
+    add(u"Move Tab &Right"_s, {QKeySequence(u"Ctrl+Shift+PgDown"_s)}, &FrameWindow::moveTabRight);
     add(u"&Move Tab to New Window"_s, {}, &FrameWindow::moveTabToOwnFrame);
 }
 
@@ -206,6 +208,12 @@ void FrameWindow::changeEvent(QEvent *event)
 void FrameWindow::selectNeighbour(qsizetype distance)
 {
     m_tabs->setCurrentIndex(int((m_tabs->currentIndex() + count() + distance) % count()));
+}
+
+/// A tab at the end stays there.
+void FrameWindow::moveTab(int distance)
+{
+    moveWithin(selected(), m_tabs->currentIndex() + distance);
 }
 
 void FrameWindow::moveTabToOwnFrame()

@@ -35,6 +35,8 @@ public:
 
     void selectNextTab() { selectNeighbour(1); }
     void selectPreviousTab() { selectNeighbour(-1); }
+    void moveTabLeft() { moveTab(-1); }
+    void moveTabRight() { moveTab(1); }
     void moveTabToOwnFrame();
     /// Gathers the tabs of all frames on screen in this one.
     void mergeAllFrames();
@@ -52,6 +54,7 @@ protected:
 private:
     void addTabCommands();
     void selectNeighbour(qsizetype distance);
+    void moveTab(int distance);
     void moveWithin(WidgetWindow &window, qsizetype index);
     FrameWindow &moveToOwnFrame(WidgetWindow &window);
     void followTitle(DocumentPage &page);

@@ -143,6 +143,52 @@ TEST_F(Tabs, theKeysGoRoundTheTabs)
     EXPECT_EQ(frame().windowTitle(), u"Untitled-3"_s);
 }
 
+TEST_F(Tabs, theKeysMoveTheTabOnShowAsFarAsTheEnd)
+{
+    openTwoMore();
+    auto &field = *windowOf(at(2)).page().findChild<QLineEdit *>(u"providerNameField"_s);
+    field.setFocus();
+    const auto move = [this](Qt::Key key) {
+        press(frame(), key, Qt::ControlModifier | Qt::ShiftModifier);
+        EXPECT_EQ(tabTexts(frame()), titles(frame()));
+        EXPECT_EQ(selectedTitle(frame()), u"Untitled-3"_s);
+        return titles(frame());
+    };
+    const QStringList inTheMiddle{u"Untitled"_s, u"Untitled-3"_s, u"Untitled-2"_s};
+    const QStringList first{u"Untitled-3"_s, u"Untitled"_s, u"Untitled-2"_s};
+    EXPECT_EQ(move(Qt::Key_PageUp), inTheMiddle);
+    EXPECT_EQ(move(Qt::Key_PageUp), first);
+    EXPECT_EQ(move(Qt::Key_PageUp), first);
+    EXPECT_EQ(move(Qt::Key_PageDown), inTheMiddle);
+    EXPECT_TRUE(field.hasFocus());
+    EXPECT_EQ(at(2).steps().windowScripting.AETabOrderedIndex(), 2) << "and so it is for scripts";
+}
+
+TEST_F(Tabs, aTabIsMovedByTheItemsOfTheMenu)
+{
+    const auto choose = [this](Qt::Key letter) {
+        auto &menu = part<QMenu>(u"windowMenu"_s);
+        until([this] { return frame().isActiveWindow(); });
+        QTest::keyClick(&frame(), Qt::Key_W, Qt::AltModifier);
+        until([&] { return menu.isVisible(); });
+        QTest::keyClick(&menu, letter);
+        until([&] { return !menu.isVisible(); });
+    };
+    openTwoMore();
+    choose(Qt::Key_L);
+    EXPECT_EQ(titles(frame()), (QStringList{u"Untitled"_s, u"Untitled-3"_s, u"Untitled-2"_s}));
+    choose(Qt::Key_R);
+    EXPECT_EQ(titles(frame()), (QStringList{u"Untitled"_s, u"Untitled-2"_s, u"Untitled-3"_s}));
+}
+
+TEST_F(Tabs, aLoneTabHasNothingToBeMovedPast)
+{
+    for (const QAction *const command : frame().actions())
+        EXPECT_FALSE(command->isEnabled()) << command->text().toStdString();
+    press(frame(), Qt::Key_PageUp, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(titles(frame()), QStringList{u"Untitled"_s});
+}
+
 TEST_F(Tabs, theKeysWorkInTheLogToo)
 {
     openTwoMore();
