@@ -109,7 +109,7 @@ void MainWinController::bindControls()
              Action::doFetchHistory);
     describe(chooseProviderButton, u"Choose…"_s, u"Asks for the short names of your teams"_s,
              Action::doListProviderShortnames);
-    historyMaxPagesLabel.setStringValue(u"Pages"_s);
+    historyMaxPagesLabel.setStringValue(u"Pages at most"_s);
     steps().submit.setOrdinaryButtons();
 }
 

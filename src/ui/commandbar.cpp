@@ -68,24 +68,31 @@ void CommandBar::pressPrimaryButton()
     m_submit->click();
 }
 
+void CommandBar::pressButtonOf(const QLineEdit &field)
+{
+    (&field == m_pages ? m_fetchHistory : m_submit)->click();
+}
+
 void CommandBar::addHistory(QBoxLayout &row)
 {
-    row.addWidget(makeButton(m_document.fetchHistoryButton, u"fetchHistoryButton"_s));
+    m_fetchHistory = makeButton(m_document.fetchHistoryButton, u"fetchHistoryButton"_s);
+    row.addWidget(m_fetchHistory);
     auto *const label = new QLabel(this);
     label->setObjectName(u"historyMaxPagesLabel"_s);
     bindings::bind(*label, m_document.historyMaxPagesLabel);
     keepPlace(*label);
-    QWidget *const pages = makePages();
-    label->setBuddy(pages);
+    m_pages = makePages();
+    label->setBuddy(m_pages);
+    label->setToolTip(m_pages->toolTip());
     row.addWidget(label);
-    row.addWidget(pages);
+    row.addWidget(m_pages);
 }
 
-QWidget *CommandBar::makePages()
+QLineEdit *CommandBar::makePages()
 {
     auto *const pages =
         named(new QLineEdit(this), u"historyMaxPagesField"_s, m_document.historyMaxPagesLabel.stringValue());
-    pages->setToolTip(u"How many pages of the history to fetch"_s);
+    pages->setToolTip(u"More pages of the history than this are not asked for. Return fetches it."_s);
     pages->setValidator(new PagesValidator(m_document, pages));
     pages->setFixedWidth(pages->fontMetrics().horizontalAdvance(u'0') * digitsAcross);
     pages->setAcceptDrops(false);

@@ -5,6 +5,7 @@
 class Button;
 class MainWinController;
 class QBoxLayout;
+class QLineEdit;
 class QPushButton;
 
 /// What a document can be told to do: on the left the history of the account, on the right what begins with
@@ -17,12 +18,16 @@ public:
 
     /// Presses the button that Return stands for, if it is on.
     void pressPrimaryButton();
+    /// Presses the one that Return stands for in this field of the page, if it is on.
+    void pressButtonOf(const QLineEdit &field);
 
 private:
     void addHistory(QBoxLayout &row);
-    QWidget *makePages();
+    QLineEdit *makePages();
     QPushButton *makeButton(Button &button, const QString &name);
 
     MainWinController &m_document;
+    QPushButton *m_fetchHistory = nullptr;
+    QLineEdit *m_pages = nullptr; ///< how many of the history
     QPushButton *m_submit = nullptr;
 };

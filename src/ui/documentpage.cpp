@@ -136,8 +136,9 @@ void DocumentPage::keyPressEvent(QKeyEvent *event)
     // A default button has the key from elsewhere in a dialog only, and a page is none.
     const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
     const bool isPlain = !(event->modifiers() & ~Qt::KeypadModifier) && !event->isAutoRepeat();
-    if (isReturn && isPlain && qobject_cast<QLineEdit *>(focusWidget()))
-        pressPrimaryButton();
+    const auto *const field = qobject_cast<QLineEdit *>(focusWidget());
+    if (isReturn && isPlain && field)
+        m_commands->pressButtonOf(*field);
     else
         QWidget::keyPressEvent(event);
 }

@@ -177,8 +177,8 @@ TEST_F(Controls, theConfigurationsOfDropDMGAgreeWithTheirControlBothWays)
 TEST_F(Controls, theHistorysPagesAgreeWithTheirFieldBothWays)
 {
     auto &pages = part<QLineEdit>(u"historyMaxPagesField"_s);
-    EXPECT_EQ(part<QLabel>(u"historyMaxPagesLabel"_s).text(), u"Pages"_s);
-    EXPECT_EQ(pages.accessibleName(), u"Pages"_s);
+    EXPECT_EQ(part<QLabel>(u"historyMaxPagesLabel"_s).text(), u"Pages at most"_s);
+    EXPECT_EQ(pages.accessibleName(), u"Pages at most"_s);
     EXPECT_EQ(pages.text(), u"1"_s);
     pages.selectAll();
     QTest::keyClicks(&pages, u"25x"_s);

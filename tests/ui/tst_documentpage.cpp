@@ -229,6 +229,25 @@ TEST_F(DocumentPageTest, returnInAFieldPressesThePrimaryButtonOnce)
     }
 }
 
+TEST_F(DocumentPageTest, returnInTheNumberOfPagesFetchesTheHistoryAndSubmitsNothing)
+{
+    auto &pages = part<QLineEdit>(u"historyMaxPagesField"_s);
+    int fetches = 0;
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter}) {
+        pages.setFocus();
+        pages.selectAll();
+        QTest::keyClicks(&pages, u"2"_s);
+        QTest::keyClick(&pages, key, key == Qt::Key_Enter ? Qt::KeypadModifier : Qt::NoModifier);
+        EXPECT_FALSE(widget().findChild<ItemPanel *>());
+        host.settle();
+        EXPECT_EQ(host.tools.callsOf(u"altool--notarization-history"_s).size(), ++fetches);
+    }
+    document().progressIndicator.startAnimation();
+    QTest::keyClick(&pages, Qt::Key_Return);
+    EXPECT_FALSE(document().isBusy() || widget().findChild<ItemPanel *>()) << "one workflow at a time";
+    document().progressIndicator.stopAnimation();
+}
+
 TEST_F(DocumentPageTest, returnElsewhereIsNotForThePrimaryButton)
 {
     part<FindBar>({}).open();
