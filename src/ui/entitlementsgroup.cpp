@@ -126,6 +126,7 @@ void EntitlementsGroup::addKinds(QGridLayout &grid)
 QWidget *EntitlementsGroup::makeExtra()
 {
     auto *const line = new QWidget(this);
+    settingrows::setHelp(*line, Action::doExtraEntitlementsHelp);
     auto *const row = new QHBoxLayout(line);
     row->setContentsMargins(0, 0, 0, 0);
     auto *const extra = settingrows::makeCheckbox(

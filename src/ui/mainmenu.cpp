@@ -7,11 +7,13 @@
 #include "ui/framewindow.h"
 #include "ui/menuitems.h"
 #include "ui/preferenceswindow.h"
+#include "ui/settingrows.h"
 #include "ui/widgetwindow.h"
 
 #include <QAction>
 #include <QMenu>
 #include <QMenuBar>
+#include <QShortcut>
 
 using namespace Qt::StringLiterals;
 
@@ -176,6 +178,18 @@ void MainMenu::addHelpMenu()
     addItem(help, u"&Send Us Email"_s, {}, [this] { document().appDelegate().doSendUsEmail(); });
     help.addSeparator();
     addItem(help, u"A&bout Sealwright"_s, {}, [this] { document().appDelegate().doShowAboutPanel(); });
+    auto *const key = new QShortcut(QKeySequence::HelpContents, &m_frame);
+    connect(key, &QShortcut::activated, this, [this, &help] { showHelp(help); });
+}
+
+/// The sheet about what has the keyboard focus; where there is none, the choice of all.
+void MainMenu::showHelp(QMenu &all)
+{
+    const Action help = settingrows::helpOn(m_frame.focusWidget());
+    if (help != Action::none && isOffered(help))
+        return document().perform(help);
+    m_frame.menuBar()->setActiveAction(all.menuAction());
+    all.setActiveAction(all.actions().first());
 }
 
 // What the menus are made of

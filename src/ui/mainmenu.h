@@ -32,6 +32,7 @@ private:
     void addAccountMenu();
     void addWindowMenu();
     void addHelpMenu();
+    void showHelp(QMenu &all);
 
     QMenu &addMenu(const QString &title, const QString &name);
     /// An item that the document carries out. While it cannot, the item is off when the menu shows, and its

@@ -12,6 +12,12 @@
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+constexpr auto helpProperty = "slwHelp";
+
+} // namespace
+
 QCheckBox *settingrows::makeCheckbox(QWidget *parent, MainWinController &document, const CheckboxRow &row)
 {
     auto *const box = named(new QCheckBox(row.label, parent), row.name, plainLabel(row.label));
@@ -34,11 +40,25 @@ QToolButton *settingrows::makeHelpButton(QWidget *parent, MainWinController &doc
 {
     auto *const button = named(new QToolButton(parent), name, u"Help: "_s + subject);
     button->setText(u"?"_s);
-    button->setToolTip(button->accessibleName());
+    button->setToolTip(button->accessibleName() + u" (F1)"_s);
     button->setFocusPolicy(Qt::TabFocus);
     QObject::connect(button, &QToolButton::clicked, &document, [&document, help] { document.perform(help); });
     offerWhenIdle(*button, document);
     return button;
+}
+
+void settingrows::setHelp(QWidget &widget, Action help)
+{
+    widget.setProperty(helpProperty, QVariant::fromValue(static_cast<int>(help)));
+}
+
+Action settingrows::helpOn(const QWidget *widget)
+{
+    for (; widget; widget = widget->parentWidget()) {
+        if (const QVariant help = widget->property(helpProperty); help.isValid())
+            return static_cast<Action>(help.toInt());
+    }
+    return Action::none;
 }
 
 void settingrows::offerWhenIdle(QWidget &widget, Control &control, MainWinController &document)

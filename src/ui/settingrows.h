@@ -37,6 +37,12 @@ struct TextRow {
 [[nodiscard]] QToolButton *makeHelpButton(QWidget *parent, MainWinController &document, Action help,
                                           const QString &name, const QString &subject);
 
+/// Says which help sheet is about the widget and all that is in it.
+void setHelp(QWidget &widget, Action help);
+
+/// The help sheet about the widget; `Action::none` if there is none, or no widget.
+[[nodiscard]] Action helpOn(const QWidget *widget);
+
 /// Keeps a widget off while a workflow runs: a document runs one at a time, and its spinner turns for as
 /// long.
 void offerWhenIdle(QWidget &widget, Control &control, MainWinController &document);

@@ -16,10 +16,11 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// Widgets side by side, the first of which takes what room there is.
-QWidget *sideBySide(QWidget *parent, const QList<QWidget *> &widgets)
+/// Widgets side by side, the first of which takes what room there is, and which the help sheet is about.
+QWidget *sideBySide(QWidget *parent, Action help, const QList<QWidget *> &widgets)
 {
     auto *const line = new QWidget(parent);
+    settingrows::setHelp(*line, help);
     auto *const row = new QHBoxLayout(line);
     row->setContentsMargins(0, 0, 0, 0);
     for (QWidget *const widget : widgets)
@@ -67,7 +68,7 @@ void CredentialsGroup::addPassword(QFormLayout &form)
                                    u"App-specific &password"_s, u"Name of its keychain item"_s};
     QLineEdit *const field = settingrows::makeTextField(this, m_document, row);
     form.addRow(settingrows::makeCaption(this, row.label, *field),
-                sideBySide(this,
+                sideBySide(this, Action::doAppPassHelp,
                            {field,
                             settingrows::makeHelpButton(this, m_document, Action::doAppPassHelp,
                                                         u"appPassHelpButton"_s,
@@ -86,7 +87,7 @@ void CredentialsGroup::addProvider(QFormLayout &form)
                    [this](Action action) { m_document.perform(action); });
     settingrows::offerWhenIdle(*choose, m_document.chooseProviderButton, m_document);
     form.addRow(settingrows::makeCaption(this, row.label, *field),
-                sideBySide(this,
+                sideBySide(this, Action::doTeamProviderHelp,
                            {field, choose,
                             settingrows::makeHelpButton(this, m_document, Action::doTeamProviderHelp,
                                                         u"teamProviderHelpButton"_s,
@@ -122,11 +123,12 @@ void SigningGroup::addDiskImage(QFormLayout &form)
                                   {&DocumentControls::createDiskImageCheckbox, u"createDiskImageCheckbox"_s,
                                    u"&Upload as a disk image"_s,
                                    u"Staples a disk image for distribution, in place of the item itself"_s});
-    form.addRow(sideBySide(this,
+    form.addRow(sideBySide(this, Action::doDropDMGHelp,
                            {create,
                             settingrows::makeHelpButton(this, m_document, Action::doDropDMGHelp,
                                                         u"dropDMGHelpButton"_s, u"Disk image options"_s)}));
     QWidget *const dropDMG = makeDropDMG();
+    settingrows::setHelp(*dropDMG, Action::doDropDMGHelp);
     form.addRow(dropDMG);
     bindings::enableWhile(*dropDMG, m_document.createDiskImageCheckbox,
                           [this] { return m_document.createDiskImageCheckbox.isOn(); });

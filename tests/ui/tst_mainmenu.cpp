@@ -446,6 +446,7 @@ struct HelpRow {
     QString title;
     QString answer;
     QString focusAfterwards;
+    QList<const char *> about; ///< where its key leads to it
 };
 
 class Help : public MainMenuTest, public testing::WithParamInterface<HelpRow> { };
@@ -473,22 +474,83 @@ TEST_P(Help, isShownByItsItemInTheMenu)
     until([this] { return focused() == GetParam().focusAfterwards; });
 }
 
+TEST_P(Help, isShownByItsKeyWhereItFits)
+{
+    document().useDiskImage.set(true);
+    document().useDropDMG.set(true);
+    for (const char *const name : GetParam().about) {
+        auto &focused = part<QWidget>(QString::fromLatin1(name));
+        focused.setFocus();
+        ASSERT_TRUE(focused.hasFocus()) << name;
+        QTest::keyClick(&focused, Qt::Key_F1);
+        EXPECT_EQ(awaitSheet().text(), GetParam().title) << name;
+        answer(GetParam().answer);
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(Sheets, Help,
-                         testing::Values(HelpRow{"appPassHelpButton", Qt::Key_A, u"App-Specific Password"_s,
-                                                 u"OK"_s, u"appPassField"_s},
-                                         HelpRow{"teamProviderHelpButton", Qt::Key_P,
-                                                 u"Provider Short Name"_s, u"Cancel"_s,
-                                                 u"providerNameField"_s},
-                                         HelpRow{"extraEntitlementsHelpButton", Qt::Key_E,
-                                                 u"Extra Entitlements"_s, u"OK"_s, u"providerNameField"_s},
-                                         HelpRow{"dropDMGHelpButton", Qt::Key_D, u"Disk Image Options"_s,
-                                                 u"OK"_s, u"providerNameField"_s}),
+                         testing::Values(HelpRow{"appPassHelpButton",
+                                                 Qt::Key_A,
+                                                 u"App-Specific Password"_s,
+                                                 u"OK"_s,
+                                                 u"appPassField"_s,
+                                                 {"appPassField", "appPassHelpButton"}},
+                                         HelpRow{"teamProviderHelpButton",
+                                                 Qt::Key_P,
+                                                 u"Provider Short Name"_s,
+                                                 u"Cancel"_s,
+                                                 u"providerNameField"_s,
+                                                 {"providerNameField", "chooseProviderButton",
+                                                  "teamProviderHelpButton"}},
+                                         HelpRow{"extraEntitlementsHelpButton",
+                                                 Qt::Key_E,
+                                                 u"Extra Entitlements"_s,
+                                                 u"OK"_s,
+                                                 u"providerNameField"_s,
+                                                 {"extraEntitlementsButton", "extraEntitlementsHelpButton"}},
+                                         HelpRow{"dropDMGHelpButton",
+                                                 Qt::Key_D,
+                                                 u"Disk Image Options"_s,
+                                                 u"OK"_s,
+                                                 u"providerNameField"_s,
+                                                 {"createDiskImageCheckbox", "dropDMGHelpButton",
+                                                  "useDropDMGCheckbox", "dropDMGConfigsPopup"}}),
                          [](const auto &row) { return row.param.button; });
 
 TEST_F(MainMenuTest, helpIsOffWhileAWorkflowRuns)
 {
     document().isBusy.set(true);
     EXPECT_FALSE(item(u"helpMenu"_s, u"App-Specific Password"_s).isEnabled());
+    document().isBusy.set(false);
+}
+
+TEST_F(MainMenuTest, theKeyOfHelpOpensItsMenuWhereNoSheetFits)
+{
+    QMenu &help = menu(u"helpMenu"_s);
+    for (const QString &name :
+         {u"statusTextView"_s, u"appleIDField"_s, u"identitiesPopup"_s, u"cameraCheckbox"_s}) {
+        part<QWidget>(name).setFocus();
+        QTest::keyClick(&part<QWidget>(name), Qt::Key_F1);
+        ASSERT_TRUE(help.isVisible()) << name.toStdString();
+        EXPECT_EQ(help.activeAction(), help.actions().first());
+        QTest::keyClick(&help, Qt::Key_Escape);
+        until([&] { return !help.isVisible(); });
+    }
+    QTest::keyClick(&widget(), Qt::Key_F1);
+    QTest::keyClick(&help, Qt::Key_Return);
+    EXPECT_EQ(awaitSheet().text(), u"App-Specific Password"_s) << "the first is at hand";
+    answer(u"OK"_s);
+}
+
+TEST_F(MainMenuTest, theKeyOfHelpShowsNoSheetWhileAWorkflowRuns)
+{
+    document().isBusy.set(true);
+    part<QLineEdit>(u"appPassField"_s).setFocus();
+    press(Qt::Key_F1, Qt::NoModifier);
+    QMenu &help = menu(u"helpMenu"_s);
+    EXPECT_TRUE(help.isVisible());
+    EXPECT_FALSE(sheet());
+    help.close();
     document().isBusy.set(false);
 }
 
