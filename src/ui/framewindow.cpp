@@ -10,6 +10,7 @@
 #include <QCloseEvent>
 #include <QMenuBar>
 #include <QScreen>
+#include <QStyle>
 
 #include <algorithm>
 
@@ -38,9 +39,10 @@ FrameWindow::FrameWindow(WindowOrder &order)
     resize(firstSize.boundedTo(screen()->availableSize() - QSize(0, titleBarHeight)));
     connect(m_tabs, &TabWidget::currentChanged, this, [this](int index) {
         if (index >= 0)
-            showPage(selected().page());
+            restoreFocus();
         Q_EMIT tabsChanged();
     });
+    connect(this, &FrameWindow::tabsChanged, this, &FrameWindow::showTabs);
     connect(m_tabs, &TabWidget::tabCloseRequested, this,
             [this](int index) { m_windows.at(index)->performClose(); });
     connect(&m_tabs->tabs(), &TabBar::tabMoved, this, [this](int from, int to) { m_windows.move(from, to); });
@@ -111,9 +113,9 @@ void FrameWindow::insertWindow(platform::Window &window, qsizetype atIndex)
     const auto index = std::clamp<qsizetype>(atIndex, 0, count());
     m_windows.insert(index, &inserted);
     m_tabs->insertTab(int(index), &inserted.page(), {});
-    followTitle(inserted.page());
+    follow(inserted);
     if (&inserted == &selected())
-        showPage(inserted.page());
+        restoreFocus();
     Q_EMIT tabsChanged();
 }
 
@@ -128,6 +130,7 @@ void FrameWindow::release(WidgetWindow &window)
     const qsizetype index = m_windows.indexOf(&window);
     m_windows.removeAt(index);
     window.page().disconnect(this);
+    window.sheets().disconnect(this);
     m_tabs->removeTab(int(index));
     window.page().setParent(nullptr);
     if (count() > 0) {
@@ -166,27 +169,37 @@ void FrameWindow::comeToFront()
     m_order.bringToFront(*this);
 }
 
-void FrameWindow::followTitle(DocumentPage &page)
+void FrameWindow::follow(WidgetWindow &window)
 {
-    connect(&page, &QWidget::windowTitleChanged, this, [this, &page] { showTitle(page); });
-    showTitle(page);
+    connect(&window.page(), &QWidget::windowTitleChanged, this, &FrameWindow::showTabs);
+    connect(&window.sheets(), &Sheets::changed, this, &FrameWindow::showTabs);
 }
 
-void FrameWindow::showTitle(DocumentPage &page)
+void FrameWindow::showTabs()
 {
-    const QString title = page.windowTitle();
-    const int index = m_tabs->indexOf(&page);
-    m_tabs->setTabText(index, QString(title).replace(u'&', u"&&"_s));
-    m_tabs->setTabToolTip(index, title);
-    if (index == m_tabs->currentIndex())
-        setWindowTitle(title);
+    for (int index = 0; index < count(); ++index)
+        showTab(index);
 }
 
-void FrameWindow::showPage(DocumentPage &page)
+/// A sheet hides with its page; the tab says that there is one.
+void FrameWindow::showTab(int index)
 {
-    showTitle(page);
+    const WidgetWindow &window = *m_windows.at(index);
+    const bool isOnShow = index == m_tabs->currentIndex();
+    const bool waits = window.hasSheet() && !isOnShow;
+    const QString description = waits ? window.title() + u" – waits for an answer"_s : window.title();
+    m_tabs->setTabText(index, QString(window.title()).replace(u'&', u"&&"_s));
+    m_tabs->setTabIcon(index, waits ? style()->standardIcon(QStyle::SP_MessageBoxQuestion) : QIcon());
+    m_tabs->setTabToolTip(index, description);
+    m_tabs->tabs().setAccessibleTabName(index, description);
+    if (isOnShow)
+        setWindowTitle(window.title());
+}
+
+void FrameWindow::restoreFocus()
+{
     if (!m_tabs->tabs().hasFocus())
-        page.restoreFocus();
+        selected().page().restoreFocus();
 }
 
 void FrameWindow::closeEvent(QCloseEvent *event)

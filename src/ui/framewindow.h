@@ -4,7 +4,6 @@
 
 #include <QMainWindow>
 
-class DocumentPage;
 class TabWidget;
 class WidgetWindow;
 class WindowOrder;
@@ -57,9 +56,10 @@ private:
     void moveTab(int distance);
     void moveWithin(WidgetWindow &window, qsizetype index);
     FrameWindow &moveToOwnFrame(WidgetWindow &window);
-    void followTitle(DocumentPage &page);
-    void showTitle(DocumentPage &page);
-    void showPage(DocumentPage &page);
+    void follow(WidgetWindow &window);
+    void showTabs();
+    void showTab(int index);
+    void restoreFocus();
     bool takesTabsAt(QPoint globalPosition) const;
     qsizetype placeAt(QPoint globalPosition) const;
 

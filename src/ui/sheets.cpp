@@ -51,6 +51,7 @@ void Sheets::begin(QDialog *dialog, std::function<void()> completion)
     m_sheets.append({dialog, std::move(completion)});
     qApp->installEventFilter(this);
     putUp();
+    Q_EMIT changed();
 }
 
 void Sheets::putUp()
@@ -93,6 +94,7 @@ void Sheets::end(const QDialog *dialog)
     ended.dialog->deleteLater();
     if (m_sheets.isEmpty())
         qApp->removeEventFilter(this);
+    Q_EMIT changed();
     if (m_page.isVisible())
         m_page.activateWindow(); // not every desktop gives the focus back
     const QPointer<Sheets> alive(this);
@@ -109,6 +111,7 @@ void Sheets::drop()
         sheet.dialog->hide();
         sheet.dialog->deleteLater();
     }
+    Q_EMIT changed();
 }
 
 bool Sheets::eventFilter(QObject *object, QEvent *event)

@@ -28,6 +28,10 @@ public:
     /// Takes all dialogs away. Their completions are not called.
     void drop();
 
+Q_SIGNALS:
+    /// One has been attached or has gone.
+    void changed();
+
 protected:
     bool eventFilter(QObject *object, QEvent *event) override;
 

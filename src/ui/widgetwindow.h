@@ -48,6 +48,7 @@ public:
     bool hasSheet() const { return !m_sheets.isEmpty(); }
     /// Null if there is none.
     QDialog *sheet() const { return m_sheets.current(); }
+    const Sheets &sheets() const { return m_sheets; }
     DocumentPage &page() { return m_page; }
     /// The frame that the page is in.
     FrameWindow *frameWindow() const;

@@ -5,6 +5,7 @@
 #include "ui/tabbar.h"
 #include "windowtest.h"
 
+#include <QAccessible>
 #include <QAction>
 #include <QLineEdit>
 #include <QMenu>
@@ -60,6 +61,19 @@ protected:
         for (int index = 0; index < bar(frame).count(); ++index)
             texts.append(bar(frame).tabText(index));
         return texts;
+    }
+    /// What each tab says of itself to the mouse and to screen readers. A mark tells the eye the same.
+    static QStringList descriptions(FrameWindow &frame)
+    {
+        QStringList descriptions;
+        QAccessibleInterface *const read = QAccessible::queryAccessibleInterface(&bar(frame));
+        for (int index = 0; index < bar(frame).count(); ++index) {
+            const QString description = bar(frame).tabToolTip(index);
+            EXPECT_EQ(read->child(index)->text(QAccessible::Name), description);
+            EXPECT_EQ(bar(frame).tabIcon(index).isNull(), description == frame.windows().at(index)->title());
+            descriptions.append(description);
+        }
+        return descriptions;
     }
     static QString selectedTitle(FrameWindow &frame) { return frame.selectedWindow()->title(); }
 
@@ -403,6 +417,40 @@ TEST_F(Tabs, aSheetOfOneTabLeavesTheOthersUsable)
     until([&] { return box.isVisible(); });
     answer(u"OK"_s);
     EXPECT_EQ(answers, QList{platform::alertFirstButton});
+}
+
+TEST_F(Tabs, aTabOutOfSightSaysThatItsSheetWaitsForAnAnswer)
+{
+    openTwoMore();
+    at(1).window().setTitle(u"Salt & Pepper.app"_s);
+    const QStringList plain{u"Untitled"_s, u"Salt & Pepper.app"_s, u"Untitled-3"_s};
+    const QStringList marked{u"Untitled"_s, u"Salt & Pepper.app – waits for an answer"_s, u"Untitled-3"_s};
+    EXPECT_EQ(descriptions(frame()), plain);
+    windowOf(at(1)).beginSheet({u"Question"_s, u"Well?"_s, {}}, [](int) {});
+    EXPECT_EQ(descriptions(frame()), marked);
+    EXPECT_EQ(tabTexts(frame()).at(1), u"Salt && Pepper.app"_s);
+    frame().setSelectedWindow(at(1).window());
+    EXPECT_EQ(descriptions(frame()), plain) << "the sheet itself is on show";
+    EXPECT_EQ(frame().windowTitle(), u"Salt & Pepper.app"_s);
+    frame().setSelectedWindow(at(0).window());
+    EXPECT_EQ(descriptions(frame()), marked);
+}
+
+TEST_F(Tabs, theMarkOfASheetMovesWithItsTabAndGoesWithTheSheet)
+{
+    openTwoMore();
+    windowOf(at(1)).beginSheet({u"Question"_s, u"Well?"_s, {}}, [](int) {});
+    press(frame(), Qt::Key_PageUp, Qt::ControlModifier | Qt::ShiftModifier);
+    const QStringList moved{u"Untitled"_s, u"Untitled-3"_s, u"Untitled-2 – waits for an answer"_s};
+    EXPECT_EQ(descriptions(frame()), moved);
+    host.application().newDocument(1);
+    FrameWindow &other = frame();
+    other.insertWindow(at(1).window(), 0);
+    EXPECT_EQ(descriptions(other), (QStringList{u"Untitled-2 – waits for an answer"_s, u"Untitled-4"_s}));
+    EXPECT_EQ(descriptions(frameOf(at(0))), (QStringList{u"Untitled"_s, u"Untitled-3"_s}));
+    windowOf(at(1)).page().findChild<AlertBox *>()->reject();
+    until([&] { return !windowOf(at(1)).hasSheet(); });
+    EXPECT_EQ(descriptions(other), (QStringList{u"Untitled-2"_s, u"Untitled-4"_s}));
 }
 
 TEST_F(Tabs, theKeysLeadFromASheetToTheNextTab)
