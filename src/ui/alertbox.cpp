@@ -1,9 +1,10 @@
 #include "ui/alertbox.h"
 
+#include "ui/letterbutton.h"
+
 #include <QApplication>
 #include <QIcon>
 #include <QLabel>
-#include <QPushButton>
 
 using namespace Qt::StringLiterals;
 
@@ -45,13 +46,15 @@ void AlertBox::addButtons(const QStringList &titles)
 {
     for (const QString &title : titles) {
         const bool cancels = title == "Cancel"_L1;
-        auto *const button = addButton(title, cancels ? RejectRole : AcceptRole);
+        auto *const button = new LetterButton(title, this);
+        addButton(button, cancels ? RejectRole : AcceptRole);
         m_buttons.append(button);
         if (cancels || titles.size() == 1)
             setEscapeButton(button);
         if (m_buttons.size() == 1)
             setDefaultButton(button);
     }
+    LetterButton::assignLetters(m_buttons);
 }
 
 int AlertBox::answer() const

@@ -4,8 +4,10 @@
 
 #include <QMessageBox>
 
+class LetterButton;
+
 /// An alert as a message box. All of its text is shown letter for letter. The first button is the default
-/// one; Escape presses the one that cancels, or the only one.
+/// one; Escape presses the one that cancels, or the only one; each has a letter.
 class AlertBox : public QMessageBox {
     Q_OBJECT
 
@@ -19,5 +21,5 @@ private:
     void addButtons(const QStringList &titles);
     void styleText();
 
-    QList<QAbstractButton *> m_buttons;
+    QList<LetterButton *> m_buttons;
 };

@@ -1,5 +1,7 @@
 #include "ui/bindings.h"
 
+#include "ui/mnemonic.h"
+
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLabel>
@@ -28,12 +30,6 @@ void showAvailability(QWidget &widget, const Control &control)
 {
     widget.setHidden(control.isHidden());
     widget.setEnabled(control.isEnabled());
-}
-
-/// A text as a button shows it letter for letter.
-QString withoutMnemonic(QString text)
-{
-    return text.replace(u'&', u"&&"_s);
 }
 
 QStringList itemTitles(const QComboBox &box)

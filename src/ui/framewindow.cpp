@@ -1,6 +1,7 @@
 #include "ui/framewindow.h"
 
 #include "ui/mainmenu.h"
+#include "ui/mnemonic.h"
 #include "ui/tabbar.h"
 #include "ui/toplevel.h"
 #include "ui/widgetwindow.h"
@@ -188,7 +189,7 @@ void FrameWindow::showTab(int index)
     const bool isOnShow = index == m_tabs->currentIndex();
     const bool waits = window.hasSheet() && !isOnShow;
     const QString description = waits ? window.title() + u" – waits for an answer"_s : window.title();
-    m_tabs->setTabText(index, QString(window.title()).replace(u'&', u"&&"_s));
+    m_tabs->setTabText(index, withoutMnemonic(window.title()));
     m_tabs->setTabIcon(index, waits ? style()->standardIcon(QStyle::SP_MessageBoxQuestion) : QIcon());
     m_tabs->setTabToolTip(index, description);
     m_tabs->tabs().setAccessibleTabName(index, description);

@@ -4,12 +4,12 @@
 #include "document/mainwincontroller.h"
 #include "ui/bindings.h"
 #include "ui/busybar.h"
+#include "ui/letterbutton.h"
 #include "ui/named.h"
 
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QLabel>
-#include <QPushButton>
 #include <QStackedWidget>
 #include <QVBoxLayout>
 
@@ -112,9 +112,10 @@ QWidget *ProviderNameSheet::makeMessagePage()
 QDialogButtonBox *ProviderNameSheet::makeButtons()
 {
     auto *const buttons = new QDialogButtonBox(this);
-    m_ok = named(buttons->addButton(u"OK"_s, QDialogButtonBox::AcceptRole), u"providerSheetOK"_s, u"OK"_s);
-    m_cancel = named(buttons->addButton(u"Cancel"_s, QDialogButtonBox::RejectRole), u"providerSheetCancel"_s,
-                     u"Cancel"_s);
+    m_ok = named(new LetterButton(u"OK"_s, buttons), u"providerSheetOK"_s, u"OK"_s);
+    m_cancel = named(new LetterButton(u"Cancel"_s, buttons), u"providerSheetCancel"_s, u"Cancel"_s);
+    buttons->addButton(m_ok, QDialogButtonBox::AcceptRole);
+    buttons->addButton(m_cancel, QDialogButtonBox::RejectRole);
     connect(buttons, &QDialogButtonBox::accepted, this, &ProviderNameSheet::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &ProviderNameSheet::reject);
     return buttons;
@@ -127,4 +128,5 @@ void ProviderNameSheet::showButtonsOfPage(int page)
     (page == choicePage ? m_ok : m_cancel)->setDefault(true);
     m_cancel->setText(page == messagePage ? u"Close"_s : u"Cancel"_s);
     m_cancel->setAccessibleName(m_cancel->text());
+    LetterButton::assignLetters({m_ok, m_cancel});
 }

@@ -2,9 +2,9 @@
 
 #include <QDialog>
 
+class LetterButton;
 class MainWinController;
 class QDialogButtonBox;
-class QPushButton;
 class QStackedWidget;
 
 /// The sheet in which a person waits for the teams of the account, chooses one of them, or reads why there is
@@ -28,6 +28,6 @@ private:
 
     MainWinController &m_document;
     QStackedWidget *m_pages = nullptr;
-    QPushButton *m_ok = nullptr;
-    QPushButton *m_cancel = nullptr;
+    LetterButton *m_ok = nullptr;
+    LetterButton *m_cancel = nullptr;
 };

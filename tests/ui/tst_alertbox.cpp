@@ -1,5 +1,6 @@
 #include "ui/alertbox.h"
 
+#include <QAccessible>
 #include <QLabel>
 #include <QPushButton>
 #include <QTest>
@@ -70,4 +71,33 @@ TEST(AlertBox, whatLooksLikeMarkupIsShownAsItStands)
     EXPECT_EQ(text->textFormat(), Qt::PlainText);
     EXPECT_EQ(more->textFormat(), Qt::PlainText);
     EXPECT_EQ(more->text(), u"See <i>there</i>"_s);
+}
+
+TEST(AlertBox, aLetterPressesItsButtonWithAltOrAlone)
+{
+    const platform::Alert alert{u"Title"_s, u"Text"_s, {u"Cancel"_s, u"Close"_s}};
+    const QList<std::pair<Qt::Key, int>> letters{{Qt::Key_C, 1000}, {Qt::Key_L, 1001}};
+    for (const auto &[key, answer] : letters) {
+        for (const auto modifier : {Qt::AltModifier, Qt::NoModifier}) {
+            AlertBox box(alert);
+            box.open();
+            ASSERT_TRUE(QTest::qWaitForWindowActive(&box));
+            QTest::keyClick(&box, key, modifier);
+            ASSERT_TRUE(QTest::qWaitFor([&box] { return !box.isVisible(); })) << key;
+            EXPECT_EQ(box.answer(), answer);
+        }
+    }
+}
+
+TEST(AlertBox, itsButtonsReadLetterForLetterAllTheSame)
+{
+    AlertBox box({u"Title"_s, u"Text"_s, {u"OK"_s, u"Show File"_s}});
+    EXPECT_EQ(titles(box), (QStringList{u"OK"_s, u"Show File"_s}));
+    for (auto *const button : box.buttons()) {
+        auto *const read = QAccessible::queryAccessibleInterface(button);
+        EXPECT_EQ(read->text(QAccessible::Name), button->text());
+        const QStringList keys =
+            read->actionInterface()->keyBindingsForAction(QAccessibleActionInterface::pressAction());
+        EXPECT_EQ(keys, QStringList{button->text() == "OK"_L1 ? u"Alt+O"_s : u"Alt+S"_s});
+    }
 }

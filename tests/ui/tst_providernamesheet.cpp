@@ -99,6 +99,18 @@ TEST_F(ProviderSheetTest, offersTheTeamsAndTakesTheChosenOne)
     EXPECT_FALSE(document().isBusy());
 }
 
+TEST_F(ProviderSheetTest, takesTheChosenTeamAndCanBeLeftByALetter)
+{
+    listToTheEnd();
+    QTest::keyClick(sheet(), Qt::Key_C, Qt::AltModifier);
+    awaitEnd();
+    EXPECT_EQ(document().providerNameField.stringValue(), QString());
+    listToTheEnd();
+    QTest::keyClick(sheet(), Qt::Key_O, Qt::AltModifier);
+    awaitEnd();
+    EXPECT_EQ(document().providerNameField.stringValue(), u"Zebra"_s);
+}
+
 TEST_F(ProviderSheetTest, followsASelectionThatIsMadeForIt)
 {
     listToTheEnd();
