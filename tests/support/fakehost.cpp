@@ -280,6 +280,8 @@ Outcome FakeWorkspace::launchInBackground(const QString &bundleIdentifier)
 platform::AppleScriptResult FakeAppleScript::execute(const QString &source)
 {
     sources.append(source);
+    if (whileRunning)
+        whileRunning();
     return result;
 }
 

@@ -182,6 +182,7 @@ class FakeAppleScript : public platform::AppleScript {
 public:
     platform::AppleScriptResult execute(const QString &source) override;
     QStringList sources;
+    std::function<void()> whileRunning; ///< called on the thread of whoever runs a script
     platform::AppleScriptResult result{{}, {}, QStringLiteral("no such application")};
 };
 

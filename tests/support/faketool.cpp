@@ -8,7 +8,8 @@
 // $SEALWRIGHT_FAKE_ROOT/kills/NAME/N     there: the N-th run ends its caller when its own work is done
 //
 // In a folder of an answer: stdout, stderr, status, signal (kills itself by it), hang (waits while it is
-// there), and content (written to the path in the file target, where "{last}" is the last argument).
+// there, and then makes a file released beside it), and content (written to the path in the file target,
+// where "{last}" is the last argument).
 
 #include <csignal>
 #include <cstdio>
@@ -99,6 +100,15 @@ void copyTo(int descriptor, const std::filesystem::path &path)
     }
 }
 
+void waitForRelease(const std::filesystem::path &answer)
+{
+    if (!std::filesystem::exists(answer / "hang"))
+        return;
+    while (std::filesystem::exists(answer / "hang"))
+        usleep(1000);
+    std::ofstream(answer / "released") << '\n';
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -125,8 +135,7 @@ int main(int argc, char **argv)
         kill(getppid(), SIGKILL);
     copyTo(STDOUT_FILENO, answer / "stdout");
     copyTo(STDERR_FILENO, answer / "stderr");
-    while (std::filesystem::exists(answer / "hang"))
-        usleep(1000);
+    waitForRelease(answer);
     if (const std::string signal = contents(answer / "signal"); !signal.empty())
         raise(std::stoi(signal));
     const std::string status = contents(answer / "status");

@@ -61,6 +61,11 @@ void FakeTools::release(const QString &tool, int run)
     QFile::remove(answerFolder(tool, run) + u"hang"_s);
 }
 
+bool FakeTools::hasGoneOn(const QString &tool, int run) const
+{
+    return QFile::exists(answerFolder(tool, run) + u"released"_s);
+}
+
 void FakeTools::remove(const QString &path)
 {
     QFile::remove(m_root + path);

@@ -37,6 +37,8 @@ public:
     void answerRun(const QString &tool, int run, const ToolAnswer &answer);
     /// Lets the runs of the tool go on that hang for its usual answer, or for that of one run.
     void release(const QString &tool, int run = 0);
+    /// Whether a run that hung for that answer has gone on since; one that was ended never does.
+    [[nodiscard]] bool hasGoneOn(const QString &tool, int run = 0) const;
     /// Lets the tool's run of that number, counted from 1, do its work and then kill the process that runs
     /// it.
     void killCallerIn(const QString &tool, int run);
