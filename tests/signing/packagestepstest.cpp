@@ -29,11 +29,28 @@ protected:
         host.tools.answer(u"productsign"_s, {.content = "signed"});
     }
 
+    /// The one identity is for installers too.
+    void addInstallerIdentity()
+    {
+        host.tools.answer(u"security"_s,
+                          {.output = "  1) 01 \"Developer ID Application: Example Corp (A1B2C3D4E5)\"\n"
+                                     "  2) 02 \"Developer ID Installer: Example Corp (A1B2C3D4E5)\"\n"});
+    }
+
     void failOn(const QString &operation, const QString &error)
     {
         host.files.failure = [=](const QString &asked, const QString &) {
             return asked == operation ? error : QString();
         };
+    }
+
+    /// Asserts that what the signing tool has made, and the folder beside which it did, are as they were
+    /// left.
+    void expectOutputLeft(const QByteArray &contents)
+    {
+        const QString output = host.tools.callsOf(u"productsign"_s).value(0).value(3);
+        EXPECT_EQ(host.files.readFile(output), contents) << output.toStdString();
+        EXPECT_TRUE(QFileInfo(output.chopped(QStringView(u".My Foo.pkg").size())).isDir());
     }
 
     void expectFailedFolder()
@@ -110,6 +127,17 @@ TEST_F(PackageStepsTest, theSignedPackageIsMadeBesideATemporaryFolder)
     EXPECT_FALSE(QFileInfo::exists(lines[0][3])) << "has taken the copy's place";
 }
 
+TEST_F(PackageStepsTest, theSigningIsInTheLogFile)
+{
+    makeUnsigned();
+    makeWorkingCopy(u"My Foo.pkg"_s);
+    EXPECT_TRUE(check());
+    EXPECT_TRUE(
+        host.text(u"My Foo - Working/Submission Log.txt"_s)
+            .contains(
+                u"Result for /usr/bin/productsign --sign Developer ID Installer: Example Corp (A1B2C3D4E5) "_s));
+}
+
 TEST_F(PackageStepsTest, withoutATemporaryFolderTheFolderKeepsItsName)
 {
     makeUnsigned();
@@ -151,6 +179,24 @@ INSTANTIATE_TEST_SUITE_P(
         ProductsignRow{"bySignal", {.signal = 9}, "Error # in productsign."}),
     [](const auto &row) { return row.param.situation; });
 
+TEST_F(PackageStepsTest, aSigningThatFailsLeavesItsHalfFileWhereItIs)
+{
+    makeUnsigned();
+    makeWorkingCopy(u"My Foo.pkg"_s);
+    host.tools.answer(u"productsign"_s, {.status = 1, .content = "half"});
+    EXPECT_FALSE(check());
+    expectOutputLeft("half");
+}
+
+TEST_F(PackageStepsTest, aSignedPackageThatCannotTakeTheCopysPlaceStaysWhereItWasMade)
+{
+    makeUnsigned();
+    makeWorkingCopy(u"My Foo.pkg"_s);
+    failOn(u"replaceItem"_s, u"The volume is read only"_s);
+    EXPECT_FALSE(check());
+    expectOutputLeft("signed");
+}
+
 TEST_F(PackageStepsTest, aSignedPackageThatCannotTakeTheCopysPlace)
 {
     makeUnsigned();
@@ -175,9 +221,7 @@ TEST_F(PackageStepsTest, aToolThatMakesNothingIsNoticed)
 TEST_F(PackageStepsTest, aSubmissionOfAPackageUploadsTheSignedCopy)
 {
     makeUnsigned();
-    host.tools.answer(u"security"_s,
-                      {.output = "  1) 01 \"Developer ID Application: Example Corp (A1B2C3D4E5)\"\n"
-                                 "  2) 02 \"Developer ID Installer: Example Corp (A1B2C3D4E5)\"\n"});
+    addInstallerIdentity();
     host.launch();
     host.submitToTheEnd(host.item(u"My Foo.pkg"_s));
     EXPECT_EQ(host.tools.order(),
@@ -203,4 +247,24 @@ TEST_F(PackageStepsTest, aCancelWhileProductsignRunsIsTheOnlyReport)
     EXPECT_EQ(host.window().sheets.first().messageText, u"Process Cancelled"_s);
     EXPECT_FALSE(document().cancelPressed());
     expectFailedFolder();
+}
+
+TEST_F(PackageStepsTest, aCancelWhileThePackageIsJudgedStopsTheChainBehindTheSigning)
+{
+    makeUnsigned();
+    addInstallerIdentity();
+    host.tools.answer(u"altool-h"_s, {.output = "Copyright (c) 2009, Apple Inc. Version 3.0.1\n"});
+    host.tools.answer(u"spctl"_s, {.status = 3, .error = "rejected\n", .hangs = true});
+    host.launch();
+    steps().submit.submitURL(itempath::toUrl(host.item(u"My Foo.pkg"_s)));
+    host.runUntil([this] { return !host.tools.callsOf(u"spctl"_s).isEmpty(); });
+    document().doCancel();
+    host.tools.release(u"spctl"_s);
+    host.settle();
+    EXPECT_EQ(host.tools.order(),
+              (QStringList{u"altool--notarization-history"_s, u"spctl"_s, u"productsign"_s}));
+    EXPECT_EQ(host.text(u"My Foo - Working/My Foo.pkg"_s), u"signed"_s);
+    ASSERT_EQ(host.window().sheets.size(), 1);
+    EXPECT_EQ(host.window().sheets.first().messageText, u"Process Cancelled"_s);
+    EXPECT_TRUE(document().cancelPressed()) << "no report came to swallow";
 }
