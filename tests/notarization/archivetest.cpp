@@ -154,6 +154,14 @@ TEST_P(DiskImageFailure, costsTheSignedBundle)
     expectUsableFor(u"My App.app"_s);
 }
 
+TEST_P(DiskImageFailure, leavesTheDocumentNamingTheBundleThatIsGone)
+{
+    makeCopy(true);
+    host.tools.answer(u"hdiutil"_s, GetParam().answer);
+    EXPECT_FALSE(pack());
+    EXPECT_EQ(copy(), host.item(u"My App - Failed/My App.app"_s));
+}
+
 INSTANTIATE_TEST_SUITE_P(Rows, DiskImageFailure, toolRows,
                          [](const auto &row) { return row.param.situation; });
 

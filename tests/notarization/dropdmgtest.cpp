@@ -6,6 +6,8 @@
 #include "platform/itempath.h"
 #include "support/steptest.h"
 
+#include <future>
+
 using namespace Qt::StringLiterals;
 
 class DropDMGTest : public StepTest {
@@ -31,6 +33,19 @@ protected:
     {
         items::makeFile(image, "image");
         host.appleScript.result = {.list = {}, .file = image, .error = {}};
+    }
+
+    /// The document is cancelled while the script runs.
+    void cancelDuringScript()
+    {
+        host.appleScript.whileRunning = [this] {
+            std::promise<void> cancelled;
+            document().dispatchToMain([&] {
+                document().doCancel();
+                cancelled.set_value();
+            });
+            cancelled.get_future().wait();
+        };
     }
 
     QString working(const QString &name) const { return host.item(u"My App - Working/"_s + name); }
@@ -127,6 +142,23 @@ TEST_F(DropDMGTest, isAskedForTheConfigurationThatIsOnShowWhenTheArchiveIsMade)
     ASSERT_EQ(host.appleScript.sources.size(), 1);
     EXPECT_TRUE(host.appleScript.sources.first().contains(u"configuration name \"Plain\"\n"_s));
     EXPECT_EQ(host.listing(u"My App - Submitted"_s).filter(u".dmg"_s), QStringList{u"Nice Image.dmg"_s});
+}
+
+TEST_F(DropDMGTest, isNotEndedByACancelWhichStopsTheChainBehindIt)
+{
+    answerWith(host.item(u"Desktop/Nice Image.dmg"_s));
+    cancelDuringScript();
+    steps().submit.submitURL(itempath::toUrl(host.item(u"My App.app"_s)));
+    host.settle();
+    EXPECT_EQ(host.appleScript.sources.size(), 1);
+    EXPECT_EQ(document().submitFilePath(), working(u"Nice Image.dmg"_s));
+    EXPECT_EQ(copy(), working(u"Nice Image.dmg"_s));
+    EXPECT_EQ(host.listing(u"My App - Working"_s),
+              (QStringList{u"Entitlements.plist"_s, u"Nice Image.dmg"_s, u"Submission Log.txt"_s}));
+    EXPECT_TRUE(host.tools.callsOf(u"altool--notarize-app"_s).isEmpty());
+    ASSERT_EQ(host.window().sheets.size(), 1);
+    EXPECT_EQ(host.window().sheets.first().messageText, u"Process Cancelled"_s);
+    EXPECT_TRUE(document().cancelPressed()) << "no report came to swallow";
 }
 
 TEST(DropDMGSource, aQuoteInThePathStandsAsItIs)

@@ -296,6 +296,39 @@ TEST_F(HistoryTest, byAScriptThatFailsIsAnErrorWithTheWholeLine)
     EXPECT_FALSE(document().isScripted());
 }
 
+struct RefusalRow {
+    const char *situation;
+    std::function<void(TestHost &)> arrange;
+    int number;
+    QString text;
+};
+
+class RefusedScript : public HistoryTest, public testing::WithParamInterface<RefusalRow> { };
+
+TEST_P(RefusedScript, isToldTheNumberAndTheText)
+{
+    GetParam().arrange(host);
+    fetchByScript(0, false);
+    ASSERT_TRUE(reply);
+    EXPECT_EQ(reply->errorNumber, GetParam().number);
+    EXPECT_EQ(reply->errorText, GetParam().text);
+    EXPECT_FALSE(reply->result.isValid());
+    EXPECT_TRUE(host.tools.calls().isEmpty());
+    EXPECT_FALSE(document().isBusy());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    For, RefusedScript,
+    testing::Values(
+        RefusalRow{"theFocus", [](TestHost &host) { host.window().refusesToGiveUpFocus = true; }, 7,
+                   u"Inteface is blocked."_s},
+        RefusalRow{"theAppleID", [](TestHost &host) { host.document().appleIDField.setStringValue({}); },
+                   1100, u"Missing Apple ID: You need to enter your Apple ID."_s},
+        RefusalRow{
+            "thePassword", [](TestHost &host) { host.document().appPassField.setStringValue({}); }, 1101,
+            u"Missing Password: You need to enter the key to an application-specific password you have added to your login Keychain."_s}),
+    [](const auto &row) { return row.param.situation; });
+
 // Failures
 
 struct FailureRow {

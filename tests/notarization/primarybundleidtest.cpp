@@ -83,6 +83,14 @@ TEST_F(PrimaryBundleID, isThatOfTheFirstAppListed)
     EXPECT_EQ(identifier(), u"com.example.b"_s);
 }
 
+TEST_F(PrimaryBundleID, isNotThatOfAHiddenApp)
+{
+    items::makeBundle(host.item(u"volume/.A.app"_s), u"com.example.hidden"_s);
+    items::makeBundle(host.item(u"volume/B.app"_s), u"com.example.b"_s);
+    makeWorkingCopy(u"Foo.dmg"_s);
+    EXPECT_EQ(identifier(), u"com.example.b"_s);
+}
+
 TEST_F(PrimaryBundleID, isNoneForAnAppInASubfolderAndTheFallbackIsUploaded)
 {
     items::makeBundle(host.item(u"volume/Folder/Foo.app"_s));

@@ -250,6 +250,18 @@ TEST_P(Query, leavesWhatASubmissionHasLeftAsItIs)
     EXPECT_TRUE(host.timers.armed().isEmpty());
 }
 
+TEST_P(Query, writesNoReportOfItsToolToALogFileThatIsStillOpen)
+{
+    document().loggingToFile.set(true);
+    document().openLog(host.item(u"log.txt"_s), u"of an earlier run"_s);
+    start();
+    host.settle();
+    EXPECT_FALSE(host.tools.callsOf(GetParam().tool).isEmpty());
+    const QString logged = host.text(u"log.txt"_s);
+    EXPECT_TRUE(logged.contains(u"of an earlier run"_s));
+    EXPECT_FALSE(logged.contains(u"Result for "_s)) << logged.toStdString();
+}
+
 TEST_P(Query, inFlightWhenItsDocumentClosesLeavesNothingBehind)
 {
     host.application().newDocument(0); // so that an application is left to look at
