@@ -3,6 +3,7 @@
 #include "document/documentextensions.h"
 #include "document/mainwincontroller.h"
 #include "platform/itempath.h"
+#include "support/items.h"
 #include "support/testhost.h"
 
 #include <gtest/gtest.h>
@@ -140,6 +141,17 @@ TEST_P(MenuItem, ofAGuardedActionIsDisabledWhileTheDocumentIsBusy)
     document().isBusy.set(true);
     EXPECT_EQ(isEnabled(), !GetParam().isGuarded);
     document().isBusy.set(false);
+    EXPECT_TRUE(isEnabled());
+}
+
+TEST_P(MenuItem, ofAGuardedActionIsDisabledWhileASubmissionRuns)
+{
+    host.tools.answer(u"altool--notarization-history"_s, {.status = 1, .hangs = true});
+    items::makeBundle(host.item(u"Foo.app"_s));
+    document().steps().submit.submitURL(itempath::toUrl(host.item(u"Foo.app"_s)));
+    EXPECT_EQ(isEnabled(), !GetParam().isGuarded);
+    host.tools.release(u"altool--notarization-history"_s);
+    host.settle();
     EXPECT_TRUE(isEnabled());
 }
 
