@@ -30,6 +30,14 @@ protected:
         return titles;
     }
 
+    void expectNothingSaid()
+    {
+        EXPECT_EQ(host.applicationHost.beeps, 0);
+        EXPECT_TRUE(host.applicationHost.modalAlerts.isEmpty());
+        for (const DocumentPtr &document : host.application().allControllers())
+            EXPECT_TRUE(TestHost::window(*document).sheets.isEmpty());
+    }
+
     TestHost host;
 };
 
@@ -126,6 +134,17 @@ TEST_P(DroppedExtension, decidesAlone)
     host.launch();
     host.application().applicationOpenFiles({u"/items/"_s + GetParam().fileName});
     EXPECT_EQ(host.application().allControllers().size(), GetParam().isTaken ? 2 : 1);
+}
+
+TEST_P(DroppedExtension, isRefusedWithoutAWord)
+{
+    host.launch();
+    host.application().applicationOpenFiles({u"/items/"_s + GetParam().fileName});
+    expectNothingSaid();
+    host.application().applicationOpenFiles(
+        {u"/items/First.app"_s, u"/items/"_s + GetParam().fileName, u"/items/Last.dmg"_s});
+    host.settle();
+    expectNothingSaid();
 }
 
 TEST_P(DroppedExtension, decidesAmongOthers)

@@ -82,6 +82,28 @@ TEST_F(Launch, loadsDroppedFilesAfterTheUpdaterHasBeenAsked)
     EXPECT_EQ(host.application().allControllers().size(), 1);
 }
 
+TEST_F(Launch, isReadyBehindTheDroppedFiles)
+{
+    QList<qsizetype> documentsWhenReady;
+    QObject::connect(&host.application().statusString, &Observable::changed, [&] {
+        if (host.application().statusString() == status::ready)
+            documentsWhenReady.append(host.application().allControllers().size());
+    });
+    host.application().applicationWillFinishLaunching();
+    host.application().applicationOpenFiles({u"/items/First.app"_s, u"/items/Last.app"_s});
+    host.application().applicationDidFinishLaunching();
+    EXPECT_EQ(documentsWhenReady, QList<qsizetype>{2});
+}
+
+TEST_F(Launch, asksForDropDMGBehindTheIdentities)
+{
+    host.workspace.running.insert(u"com.c-command.DropDMG"_s);
+    QStringList identitiesWhenAsked;
+    host.appleScript.whileRunning = [&] { identitiesWhenAsked = host.application().identities(); };
+    host.application().applicationWillFinishLaunching();
+    EXPECT_EQ(identitiesWhenAsked, QStringList{u"Example Corp (A1B2C3D4E5)"_s});
+}
+
 // The search order
 
 namespace {
@@ -155,6 +177,29 @@ TEST_F(Launch, withoutANotaryToolSaysSoAndQuits)
     EXPECT_TRUE(host.distributedNotifications.handlers.isEmpty());
     EXPECT_FALSE(host.updater.sendsSystemProfile);
 }
+
+namespace {
+
+class AlertAnswer : public Launch, public testing::WithParamInterface<int> { };
+
+} // namespace
+
+TEST_P(AlertAnswer, toTheAlertBehindTheBeepIsFollowedByTheEnd)
+{
+    host.workspace.running.clear();
+    host.applicationHost.answerModal = [this] {
+        EXPECT_EQ(host.applicationHost.beeps, 1);
+        EXPECT_FALSE(host.applicationHost.isTerminated);
+        return GetParam();
+    };
+    host.launch();
+    EXPECT_EQ(host.applicationHost.modalAlerts.size(), 1);
+    EXPECT_TRUE(host.applicationHost.isTerminated);
+}
+
+INSTANTIATE_TEST_SUITE_P(Answers, AlertAnswer,
+                         testing::Values(platform::alertFirstButton, platform::alertSecondButton, 0, -1),
+                         [](const auto &row) { return "number" + std::to_string(row.index); });
 
 // The end
 

@@ -19,8 +19,8 @@ protected:
     BuiltProgram()
     {
         environment.insert(u"QT_QPA_PLATFORM"_s, u"offscreen"_s);
-        setPreferences({u"toolRoot="_s + host.tools.root(), u"toolPause=0"_s,
-                        u"appleIDValue=dev@example.com"_s, u"appPassValue=notary"_s});
+        setPreferences(
+            {toolRoot, u"toolPause=0"_s, u"appleIDValue=dev@example.com"_s, u"appPassValue=notary"_s});
         const QString xcode = host.tools.root() + u"/Applications/Xcode.app/Contents"_s;
         items::makeInfo(xcode, u"Xcode"_s, u"com.apple.dt.Xcode"_s);
         items::makeFile(xcode + u"/MacOS/Xcode"_s, "#!/bin/sh\n", true);
@@ -45,6 +45,12 @@ protected:
             environment.remove(name);
     }
 
+    QVariant ofApplication(const QString &name)
+    {
+        return client.get(bus::applicationPath, bus::applicationInterface, name);
+    }
+
+    const QString toolRoot = u"toolRoot="_s + host.tools.root();
     QProcess process;
 };
 
@@ -58,6 +64,34 @@ TEST_F(BuiltProgram, isReadyWithOneDocumentAndQuitsOnlyWhenTold)
     host.runUntil([this] { return documents().isEmpty(); });
     waitUntilReady();
     quitAndExpectSuccess();
+}
+
+TEST_F(BuiltProgram, withoutSettingsOfAPersonHasTheRegisteredOnes)
+{
+    setPreferences({toolRoot});
+    startAndWait();
+    EXPECT_EQ(ofApplication(u"PollingDelay"_s), QVariant(30.0));
+    EXPECT_EQ(ofApplication(u"ErrorRetryLimit"_s).toInt(), 1000);
+    EXPECT_EQ(ofApplication(u"LogClearing"_s), QVariant(true));
+    EXPECT_EQ(ofApplication(u"SkipEnclosures"_s), QVariant(false));
+    EXPECT_EQ(ofApplication(u"AllowEvents"_s), QVariant(true));
+    EXPECT_EQ(ofApplication(u"AllowFrameworks"_s), QVariant(true));
+    EXPECT_EQ(ofApplication(u"AllowCamera"_s), QVariant(false)) << "of those that have none";
+    quitAndExpectSuccess();
+}
+
+TEST_F(BuiltProgram, quitsAtOnceAndLeavesARunningToolToItself)
+{
+    items::makeBundle(host.item(u"Foo.app"_s));
+    host.tools.answerRun(u"codesign"_s, 1, {.hangs = true});
+    startAndWait();
+    const QDBusPendingCall lost =
+        client.beginSubmit({{u"at"_s, QUrl::fromLocalFile(host.item(u"Foo.app"_s)).toString()}});
+    host.runUntil([this] { return !host.tools.callsOf(u"codesign"_s).isEmpty(); });
+    quitAndExpectSuccess();
+    EXPECT_EQ(host.listing(), (QStringList{u"Foo - Working"_s, u"Foo.app"_s})) << "nothing is cancelled";
+    host.tools.release(u"codesign"_s, 1);
+    host.runUntil([this] { return host.tools.hasGoneOn(u"codesign"_s, 1); });
 }
 
 TEST_F(BuiltProgram, runsTheToolsBelowTheRootThatThePreferencesName)
