@@ -69,3 +69,12 @@ TEST(BuildDate, thatIsNoneIsEmpty)
 {
     EXPECT_EQ(localizedBuildDate(u"9. Oktober 2026"_s), QString());
 }
+
+TEST(ProcessorText, namesIntelsAloneInABuildForThem)
+{
+#if defined(__x86_64__)
+    EXPECT_EQ(processorText(), u"64-bit Intel"_s);
+#else
+    EXPECT_EQ(processorText(), u""_s);
+#endif
+}
