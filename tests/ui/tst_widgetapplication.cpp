@@ -84,6 +84,20 @@ TEST_F(WidgetApplicationTest, activatingWithoutAWindowDoesNothing)
     EXPECT_TRUE(application.windowsFrontToBack().isEmpty());
 }
 
+TEST_F(WidgetApplicationTest, theOptionKeyIsDownWhileAPersonHoldsAlt)
+{
+    QWindow *const front = widget().windowHandle();
+    EXPECT_FALSE(application.isOptionKeyDown());
+    QTest::keyPress(front, Qt::Key_Shift, Qt::ShiftModifier);
+    EXPECT_FALSE(application.isOptionKeyDown());
+    QTest::keyPress(front, Qt::Key_Alt, Qt::ShiftModifier | Qt::AltModifier);
+    EXPECT_TRUE(application.isOptionKeyDown());
+    QTest::keyRelease(front, Qt::Key_Shift, Qt::AltModifier);
+    EXPECT_TRUE(application.isOptionKeyDown());
+    QTest::keyRelease(front, Qt::Key_Alt);
+    EXPECT_FALSE(application.isOptionKeyDown());
+}
+
 TEST_F(WidgetApplicationTest, theTokenOfADesktopIsWhereThePlatformLooksForIt)
 {
     application.setActivationToken(u"first"_s);
