@@ -66,6 +66,25 @@ TEST_F(BuiltProgram, isReadyWithOneDocumentAndQuitsOnlyWhenTold)
     quitAndExpectSuccess();
 }
 
+class SteeredProgram : public BuiltProgram, public testing::WithParamInterface<const char *> { };
+
+TEST_P(SteeredProgram, goesOnWhenItsLastWindowIsClosedAndNoDocumentIsOpen)
+{
+    environment.insert(u"STEERED_ITEM"_s, QString::fromUtf8(GetParam()));
+    Program::start(process, QString::fromUtf8(STEERED_PROGRAM));
+    QByteArray said;
+    host.runUntil([&] {
+        said += process.readAllStandardOutput();
+        return said.endsWith("closed\n") || process.state() == QProcess::NotRunning;
+    });
+    ASSERT_EQ(process.state(), QProcess::Running);
+    EXPECT_TRUE(documents().isEmpty());
+    quitAndExpectSuccess();
+}
+
+INSTANTIATE_TEST_SUITE_P(Windows, SteeredProgram, testing::Values("About Sealwright", "Settings…"),
+                         [](const auto &row) { return row.index == 0 ? "about" : "settings"; });
+
 TEST_F(BuiltProgram, withoutSettingsOfAPersonHasTheRegisteredOnes)
 {
     setPreferences({toolRoot});
