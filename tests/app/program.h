@@ -19,6 +19,8 @@ protected:
     {
         for (const char *const name : {"CONFIG", "DATA", "CACHE", "STATE"})
             environment.insert(QStringLiteral("XDG_%1_HOME").arg(QLatin1StringView(name)), folder(name));
+        environment.insert(QStringLiteral("XDG_RUNTIME_DIR"),
+                           folder("RUNTIME")); // without it there are warnings
         environment.insert(QStringLiteral("HOME"), folder("HOME"));
         items::makeFolder(folder("HOME")); // the trash of a home that is not there is that of the whole disk
     }
