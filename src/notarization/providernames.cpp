@@ -75,9 +75,12 @@ void ProviderNames::listProviderShortnames()
     if (!credentials)
         return;
     beginSheet();
-    document.dispatchToWorker([this, asked = *credentials] {
+    document.dispatchToWorker([this, asked = *credentials, turn = m_sheetTurns] {
         const auto response = ask(altoolarguments::listProviders(asked));
-        document.dispatchToMain([this, response] { showReply(*response); });
+        document.dispatchToMain([this, response, turn] {
+            if (turn == m_sheetTurns)
+                showReply(*response);
+        });
     });
 }
 
@@ -85,6 +88,7 @@ void ProviderNames::listProviderShortnames()
 
 void ProviderNames::beginSheet()
 {
+    ++m_sheetTurns;
     document.providerSheetPopup.setItems({});
     document.providerSheetErrorText.setStringValue(u""_s);
     document.providerSheetDetailText.setStringValue(u""_s);
@@ -107,6 +111,7 @@ void ProviderNames::doProviderNameCancel()
 
 void ProviderNames::sheetDidEnd()
 {
+    ++m_sheetTurns;
     document.providerSheetProgress.stopAnimation();
     makeIdle();
     document.providerNameField.makeFirstResponder();

@@ -31,6 +31,8 @@ private:
     void sheetDidEnd();
     void showReply(const SLWTaskResponse &response);
     void showMessage(const QString &heading, const QString &detail);
+
+    quint64 m_sheetTurns = 0; ///< how often a sheet has begun or ended, so that a late reply knows of it
 };
 
 /// The name of the sheet's description.

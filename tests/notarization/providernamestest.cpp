@@ -28,6 +28,7 @@ QByteArray team(const QByteArray &shortName, const QByteArray &name, const QByte
         + shortName + "</string><key>WWDRTeamID</key><string>" + identifier + "</string></dict>";
 }
 
+const QByteArray oneTeam = providers(team("Zebra", "Zebra Corp", "Z1"));
 const QByteArray twoTeams =
     providers(team("Zebra", "Zebra Corp", "Z1") + team("Ant", "Ant &amp; Co %1", "A1"));
 
@@ -300,7 +301,7 @@ TEST_F(ProviderNamesTest, ofOneTeamAreNotNeededAndWhatWasTypedIsWiped)
 {
     launch();
     document().providerNameField.setStringValue(u"Team1"_s);
-    list(providers(team("Zebra", "Zebra Corp", "Z1")));
+    list(oneTeam);
     expectMessage(
         u"Provider Short Name Not Needed"_s,
         u"You belong to only one Apple development team, so you do not need to enter a provider short name."_s);
@@ -356,6 +357,34 @@ TEST_F(ProviderNamesTest, thatArriveAfterTheSheetHasGoneOpenNothing)
     EXPECT_FALSE(host.window().namedSheet);
     EXPECT_FALSE(document().isBusy());
     EXPECT_EQ(document().statusString(), u"ready"_s);
+}
+
+TEST_F(ProviderNamesTest, thatArriveAfterTheSheetHasGoneLeaveTheFieldAlone)
+{
+    launch();
+    host.tools.answer(providersTool, {.output = oneTeam, .hangs = true});
+    document().perform(Action::doListProviderShortnames);
+    host.runUntil([this] { return !host.tools.calls().isEmpty(); });
+    steps().providers.doProviderNameCancel();
+    document().providerNameField.setStringValue(u"typed meanwhile"_s);
+    host.tools.release(providersTool);
+    host.settle();
+    EXPECT_EQ(document().providerNameField.stringValue(), u"typed meanwhile"_s);
+}
+
+TEST_F(ProviderNamesTest, ofAnEarlierSheetAreNotShownOnTheNext)
+{
+    launch();
+    host.tools.answerRun(providersTool, 1, {.output = oneTeam, .hangs = true});
+    host.tools.answerRun(providersTool, 2, {.output = twoTeams});
+    document().perform(Action::doListProviderShortnames);
+    host.runUntil([this] { return host.tools.calls().size() == 1; });
+    steps().providers.doProviderNameCancel();
+    document().perform(Action::doListProviderShortnames);
+    host.tools.release(providersTool, 1);
+    host.settle();
+    EXPECT_EQ(document().providerSheetTabView.selectedIndex(), choicePage);
+    EXPECT_EQ(document().providerSheetErrorText.stringValue(), u""_s);
 }
 
 TEST_F(ProviderNamesTest, takeAToolOfVersion4)
