@@ -19,6 +19,15 @@ void SubmitWorkflow::prepareForDirectSubmit(const QUrl &url, const QString &iden
         document.identitiesPopup.selectItemWithTitle(identity);
     _prepareDirectSubmitUI();
     planSteps();
+    keepStepsPlanned();
+}
+
+void SubmitWorkflow::keepStepsPlanned()
+{
+    m_waiting = std::make_unique<QObject>();
+    for (const Checkbox *const option : {&document.createDiskImageCheckbox, &document.useDropDMGCheckbox,
+                                         &document.dontSignEnclosuresCheckbox})
+        QObject::connect(option, &Control::changed, m_waiting.get(), [this] { planSteps(); });
 }
 
 void SubmitWorkflow::setOrdinaryControlsHidden(bool isHidden)
@@ -54,6 +63,7 @@ void SubmitWorkflow::setOrdinaryButtons()
 
 void SubmitWorkflow::_cancelDirectSubmitUI()
 {
+    m_waiting.reset();
     document.changeStatus(status::ready);
     setOrdinaryButtons();
     document.appletNameField.setStringValue(u""_s);

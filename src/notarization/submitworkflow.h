@@ -6,6 +6,8 @@
 #include <QUrl>
 #include <QVariantMap>
 
+#include <memory>
+
 /// What an item is, by its lower-cased extension; it decides which steps apply.
 enum class ItemKind { app, pkg, fmplugin, plugin, dmg, other };
 
@@ -57,6 +59,7 @@ private:
     void chooseItem();
     void startWithOriginal();
     void planSteps();
+    void keepStepsPlanned();
     void submitAsync(const Credentials &credentials, const QString &identity);
     void submitByPerson(const QUrl &url);
     void _prepareDirectSubmitUI();
@@ -70,4 +73,6 @@ private:
     [[nodiscard]] bool prepareBundle(const Submission &submission, QString &identifier);
     [[nodiscard]] bool prepareDiskImage(const Submission &submission, QString &identifier);
     void upload(const Submission &submission, const QString &identifier);
+
+    std::unique_ptr<QObject> m_waiting; ///< there while an item waits for a person
 };

@@ -255,6 +255,20 @@ TEST_F(SubmissionSteps, ofADirectSubmissionGoWithItsItem)
 TEST_F(SubmissionSteps, areThoseOfTheItemThatThePanelGave)
 {
     items::makeFile(host.item(u"Foo.dmg"_s), "image");
+TEST_F(SubmissionSteps, ofADirectSubmissionFollowTheOptionsWhileItWaits)
+{
+    MainWinController &document = launched();
+    document.steps().submit.prepareForDirectSubmit(itempath::toUrl(host.item(u"Foo.app"_s)), {});
+    EXPECT_TRUE(rows().contains(u"Make zip archive: waiting"_s));
+    document.createDiskImageCheckbox.setState(1);
+    EXPECT_TRUE(rows().contains(u"Make disk image: waiting"_s)) << rows().join(u'\n').toStdString();
+    document.dontSignEnclosuresCheckbox.setState(1);
+    EXPECT_FALSE(rows().contains(u"Sign contents: waiting"_s));
+    document.perform(Action::doCancelDirectSubmit);
+    document.dontSignEnclosuresCheckbox.setState(0);
+    EXPECT_TRUE(rows().isEmpty());
+}
+
     launched().perform(Action::doSubmit);
     host.window().choose(itempath::toUrl(host.item(u"Foo.dmg"_s)));
     EXPECT_EQ(rows().size(), 7);
