@@ -95,5 +95,9 @@ StepOptions ItemWorkflow::stepOptions() const
 
 bool ItemWorkflow::goesOn(bool stepWorked) const
 {
-    return stepWorked && !document.cancelPressed();
+    if (!stepWorked || !document.cancelPressed())
+        return stepWorked;
+    // The cancel has ended the list, but a step may have begun since.
+    document.dispatchToMain([this] { document.stepList.finish(StepState::cancelled); });
+    return false;
 }

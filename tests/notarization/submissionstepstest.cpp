@@ -208,6 +208,18 @@ TEST_F(SubmissionSteps, areCancelledWhereACancelEndsTheTool)
     EXPECT_EQ(rows().value(4), u"Lock main script: skipped"_s);
 }
 
+TEST_F(SubmissionSteps, areNotLeftRunningByAStepThatBeganAfterTheCancel)
+{
+    shareRunners(); // with them a cancel does not reach the tools of signing
+    host.preferences.setValue(key::prefDoPostCodesignCheck, true);
+    submitUpTo(u"codesign"_s);
+    host.document().doCancel();
+    host.tools.release(u"codesign"_s);
+    host.settle();
+    EXPECT_TRUE(rows().contains(u"Check code signature: cancelled"_s)) << rows().join(u'\n').toStdString();
+    EXPECT_TRUE(rows().filter(u": running"_s).isEmpty());
+}
+
 TEST_F(SubmissionSteps, ofTheNextRunBeginAnew)
 {
     submitUpTo(u"xattr"_s);
@@ -243,18 +255,6 @@ TEST_F(SubmissionSteps, ofAnotherItemGiveWayToThoseOfADirectSubmission)
     EXPECT_EQ(rows().filter(u": waiting"_s), rows()) << "nothing has begun";
 }
 
-TEST_F(SubmissionSteps, ofADirectSubmissionGoWithItsItem)
-{
-    submitToTheEnd(u"Foo.app"_s);
-    items::makeFile(host.item(u"Foo.dmg"_s), "image");
-    host.document().steps().submit.prepareForDirectSubmit(itempath::toUrl(host.item(u"Foo.dmg"_s)), {});
-    host.document().perform(Action::doCancelDirectSubmit);
-    EXPECT_TRUE(rows().isEmpty());
-}
-
-TEST_F(SubmissionSteps, areThoseOfTheItemThatThePanelGave)
-{
-    items::makeFile(host.item(u"Foo.dmg"_s), "image");
 TEST_F(SubmissionSteps, ofADirectSubmissionFollowTheOptionsWhileItWaits)
 {
     MainWinController &document = launched();
@@ -269,6 +269,18 @@ TEST_F(SubmissionSteps, ofADirectSubmissionFollowTheOptionsWhileItWaits)
     EXPECT_TRUE(rows().isEmpty());
 }
 
+TEST_F(SubmissionSteps, ofADirectSubmissionGoWithItsItem)
+{
+    submitToTheEnd(u"Foo.app"_s);
+    items::makeFile(host.item(u"Foo.dmg"_s), "image");
+    host.document().steps().submit.prepareForDirectSubmit(itempath::toUrl(host.item(u"Foo.dmg"_s)), {});
+    host.document().perform(Action::doCancelDirectSubmit);
+    EXPECT_TRUE(rows().isEmpty());
+}
+
+TEST_F(SubmissionSteps, areThoseOfTheItemThatThePanelGave)
+{
+    items::makeFile(host.item(u"Foo.dmg"_s), "image");
     launched().perform(Action::doSubmit);
     host.window().choose(itempath::toUrl(host.item(u"Foo.dmg"_s)));
     EXPECT_EQ(rows().size(), 7);
