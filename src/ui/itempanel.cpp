@@ -11,22 +11,23 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// Leaves out the files of other types, and greys out those that cannot be chosen all the same.
+/// Leaves out the files of other types, and greys out what cannot be chosen all the same. A folder that
+/// cannot be chosen can be entered, unless the panel's owner does not have it enabled.
 class ChoosableItems : public QSortFilterProxyModel {
 public:
     using Test = std::function<bool(const QString &path)>;
 
-    ChoosableItems(Test hasType, Test mayChoose, QObject *parent)
+    ChoosableItems(Test hasType, Test isEnabled, QObject *parent)
         : QSortFilterProxyModel(parent)
         , m_hasType(std::move(hasType))
-        , m_mayChoose(std::move(mayChoose))
+        , m_isEnabled(std::move(isEnabled))
     {
     }
 
     Qt::ItemFlags flags(const QModelIndex &index) const override
     {
         const QModelIndex file = mapToSource(index);
-        const bool isRefused = file.isValid() && !files().isDir(file) && !m_mayChoose(files().filePath(file));
+        const bool isRefused = file.isValid() && !m_isEnabled(files().filePath(file));
         return QSortFilterProxyModel::flags(index) & ~(isRefused ? Qt::ItemIsEnabled : Qt::NoItemFlags);
     }
 
@@ -41,7 +42,7 @@ private:
     const QFileSystemModel &files() const { return static_cast<const QFileSystemModel &>(*sourceModel()); }
 
     const Test m_hasType;
-    const Test m_mayChoose;
+    const Test m_isEnabled;
 };
 
 } // namespace
@@ -53,7 +54,7 @@ ItemPanel::ItemPanel(const platform::OpenPanel &panel, const QString &folder, QW
     setOption(DontUseNativeDialog);
     setFileMode(panel.canChooseFiles ? ExistingFile : Directory);
     setProxyModel(new ChoosableItems([this](const QString &path) { return isChoosableFile(path); },
-                                     [this](const QString &path) { return mayChoose(path); }, this));
+                                     [this](const QString &path) { return isEnabled(path); }, this));
     connect(this, &QFileDialog::currentChanged, this, &ItemPanel::showName);
     connect(this, &QFileDialog::directoryEntered, this, [this](const QString &entered) {
         if (isChoosableFile(entered) && mayChoose(entered))
@@ -64,8 +65,12 @@ ItemPanel::ItemPanel(const platform::OpenPanel &panel, const QString &folder, QW
 bool ItemPanel::mayChoose(const QString &path) const
 {
     const QFileInfo item(path);
-    if (!item.exists() || !(isChoosableFile(path) || (item.isDir() && m_panel.canChooseDirectories)))
-        return false;
+    return item.exists() && (isChoosableFile(path) || (item.isDir() && m_panel.canChooseDirectories))
+        && isEnabled(path);
+}
+
+bool ItemPanel::isEnabled(const QString &path) const
+{
     return !m_panel.shouldEnable || m_panel.shouldEnable(itempath::toUrl(path));
 }
 

@@ -27,6 +27,7 @@ protected:
         items::makeFolder(path(u"Folder"_s));
         items::makeFile(path(u"Installer.pkg"_s), "pkg");
         items::makeFile(path(u"Notes.txt"_s), "text");
+        items::makeFolder(path(u"Folder.txt"_s));
         items::makeFile(path(u"RequestUUID.txt"_s), "text");
     }
 
@@ -180,7 +181,8 @@ TEST_F(ItemPanelTest, whatTheOwnerRefusesIsShownGreyAndNotTaken)
                         .canChooseDirectories = false,
                         .shouldEnable = &MainWinController::shouldEnableURL});
     ASSERT_TRUE(awaitRow(u"RequestUUID.txt"_s) && awaitRow(u"Notes.txt"_s));
-    EXPECT_FALSE(row(u"Notes.txt"_s).flags() & Qt::ItemIsEnabled) << "on show, but grey";
+    for (const QString &name : {u"Notes.txt"_s, u"Folder.txt"_s})
+        EXPECT_FALSE(row(name).flags() & Qt::ItemIsEnabled) << name.toStdString() << ": on show, but grey";
     for (const QString &name : {u"RequestUUID.txt"_s, u"Folder"_s, u"Foo.app"_s})
         EXPECT_TRUE(row(name).flags() & Qt::ItemIsEnabled) << name.toStdString();
     EXPECT_FALSE(row(u"Installer.pkg"_s).isValid());
