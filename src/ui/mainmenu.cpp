@@ -182,11 +182,12 @@ void MainMenu::addHelpMenu()
     connect(key, &QShortcut::activated, this, [this, &help] { showHelp(help); });
 }
 
-/// The sheet about what has the keyboard focus; where there is none, the choice of all.
+/// The sheet about what has the keyboard focus; where there is none, the choice of all. While a workflow runs
+/// it is the choice too: the end of the sheet would change the status word of the run.
 void MainMenu::showHelp(QMenu &all)
 {
     const Action help = settingrows::helpOn(m_frame.focusWidget());
-    if (help != Action::none && isOffered(help))
+    if (help != Action::none && isOffered(help) && !document().isBusy())
         return document().perform(help);
     m_frame.menuBar()->setActiveAction(all.menuAction());
     all.setActiveAction(all.actions().first());
@@ -221,19 +222,7 @@ bool MainMenu::isOffered(Action action) const
 {
     if (m_frame.selected().hasSheet())
         return false;
-    switch (action) {
-    case Action::doCancel:
-        return document().canCancel();
-    case Action::doCloseWindow:
-        return m_frame.count() > 1;
-    case Action::doAppPassHelp:
-    case Action::doTeamProviderHelp:
-    case Action::doExtraEntitlementsHelp:
-    case Action::doDropDMGHelp:
-        return !document().isBusy(); // the sheet would change the status word of the run
-    default:
-        return document().validateMenuItem(action);
-    }
+    return action == Action::doCancel ? document().canCancel() : document().validateMenuItem(action);
 }
 
 MainWinController &MainMenu::document() const

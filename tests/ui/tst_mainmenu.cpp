@@ -235,10 +235,10 @@ TEST_F(MainMenuTest, closeAllClosesEveryWindowThatAgrees)
     EXPECT_TRUE(host.application().allControllers().isEmpty());
 }
 
-TEST_F(MainMenuTest, closeAllTabsOfALoneWindowIsOffAndDoesNothing)
+TEST_F(MainMenuTest, closeAllTabsOfALoneWindowDoesNothing)
 {
-    EXPECT_FALSE(item(u"fileMenu"_s, u"Close All Tabs"_s).isEnabled());
-    document().perform(Action::doCloseWindow);
+    item(u"fileMenu"_s, u"Close All Tabs"_s).trigger();
+    host.settle();
     EXPECT_EQ(host.application().allControllers().size(), 1);
 }
 
@@ -517,11 +517,35 @@ INSTANTIATE_TEST_SUITE_P(Sheets, Help,
                                                   "useDropDMGCheckbox", "dropDMGConfigsPopup"}}),
                          [](const auto &row) { return row.param.button; });
 
-TEST_F(MainMenuTest, helpIsOffWhileAWorkflowRuns)
+TEST_F(MainMenuTest, helpIsAtHandWhileAWorkflowRuns)
 {
     document().isBusy.set(true);
-    EXPECT_FALSE(item(u"helpMenu"_s, u"App-Specific Password"_s).isEnabled());
+    for (const QString &help : {u"App-Specific Password"_s, u"Provider Short Name"_s, u"Extra Entitlements"_s,
+                                u"Disk Image Options"_s})
+        EXPECT_TRUE(item(u"helpMenu"_s, help).isEnabled()) << help.toStdString();
+    item(u"helpMenu"_s, u"Disk Image Options"_s).trigger();
+    EXPECT_EQ(awaitSheet().text(), u"Disk Image Options"_s);
+    answer(u"OK"_s);
     document().isBusy.set(false);
+}
+
+TEST_F(MainMenuTest, underASheetNoCommandOfTheDocumentIsOffered)
+{
+    document().isPolling.set(true);
+    document().perform(Action::doDropDMGHelp);
+    awaitSheet();
+    for (const QString &command : {u"Submit…"_s, u"Print Log…"_s, u"Cancel"_s}) {
+        QAction *found = nullptr;
+        for (QAction *const action : widget().findChildren<QAction *>()) {
+            if (action->text().remove(u'&').section(u'\t', 0, 0) == command)
+                found = action;
+        }
+        ASSERT_TRUE(found) << command.toStdString();
+        Q_EMIT qobject_cast<QMenu *>(found->parent())->aboutToShow();
+        EXPECT_FALSE(found->isEnabled()) << command.toStdString();
+    }
+    answer(u"OK"_s);
+    document().isPolling.set(false);
 }
 
 TEST_F(MainMenuTest, theKeyOfHelpOpensItsMenuWhereNoSheetFits)
