@@ -194,7 +194,7 @@ void FrameWindow::showTab(int index)
     m_tabs->setTabToolTip(index, description);
     m_tabs->tabs().setAccessibleTabName(index, description);
     if (isOnShow)
-        setWindowTitle(window.title());
+        setWindowTitle(window.title().replace(u"[*]"_s, u"[*][*]"_s)); // which would stand for a mark
 }
 
 void FrameWindow::restoreFocus()

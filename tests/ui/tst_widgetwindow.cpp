@@ -13,6 +13,7 @@
 #include <QListView>
 #include <QPointer>
 #include <QScreen>
+#include <QWindow>
 
 using namespace Qt::StringLiterals;
 
@@ -25,6 +26,13 @@ TEST_F(WidgetWindowTest, theTitleAndTheStatusWordAreOnShow)
     EXPECT_EQ(widget().windowTitle(), u"Foo.app-2"_s);
     EXPECT_EQ(window().title(), u"Foo.app-2"_s);
     EXPECT_EQ(part<QLabel>(u"statusString"_s).text(), u"waiting"_s);
+}
+
+TEST_F(WidgetWindowTest, aTitleIsShownLetterForLetter)
+{
+    window().setTitle(u"Foo[*] & Bar.app"_s);
+    EXPECT_EQ(window().title(), u"Foo[*] & Bar.app"_s);
+    EXPECT_EQ(widget().windowHandle()->title().section(u" — "_s, 0, 0), u"Foo[*] & Bar.app"_s);
 }
 
 TEST_F(WidgetWindowTest, theDocumentsStatusReachesTheWindow)
