@@ -10,6 +10,7 @@
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QLabel>
+#include <QScrollArea>
 #include <QStackedWidget>
 #include <QVBoxLayout>
 
@@ -104,8 +105,11 @@ QWidget *ProviderNameSheet::makeMessagePage()
     font.setBold(true);
     heading->setFont(font);
     rows->addWidget(heading);
-    rows->addWidget(makeText(page, m_document.providerSheetDetailText, u"providerSheetDetailText"_s));
-    rows->addStretch(1);
+    auto *const detail = new QScrollArea(page); // a tool may say more than a screen holds
+    detail->setFrameShape(QFrame::NoFrame);
+    detail->setWidgetResizable(true);
+    detail->setWidget(makeText(page, m_document.providerSheetDetailText, u"providerSheetDetailText"_s));
+    rows->addWidget(detail, 1);
     return page;
 }
 

@@ -9,6 +9,7 @@
 #include <QPointer>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QScreen>
 #include <QStackedWidget>
 
 using namespace Qt::StringLiterals;
@@ -155,6 +156,15 @@ TEST_F(ProviderSheetTest, showsAMessageLetterForLetterWithOneWayOut)
     EXPECT_TRUE(part<QPushButton>(u"providerSheetCancel"_s).isDefault());
     press(u"providerSheetCancel"_s);
     EXPECT_FALSE(document().isBusy());
+}
+
+TEST_F(ProviderSheetTest, keepsItsButtonInSightUnderALongMessage)
+{
+    listToTheEnd({.status = 1, .error = QByteArray("a line of many\n").repeated(500)});
+    const QRect room = widget().screen()->availableGeometry();
+    EXPECT_LE(sheet()->height(), room.height());
+    EXPECT_TRUE(sheet()->rect().contains(part<QPushButton>(u"providerSheetCancel"_s).geometry().center()));
+    press(u"providerSheetCancel"_s);
 }
 
 TEST_F(ProviderSheetTest, agreesWithItsControlsBothWays)
