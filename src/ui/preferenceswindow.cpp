@@ -94,6 +94,7 @@ QSpinBox *makeSpinBox(QWidget *parent, const QString &key, int least, int most, 
     box->setObjectName(key);
     box->setRange(least, most);
     box->setSuffix(unit);
+    toplevel::leaveTheWheelToScrolling(*box);
     return box;
 }
 
@@ -106,6 +107,7 @@ QDoubleSpinBox *makeSecondsBox(QWidget *parent, const QString &key, double least
     box->setRange(least, most);
     box->setSingleStep(step);
     box->setSuffix(u" seconds"_s);
+    toplevel::leaveTheWheelToScrolling(*box);
     return box;
 }
 

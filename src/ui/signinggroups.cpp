@@ -3,6 +3,7 @@
 #include "document/mainwincontroller.h"
 #include "ui/bindings.h"
 #include "ui/settingrows.h"
+#include "ui/toplevel.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -41,6 +42,7 @@ QComboBox *makePopup(QWidget *parent, Popup &popup, const QString &name)
     auto *const box = new QComboBox(parent);
     box->setObjectName(name);
     box->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    toplevel::leaveTheWheelToScrolling(*box);
     bindings::bind(*box, popup);
     return box;
 }

@@ -3,6 +3,25 @@
 #include <QApplication>
 #include <QScrollArea>
 #include <QShortcut>
+#include <QWheelEvent>
+
+namespace {
+
+/// Refuses the wheel for a widget without the focus, so that it goes on to what the widget is in.
+class WheelFilter : public QObject {
+public:
+    using QObject::QObject;
+
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        const bool isRefused = event->type() == QEvent::Wheel && !static_cast<QWidget *>(watched)->hasFocus();
+        if (isRefused)
+            event->ignore();
+        return isRefused;
+    }
+};
+
+} // namespace
 
 void toplevel::bringToFront(QWidget &window)
 {
@@ -23,6 +42,12 @@ void toplevel::closeCompletions(const QWidget &window)
     const QWidget *const completed = popup ? popup->focusProxy() : nullptr;
     if (completed && window.isAncestorOf(completed))
         popup->close();
+}
+
+void toplevel::leaveTheWheelToScrolling(QWidget &widget)
+{
+    widget.setFocusPolicy(Qt::StrongFocus); // the wheel would give it the focus
+    widget.installEventFilter(new WheelFilter(&widget));
 }
 
 void toplevel::keepFocusInSight(QScrollArea &area)

@@ -16,6 +16,10 @@ void closeByKeys(QWidget &window);
 /// the window that becomes active, and that would go on looking as if it were not.
 void closeCompletions(const QWidget &window);
 
+/// Has the wheel scroll what the widget is in, unless the widget has the keyboard focus: a wheel that passes
+/// over it changes nothing.
+void leaveTheWheelToScrolling(QWidget &widget);
+
 /// Scrolls so that what has the keyboard focus is in sight.
 void keepFocusInSight(QScrollArea &area);
 

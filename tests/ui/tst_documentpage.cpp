@@ -229,6 +229,25 @@ TEST_F(DocumentPageTest, returnInAFieldPressesThePrimaryButtonOnce)
     }
 }
 
+TEST_F(DocumentPageTest, aWheelThatPassesOverAPopupLeavesItAlone)
+{
+    auto &popup = part<QComboBox>(u"identitiesPopup"_s);
+    document().identitiesPopup.setItemTitles({u"One (A1)"_s, u"Two (B2)"_s});
+    const auto turn = [&popup] {
+        const QPointF place(popup.rect().center());
+        QWheelEvent event(place, popup.mapToGlobal(place), {}, {0, -120}, Qt::NoButton, Qt::NoModifier,
+                          Qt::NoScrollPhase, false);
+        QApplication::sendEvent(&popup, &event);
+    };
+    part<QLineEdit>(u"appleIDField"_s).setFocus();
+    turn();
+    EXPECT_EQ(document().identitiesPopup.titleOfSelectedItem(), u"One (A1)"_s);
+    EXPECT_FALSE(popup.hasFocus());
+    popup.setFocus();
+    turn();
+    EXPECT_EQ(document().identitiesPopup.titleOfSelectedItem(), u"Two (B2)"_s);
+}
+
 TEST_F(DocumentPageTest, returnInTheNumberOfPagesFetchesTheHistoryAndSubmitsNothing)
 {
     auto &pages = part<QLineEdit>(u"historyMaxPagesField"_s);
