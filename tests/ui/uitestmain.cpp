@@ -1,3 +1,5 @@
+#include "support/threadsanitizer.h"
+
 #include <QApplication>
 #include <QTemporaryDir>
 
