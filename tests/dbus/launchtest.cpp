@@ -4,9 +4,11 @@
 #include "dbus/quittingapplication.h"
 
 #include <QDBusConnectionInterface>
-#include <QThread>
+
+#include <future>
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 class Desktop : public HostOnBus {
 protected:
@@ -115,12 +117,9 @@ TEST_F(Desktop, aSecondProcessCannotHaveTheName)
 TEST_F(Desktop, aSecondStartActivatesTheFirst)
 {
     const int before = host.applicationHost.activations;
-    bool found = false;
-    const std::unique_ptr<QThread> second(
-        QThread::create([&found] { found = ScriptingBus::activateRunningInstance(); }));
-    second->start();
-    host.runUntil([&second] { return second->isFinished(); });
-    EXPECT_TRUE(found);
+    auto second = std::async(std::launch::async, &ScriptingBus::activateRunningInstance);
+    host.runUntil([&second] { return second.wait_for(0s) == std::future_status::ready; });
+    EXPECT_TRUE(second.get());
     EXPECT_EQ(host.applicationHost.activations, before + 1);
 }
 
@@ -298,12 +297,9 @@ TEST(ScriptingBus, anApplicationThatEndsOverItsActivationDoesNotRun)
     host.launch();
     BusClient first(host);
     QuittingApplication quitting(first.connection());
-    bool found = true;
-    const std::unique_ptr<QThread> second(
-        QThread::create([&found] { found = ScriptingBus::activateRunningInstance(); }));
-    second->start();
-    host.runUntil([&second] { return second->isFinished(); });
-    EXPECT_FALSE(found);
+    auto second = std::async(std::launch::async, &ScriptingBus::activateRunningInstance);
+    host.runUntil([&second] { return second.wait_for(0s) == std::future_status::ready; });
+    EXPECT_FALSE(second.get());
 }
 
 TEST(ScriptingBus, theNameCanBeTriedForAgain)

@@ -1,26 +1,13 @@
 #pragma once
 
-// What the thread sanitizer must not judge; included once by each test program's main file.
+// What the thread sanitizer must not see; included once by each test program's main file. What it must not
+// judge is in the file of its suppressions.
 
 #ifdef __SANITIZE_THREAD__
 
 #include <cstdarg>
 
 #include <sys/types.h>
-
-/// The libraries below are built without the sanitizer. It sees neither the atomic counters that Qt counts
-/// down in them nor the locks by which their threads pass messages on.
-extern "C" const char *__tsan_default_suppressions();
-extern "C" const char *__tsan_default_suppressions()
-{
-    return "called_from_lib:libQt6Core.so.6\n"
-           "called_from_lib:libQt6DBus.so.6\n"
-           "called_from_lib:libQt6Gui.so.6\n"
-           "called_from_lib:libQt6Network.so.6\n"
-           "called_from_lib:libdbus-1.so.3\n"
-           "called_from_lib:libglib-2.0.so.0\n"
-           "race:QTypedArrayData*::deallocate\n";
-}
 
 extern "C" int __clone(int (*function)(void *), void *stack, int flags, void *argument, ...);
 
