@@ -318,7 +318,7 @@ TEST_F(HdiutilAttach, whatAKilledAttachHasLeftIsClearedAway)
 {
     QFile large(path(u"large/file"_s));
     QDir().mkpath(path(u"large"_s));
-    ASSERT_TRUE(large.open(QIODevice::WriteOnly) && large.resize(qint64(1) << 30));
+    ASSERT_TRUE(large.open(QIODevice::WriteOnly) && large.resize(qint64(1) << 28));
     const QString image = imageOf(path(u"large"_s));
     QDir().mkpath(statePath(u"diskimages/volumes"_s));
     QFileSystemWatcher watcher({statePath(u"diskimages/volumes"_s)});
