@@ -11,6 +11,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+const QString nameField = u"fileNameEdit"_s; // of a file dialog of Qt
+
 /// Leaves out the files of other types, and greys out what cannot be chosen all the same. A folder that
 /// cannot be chosen can be entered, unless the panel's owner does not have it enabled.
 class ChoosableItems : public QSortFilterProxyModel {
@@ -83,6 +85,14 @@ bool ItemPanel::isChoosableFile(const QString &path) const
         && (!QFileInfo(path).isDir() || bundles.contains(extension));
 }
 
+/// Who types the path of a folder wants to look into it. The folder itself is chosen in the list.
+bool ItemPanel::isWayToFolder(const QString &path) const
+{
+    const auto *const name = findChild<QLineEdit *>(nameField);
+    return m_panel.canChooseFiles && QFileInfo(path).isDir() && !isChoosableFile(path) && name
+        && name->text().contains(u'/');
+}
+
 void ItemPanel::choose(const QString &path)
 {
     m_chosen = itempath::toUrl(path);
@@ -92,7 +102,7 @@ void ItemPanel::choose(const QString &path)
 void ItemPanel::accept()
 {
     const QStringList selected = selectedFiles();
-    if (selected.size() == 1 && mayChoose(selected.first()))
+    if (selected.size() == 1 && mayChoose(selected.first()) && !isWayToFolder(selected.first()))
         return choose(selected.first());
     if (selected.size() == 1 && QFileInfo(selected.first()).isDir())
         return QFileDialog::accept(); // which goes into the folder
@@ -102,6 +112,6 @@ void ItemPanel::accept()
 void ItemPanel::showName(const QString &path)
 {
     // The name of a folder is not put there by itself, and without a name there is nothing to open.
-    if (auto *const name = findChild<QLineEdit *>(u"fileNameEdit"_s); name && mayChoose(path))
+    if (auto *const name = findChild<QLineEdit *>(nameField); name && mayChoose(path))
         name->setText(itempath::lastComponent(path));
 }

@@ -23,6 +23,7 @@ private:
     bool mayChoose(const QString &path) const;
     bool isEnabled(const QString &path) const;
     bool isChoosableFile(const QString &path) const;
+    bool isWayToFolder(const QString &path) const;
     void choose(const QString &path);
     void showName(const QString &path);
 

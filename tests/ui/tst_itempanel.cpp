@@ -208,6 +208,20 @@ TEST_F(ItemPanelTest, whereFoldersMayBeChosenAnyFolderIs)
     EXPECT_EQ(panel.chosenItem(), itempath::toUrl(path(u"Folder"_s)));
 }
 
+TEST_F(ItemPanelTest, aTypedPathLeadsIntoAFolderThatMayBeChosenItself)
+{
+    auto &panel = open({.message = u"Choose an item to sign"_s,
+                        .allowedFileTypes = {u"app"_s},
+                        .canChooseFiles = true,
+                        .canChooseDirectories = true,
+                        .shouldEnable = {}});
+    enter(path(u"Folder"_s));
+    EXPECT_TRUE(panel.isVisible());
+    EXPECT_EQ(panel.directory().path(), path(u"Folder"_s));
+    enter(path(u"Foo.app"_s));
+    EXPECT_EQ(panel.chosenItem(), itempath::toUrl(path(u"Foo.app"_s)));
+}
+
 TEST_F(ItemPanelTest, aMissingItemIsNotTaken)
 {
     auto &panel = open(itemsToSubmit());
