@@ -21,6 +21,7 @@ namespace {
 
 constexpr QSize firstSize{1000, 760};
 constexpr int titleBarHeight = 40; // about what a desktop adds on top
+constexpr QPoint nextWindow{28, 28}; // so far from the one that it came out of that both are seen
 constexpr QPoint grip{80, 20}; // where in a frame of its own the pointer holds a tab that was dragged out
 
 QRect globalRect(const QWidget &widget)
@@ -232,7 +233,10 @@ void FrameWindow::moveTab(int distance)
 
 void FrameWindow::moveTabToOwnFrame()
 {
-    moveToOwnFrame(selected()).comeToFront();
+    FrameWindow &own = moveToOwnFrame(selected());
+    if (&own != this)
+        own.move(pos() + nextWindow);
+    own.comeToFront();
 }
 
 void FrameWindow::mergeAllFrames()

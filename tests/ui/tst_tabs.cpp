@@ -546,6 +546,7 @@ TEST_F(Tabs, theTabOnShowIsMovedToAWindowOfItsOwnByTheMenu)
     }
     EXPECT_EQ(titles(group).size(), 2);
     EXPECT_EQ(order.frontToBack().first(), &at(2).window());
+    EXPECT_GT(frameOf(at(2)).y(), group.y()) << "the one that it came out of is seen behind it";
 }
 
 TEST_F(Tabs, aScriptTakesATabOutALittleAside)
