@@ -63,6 +63,7 @@ public:
     {
         const std::scoped_lock lock(m_tools.m_mutex);
         m_isTerminated = true;
+        m_tools.m_hanging.remove(this);
         m_tools.m_changed.notify_all();
     }
 
@@ -70,10 +71,9 @@ private:
     void hang()
     {
         std::unique_lock lock(m_tools.m_mutex);
-        ++m_tools.m_hanging;
-        const int releases = m_tools.m_releases;
-        m_tools.m_changed.wait(lock, [&] { return m_isTerminated || m_tools.m_releases != releases; });
-        --m_tools.m_hanging;
+        if (!m_isTerminated)
+            m_tools.m_hanging.insert(this);
+        m_tools.m_changed.wait(lock, [this] { return !m_tools.m_hanging.contains(this); });
         if (m_isTerminated)
             m_answer = {.status = SIGTERM};
     }
@@ -109,14 +109,14 @@ void InstantTools::answerNext(const QString &tool, const Answer &answer)
 void InstantTools::releaseAll()
 {
     const std::scoped_lock lock(m_mutex);
-    ++m_releases;
+    m_hanging.clear();
     m_changed.notify_all();
 }
 
 int InstantTools::hanging() const
 {
     const std::scoped_lock lock(m_mutex);
-    return m_hanging;
+    return int(m_hanging.size());
 }
 
 int InstantTools::mostQueriesAtOnce() const

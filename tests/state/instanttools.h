@@ -50,7 +50,6 @@ private:
     QHash<QString, QList<Answer>> m_next;
     QHash<QString, int> m_queries; // that run now, by request
     int m_mostQueries = 0;
-    int m_hanging = 0;
-    int m_releases = 0;
+    QSet<const InstantProcess *> m_hanging; ///< without those that have been let go and do not know it yet
     int m_uploads = 0;
 };
