@@ -1,0 +1,40 @@
+#include "platform/result.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+using namespace Qt::StringLiterals;
+using platform::Error;
+using platform::Result;
+
+TEST(AResult, hasItsValue)
+{
+    const Result<int> result = 3;
+    ASSERT_TRUE(result);
+    EXPECT_EQ(*result, 3);
+    EXPECT_EQ(result.error(), QString());
+}
+
+TEST(AResult, tellsWhyThereIsNoValue)
+{
+    const Result<int> result = Error{u"Foo: not there"_s};
+    ASSERT_FALSE(result);
+    EXPECT_EQ(result.error(), u"Foo: not there");
+    EXPECT_EQ(result.valueOr(7), 7);
+}
+
+TEST(AResult, handsItsFailureOnToAnotherType)
+{
+    const Result<int> first = Error{u"Foo: not there"_s};
+    const Result<QString> second = first.failure();
+    ASSERT_FALSE(second);
+    EXPECT_EQ(second.error(), u"Foo: not there");
+}
+
+TEST(AResult, givesAwayAValueThatCannotBeCopied)
+{
+    Result<std::unique_ptr<int>> result = std::make_unique<int>(5);
+    const std::unique_ptr<int> value = *std::move(result);
+    EXPECT_EQ(*value, 5);
+}
