@@ -96,15 +96,11 @@ bool SigningSteps::codesignMembersWithID(const QString &identity, bool skipMain)
 
 QStringList SigningSteps::membersInSigningOrder()
 {
-    QStringList arrayToPassOver;
-    for (const QString &skipped : document.skipPaths())
-        arrayToPassOver.append(itempath::appending(itemPath(), skipped));
     OrderedPathSet signableSet;
     QSet<QString> setToSubtract;
-    document.steps().scanner.parseDirectory(itemPath(), signableSet, setToSubtract, arrayToPassOver);
-    QStringList members = signableSet.without(setToSubtract);
-    std::reverse(members.begin(), members.end());
-    return members;
+    document.steps().scanner.parseDirectory(itemPath(), signableSet, setToSubtract,
+                                            pathsToPassOver(itemPath(), document.skipPaths()));
+    return signingOrder(signableSet, setToSubtract);
 }
 
 bool SigningSteps::signMember(const QString &item, const QString &identity)
