@@ -3,14 +3,17 @@
 #include <fcntl.h>
 #include <signal.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <climits>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <vector>
 
 namespace fs = std::filesystem;
 
@@ -91,9 +94,67 @@ bool WholeFile::write(std::string_view bytes)
 {
     while (!bytes.empty()) {
         const ssize_t length = ::write(m_descriptor, bytes.data(), bytes.size());
+        if (length < 0 && errno == EINTR)
+            continue;
         if (length < 0)
             return false;
         bytes.remove_prefix(static_cast<std::size_t>(length));
+    }
+    return true;
+}
+
+bool WholeFile::append(int source, std::uint64_t length)
+{
+    off64_t offset = 0;
+    while (std::uint64_t(offset) < length) {
+        const std::uint64_t left = length - std::uint64_t(offset);
+        const ssize_t copied = copy_file_range(source, &offset, m_descriptor, nullptr, left, 0);
+        if (copied > 0)
+            continue;
+        const bool isUnsupported = copied < 0
+            && (errno == EXDEV || errno == EINVAL || errno == ENOSYS || errno == EOPNOTSUPP
+                || errno == EBADF);
+        if (copied < 0 && errno != EINTR && !isUnsupported)
+            return false;
+        if (copied == 0 || isUnsupported)
+            return appendByHand(source, offset, left);
+    }
+    return true;
+}
+
+bool WholeFile::appendByHand(int source, off_t offset, std::uint64_t length)
+{
+    std::vector<char> buffer(1 << 18);
+    while (length > 0) {
+        const ssize_t taken =
+            pread(source, buffer.data(), std::min<std::uint64_t>(buffer.size(), length), offset);
+        if (taken < 0 && errno == EINTR)
+            continue;
+        if (taken == 0)
+            errno = EIO;
+        if (taken <= 0 || !write({buffer.data(), std::size_t(taken)}))
+            return false;
+        offset += taken;
+        length -= std::uint64_t(taken);
+    }
+    return true;
+}
+
+bool WholeFile::takeAfter(int original)
+{
+    struct stat status = {};
+    if (fstat(original, &status) != 0)
+        return false;
+    m_mode = status.st_mode & 07777;
+    std::vector<char> names(64 << 10); // the longest list that Linux has
+    const ssize_t length = flistxattr(original, names.data(), names.size());
+    for (ssize_t start = 0; start < length; start += ssize_t(std::strlen(&names[std::size_t(start)])) + 1) {
+        const char *name = &names[std::size_t(start)];
+        std::vector<char> value(64 << 10);
+        const ssize_t size = fgetxattr(original, name, value.data(), value.size());
+        if (size >= 0 && std::string_view(name).starts_with("user.")
+            && fsetxattr(m_descriptor, name, value.data(), std::size_t(size), 0) != 0 && errno != EPERM)
+            return false;
     }
     return true;
 }
@@ -102,8 +163,8 @@ bool WholeFile::finish()
 {
     const mode_t mask = umask(0);
     umask(mask);
-    m_finished =
-        fchmod(m_descriptor, 0666 & ~mask) == 0 && std::rename(m_path.c_str(), m_destination.c_str()) == 0;
+    m_finished = fchmod(m_descriptor, m_mode.value_or(0666 & ~mask)) == 0
+        && std::rename(m_path.c_str(), m_destination.c_str()) == 0;
     return m_finished;
 }
 

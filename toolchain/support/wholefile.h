@@ -1,6 +1,10 @@
 #pragma once
 
+#include <sys/types.h>
+
+#include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -23,14 +27,25 @@ public:
     /// Adds bytes at the end. False, with errno telling why, if that fails, or if the file was never made.
     [[nodiscard]] bool write(std::string_view bytes);
 
-    /// Moves the file to its path, with the mode that the process's mask gives new files. False, with
-    /// errno telling why, if that fails.
+    /// Adds the first `length` bytes of an open file, shared where the file system can share them. False,
+    /// with errno telling why, if that fails; EIO if the file is shorter.
+    [[nodiscard]] bool append(int source, std::uint64_t length);
+
+    /// Gives the file the mode and the extended attributes of an open one, which it is to replace. An
+    /// attribute that may not be set is passed over. False, with errno telling why, if that fails.
+    [[nodiscard]] bool takeAfter(int original);
+
+    /// Moves the file to its path, with the mode that the process's mask gives new files unless it has got
+    /// another. False, with errno telling why, if that fails.
     [[nodiscard]] bool finish();
 
 private:
+    [[nodiscard]] bool appendByHand(int source, off_t offset, std::uint64_t length);
+
     const std::filesystem::path m_destination;
     std::string m_path;
     const int m_descriptor;
+    std::optional<mode_t> m_mode;
     bool m_finished = false;
 };
 
