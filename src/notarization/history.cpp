@@ -65,10 +65,8 @@ void History::fetchPages(const Pages &pages, const Credentials &credentials)
         }
         const QString output = response->outputString();
         document.logString(orNull(output));
-        if (nextPage(output, pages.format) != page + 1) {
-            answerScript(output);
-            break;
-        }
+        if (nextPage(output, pages.format) != page + 1)
+            return finishQuery([this, output] { answerScript(output); });
     }
     finishQuery();
 }

@@ -36,10 +36,12 @@ void ServiceQuery::reportHistoryFailure(const QString &message, const QString &e
     document.reportFailure(u"Cannot Fetch History"_s, historyFailureLine(message, errorString));
 }
 
-void ServiceQuery::finishQuery()
+void ServiceQuery::finishQuery(const std::function<void()> &answer)
 {
     // In one turn of the main thread: a command that follows at once finds no half of it.
-    document.dispatchToMain([this] {
+    document.dispatchToMain([this, answer] {
+        if (answer)
+            answer();
         document.changeStatus(status::ready);
         makeIdle();
     });

@@ -4,6 +4,7 @@
 #include "notarization/altoolarguments.h"
 #include "tools/slwtaskresponse.h"
 
+#include <functional>
 #include <optional>
 
 /// What the queries of the notary service share, which a person or a script makes beside a submission. They
@@ -27,8 +28,8 @@ protected:
     /// Reports that the history cannot be had. Worker thread.
     void reportHistoryFailure(const QString &message, const QString &errorString);
 
-    /// Makes the document ready and idle. Worker thread.
-    void finishQuery();
+    /// Makes the document ready and idle, after the script has its answer, if there is one. Worker thread.
+    void finishQuery(const std::function<void()> &answer = {});
     /// Makes the document idle, whatever its status. Main thread.
     void makeIdle();
 };

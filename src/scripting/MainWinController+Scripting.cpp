@@ -4,6 +4,7 @@
 #include "document/mainwincontroller.h"
 #include "platform/applicationhost.h"
 #include "scripting/commandchecks.h"
+#include "scripting/scripterrors.h"
 
 using namespace Qt::StringLiterals;
 
@@ -76,7 +77,7 @@ void MainWinControllerScripting::startHistory(const ScriptCommandPtr &command)
 {
     document.suppressDialogs.set(true); // whatever the command says of dialogs
     const quint64 page = command->evaluatedArguments().value(argument::pageToFetch).toULongLong();
-    suspend(command, [this, page] { document.steps().history.fetchHistory(page); });
+    suspendWorkflow(command, [this, page] { document.steps().history.fetchHistory(page); });
 }
 
 void MainWinControllerScripting::prepare(const ScriptCommandPtr &command, const QString &identity)
@@ -91,7 +92,20 @@ void MainWinControllerScripting::suspendWithItem(const ScriptCommandPtr &command
 {
     const QVariantMap &arguments = command->evaluatedArguments();
     document.suppressDialogs.set(!arguments.value(argument::showingDialogs).toBool());
-    suspend(command, [work = std::move(work), url = arguments.value(argument::at).toUrl()] { work(url); });
+    suspendWorkflow(command,
+                    [work = std::move(work), url = arguments.value(argument::at).toUrl()] { work(url); });
+}
+
+void MainWinControllerScripting::suspendWorkflow(const ScriptCommandPtr &command, std::function<void()> work)
+{
+    suspend(command, [this, command, work = std::move(work)] {
+        if (document.statusString() == status::ready)
+            return work();
+        // A person has been quicker. The run that goes on now knows of no script.
+        command->setScriptErrorNumber(scriptErrorBusy);
+        command->setScriptErrorString(commandchecks::busyText(u"Document"_s, document.statusString()));
+        command->resumeExecutionWithResult({});
+    });
 }
 
 void MainWinControllerScripting::suspend(const ScriptCommandPtr &command, std::function<void()> work)

@@ -58,5 +58,7 @@ public:
 private:
     /// Makes the command the one that the document works for, and queues the work.
     void suspend(const ScriptCommandPtr &command, std::function<void()> work);
+    /// The same for work that begins only if the document is still ready when its turn comes.
+    void suspendWorkflow(const ScriptCommandPtr &command, std::function<void()> work);
     void suspendWithItem(const ScriptCommandPtr &command, std::function<void(const QUrl &)> work);
 };

@@ -65,8 +65,13 @@ bool isReady(const QString &statusString, const QString &receiver)
 {
     if (statusString == status::ready)
         return true;
-    setScriptError(scriptErrorBusy, u"%1 is busy, status: %2."_s.arg(receiver, statusString));
+    setScriptError(scriptErrorBusy, busyText(receiver, statusString));
     return false;
+}
+
+QString busyText(const QString &receiver, const QString &statusString)
+{
+    return u"%1 is busy, status: %2."_s.arg(receiver, statusString);
 }
 
 } // namespace commandchecks

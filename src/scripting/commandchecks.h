@@ -28,5 +28,7 @@ namespace commandchecks {
 /// True for the word "ready"; otherwise the executing command gets the error. `receiver` is "Application" or
 /// "Document".
 [[nodiscard]] bool isReady(const QString &statusString, const QString &receiver);
+/// The text of that error.
+[[nodiscard]] QString busyText(const QString &receiver, const QString &statusString);
 
 } // namespace commandchecks

@@ -2,6 +2,8 @@
 
 #include "dbus/hostonbus.h"
 
+#include "app/appdelegate.h"
+
 #include <QDBusVariant>
 #include <QFile>
 
@@ -240,4 +242,39 @@ TEST_F(Commands, aCallerThatWantsNoAnswerGetsNone)
     message << QVariantMap();
     ASSERT_TRUE(client.connection().send(message));
     EXPECT_EQ(client.get(documentPath(), bus::documentInterface, u"DocStatus"_s), QVariant(u"ready"_s));
+}
+
+TEST_F(Commands, ofTwoThatArriveTogetherTheSecondIsRefusedAsBusy)
+{
+    const QVariantMap arguments{{u"at"_s, appURL()}};
+    const QDBusPendingCall first = client.beginSubmit(arguments, documentPath());
+    const QDBusPendingCall second =
+        client.begin(documentPath(), bus::documentInterface, u"SignOnly"_s, {arguments});
+    EXPECT_EQ(failureOf(client.end(second)), u"N1199 Document is busy, status: submitting."_s);
+    EXPECT_EQ(variantOf(endWithPolls(first)), QVariant(url(u"Foo - Notarized/Foo.app"_s)));
+    EXPECT_EQ(host.tools.callsOf(u"altool--notarize-app"_s).size(), 1);
+}
+
+TEST_F(Commands, aDocumentThatACommandHasMadeIsBusyForTheNextOne)
+{
+    client.listen();
+    const QDBusPendingCall first = client.beginSubmit({{u"at"_s, appURL()}});
+    QString made; // known from the signal, before the work has begun
+    QObject::connect(&host.application(), &AppDelegate::documentAdded, &client,
+                     [&](MainWinController *document) { made = path(*document); });
+    host.runUntil([&] { return !made.isEmpty(); });
+    const QDBusMessage second =
+        client.call(made, bus::documentInterface, u"SignOnly"_s, {QVariantMap{{u"at"_s, appURL()}}});
+    EXPECT_EQ(failureOf(second), u"N1199 Document is busy, status: submitting."_s);
+    EXPECT_EQ(variantOf(endWithPolls(first)), QVariant(url(u"Foo - Notarized/Foo.app"_s)));
+}
+
+TEST_F(Commands, eachOfManyThatArriveTogetherIsAnswered)
+{
+    constexpr int many = 500;
+    QList<QDBusPendingCall> calls;
+    for (int number = 0; number < many; ++number)
+        calls.append(client.begin(documentPath(), bus::documentInterface, u"FetchLog"_s, {QVariantMap()}));
+    for (const QDBusPendingCall &call : calls)
+        EXPECT_EQ(variantOf(client.end(call)), QVariant(u""_s));
 }

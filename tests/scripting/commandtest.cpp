@@ -421,3 +421,15 @@ TEST(ScriptCommand, isTheExecutingOneOnlyInItsHandler)
         [](const ScriptCommandPtr &executing) { EXPECT_EQ(ScriptCommand::executingCommand(), executing); });
     EXPECT_EQ(ScriptCommand::executingCommand(), nullptr);
 }
+
+TEST_F(AScript, isRefusedIfAPersonBeginsBeforeItsTurnComes)
+{
+    send(atItem(u"Foo.app"_s), Receiver::document);
+    host.document().perform(Action::doFetchHistory);
+    host.runUntil([this] { return reply.has_value(); });
+    EXPECT_EQ(reply->errorNumber, 1199);
+    EXPECT_EQ(reply->errorText, u"Document is busy, status: fetching."_s);
+    host.settle();
+    EXPECT_EQ(host.document().statusString(), u"ready"_s);
+    EXPECT_TRUE(host.tools.callsOf(u"altool--notarize-app"_s).isEmpty());
+}

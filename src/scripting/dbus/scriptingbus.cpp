@@ -1,6 +1,7 @@
 #include "scripting/dbus/scriptingbus.h"
 
 #include "app/appdelegate.h"
+#include "platform/mainqueue.h"
 #include "scripting/dbus/busintrospection.h"
 #include "scripting/dbus/busnames.h"
 #include "scripting/dbus/busvalue.h"
@@ -9,6 +10,7 @@
 
 #include <QCoreApplication>
 #include <QDBusConnectionInterface>
+#include <QPointer>
 
 using namespace Qt::StringLiterals;
 
@@ -114,6 +116,8 @@ bool ScriptingBus::activateRunningInstance()
 void ScriptingBus::addDocument(MainWinController &document)
 {
     m_objects.add(document, m_maker);
+    if (!m_maker.isEmpty())
+        m_newDocuments.append(m_objects.path(document).path());
     announce(m_objects.path(document.window()));
     announce(m_objects.path(document));
     sendDocumentSignals(document, m_objects.path(document).path(), m_connection, this);
@@ -178,6 +182,13 @@ bool ScriptingBus::isLaunching() const
 
 void ScriptingBus::serve(const BusCall &call)
 {
+    if (const auto held = m_heldCalls.find(call.path()); held != m_heldCalls.end())
+        return held->push_back(call);
+    serveNow(call);
+}
+
+void ScriptingBus::serveNow(const BusCall &call)
+{
     const auto object = m_objects.find(call.path(), call.caller());
     if (!object)
         return call.replyWithError(buserror::unknownObject, u"There is no object %1."_s.arg(call.path()));
@@ -213,6 +224,35 @@ void ScriptingBus::serve(const BusCall &call, const BusObject &object, const Bus
         m_maker = call.caller();
     method.handle(object, call);
     m_maker.clear();
+    if (&interface == &documentInterface())
+        holdCallsTo(call.path());
+    for (const QString &document : std::exchange(m_newDocuments, {})) // the call may have begun work on it
+        holdCallsTo(document);
+}
+
+/// What the call has queued comes before the next call: the queue of the main thread and the bus are one
+/// order.
+void ScriptingBus::holdCallsTo(const QString &document)
+{
+    m_heldCalls[document];
+    m_application.host().mainQueue.post([bus = QPointer(this), document] {
+        if (bus)
+            bus->serveHeldCallsTo(document);
+    });
+}
+
+void ScriptingBus::serveHeldCallsTo(const QString &document)
+{
+    auto held = m_heldCalls.take(document);
+    while (!held.empty()) {
+        const BusCall call = std::move(held.front());
+        held.pop_front();
+        serveNow(call);
+        if (const auto heldAgain = m_heldCalls.find(document); heldAgain != m_heldCalls.end()) {
+            heldAgain->swap(held);
+            return;
+        }
+    }
 }
 
 void ScriptingBus::serveWaitingCalls()

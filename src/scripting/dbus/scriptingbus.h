@@ -6,6 +6,9 @@
 
 #include <QDBusServiceWatcher>
 #include <QDBusVirtualObject>
+#include <QHash>
+
+#include <deque>
 
 /// The application on the session bus: one tree of objects below one path. Main thread.
 class ScriptingBus : public QDBusVirtualObject {
@@ -45,15 +48,22 @@ private:
     void attend(const QString &caller);
     bool isLaunching() const;
     void serve(const BusCall &call);
+    void serveNow(const BusCall &call);
     void serve(const BusCall &call, const BusObject &object, const BusInterface &interface,
                const BusMethod &method);
     void serveWaitingCalls();
+    void holdCallsTo(const QString &document);
+    void serveHeldCallsTo(const QString &document);
 
     AppDelegate &m_application;
     const std::shared_ptr<LastErrors> m_lastErrors;
     BusObjects m_objects;
     QDBusConnection m_connection;
     QDBusServiceWatcher m_callers;
-    QList<BusCall> m_waitingCalls;
+    QList<BusCall> m_waitingCalls; ///< for the end of launch
+    /// By the paths of documents whose latest command has queued work that has not begun. The status word
+    /// tells of it only then, and the document knows one command at a time.
+    QHash<QString, std::deque<BusCall>> m_heldCalls;
+    QStringList m_newDocuments; ///< paths of those that the call being served has made
     QString m_maker; ///< the connection whose call is being served, if documents made now are its own
 };
