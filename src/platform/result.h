@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/logging.h"
+
 #include <QString>
 
 #include <optional>
@@ -46,5 +48,39 @@ private:
     std::optional<T> m_value;
     QString m_error;
 };
+
+/// The same for an operation that has nothing to answer but that it worked.
+template <>
+class [[nodiscard]] Result<void> {
+public:
+    Result() = default;
+    Result(Error error) // NOLINT(google-explicit-constructor): so that `return Error{...}` does as well
+        : m_error(std::move(error.text))
+    {
+    }
+
+    static Result success() { return {}; }
+    static Result failure(QString error) { return Error{std::move(error)}; }
+
+    explicit operator bool() const { return !m_error; }
+
+    /// The reason of the failure, for a person to read; empty after a success.
+    QString error() const { return m_error.value_or(QString()); }
+    /// The same, to be handed on as the failure of another result.
+    Error failure() const { return {error()}; }
+
+    /// For a failure that changes nothing for the caller. What is ignored goes to the journal, if the
+    /// category `sealwright.platform` is on.
+    void ignore() const
+    {
+        if (m_error)
+            qCDebug(platformLog).noquote() << "ignored:" << *m_error;
+    }
+
+private:
+    std::optional<QString> m_error;
+};
+
+using Outcome = Result<void>;
 
 } // namespace platform

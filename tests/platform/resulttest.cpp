@@ -38,3 +38,47 @@ TEST(AResult, givesAwayAValueThatCannotBeCopied)
     const std::unique_ptr<int> value = *std::move(result);
     EXPECT_EQ(*value, 5);
 }
+
+TEST(AnOutcome, isASuccessUntilItIsTold)
+{
+    EXPECT_TRUE(platform::Outcome());
+    EXPECT_TRUE(platform::Outcome::success());
+    EXPECT_EQ(platform::Outcome().error(), QString());
+}
+
+TEST(AnOutcome, ofAFailureWithoutATextIsAFailureStill)
+{
+    EXPECT_FALSE(platform::Outcome::failure({}));
+    EXPECT_FALSE(platform::Outcome(Error{u"Foo: not there"_s}));
+}
+
+TEST(AnOutcome, takesTheFailureOfAValueOver)
+{
+    const Result<int> value = Error{u"Foo: not there"_s};
+    const platform::Outcome outcome = value.failure();
+    EXPECT_EQ(outcome.error(), u"Foo: not there");
+}
+
+namespace {
+
+QStringList noted;
+
+void note(QtMsgType, const QMessageLogContext &, const QString &text)
+{
+    noted.append(text);
+}
+
+} // namespace
+
+TEST(AnOutcome, thatIsIgnoredIsNotedWhereThatIsWanted)
+{
+    noted.clear();
+    const auto before = qInstallMessageHandler(note);
+    platform::Outcome::failure(u"unheard"_s).ignore();
+    QLoggingCategory::setFilterRules(u"sealwright.platform.debug=true"_s);
+    platform::Outcome::failure(u"Foo: not there"_s).ignore();
+    platform::Outcome().ignore();
+    QLoggingCategory::setFilterRules({});
+    qInstallMessageHandler(before);
+    EXPECT_EQ(noted, QStringList{u"ignored: Foo: not there"_s});
+}

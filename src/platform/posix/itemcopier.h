@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/outcome.h"
 #include "platform/posix/folder.h"
+#include "platform/result.h"
 
 #include <sys/stat.h>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/outcome.h"
+#include "platform/result.h"
 
 namespace platform {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/outcome.h"
+#include "platform/result.h"
 #include "scripting/dbus/buscall.h"
 #include "scripting/dbus/busobjects.h"
 
