@@ -9,7 +9,7 @@ enum class LastLink {
     Followed
 };
 
-/// A file that is open for reading as long as this lives.
+/// A file that is open for reading as long as this lives. Opening a pipe does not wait for a writer.
 class OpenFile {
 public:
     explicit OpenFile(const std::filesystem::path &path, LastLink link = LastLink::Refused);
