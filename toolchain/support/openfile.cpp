@@ -6,7 +6,8 @@
 namespace toolchain {
 
 OpenFile::OpenFile(const std::filesystem::path &path, LastLink link)
-    : m_descriptor(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | (link == LastLink::Refused ? O_NOFOLLOW : 0)))
+    : m_descriptor(
+        open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | (link == LastLink::Refused ? O_NOFOLLOW : 0)))
 {
 }
 
