@@ -1,0 +1,361 @@
+#include "formats/codesignature/requirement.h"
+#include "formats/codesignature/requirementcode.h"
+#include "formats/codesignature/requirementtokens.h"
+
+#include <QDateTime>
+#include <QTimeZone>
+
+#include <optional>
+
+using namespace Qt::StringLiterals;
+using platform::Error;
+using platform::Result;
+
+namespace toolchain::codesignature {
+
+namespace {
+
+constexpr qsizetype sha1Size = 20;
+
+class Parser {
+public:
+    explicit Parser(QList<Token> tokens)
+        : m_tokens(std::move(tokens))
+    {
+    }
+
+    Result<QByteArray> single()
+    {
+        const QByteArray code = alternatives(0);
+        while (accept(";")) { }
+        if (m_problem.isEmpty() && next().kind != TokenKind::End)
+            complain(u"unexpected \"%1\""_s.arg(QString::fromUtf8(next().bytes)));
+        return m_problem.isEmpty() ? Result<QByteArray>(requirementBlob(code)) : Error{m_problem};
+    }
+
+    Result<RequirementSet> set()
+    {
+        RequirementSet set;
+        while (m_problem.isEmpty() && next().kind != TokenKind::End) {
+            const auto type = requirementType();
+            expect("=>");
+            const QByteArray code = alternatives(0);
+            if (set.contains(type))
+                complain(u"a requirement of this type stands there already"_s);
+            set.insert(type, requirementBlob(code));
+            while (accept(";")) { }
+        }
+        if (set.isEmpty())
+            complain(u"there is no requirement"_s);
+        return m_problem.isEmpty() ? Result<RequirementSet>(set) : Error{m_problem};
+    }
+
+private:
+    RequirementType requirementType()
+    {
+        for (const RequirementType type :
+             {RequirementType::Host, RequirementType::Guest, RequirementType::Designated,
+              RequirementType::Library, RequirementType::Plugin}) {
+            if (accept(requirementTypeName(type).toLatin1()))
+                return type;
+        }
+        complain(u"a type is missing, such as \"designated =>\""_s);
+        return {};
+    }
+
+    // Operators of equal rank group from the left.
+    QByteArray alternatives(int depth)
+    {
+        QByteArray code = conjunction(depth);
+        while (accept("or"))
+            code = joined(Operation::Or, code, conjunction(depth));
+        return code;
+    }
+
+    QByteArray conjunction(int depth)
+    {
+        QByteArray code = primary(depth);
+        while (accept("and"))
+            code = joined(Operation::And, code, primary(depth));
+        return code;
+    }
+
+    static QByteArray joined(Operation operation, const QByteArray &left, const QByteArray &right)
+    {
+        return RequirementWriter().operation(operation).expression(left).expression(right).bytes();
+    }
+
+    QByteArray primary(int depth)
+    {
+        if (++m_terms > mostTerms || depth > deepestExpression)
+            complain(u"the requirement is too large"_s);
+        if (!m_problem.isEmpty())
+            return {};
+        if (accept("("))
+            return closed(alternatives(depth + 1));
+        if (accept("!"))
+            return RequirementWriter().operation(Operation::Not).expression(primary(depth + 1)).bytes();
+        if (accept("always") || accept("true"))
+            return plain(Operation::True);
+        if (accept("never") || accept("false"))
+            return plain(Operation::False);
+        if (accept("notarized"))
+            return plain(Operation::Notarized);
+        if (accept("legacy"))
+            return plain(Operation::LegacyDevId);
+        return term();
+    }
+
+    QByteArray term()
+    {
+        if (accept("identifier")) {
+            (void)accept("=");
+            return RequirementWriter().operation(Operation::Identifier).data(string()).bytes();
+        }
+        if (accept("cdhash"))
+            return RequirementWriter().operation(Operation::CdHash).data(hash()).bytes();
+        if (accept("platform"))
+            return platform();
+        if (accept("anchor"))
+            return anchor();
+        if (accept("certificate") || accept("cert"))
+            return ofCertificate(certificateSlot());
+        if (accept("info"))
+            return RequirementWriter()
+                .operation(Operation::InfoKeyField)
+                .data(key())
+                .expression(match())
+                .bytes();
+        if (accept("entitlement"))
+            return RequirementWriter()
+                .operation(Operation::EntitlementField)
+                .data(key())
+                .expression(match())
+                .bytes();
+        complain(u"unexpected \"%1\""_s.arg(QString::fromUtf8(next().bytes)));
+        return {};
+    }
+
+    static QByteArray plain(Operation operation) { return RequirementWriter().operation(operation).bytes(); }
+
+    QByteArray closed(const QByteArray &code)
+    {
+        expect(")");
+        return code;
+    }
+
+    QByteArray platform()
+    {
+        expect("=");
+        return RequirementWriter().operation(Operation::Platform).number(number()).bytes();
+    }
+
+    QByteArray anchor()
+    {
+        if (accept("apple")) {
+            if (accept("generic"))
+                return plain(Operation::AppleGenericAnchor);
+            if (next().kind != TokenKind::Text)
+                return plain(Operation::AppleAnchor);
+            return RequirementWriter().operation(Operation::NamedAnchor).data(string()).bytes();
+        }
+        if (accept("generic")) {
+            expect("apple");
+            return plain(Operation::AppleGenericAnchor);
+        }
+        if (accept("trusted"))
+            return plain(Operation::TrustedCertificates);
+        return ofCertificate(quint32(-1));
+    }
+
+    quint32 certificateSlot()
+    {
+        if (accept("leaf"))
+            return 0;
+        if (accept("root") || accept("anchor"))
+            return quint32(-1);
+        return number();
+    }
+
+    quint32 number()
+    {
+        const bool isNegative = accept("-");
+        bool isNumber = false;
+        const int number = take().bytes.toInt(&isNumber);
+        if (!isNumber)
+            complain(u"a number is missing"_s);
+        return quint32(isNegative ? -number : number);
+    }
+
+    QByteArray ofCertificate(quint32 slotNumber)
+    {
+        if (accept("trusted"))
+            return RequirementWriter().operation(Operation::TrustedCertificate).number(slotNumber).bytes();
+        if (next().bytes == "[")
+            return ofCertificateField(slotNumber);
+        (void)accept("=");
+        return RequirementWriter().operation(Operation::AnchorHash).number(slotNumber).data(hash()).bytes();
+    }
+
+    QByteArray ofCertificateField(quint32 slotNumber)
+    {
+        static const QList<std::pair<QByteArray, Operation>> kinds{
+            {"field.", Operation::CertificateGeneric},
+            {"extension.", Operation::CertificateGeneric},
+            {"policy.", Operation::CertificatePolicy},
+            {"timestamp.", Operation::CertificateFieldDate}};
+        const QByteArray name = key();
+        for (const auto &[prefix, operation] : kinds) {
+            if (name.startsWith(prefix))
+                return ofObject(slotNumber, operation, name.sliced(prefix.size()));
+        }
+        if (!name.startsWith("subject."))
+            complain(u"unknown field \"%1\" of a certificate"_s.arg(QString::fromUtf8(name)));
+        return RequirementWriter()
+            .operation(Operation::CertificateField)
+            .number(slotNumber)
+            .data(name)
+            .expression(match())
+            .bytes();
+    }
+
+    QByteArray ofObject(quint32 slotNumber, Operation operation, const QByteArray &name)
+    {
+        const QByteArray body = oidBody(QString::fromLatin1(name));
+        if (body.isEmpty())
+            complain(u"\"%1\" is no object identifier"_s.arg(QString::fromUtf8(name)));
+        return RequirementWriter()
+            .operation(operation)
+            .number(slotNumber)
+            .data(body)
+            .expression(match())
+            .bytes();
+    }
+
+    QByteArray match()
+    {
+        static const QList<std::pair<QByteArray, std::pair<Match, Match>>> signs{
+            {"<", {Match::LessThan, Match::Before}},
+            {">", {Match::GreaterThan, Match::After}},
+            {"<=", {Match::LessEqual, Match::OnOrBefore}},
+            {">=", {Match::GreaterEqual, Match::OnOrAfter}}};
+        if (accept("="))
+            return accept("timestamp") ? dated(Match::On) : equalMatch();
+        for (const auto &[sign, matches] : signs) {
+            if (accept(sign))
+                return accept("timestamp") ? dated(matches.second)
+                                           : RequirementWriter().match(matches.first).data(string()).bytes();
+        }
+        if (accept("absent"))
+            return RequirementWriter().match(Match::Absent).bytes();
+        (void)accept("exists");
+        return RequirementWriter().match(Match::Exists).bytes();
+    }
+
+    QByteArray equalMatch()
+    {
+        const bool isOpenBefore = accept("*");
+        const QByteArray text = string();
+        const bool isOpenBehind = accept("*");
+        Match match = isOpenBefore ? Match::EndsWith : Match::Equal;
+        if (isOpenBehind)
+            match = isOpenBefore ? Match::Contains : Match::BeginsWith;
+        return RequirementWriter().match(match).data(text).bytes();
+    }
+
+    QByteArray dated(Match match)
+    {
+        QDateTime date = QDateTime::fromString(QString::fromLatin1(string()), u"yyyyMMddHHmmss'Z'"_s);
+        date.setTimeZone(QTimeZone::utc());
+        if (!date.isValid())
+            complain(u"a date is missing, such as \"20260131000000Z\""_s);
+        const auto seconds = quint64(date.toSecsSinceEpoch() - referenceDate);
+        return RequirementWriter()
+            .match(match)
+            .number(quint32(seconds >> 32))
+            .number(quint32(seconds))
+            .bytes();
+    }
+
+    QByteArray key()
+    {
+        expect("[");
+        const QByteArray name = string();
+        expect("]");
+        return name;
+    }
+
+    QByteArray string()
+    {
+        const Token token = take();
+        if (token.kind != TokenKind::Word && token.kind != TokenKind::Text)
+            complain(u"a string is missing"_s);
+        return token.bytes;
+    }
+
+    QByteArray hash()
+    {
+        const Token token = take();
+        if (token.kind != TokenKind::Hash || token.bytes.size() != sha1Size)
+            complain(u"a hash of 20 bytes is missing, such as H\"…\""_s);
+        return token.bytes;
+    }
+
+    [[nodiscard]] const Token &next() const { return m_tokens[m_at]; }
+
+    Token take()
+    {
+        const Token token = next();
+        m_at = std::min(m_at + 1, m_tokens.size() - 1);
+        return token;
+    }
+
+    bool accept(QByteArrayView word)
+    {
+        const Token &token = next();
+        const bool isWord = token.kind == TokenKind::Word || token.kind == TokenKind::Symbol;
+        if (!isWord || token.bytes != word)
+            return false;
+        ++m_at;
+        return true;
+    }
+
+    void expect(QByteArrayView word)
+    {
+        if (!accept(word))
+            complain(u"\"%1\" is missing"_s.arg(QString::fromLatin1(word)));
+    }
+
+    void complain(const QString &problem)
+    {
+        if (m_problem.isEmpty())
+            m_problem = problem + u" at character %1"_s.arg(next().at + 1);
+    }
+
+    static constexpr int mostTerms = 2000;
+
+    QList<Token> m_tokens;
+    qsizetype m_at = 0;
+    int m_terms = 0;
+    QString m_problem;
+};
+
+} // namespace
+
+Result<QByteArray> compileRequirement(const QString &text)
+{
+    auto tokens = requirementTokens(text);
+    if (!tokens)
+        return tokens.failure();
+    return Parser(*std::move(tokens)).single();
+}
+
+Result<RequirementSet> compileRequirementSet(const QString &text)
+{
+    auto tokens = requirementTokens(text);
+    if (!tokens)
+        return tokens.failure();
+    return Parser(*std::move(tokens)).set();
+}
+
+} // namespace toolchain::codesignature
