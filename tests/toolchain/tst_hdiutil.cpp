@@ -133,6 +133,35 @@ TEST_F(HdiutilCreate, anotherProgramFindsNoFaultInAnImage)
         runProgram(u"7z"_s, {u"t"_s, u"-thfs"_s, volumeOf(image)}).output.contains(u"Everything is Ok"_s));
 }
 
+TEST_F(HdiutilCreate, eachFormatIsReadByAnotherProgramAndKnownByItsName)
+{
+    bundlebuilder::writeFile(path(u"folder/noise"_s), randomBytes(700'000));
+    bundlebuilder::writeFile(path(u"folder/text"_s),
+                             QByteArray("some text, again and again ").repeated(90'000));
+    makeSparse(path(u"folder/zeros"_s), 3'000'000);
+    for (const QString &format : {u"UDZO"_s, u"UDBZ"_s, u"ULMO"_s, u"UDRO"_s}) {
+        const QString image = path(u"out/"_s) + format + u".dmg"_s;
+        ASSERT_EQ(createPlainly({image, u"-format"_s, format, u"-srcfolder"_s, path(u"folder"_s)}).status, 0);
+        EXPECT_TRUE(runProgram(u"7z"_s, {u"t"_s, image}).output.contains(u"Everything is Ok"_s));
+        EXPECT_EQ(run(hdiutil, {u"imageinfo"_s, u"-format"_s, image}).output, format + u'\n');
+        EXPECT_EQ(run(hdiutil, {u"verify"_s, image}).status, 0) << format.toStdString();
+        const QString volume = mountPointIn(attach(image));
+        EXPECT_EQ(QProcess::execute(u"diff"_s, {u"-r"_s, path(u"folder"_s), volume}), 0);
+    }
+    EXPECT_LT(QFileInfo(path(u"out/ULMO.dmg"_s)).size(), QFileInfo(path(u"out/UDRO.dmg"_s)).size() / 3);
+}
+
+TEST_F(HdiutilCreate, aFormatThatIsNotMadeIsRefusedByName)
+{
+    for (const QString &format : {u"ULFO"_s, u"UDRW"_s, u"UDSP"_s, u"nothing"_s}) {
+        const ToolResult result =
+            createPlainly({path(u"out/a.dmg"_s), u"-srcfolder"_s, path(u"folder"_s), u"-format"_s, format});
+        EXPECT_EQ(result.status, 2);
+        EXPECT_TRUE(result.error.contains(format)) << result.error.toStdString();
+    }
+    EXPECT_EQ(namesIn(path(u"out"_s)), QStringList());
+}
+
 TEST_F(HdiutilCreate, theTrailerHasTheChecksumsOfTheStoredBytesAndOfAllPartitions)
 {
     const QByteArray image = bundlebuilder::readFile(imageOf(path(u"My App.app"_s)));
@@ -338,7 +367,7 @@ TEST_F(HdiutilCreate, refusesToMakeAnythingButCompressedImagesOfOneSource)
           {u"a.dmg"_s, u"-srcfolder"_s, u"folder"_s, u"-imagekey"_s, u"zlib-level=0"_s},
           {u"a.dmg"_s, u"b.dmg"_s, u"-srcfolder"_s, u"folder"_s}}) {
         const ToolResult result = createPlainly(arguments);
-        EXPECT_EQ(result.status, 64) << arguments.join(u' ').toStdString();
+        EXPECT_EQ(result.status, 2) << arguments.join(u' ').toStdString();
         EXPECT_TRUE(result.error.startsWith(u"hdiutil create: "_s)) << result.error.toStdString();
     }
     EXPECT_FALSE(QFile::exists(path(u"a.dmg"_s)));

@@ -148,11 +148,11 @@ TEST_F(HdiutilAttach, aMisspeltVerbIsRefusedAndTheImageStaysAttached)
 {
     const QString volume = mountPointIn(attach(m_image));
     const ToolResult result = run(hdiutil, {u"dettach"_s, u"-force"_s, volume});
-    EXPECT_EQ(result.status, 64);
+    EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.output, QString());
     EXPECT_TRUE(result.error.startsWith(u"hdiutil: unrecognized verb \"dettach\"\nUsage: hdiutil "_s));
     EXPECT_EQ(namesIn(volume), QStringList{u"My App.app"_s});
-    EXPECT_EQ(run(hdiutil, {}).status, 64);
+    EXPECT_EQ(run(hdiutil, {}).status, 2);
 }
 
 TEST_F(HdiutilAttach, anAttachedImageKeepsItsPlace)
@@ -295,7 +295,7 @@ TEST_F(HdiutilAttach, anImageWithoutAVolumeHasNothingToMount)
 {
     const QByteArray name = QFile::encodeName(path(u"empty.dmg"_s));
     const int file = open(name.constData(), O_WRONLY | O_CREAT, 0600);
-    toolchain::UdifWriter writer(file, name.toStdString(), 1);
+    toolchain::UdifWriter writer(file, name.toStdString(), *toolchain::udif::imageFormat(u"UDZO"_s), 1);
     writer.beginPartition(u"whole disk (unknown partition : 0)"_s);
     writer.write(QByteArray(1 << 20, 'x'));
     writer.endPartition();
@@ -342,5 +342,5 @@ TEST_F(HdiutilAttach, refusesArgumentsThatItDoesNotUnderstand)
                                          {u"verify"_s},
                                          {u"imageinfo"_s},
                                          {u"info"_s, m_image}})
-        EXPECT_EQ(run(hdiutil, arguments).status, 64) << arguments.join(u' ').toStdString();
+        EXPECT_EQ(run(hdiutil, arguments).status, 2) << arguments.join(u' ').toStdString();
 }

@@ -27,7 +27,8 @@ struct Plan {
     fs::path source; ///< absolute
     fs::path image; ///< absolute, ends in .dmg
     std::string volumeName;
-    int level = 1; ///< of compression; the default is the real tool's
+    udif::ImageFormat format;
+    int level = 1; ///< of compression; zlib's default is the real tool's
 };
 
 ParsedArguments parse(const VerbArguments &words)
@@ -43,6 +44,14 @@ ParsedArguments parse(const VerbArguments &words)
                                              {{"-ov"}}}));
 }
 
+/// Nothing if the format is not one that is made here.
+std::optional<udif::ImageFormat> formatFrom(const ParsedArguments &arguments)
+{
+    const auto format = udif::imageFormat(
+        arguments.has("-format") ? QString::fromStdString(arguments.value("-format")) : u"UDZO"_s);
+    return format && format->isMade ? format : std::nullopt;
+}
+
 /// What this tool cannot do of what the arguments ask; empty if it can do all.
 std::string complaintAbout(const ParsedArguments &arguments, const VerbArguments &words)
 {
@@ -56,8 +65,9 @@ std::string complaintAbout(const ParsedArguments &arguments, const VerbArguments
         return "one image is needed";
     if (sources != 1 || !arguments.has("-srcfolder"))
         return "one -srcfolder is needed; nothing else can be made an image of here";
-    if (arguments.has("-format") && arguments.value("-format") != "UDZO")
-        return "UDZO is the only format that is made here";
+    if (!formatFrom(arguments))
+        return "the format " + arguments.value("-format") + " is not made here; those made are "
+            + udif::formatsMade().toStdString();
     if (arguments.has("-fs") && arguments.value("-fs") != "HFS+")
         return "HFS+ is the only file system that is made here";
     if (arguments.has("-layout") && arguments.value("-layout") != "GPTSPUD")
@@ -66,6 +76,14 @@ std::string complaintAbout(const ParsedArguments &arguments, const VerbArguments
         && (key.size() != 12 || !key.starts_with("zlib-level=") || key.back() < '1' || key.back() > '9'))
         return "the only image key here is zlib-level, from 1 to 9";
     return {};
+}
+
+int levelFrom(const ParsedArguments &arguments, const udif::ImageFormat &format)
+{
+    constexpr int best = 9;
+    if (format.chunkKind != udif::zlibChunk)
+        return best;
+    return arguments.has("-imagekey") ? arguments.value("-imagekey").back() - '0' : 1;
 }
 
 Plan planFrom(const ParsedArguments &arguments)
@@ -77,8 +95,8 @@ Plan planFrom(const ParsedArguments &arguments)
         plan.image += ".dmg";
     plan.volumeName =
         arguments.has("-volname") ? arguments.value("-volname") : plan.source.filename().string();
-    if (arguments.has("-imagekey"))
-        plan.level = arguments.value("-imagekey").back() - '0';
+    plan.format = *formatFrom(arguments);
+    plan.level = levelFrom(arguments, plan.format);
     if (fs::is_symlink(plan.source) && fs::is_directory(plan.source))
         plan.source = fs::canonical(plan.source);
     return plan;
@@ -130,7 +148,7 @@ std::string makeImage(const Plan &plan, const ParsedArguments &arguments)
     tellDetail(arguments,
                "Copying " + plan.source.string() + " to a volume of "
                    + std::to_string(volume.size() / udif::sectorSize) + " sectors...");
-    UdifWriter writer(file.descriptor(), plan.image, plan.level);
+    UdifWriter writer(file.descriptor(), plan.image, plan.format, plan.level);
     writeDisk(writer, volume);
     if (!volume.error().empty() || !writer.error().empty())
         return volume.error() + writer.error();

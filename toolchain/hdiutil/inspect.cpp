@@ -1,13 +1,11 @@
 #include "hdiutil/inspect.h"
 
 #include "formats/imagevolume.h"
+#include "formats/udif/chunkpacking.h"
 #include "formats/udif/udifreader.h"
 #include "support/console.h"
 
 #include <QVariantMap>
-
-#include <algorithm>
-#include <array>
 
 using namespace Qt::StringLiterals;
 
@@ -15,33 +13,16 @@ namespace toolchain {
 
 namespace {
 
-struct Format {
-    quint32 chunkKind = 0;
-    const char *name = "";
-    const char *description = "";
-};
-
-/// The formats that differ in how their chunks are packed.
-constexpr std::array formats{
-    Format{0x80000004, "UDCO", "UDIF read-only compressed (ADC)"},
-    Format{udif::zlibChunk, "UDZO", "UDIF read-only compressed (zlib)"},
-    Format{0x80000006, "UDBZ", "UDIF read-only compressed (bzip2)"},
-    Format{0x80000007, "ULFO", "UDIF read-only compressed (lzfse)"},
-    Format{0x80000008, "ULMO", "UDIF read-only compressed (lzma)"},
-};
-
-Format formatOf(const UdifReader &image)
+udif::ImageFormat formatOf(const UdifReader &image)
 {
     for (const udif::Partition &partition : image.partitions()) {
         for (const udif::Chunk &chunk : partition.chunks) {
-            const auto format = std::find_if(formats.begin(), formats.end(), [&chunk](const Format &known) {
-                return known.chunkKind == chunk.kind;
-            });
-            if (format != formats.end())
-                return *format;
+            const udif::ImageFormat format = udif::imageFormatOf(chunk.kind);
+            if (format.chunkKind == chunk.kind && chunk.kind != udif::rawChunk)
+                return format;
         }
     }
-    return {udif::rawChunk, "UDRO", "UDIF read-only"};
+    return udif::imageFormatOf(udif::rawChunk);
 }
 
 QVariantMap describe(const UdifReader &image)
@@ -55,7 +36,7 @@ QVariantMap describe(const UdifReader &image)
                                       {u"partition-start"_s, partition.firstSector},
                                       {u"partition-length"_s, partition.sectorCount}});
     }
-    const Format format = formatOf(image);
+    const udif::ImageFormat format = formatOf(image);
     return {{u"Format"_s, QString::fromLatin1(format.name)},
             {u"Format Description"_s, QString::fromLatin1(format.description)},
             {u"Size Information"_s,

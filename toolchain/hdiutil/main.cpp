@@ -25,7 +25,8 @@ create     makes a compressed disk image of a folder's contents, or of a bundle 
            whole or not at all; ".dmg" is added to a name that lacks it.
   -volname NAME         of the volume; SOURCE's own name if not given
   -ov                   replace an image that is there
-  -format UDZO          the only format here
+  -format UDZO|UDBZ|ULMO|UDRO
+                        packed by zlib, bzip2 or lzma, or as it is; UDZO if not given
   -fs HFS+              the only file system here
   -layout GPTSPUD       the only layout here
   -imagekey zlib-level=1..9
@@ -52,7 +53,7 @@ Stand-in: nothing is mounted. A mount folder holds a copy that takes the room of
 to, and does not change the image; the devices that are printed do not exist.
 Extended attributes, resource forks and owners are not kept, names come back composed, names that HFS+ takes
 for the same are refused, and so are a volume's hard links and compressed files.
-Exit status: 0 done, 1 failed, 64 wrong arguments.
+Exit status: 0 done, 1 failed, 2 wrong arguments or an option that is not built here.
 )";
 
 using Verb = int (*)(const VerbArguments &words);
@@ -69,17 +70,17 @@ int main(int argc, char **argv)
     std::setlocale(LC_ALL, "C.UTF-8");
     VerbArguments words = wordsOf(argc, argv);
     if (words.empty())
-        return refuseArguments("hdiutil", "a verb is needed", usage);
+        return refuseArguments("hdiutil", "a verb is needed", usage, notBuiltStatus);
     const std::string name = words.front();
     if (name == "-h" || name == "--help" || name == "-help" || name == "help") {
         print(usage);
         return 0;
     }
     if (name.starts_with('-'))
-        return refuseArguments("hdiutil", "unrecognized option '" + name + "'", usage);
+        return refuseArguments("hdiutil", "unrecognized option '" + name + "'", usage, notBuiltStatus);
     const auto verb = verbs.find(name);
     if (verb == verbs.end())
-        return refuseArguments("hdiutil", "unrecognized verb \"" + name + "\"", usage);
+        return refuseArguments("hdiutil", "unrecognized verb \"" + name + "\"", usage, notBuiltStatus);
     words.erase(words.begin());
     try {
         return verb->second(words);

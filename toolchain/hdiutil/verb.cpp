@@ -61,7 +61,7 @@ std::filesystem::path fullPath(const std::string &path)
 
 int refuseVerbArguments(const std::string &verb, const std::string &complaint)
 {
-    return refuseArguments("hdiutil " + verb, complaint, "Usage: see hdiutil --help\n");
+    return refuseArguments("hdiutil " + verb, complaint, "Usage: see hdiutil --help\n", notBuiltStatus);
 }
 
 } // namespace toolchain

@@ -25,7 +25,11 @@ inline constexpr qsizetype checksumSize = 128; ///< bytes kept for a checksum, h
 inline constexpr quint32 zeroChunk = 0;
 inline constexpr quint32 rawChunk = 1;
 inline constexpr quint32 ignoredChunk = 2; ///< free blocks, read as zeros
+inline constexpr quint32 adcChunk = 0x80000004;
 inline constexpr quint32 zlibChunk = 0x80000005;
+inline constexpr quint32 bzip2Chunk = 0x80000006;
+inline constexpr quint32 lzfseChunk = 0x80000007;
+inline constexpr quint32 xzChunk = 0x80000008;
 inline constexpr quint32 commentChunk = 0x7ffffffe;
 inline constexpr quint32 lastChunk = 0xffffffff;
 

@@ -1,5 +1,6 @@
 #include "formats/udif/udifreader.h"
 
+#include "formats/udif/chunkpacking.h"
 #include "support/wholefile.h"
 
 #include <sys/stat.h>
@@ -116,7 +117,10 @@ bool UdifReader::readChunk(const Chunk &chunk, quint64 offset, char *target, qsi
         return true;
     case rawChunk:
         return readStored(m_trailer.dataOffset + chunk.offset + offset, target, size);
+    case adcChunk:
     case zlibChunk:
+    case bzip2Chunk:
+    case xzChunk:
         if (!unpack(chunk))
             return false;
         std::memcpy(target, m_unpacked.constData() + offset, std::size_t(size));
@@ -136,12 +140,10 @@ bool UdifReader::unpack(const Chunk &chunk)
     QByteArray stored(qsizetype(chunk.length), Qt::Uninitialized);
     if (!readStored(m_trailer.dataOffset + chunk.offset, stored.data(), stored.size()))
         return false;
-    m_unpacked.resize(qsizetype(chunk.sectorCount * sectorSize));
-    auto length = uLongf(m_unpacked.size());
-    const int result = uncompress(reinterpret_cast<Bytef *>(m_unpacked.data()), &length,
-                                  reinterpret_cast<const Bytef *>(stored.constData()), uLong(stored.size()));
-    if (result != Z_OK || qsizetype(length) != m_unpacked.size())
+    auto unpacked = unpackedChunk(chunk.kind, stored, qsizetype(chunk.sectorCount * sectorSize));
+    if (!unpacked)
         return fail(corrupt);
+    m_unpacked = std::move(*unpacked);
     m_unpackedChunk = &chunk;
     return true;
 }

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstring>
 
 namespace toolchain {
 
@@ -15,26 +16,34 @@ using namespace udif;
 
 namespace {
 
-constexpr qsizetype chunkSize = 512 * sectorSize;
-
-quint32 crc(quint32 before, QByteArrayView bytes)
+quint32 crc(QByteArrayView bytes)
 {
-    return quint32(crc32(before, reinterpret_cast<const Bytef *>(bytes.data()), uInt(bytes.size())));
+    return quint32(crc32(0, reinterpret_cast<const Bytef *>(bytes.data()), uInt(bytes.size())));
+}
+
+/// The checksum of some bytes and `length` more, from the checksums of both.
+quint32 joined(quint32 first, quint32 second, quint64 length)
+{
+    return quint32(crc32_combine(first, second, z_off_t(length)));
 }
 
 bool isZero(QByteArrayView bytes)
 {
-    return std::all_of(bytes.begin(), bytes.end(), [](char byte) { return byte == '\0'; });
+    return bytes.isEmpty()
+        || (bytes.front() == '\0'
+            && std::memcmp(bytes.data(), bytes.data() + 1, std::size_t(bytes.size() - 1)) == 0);
 }
 
 } // namespace
 
-UdifWriter::UdifWriter(int descriptor, std::filesystem::path path, int level)
+UdifWriter::UdifWriter(int descriptor, std::filesystem::path path, const ImageFormat &format, int level)
     : m_descriptor(descriptor)
     , m_path(std::move(path))
+    , m_format(format)
     , m_level(level)
+    , m_work(std::size_t(format.mostThreads))
 {
-    m_pending.reserve(chunkSize);
+    m_pending.reserve(format.chunkSize);
 }
 
 void UdifWriter::beginPartition(const QString &name)
@@ -42,19 +51,17 @@ void UdifWriter::beginPartition(const QString &name)
     Partition partition;
     partition.name = name;
     partition.checksum.kind = crc32Kind;
-    if (!m_partitions.empty())
-        partition.firstSector = m_partitions.back().firstSector + m_partitions.back().sectorCount;
     m_partitions.push_back(partition);
 }
 
 bool UdifWriter::write(QByteArrayView bytes)
 {
     while (!bytes.isEmpty() && m_error.empty()) {
-        const auto length = std::min(bytes.size(), chunkSize - m_pending.size());
+        const auto length = std::min(bytes.size(), m_format.chunkSize - m_pending.size());
         m_pending.append(bytes.first(length));
         bytes = bytes.sliced(length);
-        if (m_pending.size() == chunkSize)
-            writeChunk();
+        if (m_pending.size() == m_format.chunkSize)
+            giveChunk();
     }
     return m_error.empty();
 }
@@ -62,43 +69,64 @@ bool UdifWriter::write(QByteArrayView bytes)
 void UdifWriter::endPartition()
 {
     if (!m_pending.isEmpty() && m_error.empty())
-        writeChunk();
+        giveChunk();
 }
 
-void UdifWriter::writeChunk()
+void UdifWriter::giveChunk()
 {
-    Partition &partition = m_partitions.back();
+    if (m_work.isFull())
+        takeChunk();
+    QByteArray bytes;
+    bytes.reserve(m_format.chunkSize);
+    bytes.swap(m_pending);
+    const std::size_t partition = m_partitions.size() - 1;
+    m_work.give([partition, bytes = std::move(bytes), kind = m_format.chunkKind, level = m_level] {
+        return pack(partition, bytes, kind, level);
+    });
+}
+
+UdifWriter::PackedChunk UdifWriter::pack(std::size_t partition, const QByteArray &bytes, quint32 kind,
+                                         int level)
+{
+    PackedChunk chunk;
+    chunk.partition = partition;
+    chunk.size = quint64(bytes.size());
+    chunk.checksum = crc(bytes);
+    if (isZero(bytes))
+        return chunk;
+    chunk.stored = packedChunk(kind, bytes, level);
+    chunk.kind = chunk.stored.isEmpty() ? rawChunk : kind;
+    if (chunk.stored.isEmpty())
+        chunk.stored = bytes;
+    chunk.storedChecksum = crc(chunk.stored);
+    return chunk;
+}
+
+void UdifWriter::takeChunk()
+{
+    const PackedChunk chunk = m_work.take();
+    if (m_error.empty())
+        storeChunk(chunk);
+}
+
+void UdifWriter::storeChunk(const PackedChunk &packed)
+{
+    Partition &partition = m_partitions[packed.partition];
     Chunk chunk;
+    chunk.kind = packed.kind;
     chunk.firstSector = partition.sectorCount;
-    chunk.sectorCount = quint64(m_pending.size()) / sectorSize;
+    chunk.sectorCount = packed.size / sectorSize;
     chunk.offset = m_length;
-    if (!isZero(m_pending)) {
-        const QByteArray bytes = packed();
-        chunk.kind = bytes.isEmpty() ? rawChunk : zlibChunk;
-        store(bytes.isEmpty() ? m_pending : bytes);
-    }
-    chunk.length = m_length - chunk.offset;
-    partition.checksum.value = crc(partition.checksum.value, m_pending);
+    chunk.length = quint64(packed.stored.size());
+    m_dataChecksum = joined(m_dataChecksum, packed.storedChecksum, chunk.length);
+    partition.checksum.value = joined(partition.checksum.value, packed.checksum, packed.size);
     partition.sectorCount += chunk.sectorCount;
     partition.chunks.push_back(chunk);
-    m_pending.truncate(0);
-}
-
-/// The pending bytes as a zlib stream; empty if it would not be shorter.
-QByteArray UdifWriter::packed() const
-{
-    QByteArray bytes(m_pending.size() - 1, Qt::Uninitialized);
-    auto length = uLongf(bytes.size());
-    const int result =
-        compress2(reinterpret_cast<Bytef *>(bytes.data()), &length,
-                  reinterpret_cast<const Bytef *>(m_pending.constData()), uLong(m_pending.size()), m_level);
-    bytes.truncate(result == Z_OK ? qsizetype(length) : 0);
-    return bytes;
+    store(packed.stored);
 }
 
 void UdifWriter::store(QByteArrayView bytes)
 {
-    m_dataChecksum = crc(m_dataChecksum, bytes);
     while (!bytes.isEmpty() && m_error.empty()) {
         const ssize_t length = ::write(m_descriptor, bytes.data(), std::size_t(bytes.size()));
         if (length < 0 && errno == EINTR)
@@ -114,12 +142,16 @@ void UdifWriter::store(QByteArrayView bytes)
 
 void UdifWriter::finish()
 {
+    while (!m_work.isEmpty())
+        takeChunk();
     Trailer trailer;
     trailer.dataLength = m_length;
     trailer.dataChecksum = {crc32Kind, m_dataChecksum};
     trailer.masterChecksum = {crc32Kind, masterChecksum(m_partitions)};
-    for (const Partition &partition : m_partitions)
+    for (Partition &partition : m_partitions) {
+        partition.firstSector = trailer.sectorCount;
         trailer.sectorCount += partition.sectorCount;
+    }
     const QByteArray list = partitionList(m_partitions);
     trailer.listOffset = m_length;
     trailer.listLength = quint64(list.size());
