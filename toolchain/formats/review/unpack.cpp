@@ -1,0 +1,79 @@
+#include "formats/review/unpack.h"
+
+#include "formats/hfsplus/volumecopy.h"
+#include "formats/imagevolume.h"
+#include "formats/review/packageunpacker.h"
+#include "formats/review/streamunpacker.h"
+#include "formats/udif/imagesignature.h"
+
+#include <QFileInfo>
+#include <QSet>
+
+using namespace Qt::StringLiterals;
+using platform::Error;
+using platform::Result;
+
+namespace toolchain::review {
+
+namespace {
+
+bool isNamedAsImage(const QString &path)
+{
+    static const QSet<QString> extensions{u"dmg"_s, u"img"_s, u"cdr"_s, u"smi"_s};
+    return extensions.contains(QFileInfo(path).suffix().toLower());
+}
+
+bool isTar(QByteArrayView beginning)
+{
+    constexpr qsizetype magicOffset = 257;
+    return beginning.size() >= 512 && beginning.sliced(magicOffset).startsWith("ustar");
+}
+
+bool isCompressed(QByteArrayView beginning)
+{
+    return beginning.startsWith("\x1f\x8b") || beginning.startsWith("BZh")
+        || beginning.startsWith("\xfd"
+                                "7zXZ");
+}
+
+Result<void> unpackImage(const QString &path, const QString &folder)
+{
+    const ImageVolume image(path.toStdString());
+    if (!image.error().empty())
+        return Error{QString::fromStdString(image.error())};
+    const std::string problem = copyVolume(image.volume(), folder.toStdString());
+    return problem.empty() ? Result<void>() : Error{QString::fromStdString(problem)};
+}
+
+} // namespace
+
+ArchiveKind archiveKind(QByteArrayView beginning, const QString &path)
+{
+    if (beginning.startsWith("PK\x03\x04"))
+        return ArchiveKind::Zip;
+    if (beginning.startsWith("xar!"))
+        return ArchiveKind::Package;
+    if (isTar(beginning))
+        return ArchiveKind::Tar;
+    if (isNamedAsImage(path) && udif::endsAsDiskImage(path))
+        return ArchiveKind::Image;
+    return isCompressed(beginning) ? ArchiveKind::Compressed : ArchiveKind::None;
+}
+
+Result<bool> mayHoldCode(const QString &archive, ArchiveKind kind, UnpackBudget &budget)
+{
+    if (kind == ArchiveKind::Image || kind == ArchiveKind::Package)
+        return true;
+    return streamMayHoldCode(archive, kind, budget);
+}
+
+Result<void> unpack(const QString &archive, ArchiveKind kind, const QString &folder, UnpackBudget &budget)
+{
+    if (kind == ArchiveKind::Image)
+        return unpackImage(archive, folder);
+    if (kind == ArchiveKind::Package)
+        return unpackPackage(archive, folder, budget);
+    return unpackStream(archive, kind, folder, budget);
+}
+
+} // namespace toolchain::review
