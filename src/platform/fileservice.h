@@ -23,6 +23,15 @@ public:
     virtual void close() = 0;
 };
 
+/// Tells others that somebody works in a folder, for as long as it lives. Any thread.
+class FolderClaim {
+public:
+    FolderClaim() = default;
+    FolderClaim(const FolderClaim &) = delete;
+    FolderClaim &operator=(const FolderClaim &) = delete;
+    virtual ~FolderClaim() = default;
+};
+
 /// What an entry is by itself: a link is neither a directory nor a regular file.
 struct FileKind {
     bool isDirectory = false;
@@ -38,6 +47,9 @@ struct FolderEntry {
 
 /// Whether a link to a folder is listed as the folder that it leads to.
 enum class FolderLink { follow, leaveAlone };
+
+/// The size of the largest file that is read whole, in bytes: far more than any property list has.
+inline constexpr qint64 mostBytesRead = 64 * 1024 * 1024;
 
 /// The file operations of the host. Paths are absolute. Any thread. An error text names the item and the
 /// reason.
@@ -92,7 +104,23 @@ public:
     /// Sets the permission bits, as in chmod.
     virtual Outcome setPermissions(const QString &path, unsigned mode) = 0;
 
-    /// The whole contents of a file; nothing on failure, with the reason in `*error`.
+    /// The same for a regular file at a relative path in an item, unless a step of that path is a link: what
+    /// lies behind it is not the item's own.
+    virtual Outcome setPermissionsInside(const QString &item, const QString &inside, unsigned mode) = 0;
+
+    /// Claims a folder, in whatever process another claim may be. The claim follows the folder's new names.
+    /// Null if somebody else has it, or if no folder is at the path.
+    [[nodiscard]] virtual std::shared_ptr<FolderClaim> claimFolder(const QString &path) = 0;
+    /// Whether somebody has claimed the folder at the path, this process included.
+    virtual bool isClaimed(const QString &path) const = 0;
+
+    /// A digest that changes when a file of the item is changed, renamed, added or taken away. Empty if it
+    /// cannot be told.
+    virtual QByteArray stateOf(const QString &item) const = 0;
+
+    /// The whole contents of a regular file of at most `mostBytesRead`; nothing on failure, with the reason
+    /// in
+    /// `*error`. Waits for no pipe.
     virtual std::optional<QByteArray> readFile(const QString &path, QString *error = nullptr) const = 0;
 
     /// Writes the file in place.

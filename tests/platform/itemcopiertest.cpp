@@ -108,6 +108,22 @@ TEST_F(ItemCopier, aFileWhoseSizeIsNotToldIsCopiedWhole)
     EXPECT_EQ(contentsOf(folder.path(u"to"_s)), contentsOf(u"/proc/version"_s));
 }
 
+TEST_F(ItemCopier, theHolesOfAFileStayHoles)
+{
+    const QString from = folder.file(u"from"_s, "begin");
+    constexpr off_t size = 64 * 1024 * 1024;
+    const int file = open(QFile::encodeName(from).constData(), O_WRONLY | O_CLOEXEC);
+    ASSERT_EQ(pwrite(file, "middle", 6, size / 2), 6);
+    ASSERT_EQ(ftruncate(file, size), 0);
+    close(file);
+    if (stateOf(from).st_blocks * 512 >= size)
+        return; // a file system without holes has none to lose
+    ASSERT_TRUE(copy(u"from"_s, u"to"_s));
+    EXPECT_EQ(stateOf(folder.path(u"to"_s)).st_size, size);
+    EXPECT_LT(stateOf(folder.path(u"to"_s)).st_blocks * 512, size / 4);
+    EXPECT_TRUE(contentsOf(folder.path(u"to"_s)) == contentsOf(from));
+}
+
 TEST_F(ItemCopier, aFolderIsCopiedWithAllThatIsInItHiddenThingsToo)
 {
     folder.folder(u"from/a/b/.hidden"_s);

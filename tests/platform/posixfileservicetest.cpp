@@ -6,6 +6,7 @@
 #include <QSet>
 
 #include <gmock/gmock.h>
+#include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
 
@@ -292,6 +293,89 @@ TEST_F(Files, whatCannotBeReadIsNamedWithTheReason)
     EXPECT_TRUE(error.contains(folder.path()));
 }
 
+TEST_F(Files, whatIsNoRegularFileIsNotReadAndNotWaitedFor)
+{
+    ASSERT_EQ(mkfifo(folder.path(u"pipe"_s).toUtf8().constData(), 0600), 0);
+    for (const QString &path : {folder.path(u"pipe"_s), u"/dev/zero"_s, u"/dev/null"_s}) {
+        QString error;
+        EXPECT_EQ(files.readFile(path, &error), std::nullopt);
+        EXPECT_TRUE(error.startsWith(u"Cannot read '%1': "_s.arg(path))) << error.toStdString();
+    }
+    ASSERT_TRUE(QFile::link(u"/dev/zero"_s, folder.path(u"link"_s)));
+    EXPECT_EQ(files.readFile(folder.path(u"link"_s)), std::nullopt);
+}
+
+TEST_F(Files, aFileThatIsTooLargeIsRefusedUnread)
+{
+    const QString file = folder.file(u"file"_s);
+    ASSERT_EQ(truncate(file.toUtf8().constData(), platform::mostBytesRead), 0);
+    EXPECT_EQ(files.readFile(file)->size(), platform::mostBytesRead);
+    ASSERT_EQ(truncate(file.toUtf8().constData(), qint64(3) << 30), 0);
+    QString error;
+    EXPECT_EQ(files.readFile(file, &error), std::nullopt);
+    EXPECT_EQ(error, u"Cannot read '%1': File too large"_s.arg(file));
+}
+
+TEST_F(Files, permissionsAreSetThroughNoLinkOfTheItem)
+{
+    folder.folder(u"item/real"_s);
+    const QString own = folder.file(u"item/real/file"_s);
+    const QString foreign = folder.file(u"foreign"_s);
+    ASSERT_TRUE(QFile::link(foreign, folder.path(u"item/link"_s)));
+    ASSERT_TRUE(QFile::link(folder.path(u"item/real"_s), folder.path(u"item/folder"_s)));
+    const mode_t before = stateOf(foreign).st_mode;
+    EXPECT_FALSE(files.setPermissionsInside(folder.path(u"item"_s), u"link"_s, 0444));
+    EXPECT_FALSE(files.setPermissionsInside(folder.path(u"item"_s), u"folder/file"_s, 0444));
+    EXPECT_FALSE(files.setPermissionsInside(folder.path(u"item"_s), u"real"_s, 0444)) << "a folder";
+    EXPECT_EQ(stateOf(foreign).st_mode, before);
+    EXPECT_NE(stateOf(own).st_mode & 0777, 0444U);
+    ASSERT_TRUE(QFile::link(folder.path(u"item"_s), folder.path(u"way"_s)));
+    EXPECT_TRUE(files.setPermissionsInside(folder.path(u"way"_s), u"real/file"_s, 0444))
+        << "the item by a link";
+    EXPECT_EQ(stateOf(own).st_mode & 0777, 0444U);
+}
+
+TEST_F(Files, aFolderIsClaimedOnceWhateverItsName)
+{
+    const QString path = folder.folder(u"claimed"_s);
+    EXPECT_FALSE(files.isClaimed(path));
+    auto claim = files.claimFolder(path);
+    ASSERT_TRUE(claim);
+    EXPECT_TRUE(files.isClaimed(path));
+    EXPECT_FALSE(files.claimFolder(path));
+    ASSERT_TRUE(files.moveItem(path, folder.path(u"renamed"_s)));
+    EXPECT_TRUE(files.isClaimed(folder.path(u"renamed"_s)));
+    EXPECT_FALSE(files.isClaimed(path));
+    claim.reset();
+    EXPECT_FALSE(files.isClaimed(folder.path(u"renamed"_s)));
+    EXPECT_FALSE(files.claimFolder(path)) << "nothing is there";
+}
+
+TEST_F(Files, theStateOfAnItemTellsOfEachChange)
+{
+    const QString item = folder.folder(u"item"_s);
+    const QString file = folder.file(u"item/file"_s, "one");
+    QSet<QByteArray> states{files.stateOf(item)};
+    const auto changed = [&] {
+        const qsizetype before = states.size();
+        states.insert(files.stateOf(item));
+        return states.size() > before;
+    };
+    EXPECT_FALSE(changed());
+    folder.file(u"item/file"_s, "three");
+    EXPECT_TRUE(changed());
+    ASSERT_TRUE(files.setPermissions(file, 0600));
+    EXPECT_TRUE(changed());
+    ASSERT_TRUE(QFile::link(u"file"_s, folder.path(u"item/link"_s)));
+    EXPECT_TRUE(changed());
+    ASSERT_TRUE(files.moveItem(file, folder.path(u"item/.hidden"_s)));
+    EXPECT_TRUE(changed());
+    ASSERT_TRUE(files.moveItem(item, folder.path(u"renamed"_s)));
+    EXPECT_TRUE(states.contains(files.stateOf(folder.path(u"renamed"_s))))
+        << "its own name is none of its own";
+    EXPECT_EQ(files.stateOf(item), QByteArray());
+}
+
 TEST_F(Files, aFileIsWrittenInPlace)
 {
     const QString file = folder.file(u"file"_s, "something longer");
@@ -473,6 +557,21 @@ TEST_F(Files, aTrashedItemCanBeTakenBackAndDoesNotOustAnother)
     EXPECT_TRUE(inodes.isEmpty()); // both were there
     EXPECT_TRUE(files.removeItem(probe));
     EXPECT_TRUE(files.removeItem(trash.filePath(u"../info/%1.trashinfo"_s.arg(QFileInfo(probe).fileName()))));
+}
+
+TEST_F(Files, withoutAUsableTrashNothingIsTrashedAnywhereElse)
+{
+    const ChangedVariable data("XDG_DATA_HOME", folder.folder(u"data"_s));
+    folder.file(u"data/Trash"_s, "no folder");
+    const QString item = folder.file(u"item"_s);
+    const QString before = QDir::currentPath();
+    ASSERT_TRUE(QDir::setCurrent(folder.folder(u"current"_s)));
+    EXPECT_EQ(files.trashItem(item).error(),
+              u"Cannot move '%1' to the trash: the folder '%2' cannot be used"_s.arg(
+                  item, folder.path(u"data/Trash"_s)));
+    EXPECT_TRUE(files.isReachable(item));
+    EXPECT_TRUE(QDir::current().entryList(QDir::AllEntries | QDir::NoDotAndDotDot).isEmpty());
+    QDir::setCurrent(before);
 }
 
 TEST_F(Files, aMissingItemCannotBeTrashed)

@@ -219,6 +219,13 @@ Outcome TestFiles::setPermissions(const QString &path, unsigned mode)
     return error.isNull() ? PosixFileService::setPermissions(path, mode) : Outcome::failure(error);
 }
 
+Outcome TestFiles::setPermissionsInside(const QString &item, const QString &inside, unsigned mode)
+{
+    const QString error = failureOf("setPermissions", item + u'/' + inside);
+    return error.isNull() ? PosixFileService::setPermissionsInside(item, inside, mode)
+                          : Outcome::failure(error);
+}
+
 std::optional<QByteArray> TestFiles::readFile(const QString &path, QString *error) const
 {
     const QString wanted = failureOf("readFile", path);

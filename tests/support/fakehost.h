@@ -136,6 +136,8 @@ public:
     platform::Outcome copyResolvedItem(const QString &from, const QString &to) override;
     platform::Outcome trashItem(const QString &path) override;
     platform::Outcome setPermissions(const QString &path, unsigned mode) override;
+    platform::Outcome setPermissionsInside(const QString &item, const QString &inside,
+                                           unsigned mode) override;
     std::optional<QByteArray> readFile(const QString &path, QString *error = nullptr) const override;
     bool isReadable(const QString &path) const override;
     platform::Outcome writeFile(const QString &path, const QByteArray &bytes) override;

@@ -3,6 +3,8 @@
 #include "platform/bundle.h"
 #include "platform/posix/failure.h"
 #include "platform/posix/folder.h"
+#include "platform/posix/folderclaim.h"
+#include "platform/posix/insideitem.h"
 #include "platform/posix/itemcopier.h"
 #include "platform/posix/itemmover.h"
 #include "platform/posix/itemremover.h"
@@ -76,6 +78,47 @@ bool hasBundleExtension(const QString &path)
                                         u"bundle"_s, u"kext"_s,       u"xpc"_s,         u"appex"_s,
                                         u"saver"_s,  u"mdimporter"_s, u"qlgenerator"_s, u"prefpane"_s};
     return extensions.contains(QFileInfo(QFile::decodeName(nativePath(path))).suffix().toLower());
+}
+
+/// Made for the user alone if it is not there.
+bool isUsableFolder(const QString &path)
+{
+    const QByteArray native = nativePath(path);
+    const bool isThere = mkdir(native.constData(), 0700) == 0 || QFileInfo(path).isDir();
+    return isThere && isAllowed({AT_FDCWD, native.constData()}, W_OK | X_OK);
+}
+
+/// All that is left of the file, if that is not more than may be read.
+std::optional<QByteArray> readBounded(int file)
+{
+    QByteArray bytes;
+    QByteArray part(256 * 1024, Qt::Uninitialized);
+    for (;;) {
+        const ssize_t count = read(file, part.data(), static_cast<size_t>(part.size()));
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count < 0)
+            return std::nullopt;
+        if (count == 0)
+            return bytes;
+        if (bytes.size() + count > mostBytesRead) {
+            errno = EFBIG;
+            return std::nullopt;
+        }
+        bytes.append(part.constData(), count);
+    }
+}
+
+/// Nothing where the file is no regular one or too large, with the reason in errno.
+std::optional<QByteArray> readRegular(const UniqueDescriptor &file)
+{
+    struct stat state;
+    if (!file || fstat(file.get(), &state) < 0)
+        return std::nullopt;
+    errno = S_ISREG(state.st_mode) ? EFBIG : S_ISDIR(state.st_mode) ? EISDIR : EINVAL;
+    if (!S_ISREG(state.st_mode) || state.st_size > mostBytesRead)
+        return std::nullopt;
+    return readBounded(file.get());
 }
 
 UniqueDescriptor openFile(const QString &path, int flags)
@@ -179,10 +222,14 @@ Outcome PosixFileService::copyResolvedItem(const QString &from, const QString &t
 
 Outcome PosixFileService::trashItem(const QString &path)
 {
-    // Without a folder for the trash to be in, the library takes the current folder for the trash.
+    // Without a trash of the user's, the library takes the current folder for the trash.
     const QString home = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
-    if (!QDir().mkpath(home))
-        return Outcome::failure(u"Cannot move '%1' to the trash: there is no folder '%2'"_s.arg(path, home));
+    QDir().mkpath(home);
+    for (const QString &name : {u"/Trash"_s, u"/Trash/files"_s, u"/Trash/info"_s}) {
+        if (!isUsableFolder(home + name))
+            return Outcome::failure(
+                u"Cannot move '%1' to the trash: the folder '%2' cannot be used"_s.arg(path, home + name));
+    }
     QFile item(path);
     if (item.moveToTrash())
         return Outcome::success();
@@ -195,18 +242,38 @@ Outcome PosixFileService::setPermissions(const QString &path, unsigned mode)
     return isSet ? Outcome::success() : failure(u"set the permissions of"_s, path);
 }
 
+Outcome PosixFileService::setPermissionsInside(const QString &item, const QString &inside, unsigned mode)
+{
+    const UniqueDescriptor file = openInside(item, inside, O_RDONLY | O_NONBLOCK);
+    struct stat state;
+    const bool isRegular = file && fstat(file.get(), &state) == 0 && S_ISREG(state.st_mode);
+    if (file && !isRegular)
+        errno = EINVAL;
+    const bool isSet = isRegular && fchmod(file.get(), static_cast<mode_t>(mode & 07777)) == 0;
+    return isSet ? Outcome::success() : failure(u"set the permissions of"_s, item + u'/' + inside);
+}
+
+std::shared_ptr<FolderClaim> PosixFileService::claimFolder(const QString &path)
+{
+    return claimOf(path);
+}
+
+bool PosixFileService::isClaimed(const QString &path) const
+{
+    return isClaimedFolder(path);
+}
+
+QByteArray PosixFileService::stateOf(const QString &item) const
+{
+    return stateOfItem(item);
+}
+
 std::optional<QByteArray> PosixFileService::readFile(const QString &path, QString *error) const
 {
-    QFile file(QFile::decodeName(nativePath(path)));
-    QByteArray bytes;
-    const bool isOpen = file.open(QIODevice::ReadOnly | QIODevice::Unbuffered);
-    if (isOpen)
-        bytes = file.readAll();
-    if (isOpen && file.error() == QFileDevice::NoError)
-        return bytes;
-    if (error)
-        *error = u"Cannot read '%1': %2"_s.arg(path, file.errorString());
-    return std::nullopt;
+    auto bytes = readRegular(openFile(path, O_RDONLY | O_NONBLOCK));
+    if (!bytes && error)
+        *error = failureText(u"read"_s, path);
+    return bytes;
 }
 
 Outcome PosixFileService::writeFile(const QString &path, const QByteArray &bytes)

@@ -22,6 +22,10 @@ public:
     Outcome copyResolvedItem(const QString &from, const QString &to) override;
     Outcome trashItem(const QString &path) override;
     Outcome setPermissions(const QString &path, unsigned mode) override;
+    Outcome setPermissionsInside(const QString &item, const QString &inside, unsigned mode) override;
+    [[nodiscard]] std::shared_ptr<FolderClaim> claimFolder(const QString &path) override;
+    bool isClaimed(const QString &path) const override;
+    QByteArray stateOf(const QString &item) const override;
     std::optional<QByteArray> readFile(const QString &path, QString *error = nullptr) const override;
     Outcome writeFile(const QString &path, const QByteArray &bytes) override;
     Outcome writeFileAtomically(const QString &path, const QByteArray &bytes) override;
