@@ -12,12 +12,24 @@ namespace {
 
 constexpr int iconSize = 48;
 constexpr int charactersAcross = 48; // at least, or a short text would stand in a narrow column
+constexpr auto cancelTitle = "Cancel"_L1;
+
+/// The one that cancels, else the one that takes note and does nothing more, else the last.
+qsizetype indexOfEscape(const QStringList &titles)
+{
+    for (const auto harmless : {cancelTitle, "OK"_L1}) {
+        if (const qsizetype index = titles.indexOf(harmless); index >= 0)
+            return index;
+    }
+    return titles.size() - 1;
+}
 
 } // namespace
 
 AlertBox::AlertBox(const platform::Alert &alert, QWidget *parent)
     : QMessageBox(parent)
 {
+    setWindowModality(parent ? Qt::NonModal : Qt::ApplicationModal); // a sheet holds up its document alone
     setWindowTitle(QApplication::applicationDisplayName());
     setIconPixmap(QApplication::windowIcon().pixmap(iconSize));
     setText(alert.messageText);
@@ -45,15 +57,12 @@ void AlertBox::styleText()
 void AlertBox::addButtons(const QStringList &titles)
 {
     for (const QString &title : titles) {
-        const bool cancels = title == "Cancel"_L1;
         auto *const button = new LetterButton(title, this);
-        addButton(button, cancels ? RejectRole : AcceptRole);
+        addButton(button, title == cancelTitle ? RejectRole : AcceptRole);
         m_buttons.append(button);
-        if (cancels || titles.size() == 1)
-            setEscapeButton(button);
-        if (m_buttons.size() == 1)
-            setDefaultButton(button);
     }
+    setDefaultButton(m_buttons.first());
+    setEscapeButton(m_buttons.at(indexOfEscape(titles)));
     LetterButton::assignLetters(m_buttons);
 }
 

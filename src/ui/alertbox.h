@@ -7,7 +7,7 @@
 class LetterButton;
 
 /// An alert as a message box. All of its text is shown letter for letter. The first button is the default
-/// one; Escape presses the one that cancels, or the only one; each has a letter.
+/// one; Escape presses the one that cancels, else an OK, else the last; each has a letter.
 class AlertBox : public QMessageBox {
     Q_OBJECT
 

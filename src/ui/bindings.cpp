@@ -1,6 +1,7 @@
 #include "ui/bindings.h"
 
 #include "ui/mnemonic.h"
+#include "ui/toplevel.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -68,8 +69,7 @@ void bindings::bind(QLineEdit &edit, TextField &field)
             edit.setText(field.stringValue());
     });
     QObject::connect(&edit, &QLineEdit::textChanged, &field, &TextField::setStringValue);
-    QObject::connect(&field, &TextField::focusRequested, &edit,
-                     [&edit] { edit.setFocus(Qt::OtherFocusReason); });
+    QObject::connect(&field, &TextField::focusRequested, &edit, [&edit] { toplevel::focusWhenInUse(edit); });
 }
 
 void bindings::bind(QLabel &label, TextField &field)

@@ -77,6 +77,11 @@ QWidget *DocumentPage::makeRun()
     return run;
 }
 
+QWidget &DocumentPage::header() const
+{
+    return *m_header;
+}
+
 FindBar &DocumentPage::findBar() const
 {
     return m_logPane->findBar();

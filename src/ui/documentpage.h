@@ -21,6 +21,8 @@ public:
 
     MainWinController &document() const { return m_document; }
     void setStatusWord(const QString &word);
+    /// What names the item and holds the cancel.
+    QWidget &header() const;
     /// What searches the log.
     FindBar &findBar() const;
     /// Presses the button that Return stands for, if it is on.

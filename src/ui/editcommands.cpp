@@ -24,7 +24,7 @@ EditCommands::EditCommands(FrameWindow &frame, QMenu &menu)
     add(menu, u"Select &All"_s, QKeySequence::SelectAll, "selectAll", [this] { return editor() != nullptr; });
     connect(qApp, &QApplication::focusChanged, this, [this](QWidget *, QWidget *now) {
         const bool isText = qobject_cast<QLineEdit *>(now) || qobject_cast<QPlainTextEdit *>(now);
-        if (isText && isOfFrame(*now))
+        if (isText && now->window() == &m_frame)
             m_lastEditor = now;
     });
 }
@@ -39,20 +39,13 @@ void EditCommands::add(QMenu &menu, const QString &text, const QKeySequence &sho
     offerWhileOpen(menu, *item, isPossible);
 }
 
-bool EditCommands::isOfFrame(const QWidget &text) const
-{
-    const QWidget *const top = text.window();
-    const QWidget *const page = top->parentWidget(); // if it is a sheet
-    return top == &m_frame || (page && page->window() == &m_frame);
-}
-
 /// The text that the items act on; null if the last one is out of sight or out of reach.
 QWidget *EditCommands::editor() const
 {
     const QWidget *const sheet = m_frame.selected().sheet();
-    const QWidget *const top = sheet ? sheet : &m_frame;
-    return m_lastEditor && m_lastEditor->isVisible() && m_lastEditor->window() == top ? m_lastEditor.get()
-                                                                                      : nullptr;
+    const QWidget &within = sheet ? *sheet : m_frame;
+    const bool isInReach = m_lastEditor && m_lastEditor->isVisible() && within.isAncestorOf(m_lastEditor);
+    return isInReach ? m_lastEditor.get() : nullptr;
 }
 
 bool EditCommands::canBePasted()

@@ -21,7 +21,6 @@ private:
     void add(QMenu &menu, const QString &text, const QKeySequence &shortcut, const char *slot,
              const std::function<bool()> &isPossible);
     static bool canBePasted();
-    bool isOfFrame(const QWidget &text) const;
     QWidget *editor() const;
     bool hasSelection() const;
     bool isEditable() const;

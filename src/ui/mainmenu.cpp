@@ -144,7 +144,7 @@ void MainMenu::addDefaultsItems(QMenu &menu)
 
 void MainMenu::addAccountMenu()
 {
-    QMenu &account = addMenu(u"A&ccount"_s, u"accountMenu"_s);
+    QMenu &account = addMenu(u"&Account"_s, u"accountMenu"_s);
     addCommand(account, u"Fetch &History"_s, QKeySequence(u"Ctrl+H"_s), Action::doFetchHistory);
     account.addSeparator();
     addCommand(account, u"Info for the &Last Upload"_s, QKeySequence(u"Ctrl+I"_s),

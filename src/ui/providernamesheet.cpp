@@ -87,11 +87,11 @@ QWidget *ProviderNameSheet::makeChoicePage()
     const QString label = u"Development team"_s;
     auto *const page = new QWidget(m_pages);
     auto *const rows = new QVBoxLayout(page);
-    auto *const popup = named(new QComboBox(page), u"providerSheetPopup"_s, label);
-    popup->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-    bindings::bind(*popup, m_document.providerSheetPopup);
-    rows->addWidget(makeCaption(page, label, popup));
-    rows->addWidget(popup);
+    m_popup = named(new QComboBox(page), u"providerSheetPopup"_s, label);
+    m_popup->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    bindings::bind(*m_popup, m_document.providerSheetPopup);
+    rows->addWidget(makeCaption(page, label, m_popup));
+    rows->addWidget(m_popup);
     rows->addStretch(1);
     return page;
 }
@@ -129,6 +129,8 @@ void ProviderNameSheet::showButtonsOfPage(int page)
 {
     // Only a choice can be taken; from the other pages there is one way out.
     m_ok->setVisible(page == choicePage);
+    if (page == choicePage)
+        m_popup->setFocus(); // Return then takes the choice
     (page == choicePage ? m_ok : m_cancel)->setDefault(true);
     m_cancel->setText(page == messagePage ? u"Close"_s : u"Cancel"_s);
     m_cancel->setAccessibleName(m_cancel->text());

@@ -4,6 +4,7 @@
 
 class LetterButton;
 class MainWinController;
+class QComboBox;
 class QDialogButtonBox;
 class QStackedWidget;
 
@@ -28,6 +29,7 @@ private:
 
     MainWinController &m_document;
     QStackedWidget *m_pages = nullptr;
+    QComboBox *m_popup = nullptr;
     LetterButton *m_ok = nullptr;
     LetterButton *m_cancel = nullptr;
 };

@@ -1,41 +1,15 @@
 #include "ui/sheets.h"
 
+#include "ui/sheetbackdrop.h"
 #include "ui/toplevel.h"
 
 #include <QApplication>
 #include <QEvent>
-#include <QWindow>
-
-namespace {
-
-bool isInput(QEvent::Type type)
-{
-    switch (type) {
-    case QEvent::MouseButtonPress:
-    case QEvent::MouseButtonRelease:
-    case QEvent::MouseButtonDblClick:
-    case QEvent::MouseMove:
-    case QEvent::Wheel:
-    case QEvent::ContextMenu:
-    case QEvent::TouchBegin:
-    case QEvent::KeyPress:
-    case QEvent::KeyRelease:
-    case QEvent::Shortcut:
-    case QEvent::ShortcutOverride:
-    case QEvent::InputMethod:
-    case QEvent::DragEnter:
-    case QEvent::Drop:
-        return true;
-    default:
-        return false;
-    }
-}
-
-} // namespace
 
 Sheets::Sheets(QWidget &page)
     : m_page(page)
 {
+    m_page.installEventFilter(this);
 }
 
 void Sheets::begin(QDialog *dialog, std::function<void()> completion)
@@ -49,41 +23,77 @@ void Sheets::begin(QDialog *dialog, std::function<void()> completion)
     connect(
         dialog, &QDialog::finished, this, [this, dialog] { end(dialog); }, Qt::QueuedConnection);
     m_sheets.append({dialog, std::move(completion)});
-    qApp->installEventFilter(this);
+    if (m_sheets.size() == 1)
+        cover();
     putUp();
     Q_EMIT changed();
 }
 
 void Sheets::putUp()
 {
-    if (m_sheets.isEmpty() || m_sheets.first().hasEnded || !m_page.isVisible())
+    if (m_sheets.isEmpty() || m_sheets.first().hasEnded)
         return;
     QDialog &dialog = *m_sheets.first().dialog;
-    if (dialog.isVisible())
+    if (!dialog.isHidden())
         return;
-    lendKeys(dialog);
-    dialog.winId(); // makes its window
-    dialog.windowHandle()->setTransientParent(m_page.window()->windowHandle()); // which changes with the page
-    dialog.show();
+    m_backdrop->hold(dialog);
+    if (m_page.isVisible())
+        activate();
 }
 
-/// Has the keys of the frame lead from the sheet to other tabs as well.
-void Sheets::lendKeys(QDialog &dialog)
+void Sheets::cover()
 {
-    for (const auto &action : std::exchange(m_lent, {})) // of the frame in which the page was before
-        dialog.removeAction(action);
-    for (QAction *const action : m_page.window()->actions()) {
-        dialog.addAction(action);
-        m_lent.append(action);
+    m_focused = m_page.focusWidget();
+    m_tookDrops = m_page.acceptDrops();
+    m_page.setAcceptDrops(false);
+    setPartsEnabled(false);
+    m_backdrop = new SheetBackdrop(m_page);
+    place();
+    m_backdrop->show();
+}
+
+void Sheets::uncover()
+{
+    delete m_backdrop;
+    m_page.setAcceptDrops(m_tookDrops);
+    setPartsEnabled(true);
+    if (m_focused && m_page.isVisible() && !m_page.focusWidget())
+        m_focused->setFocus();
+}
+
+/// The page's parts, without what stays in use. A control keeps what it has been told itself.
+void Sheets::setPartsEnabled(bool areEnabled)
+{
+    if (areEnabled) {
+        for (const QPointer<QWidget> &part : std::exchange(m_disabled, {})) {
+            if (part)
+                part->setEnabled(true);
+        }
+        return;
     }
+    for (auto *const part : m_page.findChildren<QWidget *>(QString(), Qt::FindDirectChildrenOnly)) {
+        const bool isLeft =
+            part == m_uncovered || part->isWindow() || !part->isEnabled() || qobject_cast<QDialog *>(part);
+        if (isLeft)
+            continue;
+        part->setEnabled(false);
+        m_disabled.append(part);
+    }
+}
+
+void Sheets::place()
+{
+    QRect room = m_page.rect();
+    if (m_uncovered)
+        room.setTop(m_uncovered->geometry().bottom() + 1);
+    m_backdrop->setGeometry(room);
+    m_backdrop->raise();
 }
 
 void Sheets::activate()
 {
-    if (m_sheets.isEmpty())
-        return;
-    m_sheets.first().dialog->raise();
-    m_sheets.first().dialog->activateWindow();
+    if (!m_sheets.isEmpty())
+        SheetBackdrop::giveKeys(*m_sheets.first().dialog);
 }
 
 void Sheets::end(const QDialog *dialog)
@@ -91,44 +101,58 @@ void Sheets::end(const QDialog *dialog)
     if (m_sheets.isEmpty() || m_sheets.first().dialog != dialog)
         return; // dropped in the meantime
     const Sheet ended = m_sheets.takeFirst();
+    SheetBackdrop::letGo(*ended.dialog); // since the backdrop may go before it
     ended.dialog->deleteLater();
     if (m_sheets.isEmpty())
-        qApp->removeEventFilter(this);
+        uncover();
     Q_EMIT changed();
-    if (m_page.isVisible())
-        m_page.activateWindow(); // not every desktop gives the focus back
+    takeBackKeys();
     const QPointer<Sheets> alive(this);
     ended.completion();
     if (alive)
         putUp();
 }
 
+/// A menu or a list of completions may have left no window active, or one that only looks so. A window in
+/// which somebody works stays as it is.
+void Sheets::takeBackKeys()
+{
+    const QWidget *const active = QApplication::activeWindow();
+    if (m_page.isVisible() && (!active || active == m_page.window()))
+        m_page.activateWindow();
+}
+
 void Sheets::drop()
 {
-    qApp->removeEventFilter(this);
     const QList<Sheet> dropped = std::exchange(m_sheets, {});
     for (const Sheet &sheet : dropped) {
-        sheet.dialog->hide();
+        SheetBackdrop::letGo(*sheet.dialog);
         sheet.dialog->deleteLater();
     }
+    if (m_backdrop)
+        uncover();
     Q_EMIT changed();
 }
 
 bool Sheets::eventFilter(QObject *object, QEvent *event)
 {
-    if (object == &m_page && event->type() == QEvent::Show)
-        QMetaObject::invokeMethod(this, &Sheets::putUp, Qt::QueuedConnection);
-    else if (object == &m_page && event->type() == QEvent::Hide)
-        m_sheets.first().dialog->hide();
-    if (!isInput(event->type()) || !isOfPage(object))
-        return false;
-    if (event->type() == QEvent::MouseButtonPress)
-        activate();
-    return true;
+    const bool concerns = object == &m_page && m_backdrop;
+    if (concerns && (event->type() == QEvent::Resize || event->type() == QEvent::LayoutRequest))
+        QMetaObject::invokeMethod(
+            m_backdrop, [this] { place(); }, Qt::QueuedConnection);
+    else if (concerns && event->type() == QEvent::Show)
+        QMetaObject::invokeMethod(
+            m_backdrop, [this] { takeKeysOnShow(); }, Qt::QueuedConnection);
+    return false;
 }
 
-bool Sheets::isOfPage(const QObject *object) const
+/// Somebody who goes through the tabs by keys goes on doing so.
+void Sheets::takeKeysOnShow()
 {
-    const auto *const widget = qobject_cast<const QWidget *>(object);
-    return widget && (widget == &m_page || m_page.isAncestorOf(widget));
+    if (!m_page.isVisible())
+        return;
+    place();
+    const QWidget *const focused = m_page.window()->focusWidget();
+    if (!focused || focused == m_page.window() || !focused->isVisible() || m_page.isAncestorOf(focused))
+        activate();
 }

@@ -1,19 +1,24 @@
 #pragma once
 
-#include <QAction>
 #include <QDialog>
 #include <QList>
 #include <QPointer>
 
 #include <functional>
 
-/// The dialogs attached to one page of a window. One is up at a time; the others wait for their turn. While
-/// there is one, the page takes no input; other pages and windows do. It hides with its page. Main thread.
+class SheetBackdrop;
+
+/// The dialogs attached to one page of a window, each drawn inside of the page, which is dimmed behind it and
+/// takes no input meanwhile. One is up at a time; the others wait for their turn. Other pages, the menus and
+/// other windows go on as ever. Main thread.
 class Sheets : public QObject {
     Q_OBJECT
 
 public:
     explicit Sheets(QWidget &page);
+
+    /// A part of the page that stays in sight and in use above every sheet. The page owns it.
+    void leaveUncovered(QWidget &part) { m_uncovered = &part; }
 
     /// Attaches the dialog, a child of the page, and returns at once. The completion is called from the
     /// event loop when the dialog has gone; it may end the life of the page.
@@ -22,7 +27,7 @@ public:
     bool isEmpty() const { return m_sheets.isEmpty(); }
     /// The one that is up or will be when its page shows; null if there is none.
     QDialog *current() const { return m_sheets.isEmpty() ? nullptr : m_sheets.first().dialog; }
-    /// Brings the one that is up to the front.
+    /// Gives the keyboard to the one that is up.
     void activate();
 
     /// Takes all dialogs away. Their completions are not called.
@@ -43,11 +48,19 @@ private:
     };
 
     void putUp();
-    void lendKeys(QDialog &dialog);
+    void cover();
+    void uncover();
+    void place();
+    void takeKeysOnShow();
+    void takeBackKeys();
     void end(const QDialog *dialog);
-    bool isOfPage(const QObject *object) const;
+    void setPartsEnabled(bool areEnabled);
 
     QWidget &m_page;
+    QPointer<QWidget> m_uncovered;
+    QPointer<SheetBackdrop> m_backdrop; ///< while there is a sheet
+    QPointer<QWidget> m_focused; ///< what had the keyboard before the first of them
+    bool m_tookDrops = false; ///< the page, before it was covered
+    QList<QPointer<QWidget>> m_disabled; ///< the parts of the page
     QList<Sheet> m_sheets; // the first one is up
-    QList<QPointer<QAction>> m_lent; ///< to it, by the frame
 };

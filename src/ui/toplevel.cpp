@@ -21,6 +21,22 @@ public:
     }
 };
 
+/// Waits once for its widget to be enabled.
+class FocusFilter : public QObject {
+public:
+    using QObject::QObject;
+
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        auto *const widget = static_cast<QWidget *>(watched);
+        if (event->type() == QEvent::EnabledChange && widget->isEnabled()) {
+            widget->setFocus(Qt::OtherFocusReason);
+            deleteLater();
+        }
+        return false;
+    }
+};
+
 } // namespace
 
 void toplevel::bringToFront(QWidget &window)
@@ -48,6 +64,14 @@ void toplevel::leaveTheWheelToScrolling(QWidget &widget)
 {
     widget.setFocusPolicy(Qt::StrongFocus); // the wheel would give it the focus
     widget.installEventFilter(new WheelFilter(&widget));
+}
+
+void toplevel::focusWhenInUse(QWidget &widget)
+{
+    if (widget.isEnabled())
+        widget.setFocus(Qt::OtherFocusReason);
+    else
+        widget.installEventFilter(new FocusFilter(&widget));
 }
 
 void toplevel::keepFocusInSight(QScrollArea &area)

@@ -20,6 +20,9 @@ void closeCompletions(const QWidget &window);
 /// over it changes nothing.
 void leaveTheWheelToScrolling(QWidget &widget);
 
+/// Gives the widget the keyboard focus: at once, or when a sheet that covers it has gone.
+void focusWhenInUse(QWidget &widget);
+
 /// Scrolls so that what has the keyboard focus is in sight.
 void keepFocusInSight(QScrollArea &area);
 

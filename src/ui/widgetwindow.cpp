@@ -42,6 +42,7 @@ WidgetWindow::WidgetWindow(MainWinController &document, WindowOrder &order, LogP
     , m_panelFolder(panelFolder)
     , m_page(document)
 {
+    m_sheets.leaveUncovered(m_page.header()); // where a run can be cancelled, whatever is asked
     (new FrameWindow(order))->insertWindow(*this, 0);
 }
 

@@ -5,10 +5,8 @@
 #include "ui/appearance.h"
 
 #include <QApplication>
-#include <QDialog>
 #include <QDir>
 #include <QFileInfo>
-#include <QPainter>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -18,15 +16,6 @@ namespace {
 QString outputFolder()
 {
     return qEnvironmentVariable("PICTURES", QDir::currentPath());
-}
-
-QDialog *sheetOf(const QWidget &window)
-{
-    for (auto *const dialog : window.findChildren<QDialog *>()) {
-        if (dialog->isVisible())
-            return dialog;
-    }
-    return nullptr;
 }
 
 } // namespace
@@ -77,19 +66,7 @@ void Scene::settle()
 void Scene::draw(const QString &file)
 {
     settle();
-    QPixmap picture = window().grab();
-    if (const QDialog *const sheet = sheetOf(window())) {
-        QPixmap above = const_cast<QDialog *>(sheet)->grab();
-        QPainter painter(&picture);
-        const QSizeF room = picture.deviceIndependentSize();
-        const QSizeF size = above.deviceIndependentSize();
-        const QPointF corner((room.width() - size.width()) / 2, (room.height() - size.height()) / 3);
-        painter.fillRect(QRectF(QPointF(0, 0), room), QColor(0, 0, 0, 60));
-        painter.drawPixmap(corner, above);
-        painter.setPen(QColor(0, 0, 0, 120));
-        painter.drawRect(QRectF(corner, size));
-    }
-    picture.save(outputFolder() + u'/' + file);
+    window().grab().save(outputFolder() + u'/' + file);
 }
 
 void Scene::draw(QWidget &widget, const QString &file)

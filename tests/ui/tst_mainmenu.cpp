@@ -67,7 +67,11 @@ protected:
         until([&] { return !menu(menuName).isVisible(); });
     }
     void press(Qt::Key key, Qt::KeyboardModifiers modifiers) { QTest::keyClick(&widget(), key, modifiers); }
-    QString focused() { return QApplication::focusWidget()->objectName(); }
+    static QString focused()
+    {
+        const QWidget *const widget = QApplication::focusWidget(); // none while a window becomes active
+        return widget ? widget->objectName() : QString();
+    }
 };
 
 const QStringList guardedItems{u"Submit…"_s, u"Sign Only…"_s, u"Staple Only…"_s};

@@ -1,6 +1,9 @@
 #include "ui/sheets.h"
 
+#include <QApplication>
 #include <QDialog>
+#include <QHBoxLayout>
+#include <QLineEdit>
 #include <QPointer>
 #include <QPushButton>
 #include <QTest>
@@ -60,13 +63,48 @@ TEST_F(SheetsOfAWindow, whileASheetIsUpItAndOtherWindowsTakeInput)
     EXPECT_EQ(clicks, 2);
 }
 
-TEST_F(SheetsOfAWindow, aClickOnThePageBringsTheSheetToTheFront)
+TEST_F(SheetsOfAWindow, aSheetIsAPartOfItsPage)
 {
+    window.resize(600, 400);
     const QDialog *const dialog = begin([] {});
-    window.activateWindow();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return window.isActiveWindow(); }));
-    QTest::mouseClick(&window, Qt::LeftButton);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return dialog->isActiveWindow(); }));
+    EXPECT_FALSE(dialog->isWindow());
+    EXPECT_EQ(dialog->window(), &window);
+    EXPECT_EQ(QApplication::activeModalWidget(), nullptr) << "menus and other windows go on";
+}
+
+TEST_F(SheetsOfAWindow, theKeyboardGoesRoundInTheSheetAndBackWhereItWas)
+{
+    QLineEdit field(&window);
+    field.show();
+    field.setFocus();
+    auto *const dialog = new QDialog(&window);
+    auto *const row = new QHBoxLayout(dialog);
+    auto *const name = new QLineEdit(dialog);
+    auto *const ok = new QPushButton(dialog);
+    row->addWidget(name);
+    row->addWidget(ok);
+    sheets.begin(dialog, [] {});
+    EXPECT_TRUE(QTest::qWaitFor([&] { return name->hasFocus(); }));
+    QTest::keyClick(name, Qt::Key_Tab);
+    EXPECT_TRUE(ok->hasFocus());
+    QTest::keyClick(ok, Qt::Key_Tab);
+    EXPECT_TRUE(name->hasFocus());
+    QTest::keyClick(name, Qt::Key_Backtab);
+    EXPECT_TRUE(ok->hasFocus());
+    dialog->accept();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return field.hasFocus(); }));
+}
+
+TEST_F(SheetsOfAWindow, aPartThatIsLeftUncoveredStaysInUse)
+{
+    QPushButton cancel(&window);
+    cancel.show();
+    sheets.leaveUncovered(cancel);
+    begin([] {});
+    bool isPressed = false;
+    QObject::connect(&cancel, &QPushButton::clicked, &cancel, [&] { isPressed = true; });
+    QTest::mouseClick(&cancel, Qt::LeftButton);
+    EXPECT_TRUE(isPressed);
 }
 
 TEST_F(SheetsOfAWindow, aSheetIsOutOfSightWithItsPage)

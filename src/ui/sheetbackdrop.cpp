@@ -1,0 +1,138 @@
+#include "ui/sheetbackdrop.h"
+
+#include <QDialog>
+#include <QFrame>
+#include <QGridLayout>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPushButton>
+
+namespace {
+
+constexpr QColor dim(0, 0, 0, 110);
+constexpr int margin = 12; // between the frame of a sheet and the edge of its page, pixels
+
+bool takesTab(const QWidget &widget)
+{
+    return (widget.focusPolicy() & Qt::TabFocus) && !widget.focusProxy() && widget.isEnabled()
+        && widget.isVisible();
+}
+
+/// The next part below `root` that the Tab key would lead to, beginning behind `from`; null if there is none.
+QWidget *nextPart(const QWidget &root, QWidget &from, bool forward)
+{
+    QWidget *part = &from;
+    do {
+        part = forward ? part->nextInFocusChain() : part->previousInFocusChain();
+        if (root.isAncestorOf(part) && takesTab(*part))
+            return part;
+    } while (part != &from);
+    return nullptr;
+}
+
+/// The frame around a sheet, which the Tab key does not leave.
+class SheetFrame : public QFrame {
+public:
+    explicit SheetFrame(QWidget *parent)
+        : QFrame(parent)
+    {
+        setFrameShape(QFrame::StyledPanel);
+        setAutoFillBackground(true);
+        setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Maximum);
+        auto *const layout = new QGridLayout(this);
+        layout->setContentsMargins(0, 0, 0, 0);
+    }
+
+protected:
+    bool focusNextPrevChild(bool next) override
+    {
+        QWidget *const focused = window()->focusWidget();
+        QWidget *const part = nextPart(*this, focused && isAncestorOf(focused) ? *focused : *this, next);
+        if (part)
+            part->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+        return true;
+    }
+};
+
+QWidget *defaultButton(const QDialog &dialog)
+{
+    for (auto *const button : dialog.findChildren<QPushButton *>()) {
+        if (button->isDefault() && button->isVisible())
+            return button;
+    }
+    return nullptr;
+}
+
+bool hasFields(QDialog &dialog)
+{
+    const QWidget *const first = nextPart(dialog, dialog, true);
+    return first && !qobject_cast<const QPushButton *>(first);
+}
+
+} // namespace
+
+SheetBackdrop::SheetBackdrop(QWidget &page)
+    : QScrollArea(&page)
+    , m_room(new QWidget(this))
+{
+    setFrameShape(QFrame::NoFrame);
+    setWidgetResizable(true);
+    setFocusPolicy(Qt::NoFocus);
+    QPalette palette = viewport()->palette();
+    palette.setColor(QPalette::Window, dim);
+    viewport()->setPalette(palette);
+    viewport()->setAutoFillBackground(true);
+    auto *const middle = new QGridLayout(m_room);
+    middle->setContentsMargins(margin, margin, margin, margin);
+    setWidget(m_room);
+    m_room->setAutoFillBackground(false); // as setWidget has it
+}
+
+void SheetBackdrop::hold(QDialog &dialog)
+{
+    auto *const frame = new SheetFrame(m_room);
+    frame->setPalette(window()->palette());
+    const QSize wanted = dialog.size();
+    dialog.setParent(frame, Qt::Widget);
+    dialog.setAttribute(Qt::WA_Moved); // or it would look for a place on the screen
+    if (wanted.isValid() && dialog.testAttribute(Qt::WA_Resized))
+        frame->setMaximumSize(wanted.expandedTo(dialog.minimumSizeHint()));
+    static_cast<QGridLayout *>(frame->layout())->addWidget(&dialog, 0, 0);
+    static_cast<QGridLayout *>(m_room->layout())->addWidget(frame, 0, 0, Qt::AlignCenter);
+    frame->show();
+    dialog.show();
+}
+
+void SheetBackdrop::letGo(QDialog &dialog)
+{
+    dialog.hide();
+    auto *const frame = dynamic_cast<SheetFrame *>(dialog.parentWidget());
+    dialog.setParent(nullptr);
+    if (!frame)
+        return; // it was never up
+    frame->hide();
+    frame->deleteLater();
+}
+
+void SheetBackdrop::giveKeys(QDialog &dialog)
+{
+    if (QWidget *const focused = dialog.window()->focusWidget(); focused && dialog.isAncestorOf(focused))
+        return;
+    QWidget *part = dialog.focusWidget();
+    if (!part && !hasFields(dialog))
+        part = defaultButton(dialog);
+    if (!part)
+        part = nextPart(dialog, dialog, true);
+    (part ? part : &dialog)->setFocus(Qt::ActiveWindowFocusReason);
+}
+
+// What the dialog has no use for is not for the page behind it either.
+void SheetBackdrop::keyPressEvent(QKeyEvent *event)
+{
+    event->accept();
+}
+
+void SheetBackdrop::mousePressEvent(QMouseEvent *event)
+{
+    event->accept();
+}
