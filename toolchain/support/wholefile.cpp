@@ -47,8 +47,19 @@ std::string pathBeside(const fs::path &destination)
     return (destination.parent_path() / name).string();
 }
 
+int makeRandomlyNamed(std::string &path)
+{
+    return mkostemp(path.data(), O_CLOEXEC);
+}
+
+int makeNamed(std::string &path)
+{
+    unlink(path.c_str());
+    return open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, S_IRUSR | S_IWUSR);
+}
+
 /// Makes the file and its removal by a signal one step: a signal that arrives in between waits.
-int makeTemporary(std::string &path)
+int makeTemporary(std::string &path, int (*make)(std::string &))
 {
     if (path.size() >= unfinishedFile.size()) {
         errno = ENAMETOOLONG;
@@ -60,7 +71,7 @@ int makeTemporary(std::string &path)
     for (const int signalNumber : endingSignals)
         sigaddset(&ending, signalNumber);
     sigprocmask(SIG_BLOCK, &ending, &before);
-    const int descriptor = mkostemp(path.data(), O_CLOEXEC);
+    const int descriptor = make(path);
     const int error = errno;
     if (descriptor >= 0) {
         std::memcpy(unfinishedFile.data(), path.c_str(), path.size() + 1);
@@ -76,7 +87,14 @@ int makeTemporary(std::string &path)
 WholeFile::WholeFile(fs::path destination)
     : m_destination(std::move(destination))
     , m_path(pathBeside(m_destination))
-    , m_descriptor(makeTemporary(m_path))
+    , m_descriptor(makeTemporary(m_path, makeRandomlyNamed))
+{
+}
+
+WholeFile::WholeFile(fs::path destination, std::string unfinished)
+    : m_destination(std::move(destination))
+    , m_path(std::move(unfinished))
+    , m_descriptor(makeTemporary(m_path, makeNamed))
 {
 }
 

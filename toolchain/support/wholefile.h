@@ -17,6 +17,9 @@ namespace toolchain {
 class WholeFile {
 public:
     explicit WholeFile(std::filesystem::path destination);
+    /// The same with a name of the unfinished file that others know; what an ended run has left there is
+    /// replaced.
+    WholeFile(std::filesystem::path destination, std::string unfinished);
     ~WholeFile();
     WholeFile(const WholeFile &) = delete;
     WholeFile &operator=(const WholeFile &) = delete;

@@ -23,7 +23,7 @@ constexpr quint32 withRuntime = 0x20500;
 constexpr quint32 withLinkage = 0x20600;
 constexpr quint32 earliestVersion = 0x20001;
 constexpr quint32 nextFormat = 0x30000;
-constexpr quint8 largestPageShift = 30;
+constexpr quint8 largestPageShift = 20;
 
 struct FlagName {
     quint32 flag;

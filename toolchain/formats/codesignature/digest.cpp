@@ -63,7 +63,6 @@ int hashRank(HashType type)
 }
 
 struct Digest::Context {
-    const EVP_MD *algorithm;
     qsizetype size;
     EVP_MD_CTX *context;
 };
@@ -71,9 +70,8 @@ struct Digest::Context {
 Digest::Digest(HashType type)
 {
     const Kind *kind = kindOf(type);
-    m_context = std::make_unique<Context>(
-        Context{kind ? kind->algorithm() : EVP_sha256(), hashSize(type), EVP_MD_CTX_new()});
-    restart();
+    m_context = std::make_unique<Context>(Context{hashSize(type), EVP_MD_CTX_new()});
+    EVP_DigestInit_ex(m_context->context, kind ? kind->algorithm() : EVP_sha256(), nullptr);
 }
 
 Digest::~Digest()
@@ -86,7 +84,8 @@ Digest::Digest(Digest &&) noexcept = default;
 
 void Digest::restart()
 {
-    EVP_DigestInit_ex(m_context->context, m_context->algorithm, nullptr);
+    // Without an algorithm the one of before is used, and not looked up again for every page.
+    EVP_DigestInit_ex(m_context->context, nullptr, nullptr);
 }
 
 void Digest::add(QByteArrayView bytes)
