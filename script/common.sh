@@ -10,7 +10,7 @@ root=$PWD
 buildPackages=(g++ cmake ninja-build qt6-base-dev libarchive-dev libssl-dev zlib1g-dev libbz2-dev liblzma-dev libgtest-dev libgmock-dev
     clang lld llvm)
 runPackages=(file dbus-daemon ca-certificates)
-testPackages=(openssl zip unzip dmg2img p7zip-full systemd libglib2.0-bin python3-dbus)
+testPackages=(openssl zip unzip dmg2img libfshfs-utils p7zip-full systemd libglib2.0-bin python3-dbus)
 formatPackages=(clang-format)
 lintPackages=(clang-tidy)
 fuzzPackages=(libclang-rt-14-dev)

@@ -1,3 +1,4 @@
+#include "formats/fileattributes.h"
 #include "formats/udif/udifwriter.h"
 #include "platform/propertylist/propertylist.h"
 #include "toolchain/bundlebuilder.h"
@@ -111,14 +112,72 @@ TEST_F(HdiutilAttach, modesLinksAndDatesComeBack)
     EXPECT_FALSE(QFile::exists(volume));
 }
 
-TEST_F(HdiutilAttach, namesComeBackComposed)
+TEST_F(HdiutilAttach, namesComeBackAsTheyWereComposedOrNot)
 {
-    const QStringList names{u"-dash"_s,        u" blank "_s, u"\U0001F600.txt"_s,       u"Gr\u00f6\u00dfe"_s,
-                            u"\ud55c\uae00"_s, u"a:b"_s,     QString(255, QChar(u'n')), u"\u212b"_s};
+    const QStringList names{
+        u"-dash"_s,        u" blank "_s,     u"\U0001F600.txt"_s,       u"Gr\u00f6\u00dfe"_s,
+        u"\ud55c\uae00"_s, u"a:b"_s,         QString(255, QChar(u'n')), u"\u212b"_s,
+        u"Gro\u0308ber"_s, u"\u1112\u1161"_s};
     for (const QString &name : names)
         bundlebuilder::writeFile(path(u"folder/"_s) + name, name.toUtf8());
-    const QString volume = mountPointIn(attach(imageOf(path(u"folder"_s))));
-    EXPECT_EQ(QProcess::execute(u"diff"_s, {u"-r"_s, path(u"folder"_s), volume}), 0);
+    const QString image = imageOf(path(u"folder"_s));
+    EXPECT_EQ(QProcess::execute(u"diff"_s, {u"-r"_s, path(u"folder"_s), mountPointIn(attach(image))}), 0);
+    const QString listing = runProgram(u"fshfsinfo"_s, {u"-H"_s, volumeOf(image)}).output;
+    EXPECT_TRUE(listing.contains(u"Gro\u0308\u00dfe"_s)) << "macOS reads it taken apart";
+}
+
+TEST_F(HdiutilAttach, attributesAndResourceForksComeBack)
+{
+    using toolchain::FileAttributes;
+    const FileAttributes small{{"com.apple.FinderInfo", "TEXTttxt" + QByteArray(24, '\0')},
+                               {"com.apple.ResourceFork", QByteArray(2000, 'r')},
+                               {"com.apple.cs.CodeDirectory", "a directory"},
+                               {"empty", ""},
+                               {u"\u00e9"_s.toUtf8(), "a name with an accent"}};
+    const FileAttributes large{{"com.apple.ResourceFork", QByteArray(300'000, 'R')},
+                               {"com.apple.cs.CodeSignature", QByteArray(9000, 's')},
+                               {"fits", QByteArray(3802, 'f')},
+                               {"fits not", QByteArray(3803, 'n')}};
+    bundlebuilder::writeFile(path(u"folder/sub/small"_s), "1");
+    bundlebuilder::writeFile(path(u"folder/large"_s), "2");
+    const QList<std::pair<QString, FileAttributes>> items{
+        {u"sub/small"_s, small}, {u"large"_s, large}, {u"sub"_s, {{"on a folder", "3"}}}};
+    for (const auto &[name, attributes] : items) {
+        for (auto attribute = attributes.begin(); attribute != attributes.end(); ++attribute)
+            ASSERT_EQ(
+                toolchain::writeAttribute(path(u"folder/"_s) + name, attribute.key(), attribute.value()),
+                QString());
+    }
+    const QString image = imageOf(path(u"folder"_s));
+    EXPECT_TRUE(runProgram(u"7z"_s, {u"t"_s, image}).output.contains(u"Everything is Ok"_s));
+    EXPECT_FALSE(listed(image).contains(u"._large"_s)) << "attributes are no file of their own";
+    const QString volume = mountPointIn(attach(image));
+    for (const auto &[name, attributes] : items)
+        EXPECT_EQ(*toolchain::readAttributes(volume + u'/' + name), attributes) << name.toStdString();
+}
+
+TEST_F(HdiutilAttach, theNamesOfOneFileStayTheNamesOfOneFile)
+{
+    bundlebuilder::writeFile(path(u"folder/sub/first"_s), "linked");
+    const QByteArray first = QFile::encodeName(path(u"folder/sub/first"_s));
+    ASSERT_EQ(link(first.constData(), QFile::encodeName(path(u"folder/second"_s)).constData()), 0);
+    ASSERT_EQ(link(first.constData(), QFile::encodeName(path(u"folder/third"_s)).constData()), 0);
+    ASSERT_EQ(link(first.constData(), QFile::encodeName(path(u"outside"_s)).constData()), 0);
+    ASSERT_EQ(toolchain::writeAttribute(path(u"outside"_s), "note", "kept"), QString());
+    const QString image = imageOf(path(u"folder"_s));
+    const QString volume = mountPointIn(attach(image));
+    struct stat statuses[3] = {};
+    int number = 0;
+    for (const QString &name : {u"sub/first"_s, u"second"_s, u"third"_s}) {
+        ASSERT_EQ(stat(QFile::encodeName(volume + u'/' + name).constData(), &statuses[number]), 0);
+        EXPECT_EQ(statuses[number].st_ino, statuses[0].st_ino);
+        EXPECT_EQ(statuses[number++].st_nlink, 3U);
+        EXPECT_EQ(bundlebuilder::readFile(volume + u'/' + name), "linked");
+        EXPECT_EQ(toolchain::readAttributes(volume + u'/' + name)->value("note"), "kept");
+    }
+    EXPECT_EQ(namesIn(volume).size(), 3) << "the folder of links stays hidden";
+    const QString entry = runProgram(u"fshfsinfo"_s, {u"-H"_s, volumeOf(image)}).output;
+    EXPECT_TRUE(entry.contains(u"/sub/first"_s)) << entry.toStdString();
 }
 
 TEST_F(HdiutilAttach, detachRemovesTheCopyByMountPointOrByDevice)

@@ -40,7 +40,7 @@ private:
         if (!m_seen.insert(number).second)
             return fail(path, "the volume is damaged");
         for (const VolumeEntry &entry : m_volume.entriesOf(number)) {
-            const auto name = fileName(entry.storedName);
+            const auto name = fileName(entry.storedName, entry.nameForm);
             if (!name)
                 return fail(path, "holds a name that no file can have");
             readEntry(path + QString::fromUtf8(*name), entry);
@@ -51,9 +51,9 @@ private:
 
     void readEntry(const QString &path, const VolumeEntry &entry)
     {
-        if (entry.isHardLink)
+        if (entry.isBrokenLink)
             fail(path, "a hard link, which cannot be read here");
-        else if (entry.isCompressed)
+        else if (!m_volume.canReadFile(entry))
             fail(path, "compressed by the file system, which cannot be read here");
         else if (S_ISDIR(entry.mode))
             m_folders.emplace_back(path + u'/', entry.number);
@@ -69,7 +69,7 @@ private:
     {
         PackedFileTaker file(m_contents, path, m_keepsBytes(path));
         const bool isRead =
-            m_volume.read(entry.data, [&file](QByteArrayView bytes) { return file.add(bytes); });
+            m_volume.readFile(entry, [&file](QByteArrayView bytes) { return file.add(bytes); });
         if (isRead)
             file.finish();
         else if (m_contents.error.isEmpty())

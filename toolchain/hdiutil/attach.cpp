@@ -62,9 +62,9 @@ fs::path freePath(const fs::path &folder, const std::string &name)
 }
 
 fs::path mountPointFor(const ParsedArguments &arguments, const AttachedImages &images,
-                       const QString &volumeName)
+                       const hfsplus::VolumeEntry &volume)
 {
-    const auto name = hfsplus::fileName(volumeName);
+    const auto name = hfsplus::fileName(volume.storedName, volume.nameForm);
     const std::string plainName = name ? name->toStdString() : "untitled";
     if (arguments.has("-mountpoint"))
         return fullPath(arguments.value("-mountpoint"));
@@ -162,7 +162,7 @@ int attachAnew(AttachedImage &image, const ParsedArguments &arguments, const Att
         return failVerb(verb, source.error());
     image.number = images.freeNumber();
     image.scheme = source.scheme();
-    image.mountPoint = mountPointFor(arguments, images, source.volume().volumeName()).string();
+    image.mountPoint = mountPointFor(arguments, images, source.volume().rootFolder()).string();
     image.wasThere = fs::exists(image.mountPoint);
     std::string problem = complaintAboutMountPoint(image);
     tellDetail(arguments, "Copying the volume to " + image.mountPoint);

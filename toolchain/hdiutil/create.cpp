@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <ctime>
 #include <filesystem>
 
 using namespace Qt::StringLiterals;
@@ -139,7 +140,9 @@ void writeDisk(UdifWriter &writer, HfsPlusWriter &volume)
 std::string makeImage(const Plan &plan, const ParsedArguments &arguments)
 {
     tellDetail(arguments, "Initializing...");
-    HfsPlusWriter volume(hfsplus::readSourceTree(plan.source, rootOf(plan.source), plan.volumeName));
+    const qint64 now = std::time(nullptr);
+    HfsPlusWriter volume(hfsplus::readSourceTree(plan.source, rootOf(plan.source), plan.volumeName, now),
+                         now);
     if (!volume.error().empty())
         return volume.error();
     WholeFile file(plan.image);

@@ -103,15 +103,23 @@ std::optional<QString> storedName(std::string_view fileName)
     return name.size() <= longestName ? std::optional(name) : std::nullopt;
 }
 
-std::optional<QByteArray> fileName(const QString &storedName)
+std::optional<QByteArray> fileName(const QString &storedName, NameForm form)
 {
     if (!storedName.isValidUtf16())
         return {};
-    QString name = inForm(QString::NormalizationForm_C, storedName);
+    QString name = form == NameForm::Composed ? inForm(QString::NormalizationForm_C, storedName) : storedName;
     name.replace(u'/', u':');
     const bool isPossible = !name.isEmpty() && !name.contains(QChar(u'\0')) && name != QStringView(u".")
         && name != QStringView(u"..");
     return isPossible ? std::optional(name.toUtf8()) : std::nullopt;
+}
+
+NameForm formOf(std::string_view name, const QString &storedName)
+{
+    const QByteArrayView bytes(name.data(), qsizetype(name.size()));
+    const bool isComposed =
+        fileName(storedName) != bytes && fileName(storedName, NameForm::Composed) == bytes;
+    return isComposed ? NameForm::Composed : NameForm::AsStored;
 }
 
 std::u16string foldedName(const QString &storedName)

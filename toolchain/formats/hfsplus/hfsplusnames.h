@@ -17,9 +17,17 @@ inline constexpr qsizetype longestName = 255; ///< in UTF-16 units, after taking
 /// or the name becomes too long.
 [[nodiscard]] std::optional<QString> storedName(std::string_view fileName);
 
-/// The file name in UTF-8 that a stored name stands for, with characters put together as is usual outside of
-/// macOS. Empty if no file can be called so.
-[[nodiscard]] std::optional<QByteArray> fileName(const QString &storedName);
+enum class NameForm {
+    AsStored, ///< with characters taken apart, as macOS gives it to programs
+    Composed ///< with characters put together, as the file was called that the name comes from
+};
+
+/// The file name in UTF-8 that a stored name stands for. Empty if no file can be called so.
+[[nodiscard]] std::optional<QByteArray> fileName(const QString &storedName,
+                                                 NameForm form = NameForm::AsStored);
+
+/// The form in which a stored name gives back the file name that it was made of.
+[[nodiscard]] NameForm formOf(std::string_view fileName, const QString &storedName);
 
 /// What a volume compares instead of the name: without case and without what cannot be seen. Two names whose
 /// folded forms are equal cannot lie in one folder; the folded forms order a folder, unit by unit.

@@ -1,6 +1,7 @@
 #include "formats/hfsplus/hfsplusreader.h"
 
 #include "formats/bigendian.h"
+#include "formats/hfsplus/compressedfile.h"
 #include "formats/hfsplus/hfsplusformat.h"
 
 #include <sys/stat.h>
@@ -18,6 +19,7 @@ namespace {
 constexpr const char *damaged = "the volume is damaged";
 constexpr qsizetype pieceSize = 256 << 10;
 constexpr quint8 compressedFlag = 0x20;
+const QString compressionAttribute = u"com.apple.decmpfs"_s;
 
 QString nameAt(QByteArrayView bytes, qsizetype offset)
 {
@@ -43,20 +45,41 @@ quint16 modeAt(QByteArrayView record, bool isFolder)
     return (mode & S_IFMT) != 0 && (mode & S_IFMT) != S_IFDIR ? mode : quint16(S_IFREG | 0644);
 }
 
+/// What macOS shows of the Finder's information: without what the file system keeps there for itself, the
+/// date when an item was added and two counters. None if nothing is left.
+QByteArray readableFinderInfo(QByteArrayView bytes)
+{
+    constexpr qsizetype ownSize = 8; // at 16 a document's number and the date
+    constexpr qsizetype counterSize = 4;
+    QByteArray info = bytes.toByteArray();
+    info.replace(16, ownSize, QByteArray(ownSize, '\0'));
+    info.replace(finderInfoSize - counterSize, counterSize, QByteArray(counterSize, '\0'));
+    return info.count('\0') == info.size() ? QByteArray() : info;
+}
+
 VolumeEntry entryFrom(const QString &name, QByteArrayView record, bool isFolder)
 {
     constexpr qsizetype numberOffset = 8;
     constexpr qsizetype modifiedOffset = 16;
     constexpr qsizetype accessedOffset = 24;
     constexpr qsizetype ownerFlagsOffset = 41;
+    constexpr qsizetype specialOffset = 44;
     constexpr qsizetype finderTypeOffset = 48;
+    constexpr qsizetype encodingOffset = 80;
     VolumeEntry entry;
     entry.number = bigEndianAt<quint32>(record, numberOffset);
     entry.storedName = name;
+    if (bigEndianAt<quint32>(record, encodingOffset) == composedNameEncoding)
+        entry.nameForm = NameForm::Composed;
     entry.mode = modeAt(record, isFolder);
     entry.modified = dateAt(record, modifiedOffset);
     entry.accessed = dateAt(record, accessedOffset);
-    entry.isHardLink = !isFolder && record.sliced(finderTypeOffset).startsWith("hlnkhfs+");
+    const QByteArrayView finderInfo = record.sliced(finderTypeOffset, finderInfoSize);
+    const bool isHardLink = !isFolder && finderInfo.startsWith("hlnkhfs+");
+    entry.link = isHardLink ? bigEndianAt<quint32>(record, specialOffset) : 0;
+    entry.isBrokenLink = isHardLink || (!isFolder && finderInfo.startsWith("fdrpMACS"));
+    if (!S_ISLNK(entry.mode))
+        entry.finderInfo = readableFinderInfo(finderInfo);
     entry.isCompressed = (bigEndianAt<quint8>(record, ownerFlagsOffset) & compressedFlag) != 0;
     return entry;
 }
@@ -89,10 +112,49 @@ HfsPlusReader::HfsPlusReader(ByteSource source)
     const bool hasHeader = m_source(volumeHeaderOffset, header.data(), header.size());
     m_blockSize = bigEndianAt<quint32>(header, blockSizeOffset);
     if (!hasHeader || m_blockSize < 512 || m_blockSize > largestBlock
-        || !readTree(forkAt(header, hfsplus::extentsFork, extentsFile), &HfsPlusReader::takeExtents)
-        || !readTree(forkAt(header, hfsplus::catalogFork, catalogFile), &HfsPlusReader::takeCatalogRecord)
-        || m_root.number != hfsplus::rootFolder)
+        || !readTree(forkAt(header, hfsplus::extentsFork, {extentsFile, ForkKind::Data}),
+                     &HfsPlusReader::takeExtents)
+        || !readTree(forkAt(header, hfsplus::catalogFork, {catalogFile, ForkKind::Data}),
+                     &HfsPlusReader::takeCatalogRecord)
+        || m_root.number != hfsplus::rootFolder) {
+        if (m_error.empty())
+            m_error = damaged;
+        return;
+    }
+    const StoredFork attributes = forkAt(header, hfsplus::attributesFork, {attributesFile, ForkKind::Data});
+    if (attributes.size > 0 && !readTree(attributes, &HfsPlusReader::takeAttribute) && m_error.empty())
         m_error = damaged;
+    followHardLinks();
+}
+
+/// Gives every hard link what belongs to the file it stands for.
+void HfsPlusReader::followHardLinks()
+{
+    std::map<quint32, const VolumeEntry *> files;
+    for (const VolumeEntry &file : entriesOf(m_linksFolder)) {
+        if (file.storedName.startsWith(u"iNode"_s))
+            files.emplace(file.storedName.mid(5).toUInt(), &file);
+    }
+    for (auto &[number, entries] : m_folders) {
+        if (number == m_linksFolder)
+            continue;
+        for (VolumeEntry &entry : entries)
+            follow(entry, files);
+    }
+}
+
+void HfsPlusReader::follow(VolumeEntry &entry, const std::map<quint32, const VolumeEntry *> &files)
+{
+    const auto file = entry.link != 0 ? files.find(entry.link) : files.end();
+    entry.link = 0;
+    if (file == files.end())
+        return;
+    VolumeEntry linked = *file->second;
+    linked.link = linked.number;
+    linked.number = entry.number;
+    linked.storedName = entry.storedName;
+    linked.nameForm = entry.nameForm;
+    entry = std::move(linked);
 }
 
 const std::vector<VolumeEntry> &HfsPlusReader::entriesOf(quint32 folder) const
@@ -102,7 +164,7 @@ const std::vector<VolumeEntry> &HfsPlusReader::entriesOf(quint32 folder) const
     return found == m_folders.end() ? none : found->second;
 }
 
-StoredFork HfsPlusReader::forkAt(QByteArrayView bytes, qsizetype offset, quint32 number) const
+StoredFork HfsPlusReader::forkAt(QByteArrayView bytes, qsizetype offset, ForkName name) const
 {
     constexpr qsizetype runsOffset = 16;
     StoredFork fork;
@@ -111,7 +173,7 @@ StoredFork HfsPlusReader::forkAt(QByteArrayView bytes, qsizetype offset, quint32
         const qsizetype run = offset + runsOffset + 8 * place;
         fork.runs.push_back({bigEndianAt<quint32>(bytes, run), bigEndianAt<quint32>(bytes, run + 4)});
     }
-    if (const auto more = m_moreRuns.find(number); more != m_moreRuns.end())
+    if (const auto more = m_moreRuns.find(name); more != m_moreRuns.end())
         fork.runs.insert(fork.runs.end(), more->second.begin(), more->second.end());
     return fork;
 }
@@ -186,42 +248,142 @@ bool HfsPlusReader::readNode(QByteArrayView node, RecordHandler handler)
         const qsizetype keySize = 2 + bigEndianAt<quint16>(record, 0);
         if (keySize > record.size())
             return false;
-        (this->*handler)(record.first(keySize), record.sliced(keySize));
+        if (!(this->*handler)(record.first(keySize), record.sliced(keySize)))
+            return false;
     }
     return true;
 }
 
-void HfsPlusReader::takeExtents(QByteArrayView key, QByteArrayView data)
+bool HfsPlusReader::takeExtents(QByteArrayView key, QByteArrayView data)
 {
     constexpr qsizetype forkKindOffset = 2;
     constexpr qsizetype fileOffset = 4;
-    constexpr quint8 dataFork = 0;
-    if (bigEndianAt<quint8>(key, forkKindOffset) != dataFork)
-        return;
-    auto &runs = m_moreRuns[bigEndianAt<quint32>(key, fileOffset)];
+    const auto kind = ForkKind(bigEndianAt<quint8>(key, forkKindOffset));
+    if (kind != ForkKind::Data && kind != ForkKind::Resource)
+        return true;
+    auto &runs = m_moreRuns[{bigEndianAt<quint32>(key, fileOffset), kind}];
     for (int place = 0; place < extentsInFork; ++place)
         runs.push_back({bigEndianAt<quint32>(data, 8 * place), bigEndianAt<quint32>(data, 8 * place + 4)});
+    return true;
 }
 
-void HfsPlusReader::takeCatalogRecord(QByteArrayView key, QByteArrayView data)
+bool HfsPlusReader::takeCatalogRecord(QByteArrayView key, QByteArrayView data)
 {
     constexpr qsizetype folderRecordSize = 88;
     constexpr qsizetype fileRecordSize = 248;
     constexpr qsizetype dataForkOffset = 88;
+    constexpr qsizetype resourceForkOffset = 168;
+    constexpr quint64 mostEntries = 2'000'000;
     const quint16 kind = bigEndianAt<quint16>(data, 0);
     const bool isFolder = kind == folderRecord && data.size() >= folderRecordSize;
     if (!isFolder && !(kind == fileRecord && data.size() >= fileRecordSize))
-        return;
+        return true;
+    if (++m_entryCount > mostEntries) {
+        m_error = "there are too many files on the volume to be read here";
+        return false;
+    }
     const quint32 folder = bigEndianAt<quint32>(key, 2);
     VolumeEntry entry = entryFrom(nameAt(key, 6), data, isFolder);
-    if (!isFolder)
-        entry.data = forkAt(data, dataForkOffset, entry.number);
+    if (!isFolder) {
+        entry.data = forkAt(data, dataForkOffset, {entry.number, ForkKind::Data});
+        entry.resource = forkAt(data, resourceForkOffset, {entry.number, ForkKind::Resource});
+    }
     if (folder == rootParent) {
         m_root = entry;
         m_volumeName = entry.storedName;
+    } else if (folder == hfsplus::rootFolder
+               && entry.storedName == QString::fromUtf16(linksFolder, linksFolderLength)) {
+        m_linksFolder = entry.number;
     } else if (!belongsToVolume(folder, entry.storedName)) {
         m_folders[folder].push_back(std::move(entry));
     }
+    return true;
+}
+
+bool HfsPlusReader::takeAttribute(QByteArrayView key, QByteArrayView data)
+{
+    constexpr qsizetype fileOffset = 4;
+    constexpr qsizetype nameOffset = 12;
+    constexpr qsizetype valueOffset = 16;
+    constexpr quint64 mostBytes = 256 << 20;
+    StoredAttribute attribute;
+    attribute.name = nameAt(key, nameOffset);
+    const auto kind = bigEndianAt<quint32>(data, 0);
+    const auto file = bigEndianAt<quint32>(key, fileOffset);
+    const auto size = bigEndianAt<quint32>(data, valueOffset - 4);
+    if (kind == inlineAttribute && data.size() >= valueOffset
+        && quint64(size) <= quint64(data.size() - valueOffset))
+        attribute.value = data.sliced(valueOffset, size).toByteArray();
+    else if (kind == forkAttribute && data.size() >= 8 + forkSize)
+        attribute.fork =
+            forkAt(data, 8, {attributesFile, ForkKind::Resource}); // there are no more runs of these
+    else
+        return kind == moreOfForkAttribute;
+    m_attributeBytes += quint64(attribute.value.size() + key.size());
+    if (m_attributeBytes > mostBytes) {
+        m_error = "there are too many attributes on the volume to be read here";
+        return false;
+    }
+    m_attributes[file].push_back(std::move(attribute));
+    return true;
+}
+
+std::vector<StoredAttribute> HfsPlusReader::attributesOf(const VolumeEntry &entry) const
+{
+    const auto found = m_attributes.find(entry.attributesNumber());
+    if (found == m_attributes.end())
+        return {};
+    std::vector<StoredAttribute> attributes = found->second;
+    std::erase_if(attributes, [](const StoredAttribute &attribute) {
+        return attribute.name == compressionAttribute || attribute.name == u"com.apple.ResourceFork"_s
+            || attribute.name == u"com.apple.FinderInfo"_s || attribute.name.isEmpty()
+            || attribute.name.startsWith(u"com.apple.system."_s); // access lists and the like of the Mac
+    });
+    return attributes;
+}
+
+std::optional<QByteArray> HfsPlusReader::valueOf(const StoredAttribute &attribute) const
+{
+    return attribute.fork.runs.empty() ? std::optional(attribute.value) : bytesOf(attribute.fork);
+}
+
+std::optional<QByteArray> HfsPlusReader::bytesOf(const StoredFork &fork) const
+{
+    constexpr quint64 mostBytes = 256 << 20;
+    QByteArray bytes;
+    const auto add = [&bytes](QByteArrayView piece) {
+        bytes.append(piece);
+        return true;
+    };
+    return fork.size <= mostBytes && read(fork, add) ? std::optional(bytes) : std::nullopt;
+}
+
+QByteArray HfsPlusReader::compressionOf(const VolumeEntry &entry) const
+{
+    const auto found = m_attributes.find(entry.attributesNumber());
+    if (found == m_attributes.end())
+        return {};
+    for (const StoredAttribute &attribute : found->second) {
+        if (attribute.name == compressionAttribute)
+            return valueOf(attribute).value_or(QByteArray());
+    }
+    return {};
+}
+
+bool HfsPlusReader::canReadFile(const VolumeEntry &entry) const
+{
+    return !entry.isCompressed || canUnpackCompressed(compressionOf(entry));
+}
+
+bool HfsPlusReader::readFile(const VolumeEntry &entry, const ByteSink &sink) const
+{
+    if (!entry.isCompressed)
+        return read(entry.data, sink);
+    const auto fork = [this, &entry](quint64 offset, char *target, qsizetype size) {
+        return offset <= entry.resource.size && quint64(size) <= entry.resource.size - offset
+            && readFork(entry.resource, offset, target, size);
+    };
+    return unpackCompressed(compressionOf(entry), fork, entry.resource.size, sink);
 }
 
 } // namespace toolchain

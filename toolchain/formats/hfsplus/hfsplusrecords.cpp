@@ -13,7 +13,6 @@ namespace {
 
 /// The user and the group that macOS takes for whoever looks at the volume.
 constexpr quint32 unknownOwner = 99;
-constexpr quint16 threadExists = 2;
 
 quint32 dateOf(qint64 secondsSince1970)
 {
@@ -43,52 +42,115 @@ QByteArray forkBytes(const Fork &fork, quint32 clumpSize = 0)
     return bytes.u32(fork.blockCount).zeros(forkSize - 24).bytes();
 }
 
-/// What the records of files and folders have in common from the dates to the permissions.
-QByteArray datesAndPermissions(const struct stat &status)
+/// What the record of a file or folder says of owner, group and the number that goes with its kind.
+struct Permissions {
+    quint32 owner = unknownOwner;
+    quint32 group = unknownOwner;
+    quint32 special = 1;
+};
+
+/// What the records of files and folders have in common from the dates to the permissions. `created` is in
+/// seconds since 1970.
+QByteArray datesAndPermissions(const struct stat &status, qint64 created, const Permissions &permissions)
 {
-    const quint32 modified = dateOf(status.st_mtim.tv_sec);
     BigEndianBytes bytes;
-    bytes.u32(modified)
-        .u32(modified)
+    bytes.u32(dateOf(created))
+        .u32(dateOf(status.st_mtim.tv_sec))
         .u32(dateOf(status.st_ctim.tv_sec))
         .u32(dateOf(status.st_atim.tv_sec))
         .u32(0);
-    bytes.u32(unknownOwner).u32(unknownOwner).zeros(2).u16(quint16(status.st_mode)).u32(1);
-    return bytes.bytes();
+    bytes.u32(permissions.owner).u32(permissions.group).zeros(2).u16(quint16(status.st_mode));
+    return bytes.u32(permissions.special).bytes();
+}
+
+quint16 attributesFlag(const SourceItem &item)
+{
+    return item.attributes.empty() ? 0 : hasAttributes;
+}
+
+quint32 encodingOf(const SourceItem &item)
+{
+    return item.nameForm == NameForm::Composed ? composedNameEncoding : 0;
+}
+
+QByteArray finderInfoOf(const SourceItem &item)
+{
+    if (item.isLink())
+        return "slnkrhap" + item.finderInfo.mid(8).leftJustified(finderInfoSize - 8, '\0');
+    return item.finderInfo.leftJustified(finderInfoSize, '\0');
 }
 
 QByteArray folderBytes(const SourceItem &item, quint32 number)
 {
     return BigEndianBytes()
         .u16(folderRecord)
-        .zeros(2)
+        .u16(attributesFlag(item))
         .u32(item.entryCount)
         .u32(number)
-        .raw(datesAndPermissions(item.status))
-        .zeros(40)
+        .raw(datesAndPermissions(item.status, item.status.st_mtim.tv_sec, {}))
+        .raw(finderInfoOf(item))
+        .u32(encodingOf(item))
+        .zeros(4)
         .bytes();
+}
+
+/// A file that stands for one in the folder of links. macOS knows it by its type, and by its date of
+/// creation, which is that folder's.
+QByteArray hardLinkBytes(const SourceItem &item, quint32 number, qint64 created)
+{
+    constexpr quint16 hasBeenInitialized = 0x0100;
+    const auto numberAt = [](std::size_t place) { return place == 0 ? 0 : catalogNumber(place); };
+    const Permissions chain{numberAt(item.link.previous), numberAt(item.link.next),
+                            catalogNumber(item.link.file)};
+    BigEndianBytes file;
+    file.u16(fileRecord).u16(threadExists | isInLinkChain).zeros(4).u32(number);
+    file.raw(datesAndPermissions(item.status, created, chain));
+    file.raw("hlnkhfs+").u16(hasBeenInitialized).zeros(finderInfoSize - 10);
+    return file.u32(encodingOf(item)).zeros(4).raw(forkBytes({})).raw(forkBytes({})).bytes();
 }
 
 QByteArray fileBytes(const SourceItem &item, quint32 number)
 {
-    const QByteArray finderType = item.isLink() ? QByteArray("slnkrhap") : QByteArray(8, '\0');
+    const bool isLinkedTo = item.link.count > 0;
+    const quint16 flags = threadExists | attributesFlag(item) | (isLinkedTo ? isInLinkChain : 0);
+    Permissions permissions;
+    if (isLinkedTo)
+        permissions.special = item.link.count;
     return BigEndianBytes()
         .u16(fileRecord)
-        .u16(threadExists)
-        .zeros(4)
+        .u16(flags)
+        .u32(isLinkedTo ? catalogNumber(item.link.firstLink) : 0)
         .u32(number)
-        .raw(datesAndPermissions(item.status))
-        .raw(finderType)
-        .zeros(32)
-        .raw(forkBytes({item.size(), item.firstBlock, item.blockCount}))
-        .raw(forkBytes({}))
+        .raw(datesAndPermissions(item.status, item.status.st_mtim.tv_sec, permissions))
+        .raw(finderInfoOf(item))
+        .u32(encodingOf(item))
+        .zeros(4)
+        .raw(forkBytes(item.data))
+        .raw(forkBytes(item.resource))
         .bytes();
+}
+
+QByteArray recordBytes(const SourceItem &item, quint32 number, qint64 volumeCreated)
+{
+    if (item.isFolder())
+        return folderBytes(item, number);
+    return item.isHardLink() ? hardLinkBytes(item, number, volumeCreated) : fileBytes(item, number);
 }
 
 QByteArray threadBytes(const SourceItem &item, quint32 folder)
 {
     const quint16 kind = item.isFolder() ? folderThread : fileThread;
     return BigEndianBytes().u16(kind).zeros(2).u32(folder).raw(nameBytes(item.storedName)).bytes();
+}
+
+/// The value itself, or where it lies.
+QByteArray attributeBytes(const SourceAttribute &attribute)
+{
+    BigEndianBytes bytes;
+    if (attribute.fork.size > 0)
+        return bytes.u32(forkAttribute).zeros(4).raw(forkBytes(attribute.fork)).bytes();
+    bytes.u32(inlineAttribute).zeros(8).u32(quint32(attribute.value.size())).raw(attribute.value);
+    return bytes.zeros(attribute.value.size() % 2).bytes();
 }
 
 /// A record with what it is ordered by.
@@ -104,7 +166,7 @@ bool comesBefore(const OrderedRecord &a, const OrderedRecord &b)
     return a.folder != b.folder ? a.folder < b.folder : a.name < b.name;
 }
 
-std::vector<OrderedRecord> orderedRecords(const std::vector<SourceItem> &items)
+std::vector<OrderedRecord> orderedRecords(const std::vector<SourceItem> &items, qint64 created)
 {
     std::vector<OrderedRecord> records;
     records.reserve(items.size() * 2);
@@ -112,7 +174,7 @@ std::vector<OrderedRecord> orderedRecords(const std::vector<SourceItem> &items)
         const SourceItem &item = items[place];
         const quint32 number = catalogNumber(place);
         const quint32 folder = place == 0 ? rootParent : catalogNumber(item.folder);
-        const QByteArray data = item.isFolder() ? folderBytes(item, number) : fileBytes(item, number);
+        const QByteArray data = recordBytes(item, number, created);
         records.push_back(
             {folder, foldedName(item.storedName), place, {keyOf(folder, item.storedName), data}});
         records.push_back({number, {}, place, {keyOf(number, {}), threadBytes(item, folder)}});
@@ -128,9 +190,10 @@ quint32 catalogNumber(std::size_t place)
     return place == 0 ? rootFolder : firstUserItem + quint32(place) - 1;
 }
 
-std::string catalogRecords(const std::vector<SourceItem> &items, std::vector<TreeRecord> &records)
+std::string catalogRecords(const std::vector<SourceItem> &items, qint64 volumeCreated,
+                           std::vector<TreeRecord> &records)
 {
-    auto ordered = orderedRecords(items);
+    auto ordered = orderedRecords(items, volumeCreated);
     for (std::size_t index = 0; index < ordered.size(); ++index) {
         if (index > 0 && !comesBefore(ordered[index - 1], ordered[index]))
             return items[ordered[index].place].path.string()
@@ -138,6 +201,24 @@ std::string catalogRecords(const std::vector<SourceItem> &items, std::vector<Tre
         records.push_back(std::move(ordered[index].record));
     }
     return {};
+}
+
+std::vector<TreeRecord> attributeRecords(const std::vector<SourceItem> &items)
+{
+    std::vector<TreeRecord> records;
+    for (std::size_t place = 0; place < items.size(); ++place) {
+        for (const SourceAttribute &attribute : items[place].attributes) {
+            const QByteArray key = BigEndianBytes()
+                                       .zeros(2)
+                                       .u32(catalogNumber(place))
+                                       .u32(0)
+                                       .raw(nameBytes(attribute.name))
+                                       .bytes();
+            records.push_back(
+                {BigEndianBytes().u16(quint16(key.size())).raw(key).bytes(), attributeBytes(attribute)});
+        }
+    }
+    return records;
 }
 
 QByteArray volumeHeader(const VolumeSummary &summary, qint64 secondsSince1970)

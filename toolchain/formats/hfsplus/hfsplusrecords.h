@@ -5,13 +5,6 @@
 
 namespace toolchain::hfsplus {
 
-/// A run of blocks that holds a file's bytes.
-struct Fork {
-    quint64 size = 0; ///< in bytes
-    quint32 firstBlock = 0;
-    quint32 blockCount = 0;
-};
-
 /// What the header of a volume tells.
 struct VolumeSummary {
     quint32 blockSize = 0;
@@ -29,10 +22,16 @@ struct VolumeSummary {
 /// The number in the catalog of the item at a place of the source tree.
 [[nodiscard]] quint32 catalogNumber(std::size_t place);
 
-/// All records of the catalog, in the order of their keys. Answers which file's name is as good as another's
-/// to HFS+, or nothing. Format: Apple Technical Note TN1150, "Catalog File".
-[[nodiscard]] std::string catalogRecords(const std::vector<SourceItem> &items,
+/// All records of the catalog, in the order of their keys. `volumeCreated` is in seconds since 1970. Answers
+/// which file's name is as good as another's to HFS+, or nothing. Format: Apple Technical Note TN1150,
+/// "Catalog File".
+[[nodiscard]] std::string catalogRecords(const std::vector<SourceItem> &items, qint64 volumeCreated,
                                          std::vector<TreeRecord> &records);
+
+/// All records of the attributes' tree, in the order of their keys. Format: Apple Technical Note TN1150,
+/// "Attributes File", and bsd/hfs/hfs_format.h of Apple's published kernel sources for the records of short
+/// values.
+[[nodiscard]] std::vector<TreeRecord> attributeRecords(const std::vector<SourceItem> &items);
 
 /// The 512 bytes of a volume header, and of its copy at the end. No block is free.
 /// Format: Apple Technical Note TN1150, "Volume Header".

@@ -1,11 +1,16 @@
 #include "formats/hfsplus/hfsplussource.h"
 
+#include "formats/appledouble.h"
+#include "formats/fileattributes.h"
+#include "formats/hfsplus/hfsplusformat.h"
 #include "formats/hfsplus/hfsplusnames.h"
+#include "formats/hfsplus/sourcelinks.h"
 #include "support/wholefile.h"
+
+#include <QFile>
 
 #include <algorithm>
 #include <cerrno>
-#include <ctime>
 
 namespace fs = std::filesystem;
 
@@ -13,24 +18,26 @@ namespace toolchain::hfsplus {
 
 namespace {
 
-struct stat plainFolder()
+struct stat plainFolder(qint64 time)
 {
     struct stat status = {};
     status.st_mode = S_IFDIR | 0755;
-    clock_gettime(CLOCK_REALTIME, &status.st_mtim);
-    status.st_atim = status.st_ctim = status.st_mtim;
+    status.st_mtim.tv_sec = status.st_atim.tv_sec = status.st_ctim.tv_sec = time;
     return status;
+}
+
+QString textOf(const fs::path &path)
+{
+    return QFile::decodeName(QByteArray::fromStdString(path.native()));
 }
 
 class Collector {
 public:
-    SourceTree collect(const fs::path &source, VolumeRoot root, const QString &volumeName)
+    SourceTree collect(SourceItem top, VolumeRoot root, qint64 time)
     {
-        SourceItem top;
-        top.path = source;
-        top.storedName = volumeName;
-        top.status = plainFolder();
-        if (root == VolumeRoot::Contents && !readStatus(top))
+        const fs::path source = top.path;
+        top.status = plainFolder(time);
+        if (root == VolumeRoot::Contents && !readWhatItIs(top))
             return std::move(m_tree);
         m_tree.items.push_back(top);
         if (root == VolumeRoot::Item)
@@ -41,6 +48,8 @@ public:
             if (m_tree.items[place].isFolder())
                 addContents(place);
         }
+        if (m_tree.error.empty())
+            joinHardLinks(m_tree.items, plainFolder(time));
         return std::move(m_tree);
     }
 
@@ -58,7 +67,8 @@ private:
         for (const fs::path &entry : entries) {
             if (!m_tree.error.empty())
                 return;
-            add(entry, folder);
+            if (!isSidecar(textOf(entry)))
+                add(entry, folder);
         }
     }
 
@@ -73,34 +83,71 @@ private:
             return;
         }
         item.storedName = *name;
-        if (!readStatus(item))
+        item.nameForm = formOf(path.filename().native(), *name);
+        if (!readWhatItIs(item))
             return;
         ++m_tree.items[folder].entryCount;
         m_tree.items.push_back(std::move(item));
     }
 
-    bool readStatus(SourceItem &item)
+    bool readWhatItIs(SourceItem &item)
     {
-        if (lstat(item.path.c_str(), &item.status) != 0) {
-            m_tree.error = systemError(item.path, errno);
+        if (lstat(item.path.c_str(), &item.status) != 0)
+            return fail(systemError(item.path, errno));
+        if (item.isLink() && !readLink(item))
             return false;
-        }
-        if (item.isLink())
-            return readLink(item);
-        if (!item.isFolder() && !S_ISREG(item.status.st_mode)) {
-            m_tree.error = item.path.string() + ": neither a file, a folder nor a symbolic link";
-            return false;
-        }
-        return true;
+        if (!item.isLink() && !item.isFolder() && !S_ISREG(item.status.st_mode))
+            return fail(item.path.string() + ": neither a file, a folder nor a symbolic link");
+        if (S_ISREG(item.status.st_mode))
+            item.data.size = quint64(item.status.st_size);
+        return readAttributesOf(item);
     }
 
     bool readLink(SourceItem &item)
     {
         std::error_code error;
         item.linkTarget = QByteArray::fromStdString(fs::read_symlink(item.path, error).native());
-        if (error)
-            m_tree.error = systemError(item.path, error.value());
-        return !error;
+        item.data.size = quint64(item.linkTarget.size());
+        return !error || fail(systemError(item.path, error.value()));
+    }
+
+    bool readAttributesOf(SourceItem &item)
+    {
+        auto attributes = readAttributes(textOf(item.path));
+        if (!attributes)
+            return fail(attributes.error().toStdString());
+        item.resource.size = quint64(attributes->take(appledouble::resourceFork).size());
+        const QByteArray info = attributes->take(appledouble::finderInfo);
+        if (!info.isEmpty())
+            item.finderInfo = info.leftJustified(finderInfoSize, '\0', true);
+        for (auto attribute = attributes->begin(); attribute != attributes->end(); ++attribute) {
+            if (!addAttribute(item, attribute.key(), attribute.value()))
+                return false;
+        }
+        std::sort(item.attributes.begin(), item.attributes.end(),
+                  [](const SourceAttribute &a, const SourceAttribute &b) { return a.name < b.name; });
+        return true;
+    }
+
+    bool addAttribute(SourceItem &item, const QByteArray &name, const QByteArray &value)
+    {
+        SourceAttribute attribute;
+        attribute.name = QString::fromUtf8(name);
+        if (attribute.name.size() > longestAttributeName)
+            return fail(item.path.string() + ": the name of its attribute " + name.toStdString()
+                        + " is too long");
+        if (value.size() <= longestInlineAttribute)
+            attribute.value = value;
+        else
+            attribute.fork.size = quint64(value.size());
+        item.attributes.push_back(attribute);
+        return true;
+    }
+
+    bool fail(const std::string &problem)
+    {
+        m_tree.error = problem;
+        return false;
     }
 
     SourceTree m_tree;
@@ -108,14 +155,7 @@ private:
 
 } // namespace
 
-quint64 SourceItem::size() const
-{
-    if (isLink())
-        return quint64(linkTarget.size());
-    return isFolder() ? 0 : quint64(status.st_size);
-}
-
-SourceTree readSourceTree(const fs::path &source, VolumeRoot root, std::string_view volumeName)
+SourceTree readSourceTree(const fs::path &source, VolumeRoot root, std::string_view volumeName, qint64 time)
 {
     const auto name = storedName(volumeName);
     if (!name || name->isEmpty()) {
@@ -123,7 +163,11 @@ SourceTree readSourceTree(const fs::path &source, VolumeRoot root, std::string_v
         refused.error = std::string(volumeName) + ": not a name that HFS+ can hold";
         return refused;
     }
-    return Collector().collect(source, root, *name);
+    SourceItem top;
+    top.path = source;
+    top.storedName = *name;
+    top.nameForm = formOf(volumeName, *name);
+    return Collector().collect(std::move(top), root, time);
 }
 
 } // namespace toolchain::hfsplus

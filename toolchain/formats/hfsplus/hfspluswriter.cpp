@@ -1,16 +1,18 @@
 #include "formats/hfsplus/hfspluswriter.h"
 
+#include "formats/appledouble.h"
+#include "formats/fileattributes.h"
 #include "formats/hfsplus/hfsplusformat.h"
 #include "support/openfile.h"
 #include "support/wholefile.h"
 
+#include <QFile>
 #include <QRandomGenerator>
 
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <ctime>
 #include <limits>
 
 namespace toolchain {
@@ -43,8 +45,9 @@ Fork forkAt(quint64 &nextBlock, quint64 blocks)
 
 } // namespace
 
-HfsPlusWriter::HfsPlusWriter(SourceTree tree)
+HfsPlusWriter::HfsPlusWriter(SourceTree tree, qint64 time)
     : m_items(std::move(tree.items))
+    , m_time(time)
     , m_error(std::move(tree.error))
 {
     if (m_error.empty())
@@ -58,41 +61,53 @@ quint64 HfsPlusWriter::size() const
     return quint64(m_summary.blockCount) * blockSize;
 }
 
-/// Block 0 holds the volume header. Two trees without records come next, since some readers do not take a
-/// volume that lacks one of them. The files follow.
+/// Block 0 holds the volume header. A tree without records comes next, since some readers do not take a
+/// volume that lacks it. The files follow.
 void HfsPlusWriter::layOutFiles()
 {
     m_extents = treeFile({}, extentsForm);
-    m_attributes = treeFile({}, attributesForm);
     quint64 nextBlock = 1;
     m_summary.extents = forkAt(nextBlock, blocksFor(quint64(m_extents.size())));
-    m_summary.attributes = forkAt(nextBlock, blocksFor(quint64(m_attributes.size())));
     for (SourceItem &item : m_items) {
-        const quint64 blocks = blocksFor(item.size());
-        if (nextBlock + blocks > mostBlocks / 2) {
+        bool fits = layOut(item.data, nextBlock) && layOut(item.resource, nextBlock);
+        for (SourceAttribute &attribute : item.attributes)
+            fits = fits && layOut(attribute.fork, nextBlock);
+        if (!fits) {
             m_error = item.path.string() + ": the volume becomes too large";
             return;
         }
-        const Fork fork = forkAt(nextBlock, blocks);
-        item.firstBlock = fork.firstBlock;
-        item.blockCount = fork.blockCount;
         ++(item.isFolder() ? m_summary.folderCount : m_summary.fileCount);
     }
-    m_summary.catalog.firstBlock = quint32(nextBlock);
+    m_summary.attributes.firstBlock = quint32(nextBlock);
 }
 
-/// The catalog and the map of blocks lie behind the files, since their sizes depend on them.
+bool HfsPlusWriter::layOut(Fork &fork, quint64 &nextBlock)
+{
+    const quint64 blocks = blocksFor(fork.size);
+    if (blocks > mostBlocks / 2 || nextBlock + blocks > mostBlocks / 2)
+        return false;
+    const quint64 size = fork.size;
+    fork = forkAt(nextBlock, blocks);
+    fork.size = size;
+    return true;
+}
+
+/// The trees of attributes and names and the map of blocks lie behind the files, since their sizes depend on
+/// them.
 void HfsPlusWriter::layOutSpecialFiles()
 {
     std::vector<TreeRecord> records;
-    m_error = catalogRecords(m_items, records);
+    m_error = catalogRecords(m_items, m_time, records);
     if (m_error.empty())
         m_catalog = treeFile(records, catalogForm);
-    if (m_error.empty() && m_catalog.isEmpty())
+    if (m_error.empty())
+        m_attributes = treeFile(attributeRecords(m_items), attributesForm);
+    if (m_error.empty() && (m_catalog.isEmpty() || m_attributes.isEmpty()))
         m_error = "there are too many files for one volume";
     if (!m_error.empty())
         return;
-    quint64 nextBlock = m_summary.catalog.firstBlock;
+    quint64 nextBlock = m_summary.attributes.firstBlock;
+    m_summary.attributes = forkAt(nextBlock, blocksFor(quint64(m_attributes.size())));
     m_summary.catalog = forkAt(nextBlock, blocksFor(quint64(m_catalog.size())));
     constexpr quint64 lastBlock = 1; // with the copy of the volume header
     m_summary.allocation = forkAt(nextBlock, allocationBlocksFor(nextBlock + lastBlock));
@@ -107,21 +122,49 @@ bool HfsPlusWriter::write(const ByteSink &sink)
 {
     m_sink = sink;
     m_written = 0;
-    const QByteArray header = volumeHeader(m_summary, std::time(nullptr));
+    const QByteArray header = volumeHeader(m_summary, m_time);
     bool goesOn = writeBytes(QByteArray(volumeHeaderOffset, '\0')) && writeBytes(header) && writePadding()
-        && writeBytes(m_extents) && writeBytes(m_attributes);
+        && writeBytes(m_extents);
     for (const SourceItem &item : m_items)
-        goesOn = goesOn && writeItem(item) && writePadding();
-    return goesOn && writeBytes(m_catalog) && writeBytes(allocationBytes())
+        goesOn = goesOn && writeItem(item) && writePadding() && writeForks(item);
+    return goesOn && writeBytes(m_attributes) && writeBytes(m_catalog) && writeBytes(allocationBytes())
         && writeBytes(QByteArray(blockSize - volumeHeaderOffset, '\0')) && writeBytes(header)
         && writePadding();
 }
 
 bool HfsPlusWriter::writeItem(const SourceItem &item)
 {
-    if (item.isFolder())
+    if (item.isFolder() || item.isHardLink())
         return true;
     return item.isLink() ? writeBytes(item.linkTarget) : writeFile(item);
+}
+
+/// Writes the resource fork and the long attributes, whose values have not been kept since the tree was read.
+bool HfsPlusWriter::writeForks(const SourceItem &item)
+{
+    const auto isLong = [](const SourceAttribute &attribute) { return attribute.fork.size > 0; };
+    if (item.resource.size == 0 && std::none_of(item.attributes.begin(), item.attributes.end(), isLong))
+        return true;
+    const auto values = readAttributes(QFile::decodeName(QByteArray::fromStdString(item.path.native())));
+    if (!values) {
+        m_error = values.error().toStdString();
+        return false;
+    }
+    bool goesOn = writeFork(item, item.resource, values->value(appledouble::resourceFork));
+    for (const SourceAttribute &attribute : item.attributes) {
+        if (isLong(attribute))
+            goesOn = goesOn && writeFork(item, attribute.fork, values->value(attribute.name.toUtf8()));
+    }
+    return goesOn;
+}
+
+bool HfsPlusWriter::writeFork(const SourceItem &item, const Fork &fork, const QByteArray &bytes)
+{
+    if (quint64(bytes.size()) != fork.size) {
+        m_error = item.path.string() + ": its attributes changed while they were read";
+        return false;
+    }
+    return writeBytes(bytes) && writePadding();
 }
 
 /// Writes exactly the size for which the catalog has been made.
@@ -133,7 +176,7 @@ bool HfsPlusWriter::writeFile(const SourceItem &item)
         return false;
     }
     QByteArray buffer(256 << 10, Qt::Uninitialized);
-    for (quint64 left = item.size(); left > 0;) {
+    for (quint64 left = item.data.size; left > 0;) {
         const auto wanted = std::min(left, quint64(buffer.size()));
         const ssize_t length = read(file.descriptor(), buffer.data(), wanted);
         if (length < 0 && errno == EINTR)

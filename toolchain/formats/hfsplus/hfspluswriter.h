@@ -6,13 +6,13 @@
 namespace toolchain {
 
 /// Makes an HFS+ volume that holds a source tree and no free block. Every file lies in one piece. Memory
-/// grows with the number of files, not with their sizes. Extended attributes and resource forks are not taken
-/// along; hard links become files of their own; owners become the one that macOS calls unknown. Format: Apple
-/// Technical Note TN1150.
+/// grows with the number of files, not with their sizes. Extended attributes, resource forks and hard links
+/// are taken along; owners become the one that macOS calls unknown. Format: Apple Technical Note TN1150.
 class HfsPlusWriter {
 public:
     /// Lays the volume out. Reads none of the files yet.
-    explicit HfsPlusWriter(hfsplus::SourceTree tree);
+    /// `time` is the volume's date of creation in seconds since 1970, the one that the tree was read with.
+    HfsPlusWriter(hfsplus::SourceTree tree, qint64 time);
 
     /// Why there can be no such volume, or what went wrong while it was written; empty if all is well.
     [[nodiscard]] const std::string &error() const { return m_error; }
@@ -26,14 +26,18 @@ public:
 
 private:
     void layOutFiles();
+    [[nodiscard]] bool layOut(hfsplus::Fork &fork, quint64 &nextBlock);
     void layOutSpecialFiles();
     bool writeItem(const hfsplus::SourceItem &item);
     bool writeFile(const hfsplus::SourceItem &item);
+    bool writeForks(const hfsplus::SourceItem &item);
+    bool writeFork(const hfsplus::SourceItem &item, const hfsplus::Fork &fork, const QByteArray &bytes);
     bool writeBytes(QByteArrayView bytes);
     bool writePadding();
     [[nodiscard]] QByteArray allocationBytes() const;
 
     std::vector<hfsplus::SourceItem> m_items;
+    const qint64 m_time;
     std::string m_error;
     hfsplus::VolumeSummary m_summary;
     QByteArray m_catalog;

@@ -1,7 +1,11 @@
 #include "formats/hfsplus/volumecopy.h"
 
+#include "formats/appledouble.h"
+#include "formats/fileattributes.h"
 #include "formats/hfsplus/hfsplusnames.h"
 #include "support/wholefile.h"
+
+#include <QFile>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -10,6 +14,7 @@
 #include <array>
 #include <cerrno>
 #include <deque>
+#include <map>
 #include <set>
 
 namespace fs = std::filesystem;
@@ -52,7 +57,7 @@ private:
         if (!m_seen.insert(number).second)
             return fail(folder, "the volume is damaged");
         for (const VolumeEntry &entry : m_volume.entriesOf(number)) {
-            const auto name = fileName(entry.storedName);
+            const auto name = fileName(entry.storedName, entry.nameForm);
             if (!name)
                 return fail(folder, "holds a name that no file can have here");
             copyEntry(folder / name->toStdString(), entry);
@@ -63,9 +68,9 @@ private:
 
     void copyEntry(const fs::path &path, const VolumeEntry &entry)
     {
-        if (entry.isHardLink)
+        if (entry.isBrokenLink)
             fail(path, "a hard link, which cannot be read here");
-        else if (entry.isCompressed)
+        else if (!m_volume.canReadFile(entry))
             fail(path, "compressed by the file system, which cannot be read here");
         else if (S_ISDIR(entry.mode))
             makeFolder(path, entry);
@@ -87,18 +92,29 @@ private:
 
     void copyFile(const fs::path &path, const VolumeEntry &entry)
     {
+        const auto first = m_linkedFiles.find(entry.link);
+        if (first == m_linkedFiles.end())
+            return copyBytes(path, entry);
+        if (link(first->second.c_str(), path.c_str()) != 0)
+            m_error = systemError(path, errno);
+    }
+
+    void copyBytes(const fs::path &path, const VolumeEntry &entry)
+    {
         const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR);
         if (file < 0) {
             m_error = systemError(path, errno);
             return;
         }
-        if (!m_volume.read(entry.data, [&](QByteArrayView bytes) { return write(file, bytes, path); })
+        if (!m_volume.readFile(entry, [&](QByteArrayView bytes) { return write(file, bytes, path); })
             && m_error.empty())
             fail(path, "cannot be read from the image");
         if (close(file) != 0 && m_error.empty())
             m_error = systemError(path, errno);
         if (m_error.empty())
             finish(path, entry);
+        if (entry.link != 0)
+            m_linkedFiles.emplace(entry.link, path);
     }
 
     bool write(int file, QByteArrayView bytes, const fs::path &path)
@@ -136,9 +152,32 @@ private:
         return utimensat(AT_FDCWD, path.c_str(), times.data(), AT_SYMLINK_NOFOLLOW) == 0;
     }
 
+    void copyAttributes(const fs::path &path, const VolumeEntry &entry)
+    {
+        if (!entry.finderInfo.isEmpty())
+            setAttribute(path, appledouble::finderInfo, entry.finderInfo);
+        if (entry.resource.size > 0 && !entry.isCompressed)
+            setAttribute(path, appledouble::resourceFork, m_volume.bytesOf(entry.resource));
+        for (const StoredAttribute &attribute : m_volume.attributesOf(entry))
+            setAttribute(path, attribute.name.toUtf8(), m_volume.valueOf(attribute));
+    }
+
+    void setAttribute(const fs::path &path, const QByteArray &name, const std::optional<QByteArray> &value)
+    {
+        if (!m_error.empty())
+            return;
+        if (!value)
+            return fail(path, "has an attribute that cannot be read from the image");
+        const QString file = QFile::decodeName(QByteArray::fromStdString(path.native()));
+        m_error = writeAttribute(file, name, *value).toStdString();
+    }
+
     /// Gives a file or folder its mode and times, after which it may be closed to writing.
     void finish(const fs::path &path, const VolumeEntry &entry)
     {
+        copyAttributes(path, entry);
+        if (!m_error.empty())
+            return;
         if (!setTimes(path, entry) || chmod(path.c_str(), entry.mode & ordinaryRights) != 0)
             m_error = systemError(path, errno);
     }
@@ -148,6 +187,7 @@ private:
     const HfsPlusReader &m_volume;
     std::deque<Folder> m_folders; // they stay in place while others are added
     std::set<quint32> m_seen;
+    std::map<quint32, fs::path> m_linkedFiles; ///< the first name of each file with more than one
     std::string m_error;
 };
 
