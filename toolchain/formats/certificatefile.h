@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QByteArray>
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+#include "formats/cryptography.h"
+
+namespace toolchain {
+
+/// The certificates of a file in PEM form, as DER; none if it cannot be read.
+[[nodiscard]] QList<QByteArray> readCertificateFile(const QString &path);
+/// The certificates of bytes in PEM form, as DER.
+[[nodiscard]] QList<QByteArray> certificatesInPem(const QByteArray &pem);
+[[nodiscard]] QByteArray pemOf(const QList<QByteArray> &certificates);
+
+/// Writes certificates in PEM form, and the folder if it is not there. Answers what went wrong, or an empty
+/// text.
+[[nodiscard]] QString writeCertificateFile(const QString &path, const QList<QByteArray> &certificates);
+
+/// Whether a server's certificate names all of these hosts and addresses; true for none.
+[[nodiscard]] bool certificateAnswersFor(X509 *certificate, const QStringList &hosts);
+
+} // namespace toolchain
