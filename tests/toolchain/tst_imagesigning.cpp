@@ -19,6 +19,14 @@ namespace {
 
 class ImageSigning : public DiskImageFixture {
 protected:
+    /// With an identity of its own, over the signature that is there.
+    [[nodiscard]] ToolResult signByAnother(const QString &image) const
+    {
+        const ToolResult made = run(keychain, {u"make-identity"_s, u"--name"_s, u"Another (N0TTHESAME)"_s});
+        return made.status == 0 ? run(codesign, {u"--force"_s, u"-s"_s, u"Another (N0TTHESAME)"_s, image})
+                                : made;
+    }
+
     void SetUp() override
     {
         DiskImageFixture::SetUp();
@@ -127,7 +135,7 @@ TEST_F(ImageSigning, aSignedImageIsLeftAloneWithoutForce)
     EXPECT_EQ(again.status, 1);
     EXPECT_EQ(again.error, image + u": is already signed\n"_s);
     EXPECT_EQ(readFile(image), before);
-    EXPECT_EQ(sign(image, {u"--force"_s}).status, 0);
+    EXPECT_EQ(signByAnother(image).status, 0);
     EXPECT_NE(readFile(image), before);
     expectReadable(image);
 }
@@ -248,7 +256,7 @@ TEST_F(ImageSigning, anImageSignedAnewAfterItsApprovalIsNotStapled)
     ASSERT_EQ(sign(image).status, 0);
     ASSERT_TRUE(isApproved(image));
     ASSERT_EQ(staple(image).status, 0);
-    ASSERT_EQ(sign(image, {u"--force"_s}).status, 0);
+    ASSERT_EQ(signByAnother(image).status, 0);
     EXPECT_EQ(staple(image, u"validate"_s).status, 65);
     EXPECT_EQ(staple(image).status, 65);
 }
@@ -292,7 +300,7 @@ TEST_F(ImageSigning, anImageChangedAfterItsApprovalIsRejected)
     ASSERT_EQ(sign(image).status, 0);
     ASSERT_TRUE(isApproved(image));
     QByteArray bytes = readFile(image);
-    bytes[bytes.size() / 3] = char(bytes[bytes.size() / 3] + 1);
+    bytes[100] = char(bytes[100] + 1);
     writeFile(image, bytes);
     EXPECT_EQ(assess(image).error, image + u": rejected\nsource=invalid signature\n"_s);
 }

@@ -5,18 +5,11 @@
 #include <openssl/err.h>
 #include <openssl/rsa.h>
 
-#include <algorithm>
-
 namespace toolchain {
 
 namespace {
 
 using Operation = std::unique_ptr<EVP_PKEY_CTX, Freed<EVP_PKEY_CTX_free>>;
-
-const unsigned char *bytesOf(const QByteArray &array)
-{
-    return reinterpret_cast<const unsigned char *>(array.constData());
-}
 
 /// Sets an operation up that has been begun; false if the key cannot be used so.
 bool chooseScheme(EVP_PKEY_CTX *operation, EVP_PKEY *key, QCryptographicHash::Algorithm algorithm)
@@ -30,54 +23,48 @@ bool chooseScheme(EVP_PKEY_CTX *operation, EVP_PKEY *key, QCryptographicHash::Al
 } // namespace
 
 struct DigestSigner::Parts {
-    KeychainContents contents;
-    X509 *certificate = nullptr;
-    EVP_PKEY *key = nullptr;
+    QByteArray certificate;
+    SharedKey key;
 };
 
 DigestSigner::DigestSigner(const QString &folder, const QString &certificateSha1)
     : m_parts(std::make_unique<Parts>())
 {
-    m_parts->contents = readKeychain(folder);
-    const auto &certificates = m_parts->contents.certificates;
-    const auto found =
-        std::find_if(certificates.begin(), certificates.end(), [&](const Certificate &certificate) {
-            return fingerprintOf(certificate.get()).compare(certificateSha1, Qt::CaseInsensitive) == 0;
-        });
-    if (found == certificates.end())
-        return;
-    m_parts->key = m_parts->contents.keyOf(found->get());
-    m_parts->certificate = m_parts->key ? found->get() : nullptr;
+    const KeychainContents contents = readKeychain(folder);
+    for (const auto &entry : contents.entries) {
+        X509 *certificate = entry.certificate.get();
+        if (fingerprintOf(certificate).compare(certificateSha1, Qt::CaseInsensitive) != 0)
+            continue;
+        const auto key = contents.openKeyOf(certificate);
+        if (key)
+            *m_parts = {derOf(certificate), *key};
+    }
 }
 
 DigestSigner::~DigestSigner() = default;
 
 bool DigestSigner::hasRsaKey() const
 {
-    return m_parts->key && EVP_PKEY_get_base_id(m_parts->key) == EVP_PKEY_RSA;
+    return m_parts->key && EVP_PKEY_get_base_id(m_parts->key.get()) == EVP_PKEY_RSA;
 }
 
 QByteArray DigestSigner::certificate() const
 {
-    unsigned char *bytes = nullptr;
-    const int length = m_parts->certificate ? i2d_X509(m_parts->certificate, &bytes) : 0;
-    const QByteArray certificate(reinterpret_cast<char *>(bytes), std::max(length, 0));
-    OPENSSL_free(bytes);
-    return certificate;
+    return m_parts->certificate;
 }
 
 qsizetype DigestSigner::signatureSize() const
 {
-    return m_parts->key ? EVP_PKEY_get_size(m_parts->key) : 0;
+    return m_parts->key ? EVP_PKEY_get_size(m_parts->key.get()) : 0;
 }
 
 DigestSignature DigestSigner::sign(const QByteArray &digest, QCryptographicHash::Algorithm algorithm) const
 {
     DigestSignature signature{certificate(), QByteArray(signatureSize(), '\0')};
     auto length = std::size_t(signature.bytes.size());
-    const Operation operation(m_parts->key ? EVP_PKEY_CTX_new(m_parts->key, nullptr) : nullptr);
+    const Operation operation(m_parts->key ? EVP_PKEY_CTX_new(m_parts->key.get(), nullptr) : nullptr);
     const bool isSigned = operation && EVP_PKEY_sign_init(operation.get()) == 1
-        && chooseScheme(operation.get(), m_parts->key, algorithm)
+        && chooseScheme(operation.get(), m_parts->key.get(), algorithm)
         && EVP_PKEY_sign(operation.get(), reinterpret_cast<unsigned char *>(signature.bytes.data()), &length,
                          bytesOf(digest), std::size_t(digest.size()))
             == 1;
@@ -88,8 +75,7 @@ DigestSignature DigestSigner::sign(const QByteArray &digest, QCryptographicHash:
 
 bool DigestSignature::fits(const QByteArray &digest, QCryptographicHash::Algorithm algorithm) const
 {
-    const unsigned char *der = bytesOf(certificate);
-    const Certificate x509(d2i_X509(nullptr, &der, long(certificate.size())));
+    const Certificate x509 = certificateFrom(certificate);
     EVP_PKEY *key = x509 ? X509_get0_pubkey(x509.get()) : nullptr;
     const Operation operation(key ? EVP_PKEY_CTX_new(key, nullptr) : nullptr);
     const bool does = operation && EVP_PKEY_verify_init(operation.get()) == 1

@@ -1,19 +1,17 @@
 #include "formats/identities.h"
 
+#include <QCryptographicHash>
+#include <QRegularExpression>
 #include <QUrl>
 
-#include <openssl/ec.h>
-#include <openssl/err.h>
-#include <openssl/evp.h>
-#include <openssl/pem.h>
-#include <openssl/rand.h>
-#include <openssl/rsa.h>
 #include <openssl/x509v3.h>
 
-#include <sys/stat.h>
+#include <algorithm>
+#include <iterator>
 
+#include "formats/authority.h"
+#include "formats/certificatefile.h"
 #include "formats/keychaincontents.h"
-#include "support/wholefile.h"
 
 using namespace Qt::StringLiterals;
 
@@ -21,26 +19,10 @@ namespace toolchain {
 
 namespace {
 
-using Extension = std::unique_ptr<X509_EXTENSION, Freed<X509_EXTENSION_free>>;
-using UsageList = std::unique_ptr<EXTENDED_KEY_USAGE, Freed<EXTENDED_KEY_USAGE_free>>;
-using Object = std::unique_ptr<ASN1_OBJECT, Freed<ASN1_OBJECT_free>>;
-
 /// Apple's extended key usage for a certificate that signs installer packages.
 constexpr const char *packageSigningUsage = "1.2.840.113635.100.4.13";
-constexpr long tenYearsInSeconds = 10L * 365 * 24 * 60 * 60;
-
-QString commonNameOf(X509 *certificate)
-{
-    X509_NAME *subject = X509_get_subject_name(certificate);
-    const int at = X509_NAME_get_index_by_NID(subject, NID_commonName, -1);
-    if (at < 0)
-        return {};
-    unsigned char *text = nullptr;
-    const int length = ASN1_STRING_to_UTF8(&text, X509_NAME_ENTRY_get_data(X509_NAME_get_entry(subject, at)));
-    const QString name = length < 0 ? QString() : QString::fromUtf8(reinterpret_cast<char *>(text), length);
-    OPENSSL_free(text);
-    return name;
-}
+/// X.520, ub-organization-name.
+constexpr qsizetype longestOrganisation = 64;
 
 bool isValidNow(X509 *certificate)
 {
@@ -48,102 +30,60 @@ bool isValidNow(X509 *certificate)
         && X509_cmp_current_time(X509_get0_notAfter(certificate)) > 0;
 }
 
-bool canSignPackages(X509 *certificate)
-{
-    const UsageList usages(static_cast<EXTENDED_KEY_USAGE *>(
-        X509_get_ext_d2i(certificate, NID_ext_key_usage, nullptr, nullptr)));
-    const Object wanted(OBJ_txt2obj(packageSigningUsage, 1));
-    for (int index = 0; usages && index < sk_ASN1_OBJECT_num(usages.get()); ++index) {
-        if (OBJ_cmp(sk_ASN1_OBJECT_value(usages.get(), index), wanted.get()) == 0)
-            return true;
-    }
-    return false;
-}
-
 Identity identityFrom(X509 *certificate)
 {
-    return {commonNameOf(certificate), fingerprintOf(certificate), isValidNow(certificate),
-            (X509_get_extended_key_usage(certificate) & XKU_CODE_SIGN) != 0, canSignPackages(certificate)};
+    return {subjectEntryOf(certificate, NID_commonName),
+            fingerprintOf(certificate),
+            isValidNow(certificate),
+            (X509_get_extended_key_usage(certificate) & XKU_CODE_SIGN) != 0,
+            hasUsage(certificate, packageSigningUsage),
+            derOf(certificate),
+            {}};
 }
 
+/// Code may be signed with any key, even with one whose certificate says nothing of code.
 bool isFor(const Identity &identity, IdentityKind kind)
 {
-    return kind == IdentityKind::Application ? identity.canSignCode : identity.canSignPackages;
+    return identity.canSignPackages == (kind == IdentityKind::Installer);
 }
 
-bool addExtension(X509 *certificate, int nid, const char *value)
+bool isMeant(const Identity &identity, const QString &wanted)
 {
-    const Extension extension(X509V3_EXT_conf_nid(nullptr, nullptr, nid, value));
-    return extension && X509_add_ext(certificate, extension.get(), -1) == 1;
+    return identity.sha1.compare(wanted, Qt::CaseInsensitive) == 0 || identity.commonName.contains(wanted);
 }
 
-bool addName(X509_NAME *name, const char *field, const QString &text)
+/// The members that a test is true of, or all where it is true of none.
+template <typename Test>
+QList<Identity> preferred(const QList<Identity> &identities, const Test &test)
 {
-    const QByteArray bytes = text.toUtf8();
-    return X509_NAME_add_entry_by_txt(name, field, MBSTRING_UTF8,
-                                      reinterpret_cast<const unsigned char *>(bytes.constData()),
-                                      static_cast<int>(bytes.size()), -1, 0)
-        == 1;
+    QList<Identity> better;
+    std::copy_if(identities.begin(), identities.end(), std::back_inserter(better), test);
+    return better.isEmpty() ? identities : better;
 }
 
-bool setSerialNumber(X509 *certificate)
+QString namesOf(const QList<Identity> &identities)
 {
-    std::uint64_t number = 0;
-    if (RAND_bytes(reinterpret_cast<unsigned char *>(&number), sizeof number) != 1)
-        return false;
-    return ASN1_INTEGER_set_uint64(X509_get_serialNumber(certificate), number >> 1) == 1;
+    QStringList names;
+    for (const Identity &identity : identities)
+        names.append(u'"' + identity.commonName + u'"');
+    return names.join(u" and "_s);
 }
 
-Certificate selfSignedCertificate(EVP_PKEY *key, const QString &commonName, IdentityKind kind)
-{
-    Certificate certificate(X509_new());
-    X509 *x509 = certificate.get();
-    X509_NAME *subject = X509_get_subject_name(x509);
-    const QString notice = u"Self-signed for trying out Sealwright"_s;
-    const char *usage = kind == IdentityKind::Application ? "critical,codeSigning" : packageSigningUsage;
-    const bool isWhole = X509_set_version(x509, X509_VERSION_3) == 1 && setSerialNumber(x509)
-        && X509_gmtime_adj(X509_getm_notBefore(x509), 0)
-        && X509_gmtime_adj(X509_getm_notAfter(x509), tenYearsInSeconds) && addName(subject, "CN", commonName)
-        && addName(subject, "OU", notice) && addName(subject, "O", notice)
-        && X509_set_issuer_name(x509, subject) == 1 && X509_set_pubkey(x509, key) == 1
-        && addExtension(x509, NID_basic_constraints, "critical,CA:FALSE")
-        && addExtension(x509, NID_key_usage, "critical,digitalSignature")
-        && addExtension(x509, NID_ext_key_usage, usage) && X509_sign(x509, key, EVP_sha256()) > 0;
-    return isWhole ? std::move(certificate) : nullptr;
-}
+struct Holder {
+    QString organisation;
+    QString team;
+};
 
-/// The signature in a package's header is an RSA signature.
-Key newKey(IdentityKind kind)
+/// "Example Corp (A1B2C3D4E5)". A name without a team gets one of its own, of ten letters and digits as
+/// Apple's have.
+Holder holderFrom(const QString &name)
 {
-    constexpr unsigned int bits = 2048;
-    return Key(kind == IdentityKind::Application ? EVP_EC_gen("P-256") : EVP_RSA_gen(bits));
-}
-
-QByteArray pemOf(EVP_PKEY *key, X509 *certificate)
-{
-    const MemoryFile memory(BIO_new(BIO_s_mem()));
-    if (PEM_write_bio_X509(memory.get(), certificate) != 1
-        || PEM_write_bio_PrivateKey(memory.get(), key, nullptr, nullptr, 0, nullptr, nullptr) != 1)
-        return {};
-    char *bytes = nullptr;
-    const long length = BIO_get_mem_data(memory.get(), &bytes);
-    return {bytes, static_cast<int>(length)};
-}
-
-QString libraryError()
-{
-    char text[256] = {};
-    ERR_error_string_n(ERR_get_error(), text, sizeof text);
-    ERR_clear_error();
-    return QString::fromLatin1(text);
-}
-
-QString storeIdentity(const QString &path, const QByteArray &pem)
-{
-    const mode_t mask = umask(077);
-    const std::string error = writeWholeFile(path.toStdString(), {pem.constData(), std::size_t(pem.size())});
-    umask(mask);
-    return QString::fromStdString(error);
+    static const QRegularExpression form(u"^(.*?)\\s*\\(([^()]+)\\)$"_s);
+    const auto match = form.match(name);
+    if (match.hasMatch())
+        return {match.captured(1).left(longestOrganisation), match.captured(2)};
+    const QByteArray digest = QCryptographicHash::hash(name.toUtf8(), QCryptographicHash::Sha256);
+    return {name.left(longestOrganisation), QString::fromLatin1(digest.toHex().left(10).toUpper())};
 }
 
 } // namespace
@@ -151,42 +91,40 @@ QString storeIdentity(const QString &path, const QByteArray &pem)
 IdentityList readIdentities(const QString &folder)
 {
     const KeychainContents contents = readKeychain(folder);
-    IdentityList list;
-    list.warnings = contents.warnings;
-    for (const Certificate &certificate : contents.certificates) {
-        if (contents.keyOf(certificate.get()))
-            list.identities.append(identityFrom(certificate.get()));
+    IdentityList list{{}, contents.warnings};
+    const TrustStore store = contents.entries.empty() ? TrustStore() : TrustStore::ofThisMachine();
+    for (const auto &entry : contents.entries) {
+        if (!contents.hasKeyOf(entry.certificate.get()))
+            continue;
+        Identity identity = identityFrom(entry.certificate.get());
+        identity.trust = trustOf(identity.certificate, contents.certificates(), TrustPurpose::Any, {}, store);
+        list.identities.append(identity);
     }
     return list;
 }
 
 std::optional<Identity> readCertificate(const QByteArray &certificate)
 {
-    auto bytes = reinterpret_cast<const unsigned char *>(certificate.constData());
-    const Certificate x509(d2i_X509(nullptr, &bytes, long(certificate.size())));
-    ERR_clear_error();
+    const Certificate x509 = certificateFrom(certificate);
     return x509 ? std::optional(identityFrom(x509.get())) : std::nullopt;
 }
 
 IdentityChoice chooseIdentity(const QString &folder, const QString &wanted, IdentityKind kind)
 {
     QList<Identity> matches;
-    QStringList names;
     for (const Identity &identity : readIdentities(folder).identities) {
-        const bool matchesName =
-            identity.sha1.compare(wanted, Qt::CaseInsensitive) == 0 || identity.commonName.contains(wanted);
-        if (!matchesName || !identity.isValidNow || !isFor(identity, kind))
-            continue;
-        if (identity.commonName == wanted)
-            return {identity, {}};
-        matches.append(identity);
-        names.append(identity.commonName);
+        if (!wanted.isEmpty() && isMeant(identity, wanted) && isFor(identity, kind))
+            matches.append(identity);
     }
-    if (matches.isEmpty() || wanted.isEmpty())
+    if (kind == IdentityKind::Application)
+        matches = preferred(matches, [](const Identity &identity) { return identity.canSignCode; });
+    matches = preferred(matches, [](const Identity &identity) { return identity.isValidNow; });
+    matches = preferred(matches, [&](const Identity &identity) { return identity.commonName == wanted; });
+    if (matches.isEmpty())
         return {std::nullopt, u"no identity found"_s};
     if (matches.size() == 1)
         return {matches.first(), {}};
-    return {std::nullopt, u"ambiguous (matches \"%1\")"_s.arg(names.join(u"\" and \""_s))};
+    return {std::nullopt, u"ambiguous (matches %1 in %2)"_s.arg(namesOf(matches), folder)};
 }
 
 QString identityCommonName(const QString &name, IdentityKind kind)
@@ -199,13 +137,16 @@ QString identityCommonName(const QString &name, IdentityKind kind)
 NewIdentity makeIdentity(const QString &folder, const QString &name, IdentityKind kind)
 {
     const QString commonName = identityCommonName(name, kind);
-    const Key key(newKey(kind));
-    const Certificate certificate = key ? selfSignedCertificate(key.get(), commonName, kind) : nullptr;
-    if (!certificate)
-        return {{}, libraryError()};
+    const Holder holder = holderFrom(name);
+    const LeafPurpose purpose =
+        kind == IdentityKind::Application ? LeafPurpose::Application : LeafPurpose::Installer;
+    const auto issued =
+        Authority(folder).issueDeveloper(purpose, commonName, holder.team, holder.organisation);
+    if (!issued)
+        return {{}, issued.error()};
     const QString fileName = QString::fromLatin1(QUrl::toPercentEncoding(commonName, " (),:")) + u".pem"_s;
     const QString path = folder + u'/' + fileName;
-    const QString problem = storeIdentity(path, pemOf(key.get(), certificate.get()));
+    const QString problem = writeCertificateFile(path, {issued->chain.first()});
     return problem.isEmpty() ? NewIdentity{path, {}} : NewIdentity{{}, problem};
 }
 

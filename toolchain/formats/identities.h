@@ -7,15 +7,19 @@
 
 #include <optional>
 
+#include "formats/codesignature/trust.h"
+
 namespace toolchain {
 
-/// A certificate of the keychain folder whose private key lies there too.
+/// A certificate of the keychain folder whose private key is there too.
 struct Identity {
     QString commonName;
     QString sha1; ///< of the certificate, 40 upper-case hexadecimal digits
     bool isValidNow = false; ///< today lies within its dates
     bool canSignCode = false; ///< its extended key usage allows code signing
     bool canSignPackages = false; ///< its extended key usage allows signing installer packages
+    QByteArray certificate; ///< in DER form
+    Trust trust; ///< of its chain, for no purpose in particular and now
 };
 
 struct IdentityList {
@@ -28,11 +32,10 @@ enum class IdentityKind {
     Installer ///< "Developer ID Installer: ", for packages
 };
 
-/// Reads every .pem, .crt and .key file of a keychain folder; a key may lie in another file than its
-/// certificate. A folder that does not exist is an empty one.
+/// Reads a keychain folder. A folder that does not exist is an empty one.
 [[nodiscard]] IdentityList readIdentities(const QString &folder);
 
-/// What a certificate says, given in DER form; nothing if it cannot be read.
+/// What a certificate says, given in DER form, without its trust; nothing if it cannot be read.
 [[nodiscard]] std::optional<Identity> readCertificate(const QByteArray &certificate);
 
 struct IdentityChoice {
@@ -40,21 +43,20 @@ struct IdentityChoice {
     QString problem; ///< why there is none; empty if there is
 };
 
-/// The one valid identity of a kind that is meant by a certificate's name, a part of it, or its SHA-1. A
-/// whole name goes before names that it is a part of.
+/// The one identity of a kind that is meant by a certificate's name, a part of it, or its SHA-1. A whole name
+/// goes before names that it is a part of, identities that are within their dates go before others.
 [[nodiscard]] IdentityChoice chooseIdentity(const QString &folder, const QString &wanted, IdentityKind kind);
 
 /// The common name of the identity that `makeIdentity` makes.
 [[nodiscard]] QString identityCommonName(const QString &name, IdentityKind kind);
 
 struct NewIdentity {
-    QString path; ///< of the PEM file; empty on failure
+    QString path; ///< of the certificate's PEM file; empty on failure
     QString error;
 };
 
-/// Makes a key (elliptic curve P-256; RSA of 2048 bits for packages) and a self-signed certificate for it,
-/// good for ten years, in one PEM file of the folder that only its owner may read. The certificate says in
-/// its organisation what it is.
+/// Has the authority of this machine make a key (RSA of 2048 bits, kept in the vault) and a certificate for
+/// it with Apple's extensions for Developer ID. `name` is the holder with the team in parentheses.
 [[nodiscard]] NewIdentity makeIdentity(const QString &folder, const QString &name, IdentityKind kind);
 
 } // namespace toolchain

@@ -6,7 +6,14 @@
 #include <openssl/err.h>
 #include <openssl/pem.h>
 
+#include <algorithm>
+
+#include "formats/keychain/tokens.h"
+#include "formats/keychain/vault.h"
+
 using namespace Qt::StringLiterals;
+using platform::Error;
+using platform::Result;
 
 namespace toolchain {
 
@@ -24,36 +31,47 @@ int refusePassphrase(char *, int, int, void *)
 }
 
 /// A certificate and the key that follows it in a file come as one piece.
-bool takePiece(X509_INFO *piece, KeychainContents &contents)
+bool takePiece(X509_INFO *piece, const QString &path, KeychainContents &contents)
 {
     const bool hasCertificate = piece->x509 != nullptr;
     const bool hasKey = piece->x_pkey && piece->x_pkey->dec_pkey;
     if (hasCertificate)
-        contents.certificates.emplace_back(std::exchange(piece->x509, nullptr));
+        contents.entries.push_back({Certificate(std::exchange(piece->x509, nullptr)), path});
     if (hasKey)
-        contents.keys.emplace_back(std::exchange(piece->x_pkey->dec_pkey, nullptr));
+        contents.plainKeys.emplace_back(std::exchange(piece->x_pkey->dec_pkey, nullptr));
     return hasCertificate || hasKey;
 }
 
 /// Adds what a PEM file holds; false if that is nothing that can be used.
-bool addFile(const QByteArray &bytes, KeychainContents &contents)
+bool addFile(const QByteArray &bytes, const QString &path, KeychainContents &contents)
 {
-    const MemoryFile memory(BIO_new_mem_buf(bytes.constData(), static_cast<int>(bytes.size())));
+    const MemoryFile memory = memoryOver(bytes);
     const std::unique_ptr<STACK_OF(X509_INFO), Freed<freeInfoStack>> stack(
         PEM_X509_INFO_read_bio(memory.get(), nullptr, refusePassphrase, nullptr));
     bool isUseful = false;
     for (int index = 0; stack && index < sk_X509_INFO_num(stack.get()); ++index)
-        isUseful |= takePiece(sk_X509_INFO_value(stack.get(), index), contents);
+        isUseful |= takePiece(sk_X509_INFO_value(stack.get(), index), path, contents);
     ERR_clear_error();
     return isUseful;
 }
 
-} // namespace
+void addFiles(KeychainContents &contents)
+{
+    const QStringList filters{u"*.pem"_s, u"*.crt"_s, u"*.key"_s};
+    const auto files = QDir(contents.folder).entryList(filters, QDir::Files, QDir::Name);
+    for (const QString &name : files) {
+        QFile file(contents.folder + u'/' + name);
+        if (!file.open(QIODevice::ReadOnly))
+            contents.warnings.append(file.fileName() + u": "_s + file.errorString());
+        else if (!addFile(file.readAll(), file.fileName(), contents))
+            contents.warnings.append(file.fileName() + u": no certificate and no key that can be read"_s);
+    }
+}
 
-EVP_PKEY *KeychainContents::keyOf(X509 *certificate) const
+EVP_PKEY *plainKeyOf(const KeychainContents &contents, X509 *certificate)
 {
     EVP_PKEY *found = nullptr;
-    for (const Key &key : keys) {
+    for (const Key &key : contents.plainKeys) {
         if (X509_check_private_key(certificate, key.get()) == 1)
             found = key.get();
     }
@@ -61,28 +79,57 @@ EVP_PKEY *KeychainContents::keyOf(X509 *certificate) const
     return found;
 }
 
+Result<SharedKey> vaultKey(const QString &folder, const QString &id)
+{
+    const auto secrets = Vault(folder).read();
+    if (!secrets)
+        return secrets.failure();
+    SharedKey key(keyFrom(secrets->keys.value(id)));
+    return key ? Result<SharedKey>(key) : Error{u"the private key cannot be read"_s};
+}
+
+} // namespace
+
+bool KeychainContents::hasKeyOf(X509 *certificate) const
+{
+    const QString id = publicKeyId(certificate);
+    return vaultKeys.contains(id) || tokenKeys.contains(id) || plainKeyOf(*this, certificate);
+}
+
+Result<SharedKey> KeychainContents::openKeyOf(X509 *certificate) const
+{
+    const QString id = publicKeyId(certificate);
+    if (vaultKeys.contains(id))
+        return vaultKey(folder, id);
+    if (tokenKeys.contains(id))
+        return openTokenKey(tokenKeys.value(id), Vault(folder));
+    EVP_PKEY *plain = plainKeyOf(*this, certificate);
+    if (!plain)
+        return Error{u"the private key is not in the keychain"_s};
+    EVP_PKEY_up_ref(plain);
+    return SharedKey(Key(plain));
+}
+
+QList<QByteArray> KeychainContents::certificates() const
+{
+    QList<QByteArray> list;
+    for (const Entry &entry : entries)
+        list.append(derOf(entry.certificate.get()));
+    return list;
+}
+
 KeychainContents readKeychain(const QString &folder)
 {
     KeychainContents contents;
-    const QStringList filters{u"*.pem"_s, u"*.crt"_s, u"*.key"_s};
-    const auto files = QDir(folder).entryList(filters, QDir::Files, QDir::Name);
-    for (const QString &name : files) {
-        QFile file(folder + u'/' + name);
-        if (!file.open(QIODevice::ReadOnly))
-            contents.warnings.append(file.fileName() + u": "_s + file.errorString());
-        else if (!addFile(file.readAll(), contents))
-            contents.warnings.append(file.fileName() + u": no certificate and no key that can be read"_s);
-    }
+    contents.folder = folder;
+    addFiles(contents);
+    const auto ids = Vault(folder).keyIds();
+    if (ids)
+        contents.vaultKeys = *ids;
+    else
+        contents.warnings.append(ids.error());
+    contents.tokenKeys = readTokenKeys(folder);
     return contents;
-}
-
-QString fingerprintOf(X509 *certificate)
-{
-    unsigned char digest[EVP_MAX_MD_SIZE] = {};
-    unsigned int length = 0;
-    X509_digest(certificate, EVP_sha1(), digest, &length);
-    const QByteArray sha1(reinterpret_cast<char *>(digest), static_cast<int>(length));
-    return QString::fromLatin1(sha1.toHex().toUpper());
 }
 
 } // namespace toolchain

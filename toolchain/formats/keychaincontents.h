@@ -1,44 +1,44 @@
 #pragma once
 
+#include <QMap>
 #include <QString>
 #include <QStringList>
-
-#include <openssl/evp.h>
-#include <openssl/x509.h>
 
 #include <memory>
 #include <vector>
 
+#include "formats/cryptography.h"
+#include "platform/result.h"
+
 namespace toolchain {
 
-/// Lets a smart pointer free what libcrypto made.
-template <auto freeFunction>
-struct Freed {
-    template <typename T>
-    void operator()(T *object) const
-    {
-        freeFunction(object);
-    }
-};
-
-using Certificate = std::unique_ptr<X509, Freed<X509_free>>;
-using Key = std::unique_ptr<EVP_PKEY, Freed<EVP_PKEY_free>>;
-using MemoryFile = std::unique_ptr<BIO, Freed<BIO_free_all>>;
-
-/// What the PEM files of a keychain folder hold.
+/// What a keychain folder holds: certificates in PEM files; private keys in the vault, in tokens, or in PEM
+/// files as the folder's first form had them.
 struct KeychainContents {
-    std::vector<Certificate> certificates; ///< ordered by their files' names
-    std::vector<Key> keys;
+    struct Entry {
+        Certificate certificate;
+        QString path; ///< of the file that it lies in
+    };
+
+    QString folder;
+    std::vector<Entry> entries; ///< ordered by their files' names
+    std::vector<Key> plainKeys;
+    QStringList vaultKeys; ///< by `publicKeyId`
+    QMap<QString, QString> tokenKeys; ///< PKCS #11 URIs by `publicKeyId`
     QStringList warnings; ///< one line for each file that could not be used
 
-    /// The private key of a certificate; null if it is not there. Stays the contents' own.
-    [[nodiscard]] EVP_PKEY *keyOf(X509 *certificate) const;
+    [[nodiscard]] bool hasKeyOf(X509 *certificate) const;
+
+    /// The private key of a certificate, ready to sign. Fails where it is not there, the vault is locked, or
+    /// the token does not answer.
+    [[nodiscard]] platform::Result<SharedKey> openKeyOf(X509 *certificate) const;
+
+    /// In DER form.
+    [[nodiscard]] QList<QByteArray> certificates() const;
 };
 
-/// Reads every .pem, .crt and .key file. A folder that does not exist is an empty one.
+/// Reads every .pem, .crt and .key file, and which keys the vault and the tokens have. A folder that does not
+/// exist is an empty one.
 [[nodiscard]] KeychainContents readKeychain(const QString &folder);
-
-/// SHA-1 of a certificate, 40 upper-case hexadecimal digits.
-[[nodiscard]] QString fingerprintOf(X509 *certificate);
 
 } // namespace toolchain

@@ -3,46 +3,51 @@
 #include <QFile>
 #include <QUrl>
 
-#include <sys/stat.h>
-
+#include "formats/keychain/vault.h"
 #include "formats/statefolder.h"
-#include "support/wholefile.h"
 
 using namespace Qt::StringLiterals;
+using platform::Outcome;
 
 namespace toolchain {
 
 namespace {
 
-QString passwordFolder()
+/// Where the first form of the folder kept an item, in the clear. A name may hold any character, so it is in
+/// percent form.
+QString plainPath(const QString &name)
 {
-    return keychainFolder() + u"/passwords"_s;
+    return keychainFolder() + u"/passwords/"_s + QString::fromLatin1(QUrl::toPercentEncoding(name))
+        + u".password"_s;
 }
 
-/// A name may hold any character, so it is written in percent form.
-QString itemPath(const QString &name)
+std::optional<QByteArray> readPlainPassword(const QString &name)
 {
-    return passwordFolder() + u'/' + QString::fromLatin1(QUrl::toPercentEncoding(name)) + u".password"_s;
+    QFile file(plainPath(name));
+    return file.open(QIODevice::ReadOnly) ? std::optional(file.readAll()) : std::nullopt;
 }
 
 } // namespace
 
 std::optional<QByteArray> readPassword(const QString &name)
 {
-    QFile file(itemPath(name));
-    return file.open(QIODevice::ReadOnly) ? std::optional(file.readAll()) : std::nullopt;
+    auto secrets = Vault(keychainFolder()).read();
+    const PasswordItem *item = secrets ? secrets->find(name) : nullptr;
+    return item ? std::optional(item->password) : readPlainPassword(name);
 }
 
 QString storePassword(const QString &name, const QByteArray &password)
 {
-    const QString problem = makePrivateFolder(passwordFolder());
-    if (!problem.isEmpty())
-        return problem;
-    const mode_t mask = umask(077);
-    const std::string error =
-        writeWholeFile(itemPath(name).toStdString(), {password.constData(), std::size_t(password.size())});
-    umask(mask);
-    return QString::fromStdString(error);
+    const auto changed = Vault(keychainFolder()).change([&](VaultSecrets &secrets) {
+        if (PasswordItem *item = secrets.find(name))
+            item->password = password;
+        else
+            secrets.passwords.append({name, {}, password});
+        return Outcome::success();
+    });
+    if (changed)
+        QFile::remove(plainPath(name));
+    return changed.error();
 }
 
 } // namespace toolchain

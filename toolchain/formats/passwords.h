@@ -7,12 +7,12 @@
 
 namespace toolchain {
 
-/// The password kept in the keychain folder under a name; nothing if there is no such item or it cannot
-/// be read.
+/// The password kept in the keychain's vault under a name; nothing if there is no such item, or the vault is
+/// locked or cannot be read.
 [[nodiscard]] std::optional<QByteArray> readPassword(const QString &name);
 
-/// Keeps a password under a name, in a file that only its owner may read; an item of that name is
-/// replaced. Answers what went wrong, or an empty text.
+/// Keeps a password under a name in the keychain's vault, encrypted; an item of that name is replaced.
+/// Answers what went wrong, or an empty text.
 [[nodiscard]] QString storePassword(const QString &name, const QByteArray &password);
 
 } // namespace toolchain

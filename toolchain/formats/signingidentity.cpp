@@ -1,0 +1,42 @@
+#include "formats/signingidentity.h"
+
+#include <openssl/obj_mac.h>
+
+#include "formats/keychaincontents.h"
+#include "formats/statefolder.h"
+
+using namespace Qt::StringLiterals;
+using platform::Error;
+using platform::Result;
+
+namespace toolchain {
+
+namespace {
+
+bool hasTeam(const Trust &trust)
+{
+    return trust.anchor == Anchor::Apple
+        || (trust.anchor == Anchor::ThisMachine
+            && (isDeveloperIdForCode(trust.chain) || isDeveloperIdForPackages(trust.chain)));
+}
+
+Result<SigningIdentity> opened(const Identity &identity)
+{
+    const Certificate leaf = certificateFrom(identity.certificate);
+    const auto key = readKeychain(keychainFolder()).openKeyOf(leaf.get());
+    if (!key)
+        return key.failure();
+    const QString team =
+        hasTeam(identity.trust) ? subjectEntryOf(leaf.get(), NID_organizationalUnitName) : QString();
+    return SigningIdentity{identity.trust.chain, identity.commonName, team, identity.trust.anchor, *key};
+}
+
+} // namespace
+
+Result<SigningIdentity> findSigningIdentity(const QString &wanted, IdentityKind kind)
+{
+    const IdentityChoice choice = chooseIdentity(keychainFolder(), wanted, kind);
+    return choice.identity ? opened(*choice.identity) : Error{choice.problem};
+}
+
+} // namespace toolchain
