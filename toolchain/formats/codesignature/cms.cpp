@@ -29,20 +29,6 @@ using Attributes = std::unique_ptr<STACK_OF(X509_ATTRIBUTE), Freed<freeAttribute
 
 constexpr const char *timestampTokenOid = "1.2.840.113549.1.9.16.2.14";
 
-const EVP_MD *digestFor(QCryptographicHash::Algorithm algorithm)
-{
-    switch (algorithm) {
-    case QCryptographicHash::Sha1:
-        return EVP_sha1();
-    case QCryptographicHash::Sha384:
-        return EVP_sha384();
-    case QCryptographicHash::Sha512:
-        return EVP_sha512();
-    default:
-        return EVP_sha256();
-    }
-}
-
 Attributes attributesFrom(const QList<QByteArray> &encodings)
 {
     Attributes attributes(sk_X509_ATTRIBUTE_new_null());

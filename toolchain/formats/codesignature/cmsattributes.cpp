@@ -101,6 +101,20 @@ int hashTypeOfDigest(int nid)
     return 0;
 }
 
+const EVP_MD *digestFor(QCryptographicHash::Algorithm algorithm)
+{
+    switch (algorithm) {
+    case QCryptographicHash::Sha1:
+        return EVP_sha1();
+    case QCryptographicHash::Sha384:
+        return EVP_sha384();
+    case QCryptographicHash::Sha512:
+        return EVP_sha512();
+    default:
+        return EVP_sha256();
+    }
+}
+
 QByteArray attributeOf(const char *oid, const QList<QByteArray> &values)
 {
     QList<QByteArray> sorted = values;

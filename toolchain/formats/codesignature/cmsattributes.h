@@ -23,6 +23,9 @@ inline constexpr const char *hashAgilityOid = "1.2.840.113635.100.9.2";
 /// The hash type of a digest's number; 0 for none.
 [[nodiscard]] int hashTypeOfDigest(int nid);
 
+/// libcrypto's digest; SHA-256 for algorithms that no signature uses.
+[[nodiscard]] const EVP_MD *digestFor(QCryptographicHash::Algorithm algorithm);
+
 /// The signed attributes of code, in the order of their encoding.
 [[nodiscard]] QList<QByteArray> codeAttributes(const CodeCmsOrder &order);
 

@@ -1,0 +1,36 @@
+#include "formats/codesignature/cmsreader.h"
+
+#include "formats/codesignature/timestamptoken.h"
+
+namespace toolchain {
+
+namespace {
+
+void judgeTimestamp(const CmsSignature &signature, const TrustStore &store, CmsJudgement &judgement)
+{
+    if (signature.timestampToken.isEmpty())
+        return;
+    const auto stamp = checkTimestamp(signature.timestampToken, signature.value, store);
+    if (!stamp) {
+        judgement.timestampProblem = stamp.error();
+        return;
+    }
+    judgement.timestamp = stamp->time;
+    judgement.timestampAnchor = stamp->anchor;
+}
+
+} // namespace
+
+CmsJudgement judgeCms(const CmsSignature &signature, const SignedContent &content, TrustPurpose purpose,
+                      const TrustStore &store)
+{
+    CmsJudgement judgement;
+    judgement.problem = objectionTo(signature, content);
+    judgement.signingTime = signature.signingTime;
+    judgeTimestamp(signature, store, judgement);
+    judgement.trust = trustOf(signature.leaf, signature.certificates, purpose,
+                              judgement.timestamp.value_or(QDateTime()), store);
+    return judgement;
+}
+
+} // namespace toolchain
