@@ -1,0 +1,9 @@
+# Seals, packages and tickets.
+target_sources(tst_toolchain PRIVATE
+    cpiobuilder.cpp cpiobuilder.h
+    tst_payload.cpp
+    tst_seal.cpp
+    tst_ticket.cpp
+    tst_xar.cpp
+    xarbuilder.cpp xarbuilder.h)
+target_link_libraries(tst_toolchain PRIVATE lzma tool_package tool_seal tool_ticket tool_xar)
