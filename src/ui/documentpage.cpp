@@ -105,7 +105,9 @@ void DocumentPage::rememberFocus()
 
 void DocumentPage::restoreFocus()
 {
-    if (QWidget *const focused = focusWidget() ? focusWidget() : m_lastFocus.get())
+    // What shows a page for the first time gives the keyboard to the first of its parts.
+    QWidget *const remembered = std::exchange(m_lastFocus, nullptr).get();
+    if (QWidget *const focused = remembered ? remembered : focusWidget())
         focused->setFocus();
 }
 
