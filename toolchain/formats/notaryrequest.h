@@ -13,9 +13,22 @@ namespace toolchain {
 struct NotaryIssue {
     QString path; ///< inside the archive, beginning with the archive's name
     QString message;
+    QString severity = QStringLiteral("error"); ///< or "warning", which refuses nothing
+    QString architecture = {}; ///< "x86_64", "arm64"; empty where the issue is of no one architecture
 };
 
 enum class Verdict { InProgress, Success, Invalid };
+
+/// How far an upload has come. What never was uploaded whole stays in progress, as with the real service.
+enum class Phase { Announced, Uploaded, Reviewed };
+
+/// One hash that the ticket of an approval vouches for.
+struct TicketEntry {
+    QString path; ///< as in an issue
+    int hashType = 2; ///< 1 SHA-1, 2 SHA-256
+    QByteArray hash; ///< 40 lower-case hexadecimal digits
+    QString architecture; ///< may be empty
+};
 
 /// An upload and what became of it.
 struct NotaryRequest {
@@ -23,12 +36,18 @@ struct NotaryRequest {
     QString archiveName;
     QByteArray archiveDigest; ///< SHA-256, 64 lower-case hexadecimal digits
     QString bundleIdentifier; ///< as the sender gave it
-    QDateTime uploaded; ///< UTC, whole seconds
-    QList<NotaryIssue> issues; ///< none means approved
+    QDateTime uploaded; ///< UTC
+    QList<NotaryIssue> issues; ///< none of severity "error" means approved
     QList<QByteArray> sealDigests; ///< of the archive's bundles, as `sealDigest` has them
+    QList<TicketEntry> ticketContents; ///< of what was approved
     int polls = 0; ///< how often the sender has asked
+    Phase phase = Phase::Reviewed;
+    QDateTime decided; ///< UTC; not valid before
+    QString webhook; ///< address that is told of the end; mostly empty
 
-    /// In progress while the sender has asked less than three times and the upload is younger than two
+    [[nodiscard]] bool isApproved() const;
+
+    /// In progress until it has been reviewed, and while the sender has asked less than three times and the upload is younger than two
     /// minutes, so that a sender meets the waiting that the real service imposes.
     [[nodiscard]] Verdict verdict() const;
 };

@@ -1,7 +1,6 @@
 #include "formats/notaryreview.h"
 
 #include <QCryptographicHash>
-#include <QFileInfo>
 
 #include "formats/bundle.h"
 #include "formats/identities.h"
@@ -114,15 +113,15 @@ void reviewBundles(const PackedFiles &contents, const QStringList &folders, cons
         review.issues.append({name, u"The archive holds no bundle."_s});
 }
 
-Review reviewArchive(const QString &path)
+Review reviewArchive(const QString &path, const QString &name)
 {
     Review review;
     const PackedFiles contents = readZipArchive(path, holdsEvidence);
-    reviewBundles(contents, topFolders(contents.files), QFileInfo(path).fileName(), review);
+    reviewBundles(contents, topFolders(contents.files), name, review);
     return review;
 }
 
-Review reviewImage(const QString &path)
+Review reviewImage(const QString &path, const QString &name)
 {
     Review review;
     const SignedImage image(path);
@@ -134,7 +133,7 @@ Review reviewImage(const QString &path)
         if (liesInBundle(file.key()))
             bundles.insert(file.key(), *file);
     }
-    reviewBundles(contents, topFolders(bundles), QFileInfo(path).fileName(), review);
+    reviewBundles(contents, topFolders(bundles), name, review);
     review.sealDigests.append(image.sealDigest());
     return review;
 }
@@ -157,13 +156,13 @@ QString problemOf(const XarFile &package)
     return damaged.isEmpty() ? QString() : u"The package is damaged: "_s + damaged + u'.';
 }
 
-Review reviewPackage(const QString &path)
+Review reviewPackage(const QString &path, const QString &name)
 {
     Review review;
     const XarFile package(path);
     const QString problem = problemOf(package);
     if (!problem.isEmpty())
-        review.issues.append({QFileInfo(path).fileName(), problem});
+        review.issues.append({name, problem});
     else
         review.sealDigests.append(package.sealDigest());
     return review;
@@ -176,11 +175,11 @@ bool canBeReviewed(const QString &path)
     return looksLikeZipArchive(path) || XarFile::looksLikeOne(path) || SignedImage::looksLikeOne(path);
 }
 
-Review reviewUpload(const QString &path)
+Review reviewUpload(const QString &path, const QString &name)
 {
     if (looksLikeZipArchive(path))
-        return reviewArchive(path);
-    return XarFile::looksLikeOne(path) ? reviewPackage(path) : reviewImage(path);
+        return reviewArchive(path, name);
+    return XarFile::looksLikeOne(path) ? reviewPackage(path, name) : reviewImage(path, name);
 }
 
 } // namespace toolchain

@@ -17,7 +17,7 @@ struct Review {
 /// Looks into a zip archive, a disk image or a package. A package must be sound and signed. Every folder at
 /// an archive's top must be a bundle with a seal that its files agree with; a disk image may hold other
 /// things beside such bundles. A file that cannot be read, and one without a bundle, is an issue too. The
-/// locale must be a UTF-8 one.
-[[nodiscard]] Review reviewUpload(const QString &path);
+/// locale must be a UTF-8 one. `name` is what the archive is called in the issues.
+[[nodiscard]] Review reviewUpload(const QString &path, const QString &name);
 
 } // namespace toolchain

@@ -46,7 +46,8 @@ QString NotaryState::store(const NotaryRequest &request) const
         if (!problem.isEmpty())
             return problem;
     }
-    const QString problem = writeFile(logPath(request.uuid), logOf(request));
+    const QString problem =
+        request.phase == Phase::Reviewed ? writeFile(logPath(request.uuid), logOf(request)) : QString();
     return problem.isEmpty() ? write(request) : problem;
 }
 
@@ -65,6 +66,11 @@ NotaryLookup NotaryState::poll(const QString &uuid) const
     if (!lookup.error.isEmpty())
         lookup.request.reset();
     return lookup;
+}
+
+NotaryLookup NotaryState::find(const QString &uuid) const
+{
+    return QUuid::fromString(uuid).isNull() ? NotaryLookup() : readRequest(requestPath(uuid));
 }
 
 NotaryHistory NotaryState::history() const

@@ -22,11 +22,14 @@ class NotaryState {
 public:
     explicit NotaryState(QString folder);
 
-    /// Keeps a new request and its log. Answers what went wrong, or an empty text.
+    /// Keeps a request as it stands now, with its log once it has been reviewed. Answers what went wrong, or an empty text.
     [[nodiscard]] QString store(const NotaryRequest &request) const;
 
     /// Counts one question of the sender, and answers the request as it stands after it.
     [[nodiscard]] NotaryLookup poll(const QString &uuid) const;
+
+    /// The request as it stands, without counting a question.
+    [[nodiscard]] NotaryLookup find(const QString &uuid) const;
 
     [[nodiscard]] NotaryHistory history() const;
 

@@ -1,0 +1,186 @@
+#include "formats/notary/localservice.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <cstring>
+#include <optional>
+#include <string>
+#include <thread>
+
+#include "formats/statefolder.h"
+
+extern char **environ; // NOLINT(readability-redundant-declaration): POSIX leaves it to the program
+
+using namespace Qt::StringLiterals;
+using platform::Error;
+using platform::Result;
+
+namespace toolchain::notary {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr auto startLimit = std::chrono::seconds(20);
+constexpr auto lookPause = std::chrono::milliseconds(10);
+constexpr int levelsAbove = 12;
+
+QByteArray lockPath()
+{
+    return QFile::encodeName(serviceFolder() + u"/running"_s);
+}
+
+bool isRunning()
+{
+    const int descriptor = ::open(lockPath().constData(), O_RDWR | O_CLOEXEC);
+    if (descriptor < 0)
+        return false;
+    const bool isFree = flock(descriptor, LOCK_SH | LOCK_NB) == 0;
+    close(descriptor);
+    return !isFree;
+}
+
+/// The tool root's program, looked for from this program's own place upwards, since every tool lies in the
+/// same root.
+QString serviceProgram()
+{
+    QString folder = QFileInfo(QFile::symLinkTarget(u"/proc/self/exe"_s)).path();
+    for (int level = 0; level < levelsAbove && folder.size() > 1; ++level) {
+        const QString program = folder + u"/usr/bin/sealwright-notaryd"_s;
+        if (QFileInfo(program).isExecutable())
+            return program;
+        folder = QFileInfo(folder).path();
+    }
+    return {};
+}
+
+/// Everything that the program says until it has let go of the pipe, which it does when it listens.
+QString said(int descriptor)
+{
+    QByteArray text;
+    std::array<char, 4096> block;
+    ssize_t length = 0;
+    while ((length = read(descriptor, block.data(), block.size())) > 0 || (length < 0 && errno == EINTR))
+        text.append(block.data(), std::max<ssize_t>(length, 0));
+    return QString::fromUtf8(text).trimmed();
+}
+
+/// Answers the process, or the negative number of the error.
+pid_t spawn(const QString &program, int output)
+{
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_addopen(&actions, 0, "/dev/null", O_RDONLY, 0);
+    posix_spawn_file_actions_addopen(&actions, 1, "/dev/null", O_WRONLY, 0);
+    posix_spawn_file_actions_adddup2(&actions, output, 2);
+    std::string path = QFile::encodeName(program).toStdString();
+    std::string option = "--on-demand";
+    std::array<char *, 3> words{path.data(), option.data(), nullptr};
+    pid_t process = 0;
+    const int error = posix_spawn(&process, path.c_str(), &actions, nullptr, words.data(), environ);
+    posix_spawn_file_actions_destroy(&actions);
+    return error == 0 ? process : -error;
+}
+
+/// Empty once the service listens.
+QString startProgram(const QString &program)
+{
+    std::array<int, 2> ends{};
+    if (pipe2(ends.data(), O_CLOEXEC) != 0)
+        return QString::fromLocal8Bit(std::strerror(errno));
+    const pid_t process = spawn(program, ends[1]);
+    close(ends[1]);
+    const QString text = said(ends[0]);
+    close(ends[0]);
+    int status = 0;
+    if (process < 0)
+        return program + u": "_s + QString::fromLocal8Bit(std::strerror(-process));
+    waitpid(process, &status, 0);
+    return WIFEXITED(status) && WEXITSTATUS(status) == 0 ? QString() : text;
+}
+
+/// What the service has left about itself; nothing while it is on the way up.
+std::optional<ServiceConfig> addressOfRunning()
+{
+    QFile file(serviceFolder() + u"/address.json"_s);
+    if (!file.open(QIODevice::ReadOnly))
+        return std::nullopt;
+    const auto config = serviceConfigFrom(file.readAll());
+    return config && config->isLocal && !config->api.isEmpty() ? std::optional(*config) : std::nullopt;
+}
+
+Result<ServiceConfig> waitForAddress()
+{
+    const auto deadline = Clock::now() + startLimit;
+    while (Clock::now() < deadline) {
+        const auto own = addressOfRunning();
+        const auto chosen = readServiceConfig(); // what a person has put into it goes before
+        if (own && chosen && chosen->isLocal)
+            return chosen->api.isEmpty() ? *own : *chosen;
+        std::this_thread::sleep_for(lookPause);
+    }
+    return Error{u"The local notary service does not say where it listens."_s};
+}
+
+QString start()
+{
+    const QString problem = makePrivateFolder(serviceFolder());
+    if (!problem.isEmpty())
+        return problem;
+    const FolderLock starting(serviceFolder());
+    if (!starting.isHeld())
+        return serviceFolder() + u": cannot be locked"_s;
+    if (isRunning())
+        return {};
+    const QString program = serviceProgram();
+    return program.isEmpty() ? u"there is no sealwright-notaryd beside this tool"_s : startProgram(program);
+}
+
+} // namespace
+
+Result<ServiceConfig> ensureService()
+{
+    const auto config = readServiceConfig();
+    if (!config || !config->isLocal)
+        return config;
+    const QString problem = isRunning() ? QString() : start();
+    if (!problem.isEmpty())
+        return Error{u"The local notary service could not be started: "_s + problem};
+    return waitForAddress();
+}
+
+ServiceLock::ServiceLock()
+    : m_descriptor(::open(lockPath().constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0600))
+{
+    if (m_descriptor >= 0 && flock(m_descriptor, LOCK_EX | LOCK_NB) != 0) {
+        close(m_descriptor);
+        m_descriptor = -1;
+    }
+}
+
+ServiceLock::~ServiceLock()
+{
+    if (m_descriptor >= 0)
+        close(m_descriptor);
+}
+
+bool ServiceLock::isInPlace() const
+{
+    struct stat held = {};
+    struct stat found = {};
+    return fstat(m_descriptor, &held) == 0 && stat(lockPath().constData(), &found) == 0
+        && held.st_ino == found.st_ino && held.st_dev == found.st_dev;
+}
+
+} // namespace toolchain::notary

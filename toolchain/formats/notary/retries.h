@@ -1,0 +1,37 @@
+#pragma once
+
+#include <functional>
+
+#include "formats/notary/httpclient.h"
+
+namespace toolchain::notary {
+
+/// What is to be done after a reply.
+enum class NextStep {
+    Take, ///< the reply stands, be it good or bad
+    TryLater, ///< what may pass by itself
+    TryAtOnce ///< something was put right; once in a call
+};
+
+/// One call with its tries: 4 at most, none begun more than 150 seconds after the first. Longer and longer
+/// the tries bear silence, so that a service that is merely slow is heard in the end.
+class Retries {
+public:
+    /// `patience` is added to the call's time, for what is long by itself.
+    explicit Retries(Milliseconds patience = Milliseconds(0))
+        : m_patience(patience)
+    {
+    }
+
+    /// `attempt` is handed a request's limits and performs it; `judge` looks at what came of it.
+    [[nodiscard]] HttpReply run(const std::function<HttpReply(const HttpRequest &limits)> &attempt,
+                                const std::function<NextStep(const HttpReply &)> &judge) const;
+
+private:
+    const Milliseconds m_patience;
+};
+
+/// Whether a failure may pass by itself: a lost or broken connection, a timeout, 429, 500, 502, 503 and 504.
+[[nodiscard]] bool mayPass(const HttpReply &reply);
+
+} // namespace toolchain::notary

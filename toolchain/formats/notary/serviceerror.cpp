@@ -1,0 +1,154 @@
+#include "formats/notary/serviceerror.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QRegularExpression>
+#include <QStringList>
+#include <QXmlStreamReader>
+
+using namespace Qt::StringLiterals;
+
+namespace toolchain::notary {
+
+namespace {
+
+constexpr qsizetype longestText = 500;
+constexpr qsizetype readOfError = 64 * 1024;
+
+/// The storage's errors are known by their codes; these say more than their messages do.
+struct Meaning {
+    const char *code;
+    const char16_t *text;
+};
+constexpr Meaning meanings[] = {
+    {"RequestTimeTooSkewed", u"this machine's clock differs from the storage's by more than 15 minutes"},
+    {"SignatureDoesNotMatch", u"the storage does not accept the request's signature"},
+    {"InvalidAccessKeyId", u"the storage does not know the upload's credentials"},
+    {"AccessDenied", u"the storage denies the access"},
+    {"ExpiredToken", u"the upload's credentials have expired"},
+    {"RequestTimeout", u"the storage waited too long for the file's bytes"},
+    {"BadDigest", u"the file was changed while it was being uploaded"},
+    {"XAmzContentSHA256Mismatch", u"the file was changed while it was being uploaded"},
+    {"EntityTooLarge", u"the file is too large for the storage"},
+    {"NoSuchUpload", u"the storage does not know the upload any more"},
+    {"InternalError", u"the storage has an internal error"},
+    {"SlowDown", u"the storage asks to slow down"},
+};
+
+QString withRequestId(QString text, const HttpReply &reply)
+{
+    static const QRegularExpression form(uR"(Request ID: *([A-Za-z0-9._-]+))"_s);
+    const auto match = form.match(QString::fromUtf8(reply.body.left(readOfError)));
+    QString identifier = match.captured(1);
+    if (identifier.isEmpty())
+        identifier = QString::fromUtf8(reply.headers.value("x-request-id"));
+    if (!identifier.isEmpty() && !text.contains(identifier))
+        text += u" (Request ID: %1)"_s.arg(printable(identifier));
+    return text;
+}
+
+QString joined(const QStringList &parts)
+{
+    QStringList said;
+    for (const QString &part : parts) {
+        if (!part.isEmpty() && !said.contains(part))
+            said.append(part);
+    }
+    return said.join(u' ');
+}
+
+QString jsonText(const QJsonObject &form)
+{
+    const QJsonObject first = form[u"errors"].toArray().first().toObject();
+    if (!first.isEmpty())
+        return joined({first[u"title"].toString(), first[u"detail"].toString()});
+    return joined({form[u"name"].toString(), form[u"description"].toString()});
+}
+
+/// What the body says for a person; empty for a page of HTML and for nothing.
+QString spoken(const QByteArray &body)
+{
+    const QByteArray text = body.left(readOfError).trimmed();
+    const QJsonDocument document = QJsonDocument::fromJson(text);
+    if (document.isObject())
+        return jsonText(document.object());
+    const bool isText =
+        !text.isEmpty() && !text.startsWith('<') && !text.startsWith('{') && !text.startsWith('[');
+    return isText ? QString::fromUtf8(text.split('\n').first()) : QString();
+}
+
+QString statusText(int status)
+{
+    switch (status) {
+    case 401:
+        return u"The service did not accept the API key (HTTP 401): it is wrong, revoked or expired, or this machine's clock is wrong."_s;
+    case 403:
+        return u"The service refuses the request (HTTP 403)."_s;
+    case 429:
+        return u"The service has had too many requests (HTTP 429)."_s;
+    default:
+        return u"The service answered with HTTP status %1."_s.arg(status);
+    }
+}
+
+ServiceFailure transportFailure(const HttpReply &reply, const QString &who)
+{
+    return {u"%1 could not be reached or broke off: %2."_s.arg(who, reply.problem),
+            -(1000 + reply.transportError)};
+}
+
+QString storageText(const QByteArray &code)
+{
+    for (const Meaning &meaning : meanings) {
+        if (code == meaning.code)
+            return QString::fromUtf16(meaning.text);
+    }
+    return u"the storage refused the upload"_s;
+}
+
+} // namespace
+
+QString printable(const QString &text)
+{
+    QString plain;
+    for (const QChar character : text.left(longestText))
+        plain += character.category() == QChar::Other_Control ? QChar(u' ') : character;
+    return plain.trimmed();
+}
+
+ServiceFailure failureOf(const HttpReply &reply)
+{
+    if (!reply.isWhole())
+        return transportFailure(reply, u"The service"_s);
+    const QString said = printable(spoken(reply.body));
+    return {withRequestId(joined({statusText(reply.status), said}), reply), reply.status};
+}
+
+QByteArray storageErrorCode(const QByteArray &body)
+{
+    QXmlStreamReader reader(body.left(readOfError));
+    if (!reader.readNextStartElement() || reader.name() != u"Error"_s)
+        return {};
+    while (reader.readNextStartElement()) {
+        if (reader.name() == u"Code"_s)
+            return reader.readElementText(QXmlStreamReader::SkipChildElements).left(100).toUtf8();
+        reader.skipCurrentElement();
+    }
+    return "Unknown";
+}
+
+ServiceFailure storageFailureOf(const HttpReply &reply)
+{
+    if (!reply.isWhole())
+        return transportFailure(reply, u"The storage"_s);
+    const QByteArray code = storageErrorCode(reply.body);
+    if (code.isEmpty())
+        return {u"The upload failed: the storage answered with HTTP status %1."_s.arg(reply.status),
+                reply.status};
+    return {u"The upload failed: %1 (%2, HTTP status %3)."_s.arg(
+                storageText(code), printable(QString::fromUtf8(code)), QString::number(reply.status)),
+            reply.status};
+}
+
+} // namespace toolchain::notary

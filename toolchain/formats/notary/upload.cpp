@@ -1,0 +1,202 @@
+#include "formats/notary/upload.h"
+
+#include <QCryptographicHash>
+#include <QXmlStreamReader>
+
+using namespace Qt::StringLiterals;
+
+namespace toolchain::notary {
+
+namespace {
+
+constexpr qint64 slowestBytesInMillisecond = 50; // below that a transfer is given up in the end
+const QByteArray nothingsDigest = "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855";
+constexpr qsizetype longestUploadId = 4096;
+
+QByteArray addressOf(const ServiceConfig &config, const UploadPlace &place)
+{
+    QByteArray address = config.upload.toUtf8();
+    address.replace("{bucket}", percentEncoded(place.bucket, Slash::Encoded));
+    return address.replace("{object}", percentEncoded(place.object, Slash::Kept));
+}
+
+/// The request line's path, as it stands in the address.
+QByteArray pathOf(const QByteArray &address)
+{
+    const qsizetype host = address.indexOf("://") + 3;
+    const qsizetype path = address.indexOf('/', host);
+    return path < 0 ? QByteArray("/") : address.mid(path);
+}
+
+QByteArray hostOf(const QByteArray &address)
+{
+    const QByteArray rest = address.mid(address.indexOf("://") + 3);
+    return rest.split('/').first();
+}
+
+/// The text of one element of the storage's XML; empty if there is none.
+QByteArray elementIn(const QByteArray &xml, QStringView name)
+{
+    QXmlStreamReader reader(xml);
+    if (!reader.readNextStartElement())
+        return {};
+    while (reader.readNextStartElement()) {
+        if (reader.name() == name)
+            return reader.readElementText(QXmlStreamReader::SkipChildElements).toUtf8();
+        reader.skipCurrentElement();
+    }
+    return {};
+}
+
+QByteArray partEntry(qsizetype number, const QByteArray &etag)
+{
+    return "<Part><PartNumber>" + QByteArray::number(number) + "</PartNumber><ETag>"
+        + QString::fromUtf8(etag).toHtmlEscaped().toUtf8() + "</ETag></Part>";
+}
+
+bool isError(const HttpReply &reply)
+{
+    return reply.status >= 300 || !storageErrorCode(reply.body).isEmpty();
+}
+
+} // namespace
+
+Upload::Upload(NotaryApi &api, const ServiceConfig &config, const UploadFile &file, Progress progress)
+    : m_api(api)
+    , m_config(config)
+    , m_file(file)
+    , m_progress(std::move(progress))
+{
+}
+
+Answer<QString> Upload::run()
+{
+    for (bool isFirst = true;; isFirst = false) {
+        m_sentBefore = 0;
+        m_mustStartAgain = false;
+        const auto answer = m_api.submit(m_file.name(), m_file.sha256());
+        const auto *place = std::get_if<UploadPlace>(&answer);
+        if (!place)
+            return std::get<ServiceFailure>(answer);
+        const auto problem = send(*place);
+        if (!problem)
+            return place->id;
+        if (!m_mustStartAgain || !isFirst)
+            return *problem;
+    }
+}
+
+std::optional<ServiceFailure> Upload::send(const UploadPlace &place)
+{
+    const auto problem = m_file.pieces().size() == 1 ? sendWhole(place) : sendInParts(place);
+    if (!problem && m_file.hasChanged())
+        return ServiceFailure{u"The upload failed: the file was changed while it was being uploaded."_s, -1};
+    return problem;
+}
+
+std::optional<ServiceFailure> Upload::sendWhole(const UploadPlace &place)
+{
+    const HttpReply reply = call(place, {"PUT", {}, {{"content-type", "application/octet-stream"}}, {}, 0});
+    return !reply.isWhole() || isError(reply) ? std::optional(failure(reply)) : std::nullopt;
+}
+
+std::optional<ServiceFailure> Upload::sendInParts(const UploadPlace &place)
+{
+    const HttpReply begun =
+        call(place, {"POST", {{"uploads", {}}}, {{"content-type", "application/octet-stream"}}, {}});
+    if (!begun.isWhole() || isError(begun))
+        return failure(begun);
+    const QByteArray uploadId = elementIn(begun.body, u"UploadId");
+    if (uploadId.isEmpty() || uploadId.size() > longestUploadId)
+        return ServiceFailure{u"The upload failed: the storage's reply was not understood."_s, begun.status};
+    QByteArray partList;
+    const auto problem = sendParts(place, uploadId, partList);
+    if (problem)
+        return problem;
+    const QByteArray body = "<CompleteMultipartUpload xmlns=\"http://s3.amazonaws.com/doc/2006-03-01/\">"
+        + partList + "</CompleteMultipartUpload>";
+    const HttpReply ended =
+        call(place, {"POST", {{"uploadId", uploadId}}, {{"content-type", "application/xml"}}, body});
+    return !ended.isWhole() || isError(ended) ? std::optional(failure(ended)) : std::nullopt;
+}
+
+std::optional<ServiceFailure> Upload::sendParts(const UploadPlace &place, const QByteArray &uploadId,
+                                                QByteArray &partList)
+{
+    for (qsizetype index = 0; index < m_file.pieces().size(); ++index) {
+        const HttpReply reply = call(
+            place,
+            {"PUT", {{"partNumber", QByteArray::number(index + 1)}, {"uploadId", uploadId}}, {}, {}, index});
+        const QByteArray etag = reply.headers.value("etag");
+        if (!reply.isWhole() || isError(reply))
+            return failure(reply);
+        if (etag.isEmpty())
+            return ServiceFailure{u"The upload failed: the storage's reply was not understood."_s,
+                                  reply.status};
+        partList += partEntry(index + 1, etag);
+        m_sentBefore += m_file.pieces().at(index).length;
+    }
+    return std::nullopt;
+}
+
+HttpReply Upload::call(const UploadPlace &place, const StorageCall &call)
+{
+    const qint64 length = call.piece < 0 ? 0 : m_file.pieces().at(call.piece).length;
+    const auto attempt = [&](const HttpRequest &limits) {
+        HttpRequest request = requestFor(place, call);
+        request.idleLimit = limits.idleLimit;
+        request.wholeLimit = limits.wholeLimit;
+        return m_api.http().perform(request);
+    };
+    return Retries(Milliseconds(length / slowestBytesInMillisecond))
+        .run(attempt, [this](const HttpReply &reply) { return judge(reply); });
+}
+
+HttpRequest Upload::requestFor(const UploadPlace &place, const StorageCall &call) const
+{
+    const QByteArray address = addressOf(m_config, place);
+    const QByteArray date = amzDate(m_api.clock().now());
+    SignableRequest signable{call.method, pathOf(address), call.query, call.headers, nothingsDigest};
+    if (call.piece >= 0)
+        signable.payloadDigest = m_file.digestOf(call.piece);
+    else if (!call.body.isEmpty())
+        signable.payloadDigest = QCryptographicHash::hash(call.body, QCryptographicHash::Sha256).toHex();
+    signable.headers += QList<HttpHeader>{
+        {"host", hostOf(address)}, {"x-amz-content-sha256", signable.payloadDigest}, {"x-amz-date", date}};
+    if (!place.credentials.sessionToken.isEmpty())
+        signable.headers.append(HttpHeader{"x-amz-security-token", place.credentials.sessionToken});
+    HttpRequest request;
+    request.method = call.method;
+    request.url = call.query.isEmpty() ? address : address + '?' + canonicalQuery(call.query);
+    request.headers = signable.headers;
+    request.headers.append(HttpHeader{
+        "authorization", awsAuthorization(signable, date, m_config.region.toUtf8(), place.credentials)});
+    request.body = call.body;
+    if (call.piece >= 0)
+        request.piece = m_file.pieces().at(call.piece);
+    if (m_progress)
+        request.progress = [this](qint64 sent) { m_progress(m_sentBefore + sent, m_file.size()); };
+    return request;
+}
+
+NextStep Upload::judge(const HttpReply &reply)
+{
+    m_api.clock().learn(reply);
+    if (m_file.hasChanged())
+        return NextStep::Take;
+    const QByteArray code = reply.isWhole() ? storageErrorCode(reply.body) : QByteArray();
+    m_mustStartAgain = code == "ExpiredToken" || code == "NoSuchUpload";
+    if (code == "RequestTimeTooSkewed")
+        return NextStep::TryAtOnce; // signed by the storage's own clock
+    const bool isPassing = code == "RequestTimeout" || code == "InternalError" || code == "SlowDown";
+    return isPassing || mayPass(reply) ? NextStep::TryLater : NextStep::Take;
+}
+
+ServiceFailure Upload::failure(const HttpReply &reply)
+{
+    if (m_file.hasChanged())
+        return {u"The upload failed: the file was changed while it was being uploaded."_s, -1};
+    return storageFailureOf(reply);
+}
+
+} // namespace toolchain::notary

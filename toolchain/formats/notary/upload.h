@@ -1,0 +1,78 @@
+#pragma once
+
+#include "formats/notary/notaryapi.h"
+
+#include <functional>
+
+namespace toolchain::notary {
+
+/// A file that is about to be uploaded, open for reading. What is known of it is taken when it is opened, and
+/// a file that is another one afterwards is found out.
+class UploadFile {
+public:
+    /// Fails for what is no regular file, cannot be read, or is empty. Reads the whole file once.
+    [[nodiscard]] static platform::Result<std::shared_ptr<UploadFile>> open(const QString &path);
+    ~UploadFile();
+    UploadFile(const UploadFile &) = delete;
+    UploadFile &operator=(const UploadFile &) = delete;
+
+    [[nodiscard]] QString name() const; ///< the last part of its path
+    [[nodiscard]] qint64 size() const { return m_size; }
+    [[nodiscard]] const QByteArray &sha256() const { return m_sha256; } ///< 64 lower-case hexadecimal digits
+    /// The pieces in which it is sent; one piece is a single request.
+    [[nodiscard]] const QList<FilePiece> &pieces() const { return m_pieces; }
+    [[nodiscard]] const QByteArray &digestOf(qsizetype piece) const { return m_digests.at(piece); }
+    [[nodiscard]] bool hasChanged() const;
+
+private:
+    UploadFile(QString path, int descriptor);
+    [[nodiscard]] QString readWhole();
+
+    const QString m_path;
+    const int m_descriptor;
+    qint64 m_size = 0;
+    qint64 m_changed = 0; ///< nanoseconds
+    QByteArray m_sha256;
+    QList<FilePiece> m_pieces;
+    QList<QByteArray> m_digests;
+};
+
+/// Sends a file to the storage: in one request up to 128 MiB, in parts above that. Every try is signed anew.
+class Upload {
+public:
+    using Progress = std::function<void(qint64 sent, qint64 size)>;
+
+    Upload(NotaryApi &api, const ServiceConfig &config, const UploadFile &file, Progress progress);
+
+    /// The submission's identifier once the file is whole in the storage. Begins once more with a new
+    /// submission if the credentials have run out meanwhile.
+    [[nodiscard]] Answer<QString> run();
+
+private:
+    struct StorageCall {
+        QByteArray method;
+        QList<QPair<QByteArray, QByteArray>> query;
+        QList<HttpHeader> headers;
+        QByteArray body;
+        qsizetype piece = -1; ///< of the file; -1 sends the body
+    };
+
+    [[nodiscard]] std::optional<ServiceFailure> send(const UploadPlace &place);
+    [[nodiscard]] std::optional<ServiceFailure> sendWhole(const UploadPlace &place);
+    [[nodiscard]] std::optional<ServiceFailure> sendInParts(const UploadPlace &place);
+    [[nodiscard]] std::optional<ServiceFailure> sendParts(const UploadPlace &place,
+                                                          const QByteArray &uploadId, QByteArray &partList);
+    [[nodiscard]] HttpReply call(const UploadPlace &place, const StorageCall &call);
+    [[nodiscard]] HttpRequest requestFor(const UploadPlace &place, const StorageCall &call) const;
+    [[nodiscard]] NextStep judge(const HttpReply &reply);
+    [[nodiscard]] ServiceFailure failure(const HttpReply &reply);
+
+    NotaryApi &m_api;
+    const ServiceConfig m_config;
+    const UploadFile &m_file;
+    const Progress m_progress;
+    qint64 m_sentBefore = 0;
+    bool m_mustStartAgain = false;
+};
+
+} // namespace toolchain::notary
