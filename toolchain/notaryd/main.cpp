@@ -1,0 +1,337 @@
+#include "notaryd/replies.h"
+#include "notaryd/server.h"
+
+#include "formats/notary/localservice.h"
+#include "formats/statefolder.h"
+#include "support/arguments.h"
+#include "support/console.h"
+
+#include <QFile>
+#include <QJsonDocument>
+#include <QRandomGenerator>
+
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <clocale>
+#include <thread>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+using namespace notaryd;
+using namespace toolchain;
+
+namespace {
+
+constexpr std::string_view usage =
+    R"(Usage: sealwright-notaryd [--listen ADDRESS:PORT] [--faults FILE] [--control] [--foreground]
+       sealwright-notaryd --help
+
+The notary service of this machine. It speaks the protocol of Apple's service, over TLS, reviews what is uploaded, and
+makes tickets that this machine's tools accept. Nothing that it accepts is known to Apple.
+
+  --listen ADDRESS:PORT  where; 127.0.0.1:0 if it is not given, with 0 for a free port. An IPv6 number stands in
+                         brackets
+  --faults FILE          misbehave as the JSON list in the file says
+  --control              take such lists by POST /control/faults too, from this machine alone
+  --foreground           stay in the foreground
+  -h, --help             print this text
+
+The first line of output is the address, which stands in notary/service.json of the state folder as well unless another
+service has been chosen there. A service that runs already is asked to end first. altool, stapler, spctl and codesign
+start the service by themselves; that one ends when nobody has asked it anything for ten minutes.
+Exit status: 0 done, 1 failed, 2 wrong arguments.
+)";
+
+constexpr int argumentsStatus = 2;
+constexpr auto idleEnd = std::chrono::minutes(10);
+constexpr auto lookPause = std::chrono::seconds(1);
+constexpr int takeOverLooks = 100;
+constexpr auto takeOverPause = std::chrono::milliseconds(50);
+
+struct Options {
+    ListenAddress address{u"127.0.0.1"_s, 0};
+    QList<Fault> faults;
+    bool hasControl = false;
+    bool isInForeground = false;
+    bool isOnDemand = false;
+};
+
+/// Tells whoever started the service how that went, and lets go of them.
+class Starter {
+public:
+    explicit Starter(int descriptor)
+        : m_descriptor(descriptor)
+    {
+    }
+    void tell(const QByteArray &text)
+    {
+        if (m_descriptor < 0)
+            return;
+        static_cast<void>(!write(m_descriptor, text.constData(), std::size_t(text.size())));
+        close(std::exchange(m_descriptor, -1));
+    }
+    [[nodiscard]] bool isInBackground() const { return m_isInBackground; }
+
+private:
+    int m_descriptor;
+    const bool m_isInBackground = m_descriptor >= 0;
+};
+
+int fail(const QString &text)
+{
+    printError("sealwright-notaryd: " + text.toStdString() + "\n");
+    return 1;
+}
+
+int refuse(const QString &text)
+{
+    printError("sealwright-notaryd: " + text.toStdString() + "\n" + std::string(usage));
+    return argumentsStatus;
+}
+
+std::optional<ListenAddress> addressFrom(const QString &text)
+{
+    const qsizetype colon = text.lastIndexOf(u':');
+    bool isNumber = false;
+    const int port = text.mid(colon + 1).toInt(&isNumber);
+    QString host = text.left(colon);
+    if (host.startsWith(u'[') && host.endsWith(u']'))
+        host = host.mid(1, host.size() - 2);
+    if (host == u"localhost"_s)
+        host = u"127.0.0.1"_s;
+    if (colon <= 0 || !isNumber || port < 0 || port > 65535)
+        return std::nullopt;
+    return ListenAddress{host, quint16(port)};
+}
+
+platform::Result<QList<Fault>> faultsOf(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return platform::Error{path + u": "_s + file.errorString()};
+    const auto faults = faultsFromJson(file.read(1 << 24));
+    return faults ? faults : platform::Error{path + u": "_s + faults.error()};
+}
+
+/// The process of the service that runs; 0 if it does not say.
+pid_t runningProcess()
+{
+    QFile file(notary::serviceFolder() + u"/address.json"_s);
+    return file.open(QIODevice::ReadOnly) ? pid_t(QJsonDocument::fromJson(file.readAll())[u"pid"].toInteger())
+                                          : 0;
+}
+
+/// A service that a person starts goes before the one that runs.
+std::unique_ptr<notary::ServiceLock> takeOver(const Options &options)
+{
+    auto lock = std::make_unique<notary::ServiceLock>();
+    for (int look = 0; !lock->isHeld() && !options.isOnDemand && look < takeOverLooks; ++look) {
+        const pid_t process = runningProcess();
+        if (process > 1)
+            kill(process, SIGTERM);
+        std::this_thread::sleep_for(takeOverPause);
+        lock = std::make_unique<notary::ServiceLock>();
+    }
+    return lock;
+}
+
+QString originOf(const ListenAddress &address, quint16 port)
+{
+    const QString host = address.host.contains(u':') ? u'[' + address.host + u']' : address.host;
+    return u"https://%1:%2"_s.arg(host, QString::number(port));
+}
+
+/// Where this service had listened before it ended, so that what has been written down stays true if it can.
+quint16 earlierPort()
+{
+    QFile file(notary::serviceFolder() + u"/address.json"_s);
+    const auto api =
+        file.open(QIODevice::ReadOnly) ? QJsonDocument::fromJson(file.readAll())[u"api"].toString() : u""_s;
+    return quint16(std::max(0, QUrl(api).port(0)));
+}
+
+QString listen(Server &server, ListenAddress address, const ServerCertificate &certificate)
+{
+    const quint16 earlier = address.port == 0 ? earlierPort() : 0;
+    if (earlier != 0 && server.listen({address.host, earlier}, certificate).isEmpty())
+        return {};
+    return server.listen(address, certificate);
+}
+
+QString publish(const QString &origin, const QString &authority)
+{
+    notary::ServiceConfig config = notary::serviceAt(origin);
+    config.ca = authority;
+    config.isLocal = true;
+    QJsonObject form = QJsonDocument::fromJson(notary::jsonOf(config)).object();
+    form.insert(u"pid"_s, qint64(getpid()));
+    const QByteArray bytes = QJsonDocument(form).toJson();
+    const QString problem = notary::writePrivateFile(notary::serviceFolder() + u"/address.json"_s, bytes);
+    const auto chosen = notary::readServiceConfig();
+    QFile file(notary::serviceFile());
+    const auto kept = file.open(QIODevice::ReadOnly) ? notary::serviceConfigFrom(file.readAll())
+                                                     : platform::Result<notary::ServiceConfig>(config);
+    const bool isChosen = !kept || kept->isLocal;
+    return problem.isEmpty() && isChosen ? notary::writePrivateFile(notary::serviceFile(), bytes) : problem;
+}
+
+/// Until a signal ends the service, nobody needs it, or its folder has gone.
+void waitForEnd(const Options &options, const notary::ServiceLock &lock, const Server &server,
+                Service &service)
+{
+    sigset_t ending;
+    sigemptyset(&ending);
+    for (const int number : {SIGTERM, SIGINT, SIGHUP})
+        sigaddset(&ending, number);
+    const timespec pause{lookPause.count(), 0};
+    while (sigtimedwait(&ending, nullptr, &pause) < 0) {
+        const bool isUnused =
+            options.isOnDemand && server.idleFor() > idleEnd && !service.submissions().isBusy();
+        if (isUnused || !lock.isInPlace())
+            return;
+    }
+}
+
+void blockSignals()
+{
+    sigset_t ending;
+    sigemptyset(&ending);
+    for (const int number : {SIGTERM, SIGINT, SIGHUP})
+        sigaddset(&ending, number);
+    pthread_sigmask(SIG_BLOCK, &ending, nullptr);
+}
+
+QByteArray newSecret()
+{
+    QByteArray secret(32, '\0');
+    QRandomGenerator::system()->generate(secret.begin(), secret.end());
+    return secret;
+}
+
+/// What came of the start goes to the starter: "+ADDRESS" or "-REASON".
+int serve(const Options &options, Starter starter)
+{
+    const auto lock = takeOver(options);
+    if (!lock->isHeld()) {
+        starter.tell(options.isOnDemand ? "+" : "-another service runs and does not end");
+        return options.isOnDemand ? 0 : 1;
+    }
+    const auto certificate = serverCertificate(options.address.host);
+    Service service(notaryFolder());
+    service.faults().replace(options.faults);
+    Server server(service);
+    const QString problem = certificate ? listen(server, options.address, *certificate) : certificate.error();
+    const QString origin = originOf(options.address, server.port());
+    service.setFacts({origin, newSecret(), options.hasControl});
+    const QString unpublished = problem.isEmpty() ? publish(origin, certificate->authority) : problem;
+    starter.tell(((unpublished.isEmpty() ? u"+"_s + origin : u"-"_s + unpublished) + u"\n"_s).toUtf8());
+    if (!unpublished.isEmpty())
+        return starter.isInBackground() ? 1 : fail(unpublished);
+    if (options.isInForeground)
+        print(origin.toStdString() + "\n");
+    waitForEnd(options, *lock, server, service);
+    return 0;
+}
+
+void letGoOfTerminal()
+{
+    setsid();
+    if (chdir("/") != 0)
+        return;
+    const int null = open("/dev/null", O_RDWR | O_CLOEXEC);
+    for (const int descriptor : {0, 1, 2})
+        dup2(null, descriptor);
+    close(null);
+}
+
+/// What the starter had open is no business of the service's.
+void closeInherited(int kept)
+{
+    const int moved = dup2(kept, 3);
+    close_range(unsigned(moved) + 1, ~0U, 0);
+}
+
+/// Waits until the service in the background listens, and says what it said.
+int reportStart(int descriptor)
+{
+    QByteArray text;
+    std::array<char, 4096> block;
+    ssize_t length = 0;
+    while (!text.contains('\n') && (length = read(descriptor, block.data(), block.size())) > 0)
+        text.append(block.data(), length);
+    if (!text.startsWith('+'))
+        return fail(text.isEmpty() ? u"the service ended at once"_s
+                                   : QString::fromUtf8(text.mid(1)).trimmed());
+    print(text.mid(1).toStdString());
+    return 0;
+}
+
+int serveInBackground(const Options &options)
+{
+    std::array<int, 2> ends{};
+    if (pipe2(ends.data(), O_CLOEXEC) != 0)
+        return fail(u"no pipe can be made"_s);
+    const pid_t child = fork();
+    if (child < 0)
+        return fail(u"no process can be made"_s);
+    if (child > 0) {
+        close(ends[1]);
+        return reportStart(ends[0]);
+    }
+    letGoOfTerminal();
+    closeInherited(ends[1]);
+    _exit(serve(options, Starter(3)));
+}
+
+int run(const Options &options)
+{
+    const QString problem = makePrivateFolder(notary::serviceFolder());
+    if (!problem.isEmpty())
+        return fail(problem);
+    blockSignals();
+    return options.isInForeground ? serve(options, Starter(-1)) : serveInBackground(options);
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    std::setlocale(LC_ALL, "C.UTF-8");
+    umask(077);
+    const auto arguments = parseArguments(wordsOf(argc, argv),
+                                          {{{"--listen"}, OptionValue::Required},
+                                           {{"--faults"}, OptionValue::Required},
+                                           {{"--control"}},
+                                           {{"--foreground"}},
+                                           {{"--on-demand"}},
+                                           {{"-h", "--help"}}});
+    if (arguments.has("-h")) {
+        print(usage);
+        return 0;
+    }
+    if (!arguments.error.empty() || !arguments.operands.empty())
+        return refuse(arguments.error.empty() ? u"unexpected argument '%1'"_s.arg(
+                          QString::fromStdString(arguments.operands.front()))
+                                              : QString::fromStdString(arguments.error));
+    Options options;
+    options.hasControl = arguments.has("--control");
+    options.isInForeground = arguments.has("--foreground");
+    options.isOnDemand = arguments.has("--on-demand");
+    if (arguments.has("--listen")) {
+        const auto address = addressFrom(QString::fromStdString(arguments.value("--listen")));
+        if (!address)
+            return refuse(u"--listen needs ADDRESS:PORT"_s);
+        options.address = *address;
+    }
+    if (arguments.has("--faults")) {
+        const auto faults = faultsOf(QString::fromStdString(arguments.value("--faults")));
+        if (!faults)
+            return fail(faults.error());
+        options.faults = *faults;
+    }
+    return run(options);
+}

@@ -1,0 +1,174 @@
+#include "notaryd/multipart.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QRegularExpression>
+#include <QUuid>
+#include <QXmlStreamReader>
+
+#include <fcntl.h>
+#include <sys/sendfile.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <optional>
+
+#include "formats/statefolder.h"
+
+using namespace Qt::StringLiterals;
+
+namespace notaryd {
+
+namespace {
+
+constexpr int greatestNumber = 10'000;
+constexpr qint64 leastPart = 5LL << 20;
+
+bool isIdentifier(const QByteArray &text)
+{
+    static const QRegularExpression form(uR"(\A[0-9a-f]{32}\z)"_s);
+    return form.match(QString::fromLatin1(text)).hasMatch();
+}
+
+MultipartUpload::Part partFrom(QXmlStreamReader &reader)
+{
+    MultipartUpload::Part part;
+    while (reader.readNextStartElement()) {
+        const QString name = reader.name().toString();
+        const QString text = reader.readElementText(QXmlStreamReader::SkipChildElements);
+        if (name == u"PartNumber"_s)
+            part.number = text.toInt();
+        else if (name == u"ETag"_s)
+            part.etag = QString(text).remove(u'"').toLatin1();
+    }
+    return part;
+}
+
+/// The parts that the sender names; nothing for what is no such list.
+std::optional<QList<MultipartUpload::Part>> partsIn(const QByteArray &list)
+{
+    QXmlStreamReader reader(list);
+    QList<MultipartUpload::Part> parts;
+    if (!reader.readNextStartElement() || reader.name() != u"CompleteMultipartUpload"_s)
+        return std::nullopt;
+    while (reader.readNextStartElement()) {
+        if (reader.name() == u"Part"_s)
+            parts.append(partFrom(reader));
+        else
+            reader.skipCurrentElement();
+    }
+    return reader.hasError() || parts.isEmpty() ? std::nullopt : std::optional(parts);
+}
+
+bool appendFile(int target, const QString &path)
+{
+    const int source = open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
+    ssize_t copied = 0;
+    do
+        copied = sendfile(target, source, nullptr, 1 << 30);
+    while (copied > 0);
+    if (source >= 0)
+        close(source);
+    return source >= 0 && copied == 0;
+}
+
+} // namespace
+
+QByteArray MultipartUpload::begin(const QString &objectFolder)
+{
+    const QByteArray identifier = QUuid::createUuid().toByteArray(QUuid::Id128);
+    const QString folder = objectFolder + u"/parts-"_s + QString::fromLatin1(identifier);
+    return toolchain::makePrivateFolder(folder).isEmpty() ? identifier : QByteArray();
+}
+
+MultipartUpload::MultipartUpload(const QString &objectFolder, QByteArray identifier)
+    : m_identifier(std::move(identifier))
+    , m_isIdentifier(notaryd::isIdentifier(m_identifier))
+    , m_folder(objectFolder + u"/parts-"_s + QString::fromLatin1(m_identifier))
+{
+}
+
+bool MultipartUpload::isOpen() const
+{
+    return m_isIdentifier && QFileInfo(m_folder).isDir() && !isCompleted();
+}
+
+bool MultipartUpload::isCompleted() const
+{
+    return m_isIdentifier && QFileInfo::exists(m_folder + u"/completed"_s);
+}
+
+QString MultipartUpload::partPath(const Part &part) const
+{
+    return u"%1/%2-%3"_s.arg(m_folder, QString::number(part.number).rightJustified(5, u'0'),
+                             QString::fromLatin1(part.etag));
+}
+
+bool MultipartUpload::keepPart(const QByteArray &number, const QString &file, const QByteArray &etag) const
+{
+    const Part part{number.toInt(), etag, 0};
+    if (part.number < 1 || part.number > greatestNumber)
+        return false;
+    for (const Part &earlier : parts()) {
+        if (earlier.number == part.number && earlier.etag != etag)
+            QFile::remove(partPath(earlier));
+    }
+    return std::rename(QFile::encodeName(file).constData(), QFile::encodeName(partPath(part)).constData())
+        == 0;
+}
+
+QList<MultipartUpload::Part> MultipartUpload::parts() const
+{
+    QList<Part> parts;
+    for (const QFileInfo &file : QDir(m_folder).entryInfoList({u"[0-9]*-*"_s}, QDir::Files, QDir::Name))
+        parts.append({file.fileName().left(5).toInt(), file.fileName().mid(6).toLatin1(), file.size()});
+    return parts;
+}
+
+QString MultipartUpload::objectionTo(const QList<Part> &wanted) const
+{
+    for (qsizetype index = 0; index < wanted.size(); ++index) {
+        const QFileInfo file(partPath(wanted.at(index)));
+        if (!file.isFile())
+            return u"InvalidPart"_s;
+        if (index > 0 && wanted.at(index).number <= wanted.at(index - 1).number)
+            return u"InvalidPartOrder"_s;
+        if (index + 1 < wanted.size() && file.size() < leastPart)
+            return u"EntityTooSmall"_s;
+    }
+    return {};
+}
+
+/// The first part's file grows by the others, each of which is gone as soon as it has been added.
+bool MultipartUpload::join(const QList<Part> &wanted, const QString &object) const
+{
+    const QByteArray whole = QFile::encodeName(partPath(wanted.first()));
+    const int target = open(whole.constData(), O_WRONLY | O_CLOEXEC);
+    bool isWhole = target >= 0 && lseek(target, 0, SEEK_END) >= 0;
+    for (qsizetype index = 1; isWhole && index < wanted.size(); ++index) {
+        isWhole = appendFile(target, partPath(wanted.at(index)));
+        QFile::remove(partPath(wanted.at(index)));
+    }
+    if (target >= 0)
+        close(target);
+    return isWhole && std::rename(whole.constData(), QFile::encodeName(object).constData()) == 0;
+}
+
+QString MultipartUpload::complete(const QByteArray &list, const QString &object) const
+{
+    const auto wanted = partsIn(list);
+    if (!wanted)
+        return u"MalformedXML"_s;
+    const QString objection = objectionTo(*wanted);
+    if (!objection.isEmpty())
+        return objection;
+    QFile mark(m_folder + u"/completed"_s);
+    return join(*wanted, object) && mark.open(QIODevice::WriteOnly) ? QString() : u"InternalError"_s;
+}
+
+void MultipartUpload::abort() const
+{
+    QDir(m_folder).removeRecursively();
+}
+
+} // namespace notaryd

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <QByteArray>
+#include <QList>
+#include <QString>
+
+namespace notaryd {
+
+/// A multipart upload under way, as a folder of its parts beside the object that they will become
+/// (https://docs.aws.amazon.com/AmazonS3/latest/userguide/mpuoverview.html).
+class MultipartUpload {
+public:
+    struct Part {
+        int number = 0;
+        QByteArray etag;
+        qint64 size = 0;
+    };
+
+    /// Answers the new upload's identifier; empty on failure.
+    [[nodiscard]] static QByteArray begin(const QString &objectFolder);
+
+    MultipartUpload(const QString &objectFolder, QByteArray identifier);
+
+    [[nodiscard]] const QByteArray &identifier() const { return m_identifier; }
+    [[nodiscard]] bool isOpen() const;
+    [[nodiscard]] bool isCompleted() const;
+
+    /// Moves a file to the place of a part; one of that number is replaced. False for a number that is none.
+    [[nodiscard]] bool keepPart(const QByteArray &number, const QString &file, const QByteArray &etag) const;
+    [[nodiscard]] QList<Part> parts() const; ///< by number
+
+    /// Makes one object of the parts that the list names. Answers the storage's error code, or an empty text.
+    [[nodiscard]] QString complete(const QByteArray &list, const QString &object) const;
+    void abort() const;
+
+private:
+    [[nodiscard]] QString partPath(const Part &part) const;
+    [[nodiscard]] QString objectionTo(const QList<Part> &wanted) const;
+    [[nodiscard]] bool join(const QList<Part> &wanted, const QString &object) const;
+
+    const QByteArray m_identifier;
+    const bool m_isIdentifier;
+    const QString m_folder;
+};
+
+} // namespace notaryd

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "notaryd/certificate.h"
+#include "notaryd/service.h"
+
+#include <chrono>
+
+struct MHD_Daemon;
+
+namespace notaryd {
+
+struct ListenAddress {
+    QString host; ///< a number
+    quint16 port = 0; ///< 0: a free one
+};
+
+/// The sockets of the service (libmicrohttpd), one thread for each connection.
+class Server {
+public:
+    explicit Server(Service &service);
+    ~Server();
+    Server(const Server &) = delete;
+    Server &operator=(const Server &) = delete;
+
+    /// Answers what went wrong, or an empty text.
+    [[nodiscard]] QString listen(const ListenAddress &address, const ServerCertificate &certificate);
+    [[nodiscard]] quint16 port() const;
+
+    /// For how long nobody has asked anything and no connection is open.
+    [[nodiscard]] std::chrono::seconds idleFor() const;
+
+private:
+    Service &m_service;
+    MHD_Daemon *m_daemon = nullptr;
+};
+
+} // namespace notaryd

@@ -1,0 +1,80 @@
+#pragma once
+
+#include "notaryd/faults.h"
+#include "notaryd/submissions.h"
+
+#include <QJsonArray>
+
+#include <atomic>
+#include <memory>
+
+namespace notaryd {
+
+/// What a request needs of the service as a whole.
+struct ServiceFacts {
+    QString origin; ///< "https://127.0.0.1:43211"
+    QByteArray logSecret; ///< signs the addresses of logs
+    bool hasControl = false;
+};
+
+/// The service behind its sockets. Any thread may call.
+class Service {
+public:
+    explicit Service(QString notaryFolder);
+
+    /// Before the first request.
+    void setFacts(const ServiceFacts &facts) { m_facts = facts; }
+    [[nodiscard]] const ServiceFacts &facts() const { return m_facts; }
+
+    /// What deals with a request, by its path and method.
+    [[nodiscard]] std::unique_ptr<Handler> handlerFor(const Request &request);
+
+    /// The service's clock, which a fault may have put wrong.
+    [[nodiscard]] QDateTime now(const Request &request);
+
+    [[nodiscard]] Faults &faults() { return m_faults; }
+    [[nodiscard]] Submissions &submissions() { return m_submissions; }
+
+    /// How often this has been asked about a thing, this time included.
+    [[nodiscard]] qint64 countQuestion(const QString &kind, const QString &thing);
+
+    /// The ticket of an approval; empty if there is none.
+    [[nodiscard]] QByteArray ticketOf(const NotaryRequest &request);
+
+    /// Keeps what has been asked, without its query and its headers; the oldest go first.
+    void record(const Request &request, int status);
+    [[nodiscard]] QJsonArray recorded();
+    void forgetRecorded();
+
+    /// When the service ends, whoever waits in a request has to let go.
+    std::atomic<bool> isEnding = false;
+
+private:
+    ServiceFacts m_facts;
+    Faults m_faults;
+    Submissions m_submissions;
+    std::mutex m_recordMutex;
+    QHash<QString, qint64> m_questions;
+    QJsonArray m_recorded;
+};
+
+/// Deals with a request whose body is small; answers 413 to a larger one.
+class WholeBodyHandler : public Handler {
+public:
+    using Answering = std::function<Response(const QByteArray &body)>;
+    explicit WholeBodyHandler(Answering answer, qint64 largest = 1 << 20)
+        : m_answer(std::move(answer))
+        , m_largest(largest)
+    {
+    }
+    bool take(const char *bytes, qint64 length) override;
+    Response end() override;
+
+private:
+    const Answering m_answer;
+    const qint64 m_largest;
+    QByteArray m_body;
+    bool m_isTooLarge = false;
+};
+
+} // namespace notaryd

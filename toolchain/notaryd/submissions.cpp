@@ -1,0 +1,222 @@
+#include "notaryd/submissions.h"
+
+#include <QDir>
+#include <QRandomGenerator>
+#include <QUuid>
+
+#include "formats/notary/waits.h"
+#include "formats/statefolder.h"
+
+using namespace Qt::StringLiterals;
+using platform::Error;
+using platform::Result;
+using toolchain::NotaryLookup;
+using toolchain::Phase;
+
+namespace notaryd {
+
+namespace {
+
+constexpr auto reviewPause = std::chrono::seconds(10);
+constexpr qint64 credentialsLifetime = 12 * 60 * 60; // seconds
+
+QByteArray randomText(int bytes)
+{
+    QByteArray text(bytes, '\0');
+    QRandomGenerator::system()->generate(text.begin(), text.end());
+    return text.toBase64(QByteArray::Base64UrlEncoding | QByteArray::OmitTrailingEquals);
+}
+
+QByteArray randomLetters(int count)
+{
+    QByteArray text;
+    for (int index = 0; index < count; ++index)
+        text += "ABCDEFGHIJKLMNOPQRSTUVWXYZ234567"[QRandomGenerator::system()->bounded(32)];
+    return text;
+}
+
+} // namespace
+
+Submissions::Submissions(QString notaryFolder, Reviewer review)
+    : m_folder(std::move(notaryFolder))
+    , m_state(m_folder)
+    , m_review(std::move(review))
+{
+    resume();
+    m_worker = std::thread([this] { work(); });
+}
+
+Submissions::~Submissions()
+{
+    {
+        const std::scoped_lock lock(m_mutex);
+        m_isEnding = true;
+    }
+    m_changed.notify_all();
+    m_worker.join();
+}
+
+/// What was uploaded whole before an earlier service ended is reviewed now; what was not can never become
+/// whole.
+void Submissions::resume()
+{
+    const QStringList left = QDir(m_folder + u"/uploads"_s).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+    for (const QString &id : left) {
+        const auto request = find(id);
+        if (request && request->phase == Phase::Uploaded && QFile::exists(objectOf(id)))
+            m_waiting.insert(id, Clock::now());
+        else
+            QDir(folderOf(id)).removeRecursively();
+    }
+}
+
+Result<UploadSession> Submissions::begin(const NotaryRequest &announced, const QDateTime &now)
+{
+    forgetAbandoned();
+    NotaryRequest request = announced;
+    request.uuid = QUuid::createUuid().toString(QUuid::WithoutBraces);
+    request.phase = Phase::Announced;
+    const UploadSession session{request.uuid,
+                                "notary-submissions-local",
+                                "prod/AROA" + randomLetters(17) + ':' + request.uuid.toLatin1(),
+                                {"ASIA" + randomLetters(16), randomText(30), randomText(96)},
+                                now.addSecs(credentialsLifetime)};
+    const QString problem = toolchain::makePrivateFolder(folderOf(request.uuid));
+    if (!problem.isEmpty())
+        return Error{problem};
+    const std::scoped_lock lock(m_mutex, m_stateMutex);
+    const QString unwritten = m_state.store(request);
+    if (!unwritten.isEmpty())
+        return Error{unwritten};
+    m_sessions.insert(session.credentials.accessKey, session);
+    return session;
+}
+
+/// Pieces of uploads that can go on no more.
+void Submissions::forgetAbandoned()
+{
+    const std::scoped_lock lock(m_mutex);
+    const QDateTime now = QDateTime::currentDateTimeUtc().addSecs(-credentialsLifetime);
+    for (auto session = m_sessions.begin(); session != m_sessions.end();) {
+        if (session->expires > now || m_waiting.contains(session->id) || m_underReview == session->id) {
+            ++session;
+            continue;
+        }
+        QDir(folderOf(session->id)).removeRecursively();
+        session = m_sessions.erase(session);
+    }
+}
+
+std::optional<UploadSession> Submissions::sessionOf(const QByteArray &accessKey)
+{
+    const std::scoped_lock lock(m_mutex);
+    const auto session = m_sessions.find(accessKey);
+    return session == m_sessions.end() ? std::nullopt : std::optional(*session);
+}
+
+bool Submissions::isOpen(const QString &id)
+{
+    const std::scoped_lock lock(m_mutex);
+    if (m_underReview == id)
+        return false;
+    const auto request = find(id);
+    return request && request->phase != Phase::Reviewed;
+}
+
+void Submissions::received(const QString &id)
+{
+    {
+        const std::scoped_lock lock(m_mutex, m_stateMutex);
+        NotaryLookup lookup = m_state.find(id);
+        if (!lookup.request)
+            return;
+        lookup.request->phase = Phase::Uploaded;
+        static_cast<void>(m_state.store(*lookup.request));
+        m_waiting.insert(id, Clock::now() + toolchain::notary::scaled(reviewPause));
+    }
+    m_changed.notify_all();
+}
+
+std::optional<NotaryRequest> Submissions::ask(const QString &id)
+{
+    {
+        const std::scoped_lock lock(m_mutex);
+        const auto waiting = m_waiting.find(id);
+        if (waiting != m_waiting.end())
+            *waiting = Clock::now();
+    }
+    m_changed.notify_all();
+    const std::scoped_lock lock(m_stateMutex);
+    return m_state.poll(id).request;
+}
+
+std::optional<NotaryRequest> Submissions::find(const QString &id) const
+{
+    return m_state.find(id).request;
+}
+
+QList<NotaryRequest> Submissions::all() const
+{
+    return m_state.history().requests;
+}
+
+QString Submissions::folderOf(const QString &id) const
+{
+    return m_folder + u"/uploads/"_s + id;
+}
+
+bool Submissions::isBusy()
+{
+    const std::scoped_lock lock(m_mutex);
+    return !m_waiting.isEmpty() || !m_underReview.isEmpty();
+}
+
+QString Submissions::nextDue(std::unique_lock<std::mutex> &lock)
+{
+    while (!m_isEnding) {
+        const auto first = std::min_element(m_waiting.begin(), m_waiting.end());
+        if (first == m_waiting.end()) {
+            m_changed.wait(lock);
+            continue;
+        }
+        if (*first <= Clock::now())
+            return first.key();
+        m_changed.wait_until(lock, Clock::time_point(*first));
+    }
+    return {};
+}
+
+void Submissions::work()
+{
+    std::unique_lock lock(m_mutex);
+    for (;;) {
+        const QString id = nextDue(lock);
+        if (id.isEmpty())
+            return;
+        m_waiting.remove(id);
+        m_underReview = id;
+        lock.unlock();
+        review(id);
+        lock.lock();
+        m_underReview.clear();
+    }
+}
+
+void Submissions::review(const QString &id)
+{
+    auto request = find(id);
+    if (!request)
+        return;
+    m_review(*request, objectOf(id));
+    {
+        const std::scoped_lock lock(m_stateMutex);
+        const auto now = m_state.find(id).request; // questions have been counted meanwhile
+        request->polls = now ? now->polls : request->polls;
+        request->phase = Phase::Reviewed;
+        request->decided = QDateTime::currentDateTimeUtc();
+        static_cast<void>(m_state.store(*request));
+    }
+    QDir(folderOf(id)).removeRecursively();
+}
+
+} // namespace notaryd

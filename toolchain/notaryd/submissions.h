@@ -1,0 +1,85 @@
+#pragma once
+
+#include "formats/notary/awssignature.h"
+#include "formats/notarystate.h"
+
+#include <QHash>
+
+#include <condition_variable>
+#include <functional>
+#include <mutex>
+#include <thread>
+
+#include "platform/result.h"
+
+namespace notaryd {
+
+using toolchain::NotaryRequest;
+
+/// What a submission's sender may put into the storage, and where.
+struct UploadSession {
+    QString id;
+    QByteArray bucket;
+    QByteArray object;
+    toolchain::notary::UploadCredentials credentials;
+    QDateTime expires; ///< UTC, by the service's clock
+};
+
+/// All submissions: on disk, so that they outlive the service, with the credentials of those that still may
+/// be uploaded in memory. A thread of its own reviews them one after the other. Any thread may call.
+class Submissions {
+public:
+    using Reviewer = std::function<void(NotaryRequest &request, const QString &path)>;
+
+    Submissions(QString notaryFolder, Reviewer review);
+    ~Submissions();
+    Submissions(const Submissions &) = delete;
+    Submissions &operator=(const Submissions &) = delete;
+
+    [[nodiscard]] platform::Result<UploadSession> begin(const NotaryRequest &announced, const QDateTime &now);
+    [[nodiscard]] std::optional<UploadSession> sessionOf(const QByteArray &accessKey);
+
+    /// Whether bytes may (still) be put at the submission's object.
+    [[nodiscard]] bool isOpen(const QString &id);
+    /// The object is whole. Its review begins with the first question for it, or a while later.
+    void received(const QString &id);
+
+    /// Counts a question.
+    [[nodiscard]] std::optional<NotaryRequest> ask(const QString &id);
+    [[nodiscard]] std::optional<NotaryRequest> find(const QString &id) const;
+    /// Newest first.
+    [[nodiscard]] QList<NotaryRequest> all() const;
+
+    /// The folder of a submission's pieces, and in it its object.
+    [[nodiscard]] QString folderOf(const QString &id) const;
+    [[nodiscard]] QString objectOf(const QString &id) const
+    {
+        return folderOf(id) + QStringLiteral("/object");
+    }
+
+    /// Whether a review is waited for or going on.
+    [[nodiscard]] bool isBusy();
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    void work();
+    void resume();
+    [[nodiscard]] QString nextDue(std::unique_lock<std::mutex> &lock);
+    void review(const QString &id);
+    void forgetAbandoned();
+
+    const QString m_folder;
+    const toolchain::NotaryState m_state;
+    const Reviewer m_review;
+    std::mutex m_mutex;
+    std::mutex m_stateMutex; ///< of what stands on disk
+    std::condition_variable m_changed;
+    QHash<QByteArray, UploadSession> m_sessions; ///< by access key
+    QHash<QString, Clock::time_point> m_waiting; ///< when the review begins at the latest
+    QString m_underReview;
+    bool m_isEnding = false;
+    std::thread m_worker;
+};
+
+} // namespace notaryd
