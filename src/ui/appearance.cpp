@@ -3,8 +3,6 @@
 #include "app/preferencekeys.h"
 #include "platform/notifications.h"
 #include "platform/preferences.h"
-#include "ui/controlstyle.h"
-#include "ui/theme.h"
 
 #include <QApplication>
 #include <QEvent>
@@ -62,15 +60,13 @@ Appearance::Appearance(const platform::DesktopAppearance &desktop, platform::Pre
     , m_notifications(notifications)
 {
     connect(&desktop, &platform::DesktopAppearance::changed, this, &Appearance::follow);
-    if (!qobject_cast<ControlStyle *>(QApplication::style()))
-        QApplication::setStyle(new ControlStyle);
     qApp->installEventFilter(this);
     follow();
 }
 
 bool Appearance::isDark(const QPalette &palette)
 {
-    return theme::isDark(palette);
+    return palette.color(QPalette::Window).lightness() < palette.color(QPalette::WindowText).lightness();
 }
 
 bool Appearance::eventFilter(QObject *watched, QEvent *event)
@@ -90,11 +86,11 @@ void Appearance::follow()
 void Appearance::applyPalette()
 {
     QApplication::setPalette(QPalette()); // the one that the desktop gives
-    QPalette palette = QApplication::palette();
+    if (m_desktop.scheme() == Scheme::noPreference)
+        return;
     const bool wantsDark = m_desktop.scheme() == Scheme::dark;
-    if (m_desktop.scheme() != Scheme::noPreference && wantsDark != isDark(palette))
-        palette = wantsDark ? darkPalette() : lightPalette();
-    QApplication::setPalette(theme::readable(palette));
+    if (wantsDark != isDark(QApplication::palette()))
+        QApplication::setPalette(wantsDark ? darkPalette() : lightPalette());
 }
 
 void Appearance::remember(bool isDark)

@@ -43,6 +43,7 @@ std::unique_ptr<QProcess> ToolFixture::start(const QString &tool, const QStringL
     auto process = std::make_unique<QProcess>();
     auto environment = QProcessEnvironment::systemEnvironment();
     environment.insert(u"SEALWRIGHT_TOOLCHAIN_STATE"_s, path(u"state"_s));
+    environment.insert(u"SEALWRIGHT_WAIT_SCALE"_s, u"0.05"_s);
     process->setProcessEnvironment(environment);
     process->setWorkingDirectory(m_folder.path());
     if (inChild)
@@ -67,7 +68,7 @@ void ToolFixture::makeIdentity() const
 
 void ToolFixture::storePassword() const
 {
-    const ToolResult result = run(keychain, {u"add-password"_s, u"item"_s}, "secret\n");
+    const ToolResult result = run(keychain, {u"make-api-key"_s, u"item"_s});
     ASSERT_EQ(result.status, 0) << result.error.toStdString();
 }
 
@@ -75,8 +76,8 @@ ToolResult ToolFixture::sign(const QString &item, const QStringList &moreArgumen
 {
     return run(codesign,
                moreArguments
-                   + QStringList{u"--deep"_s, u"-o"_s, u"runtime"_s, u"--timestamp"_s, u"--verbose=4"_s,
-                                 u"-s"_s, identity, u"--digest-algorithm=sha1,sha256"_s, item});
+                   + QStringList{u"-o"_s, u"runtime"_s, u"--timestamp"_s, u"--verbose=4"_s, u"-s"_s, identity,
+                                 u"--digest-algorithm=sha1,sha256"_s, item});
 }
 
 ToolResult ToolFixture::pack(const QString &item, const QString &archive) const

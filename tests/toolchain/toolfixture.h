@@ -64,7 +64,7 @@ protected:
     /// Makes the identity that `identity` names.
     void makeIdentity() const;
 
-    /// Keeps a password under the name "item".
+    /// Keeps an API key of the local service under the name "item".
     void storePassword() const;
 
     /// Seals an item with the arguments that the application uses.

@@ -82,11 +82,6 @@ protected:
         return list.value(u"notarization-history"_s).toMap();
     }
 
-    void makeIdentityOf(const QString &name, const QString &kind) const
-    {
-        ASSERT_EQ(run(keychain, {u"make-identity"_s, u"--name"_s, name, u"--kind"_s, kind}).status, 0);
-    }
-
     [[nodiscard]] QVariantList providerEntries() const
     {
         const ToolResult reply = altool({u"--list-providers"_s, u"--output-format"_s, u"xml"_s});
@@ -109,6 +104,7 @@ protected:
     }
 };
 
+constexpr int linesOfTableHead = 4;
 const QString isInvalid = u"The signature of the bundle is invalid: "_s;
 
 } // namespace
@@ -266,7 +262,7 @@ TEST_F(Altool, aFileOfAnotherKindIsNotTaken)
     const ToolResult reply = upload(path(u"image.dmg"_s));
     EXPECT_EQ(reply.status, 1);
     EXPECT_TRUE(reply.error.contains(path(u"image.dmg"_s)));
-    EXPECT_EQ(reply.output, QString());
+    EXPECT_EQ(uuidIn(reply), QString());
     EXPECT_EQ(altool({u"--notarization-history"_s, u"0"_s}).output, u"No items found.\n"_s);
 }
 
@@ -301,17 +297,34 @@ TEST_F(Altool, aMissingPasswordItemIsNamedAsTheKeychainDoes)
     }
 }
 
-TEST_F(Altool, takesAPasswordFromTheEnvironmentOrTheCommandLine)
+TEST_F(Altool, takesAKeyFromTheEnvironmentAndNoSecretFromTheCommandLine)
 {
     const auto ask = [this](const QString &password) {
         return run(xcrun,
-                   {u"altool"_s, u"--notarization-history"_s, u"0"_s, u"-u"_s, u"me"_s, u"-p"_s, password})
-            .status;
+                   {u"altool"_s, u"--notarization-history"_s, u"0"_s, u"-u"_s, u"me"_s, u"-p"_s, password});
     };
-    EXPECT_EQ(ask(u"@env:PATH"_s), 0);
-    EXPECT_EQ(ask(u"@env:NO_SUCH_VARIABLE"_s), 1);
-    EXPECT_EQ(ask(u"secret"_s), 0);
-    EXPECT_EQ(ask(QString()), 1);
+    ASSERT_EQ(run(keychain, {u"make-api-key"_s, u"of the environment"_s}).status, 0);
+    qputenv("TST_ALTOOL_KEY",
+            run(security, {u"find-generic-password"_s, u"-s"_s, u"of the environment"_s, u"-w"_s})
+                .output.toUtf8());
+    const bool canReadItems = !qEnvironmentVariableIsEmpty("TST_ALTOOL_KEY");
+    EXPECT_EQ(ask(u"@env:TST_ALTOOL_KEY"_s).status, canReadItems ? 0 : 1);
+    for (const QString &refused : {u"@env:NO_SUCH_VARIABLE"_s, u"@env:PATH"_s, u"secret"_s, QString()}) {
+        const ToolResult reply = ask(refused);
+        EXPECT_EQ(reply.status, 1) << refused.toStdString();
+        EXPECT_TRUE(reply.error.contains(u"The specified item could not be found in the keychain"_s));
+        EXPECT_FALSE(reply.error.contains(u"secret'"_s));
+    }
+}
+
+TEST_F(Altool, aPlainPasswordIsNoApiKey)
+{
+    ASSERT_EQ(run(keychain, {u"add-password"_s, u"item"_s}, "abcd-efgh-ijkl-mnop\n").status, 0);
+    const ToolResult reply = altool({u"--notarization-history"_s, u"0"_s});
+    EXPECT_EQ(reply.status, 1);
+    EXPECT_TRUE(reply.error.contains(u"The specified item could not be found in the keychain"_s));
+    EXPECT_TRUE(reply.error.contains(u"add-api-key"_s)) << reply.error.toStdString();
+    EXPECT_FALSE(reply.error.contains(u"abcd"_s));
 }
 
 TEST_F(Altool, aHistoryWithoutRequestsSaysSo)
@@ -327,8 +340,9 @@ TEST_F(Altool, aHistoryHasALineForEachRequest)
     const QString first = uuidIn(upload(archive()));
     const QString second = uuidIn(upload(archive()));
     const QString history = altool({u"--notarization-history"_s, u"0"_s}).output;
-    EXPECT_EQ(history.count(u'\n'), 2);
-    EXPECT_TRUE(history.contains(first + u" in progress com.example.app My App.zip\n"_s));
+    EXPECT_TRUE(history.startsWith(u"Notarization History - page 0\n\nDate "_s)) << history.toStdString();
+    EXPECT_EQ(history.count(u'\n'), linesOfTableHead + 2);
+    EXPECT_TRUE(history.contains(first + u" in progress"_s));
     EXPECT_TRUE(history.contains(second));
     EXPECT_EQ(altool({u"--notarization-history"_s, u"1"_s}).output, u"No items found.\n"_s);
 }
@@ -349,91 +363,48 @@ TEST_F(Altool, aHistoryBeginsWithTheNewestRequest)
     for (const int number : {1, 3, 2})
         storeRequest(number);
     const QStringList lines = altool({u"--notarization-history"_s, u"0"_s}).output.split(u'\n');
-    ASSERT_EQ(lines.size(), 4);
+    ASSERT_EQ(lines.size(), linesOfTableHead + 4);
     for (qsizetype index = 0; index < 3; ++index)
-        EXPECT_TRUE(lines.at(index).contains(uuidOf(3 - int(index)))) << lines.at(index).toStdString();
+        EXPECT_TRUE(lines.at(linesOfTableHead + index).contains(uuidOf(3 - int(index))))
+            << lines.join(u'\n').toStdString();
 }
 
-TEST_F(Altool, aHistoryOfOnePageNamesNoNextOne)
-{
-    for (int number = 1; number <= 20; ++number)
-        storeRequest(number);
-    const QString text = altool({u"--notarization-history"_s, u"0"_s}).output;
-    EXPECT_EQ(text.count(u'\n'), 20);
-    EXPECT_FALSE(text.contains(u"Next page value"_s));
-    EXPECT_FALSE(historyEntries(u"0"_s).contains(u"next-page"_s));
-    EXPECT_EQ(altool({u"--notarization-history"_s, u"1"_s}).output, u"No items found.\n"_s);
-}
-
-TEST_F(Altool, aHistoryOfSeveralPagesLeadsFromOneToTheNext)
+TEST_F(Altool, aHistoryIsWholeOnItsFirstPageAndNamesNoNextOne)
 {
     for (int number = 1; number <= 41; ++number)
         storeRequest(number);
-    const QString first = altool({u"--notarization-history"_s, u"0"_s}).output;
-    EXPECT_TRUE(first.contains(uuidOf(41)));
-    EXPECT_TRUE(first.contains(uuidOf(22)));
-    EXPECT_FALSE(first.contains(uuidOf(21)));
-    EXPECT_TRUE(first.endsWith(u"\nNext page value: 1\n"_s)) << first.toStdString();
-    EXPECT_TRUE(altool({u"--notarization-history"_s, u"1"_s}).output.endsWith(u"\nNext page value: 2\n"_s));
-    const QString last = altool({u"--notarization-history"_s, u"2"_s}).output;
-    EXPECT_EQ(last.count(u'\n'), 1);
-    EXPECT_TRUE(last.contains(uuidOf(1)));
-    EXPECT_EQ(altool({u"--notarization-history"_s, u"3"_s}).output, u"No items found.\n"_s);
-    EXPECT_EQ(altool({u"--notarization-history"_s, u"18446744073709551615"_s}).output,
-              u"No items found.\n"_s);
-}
-
-TEST_F(Altool, aHistoryOfSeveralPagesLeadsOnInAPropertyListToo)
-{
-    for (int number = 1; number <= 21; ++number)
-        storeRequest(number);
-    const QVariantMap first = historyEntries(u"0"_s);
-    EXPECT_EQ(first.value(u"items"_s).toList().size(), 20);
-    EXPECT_EQ(first.value(u"items"_s).toList().first().toMap().value(u"RequestUUID"_s).toString(),
-              uuidOf(21));
-    EXPECT_EQ(first.value(u"next-page"_s).toInt(), 1);
-    EXPECT_EQ(historyEntries(u"1"_s).value(u"items"_s).toList().size(), 1);
-    EXPECT_FALSE(historyEntries(u"1"_s).contains(u"next-page"_s));
-    const QVariantMap beyond = historyEntries(u"2"_s);
+    const QString text = altool({u"--notarization-history"_s, u"0"_s}).output;
+    EXPECT_EQ(text.count(u'\n'), linesOfTableHead + 41);
+    EXPECT_FALSE(text.contains(u"Next page value"_s));
+    EXPECT_EQ(historyEntries(u"0"_s).value(u"items"_s).toList().size(), 41);
+    EXPECT_FALSE(historyEntries(u"0"_s).contains(u"next-page"_s));
+    EXPECT_EQ(altool({u"--notarization-history"_s, u"1"_s}).output, u"No items found.\n"_s);
+    const QVariantMap beyond = historyEntries(u"1"_s);
     EXPECT_TRUE(beyond.contains(u"items"_s));
     EXPECT_TRUE(beyond.value(u"items"_s).toList().isEmpty());
-    EXPECT_FALSE(beyond.contains(u"next-page"_s));
 }
 
-TEST_F(Altool, theProvidersAreTheTeamsOfTheKeychain)
+TEST_F(Altool, aHistoryHasTheHundredNewestRequests)
 {
-    makeIdentityOf(u"Ant: Söhne (9XYZ)"_s, u"application"_s);
-    makeIdentityOf(holder, u"installer"_s); // a second one of a team that is there
+    for (int number = 1; number <= 103; ++number)
+        storeRequest(number);
+    const QVariantList items = historyEntries(u"0"_s).value(u"items"_s).toList();
+    ASSERT_EQ(items.size(), 100);
+    EXPECT_EQ(items.first().toMap().value(u"RequestUUID"_s).toString(), uuidOf(103));
+    EXPECT_EQ(items.last().toMap().value(u"RequestUUID"_s).toString(), uuidOf(4));
+}
+
+TEST_F(Altool, theOneProviderIsTheTeamOfTheKey)
+{
+    ASSERT_EQ(run(keychain, {u"make-api-key"_s, u"item"_s, u"--team"_s, u"A1B2C3D4E5"_s}).status, 0);
     const QVariantList providers = providerEntries();
-    ASSERT_EQ(providers.size(), 2);
-    EXPECT_EQ(providers.at(0).toMap(),
-              (QVariantMap{{u"ProviderName"_s, u"Ant: Söhne"_s},
-                           {u"ProviderShortname"_s, u"9XYZ"_s},
-                           {u"WWDRTeamID"_s, u"9XYZ"_s}}));
-    EXPECT_EQ(providers.at(1).toMap(),
-              (QVariantMap{{u"ProviderName"_s, u"Example Corp"_s},
-                           {u"ProviderShortname"_s, u"A1B2C3D4E5"_s},
-                           {u"WWDRTeamID"_s, u"A1B2C3D4E5"_s}}));
-    EXPECT_EQ(altool({u"--list-providers"_s}).output,
-              u"ProviderShortname WWDRTeamID ProviderName\n9XYZ 9XYZ Ant: Söhne\n"
-              "A1B2C3D4E5 A1B2C3D4E5 Example Corp\n"_s);
-}
-
-TEST_F(Altool, anIdentityWithoutATeamIsNamedAndLeftOut)
-{
-    makeIdentityOf(u"Nobody"_s, u"application"_s);
-    const ToolResult reply = altool({u"--list-providers"_s});
-    EXPECT_EQ(reply.status, 0);
-    EXPECT_TRUE(reply.error.contains(u"Developer ID Application: Nobody: "_s));
-    EXPECT_FALSE(reply.output.contains(u"Nobody"_s));
-    EXPECT_TRUE(reply.output.contains(u"Example Corp"_s));
-}
-
-TEST_F(Altool, aKeychainWithoutIdentitiesHasNoProviders)
-{
-    ASSERT_TRUE(QFile::remove(statePath(u"keychain/"_s + identity + u".pem"_s)));
-    EXPECT_TRUE(providerEntries().isEmpty());
-    EXPECT_EQ(altool({u"--list-providers"_s}).output, u"No providers found.\n"_s);
+    ASSERT_EQ(providers.size(), 1);
+    EXPECT_EQ(providers.first().toMap().value(u"ProviderShortname"_s).toString(), u"A1B2C3D4E5"_s);
+    EXPECT_EQ(providers.first().toMap().value(u"WWDRTeamID"_s).toString(), u"A1B2C3D4E5"_s);
+    EXPECT_TRUE(
+        providers.first().toMap().value(u"ProviderName"_s).toString().startsWith(u"Team of API key "_s));
+    EXPECT_EQ(altool({u"--notarization-history"_s, u"0"_s, u"--asc-provider"_s, u"A1B2C3D4E5"_s}).status, 0);
+    EXPECT_EQ(altool({u"--notarization-history"_s, u"0"_s, u"--asc-provider"_s, u"OTHERTEAM1"_s}).status, 1);
 }
 
 TEST_F(Altool, theProvidersAreNotListedWithoutAPassword)

@@ -5,6 +5,7 @@
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QThread>
 
 #include <algorithm>
 #include <vector>
@@ -12,6 +13,8 @@
 using namespace Qt::StringLiterals;
 
 namespace {
+
+constexpr int linesOfTableHead = 4;
 
 class NotaryState : public ToolFixture {
 protected:
@@ -48,7 +51,7 @@ TEST_F(NotaryState, keepsTheUploadsOfManyProcessesAtOnce)
     for (const auto &process : uploads)
         EXPECT_EQ(finish(*process).status, 0);
     const ToolResult history = altool({u"--notarization-history"_s, u"0"_s});
-    EXPECT_EQ(history.output.count(u'\n'), count);
+    EXPECT_EQ(history.output.count(u'\n'), linesOfTableHead + count);
     EXPECT_EQ(history.error, QString());
 }
 
@@ -71,21 +74,24 @@ TEST_F(NotaryState, countsTheQuestionsOfManyProcessesAtOnce)
 TEST_F(NotaryState, aRequestOfTwoMinutesAgoIsDecidedWithoutQuestions)
 {
     const QString uuid = uuidIn(upload(archive()));
+    EXPECT_TRUE(info(uuid).output.contains(u"Status: in progress"_s)); // the question begins the review
+    for (int look = 0; look < 200 && !bundlebuilder::readFile(requestPath(uuid)).contains("\"reviewed\"");
+         ++look)
+        QThread::msleep(20);
     QJsonObject request = QJsonDocument::fromJson(bundlebuilder::readFile(requestPath(uuid))).object();
     request.insert(u"uploaded"_s, QDateTime::currentDateTimeUtc().addSecs(-121).toString(Qt::ISODate));
     bundlebuilder::writeFile(requestPath(uuid), QJsonDocument(request).toJson());
     EXPECT_TRUE(info(uuid).output.contains(u"Status: invalid"_s));
 }
 
-TEST_F(NotaryState, aDamagedRequestIsNamed)
+TEST_F(NotaryState, aDamagedRequestIsNotKnownAndLeftAlone)
 {
     const QString uuid = uuidIn(upload(archive()));
     for (const QByteArray &garbage :
          {QByteArray(), QByteArray("{"), QByteArray("[]"), QByteArray("{\"RequestUUID\": 3}")}) {
         bundlebuilder::writeFile(requestPath(uuid), garbage);
         const ToolResult report = info(uuid);
-        EXPECT_EQ(report.status, 1) << garbage.toStdString();
-        EXPECT_TRUE(report.error.contains(requestPath(uuid)));
+        EXPECT_EQ(report.status, 239) << garbage.toStdString();
         EXPECT_EQ(bundlebuilder::readFile(requestPath(uuid)), garbage);
     }
 }
@@ -97,18 +103,19 @@ TEST_F(NotaryState, garbageAmongTheRequestsDoesNotHideTheOthers)
     bundlebuilder::writeFile(statePath(u"notary/requests/left over"_s), "garbage");
     const ToolResult history = altool({u"--notarization-history"_s, u"0"_s});
     EXPECT_EQ(history.status, 0);
-    EXPECT_EQ(history.output.count(u'\n'), 1);
+    EXPECT_EQ(history.output.count(u'\n'), linesOfTableHead + 1);
     EXPECT_TRUE(history.output.contains(uuid));
-    EXPECT_TRUE(history.error.contains(u"garbage.json"_s));
+    EXPECT_EQ(history.error, QString());
 }
 
 TEST_F(NotaryState, aStateThatCannotBeWrittenIsAnError)
 {
+    ASSERT_TRUE(QDir(statePath(u"notary"_s)).removeRecursively());
     bundlebuilder::writeFile(statePath(u"notary"_s), "a file in the folder's place");
     const ToolResult reply = upload(archive());
     EXPECT_EQ(reply.status, 1);
-    EXPECT_TRUE(reply.error.contains(u"Unable to keep the request: "_s + statePath(u"notary"_s)));
-    EXPECT_EQ(reply.output, QString());
+    EXPECT_TRUE(reply.error.contains(statePath(u"notary"_s))) << reply.error.toStdString();
+    EXPECT_EQ(uuidIn(reply), QString());
 }
 
 TEST_F(NotaryState, belongsToItsOwnerAlone)

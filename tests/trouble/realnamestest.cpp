@@ -46,7 +46,7 @@ protected:
         qputenv("SEALWRIGHT_TOOLCHAIN_STATE", QFile::encodeName(host.item(u"../state"_s)));
         const QString keychain = root + u"/usr/bin/sealwright-keychain"_s;
         run(keychain, {u"make-identity"_s, u"--name"_s, u"Example Corp (A1B2C3D4E5)"_s});
-        run(keychain, {u"add-password"_s, u"notary"_s}, "secret\n");
+        run(keychain, {u"make-api-key"_s, u"notary"_s});
         const QString real = GetParam().linkTo ? QString::fromUtf16(GetParam().linkTo) : name;
         run(u"cp"_s, {u"-a"_s, u"--"_s, QStringLiteral(SEALWRIGHT_SAMPLE_APP), host.item(real)});
         if (GetParam().linkTo)

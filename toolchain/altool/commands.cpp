@@ -1,20 +1,28 @@
 #include "altool/commands.h"
 
-#include "altool/providers.h"
-#include "formats/notaryreview.h"
-#include "formats/notarystate.h"
-#include "formats/passwords.h"
-#include "formats/statefolder.h"
+#include "altool/credentials.h"
+#include "altool/progress.h"
+#include "altool/receipts.h"
+#include "formats/notary/localservice.h"
+#include "formats/notary/upload.h"
 #include "support/console.h"
 
 #include <QCryptographicHash>
 #include <QFile>
 #include <QFileInfo>
+#include <QJsonDocument>
 #include <QUuid>
 
+#include <unistd.h>
+
 #include <algorithm>
+#include <cstdlib>
 
 using namespace Qt::StringLiterals;
+using toolchain::notary::Answer;
+using toolchain::notary::NotaryApi;
+using toolchain::notary::ServiceFailure;
+using toolchain::notary::Submission;
 
 namespace toolchain {
 
@@ -25,39 +33,33 @@ constexpr std::string_view usage = R"(Usage: altool --notarize-app -f FILE --pri
        altool --notarization-history PAGE CREDENTIALS
        altool --list-providers CREDENTIALS
        altool --help
-CREDENTIALS: -u APPLE-ID -p @keychain:ITEM | -p @env:VARIABLE | -p PASSWORD
+CREDENTIALS: -u APPLE-ID -p @keychain:ITEM | -u APPLE-ID -p @env:VARIABLE | --apiKey ID [--apiIssuer UUID]
 For each of them: [--asc-provider NAME] [--output-format normal|xml]
 )";
 
 constexpr std::string_view details = R"(
-Sends a zip archive, a disk image or a package to the notary and asks what became of it. The notary is a
-stand-in too: a folder on this machine, which keeps the file's digest and looks whether the bundles at its top
-bear seals that agree with their files, and whether a package bears a signature that agrees with its. Into a
-package's payload it does not look. Nothing leaves the machine, nobody at Apple sees or approves anything, and an approval
-is worth nothing elsewhere.
+Sends a zip archive, a disk image or a package to the notary service and asks what became of it. It speaks the
+service's protocol of today, with an API key; passwords are taken by that service no more.
 
   -f, --file FILE          a zip archive, a disk image or a package, whatever it is called
-  --primary-bundle-id ID   kept with the request
-  --list-providers         the teams of the keychain folder's identities, which end in the team's identifier in
-                           parentheses; that is the short name too. The account is not asked: there is none
-  -u, --username ID        any; there are no accounts
-  -p, --password PASSWORD  must be there; an item of the keychain folder is made by sealwright-keychain
-  --asc-provider NAME      accepted and not looked at: all teams share one history
+  --primary-bundle-id ID   kept with this machine's receipt of the upload; the service does not ask for it
+  --list-providers         the one team that the API key belongs to
+  -u, --username ID        any; it is not sent. It must be that of the item, if the item names one
+  -p, --password PASSWORD  an item that holds an API key: sealwright-keychain add-api-key makes one of a key from App
+                           Store Connect, make-api-key one for the service of this machine
+  --apiKey ID              the key ~/.appstoreconnect/private_keys/AuthKey_ID.p8, of the issuer --apiIssuer
+  --asc-provider NAME      must be the team of the item, if the item names one
   --output-format FORMAT   normal (the default), or xml for a property list
 
-A request is in progress for two questions, or for two minutes. The history has 20 requests a page, newest
-first; pages are counted from 0, and each but the last one names the next.
-Exit status: 0 done, 1 failed, 64 wrong arguments, 239 a RequestUUID that the notary does not know.
+The history is all that the service tells, the 100 newest requests, on page 0.
+Exit status: 0 done, 1 failed, 64 wrong arguments, 239 a RequestUUID that the service does not know.
 )";
 
 constexpr int failedStatus = 1;
 constexpr int unknownRequestStatus = 239;
-
-int fail(const QString &message, int status = failedStatus)
-{
-    printError("*** Error: " + message.toStdString() + "\n");
-    return status;
-}
+constexpr int unknownRequestCode = 1519;
+constexpr int ownFailureCode = -1;
+constexpr qint64 farOffSeconds = 5 * 60;
 
 QString argument(const ParsedArguments &arguments, const char *name)
 {
@@ -69,95 +71,173 @@ OutputFormat formatFrom(const ParsedArguments &arguments)
     return arguments.value("--output-format") == "xml" ? OutputFormat::Xml : OutputFormat::Normal;
 }
 
+void warn(const QString &text)
+{
+    printError("altool: warning: " + text.toStdString() + "\n");
+}
+
+/// The process in brackets is the tool's old habit: its readers cut a text behind the first closing bracket.
+void printFailure(const QString &message)
+{
+    printError("altool[" + std::to_string(getpid()) + "] *** Error: " + message.toStdString() + "\n");
+}
+
+int fail(const ParsedArguments &arguments, const ServiceFailure &failure)
+{
+    if (formatFrom(arguments) == OutputFormat::Xml) {
+        const Reply reply = failureReply(failure.text, failure.code);
+        print({reply.text.constData(), std::size_t(reply.text.size())});
+    }
+    printFailure(failure.text);
+    return failure.code == unknownRequestCode ? unknownRequestStatus : failedStatus;
+}
+
+int fail(const ParsedArguments &arguments, const QString &text)
+{
+    return fail(arguments, ServiceFailure{text, ownFailureCode});
+}
+
 int answer(const Reply &reply)
 {
-    if (!reply.error.isEmpty())
-        return fail(u"The reply cannot be written: "_s + reply.error);
+    if (!reply.error.isEmpty()) {
+        printFailure(u"The reply cannot be written: "_s + reply.error);
+        return failedStatus;
+    }
     print({reply.text.constData(), std::size_t(reply.text.size())});
     return 0;
 }
 
-/// Why the password cannot be had; empty if there is one. There is no account that could refuse it.
-QString passwordProblem(const QString &password)
+/// One run's way to the service.
+struct Session {
+    notary::ServiceConfig config;
+    notary::ApiKey key;
+    NotaryApi api;
+};
+
+void warnOfClock(const NotaryApi &api)
 {
-    const QString keychainPrefix = u"@keychain:"_s;
-    const QString environmentPrefix = u"@env:"_s;
-    if (password.startsWith(keychainPrefix)) {
-        const auto item = readPassword(password.mid(keychainPrefix.size()));
-        return item
-            ? QString()
-            : u"Unable to read the password. The specified item could not be found in the keychain."_s;
-    }
-    if (password.startsWith(environmentPrefix)) {
-        const QByteArray variable = password.mid(environmentPrefix.size()).toUtf8();
-        return qEnvironmentVariableIsEmpty(variable.constData())
-            ? u"The environment holds no password under that name."_s
-            : QString();
-    }
-    return password.isEmpty() ? u"The password is empty."_s : QString();
+    const qint64 offset = api.clock().offset();
+    if (std::abs(offset) > farOffSeconds)
+        warn(u"this machine's clock is %1 minutes %2 the service's"_s.arg(
+            QString::number(std::abs(offset) / 60), offset > 0 ? u"behind"_s : u"ahead of"_s));
 }
 
-QByteArray digestOf(QFile &file)
+/// Whether a file begins or ends as one that the service takes: a zip archive, a package, a disk image.
+bool isOfAKindToUpload(const QString &path)
 {
-    QCryptographicHash hash(QCryptographicHash::Sha256);
-    return hash.addData(&file) ? hash.result().toHex() : QByteArray();
-}
-
-int notarizeApp(const ParsedArguments &arguments)
-{
-    const QString path = argument(arguments, "-f");
+    constexpr qint64 trailer = 512;
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
-        return fail(u"Unable to read the file '%1': %2"_s.arg(path, file.errorString()));
-    if (!canBeReviewed(path))
+        return false;
+    const QByteArray head = file.read(4);
+    const bool hasTrailer =
+        file.size() >= trailer && file.seek(file.size() - trailer) && file.read(4) == "koly";
+    return head == "PK\3\4" || head == "PK\5\6" || head == "xar!" || hasTrailer;
+}
+
+int notarizeApp(const ParsedArguments &arguments, Session &session)
+{
+    const QString path = argument(arguments, "-f");
+    const auto file = notary::UploadFile::open(path);
+    if (!file)
+        return fail(arguments, file.error());
+    if (!isOfAKindToUpload(path))
         return fail(
-            u"'%1' is no zip archive, no disk image and no package, and this stand-in for the notary reads nothing else."_s
+            arguments,
+            u"'%1' is no zip archive, no disk image and no package, and the notary service takes nothing else."_s
                 .arg(path));
-    NotaryRequest request;
-    request.archiveDigest = digestOf(file);
-    if (request.archiveDigest.isEmpty())
-        return fail(u"Unable to read the file '%1': %2"_s.arg(path, file.errorString()));
-    const Review review = reviewUpload(path);
-    request.uuid = QUuid::createUuid().toString(QUuid::WithoutBraces);
-    request.archiveName = QFileInfo(path).fileName();
-    request.bundleIdentifier = argument(arguments, "--primary-bundle-id");
-    request.uploaded = QDateTime::fromSecsSinceEpoch(QDateTime::currentSecsSinceEpoch(), Qt::UTC);
-    request.issues = review.issues;
-    request.sealDigests = review.sealDigests;
-    const QString problem = NotaryState(notaryFolder()).store(request);
-    if (!problem.isEmpty())
-        return fail(u"Unable to keep the request: "_s + problem);
-    return answer(uploadReply(request, path, formatFrom(arguments)));
+    printError("altool: uploading to the notary service at "
+               + notary::hostAndPort(session.config.api).toStdString() + "\n");
+    ProgressLine progress;
+    const auto show = [&progress](qint64 sent, qint64 size) { progress.show(sent, size); };
+    const auto uploaded = notary::Upload(session.api, session.config, **file, show).run();
+    if (const auto *failure = std::get_if<ServiceFailure>(&uploaded))
+        return fail(arguments, *failure);
+    const QString id = std::get<QString>(uploaded);
+    const QString unkept =
+        keepReceipt(id, {(*file)->name(), (*file)->sha256(), argument(arguments, "--primary-bundle-id")});
+    if (!unkept.isEmpty())
+        warn(u"no receipt of the upload is kept: "_s + unkept);
+    return answer(uploadReply(id, path, formatFrom(arguments)));
 }
 
-int notarizationInfo(const ParsedArguments &arguments)
+/// The hash that the log tells of, where this machine has no receipt.
+QByteArray hashIn(const QByteArray &log)
 {
-    const QString uuid = argument(arguments, "--notarization-info");
-    const NotaryState state(notaryFolder());
-    const NotaryLookup lookup = state.poll(uuid);
-    if (!lookup.error.isEmpty())
-        return fail(u"Unable to read the request: "_s + lookup.error);
-    if (!lookup.request)
-        return fail(u"Could not find the RequestUUID. The notary knows no request '%1'."_s.arg(uuid),
-                    unknownRequestStatus);
-    return answer(infoReply(*lookup.request, state.logPath(lookup.request->uuid), formatFrom(arguments)));
+    return QJsonDocument::fromJson(log)[u"sha256"].toString().toLower().toLatin1();
 }
 
-int notarizationHistory(const ParsedArguments &arguments)
+/// The report of a request that is decided, with its log kept on this machine: its address is a secret.
+InfoReport withLog(NotaryApi &api, InfoReport report)
 {
-    const NotaryHistory history = NotaryState(notaryFolder()).history();
-    for (const QString &warning : history.warnings)
-        printError("altool: warning: " + warning.toStdString() + "\n");
+    const auto log = api.log(report.submission.id);
+    if (const auto *failure = std::get_if<ServiceFailure>(&log)) {
+        warn(u"the log is not to be had: "_s + failure->text);
+        return report;
+    }
+    const QByteArray bytes = std::get<QByteArray>(log);
+    report.logPath = keepLog(report.submission.id, bytes);
+    if (report.logPath.isEmpty())
+        warn(u"the log cannot be kept on this machine"_s);
+    if (report.hash.isEmpty())
+        report.hash = hashIn(bytes);
+    return report;
+}
+
+int notarizationInfo(const ParsedArguments &arguments, Session &session)
+{
+    const QString id = argument(arguments, "--notarization-info");
+    const ServiceFailure unknown{
+        u"Could not find the RequestUUID. The service knows no request '%1'."_s.arg(notary::printable(id)),
+        unknownRequestCode};
+    if (!notary::isRequestId(id))
+        return fail(arguments, unknown);
+    const auto found = session.api.status(id);
+    if (const auto *failure = std::get_if<ServiceFailure>(&found))
+        return fail(arguments, *failure);
+    const auto submission = std::get<std::optional<Submission>>(found);
+    if (!submission)
+        return fail(arguments, unknown);
+    const StatusTexts texts = textsOf(submission->status);
+    if (!texts.isKnown)
+        warn(
+            u"the service answers with the status '%1', which is not known here; the request is taken for one in progress"_s
+                .arg(notary::printable(submission->status)));
+    InfoReport report{*submission, receiptOf(id).sha256, {}};
+    if (texts.isDecided)
+        report = withLog(session.api, report);
+    return answer(infoReply(report, formatFrom(arguments)));
+}
+
+int notarizationHistory(const ParsedArguments &arguments, Session &session)
+{
     const qulonglong page = argument(arguments, "--notarization-history").toULongLong();
-    return answer(historyReply(history.requests, page, formatFrom(arguments)));
+    if (page > 0)
+        return answer(historyReply({}, page, formatFrom(arguments)));
+    const auto history = session.api.history();
+    if (const auto *failure = std::get_if<ServiceFailure>(&history))
+        return fail(arguments, *failure);
+    return answer(historyReply(std::get<QList<Submission>>(history), page, formatFrom(arguments)));
 }
 
-int listProviders(const ParsedArguments &arguments)
+int listProviders(const ParsedArguments &arguments, Session &session)
 {
-    const ProviderList list = readProviders(keychainFolder());
-    for (const QString &warning : list.warnings)
-        printError("altool: warning: " + warning.toStdString() + "\n");
-    return answer(providersReply(list.providers, formatFrom(arguments)));
+    const auto history = session.api.history(); // to prove the key
+    if (const auto *failure = std::get_if<ServiceFailure>(&history))
+        return fail(arguments, *failure);
+    const QString team = session.key.team.isEmpty() ? session.key.keyId : session.key.team;
+    return answer(
+        providersReply({team, u"Team of API key "_s + session.key.keyId, team}, formatFrom(arguments)));
+}
+
+int carryOut(const ParsedArguments &arguments, Session &session)
+{
+    if (arguments.has("--notarize-app"))
+        return notarizeApp(arguments, session);
+    if (arguments.has("--list-providers"))
+        return listProviders(arguments, session);
+    return arguments.has("--notarization-info") ? notarizationInfo(arguments, session)
+                                                : notarizationHistory(arguments, session);
 }
 
 bool isNumber(const QString &text)
@@ -176,7 +256,7 @@ std::string argumentProblem(const ParsedArguments &arguments)
         + arguments.has("--notarization-history") + arguments.has("--list-providers");
     if (commands != 1)
         return "exactly one command is needed";
-    if (arguments.value("-u").empty() || !arguments.has("-p"))
+    if (!arguments.has("--apiKey") && (arguments.value("-u").empty() || !arguments.has("-p")))
         return "-u and -p are needed";
     if (arguments.has("--notarize-app")
         && (arguments.value("-f").empty() || arguments.value("--primary-bundle-id").empty()))
@@ -208,6 +288,8 @@ std::vector<Option> altoolOptions()
             {{"--primary-bundle-id"}, OptionValue::Required},
             {{"-u", "--username"}, OptionValue::Required},
             {{"-p", "--password"}, OptionValue::Required},
+            {{"--apiKey"}, OptionValue::Required},
+            {{"--apiIssuer"}, OptionValue::Required},
             {{"--asc-provider"}, OptionValue::Required},
             {{"--output-format"}, OptionValue::Required},
             {{"-h", "--help"}}};
@@ -218,15 +300,16 @@ int runAltool(const ParsedArguments &arguments)
     const std::string complaint = argumentProblem(arguments);
     if (!complaint.empty())
         return refuseArguments("altool", complaint, usage);
-    const QString problem = passwordProblem(argument(arguments, "-p"));
-    if (!problem.isEmpty())
-        return fail(problem);
-    if (arguments.has("--notarize-app"))
-        return notarizeApp(arguments);
-    if (arguments.has("--list-providers"))
-        return listProviders(arguments);
-    return arguments.has("--notarization-info") ? notarizationInfo(arguments)
-                                                : notarizationHistory(arguments);
+    const auto key = readCredentials(arguments);
+    if (!key)
+        return fail(arguments, key.error());
+    const auto config = notary::ensureService();
+    if (!config)
+        return fail(arguments, config.error());
+    Session session{*config, *key, NotaryApi(*config, *key)};
+    const int status = carryOut(arguments, session);
+    warnOfClock(session.api);
+    return status;
 }
 
 } // namespace toolchain

@@ -5,6 +5,8 @@
 #include <QUrl>
 #include <QVariantMap>
 
+#include <array>
+
 #include "platform/propertylist/propertylist.h"
 
 using namespace Qt::StringLiterals;
@@ -13,31 +15,15 @@ namespace toolchain {
 
 namespace {
 
-/// What the service says about a verdict. There is no code and no message while it is in progress.
-struct VerdictTexts {
-    QString status;
-    int code = 0;
-    QString message;
-};
-
-constexpr qulonglong requestsOnAPage = 20;
-
-VerdictTexts textsOf(Verdict verdict)
-{
-    switch (verdict) {
-    case Verdict::InProgress:
-        return {u"in progress"_s, 0, {}};
-    case Verdict::Success:
-        return {u"success"_s, 0, u"Package Approved"_s};
-    case Verdict::Invalid:
-        return {u"invalid"_s, 2, u"Package Invalid"_s};
-    }
-    Q_UNREACHABLE();
-}
-
 QString dateText(const QDateTime &date)
 {
-    return date.toString(u"yyyy-MM-dd HH:mm:ss"_s) + u" +0000"_s;
+    return date.toUTC().toString(u"yyyy-MM-dd HH:mm:ss"_s) + u" +0000"_s;
+}
+
+/// A property list's dates have no fractions.
+QDateTime wholeSeconds(const QDateTime &date)
+{
+    return QDateTime::fromSecsSinceEpoch(date.toSecsSinceEpoch(), Qt::UTC);
 }
 
 QString logUrl(const QString &logPath)
@@ -61,128 +47,136 @@ QString uploadMessage(const QString &archive)
 
 const QString infoMessage = u"No errors getting notarization info."_s;
 
-QVariantMap infoEntries(const NotaryRequest &request, const QString &logPath)
+QVariantMap infoEntries(const InfoReport &report)
 {
-    const VerdictTexts texts = textsOf(request.verdict());
-    QVariantMap entries{
-        {u"Date"_s, request.uploaded},
-        {u"Hash"_s, QString::fromLatin1(request.archiveDigest)},
-        {u"RequestUUID"_s, request.uuid},
-        {u"Status"_s, texts.status},
-    };
-    if (request.verdict() != Verdict::InProgress) {
-        entries.insert(u"LogFileURL"_s, logUrl(logPath));
-        entries.insert(u"Status Code"_s, texts.code);
-        entries.insert(u"Status Message"_s, texts.message);
-    }
+    const StatusTexts texts = textsOf(report.submission.status);
+    QVariantMap entries{{u"RequestUUID"_s, report.submission.id}, {u"Status"_s, texts.status}};
+    if (report.submission.created.isValid())
+        entries.insert(u"Date"_s, wholeSeconds(report.submission.created));
+    if (!report.hash.isEmpty())
+        entries.insert(u"Hash"_s, QString::fromLatin1(report.hash));
+    if (!texts.isDecided)
+        return entries;
+    if (!report.logPath.isEmpty())
+        entries.insert(u"LogFileURL"_s, logUrl(report.logPath));
+    entries.insert(u"Status Code"_s, texts.code);
+    entries.insert(u"Status Message"_s, texts.message);
     return entries;
 }
 
 /// The plain report. Its first line with "Status: " is the verdict's.
-QString infoText(const NotaryRequest &request, const QString &logPath)
+QString infoText(const InfoReport &report)
 {
-    const VerdictTexts texts = textsOf(request.verdict());
-    const bool isDecided = request.verdict() != Verdict::InProgress;
-    QString text = infoMessage + u"\n\n          Date: "_s + dateText(request.uploaded)
-        + u"\n          Hash: "_s + QString::fromLatin1(request.archiveDigest) + u'\n';
-    if (isDecided)
-        text += u"    LogFileURL: "_s + logUrl(logPath) + u'\n';
-    text += u"   RequestUUID: "_s + request.uuid + u"\n        Status: "_s + texts.status + u'\n';
-    if (isDecided)
+    const StatusTexts texts = textsOf(report.submission.status);
+    QString text = infoMessage + u"\n\n"_s;
+    if (report.submission.created.isValid())
+        text += u"          Date: "_s + dateText(report.submission.created) + u'\n';
+    if (!report.hash.isEmpty())
+        text += u"          Hash: "_s + QString::fromLatin1(report.hash) + u'\n';
+    if (texts.isDecided && !report.logPath.isEmpty())
+        text += u"    LogFileURL: "_s + logUrl(report.logPath) + u'\n';
+    text += u"   RequestUUID: "_s + report.submission.id + u"\n        Status: "_s + texts.status + u'\n';
+    if (texts.isDecided)
         text += u"   Status Code: %1\nStatus Message: %2\n"_s.arg(QString::number(texts.code), texts.message);
     return text;
 }
 
-QString historyLine(const NotaryRequest &request)
+/// One line of the history's table; the widths are those of its columns.
+QString tableLine(const QStringList &cells)
 {
-    return dateText(request.uploaded) + u' ' + request.uuid + u' ' + textsOf(request.verdict()).status + u' '
-        + request.bundleIdentifier + u' ' + request.archiveName + u'\n';
+    constexpr std::array widths{25, 36, 11, 11, 16};
+    QString line;
+    for (qsizetype index = 0; index < cells.size(); ++index)
+        line += cells.at(index).leftJustified(widths.at(std::size_t(index))) + u' ';
+    return line + u'\n';
 }
 
-struct HistoryPage {
-    QList<NotaryRequest> requests;
-    std::optional<qulonglong> next; ///< nothing on the last page
-};
-
-HistoryPage pageOf(const QList<NotaryRequest> &requests, qulonglong page)
+QString historyLine(const notary::Submission &submission)
 {
-    const auto count = qulonglong(requests.size());
-    const qulonglong pages = (count + requestsOnAPage - 1) / requestsOnAPage;
-    if (page >= pages)
-        return {};
-    return {requests.mid(qsizetype(page * requestsOnAPage), qsizetype(requestsOnAPage)),
-            page + 1 < pages ? std::optional(page + 1) : std::nullopt};
+    const StatusTexts texts = textsOf(submission.status);
+    const QString date = submission.created.isValid() ? dateText(submission.created) : QString();
+    return tableLine({date, submission.id, texts.status,
+                      texts.isDecided ? QString::number(texts.code) : QString(), texts.message});
 }
 
-QString historyText(const HistoryPage &page)
+QString historyText(const QList<notary::Submission> &submissions, qulonglong page)
 {
-    if (page.requests.isEmpty())
+    if (submissions.isEmpty())
         return u"No items found.\n"_s;
-    QString text;
-    for (const NotaryRequest &request : page.requests)
-        text += historyLine(request);
-    return page.next ? text + u"\nNext page value: %1\n"_s.arg(*page.next) : text;
+    const auto rule = [](int width) { return QString(width, u'-'); };
+    QString text = u"Notarization History - page %1\n\n"_s.arg(page);
+    text += tableLine({u"Date"_s, u"RequestUUID"_s, u"Status"_s, u"Status Code"_s, u"Status Message"_s});
+    text += tableLine({rule(25), rule(36), rule(11), rule(11), rule(16)});
+    for (const notary::Submission &submission : submissions)
+        text += historyLine(submission);
+    return text;
 }
 
-QVariantMap historyEntries(const HistoryPage &page)
+QVariantMap historyEntries(const QList<notary::Submission> &submissions)
 {
     QVariantList items;
-    for (const NotaryRequest &request : page.requests)
-        items.append(QVariantMap{{u"Date"_s, request.uploaded},
-                                 {u"RequestUUID"_s, request.uuid},
-                                 {u"Status"_s, textsOf(request.verdict()).status}});
-    QVariantMap entries{{u"items"_s, items}};
-    if (page.next)
-        entries.insert(u"next-page"_s, *page.next);
-    return entries;
-}
-
-/// One line a team, the name last since it may have blanks.
-QString providersText(const QList<Provider> &providers)
-{
-    if (providers.isEmpty())
-        return u"No providers found.\n"_s;
-    QString text = u"ProviderShortname WWDRTeamID ProviderName\n"_s;
-    for (const Provider &provider : providers)
-        text += provider.shortName + u' ' + provider.teamIdentifier + u' ' + provider.name + u'\n';
-    return text;
+    for (const notary::Submission &submission : submissions)
+        items.append(infoEntries({submission, {}, {}}));
+    return {{u"items"_s, items}};
 }
 
 } // namespace
 
-Reply uploadReply(const NotaryRequest &request, const QString &archive, OutputFormat format)
+StatusTexts textsOf(const QString &serviceWord)
+{
+    const QString word = serviceWord.trimmed().toLower();
+    if (word == u"accepted"_s)
+        return {u"success"_s, true, true, 0, u"Package Approved"_s};
+    if (word == u"invalid"_s)
+        return {u"invalid"_s, true, true, 2, u"Package Invalid"_s};
+    if (word == u"rejected"_s)
+        return {u"rejected"_s, true, true, 2, u"Package Rejected"_s};
+    return {u"in progress"_s, false, word == u"in progress"_s, 0, {}};
+}
+
+Reply uploadReply(const QString &id, const QString &archive, OutputFormat format)
 {
     if (format == OutputFormat::Normal)
-        return {(uploadMessage(archive) + u"\nRequestUUID = "_s + request.uuid + u'\n').toUtf8(), {}};
-    return xmlReply({{u"notarization-upload"_s, QVariantMap{{u"RequestUUID"_s, request.uuid}}},
+        return {(uploadMessage(archive) + u"\nRequestUUID = "_s + id + u'\n').toUtf8(), {}};
+    return xmlReply({{u"notarization-upload"_s, QVariantMap{{u"RequestUUID"_s, id}}},
                      {u"success-message"_s, uploadMessage(archive)}});
 }
 
-Reply infoReply(const NotaryRequest &request, const QString &logPath, OutputFormat format)
+Reply infoReply(const InfoReport &report, OutputFormat format)
 {
     if (format == OutputFormat::Normal)
-        return {infoText(request, logPath).toUtf8(), {}};
-    return xmlReply(
-        {{u"notarization-info"_s, infoEntries(request, logPath)}, {u"success-message"_s, infoMessage}});
+        return {infoText(report).toUtf8(), {}};
+    return xmlReply({{u"notarization-info"_s, infoEntries(report)}, {u"success-message"_s, infoMessage}});
 }
 
-Reply historyReply(const QList<NotaryRequest> &requests, qulonglong page, OutputFormat format)
-{
-    const HistoryPage shown = pageOf(requests, page);
-    return format == OutputFormat::Normal ? Reply{historyText(shown).toUtf8(), {}}
-                                          : xmlReply({{u"notarization-history"_s, historyEntries(shown)}});
-}
-
-Reply providersReply(const QList<Provider> &providers, OutputFormat format)
+Reply historyReply(const QList<notary::Submission> &submissions, qulonglong page, OutputFormat format)
 {
     if (format == OutputFormat::Normal)
-        return {providersText(providers).toUtf8(), {}};
-    QVariantList entries;
-    for (const Provider &provider : providers)
-        entries.append(QVariantMap{{u"ProviderName"_s, provider.name},
-                                   {u"ProviderShortname"_s, provider.shortName},
-                                   {u"WWDRTeamID"_s, provider.teamIdentifier}});
-    return xmlReply({{u"providers"_s, entries}});
+        return {historyText(submissions, page).toUtf8(), {}};
+    return xmlReply({{u"notarization-history"_s, historyEntries(submissions)},
+                     {u"success-message"_s, u"No errors getting notarization history."_s}});
+}
+
+Reply providersReply(const Provider &provider, OutputFormat format)
+{
+    if (format == OutputFormat::Normal)
+        return {u"ProviderShortname WWDRTeamID ProviderName\n%1 %2 %3\n"_s
+                    .arg(provider.shortName, provider.teamIdentifier, provider.name)
+                    .toUtf8(),
+                {}};
+    const QVariantMap entry{{u"ProviderName"_s, provider.name},
+                            {u"ProviderShortname"_s, provider.shortName},
+                            {u"WWDRTeamID"_s, provider.teamIdentifier}};
+    return xmlReply({{u"providers"_s, QVariantList{entry}}});
+}
+
+Reply failureReply(const QString &message, int code)
+{
+    const QVariantMap details{{u"NSLocalizedDescription"_s, message},
+                              {u"NSLocalizedFailureReason"_s, u"Apple Services operation failed."_s},
+                              {u"NSLocalizedRecoverySuggestion"_s, message}};
+    const QVariantMap error{{u"code"_s, code}, {u"message"_s, message}, {u"userInfo"_s, details}};
+    return xmlReply({{u"product-errors"_s, QVariantList{error}}});
 }
 
 QString toolVersion()

@@ -1,12 +1,18 @@
 #pragma once
 
-#include "altool/providers.h"
-#include "formats/notaryrequest.h"
+#include "formats/notary/notaryapi.h"
 
 #include <QList>
 #include <QString>
 
 namespace toolchain {
+
+/// A development team.
+struct Provider {
+    QString shortName; ///< for --asc-provider
+    QString name;
+    QString teamIdentifier;
+};
 
 enum class OutputFormat { Normal, Xml };
 
@@ -17,16 +23,36 @@ struct Reply {
     QString error;
 };
 
-[[nodiscard]] Reply uploadReply(const NotaryRequest &request, const QString &archive, OutputFormat format);
+/// A request's state as the report tells it.
+struct InfoReport {
+    notary::Submission submission;
+    QByteArray hash; ///< SHA-256, 64 lower-case hexadecimal digits; empty if it is not known
+    QString logPath; ///< empty if there is no log
+};
 
-/// `logPath` is told only of a request that is decided.
-[[nodiscard]] Reply infoReply(const NotaryRequest &request, const QString &logPath, OutputFormat format);
+/// What the service's word means in the old protocol's. Any word that is not known is "in progress", since a
+/// reader takes every other one for a refusal.
+struct StatusTexts {
+    QString status;
+    bool isDecided = false;
+    bool isKnown = true;
+    int code = 0;
+    QString message;
+};
+[[nodiscard]] StatusTexts textsOf(const QString &serviceWord);
 
-/// Of all requests, newest first, those that are on the page, counted from 0. Says which page is the next one
-/// if anything is on that.
-[[nodiscard]] Reply historyReply(const QList<NotaryRequest> &requests, qulonglong page, OutputFormat format);
+[[nodiscard]] Reply uploadReply(const QString &id, const QString &archive, OutputFormat format);
 
-[[nodiscard]] Reply providersReply(const QList<Provider> &providers, OutputFormat format);
+[[nodiscard]] Reply infoReply(const InfoReport &report, OutputFormat format);
+
+/// All that the service tells is on page 0; it names no next one.
+[[nodiscard]] Reply historyReply(const QList<notary::Submission> &submissions, qulonglong page,
+                                 OutputFormat format);
+
+[[nodiscard]] Reply providersReply(const Provider &provider, OutputFormat format);
+
+/// A failure as a property list.
+[[nodiscard]] Reply failureReply(const QString &message, int code);
 
 /// "4.1.0"
 [[nodiscard]] QString toolVersion();

@@ -125,7 +125,8 @@ QJsonValue logIssues(const NotaryRequest &request)
 Verdict NotaryRequest::verdict() const
 {
     const bool isDecided = phase == Phase::Reviewed
-        && (polls > pollsInProgress || uploaded.secsTo(QDateTime::currentDateTimeUtc()) >= longestReviewInSeconds);
+        && (polls > pollsInProgress
+            || uploaded.secsTo(QDateTime::currentDateTimeUtc()) >= longestReviewInSeconds);
     if (!isDecided)
         return Verdict::InProgress;
     return isApproved() ? Verdict::Success : Verdict::Invalid;

@@ -47,8 +47,8 @@ struct NotaryRequest {
 
     [[nodiscard]] bool isApproved() const;
 
-    /// In progress until it has been reviewed, and while the sender has asked less than three times and the upload is younger than two
-    /// minutes, so that a sender meets the waiting that the real service imposes.
+    /// In progress until it has been reviewed, and while the sender has asked less than three times and the
+    /// upload is younger than two minutes, so that a sender meets the waiting that the real service imposes.
     [[nodiscard]] Verdict verdict() const;
 };
 

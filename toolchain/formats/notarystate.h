@@ -22,7 +22,8 @@ class NotaryState {
 public:
     explicit NotaryState(QString folder);
 
-    /// Keeps a request as it stands now, with its log once it has been reviewed. Answers what went wrong, or an empty text.
+    /// Keeps a request as it stands now, with its log once it has been reviewed. Answers what went wrong, or
+    /// an empty text.
     [[nodiscard]] QString store(const NotaryRequest &request) const;
 
     /// Counts one question of the sender, and answers the request as it stands after it.

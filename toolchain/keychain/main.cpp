@@ -1,6 +1,7 @@
 #include "formats/identities.h"
 #include "formats/passwords.h"
 #include "formats/statefolder.h"
+#include "keychain/notarycommands.h"
 #include "support/arguments.h"
 #include "support/console.h"
 
@@ -119,6 +120,9 @@ int run(const ParsedArguments &arguments)
 {
     const auto &words = arguments.operands;
     const std::string command = words.empty() ? "" : words.front();
+    const auto notaryStatus = runNotaryCommand(arguments);
+    if (notaryStatus)
+        return *notaryStatus;
     const bool isMaking = command == "make-identity";
     if (!isMaking && (arguments.has("--name") || arguments.has("--kind")))
         return refuseArguments("sealwright-keychain", "--name and --kind belong to make-identity", usage);
@@ -138,13 +142,16 @@ int run(const ParsedArguments &arguments)
 
 int main(int argc, char **argv)
 {
-    const auto arguments = parseArguments(
-        wordsOf(argc, argv),
-        {{{"--name"}, OptionValue::Required}, {{"--kind"}, OptionValue::Required}, {{"-h", "--help"}}});
+    std::vector<Option> options{
+        {{"--name"}, OptionValue::Required}, {{"--kind"}, OptionValue::Required}, {{"-h", "--help"}}};
+    for (const Option &option : notaryOptions())
+        options.push_back(option);
+    const auto arguments = parseArguments(wordsOf(argc, argv), options);
     if (!arguments.error.empty())
         return refuseArguments("sealwright-keychain", arguments.error, usage);
     if (arguments.has("-h")) {
         print(usage);
+        print("\n" + std::string(notaryUsage()) + "\n" + std::string(notaryDetails()));
         return 0;
     }
     return run(arguments);

@@ -1,0 +1,131 @@
+#include "keychain/notarycommands.h"
+
+#include "formats/notary/apikey.h"
+#include "formats/notary/serviceconfig.h"
+#include "formats/passwords.h"
+#include "support/console.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QRegularExpression>
+
+using namespace Qt::StringLiterals;
+using toolchain::notary::ApiKey;
+
+namespace toolchain {
+
+namespace {
+
+constexpr qint64 largestKeyFile = 64 * 1024;
+
+int fail(const QString &message)
+{
+    printError("sealwright-keychain: " + message.toStdString() + "\n");
+    return 1;
+}
+
+QString textOf(const ParsedArguments &arguments, const char *name)
+{
+    return QString::fromStdString(arguments.value(name));
+}
+
+int keep(const QString &item, const ApiKey &key)
+{
+    const QString problem = storePassword(item, notary::itemOf(key));
+    if (!problem.isEmpty())
+        return fail(problem);
+    print("API key " + key.keyId.toStdString() + " kept under \"" + item.toStdString() + "\"\n");
+    return 0;
+}
+
+/// Apple hands a key out under the name AuthKey_ID.p8.
+QString keyIdIn(const QString &path)
+{
+    static const QRegularExpression form(uR"(\AAuthKey_([A-Za-z0-9]+)\.p8\z)"_s);
+    return form.match(QFileInfo(path).fileName()).captured(1);
+}
+
+int addApiKey(const ParsedArguments &arguments)
+{
+    const QString item = QString::fromStdString(arguments.operands.at(1));
+    const QString path = QString::fromStdString(arguments.operands.at(2));
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return fail(path + u": "_s + file.errorString());
+    ApiKey key{textOf(arguments, "--key-id"),
+               textOf(arguments, "--issuer"),
+               file.read(largestKeyFile),
+               textOf(arguments, "--team"),
+               {}};
+    if (key.keyId.isEmpty())
+        key.keyId = keyIdIn(path);
+    if (key.keyId.isEmpty())
+        return fail(path + u": its name is not AuthKey_ID.p8; tell the key's identifier by --key-id"_s);
+    if (!notary::privateKeyOf(key))
+        return fail(path + u": this is no private key on the curve P-256"_s);
+    return keep(item, key);
+}
+
+int makeApiKey(const ParsedArguments &arguments)
+{
+    auto key = notary::makeLocalApiKey();
+    if (!key)
+        return fail(key.error());
+    key->team = textOf(arguments, "--team");
+    return keep(QString::fromStdString(arguments.operands.at(1)), *key);
+}
+
+int useNotary(const ParsedArguments &arguments)
+{
+    const QString choice = QString::fromStdString(arguments.operands.at(1));
+    const QString problem = notary::chooseService(choice);
+    if (!problem.isEmpty())
+        return fail(problem);
+    const auto config = notary::readServiceConfig();
+    print("notary service: "
+          + (config && !config->isLocal ? notary::hostAndPort(config->api).toStdString() : "of this machine")
+          + "\n");
+    return 0;
+}
+
+} // namespace
+
+std::string_view notaryUsage()
+{
+    return R"(       sealwright-keychain add-api-key ITEM [--key-id ID] [--issuer UUID] [--team ID] FILE.p8
+       sealwright-keychain make-api-key ITEM
+       sealwright-keychain use-notary apple | local | URL
+)";
+}
+
+std::string_view notaryDetails()
+{
+    return R"(  add-api-key     keep a key from App Store Connect under the name ITEM. The identifier is that of the file's name,
+                  AuthKey_ID.p8, if it is not told; without an issuer it is an individual key
+  make-api-key    make a key for the notary service of this machine and keep it under the name ITEM
+  use-notary      say which service altool, stapler, spctl and codesign ask: Apple's, that of this machine (as
+                  without any choice), or the one at an address
+)";
+}
+
+std::vector<Option> notaryOptions()
+{
+    return {{{"--key-id"}, OptionValue::Required},
+            {{"--issuer"}, OptionValue::Required},
+            {{"--team"}, OptionValue::Required}};
+}
+
+std::optional<int> runNotaryCommand(const ParsedArguments &arguments)
+{
+    const auto &words = arguments.operands;
+    const std::string command = words.empty() ? "" : words.front();
+    if (command == "add-api-key" && words.size() == 3 && !words[1].empty())
+        return addApiKey(arguments);
+    if (command == "make-api-key" && words.size() == 2 && !words[1].empty())
+        return makeApiKey(arguments);
+    if (command == "use-notary" && words.size() == 2)
+        return useNotary(arguments);
+    return std::nullopt;
+}
+
+} // namespace toolchain
