@@ -3,6 +3,8 @@
 #include "app/preferencekeys.h"
 #include "platform/notifications.h"
 #include "platform/preferences.h"
+#include "ui/controlstyle.h"
+#include "ui/theme.h"
 
 #include <QApplication>
 #include <QEvent>
@@ -60,13 +62,15 @@ Appearance::Appearance(const platform::DesktopAppearance &desktop, platform::Pre
     , m_notifications(notifications)
 {
     connect(&desktop, &platform::DesktopAppearance::changed, this, &Appearance::follow);
+    if (!qobject_cast<ControlStyle *>(QApplication::style()))
+        QApplication::setStyle(new ControlStyle);
     qApp->installEventFilter(this);
     follow();
 }
 
 bool Appearance::isDark(const QPalette &palette)
 {
-    return palette.color(QPalette::Window).lightness() < palette.color(QPalette::WindowText).lightness();
+    return theme::isDark(palette);
 }
 
 bool Appearance::eventFilter(QObject *watched, QEvent *event)
@@ -86,11 +90,11 @@ void Appearance::follow()
 void Appearance::applyPalette()
 {
     QApplication::setPalette(QPalette()); // the one that the desktop gives
-    if (m_desktop.scheme() == Scheme::noPreference)
-        return;
+    QPalette palette = QApplication::palette();
     const bool wantsDark = m_desktop.scheme() == Scheme::dark;
-    if (wantsDark != isDark(QApplication::palette()))
-        QApplication::setPalette(wantsDark ? darkPalette() : lightPalette());
+    if (m_desktop.scheme() != Scheme::noPreference && wantsDark != isDark(palette))
+        palette = wantsDark ? darkPalette() : lightPalette();
+    QApplication::setPalette(theme::readable(palette));
 }
 
 void Appearance::remember(bool isDark)

@@ -7,6 +7,7 @@
 #include "ui/itemheader.h"
 #include "ui/logpane.h"
 #include "ui/logview.h"
+#include "ui/outcomebanner.h"
 #include "ui/settingspane.h"
 #include "ui/steppane.h"
 
@@ -44,12 +45,14 @@ void acceptCopy(QDropEvent &event)
 DocumentPage::DocumentPage(MainWinController &document)
     : m_document(document)
     , m_header(new ItemHeader(document, this))
+    , m_banner(new OutcomeBanner(document, this))
     , m_commands(new CommandBar(document, this))
     , m_dropOutline(new QRubberBand(QRubberBand::Rectangle, this))
 {
     setAcceptDrops(true);
     auto *const rows = new QVBoxLayout(this);
     rows->addWidget(m_header);
+    rows->addWidget(m_banner);
     rows->addWidget(makeParts(), 1);
     rows->addWidget(m_commands);
     setStatusWord(document.statusString());
@@ -105,13 +108,15 @@ void DocumentPage::rememberFocus()
 
 void DocumentPage::restoreFocus()
 {
-    if (QWidget *const focused = focusWidget() ? focusWidget() : m_lastFocus.get())
+    // What shows a page for the first time gives the keyboard to the first of its parts.
+    QWidget *const remembered = std::exchange(m_lastFocus, nullptr).get();
+    if (QWidget *const focused = remembered ? remembered : focusWidget())
         focused->setFocus();
 }
 
 void DocumentPage::printLog(QPagedPaintDevice &paper) const
 {
-    m_logPane->log().print(&paper);
+    m_logPane->log().printOn(paper);
 }
 
 void DocumentPage::dragEnterEvent(QDragEnterEvent *event)

@@ -8,6 +8,7 @@ class FindBar;
 class ItemHeader;
 class LogPane;
 class MainWinController;
+class OutcomeBanner;
 class QPagedPaintDevice;
 class QRubberBand;
 
@@ -23,6 +24,8 @@ public:
     void setStatusWord(const QString &word);
     /// What names the item and holds the cancel.
     QWidget &header() const;
+    /// What tells of the latest run.
+    OutcomeBanner &banner() const { return *m_banner; }
     /// What searches the log.
     FindBar &findBar() const;
     /// Presses the button that Return stands for, if it is on.
@@ -46,6 +49,7 @@ private:
 
     MainWinController &m_document;
     ItemHeader *m_header;
+    OutcomeBanner *m_banner;
     LogPane *m_logPane = nullptr;
     CommandBar *m_commands;
     QRubberBand *m_dropOutline; ///< on show while files that can be dropped are over the page

@@ -1,11 +1,16 @@
 #include "ui/itemheader.h"
 
 #include "document/mainwincontroller.h"
+#include "platform/itempath.h"
 #include "ui/bindings.h"
 #include "ui/busybar.h"
+#include "ui/elidedlabel.h"
+#include "ui/itemfacts.h"
+#include "ui/itemicon.h"
 #include "ui/keepplace.h"
 #include "ui/named.h"
 
+#include <QBoxLayout>
 #include <QGridLayout>
 #include <QLabel>
 #include <QLineEdit>
@@ -15,7 +20,9 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+const QString widestWord = u"interacting"_s; // of the status words
 constexpr int progressWidth = 140;
+constexpr int linesOfIcon = 3; // that it is as tall as
 constexpr qreal itemNameScale = 1.35;
 
 } // namespace
@@ -23,18 +30,52 @@ constexpr qreal itemNameScale = 1.35;
 ItemHeader::ItemHeader(MainWinController &document, QWidget *parent)
     : QWidget(parent)
     , m_document(document)
+    , m_icon(named(new QLabel(this), u"itemIcon"_s, u"Icon of the item"_s))
     , m_statusWord(new QLabel(this))
+    , m_facts(named(new ElidedLabel(this), u"itemFacts"_s, u"About the item"_s))
 {
     m_statusWord->setObjectName(u"statusString"_s);
     m_statusWord->setTextFormat(Qt::PlainText);
-    auto *const grid = new QGridLayout(this);
+    auto *const row = new QHBoxLayout(this);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->addWidget(m_icon);
+    row->addWidget(makeLines(), 1);
+    row->addWidget(makeProgress());
+    row->addWidget(makeCancelButton());
+    for (Control *const control :
+         std::initializer_list<Control *>{&document.appletNameField, &document.identitiesPopup,
+                                          &document.createDiskImageCheckbox, &document.submitAppButton})
+        connect(control, &Control::changed, this, &ItemHeader::showItem);
+    showItem();
+}
+
+QWidget *ItemHeader::makeLines()
+{
+    auto *const lines = new QWidget(this);
+    auto *const grid = new QGridLayout(lines);
     grid->setContentsMargins(0, 0, 0, 0);
     grid->setVerticalSpacing(2);
-    grid->setColumnStretch(0, 1);
-    grid->addWidget(makeItemName(), 0, 0);
+    grid->setColumnStretch(1, 1);
+    grid->addWidget(makeItemName(), 0, 0, 1, 2);
     grid->addWidget(m_statusWord, 1, 0);
-    grid->addWidget(makeProgress(), 0, 1, 2, 1, Qt::AlignVCenter);
-    grid->addWidget(makeCancelButton(), 0, 2, 2, 1, Qt::AlignVCenter);
+    grid->addWidget(m_facts, 1, 1);
+    const QFontMetrics metrics = m_statusWord->fontMetrics();
+    m_statusWord->setMinimumWidth(metrics.horizontalAdvance(widestWord)
+                                  + metrics.averageCharWidth()); // nothing moves
+    return lines;
+}
+
+void ItemHeader::showItem()
+{
+    const bool hasItem = !m_document.appletNameField.stringValue().isEmpty();
+    const QString path = hasItem ? itempath::fromUrl(m_document.originalAppletURL()) : QString();
+    const int side = m_icon->fontMetrics().height() * linesOfIcon;
+    m_icon->setFixedSize(side, side);
+    m_icon->setPixmap(path.isEmpty() ? QPixmap()
+                                     : itemicon::iconOf(m_document.host().files, path).pixmap(side, side));
+    const QString facts = itemfacts::describe(m_document.host().files, path);
+    const bool waitsForPerson = m_document.submitAppButton.action() == Action::doDirectSubmit;
+    m_facts->setText(waitsForPerson ? facts + u" · "_s + itemfacts::intention(m_document, path) : facts);
 }
 
 void ItemHeader::setStatusWord(const QString &word)
@@ -47,6 +88,7 @@ QWidget *ItemHeader::makeItemName()
     auto *const name = named(new QLineEdit(this), u"appletNameField"_s, u"Item"_s);
     name->setReadOnly(true);
     name->setFrame(false);
+    name->setFocusPolicy(Qt::ClickFocus); // nothing can be typed there
     name->setAcceptDrops(false);
     name->setPlaceholderText(u"No item chosen"_s);
     QPalette palette = name->palette();

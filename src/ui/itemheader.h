@@ -3,12 +3,13 @@
 #include <QWidget>
 
 class BusyBar;
+class ElidedLabel;
 class MainWinController;
 class QLabel;
 class QPushButton;
 
-/// What a document is about and how far it has come: the item's name, the status word, and while a workflow
-/// runs its progress and the way to cancel it.
+/// What a document is about and how far it has come: the item's icon, name and facts, what it is about to
+/// become, the status word, and while a workflow runs its progress and the way to cancel it.
 class ItemHeader : public QWidget {
     Q_OBJECT
 
@@ -21,7 +22,11 @@ private:
     QWidget *makeItemName();
     BusyBar *makeProgress();
     QPushButton *makeCancelButton();
+    QWidget *makeLines();
+    void showItem();
 
     MainWinController &m_document;
+    QLabel *m_icon;
     QLabel *m_statusWord;
+    ElidedLabel *m_facts;
 };

@@ -1,13 +1,25 @@
 #include "ui/logview.h"
 
+#include "ui/outcome.h"
+#include "ui/theme.h"
+
 #include <QEvent>
 #include <QFontDatabase>
 #include <QScrollBar>
 #include <QTextBlock>
 
+#include <memory>
+
 namespace {
 
 constexpr int darkest = 128; // of the lightness of a dark background
+constexpr int meaningProperty = QTextFormat::UserProperty;
+constexpr int timeMeaning = 1;
+
+bool isTime(const QTextCursor &part)
+{
+    return part.charFormat().intProperty(meaningProperty) == timeMeaning;
+}
 
 } // namespace
 
@@ -30,7 +42,10 @@ void LogView::append(const LogText::Run &run)
 {
     QTextCursor end(document()); // one of its own: the reader keeps the selection
     end.movePosition(QTextCursor::End);
-    end.insertText(run.text, formatFor(run));
+    const qsizetype time = lengthOfTime(run.text);
+    if (time > 0)
+        end.insertText(run.text.left(time), formatOfTime(run));
+    end.insertText(run.text.mid(time), formatFor(run));
     scrollToEndSoon();
 }
 
@@ -49,26 +64,55 @@ void LogView::changeEvent(QEvent *event)
 {
     QPlainTextEdit::changeEvent(event);
     if (event->type() == QEvent::PaletteChange)
-        recolourErrors();
+        recolour();
 }
 
-void LogView::recolourErrors()
+/// The parts of the document that have a colour of their own.
+QList<QTextCursor> LogView::colouredParts(QTextDocument &document)
 {
-    QList<QTextCursor> errors;
-    for (QTextBlock block = document()->begin(); block.isValid(); block = block.next()) {
+    QList<QTextCursor> coloured;
+    for (QTextBlock block = document.begin(); block.isValid(); block = block.next()) {
         for (auto part = block.begin(); !part.atEnd(); ++part) {
             const QTextFragment fragment = part.fragment();
             if (!fragment.charFormat().hasProperty(QTextFormat::ForegroundBrush))
                 continue;
-            errors.emplaceBack(document());
-            errors.last().setPosition(fragment.position());
-            errors.last().setPosition(fragment.position() + fragment.length(), QTextCursor::KeepAnchor);
+            coloured.emplaceBack(&document);
+            coloured.last().setPosition(fragment.position());
+            coloured.last().setPosition(fragment.position() + fragment.length(), QTextCursor::KeepAnchor);
         }
     }
-    QTextCharFormat format;
-    format.setForeground(red());
-    for (QTextCursor &error : errors)
-        error.mergeCharFormat(format);
+    return coloured;
+}
+
+void LogView::recolour()
+{
+    for (QTextCursor &part : colouredParts(*document())) {
+        QTextCharFormat format;
+        format.setForeground(isTime(part) ? grey() : red());
+        part.mergeCharFormat(format);
+    }
+}
+
+void LogView::printOn(QPagedPaintDevice &paper) const
+{
+    const std::unique_ptr<QTextDocument> copy(document()->clone());
+    for (QTextCursor &part : colouredParts(*copy)) {
+        if (!isTime(part))
+            continue;
+        QTextCharFormat format = part.charFormat();
+        format.clearForeground();
+        part.setCharFormat(format);
+    }
+    copy->print(&paper);
+}
+
+QTextCharFormat LogView::formatOfTime(const LogText::Run &run) const
+{
+    QTextCharFormat format = formatFor(run);
+    format.setFontWeight(QFont::Normal);
+    format.setProperty(meaningProperty, timeMeaning);
+    format.setForeground(grey());
+    return format;
 }
 
 QTextCharFormat LogView::formatFor(const LogText::Run &run) const
@@ -84,6 +128,12 @@ QTextCharFormat LogView::formatFor(const LogText::Run &run) const
     if (run.attributes.colour == TextAttributes::Colour::systemRed)
         format.setForeground(red());
     return format;
+}
+
+QColor LogView::grey() const
+{
+    return theme::readable(theme::colourOf(theme::Meaning::quiet, palette()), palette().color(QPalette::Base),
+                           theme::leastOfText);
 }
 
 QColor LogView::red() const

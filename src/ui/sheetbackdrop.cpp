@@ -5,6 +5,7 @@
 #include <QGridLayout>
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QPainter>
 #include <QPushButton>
 
 namespace {
@@ -78,10 +79,7 @@ SheetBackdrop::SheetBackdrop(QWidget &page)
     setFrameShape(QFrame::NoFrame);
     setWidgetResizable(true);
     setFocusPolicy(Qt::NoFocus);
-    QPalette palette = viewport()->palette();
-    palette.setColor(QPalette::Window, dim);
-    viewport()->setPalette(palette);
-    viewport()->setAutoFillBackground(true);
+    viewport()->setAutoFillBackground(false);
     auto *const middle = new QGridLayout(m_room);
     middle->setContentsMargins(margin, margin, margin, margin);
     setWidget(m_room);
@@ -91,7 +89,6 @@ SheetBackdrop::SheetBackdrop(QWidget &page)
 void SheetBackdrop::hold(QDialog &dialog)
 {
     auto *const frame = new SheetFrame(m_room);
-    frame->setPalette(window()->palette());
     const QSize wanted = dialog.size();
     dialog.setParent(frame, Qt::Widget);
     dialog.setAttribute(Qt::WA_Moved); // or it would look for a place on the screen
@@ -124,6 +121,11 @@ void SheetBackdrop::giveKeys(QDialog &dialog)
     if (!part)
         part = nextPart(dialog, dialog, true);
     (part ? part : &dialog)->setFocus(Qt::ActiveWindowFocusReason);
+}
+
+void SheetBackdrop::paintEvent(QPaintEvent *event)
+{
+    QPainter(viewport()).fillRect(event->rect(), dim);
 }
 
 // What the dialog has no use for is not for the page behind it either.

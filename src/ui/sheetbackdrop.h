@@ -18,6 +18,7 @@ public:
     static void giveKeys(QDialog &dialog);
 
 protected:
+    void paintEvent(QPaintEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
 

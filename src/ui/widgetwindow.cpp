@@ -5,6 +5,7 @@
 #include "ui/framewindow.h"
 #include "ui/itempanel.h"
 #include "ui/logprinter.h"
+#include "ui/outcomebanner.h"
 #include "ui/providernamesheet.h"
 #include "ui/windoworder.h"
 
@@ -176,6 +177,7 @@ void WidgetWindow::beginSheet(const platform::Alert &alert, std::function<void(i
 {
     if (m_isClosed)
         return;
+    m_page.banner().heedSheet(alert);
     auto *const box = new AlertBox(alert, &m_page);
     m_sheets.begin(box, [box, completion = std::move(completion)] { completion(box->answer()); });
 }

@@ -1,9 +1,10 @@
 #include "toolchain/bundlebuilder.h"
 
+#include "toolchain/machobuilder.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QtEndian>
 
 #include <gtest/gtest.h>
 
@@ -12,23 +13,6 @@ using namespace Qt::StringLiterals;
 namespace bundlebuilder {
 
 namespace {
-
-QByteArray number(std::uint32_t value, ByteOrder order)
-{
-    const std::uint32_t ordered = order == ByteOrder::Little ? qToLittleEndian(value) : qToBigEndian(value);
-    return {reinterpret_cast<const char *>(&ordered), sizeof ordered};
-}
-
-/// A slice's header in a universal file.
-QByteArray sliceHeader(Architecture architecture, std::uint32_t offset, std::uint32_t length, bool isWide)
-{
-    const auto big = ByteOrder::Big;
-    if (!isWide)
-        return number(architecture.cpu, big) + number(0, big) + number(offset, big) + number(length, big)
-            + number(0, big);
-    return number(architecture.cpu, big) + number(0, big) + number(0, big) + number(offset, big)
-        + number(0, big) + number(length, big) + number(0, big) + number(0, big);
-}
 
 void makeExecutable(const QString &path)
 {
@@ -50,27 +34,15 @@ void makeFramework(const QString &path, const QString &name)
 
 QByteArray thinMachO(Architecture architecture, ByteOrder order)
 {
-    constexpr std::uint32_t executable = 2;
-    QByteArray bytes = number(architecture.is64Bit ? 0xfeedfacf : 0xfeedface, order)
-        + number(architecture.cpu, order) + number(0, order) + number(executable, order) + number(0, order)
-        + number(0, order) + number(0, order);
-    if (architecture.is64Bit)
-        bytes += number(0, order);
-    return bytes + "code";
+    MachORecipe recipe;
+    recipe.architecture = architecture;
+    recipe.order = order;
+    return machO(recipe);
 }
 
 QByteArray universalMachO(bool hasWideHeader)
 {
-    const QByteArray first = thinMachO(x86_64);
-    const QByteArray second = thinMachO(arm64);
-    const auto firstLength = static_cast<std::uint32_t>(first.size());
-    const auto secondLength = static_cast<std::uint32_t>(second.size());
-    constexpr std::uint32_t start = 256;
-    QByteArray bytes = number(hasWideHeader ? 0xcafebabf : 0xcafebabe, ByteOrder::Big)
-        + number(2, ByteOrder::Big) + sliceHeader(x86_64, start, firstLength, hasWideHeader)
-        + sliceHeader(arm64, start + firstLength, secondLength, hasWideHeader);
-    bytes.append(start - bytes.size(), '\0');
-    return bytes + first + second;
+    return universalOf({thinMachO(x86_64), thinMachO(arm64)}, hasWideHeader);
 }
 
 void writeFile(const QString &path, const QByteArray &bytes)

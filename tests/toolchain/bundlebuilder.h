@@ -19,7 +19,7 @@ inline constexpr Architecture powerPC{18, false};
 
 enum class ByteOrder { Little, Big };
 
-/// The header of an executable and a few bytes after it.
+/// An executable that can be signed, of a few pages.
 QByteArray thinMachO(Architecture architecture, ByteOrder order = ByteOrder::Little);
 
 /// A universal file with x86_64 and arm64 slices.

@@ -1,5 +1,7 @@
+#include "formats/codesignature/signaturereader.h"
 #include "platform/propertylist/propertylist.h"
 #include "toolchain/bundlebuilder.h"
+#include "toolchain/machobuilder.h"
 #include "toolchain/toolfixture.h"
 
 #include <QCryptographicHash>
@@ -7,6 +9,7 @@
 #include <QFileInfo>
 
 using namespace Qt::StringLiterals;
+using namespace toolchain;
 using bundlebuilder::readFile;
 using bundlebuilder::writeFile;
 
@@ -37,13 +40,15 @@ protected:
         QStringList paths;
         QDirIterator entries(contents({}), QDir::Files | QDir::Hidden | QDir::System,
                              QDirIterator::Subdirectories);
-        while (entries.hasNext())
-            paths.append(entries.next().mid(contents({}).size()));
+        const QString framework = u"Frameworks/Inner.framework"_s;
+        while (entries.hasNext()) {
+            const QString entry = entries.next().mid(contents({}).size());
+            if (!entry.startsWith(framework))
+                paths.append(entry);
+        }
         for (const QString &omitted : {u"Info.plist"_s, u"MacOS/My App"_s, u"Resources/.DS_Store"_s})
             EXPECT_TRUE(paths.removeOne(omitted)) << omitted.toStdString();
-        paths.append(
-            u"Frameworks/Inner.framework/Versions/Current"_s); // a link to a folder is no file to the walk
-        paths.removeDuplicates();
+        paths.append(framework); // code inside is one entry
         paths.sort();
         return paths;
     }
@@ -67,7 +72,7 @@ TEST_F(Codesign, sealsEveryFileButTheExecutableAndWhatTheRulesOmit)
 TEST_F(Codesign, theSealHoldsTheDigestsOfTheFiles)
 {
     ASSERT_EQ(sign(app()).status, 0);
-    for (const QString &file : {u"Resources/Größe.txt"_s, u"Frameworks/Inner.framework/Versions/A/Inner"_s}) {
+    for (const QString &file : {u"Resources/Größe.txt"_s, u"Resources/en.lproj/Main.strings"_s}) {
         const QVariantMap entry = sealedFiles(app() + seal).value(file).toMap();
         EXPECT_EQ(entry.value(u"hash"_s).toByteArray(),
                   digest(readFile(contents(file)), QCryptographicHash::Sha1));
@@ -78,9 +83,10 @@ TEST_F(Codesign, theSealHoldsTheDigestsOfTheFiles)
 
 TEST_F(Codesign, theSealHoldsLinksByTheirTargets)
 {
+    ASSERT_TRUE(QFile::link(u"Größe.txt"_s, contents(u"Resources/link"_s)));
     ASSERT_EQ(sign(app()).status, 0);
-    const QVariantMap link = sealedFiles(app() + seal).value(u"Frameworks/Inner.framework/Inner"_s).toMap();
-    EXPECT_EQ(link, (QVariantMap{{u"symlink"_s, u"Versions/Current/Inner"_s}}));
+    const QVariantMap link = sealedFiles(app() + seal).value(u"Resources/link"_s).toMap();
+    EXPECT_EQ(link, (QVariantMap{{u"symlink"_s, u"Größe.txt"_s}}));
 }
 
 TEST_F(Codesign, theFirstVersionOfTheSealNamesResourcesAlone)
@@ -107,7 +113,8 @@ TEST_F(Codesign, theSealCarriesItsRules)
 
 TEST_F(Codesign, aSealWithSha256AloneIsMadeOnDemand)
 {
-    const ToolResult result = run(codesign, {u"-s"_s, identity, u"--digest-algorithm=sha256"_s, app()});
+    const ToolResult result =
+        run(codesign, {u"-s"_s, identity, u"--deep"_s, u"--digest-algorithm=sha256"_s, app()});
     ASSERT_EQ(result.status, 0);
     const QVariantMap entry = sealedFiles(app() + seal).value(u"Resources/Größe.txt"_s).toMap();
     EXPECT_EQ(entry.keys(), QStringList{u"hash2"_s});
@@ -118,7 +125,10 @@ TEST_F(Codesign, saysWhatItDidWhenItIsVerbose)
     const ToolResult result = sign(app());
     EXPECT_EQ(result.error,
               app() + u": signed bundle with Mach-O universal (x86_64 arm64) [com.example.app]\n"_s);
-    EXPECT_EQ(run(codesign, {u"-f"_s, u"-s"_s, identity, app()}).error, QString());
+    EXPECT_EQ(run(codesign, {u"-f"_s, u"-s"_s, identity, app()}).error,
+              app() + u": replacing existing signature\n"_s);
+    ASSERT_EQ(run(codesign, {u"--remove-signature"_s, app()}).status, 0);
+    EXPECT_EQ(run(codesign, {u"-s"_s, identity, app()}).error, QString());
 }
 
 TEST_F(Codesign, aSealedBundleIsLeftAloneWithoutForce)
@@ -155,21 +165,29 @@ TEST_F(Codesign, aFrameworkIsSealedInItsVersionFolder)
     EXPECT_EQ(sealedFiles(version + u"/_CodeSignature/CodeResources"_s).keys(),
               QStringList{u"Resources/Info.plist"_s});
     ASSERT_EQ(sign(app()).status, 0);
-    EXPECT_TRUE(sealedFiles(app() + seal)
-                    .contains(u"Frameworks/Inner.framework/Versions/A/_CodeSignature/CodeResources"_s));
+    EXPECT_TRUE(sealedFiles(app() + seal).contains(u"Frameworks/Inner.framework"_s));
 }
 
-TEST_F(Codesign, deepSealsWhatIsInsideFirst)
+TEST_F(Codesign, deepSignsWhatIsInsideFirst)
 {
     ASSERT_EQ(sign(app(), {u"--force"_s, u"--deep"_s}).status, 0);
-    const QByteArray inner =
-        readFile(bundlebuilder::frameworkVersionOf(app()) + u"/_CodeSignature/CodeResources"_s);
-    ASSERT_FALSE(inner.isEmpty());
-    const QVariantMap entry =
-        sealedFiles(app() + seal)
-            .value(u"Frameworks/Inner.framework/Versions/A/_CodeSignature/CodeResources"_s)
-            .toMap();
-    EXPECT_EQ(entry.value(u"hash2"_s).toByteArray(), digest(inner, QCryptographicHash::Sha256));
+    const auto inner = codesignature::readCodeSignature(bundlebuilder::frameworkVersionOf(app()));
+    ASSERT_TRUE(inner) << inner.error().toStdString();
+    const QVariantMap entry = sealedFiles(app() + seal).value(u"Frameworks/Inner.framework"_s).toMap();
+    EXPECT_EQ(entry.value(u"cdhash"_s).toByteArray(), inner->native().cdHash());
+    EXPECT_TRUE(
+        entry.value(u"requirement"_s).toString().startsWith(u"identifier \"com.example.Inner\" and "_s));
+}
+
+TEST_F(Codesign, unsignedCodeInsideIsNamedWithoutDeep)
+{
+    const ToolResult result = run(codesign, {u"-s"_s, identity, app()});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.error,
+              app() + u": code object is not signed at all\nIn subcomponent: "_s
+                  + contents(u"Frameworks/Inner.framework\n"_s));
+    EXPECT_FALSE(QFileInfo::exists(app() + seal));
+    EXPECT_EQ(readFile(contents(u"MacOS/My App"_s)), bundlebuilder::universalMachO());
 }
 
 TEST_F(Codesign, anAppWhoseExecutableIsAScriptIsSealedAsGeneric)
@@ -178,34 +196,54 @@ TEST_F(Codesign, anAppWhoseExecutableIsAScriptIsSealedAsGeneric)
     EXPECT_EQ(sign(app()).error, app() + u": signed bundle with generic [com.example.app]\n"_s);
 }
 
-TEST_F(Codesign, aMachOFileIsCheckedAndLeftAsItIs)
+TEST_F(Codesign, signsMachOFilesOfTheseArchitectures)
 {
     using namespace bundlebuilder;
-    for (const QByteArray &bytes :
-         {thinMachO(x86_64), thinMachO(arm64), thinMachO(i386), thinMachO(powerPC, ByteOrder::Big),
-          universalMachO(), universalMachO(true)}) {
+    const QList<std::pair<QByteArray, QString>> files{{thinMachO(x86_64), u"thin (x86_64)"_s},
+                                                      {thinMachO(arm64), u"thin (arm64)"_s},
+                                                      {thinMachO(i386), u"thin (i386)"_s},
+                                                      {universalMachO(), u"universal (x86_64 arm64)"_s}};
+    for (const auto &[bytes, description] : files) {
+        QFile::remove(path(u"lib.dylib"_s));
         writeFile(path(u"lib.dylib"_s), bytes);
         const ToolResult result = sign(path(u"lib.dylib"_s));
-        EXPECT_EQ(result.status, 0) << bytes.toHex().toStdString();
-        EXPECT_EQ(result.error,
-                  path(u"lib.dylib"_s)
-                      + u": checked; this edition writes no signature into Mach-O files\n"_s);
-        EXPECT_EQ(readFile(path(u"lib.dylib"_s)), bytes);
+        EXPECT_EQ(result.status, 0);
+        EXPECT_EQ(result.error, path(u"lib.dylib"_s) + u": signed Mach-O "_s + description + u" [lib]\n"_s);
+        EXPECT_TRUE(codesignature::readCodeSignature(path(u"lib.dylib"_s)));
     }
 }
 
-TEST_F(Codesign, refusesFilesThatAreNoWholeMachO)
+TEST_F(Codesign, refusesMachOFilesThatCannotHoldASignature)
 {
-    const QByteArray universal = bundlebuilder::universalMachO();
+    using namespace bundlebuilder;
+    MachORecipe full;
+    full.firstSection = 0x120;
+    full.hasUuid = false;
+    const QByteArray universal = universalMachO();
+    const QByteArray thin = thinMachO(arm64);
     for (const QByteArray &bytes :
-         {QByteArray(), QByteArray("#!/bin/sh\n"), QByteArray::fromHex("cffaedfe"), universal.left(200),
-          universal.chopped(1), universal.left(300), bundlebuilder::thinMachO(bundlebuilder::arm64).left(31),
-          QByteArray::fromHex("cafebabe0000003400000000"), QByteArray::fromHex("cafebabe00000000")}) {
+         {thinMachO(powerPC, ByteOrder::Big), universalMachO(true), machO(full), universal.left(200),
+          universal.chopped(1), universal.left(0x8000), thin.left(31), thin.chopped(1), thin + "more",
+          QByteArray::fromHex("cafebabe00000003")}) {
         writeFile(path(u"file"_s), bytes);
         const ToolResult result = sign(path(u"file"_s));
         EXPECT_EQ(result.status, 1) << bytes.left(16).toHex().toStdString();
-        EXPECT_EQ(result.error,
-                  path(u"file"_s) + u": bundle format unrecognized, invalid, or unsuitable\n"_s);
+        EXPECT_TRUE(result.error.startsWith(path(u"file"_s) + u": "_s));
+        EXPECT_EQ(readFile(path(u"file"_s)), bytes);
+        EXPECT_FALSE(QFileInfo::exists(path(u"file.cstemp"_s)));
+    }
+}
+
+TEST_F(Codesign, signsAnyOtherFileByItsAttributes)
+{
+    for (const QByteArray &bytes : {QByteArray(), QByteArray("#!/bin/sh\n"), QByteArray::fromHex("cffaed"),
+                                    QByteArray::fromHex("cafebabe0000003400000000"), QByteArray("koly")}) {
+        writeFile(path(u"file.txt"_s), bytes);
+        const ToolResult result = sign(path(u"file.txt"_s), {u"--force"_s});
+        EXPECT_EQ(result.status, 0) << result.error.toStdString();
+        EXPECT_TRUE(result.error.endsWith(u"signed generic [file]\n"_s)) << result.error.toStdString();
+        EXPECT_EQ(readFile(path(u"file.txt"_s)), bytes);
+        EXPECT_TRUE(codesignature::readCodeSignature(path(u"file.txt"_s)));
     }
 }
 
@@ -219,15 +257,6 @@ TEST_F(Codesign, refusesFoldersThatAreNoBundles)
     writeFile(contents(u"Info.plist"_s), "not a list <");
     EXPECT_EQ(sign(app()).error, app() + complaint);
     EXPECT_FALSE(QFileInfo::exists(app() + seal));
-}
-
-TEST_F(Codesign, refusesWhatIsOnlyCalledADiskImage)
-{
-    writeFile(path(u"image.dmg"_s), "koly");
-    const ToolResult result = sign(path(u"image.dmg"_s));
-    EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(result.error,
-              path(u"image.dmg"_s) + u": bundle format unrecognized, invalid, or unsuitable\n"_s);
 }
 
 TEST_F(Codesign, aMissingItemIsAnError)
@@ -255,7 +284,7 @@ TEST_F(Codesign, anInstallersIdentityCannotSignCode)
 
 TEST_F(Codesign, aPartOfANameWillDoIfItFitsOneIdentity)
 {
-    EXPECT_EQ(run(codesign, {u"--sign"_s, u"Example Corp"_s, app()}).status, 0);
+    EXPECT_EQ(run(codesign, {u"--deep"_s, u"--sign"_s, u"Example Corp"_s, app()}).status, 0);
     ASSERT_EQ(run(keychain, {u"make-identity"_s, u"--name"_s, u"Example Corp (ZZZZZZZZZZ)"_s}).status, 0);
     const ToolResult result = run(codesign, {u"-f"_s, u"-s"_s, u"Example Corp"_s, app()});
     EXPECT_EQ(result.status, 1);
@@ -266,12 +295,12 @@ TEST_F(Codesign, aPartOfANameWillDoIfItFitsOneIdentity)
 TEST_F(Codesign, takesOptionsInAnyOrderAndAllTheirForms)
 {
     writeFile(path(u"E.plist"_s), "<plist><dict><key>a</key><true/></dict></plist>");
-    EXPECT_EQ(
-        run(codesign,
-            {u"-fvv"_s, app(), u"--sign"_s, identity, u"--options"_s, u"runtime,kill"_s, u"--entitlements"_s,
-             path(u"E.plist"_s), u"--timestamp=none"_s, u"--digest-algorithm"_s, u"sha1,sha256"_s})
-            .status,
-        0);
+    EXPECT_EQ(run(codesign,
+                  {u"-fvv"_s, app(), u"--deep"_s, u"--sign"_s, identity, u"--options"_s, u"runtime,kill"_s,
+                   u"--entitlements"_s, path(u"E.plist"_s), u"--timestamp=none"_s, u"--digest-algorithm"_s,
+                   u"sha1,sha256"_s})
+                  .status,
+              0);
 }
 
 TEST_F(Codesign, entitlementsMustBeADictionary)
@@ -293,12 +322,13 @@ TEST_F(Codesign, refusesArgumentsThatMeanNothing)
     for (const QStringList &arguments : {QStringList{},
                                          {u"-s"_s, identity},
                                          {app()},
-                                         {u"--verify"_s, app()},
+                                         {u"--verify"_s, u"-s"_s, identity, app()},
+                                         {u"--no-such-option"_s, app()},
                                          {u"-o"_s, u"walltime"_s, u"-s"_s, identity, app()},
                                          {u"--digest-algorithm=md5"_s, u"-s"_s, identity, app()},
                                          {app(), u"-s"_s},
                                          {u"--force=yes"_s, u"-s"_s, identity, app()}})
-        EXPECT_EQ(run(codesign, arguments).status, 64) << arguments.join(u' ').toStdString();
+        EXPECT_EQ(run(codesign, arguments).status, 2) << arguments.join(u' ').toStdString();
     EXPECT_FALSE(QFileInfo::exists(app() + seal));
 }
 

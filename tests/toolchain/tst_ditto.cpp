@@ -1,8 +1,12 @@
+#include "formats/fileattributes.h"
+#include "formats/zip/zipoutput.h"
 #include "toolchain/bundlebuilder.h"
 #include "toolchain/toolfixture.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QEventLoop>
+#include <QFileInfo>
 #include <QFileSystemWatcher>
 #include <QMap>
 #include <QRandomGenerator>
@@ -11,11 +15,14 @@
 #include <archive.h>
 #include <archive_entry.h>
 
+#include <fcntl.h>
 #include <signal.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <clocale>
+#include <tuple>
 
 using namespace Qt::StringLiterals;
 
@@ -72,6 +79,52 @@ protected:
     {
         return QDir(path(u"out"_s)).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
     }
+
+    [[nodiscard]] ToolResult extract(const QString &archive, const QString &folder) const
+    {
+        return run(ditto, {u"-x"_s, u"-k"_s, archive, folder});
+    }
+
+    void packWithAttributes(const QStringList &options)
+    {
+        bundlebuilder::writeFile(path(u"tree/file"_s), "a script");
+        for (auto attribute = m_attributes.begin(); attribute != m_attributes.end(); ++attribute)
+            ASSERT_EQ(toolchain::writeAttribute(path(u"tree/file"_s), attribute.key(), attribute.value()),
+                      QString());
+        ASSERT_EQ(toolchain::writeAttribute(path(u"tree"_s), "on.the.folder", "1"), QString());
+        ASSERT_EQ(run(ditto,
+                      QStringList{u"-c"_s, u"-k"_s, u"--keepParent"_s} + options
+                          + QStringList{path(u"tree"_s), path(u"out/a.zip"_s)})
+                      .status,
+                  0);
+    }
+
+    void expectAttributesBack() const
+    {
+        ASSERT_EQ(extract(path(u"out/a.zip"_s), path(u"out/unpacked"_s)).status, 0);
+        EXPECT_EQ(*toolchain::readAttributes(path(u"out/unpacked/tree/file"_s)), m_attributes);
+        EXPECT_EQ(toolchain::readAttributes(path(u"out/unpacked/tree"_s))->value("on.the.folder"), "1");
+        EXPECT_FALSE(QFile::exists(path(u"out/unpacked/__MACOSX"_s)));
+        EXPECT_EQ(bundlebuilder::readFile(path(u"out/unpacked/tree/file"_s)), "a script");
+    }
+
+    /// An archive with entries that the tool would not write.
+    void writeArchive(const std::vector<std::tuple<QByteArray, quint16, QByteArray>> &entries) const
+    {
+        const QByteArray name = QFile::encodeName(path(u"crafted.zip"_s));
+        const int file = open(name.constData(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+        toolchain::zip::ZipOutput output(file, name.toStdString(), 6);
+        for (const auto &[entry, mode, content] : entries)
+            output.add({entry, mode, 1'500'000'000}, content);
+        output.finish();
+        EXPECT_EQ(output.error(), "");
+        close(file);
+    }
+
+    const toolchain::FileAttributes m_attributes{{"com.apple.FinderInfo", "TEXTttxt" + QByteArray(24, '\0')},
+                                                 {"com.apple.ResourceFork", QByteArray(70'000, 'R')},
+                                                 {"com.apple.cs.CodeDirectory", "a directory"},
+                                                 {"com.apple.cs.CodeSignature", QByteArray(9000, 's')}};
 
     void SetUp() override
     {
@@ -190,12 +243,178 @@ TEST_F(Ditto, anArchiveInAMissingFolderIsAnError)
     EXPECT_EQ(result.error, u"ditto: %1: No such file or directory\n"_s.arg(path(u"nowhere/a.zip"_s)));
 }
 
-TEST_F(Ditto, refusesToDoAnythingButPackingZipArchives)
+TEST_F(Ditto, refusesToDoAnythingButPackingAndUnpackingZipArchives)
 {
-    for (const QStringList &arguments : {QStringList{u"My App.app"_s, u"copy"_s},
-                                         {u"-x"_s, u"-k"_s, u"a.zip"_s, u"out"_s},
-                                         {u"-c"_s, u"My App.app"_s, u"a.cpio"_s},
-                                         {u"-c"_s, u"-k"_s, u"My App.app"_s},
-                                         {u"-c"_s, u"-k"_s, u"a"_s, u"b"_s, u"c"_s}})
+    for (const QStringList &arguments :
+         {QStringList{u"My App.app"_s, u"copy"_s},
+          {u"-c"_s, u"My App.app"_s, u"a.cpio"_s},
+          {u"-c"_s, u"-x"_s, u"-k"_s, u"a.zip"_s, u"out"_s},
+          {u"-c"_s, u"-k"_s, u"--hfsCompression"_s, u"My App.app"_s, u"a.zip"_s}}) {
+        const ToolResult result = run(ditto, arguments);
+        EXPECT_EQ(result.status, 2) << arguments.join(u' ').toStdString();
+        EXPECT_TRUE(result.error.startsWith(u"ditto: "_s));
+    }
+    for (const QStringList &arguments : {QStringList{u"-c"_s, u"-k"_s, u"My App.app"_s},
+                                         {u"-c"_s, u"-k"_s, u"a"_s, u"b"_s, u"c"_s},
+                                         {u"-x"_s, u"-k"_s, u"a.zip"_s}})
         EXPECT_EQ(run(ditto, arguments).status, 64) << arguments.join(u' ').toStdString();
+}
+
+TEST_F(Ditto, aTreeComesBackAsItWas)
+{
+    const QString resources = path(u"My App.app/Contents/Resources/"_s);
+    bundlebuilder::writeFile(resources + u"noise"_s, randomBytes(3 << 20));
+    bundlebuilder::writeFile(resources + u"text"_s, QByteArray("again and again ").repeated(90'000));
+    bundlebuilder::writeFile(resources + u"empty"_s, {});
+    bundlebuilder::writeFile(resources + u"Gro\u0308sse"_s, "decomposed");
+    bundlebuilder::writeFile(resources + u"read only"_s, "r");
+    ASSERT_EQ(chmod(QFile::encodeName(resources + u"read only"_s).constData(), 0444), 0);
+    ASSERT_EQ(pack(path(u"My App.app"_s), path(u"out/a.zip"_s)).status, 0);
+    ASSERT_EQ(extract(path(u"out/a.zip"_s), path(u"out/unpacked"_s)).status, 0);
+    const QString copy = path(u"out/unpacked/My App.app"_s);
+    EXPECT_EQ(QProcess::execute(u"diff"_s, {u"-r"_s, u"--no-dereference"_s, path(u"My App.app"_s), copy}), 0);
+    struct stat status = {};
+    ASSERT_EQ(stat(QFile::encodeName(copy + u"/Contents/Resources/read only"_s).constData(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777, 0444U);
+    const QFileInfo original(resources + u"noise"_s);
+    EXPECT_EQ(QFileInfo(copy + u"/Contents/Resources/noise"_s).lastModified().toSecsSinceEpoch(),
+              original.lastModified().toSecsSinceEpoch());
+    EXPECT_EQ(QFileInfo(copy + u"/Contents"_s).lastModified().toSecsSinceEpoch(),
+              QFileInfo(path(u"My App.app/Contents"_s)).lastModified().toSecsSinceEpoch());
+}
+
+TEST_F(Ditto, otherProgramsFindNoFaultInAnArchive)
+{
+    bundlebuilder::writeFile(path(u"My App.app/Contents/Resources/noise"_s), randomBytes(3 << 20));
+    bundlebuilder::writeFile(path(u"My App.app/Contents/Resources/text"_s),
+                             QByteArray("again ").repeated(400'000));
+    ASSERT_EQ(pack(path(u"My App.app"_s), path(u"out/a.zip"_s)).status, 0);
+    EXPECT_EQ(run(u"unzip"_s, {u"-tqq"_s, path(u"out/a.zip"_s)}).status, 0);
+    EXPECT_EQ(run(u"7z"_s, {u"t"_s, path(u"out/a.zip"_s)}).status, 0);
+}
+
+TEST_F(Ditto, attributesArePackedBesideAndComeBack)
+{
+    packWithAttributes({});
+    EXPECT_TRUE(readZip(path(u"out/a.zip"_s)).contains(u"tree/._file"_s));
+    expectAttributesBack();
+}
+
+TEST_F(Ditto, attributesArePackedBelowAFolderOfTheirOwn)
+{
+    packWithAttributes({u"--sequesterRsrc"_s});
+    const auto entries = readZip(path(u"out/a.zip"_s));
+    EXPECT_TRUE(entries.contains(u"__MACOSX/tree/._file"_s));
+    EXPECT_TRUE(entries.contains(u"__MACOSX/._tree"_s));
+    EXPECT_FALSE(entries.contains(u"tree/._file"_s));
+    expectAttributesBack();
+}
+
+TEST_F(Ditto, attributesAreLeftOutIfAsked)
+{
+    packWithAttributes({u"--norsrc"_s});
+    EXPECT_EQ(readZip(path(u"out/a.zip"_s)).keys(), (QStringList{u"tree/"_s, u"tree/file"_s}));
+}
+
+TEST_F(Ditto, namesAreKeptByteForByte)
+{
+    for (const QString &name :
+         {u"Gr\u00f6\u00dfe"_s, u"Gro\u0308ber"_s, u"\u212b"_s, u"a\\b"_s, u"new\nline"_s})
+        bundlebuilder::writeFile(path(u"names/"_s) + name, name.toUtf8());
+    ASSERT_EQ(pack(path(u"names"_s), path(u"out/a.zip"_s)).status, 0);
+    ASSERT_EQ(extract(path(u"out/a.zip"_s), path(u"out"_s)).status, 0);
+    EXPECT_EQ(QProcess::execute(u"diff"_s, {u"-r"_s, path(u"names"_s), path(u"out/names"_s)}), 0);
+    const QByteArray archive = bundlebuilder::readFile(path(u"out/a.zip"_s));
+    EXPECT_TRUE(archive.contains(u"names/Gr\u00f6\u00dfe"_s.toUtf8()));
+    EXPECT_TRUE(archive.contains(u"names/Gro\u0308ber"_s.toUtf8()));
+}
+
+TEST_F(Ditto, twoFormsOfOneNameAreRefusedByName)
+{
+    bundlebuilder::writeFile(path(u"names/\u00e9"_s), "1");
+    bundlebuilder::writeFile(path(u"names/e\u0301"_s), "2");
+    const ToolResult result = pack(path(u"names"_s), path(u"out/a.zip"_s));
+    EXPECT_EQ(result.status, 1);
+    EXPECT_TRUE(result.error.contains(path(u"names/"_s))) << result.error.toStdString();
+    EXPECT_EQ(archivesFolder(), QStringList());
+}
+
+TEST_F(Ditto, whatLeadsOutOfTheFolderIsRefusedByNameAndNothingIsWritten)
+{
+    for (const auto &[name, mode, content] : {std::tuple(QByteArray("../evil"), 0100644, QByteArray("x")),
+                                              {"/tmp/evil", 0100644, "x"},
+                                              {"a/../../evil", 0100644, "x"},
+                                              {"link", 0120777, "/etc/passwd"},
+                                              {"a/link", 0120777, "../../etc"},
+                                              {"device", 0020666, ""},
+                                              {"pipe", 0010644, ""}}) {
+        writeArchive({{"first", 0100644, "written before?"}, {name, quint16(mode), content}});
+        const ToolResult result = extract(path(u"crafted.zip"_s), path(u"out/unpacked"_s));
+        EXPECT_EQ(result.status, 1) << name.toStdString();
+        EXPECT_TRUE(result.error.contains(QString::fromUtf8(name))) << result.error.toStdString();
+        EXPECT_FALSE(QFile::exists(path(u"out/unpacked/first"_s))) << name.toStdString();
+        EXPECT_FALSE(QFile::exists(path(u"out/evil"_s)));
+    }
+}
+
+TEST_F(Ditto, aLinkThatIsThereIsNotWrittenThrough)
+{
+    QDir().mkpath(path(u"out/unpacked"_s));
+    QDir().mkpath(path(u"elsewhere"_s));
+    ASSERT_TRUE(QFile::link(path(u"elsewhere"_s), path(u"out/unpacked/folder"_s)));
+    writeArchive({{"folder/file", 0100644, "x"}});
+    EXPECT_EQ(extract(path(u"crafted.zip"_s), path(u"out/unpacked"_s)).status, 1);
+    EXPECT_FALSE(QFile::exists(path(u"elsewhere/file"_s)));
+}
+
+TEST_F(Ditto, aFileBehindALinkOfTheSameArchiveIsRefused)
+{
+    writeArchive({{"folder", 0120777, "other"}, {"folder/file", 0100644, "x"}});
+    EXPECT_EQ(extract(path(u"crafted.zip"_s), path(u"out/unpacked"_s)).status, 1);
+}
+
+TEST_F(Ditto, entriesThatShareBytesOrClaimTooMuchAreRefusedByName)
+{
+    writeArchive({{"one", 0100644, "bytes"}, {"two", 0100644, "bytes"}});
+    QByteArray archive = bundlebuilder::readFile(path(u"crafted.zip"_s));
+    const qsizetype second = archive.lastIndexOf("PK\1\2");
+    const QByteArray whole = archive;
+    archive.replace(second + 42, 4, QByteArray(4, '\0'));
+    bundlebuilder::writeFile(path(u"crafted.zip"_s), archive);
+    EXPECT_TRUE(extract(path(u"crafted.zip"_s), path(u"out/u"_s)).error.contains(u"shares its bytes"_s));
+    archive = whole;
+    archive.replace(second + 24, 4, "\xff\xff\xff\x7f");
+    bundlebuilder::writeFile(path(u"crafted.zip"_s), archive);
+    EXPECT_TRUE(
+        extract(path(u"crafted.zip"_s), path(u"out/u"_s)).error.contains(u"\"two\" claims to hold more"_s));
+    EXPECT_FALSE(QFile::exists(path(u"out/u/one"_s)));
+}
+
+TEST_F(Ditto, aDamagedArchiveIsAnErrorAndNeverMore)
+{
+    bundlebuilder::writeFile(path(u"names/text"_s), QByteArray("again and again ").repeated(100));
+    ASSERT_EQ(pack(path(u"names"_s), path(u"out/a.zip"_s)).status, 0);
+    const QByteArray whole = bundlebuilder::readFile(path(u"out/a.zip"_s));
+    for (qsizetype offset = 0; offset < whole.size(); offset += 7) {
+        QByteArray archive = whole;
+        archive[offset] = char(~archive[offset]);
+        bundlebuilder::writeFile(path(u"crafted.zip"_s), archive);
+        const int status = extract(path(u"crafted.zip"_s), path(u"out/u"_s)).status;
+        EXPECT_TRUE(status == 0 || status == 1) << offset;
+    }
+}
+
+TEST_F(Ditto, aFullDiskLeavesTheOldFile)
+{
+    bundlebuilder::writeFile(path(u"names/noise"_s), randomBytes(1 << 20));
+    ASSERT_EQ(pack(path(u"names"_s), path(u"out/a.zip"_s)).status, 0);
+    bundlebuilder::writeFile(path(u"out/names/noise"_s), "the old one");
+    const ToolResult result =
+        run(ditto, {u"-x"_s, u"-k"_s, path(u"out/a.zip"_s), path(u"out"_s)}, {}, limitFileSize);
+    EXPECT_EQ(result.status, 1);
+    EXPECT_TRUE(result.error.contains(u"names/noise: File too large"_s)) << result.error.toStdString();
+    EXPECT_EQ(bundlebuilder::readFile(path(u"out/names/noise"_s)), "the old one");
+    EXPECT_EQ(
+        QDir(path(u"out/names"_s)).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot).size(),
+        1);
 }

@@ -6,17 +6,27 @@
 namespace toolchain {
 
 enum class ZipRoot {
-    Parent, ///< entries begin with the source's own name
-    Contents ///< entries begin with what lies in the source folder
+    Contents, ///< the source's contents lie at the top of the archive
+    Parent ///< everything lies under the source's own name
 };
 
-/// Packs a file or a folder into a zip archive with deflated entries, symbolic links as links and the
-/// modes of all entries. The archive appears under `destination` only when it is whole, in place of a
-/// file that was there; until then it grows in a hidden file beside it, which is gone afterwards in
-/// every case, also when a signal ends the process during the call. Answers what went wrong, naming the
-/// file, or nothing. One call at a time in a process; the locale must be a UTF-8 one.
-/// Format: PKWARE's APPNOTE.TXT, the ZIP file format.
-[[nodiscard]] std::string writeZipArchive(const std::filesystem::path &source, ZipRoot root,
+/// Where extended attributes and resource forks go, as AppleDouble files.
+enum class ZipAttributes {
+    Beside, ///< "._NAME" in the folder of NAME
+    Sequestered, ///< in the same place below a folder "__MACOSX"
+    LeftOut
+};
+
+struct ZipOptions {
+    ZipRoot root = ZipRoot::Contents;
+    ZipAttributes attributes = ZipAttributes::Beside;
+    int level = 6; ///< of compression, from 0 to 9
+};
+
+/// Writes a zip archive of a file or folder with symbolic links, modes, times and attributes. Names are kept
+/// byte for byte; two of them that macOS takes for one are refused. The archive appears under its path only
+/// when it is whole. Answers what went wrong, naming the file, or nothing.
+[[nodiscard]] std::string writeZipArchive(const std::filesystem::path &source, const ZipOptions &options,
                                           const std::filesystem::path &destination);
 
 } // namespace toolchain

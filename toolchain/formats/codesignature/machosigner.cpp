@@ -227,7 +227,8 @@ public:
     }
 
     template <typename WriteSlice>
-    QString write(const QList<SliceLayout> &layouts, const WriteSlice &writeSlice)
+    QString write(const QList<SliceLayout> &layouts, const BeforeReplacing &beforeReplacing,
+                  const WriteSlice &writeSlice)
     {
         if (m_source.descriptor() < 0 || fstat(m_source.descriptor(), &m_before) != 0)
             return lastSystemError();
@@ -239,7 +240,12 @@ public:
             return problem;
         if (!isUnchanged(m_before, m_source.descriptor()))
             return u"was changed by somebody else while it was signed"_s;
-        return target.takeAfter(m_source.descriptor()) && target.finish() ? QString() : lastSystemError();
+        if (!target.takeAfter(m_source.descriptor()))
+            return lastSystemError();
+        const QString objection = beforeReplacing ? beforeReplacing() : QString();
+        if (!objection.isEmpty())
+            return objection;
+        return target.finish() ? QString() : lastSystemError();
     }
 
 private:
@@ -276,17 +282,18 @@ Result<MachOImage> readWritable(const QString &path)
         return Error{file.errorString()};
     auto image = readMachOImage(file);
     if (!image)
-        return Error{text::badObject + u" ("_s + image.error() + u')'};
+        return Error{text::badObject + u'\n' + image.error()};
     if (image->hasWideHeader)
-        return Error{text::badObject + u" (a universal file with 64-bit offsets)"_s};
+        return Error{text::badObject + u"\nit is a universal file with 64-bit offsets"_s};
     if (image->size > largestFile)
-        return Error{text::badObject + u" (it has 4 GiB or more)"_s};
+        return Error{text::badObject + u"\nit has 4 GiB or more"_s};
     return image;
 }
 
 } // namespace
 
-QString signMachO(const QString &path, const QList<SignaturePlan> &plans)
+QString signMachO(const QString &path, const QList<SignaturePlan> &plans,
+                  const BeforeReplacing &beforeReplacing)
 {
     const auto image = readWritable(path);
     if (!image)
@@ -300,9 +307,9 @@ QString signMachO(const QString &path, const QList<SignaturePlan> &plans)
             return layout.error();
         layouts.append(*std::move(layout));
     }
-    return FileWriter(path, *image).write(layouts, [&plans](SliceWriter &writer, qsizetype index) {
-        return writer.writeSigned(plans[index]);
-    });
+    return FileWriter(path, *image)
+        .write(layouts, beforeReplacing,
+               [&plans](SliceWriter &writer, qsizetype index) { return writer.writeSigned(plans[index]); });
 }
 
 QString stripMachO(const QString &path)
@@ -317,7 +324,7 @@ QString stripMachO(const QString &path)
             return layout.error();
         layouts.append(*std::move(layout));
     }
-    return FileWriter(path, *image).write(layouts, [](SliceWriter &writer, qsizetype) {
+    return FileWriter(path, *image).write(layouts, {}, [](SliceWriter &writer, qsizetype) {
         return writer.writePlain();
     });
 }

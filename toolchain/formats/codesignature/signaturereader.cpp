@@ -126,7 +126,7 @@ Result<SignedCode> readMachO(SignedCode code)
         return Error{file.errorString()};
     auto image = readMachOImage(file);
     if (!image)
-        return Error{image.error()};
+        return Error{text::badObject + u'\n' + image.error()};
     code.kind = CodeKind::MachO;
     for (const MachOSlice &slice : image->slices)
         code.parts.append(partOfSlice(file, slice));

@@ -1,0 +1,96 @@
+#include "ui/outcome.h"
+
+#include "ui/steplistmodel.h"
+
+#include <QRegularExpression>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString seeTheLog = u"See the log for details."_s;
+constexpr qsizetype mostOfTime = 20; // characters
+const QString refusal = u"rejected"_s; // in the text that tells of the service's refusal
+
+const StepList::Row *firstIn(const StepList &steps, StepState state)
+{
+    const auto &rows = steps.rows();
+    const auto row =
+        std::find_if(rows.cbegin(), rows.cend(), [state](const auto &each) { return each.state == state; });
+    return row == rows.cend() ? nullptr : &*row;
+}
+
+QString reasonOf(const LastWords &words)
+{
+    const bool isTold = !words.alertText.isEmpty() && words.alertText != seeTheLog;
+    return isTold ? words.alertText : words.errorLine;
+}
+
+RunOutcome waiting(const StepList &steps)
+{
+    return {RunOutcome::Kind::waiting, u"Waiting for Apple's verdict"_s, waitText(*steps.wait())};
+}
+
+RunOutcome failure(const StepList::Row &row, const LastWords &words)
+{
+    const QString title = words.alertTitle.isEmpty() ? stepName(row.step) : words.alertTitle;
+    const bool isRefused =
+        row.step == Step::awaitResult && words.errorLine.contains(refusal, Qt::CaseInsensitive);
+    return {isRefused ? RunOutcome::Kind::refused : RunOutcome::Kind::failed, title, reasonOf(words)};
+}
+
+RunOutcome success(const StepList &steps, const LastWords &words)
+{
+    if (steps.rows().last().step == Step::staple)
+        return {RunOutcome::Kind::notarized, u"Notarized"_s, words.item + u" is notarized and stapled."_s};
+    return {RunOutcome::Kind::isSigned, u"Signed"_s, words.item + u" is signed."_s};
+}
+
+} // namespace
+
+RunOutcome outcomeOf(const StepList &steps, const LastWords &words)
+{
+    if (steps.rows().isEmpty())
+        return {};
+    if (steps.running())
+        return steps.wait() ? waiting(steps) : RunOutcome{};
+    if (const StepList::Row *const failed = firstIn(steps, StepState::failed))
+        return failure(*failed, words);
+    if (firstIn(steps, StepState::cancelled))
+        return {RunOutcome::Kind::cancelled, u"Cancelled"_s, words.alertText};
+    if (steps.rows().last().state == StepState::done)
+        return success(steps, words);
+    return {};
+}
+
+theme::Meaning meaningOf(RunOutcome::Kind kind)
+{
+    switch (kind) {
+    case RunOutcome::Kind::notarized:
+    case RunOutcome::Kind::isSigned:
+        return theme::Meaning::good;
+    case RunOutcome::Kind::refused:
+    case RunOutcome::Kind::failed:
+        return theme::Meaning::bad;
+    case RunOutcome::Kind::cancelled:
+        return theme::Meaning::caution;
+    case RunOutcome::Kind::waiting:
+        return theme::Meaning::underway;
+    case RunOutcome::Kind::none:
+        break;
+    }
+    return theme::Meaning::quiet;
+}
+
+qsizetype lengthOfTime(QStringView line)
+{
+    static const QRegularExpression time(u"^\\d\\d:\\d\\d:\\d\\d[.,]\\d+: "_s);
+    return time.match(line.left(mostOfTime).toString()).capturedLength();
+}
+
+QString withoutTime(QStringView line)
+{
+    return line.mid(lengthOfTime(line)).trimmed().toString();
+}

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "document/steplist.h"
+#include "platform/window.h"
+#include "ui/theme.h"
+
+#include <QString>
+
+/// How a document's latest run stands, for people who look at it later.
+struct RunOutcome {
+    enum class Kind { none, waiting, notarized, isSigned, refused, failed, cancelled };
+
+    Kind kind = Kind::none;
+    QString title;
+    QString sentence; ///< the one that matters; may be empty
+
+    bool operator==(const RunOutcome &) const = default;
+};
+
+/// What a run has said of itself beside its steps.
+struct LastWords {
+    QString item; ///< its file name
+    QString alertTitle; ///< of the latest sheet; empty if there was none
+    QString alertText;
+    QString errorLine; ///< the latest error of the log, without the time
+};
+
+/// Nothing while a run goes on, but for the wait for the verdict. Pure.
+[[nodiscard]] RunOutcome outcomeOf(const StepList &steps, const LastWords &words);
+[[nodiscard]] theme::Meaning meaningOf(RunOutcome::Kind kind);
+/// A line of the log without the time that it begins with.
+[[nodiscard]] QString withoutTime(QStringView line);
+/// How many characters of the line are its time, with what stands between it and the rest; 0 if it has none.
+[[nodiscard]] qsizetype lengthOfTime(QStringView line);

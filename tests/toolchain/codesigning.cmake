@@ -1,0 +1,5 @@
+# The tests of code signatures.
+target_sources(tst_toolchain PRIVATE
+    machobuilder.cpp machobuilder.h
+    tst_codesign.cpp)
+target_link_libraries(tst_toolchain PRIVATE tool_codesignature tool_codeverification)

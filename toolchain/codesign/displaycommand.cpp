@@ -1,0 +1,81 @@
+#include "codesign/displaycommand.h"
+
+#include "codesign/description.h"
+#include "codesign/signcommand.h"
+#include "formats/codesignature/designation.h"
+#include "formats/codesignature/verification.h"
+#include "support/console.h"
+#include "support/wholefile.h"
+
+#include <QDir>
+
+using namespace Qt::StringLiterals;
+using namespace toolchain::codesignature;
+using platform::Result;
+
+namespace toolchain::codesign {
+
+namespace {
+
+/// To a file, or to standard output for "-"; answers what went wrong, or nothing.
+QString put(const QByteArray &bytes, const QString &destination)
+{
+    if (destination == u"-"_s || destination == u":-"_s) {
+        print({bytes.constData(), std::size_t(bytes.size())});
+        return {};
+    }
+    const QString path = destination.startsWith(u':') ? destination.sliced(1) : destination;
+    return QString::fromStdString(writeWholeFile(path.toStdString(), bytes.toStdString()));
+}
+
+/// A designated requirement that the signature does not hold itself is marked so.
+Result<QString> requirementLines(const SignedCode &code)
+{
+    const QByteArray blob = code.native().requirements();
+    const auto set = blob.isEmpty() ? Result<RequirementSet>(RequirementSet()) : readRequirementSet(blob);
+    if (!set)
+        return set.failure();
+    auto lines = requirementSetText(*set);
+    if (!lines || set->contains(RequirementType::Designated))
+        return lines;
+    const auto implied = designatedRequirementOf(code);
+    const auto text = implied ? requirementText(*implied) : Result<QString>(implied.failure());
+    if (!text)
+        return text.failure();
+    return u"# designated => "_s + *text + u'\n' + *lines;
+}
+
+QString putRequirements(const SignedCode &code, const QString &destination)
+{
+    const auto lines = requirementLines(code);
+    return lines ? put(lines->toUtf8(), destination) : lines.error();
+}
+
+int displayOne(const QString &path, const Options &options)
+{
+    const auto code = readCodeSignature(path);
+    if (!code)
+        return fail(path, code.error());
+    std::optional<CmsJudgement> signer;
+    if (!code->native().cms().isEmpty())
+        signer = judgePart(code->native(), TrustStore::ofThisMachine());
+    printError((describe(*code, signer, options.verbosity).join(u'\n') + u'\n').toStdString());
+    QString problem;
+    if (options.entitlements && !code->native().entitlements().isEmpty())
+        problem = put(code->native().entitlements(), *options.entitlements);
+    if (problem.isEmpty() && options.requirements)
+        problem = putRequirements(*code, *options.requirements);
+    return problem.isEmpty() ? 0 : fail(path, problem);
+}
+
+} // namespace
+
+int runDisplay(const Options &options)
+{
+    int status = 0;
+    for (const QString &path : options.paths)
+        status = std::max(status, displayOne(QDir::cleanPath(path), options));
+    return status;
+}
+
+} // namespace toolchain::codesign

@@ -1,0 +1,239 @@
+#include "codesign/itemsigner.h"
+
+#include "codesign/itemplan.h"
+#include "formats/codesignature/designation.h"
+#include "formats/codesignature/filesigner.h"
+#include "formats/codesignature/machosigner.h"
+#include "formats/codesignature/sealedbundle.h"
+#include "formats/resourceseal/bundleseal.h"
+#include "formats/udif/imagesignature.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QSaveFile>
+
+using namespace Qt::StringLiterals;
+using namespace toolchain::codesignature;
+using platform::Error;
+using platform::Result;
+
+namespace toolchain::codesign {
+
+namespace {
+
+seal::Digests sealDigests(const QList<HashType> &digests)
+{
+    const bool hasSha1 = digests.contains(HashType::Sha1);
+    if (digests.size() == 1 && hasSha1)
+        return seal::Digests::Sha1;
+    return hasSha1 ? seal::Digests::Sha1AndSha256 : seal::Digests::Sha256;
+}
+
+QString subcomponent(const QString &problem, const QString &path)
+{
+    return problem + u"\nIn subcomponent: "_s + path;
+}
+
+/// A symbolic link in the seal's place, or in that of its folder, is not followed out of the bundle.
+QString writeSeal(const CodeBundle &bundle, const QByteArray &seal)
+{
+    if (QFileInfo(bundle.sealFolder()).isSymLink())
+        return text::badLink;
+    if (!QDir().mkpath(bundle.sealFolder()))
+        return bundle.sealFolder() + u": cannot be made"_s;
+    if (QFileInfo(bundle.sealPath()).isSymLink())
+        QFile::remove(bundle.sealPath());
+    QSaveFile file(bundle.sealPath());
+    const bool isWritten =
+        file.open(QIODevice::WriteOnly) && file.write(seal) == seal.size() && file.commit();
+    return isWritten ? QString() : bundle.sealPath() + u": "_s + file.errorString();
+}
+
+bool isOfSignature(const QString &name)
+{
+    for (const quint32 number : {slot::codeDirectory, slot::requirements, slot::entitlements,
+                                 slot::entitlementsDer, slot::firstAlternateDirectory, slot::cms}) {
+        if (name == slotFileName(number))
+            return true;
+    }
+    return name == slotFileName(slot::resources);
+}
+
+/// What older signatures have left in the seal's folder must not be taken for a part of the new one.
+void tidySealFolder(const CodeBundle &bundle, bool holdsSignature)
+{
+    const auto entries = QDir(bundle.sealFolder()).entryInfoList(QDir::Files | QDir::Hidden | QDir::System);
+    for (const QFileInfo &entry : entries) {
+        const bool stays = entry.fileName() == slotFileName(slot::resources)
+            || (holdsSignature && isOfSignature(entry.fileName()));
+        if (!stays)
+            QFile::remove(entry.filePath());
+    }
+}
+
+class ItemSigner {
+public:
+    ItemSigner(SignedCode code, const SigningOrder &order)
+        : m_code(std::move(code))
+        , m_order(order)
+    {
+    }
+
+    SigningReport sign()
+    {
+        SigningReport report;
+        if (isSignedAlready()) {
+            if (m_order.oldSignature == OldSignature::IsRefused)
+                return {u"is already signed"_s, {}, {}};
+            report.notice = u"replacing existing signature"_s;
+        }
+        m_item.identifier = chosenIdentifier(m_code, m_order);
+        m_item.digests = digestsFor(m_code, m_order);
+        for (const auto step :
+             {&ItemSigner::signNested, &ItemSigner::makeSeal, &ItemSigner::makePlans, &ItemSigner::write}) {
+            report.error = (this->*step)();
+            if (!report.error.isEmpty())
+                return report;
+        }
+        report.done = u"signed %1 [%2]"_s.arg(m_code.formatText(), m_item.identifier);
+        return report;
+    }
+
+private:
+    [[nodiscard]] bool isSignedAlready() const
+    {
+        return std::any_of(m_code.parts.begin(), m_code.parts.end(), [](const SignedPart &part) {
+            return (part.isSigned() || !part.damage.isEmpty()) && !part.isLinkerSigned();
+        });
+    }
+
+    QString signNested()
+    {
+        if (!m_code.bundle)
+            return {};
+        // Left by a run that was ended, it would count as code that is not signed.
+        QFile::remove(m_code.mainFile + u".cstemp"_s);
+        if (m_order.nested == NestedCode::MustBeSigned)
+            return {};
+        const auto nested = seal::nestedCodeIn(sealedFolder(*m_code.bundle));
+        if (!nested)
+            return nested.error();
+        for (const QString &path : *nested) {
+            const QString problem = signOneNested(path);
+            if (!problem.isEmpty())
+                return subcomponent(problem, path);
+        }
+        return {};
+    }
+
+    QString signOneNested(const QString &path)
+    {
+        auto code = readSignedCode(path);
+        if (!code)
+            return code.error();
+        ItemSigner signer(*std::move(code), m_order);
+        const bool isLeft = signer.isSignedAlready() && m_order.oldSignature == OldSignature::IsRefused;
+        return isLeft ? QString() : signer.sign().error;
+    }
+
+    QString makeSeal()
+    {
+        if (!m_code.bundle)
+            return {};
+        const seal::DescribeNested describe = [](const QString &path) -> Result<seal::NestedCode> {
+            const auto designation = designationOf(path);
+            if (!designation)
+                return designation.failure();
+            return seal::NestedCode{designation->cdHash, designation->requirement};
+        };
+        const auto seal = seal::makeSeal(sealedFolder(*m_code.bundle), sealDigests(m_item.digests), describe);
+        if (!seal)
+            return seal.error();
+        m_item.seal = *seal;
+        return {};
+    }
+
+    QString makePlans()
+    {
+        for (qsizetype part = 0; part < m_code.parts.size(); ++part) {
+            auto plan = planFor(m_code, part, m_order, m_item);
+            if (!plan)
+                return plan.error();
+            m_plans.append(*std::move(plan));
+        }
+        return {};
+    }
+
+    QString write()
+    {
+        if (m_code.kind == CodeKind::DiskImage)
+            return signDiskImage(m_code.mainFile, m_plans.first());
+        if (!m_code.bundle)
+            return m_code.image ? signMachO(m_code.mainFile, m_plans)
+                                : signByAttributes(m_code.mainFile, m_plans.first());
+        const QString problem = writeBundle(*m_code.bundle);
+        if (problem.isEmpty())
+            tidySealFolder(*m_code.bundle, !m_code.image);
+        return problem;
+    }
+
+    QString writeBundle(const CodeBundle &bundle)
+    {
+        if (m_code.image)
+            return signMachO(m_code.mainFile, m_plans,
+                             [this, &bundle] { return writeSeal(bundle, m_item.seal); });
+        const QString problem = writeSeal(bundle, m_item.seal);
+        return problem.isEmpty() ? signBesideSeal(m_code.mainFile, bundle.sealFolder(), m_plans.first())
+                                 : problem;
+    }
+
+    SignedCode m_code;
+    const SigningOrder &m_order;
+    ItemPlan m_item;
+    QList<SignaturePlan> m_plans;
+};
+
+/// A link to a file stands for the file, which is replaced; a folder may be reached by one.
+QString targetOf(const QString &path)
+{
+    const QFileInfo item(path);
+    return item.isSymLink() && item.isFile() ? item.canonicalFilePath() : path;
+}
+
+QString removeFromBundle(const SignedCode &code)
+{
+    const QString problem = code.image ? stripMachO(code.mainFile) : QString();
+    if (!problem.isEmpty())
+        return problem;
+    for (const quint32 number : {slot::codeDirectory, slot::requirements, slot::resources, slot::entitlements,
+                                 slot::entitlementsDer, slot::firstAlternateDirectory, slot::cms})
+        QFile::remove(code.bundle->sealFolder() + u'/' + slotFileName(number));
+    QDir().rmdir(code.bundle->sealFolder());
+    return {};
+}
+
+} // namespace
+
+SigningReport signItem(const QString &path, const SigningOrder &order)
+{
+    auto code = readSignedCode(targetOf(path));
+    if (!code)
+        return {code.error(), {}, {}};
+    code->path = path;
+    return ItemSigner(*std::move(code), order).sign();
+}
+
+QString removeSignature(const QString &path)
+{
+    const auto code = readSignedCode(targetOf(path));
+    if (!code)
+        return code.error();
+    if (code->bundle)
+        return removeFromBundle(*code);
+    if (code->kind == CodeKind::DiskImage)
+        return udif::replaceImageSignature(code->mainFile, {});
+    return code->image ? stripMachO(code->mainFile) : removeAttributesOfSignature(code->mainFile);
+}
+
+} // namespace toolchain::codesign

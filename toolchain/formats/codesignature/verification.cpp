@@ -1,0 +1,256 @@
+#include "formats/codesignature/verification.h"
+
+#include "formats/codesignature/designation.h"
+#include "formats/codesignature/entitlementsder.h"
+#include "formats/codesignature/partcheck.h"
+#include "formats/codesignature/sealedbundle.h"
+#include "formats/fileattributes.h"
+#include "formats/resourceseal/sealcheck.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+using namespace Qt::StringLiterals;
+
+namespace toolchain::codesignature {
+
+namespace {
+
+constexpr int deepestNesting = 32;
+
+QList<::toolchain::DirectoryDigest> directoryDigests(const SignedPart &part)
+{
+    QList<::toolchain::DirectoryDigest> digests;
+    for (const CodeDirectory &directory : part.directories)
+        digests.append({int(directory.fields().hashType), directory.digest()});
+    return digests;
+}
+
+bool isMet(const QByteArray &requirement, const RequirementSubject &subject)
+{
+    return meetsRequirement(requirement, subject).valueOr(false);
+}
+
+CodeProblem problemWith(const QString &text)
+{
+    CodeProblem problem;
+    problem.text = text.section(u'\n', 0, 0);
+    problem.detail = text.section(u'\n', 1);
+    return problem;
+}
+
+/// Strict: nothing lies in the bundle's own folder but what belongs there.
+QString rootProblem(const CodeBundle &bundle)
+{
+    if (bundle.layout == BundleLayout::Flat)
+        return {};
+    const bool isVersioned = QFileInfo(bundle.root + u"/Versions"_s).isDir();
+    if (bundle.layout == BundleLayout::FrameworkVersion && !isVersioned)
+        return {};
+    const auto entries =
+        QDir(bundle.root)
+            .entryInfoList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+    for (const QFileInfo &entry : entries) {
+        const bool belongs = isVersioned ? entry.fileName() == u"Versions"_s
+                || (entry.isSymLink()
+                    && QFile::symLinkTarget(entry.filePath())
+                           .startsWith(QDir::cleanPath(bundle.root) + u"/Versions/Current"_s))
+                                         : entry.fileName() == u"Contents"_s;
+        if (!belongs && !isSidecar(entry.filePath()))
+            return isVersioned ? text::unsealedFrameworkRoot : text::unsealedRoot;
+    }
+    return {};
+}
+
+/// Strict: no resource fork and no Finder information on what is signed.
+QString detritusProblem(const SignedCode &code)
+{
+    for (const QString &path : {code.path, code.mainFile}) {
+        const auto attributes = readAttributes(path);
+        if (attributes
+            && (attributes->contains("com.apple.ResourceFork")
+                || attributes->contains("com.apple.FinderInfo")))
+            return text::detritus;
+    }
+    return {};
+}
+
+class Verifier {
+public:
+    Verifier(const VerificationOrder &order, int depth)
+        : m_order(order)
+        , m_depth(depth)
+    {
+    }
+
+    Verification verify(const QString &path)
+    {
+        auto code = readSignedCode(path);
+        if (!code) {
+            m_result.problem = problemWith(code.error());
+            return m_result;
+        }
+        m_result.code = *std::move(code);
+        for (const auto step : {&Verifier::checkParts, &Verifier::checkRoot, &Verifier::checkResources,
+                                &Verifier::checkRequirements}) {
+            if (m_result.problem.isNone())
+                (this->*step)();
+        }
+        return m_result;
+    }
+
+private:
+    void checkParts()
+    {
+        const SignedCode &code = *m_result.code;
+        // The native slice first: its problem is the one that the machine would meet.
+        checkPartAt(code.nativeIndex());
+        for (qsizetype part = 0; part < code.parts.size(); ++part) {
+            if (m_result.problem.isNone() && part != code.nativeIndex())
+                checkPartAt(part);
+        }
+    }
+
+    void checkPartAt(qsizetype part)
+    {
+        std::optional<CmsJudgement> signer;
+        m_result.problem = checkPart(*m_result.code, part, m_order, signer);
+        if (part == m_result.code->nativeIndex())
+            m_result.signer = signer;
+    }
+
+    void checkRoot()
+    {
+        if (m_order.strictness == Strictness::Usual)
+            return;
+        const SignedCode &code = *m_result.code;
+        QString problem = detritusProblem(code);
+        if (problem.isEmpty() && code.bundle)
+            problem = rootProblem(*code.bundle);
+        if (!problem.isEmpty())
+            m_result.problem = problemWith(problem);
+    }
+
+    void checkResources()
+    {
+        const SignedCode &code = *m_result.code;
+        if (!code.bundle)
+            return;
+        const auto seal = seal::readSealFile(code.bundle->base);
+        if (!seal) {
+            m_result.problem = problemWith(text::noResources);
+            return;
+        }
+        const auto strictness =
+            m_order.strictness == Strictness::Strict ? seal::Strictness::Strict : seal::Strictness::Usual;
+        const auto problems = seal::checkSeal(
+            *seal, sealedFolder(*code.bundle), strictness,
+            [this](const QString &path, const seal::Entry &entry) { return nested(path, entry); });
+        if (!problems.isEmpty())
+            m_result.problem = combined(problems);
+    }
+
+    /// What is wrong with files of the bundle comes before what is wrong with the code inside.
+    CodeProblem combined(const QList<seal::Problem> &problems) const
+    {
+        CodeProblem result;
+        for (const seal::Problem &problem : problems) {
+            const bool isFirst = result.isNone();
+            if (isFirst && problem.kind == seal::ProblemKind::Nested && m_nested)
+                result = *m_nested;
+            else if (isFirst) {
+                result.text = problem.text;
+                result.detail = problem.detail;
+            }
+            if (isFirst && problem.kind == seal::ProblemKind::Nested && !m_nested)
+                result.subcomponent = problem.path;
+            if (!problem.line().isEmpty() && !result.files.contains(problem.line()))
+                result.files.append(problem.line());
+        }
+        return result;
+    }
+
+    QString nested(const QString &path, const seal::Entry &entry)
+    {
+        if (m_depth >= deepestNesting)
+            return text::nestedModified;
+        if (m_order.prepared)
+            m_order.prepared(path);
+        VerificationOrder order = m_order;
+        order.requirement.clear();
+        Verification inner = Verifier(order, m_depth + 1).verify(path);
+        if (inner.problem.isNone() && !fitsEntry(inner, entry))
+            inner.problem = problemWith(text::nestedModified);
+        if (!inner.problem.isNone() && inner.problem.subcomponent.isEmpty())
+            inner.problem.subcomponent = path;
+        if (!inner.problem.isNone() && !m_nested)
+            m_nested = inner.problem;
+        if (inner.problem.isNone() && m_order.validated)
+            m_order.validated(path);
+        return inner.problem.text;
+    }
+
+    static bool fitsEntry(const Verification &inner, const seal::Entry &entry)
+    {
+        const auto requirement = compileRequirement(entry.requirement);
+        return requirement && isMet(*requirement, requirementSubject(*inner.code, inner.signer));
+    }
+
+    void checkRequirements()
+    {
+        const RequirementSubject subject = requirementSubject(*m_result.code, m_result.signer);
+        const auto designated = designatedRequirementOf(*m_result.code);
+        m_result.meetsDesignatedRequirement = designated && isMet(*designated, subject);
+        if (!m_order.requirement.isEmpty())
+            m_result.meetsRequirement = isMet(m_order.requirement, subject);
+    }
+
+    const VerificationOrder &m_order;
+    int m_depth;
+    Verification m_result;
+    std::optional<CodeProblem> m_nested; ///< the first one, with all that is known of it
+};
+
+} // namespace
+
+CmsJudgement judgePart(const SignedPart &part, const TrustStore &store)
+{
+    CmsJudgement judgement;
+    const auto signature = readCms(part.cms());
+    if (!signature) {
+        judgement.problem = signature.error();
+        return judgement;
+    }
+    SignedContent content;
+    content.digest = [&part](QCryptographicHash::Algorithm algorithm) {
+        return QCryptographicHash::hash(part.primary().bytes(), algorithm);
+    };
+    content.directories = directoryDigests(part);
+    return judgeCms(*signature, content, TrustPurpose::CodeSigning, store);
+}
+
+RequirementSubject requirementSubject(const SignedCode &code, const std::optional<CmsJudgement> &signer)
+{
+    RequirementSubject subject;
+    subject.identifier = code.native().best().fields().identifier;
+    subject.cdHashes = cdHashesOf(code);
+    if (code.bundle)
+        subject.info = code.bundle->info;
+    subject.entitlements = readEntitlements(code.native().entitlements()).valueOr({});
+    if (!signer)
+        return subject;
+    subject.chain = signer->trust.chain;
+    const Anchor anchor = signer->trust.anchor;
+    subject.endsInApplesRoot = anchor == Anchor::Apple;
+    subject.isTrusted = [anchor, last = subject.chain.size() - 1](qsizetype index) {
+        return index == last && (anchor == Anchor::Apple || anchor == Anchor::ThisMachine);
+    };
+    return subject;
+}
+
+Verification verifyCode(const QString &path, const VerificationOrder &order)
+{
+    return Verifier(order, 0).verify(QDir::cleanPath(QDir::current().absoluteFilePath(path)));
+}
+
+} // namespace toolchain::codesignature
