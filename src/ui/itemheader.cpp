@@ -71,8 +71,7 @@ void ItemHeader::showItem()
     const QString path = hasItem ? itempath::fromUrl(m_document.originalAppletURL()) : QString();
     const int side = m_icon->fontMetrics().height() * linesOfIcon;
     m_icon->setFixedSize(side, side);
-    m_icon->setPixmap(path.isEmpty() ? QPixmap()
-                                     : itemicon::iconOf(m_document.host().files, path).pixmap(side, side));
+    m_icon->setPixmap(itemicon::pictureOf(m_document.host().files, path, side));
     const QString facts = itemfacts::describe(m_document.host().files, path);
     const bool waitsForPerson = m_document.submitAppButton.action() == Action::doDirectSubmit;
     m_facts->setText(waitsForPerson ? facts + u" · "_s + itemfacts::intention(m_document, path) : facts);

@@ -3,10 +3,10 @@
 #include "platform/bundle.h"
 #include "platform/fileservice.h"
 #include "platform/itempath.h"
+#include "ui/theme.h"
 
 #include <QApplication>
-#include <QPixmap>
-#include <QStyle>
+#include <QPainter>
 #include <QtEndian>
 
 using namespace Qt::StringLiterals;
@@ -14,6 +14,9 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr qsizetype headLength = 8; // of the file and of each element
+constexpr qreal roundness = 0.2; // of the side
+constexpr qreal heightOfLetters = 0.32;
+constexpr int mostLetters = 3;
 const QByteArray pngSignature = "\x89PNG\r\n\x1a\n"_ba;
 
 quint32 lengthAt(const QByteArray &bytes, qsizetype offset)
@@ -21,27 +24,28 @@ quint32 lengthAt(const QByteArray &bytes, qsizetype offset)
     return qFromBigEndian<quint32>(bytes.constData() + offset + 4);
 }
 
-struct KindIcon {
-    QString extension;
-    QString themeName; ///< freedesktop.org's Icon Naming Specification
-    QStyle::StandardPixmap fallback;
-};
-
-const KindIcon &kindIcon(const QString &extension)
+/// A sheet of paper's worth of colour with the kind written on it, for items that have no picture.
+QPixmap badgeOf(const QString &kind, int side)
 {
-    static const QList<KindIcon> kinds{
-        {u"app"_s, u"application-x-executable"_s, QStyle::SP_DesktopIcon},
-        {u"pkg"_s, u"package-x-generic"_s, QStyle::SP_DriveFDIcon},
-        {u"dmg"_s, u"media-optical"_s, QStyle::SP_DriveHDIcon},
-        {u"plugin"_s, u"application-x-addon"_s, QStyle::SP_FileDialogDetailedView},
-        {u"fmplugin"_s, u"application-x-addon"_s, QStyle::SP_FileDialogDetailedView},
-    };
-    static const KindIcon other{{}, u"text-x-generic"_s, QStyle::SP_FileIcon};
-    for (const KindIcon &kind : kinds) {
-        if (kind.extension == extension)
-            return kind;
-    }
-    return other;
+    QPixmap picture(QSize(side, side) * qApp->devicePixelRatio());
+    picture.setDevicePixelRatio(qApp->devicePixelRatio());
+    picture.fill(Qt::transparent);
+    QPainter painter(&picture);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QPalette palette = QApplication::palette();
+    const QRectF square = QRectF(0, 0, side, side).adjusted(1, 1, -1, -1);
+    const bool isEmpty = kind.isEmpty();
+    painter.setPen(isEmpty ? QPen(theme::outline(palette), 1, Qt::DashLine) : QPen(Qt::NoPen));
+    if (!isEmpty)
+        painter.setBrush(theme::colourOf(theme::Meaning::underway, palette));
+    painter.drawRoundedRect(square, side * roundness, side * roundness);
+    QFont font = QApplication::font();
+    font.setBold(true);
+    font.setPixelSize(qMax(6, int(side * heightOfLetters)));
+    painter.setFont(font);
+    painter.setPen(palette.color(QPalette::Base));
+    painter.drawText(square, Qt::AlignCenter, kind.toUpper().left(mostLetters));
+    return picture;
 }
 
 QString iconFileOf(const platform::FileService &files, const QString &bundle)
@@ -82,10 +86,14 @@ std::optional<QByteArray> itemicon::pictureIn(const QByteArray &icns)
     return largest;
 }
 
-QIcon itemicon::iconOf(const platform::FileService &files, const QString &path)
+QPixmap itemicon::pictureOf(const platform::FileService &files, const QString &path, int side)
 {
-    if (const auto picture = ownPicture(files, path))
-        return *picture;
-    const KindIcon &kind = kindIcon(itempath::lowerExtension(path));
-    return QIcon::fromTheme(kind.themeName, QApplication::style()->standardIcon(kind.fallback));
+    const auto picture = path.isEmpty() ? std::nullopt : ownPicture(files, path);
+    if (!picture)
+        return badgeOf(itempath::lowerExtension(path), side);
+    const qreal ratio = qApp->devicePixelRatio();
+    QPixmap scaled =
+        picture->scaled(QSize(side, side) * ratio, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+    scaled.setDevicePixelRatio(ratio);
+    return scaled;
 }

@@ -74,9 +74,9 @@ QPalette theme::readable(QPalette palette)
 {
     const auto mend = [&palette](QPalette::ColorGroup group, QPalette::ColorRole text,
                                  QPalette::ColorRole ground) {
-        palette.setColor(
-            group, text,
-            readable(palette.color(group, text).rgb(), palette.color(group, ground), leastOfText));
+        const QColor behind = palette.color(group, ground);
+        const QColor seen = mixed(behind, palette.color(group, text), palette.color(group, text).alphaF());
+        palette.setColor(group, text, readable(seen, behind, leastOfText));
     };
     for (const auto group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
         mend(group, QPalette::WindowText, QPalette::Window);

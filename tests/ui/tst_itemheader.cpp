@@ -72,7 +72,6 @@ TEST_F(ItemHeaderTest, tellsWhatTheItemIsAndWillBecome)
 TEST_F(ItemHeaderTest, tellsNothingWithoutAnItem)
 {
     EXPECT_EQ(facts(), QString());
-    EXPECT_TRUE(part<QLabel>(u"itemIcon"_s).pixmap(Qt::ReturnByValue).isNull());
 }
 
 TEST_F(ItemHeaderTest, theFocusOfANewTabIsWhereOneTypes)
