@@ -18,8 +18,8 @@ namespace itemicon {
 /// all lengths of 32 bits, big-endian, and counting their own eight bytes.
 [[nodiscard]] std::optional<QByteArray> pictureIn(const QByteArray &icns);
 
-/// The picture of the item at the path, so many points wide: a bundle's own icon, else the name of its kind on a
-/// coloured square; an empty place for no path. Main thread; reads a file.
+/// The picture of the item at the path, so many points wide: a bundle's own icon, else the name of its kind
+/// on a coloured square; an empty place for no path. Main thread; reads a file.
 [[nodiscard]] QPixmap pictureOf(const platform::FileService &files, const QString &path, int side);
 
 } // namespace itemicon

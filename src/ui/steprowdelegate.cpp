@@ -1,6 +1,7 @@
 #include "ui/steprowdelegate.h"
 
 #include "ui/steplistmodel.h"
+#include "ui/theme.h"
 
 #include <QAbstractItemView>
 #include <QPainter>
@@ -64,20 +65,38 @@ bool isDim(const QVariant &state)
         && (state.value<StepState>() == StepState::waiting || state.value<StepState>() == StepState::skipped);
 }
 
+QColor colourOf(StepState state, const QPalette &palette, const QColor &otherwise)
+{
+    switch (state) {
+    case StepState::running:
+        return theme::colourOf(theme::Meaning::underway, palette);
+    case StepState::done:
+        return theme::colourOf(theme::Meaning::good, palette);
+    case StepState::failed:
+        return theme::colourOf(theme::Meaning::bad, palette);
+    case StepState::cancelled:
+        return theme::colourOf(theme::Meaning::caution, palette);
+    case StepState::waiting:
+    case StepState::skipped:
+        break;
+    }
+    return otherwise;
+}
+
 void drawSign(QPainter &painter, const QRectF &place, StepState state, const QPalette &palette)
 {
     const qreal side = place.width();
     const auto at = [&](qreal x, qreal y) { return place.topLeft() + QPointF(x, y) * side; };
     const QRectF inner = place.adjusted(side / 6, side / 6, -side / 6, -side / 6);
-    painter.setPen(QPen(painter.pen().color(), qMax(1.0, side * signStroke), Qt::SolidLine, Qt::RoundCap,
-                        Qt::RoundJoin));
+    const QColor colour = colourOf(state, palette, painter.pen().color());
+    painter.setPen(QPen(colour, qMax(1.0, side * signStroke), Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
     switch (state) {
     case StepState::waiting:
         painter.drawEllipse(inner);
         break;
     case StepState::running:
         painter.setPen(Qt::NoPen);
-        painter.setBrush(palette.color(QPalette::Highlight));
+        painter.setBrush(colour);
         painter.drawEllipse(inner);
         break;
     case StepState::done:
