@@ -1,5 +1,6 @@
 # The tests of code signatures.
 target_sources(tst_toolchain PRIVATE
     machobuilder.cpp machobuilder.h
-    tst_codesign.cpp)
+    tst_codesign.cpp
+    tst_codesignature.cpp)
 target_link_libraries(tst_toolchain PRIVATE tool_codesignature tool_codeverification)

@@ -1,0 +1,416 @@
+#include "formats/codesignature/designation.h"
+#include "formats/codesignature/entitlementsder.h"
+#include "formats/codesignature/machosigner.h"
+#include "formats/codesignature/pagedigests.h"
+#include "formats/codesignature/slicelayout.h"
+#include "toolchain/machobuilder.h"
+#include "toolchain/toolfixture.h"
+
+#include <QBuffer>
+#include <QTemporaryDir>
+
+#include <sys/stat.h>
+
+#include <cstring>
+
+using namespace Qt::StringLiterals;
+using namespace toolchain::codesignature;
+using bundlebuilder::MachORecipe;
+using bundlebuilder::readFile;
+using bundlebuilder::writeFile;
+
+namespace {
+
+platform::Result<MachOImage> imageOf(QByteArray bytes)
+{
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::ReadOnly);
+    return readMachOImage(buffer);
+}
+
+SignaturePlan adHocPlan()
+{
+    SignaturePlan plan;
+    plan.fields.identifier = u"com.example.code"_s;
+    plan.fields.flags = codeflag::adhoc;
+    plan.fields.pageShift = 12;
+    plan.digests = {HashType::Sha1, HashType::Sha256};
+    plan.components.insert(slot::requirements, requirementSetBlob({}));
+    return plan;
+}
+
+QString roundTrip(const QString &text)
+{
+    const auto blob = compileRequirement(text);
+    return blob ? requirementText(*blob).valueOr(u"not printed"_s) : blob.error();
+}
+
+RequirementSubject subject()
+{
+    RequirementSubject subject;
+    subject.identifier = u"com.example.app"_s;
+    subject.info = {{u"CFBundleVersion"_s, u"10.15"_s}};
+    subject.entitlements = {{u"a"_s, true}, {u"b"_s, false}, {u"list"_s, QVariantList{u"x"_s, u"y"_s}}};
+    subject.cdHashes = {QByteArray(20, '\x11')};
+    return subject;
+}
+
+bool isMet(const QString &text)
+{
+    const auto blob = compileRequirement(text);
+    EXPECT_TRUE(blob) << blob.error().toStdString();
+    return blob && meetsRequirement(*blob, subject()).valueOr(false);
+}
+
+class MachOSigning : public testing::Test {
+protected:
+    [[nodiscard]] QString file(const QByteArray &bytes) const
+    {
+        const QString path = m_folder.filePath(u"code"_s);
+        writeFile(path, bytes);
+        return path;
+    }
+
+private:
+    QTemporaryDir m_folder;
+};
+
+} // namespace
+
+TEST(MachOImages, tellWhatTheirHeadsTell)
+{
+    MachORecipe recipe;
+    recipe.infoPropertyList = "<plist/>";
+    const auto image = imageOf(bundlebuilder::machO(recipe));
+    ASSERT_TRUE(image) << image.error().toStdString();
+    const MachOSlice &slice = image->slices.first();
+    EXPECT_EQ(slice.architecture(), u"arm64"_s);
+    EXPECT_EQ(slice.fileType, MachOFileType::Executable);
+    EXPECT_EQ(slice.version()->sdk, 0x000c0300U);
+    EXPECT_EQ(slice.uuid, "0123456789abcdef");
+    EXPECT_EQ(slice.infoPropertyList->length, 8U);
+    EXPECT_EQ(slice.firstSection, recipe.firstSection);
+    EXPECT_EQ(image->description(), u"Mach-O thin (arm64)"_s);
+    EXPECT_EQ(versionText(0x000c0300), u"12.3"_s);
+}
+
+TEST(MachOImages, cutAnywhereAreAnErrorAndNoCrash)
+{
+    const QByteArray whole = bundlebuilder::universalMachO();
+    for (qsizetype length = 8; length < whole.size(); length += length < 0x4200 ? 1 : 97)
+        EXPECT_FALSE(imageOf(whole.first(length))) << length;
+    EXPECT_TRUE(imageOf(whole));
+}
+
+TEST(MachOImages, withSlicesThatOverlapAreRefused)
+{
+    QByteArray bytes = bundlebuilder::universalMachO();
+    bytes.replace(8 + 20 + 8, 4, QByteArray::fromHex("00004000"));
+    EXPECT_TRUE(imageOf(bytes).error().contains(u"overlap"_s));
+}
+
+TEST(MachOImages, withACommandThatOverflowsAreRefused)
+{
+    QByteArray bytes = bundlebuilder::thinMachO(bundlebuilder::arm64);
+    bytes.replace(32 + 4, 4, QByteArray::fromHex("f8ffffff"));
+    EXPECT_EQ(imageOf(bytes).error(), u"load command 0 does not fit in its place"_s);
+}
+
+TEST(SuperBlobs, lieOneAfterTheOtherByTheirTypes)
+{
+    SuperBlob blobs;
+    blobs.set(slot::cms, makeBlob(magic::wrapper, {}));
+    blobs.set(slot::codeDirectory, makeBlob(magic::codeDirectory, "directory"));
+    const QByteArray bytes = blobs.bytes();
+    EXPECT_EQ(bytes.toHex(),
+              "fade0cc0000000350000000200000000" // magic, length, count, type 0
+              "0000001c000100000000002d" // its offset; type 0x10000 and its offset
+              "fade0c02000000116469726563746f7279fade0b0100000008");
+    const auto read = SuperBlob::parse(bytes, magic::embeddedSignature);
+    ASSERT_TRUE(read) << read.error().toStdString();
+    EXPECT_EQ(read->bytes(), bytes);
+    EXPECT_EQ(read->blobs().first().type, slot::codeDirectory);
+}
+
+TEST(SuperBlobs, thatClaimMoreThanThereIsAreRefused)
+{
+    const QByteArray huge = QByteArray::fromHex("fade0cc0800000000000000100000000000000140000000000000000");
+    EXPECT_TRUE(SuperBlob::parse(huge, magic::embeddedSignature).error().contains(u"2147483648 bytes"_s));
+}
+
+TEST(SuperBlobs, whoseBlobsOverlapOrStandTwiceAreRefused)
+{
+    const auto withIndex = [](const char *index) {
+        return QByteArray::fromHex("fade0cc00000002c00000002") + QByteArray::fromHex(index)
+            + QByteArray::fromHex("fade0b0100000010fade0b0100000008");
+    };
+    EXPECT_TRUE(SuperBlob::parse(withIndex("000000000000001c0000000200000024"), magic::embeddedSignature)
+                    .error()
+                    .contains(u"overlap"_s));
+    EXPECT_TRUE(SuperBlob::parse(withIndex("000000020000001c0000000200000024"), magic::embeddedSignature)
+                    .error()
+                    .contains(u"two blobs"_s));
+}
+
+TEST(CodeDirectories, haveTheOldestVersionThatHoldsTheirFields)
+{
+    CodeDirectoryFields fields;
+    EXPECT_EQ(fields.neededVersion(), 0x20100U);
+    fields.team = u"TEAM"_s;
+    EXPECT_EQ(fields.neededVersion(), 0x20200U);
+    fields.codeLimit = 0x100000000;
+    EXPECT_EQ(fields.neededVersion(), 0x20300U);
+    fields.execSegmentLimit = 1;
+    EXPECT_EQ(fields.neededVersion(), 0x20400U);
+    fields.runtime = 1;
+    EXPECT_EQ(fields.neededVersion(), 0x20500U);
+}
+
+TEST(CodeDirectories, comeBackAsTheyWereMade)
+{
+    CodeDirectoryFields fields;
+    fields.identifier = u"com.example"_s;
+    fields.team = u"A1B2C3D4E5"_s;
+    fields.flags = codeflag::runtime;
+    fields.runtime = 0x000c0300;
+    fields.pageShift = 12;
+    fields.codeLimit = 5000;
+    const QByteArray special(32, 's');
+    const QByteArray blob = codeDirectoryHead(fields, {{2, special}}) + QByteArray(64, 'c');
+    const auto directory = CodeDirectory::parse(blob);
+    ASSERT_TRUE(directory) << directory.error().toStdString();
+    EXPECT_EQ(directory->fields().identifier, fields.identifier);
+    EXPECT_EQ(directory->fields().team, fields.team);
+    EXPECT_EQ(directory->codeSlotCount(), 2U);
+    EXPECT_EQ(directory->specialSlot(2), special);
+    EXPECT_FALSE(directory->hasSpecialSlot(1));
+    EXPECT_EQ(codeFlagsText(directory->fields().flags), u"runtime"_s);
+    for (qsizetype length = 0; length < blob.size(); ++length)
+        EXPECT_FALSE(CodeDirectory::parse(blob.first(length)));
+}
+
+TEST(Requirements, theDesignatedOneOfADeveloperIdIsTheKnownBytes)
+{
+    const QByteArray expected = QByteArray::fromHex(
+        "fade0c0000000090000000010000000600000002000000046e6f6465000000060000000f000000060000000e00000001"
+        "0000000a2a864886f7636406020600000000000000000006"
+        "0000000e000000000000000a2a864886f7636406010d0000000000000000000b000000000000000a"
+        "7375626a6563742e4f550000000000010000000a485837373339473846580000");
+    const auto text = requirementText(expected);
+    ASSERT_TRUE(text) << text.error().toStdString();
+    EXPECT_EQ(*text,
+              u"identifier node and anchor apple generic and certificate 1[field.1.2.840.113635.100.6.2.6] "
+              u"/* exists */ and certificate leaf[field.1.2.840.113635.100.6.1.13] /* exists */ and "
+              u"certificate leaf[subject.OU] = HX7739G8FX"_s);
+    const QByteArray set = requirementSetBlob({{RequirementType::Designated, expected}});
+    EXPECT_EQ(set.size(), 0xa4);
+    EXPECT_TRUE(digestOf(set, HashType::Sha256).toHex().startsWith("1269c636692bd36c"));
+}
+
+TEST(Requirements, theEmptySetHasTheKnownDigests)
+{
+    EXPECT_EQ(requirementSetBlob({}).toHex(), "fade0c010000000c00000000");
+    EXPECT_TRUE(digestOf(requirementSetBlob({}), HashType::Sha1).toHex().startsWith("3a75f6db"));
+    EXPECT_TRUE(digestOf(requirementSetBlob({}), HashType::Sha256).toHex().startsWith("987920904eab650e"));
+}
+
+TEST(Requirements, comeBackFromTheirBinaryFormAsTheSameText)
+{
+    for (const QString &text : {u"always"_s,
+                                u"identifier \"com.example.app\""_s,
+                                u"identifier app"_s,
+                                u"identifier \"host\""_s,
+                                u"identifier \"a \\\" and \\\\ b\""_s,
+                                u"identifier 0x00ff"_s,
+                                u"anchor apple"_s,
+                                u"anchor apple generic and (identifier a or identifier b)"_s,
+                                u"identifier a and identifier b or identifier c"_s,
+                                u"! identifier a"_s,
+                                u"! (always and never)"_s,
+                                u"cdhash H\"00112233445566778899aabbccddeeff00112233\""_s,
+                                u"certificate root = H\"00112233445566778899aabbccddeeff00112233\""_s,
+                                u"certificate leaf[subject.CN] = \"Apple Development: X\""_s,
+                                u"certificate 1[field.1.2.840.113635.100.6.2.6] /* exists */"_s,
+                                u"certificate leaf[policy.1.2.3] /* exists */"_s,
+                                u"certificate -2 trusted"_s,
+                                u"anchor trusted"_s,
+                                u"info[CFBundleVersion] >= \"10.9\""_s,
+                                u"info[A] = a*"_s,
+                                u"info[A] = *a"_s,
+                                u"info[A] = *a*"_s,
+                                u"entitlement[com.apple.security.app-sandbox] absent"_s,
+                                u"platform = 2"_s,
+                                u"notarized"_s,
+                                u"certificate leaf[timestamp.1.2.3] < timestamp \"20260131000000Z\""_s})
+        EXPECT_EQ(roundTrip(text), text);
+}
+
+TEST(Requirements, takeCommentsAndTheShorterForms)
+{
+    EXPECT_EQ(roundTrip(u"cert leaf[field.1.2.3] exists // behind\n and # more\n true /* x */"_s),
+              u"certificate leaf[field.1.2.3] /* exists */ and always"_s);
+    EXPECT_EQ(roundTrip(u"identifier = com.example.app"_s), u"identifier \"com.example.app\""_s);
+    EXPECT_EQ(roundTrip(u"anchor = H\"00112233445566778899aabbccddeeff00112233\""_s),
+              u"certificate root = H\"00112233445566778899aabbccddeeff00112233\""_s);
+}
+
+TEST(Requirements, thatMeanNothingAreAnErrorWithItsPlace)
+{
+    for (const QString &text :
+         {QString(), u"identifier"_s, u"identifier a and"_s, u"(identifier a"_s,
+          u"identifier a identifier b"_s, u"cdhash H\"0011\""_s, u"certificate leaf[field.x] exists"_s,
+          u"certificate leaf[nonsense] exists"_s, u"identifier \"open"_s, u"@"_s,
+          u"info[A] < timestamp \"never\""_s, QString(100'000, u'(')})
+        EXPECT_TRUE(compileRequirement(text).error().contains(u"at character"_s))
+            << text.left(40).toStdString();
+    EXPECT_FALSE(compileRequirementSet(u"identifier a"_s));
+    EXPECT_TRUE(compileRequirementSet(u"host => anchor apple designated => identifier a"_s));
+}
+
+TEST(Requirements, areJudgedByWhatTheCodeIs)
+{
+    EXPECT_TRUE(isMet(u"identifier \"com.example.app\""_s));
+    EXPECT_FALSE(isMet(u"identifier other"_s));
+    EXPECT_TRUE(isMet(u"identifier other or ! never"_s));
+    EXPECT_FALSE(isMet(u"identifier \"com.example.app\" and never"_s));
+    EXPECT_TRUE(isMet(u"info[CFBundleVersion] > \"10.9\""_s)); // by number, not by letter
+    EXPECT_TRUE(isMet(u"info[CFBundleVersion] = 10*"_s));
+    EXPECT_FALSE(isMet(u"info[Missing] exists"_s));
+    EXPECT_TRUE(isMet(u"info[Missing] absent"_s));
+    EXPECT_TRUE(isMet(u"entitlement[a] exists"_s));
+    EXPECT_FALSE(isMet(u"entitlement[b] exists"_s));
+    EXPECT_TRUE(isMet(u"entitlement[list] = y"_s));
+    EXPECT_TRUE(isMet(u"cdhash H\"1111111111111111111111111111111111111111\""_s));
+    EXPECT_FALSE(isMet(u"anchor apple generic"_s));
+    EXPECT_FALSE(isMet(u"certificate leaf[subject.CN] exists"_s));
+}
+
+TEST(Requirements, damagedInTheirBinaryFormAreAnErrorAndNoCrash)
+{
+    const QByteArray whole = *compileRequirement(u"anchor apple generic and identifier \"abc\""_s);
+    for (qsizetype length = 0; length < whole.size(); ++length) {
+        EXPECT_FALSE(requirementText(whole.first(length)));
+        EXPECT_FALSE(meetsRequirement(whole.first(length), subject()));
+    }
+    const QByteArray deep = makeBlob(
+        magic::requirement, QByteArray::fromHex("00000001") + QByteArray::fromHex("00000009").repeated(5000));
+    EXPECT_FALSE(requirementText(deep));
+    EXPECT_FALSE(meetsRequirement(deep, subject()));
+}
+
+TEST(EntitlementsAsDer, areTheKnownBytes)
+{
+    const QVariantMap entitlements{
+        {u"a"_s, QVariantMap{{u"z"_s, false}}}, {u"b"_s, QVariantList{u"x"_s, 1}}, {u"c"_s, 300}};
+    const auto der = entitlementsAsDer(entitlements);
+    ASSERT_TRUE(der) << der.error().toStdString();
+    EXPECT_EQ(der->toHex(),
+              "702a020101b025300d0c0161b00830060c017a010100300b0c016230060c017802010130070c01630202012c");
+    EXPECT_EQ(entitlementsAsDer({})->toHex(), "7005020101b000");
+    EXPECT_TRUE(entitlementsFromDer(*der));
+    for (qsizetype length = 0; length < der->size(); ++length)
+        EXPECT_FALSE(entitlementsFromDer(der->first(length)));
+    EXPECT_FALSE(entitlementsAsDer({{u"d"_s, QDateTime::currentDateTime()}}));
+}
+
+TEST_F(MachOSigning, leavesTheCodeAsItIsAndTheModeToo)
+{
+    const QByteArray before = bundlebuilder::thinMachO(bundlebuilder::x86_64);
+    const QString path = file(before);
+    ASSERT_EQ(chmod(qPrintable(path), 0751), 0);
+    ASSERT_EQ(signMachO(path, {adHocPlan()}), QString());
+    const QByteArray behind = readFile(path);
+    EXPECT_EQ(behind.mid(0x800, before.size() - 0x800), before.mid(0x800));
+    struct stat status = {};
+    ASSERT_EQ(stat(qPrintable(path), &status), 0);
+    EXPECT_EQ(status.st_mode & 0777, 0751U);
+    EXPECT_FALSE(QFile::exists(path + u".cstemp"_s));
+}
+
+TEST_F(MachOSigning, setsAsideWhatTheEstimateSays)
+{
+    const QString path = file(bundlebuilder::thinMachO(bundlebuilder::arm64));
+    const SignaturePlan plan = adHocPlan();
+    ASSERT_EQ(signMachO(path, {plan}), QString());
+    const auto image = readMachOImage(path);
+    ASSERT_TRUE(image);
+    const MachOSlice &slice = image->slices.first();
+    EXPECT_EQ(slice.signature->data.offset % 16, 0U);
+    EXPECT_EQ(slice.signature->data.length, roomForSignature(plan, slice.signature->data.offset));
+    EXPECT_EQ(slice.segment("__LINKEDIT")->file.end(), slice.place.length);
+    EXPECT_EQ(slice.segment("__LINKEDIT")->virtualSize % 0x4000, 0U);
+}
+
+TEST_F(MachOSigning, takenOffAndMadeAnewIsTheSameByteForByte)
+{
+    for (const QByteArray &bytes :
+         {bundlebuilder::universalMachO(), bundlebuilder::thinMachO(bundlebuilder::i386)}) {
+        const QString path = file(bytes);
+        const QList<SignaturePlan> plans(imageOf(bytes)->slices.size(), adHocPlan());
+        ASSERT_EQ(signMachO(path, plans), QString());
+        const QByteArray first = readFile(path);
+        ASSERT_EQ(stripMachO(path), QString());
+        EXPECT_FALSE(readSignedCode(path)->isSigned());
+        ASSERT_EQ(signMachO(path, plans), QString());
+        EXPECT_EQ(readFile(path), first);
+        ASSERT_EQ(signMachO(path, plans), QString());
+        EXPECT_EQ(readFile(path), first);
+    }
+}
+
+TEST_F(MachOSigning, aHardLinkKeepsTheOldFile)
+{
+    const QByteArray before = bundlebuilder::thinMachO(bundlebuilder::arm64);
+    const QString path = file(before);
+    ASSERT_EQ(link(qPrintable(path), qPrintable(path + u"2"_s)), 0);
+    ASSERT_EQ(signMachO(path, {adHocPlan()}), QString());
+    EXPECT_EQ(readFile(path + u"2"_s), before);
+}
+
+TEST_F(MachOSigning, aSignatureThatDoesNotFitIsRefusedAndTheFileStays)
+{
+    const QByteArray before = bundlebuilder::thinMachO(bundlebuilder::arm64);
+    const QString path = file(before);
+    SignaturePlan plan = adHocPlan();
+    plan.makeCms = [](const QByteArray &, const QList<DirectoryDigest> &) {
+        return platform::Result<QByteArray>(QByteArray(20'000, 'c'));
+    };
+    EXPECT_EQ(signMachO(path, {plan}), text::tooLarge);
+    plan.makeCms = [](const QByteArray &, const QList<DirectoryDigest> &) {
+        return platform::Result<QByteArray>(platform::Error{u"no key"_s});
+    };
+    EXPECT_EQ(signMachO(path, {plan}), u"no key"_s);
+    EXPECT_EQ(readFile(path), before);
+    EXPECT_FALSE(QFile::exists(path + u".cstemp"_s));
+}
+
+TEST_F(MachOSigning, aFileThatChangesMeanwhileIsNotReplaced)
+{
+    const QString path = file(bundlebuilder::thinMachO(bundlebuilder::arm64));
+    SignaturePlan plan = adHocPlan();
+    plan.makeCms = [&path](const QByteArray &, const QList<DirectoryDigest> &) {
+        QFile other(path);
+        EXPECT_TRUE(other.open(QIODevice::Append) && other.write("more") == 4);
+        return platform::Result<QByteArray>(QByteArray("cms"));
+    };
+    EXPECT_TRUE(signMachO(path, {plan}).contains(u"was changed"_s));
+    EXPECT_TRUE(readFile(path).endsWith("more"));
+}
+
+TEST(PageDigests, areThoseOfEachPageWhateverTheNumberOfThreads)
+{
+    const QByteArray code = QByteArray("0123456789").repeated(500'000);
+    const CodeReader reader = [&code](quint64 offset, char *buffer, quint64 length) {
+        std::memcpy(buffer, code.constData() + offset, length);
+        return true;
+    };
+    QByteArray all(qsizetype(20 * ((code.size() + 4095) / 4096)), '\0');
+    const PageSink sink = [&all](const PageRun &run) {
+        std::memcpy(all.data() + 20 * run.firstPage, run.digests.first().constData(),
+                    std::size_t(run.digests.first().size()));
+        return true;
+    };
+    ASSERT_TRUE(digestPages(quint64(code.size()), 12, {HashType::Sha1}, reader, sink));
+    for (qsizetype page = 0; page * 20 < all.size(); ++page)
+        ASSERT_EQ(all.mid(page * 20, 20), digestOf(code.mid(page * 4096, 4096), HashType::Sha1));
+}
