@@ -2,5 +2,6 @@
 target_sources(tst_toolchain PRIVATE
     machobuilder.cpp machobuilder.h
     tst_codesign.cpp
-    tst_codesignature.cpp)
+    tst_codesignature.cpp
+    tst_codeverify.cpp)
 target_link_libraries(tst_toolchain PRIVATE tool_codesignature tool_codeverification)

@@ -265,7 +265,10 @@ CodeProblem checkPart(const SignedCode &code, qsizetype part, const Verification
                       std::optional<CmsJudgement> &signer)
 {
     CodeProblem problem = PartCheck(code, part, order).check(signer);
-    if (!problem.isNone() && code.image && code.image->isUniversal)
+    const bool isSignedAnywhere =
+        std::any_of(code.parts.begin(), code.parts.end(),
+                    [](const SignedPart &other) { return other.isSigned() || !other.damage.isEmpty(); });
+    if (!problem.isNone() && code.image && code.image->isUniversal && isSignedAnywhere)
         problem.architecture = code.parts[part].architecture;
     return problem;
 }
