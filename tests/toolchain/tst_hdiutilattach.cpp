@@ -1,4 +1,5 @@
 #include "formats/fileattributes.h"
+#include "formats/udif/udiftables.h"
 #include "formats/udif/udifwriter.h"
 #include "platform/propertylist/propertylist.h"
 #include "toolchain/bundlebuilder.h"
@@ -12,12 +13,14 @@
 #include <QRandomGenerator>
 #include <QTimer>
 #include <QVariantMap>
+#include <QtEndian>
 
 #include <fcntl.h>
 #include <signal.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <zlib.h>
 
 using namespace Qt::StringLiterals;
 
@@ -37,6 +40,58 @@ QByteArray randomBytes(int count)
     for (char &byte : bytes)
         byte = static_cast<char>(generator.generate());
     return bytes;
+}
+
+QByteArray littleEndian(qsizetype number)
+{
+    const quint32 value = qToLittleEndian(quint32(number));
+    return QByteArray(reinterpret_cast<const char *>(&value), sizeof value);
+}
+
+/// An LZFSE stream of one block, of the kind LZVN, that says of all bytes what they are.
+QByteArray inLzfse(const QByteArray &bytes)
+{
+    constexpr qsizetype fewest = 16; // that the long form of the instruction takes
+    constexpr qsizetype most = fewest + 255;
+    QByteArray block;
+    for (qsizetype done = 0; done < bytes.size(); done += most) {
+        const QByteArray run = bytes.mid(done, most);
+        block += run.size() >= fewest ? QByteArray("\xe0") + char(run.size() - fewest)
+                                      : QByteArray(1, char(0xe0 + run.size()));
+        block += run;
+    }
+    block += QByteArray("\x06") + QByteArray(7, '\0');
+    return "bvxn" + littleEndian(bytes.size()) + littleEndian(block.size()) + block + "bvx$";
+}
+
+/// An image of one partition whose chunks are LZFSE streams.
+void writeLzfseImage(const QString &volume, const QString &image)
+{
+    using namespace toolchain::udif;
+    constexpr qsizetype chunkSize = 256 << 10;
+    const QByteArray bytes = bundlebuilder::readFile(volume);
+    const auto crc = [](const QByteArray &data) {
+        return quint32(crc32(0, reinterpret_cast<const Bytef *>(data.constData()), uInt(data.size())));
+    };
+    Partition partition{
+        u"disk image (Apple_HFS : 0)"_s, 0, quint64(bytes.size()) / sectorSize, {crc32Kind, crc(bytes)}, {}};
+    QByteArray data;
+    for (qsizetype done = 0; done < bytes.size(); done += chunkSize) {
+        const QByteArray plain = bytes.mid(done, chunkSize);
+        const QByteArray packed = inLzfse(plain);
+        partition.chunks.push_back({lzfseChunk, quint64(done) / sectorSize,
+                                    quint64(plain.size()) / sectorSize, quint64(data.size()),
+                                    quint64(packed.size())});
+        data += packed;
+    }
+    Trailer trailer;
+    trailer.dataLength = trailer.listOffset = quint64(data.size());
+    trailer.dataChecksum = {crc32Kind, crc(data)};
+    trailer.masterChecksum = {crc32Kind, masterChecksum({partition})};
+    trailer.sectorCount = partition.sectorCount;
+    const QByteArray list = partitionList({partition});
+    trailer.listLength = quint64(list.size());
+    bundlebuilder::writeFile(image, data + list + trailerBytes(trailer));
 }
 
 class HdiutilAttach : public DiskImageFixture {
@@ -362,6 +417,61 @@ TEST_F(HdiutilAttach, anImageWithoutAVolumeHasNothingToMount)
     close(file);
     EXPECT_EQ(attach(path(u"empty.dmg"_s)).error, u"hdiutil: attach failed - no mountable file systems\n"_s);
     expectNothingAttached();
+}
+
+TEST_F(HdiutilAttach, anotherProgramHelpsWithChunksThatCannotBeUnpackedHere)
+{
+    bundlebuilder::writeFile(path(u"folder/sub/a file"_s), QByteArray(900'000, 'f'));
+    ASSERT_EQ(toolchain::writeAttribute(path(u"folder/sub/a file"_s), "note", "kept"), QString());
+    const QString image = path(u"other.dmg"_s);
+    writeLzfseImage(volumeOf(imageOf(path(u"folder"_s))), image);
+    EXPECT_EQ(run(hdiutil, {u"imageinfo"_s, u"-format"_s, image}).output, u"ULFO\n"_s);
+    const ToolResult verified = run(hdiutil, {u"verify"_s, image});
+    EXPECT_EQ(verified.status, 0) << verified.error.toStdString();
+    const QString volume = mountPointIn(attach(image));
+    EXPECT_EQ(QProcess::execute(u"diff"_s, {u"-r"_s, path(u"folder"_s), volume}), 0);
+    EXPECT_EQ(toolchain::readAttributes(volume + u"/sub/a file"_s)->value("note"), "kept");
+    const QString converted = path(u"converted.dmg"_s);
+    ASSERT_EQ(run(hdiutil, {u"convert"_s, image, u"-format"_s, u"ULMO"_s, u"-o"_s, converted}).status, 0);
+    EXPECT_TRUE(runProgram(u"7z"_s, {u"t"_s, converted}).output.contains(u"Everything is Ok"_s));
+}
+
+TEST_F(HdiutilAttach, anEncryptedImageIsRefusedByName)
+{
+    bundlebuilder::writeFile(path(u"new.dmg"_s), "encrcdsa" + QByteArray(4096, 'x'));
+    bundlebuilder::writeFile(path(u"old.dmg"_s), QByteArray(4096, 'x') + "cdsaencr");
+    for (const QString &image : {u"new.dmg"_s, u"old.dmg"_s}) {
+        for (const QStringList &arguments :
+             {QStringList{u"attach"_s, path(image)},
+              {u"verify"_s, path(image)},
+              {u"imageinfo"_s, path(image)},
+              {u"convert"_s, path(image), u"-format"_s, u"UDZO"_s, u"-o"_s, path(u"out.dmg"_s)}}) {
+            const ToolResult result = run(hdiutil, arguments);
+            EXPECT_EQ(result.status, 1);
+            EXPECT_TRUE(result.error.contains(u"encrypted"_s)) << result.error.toStdString();
+        }
+    }
+}
+
+TEST_F(HdiutilAttach, convertWritesTheSameDiskInAnotherFormat)
+{
+    const QByteArray disk = bundlebuilder::readFile(diskOf(m_image));
+    for (const QString &format : {u"UDRO"_s, u"UDBZ"_s, u"ULMO"_s, u"UDZO"_s}) {
+        const QString image = path(format + u".dmg"_s);
+        const ToolResult result =
+            run(hdiutil, {u"convert"_s, m_image, u"-format"_s, format, u"-o"_s, path(format)});
+        EXPECT_EQ(result.output, u"created: %1\n"_s.arg(image)) << result.error.toStdString();
+        EXPECT_EQ(run(hdiutil, {u"imageinfo"_s, u"-format"_s, image}).output, format + u'\n');
+        EXPECT_EQ(run(hdiutil, {u"verify"_s, image}).status, 0);
+        QProcess reader;
+        reader.start(u"7z"_s, {u"e"_s, u"-so"_s, u"-tdmg"_s, image});
+        ASSERT_TRUE(reader.waitForFinished());
+        EXPECT_TRUE(reader.readAllStandardOutput() == disk) << format.toStdString();
+    }
+    EXPECT_EQ(run(hdiutil, {u"convert"_s, m_image, u"-format"_s, u"UDZO"_s, u"-o"_s, path(u"UDZO"_s)}).error,
+              u"hdiutil: convert failed - File exists\n"_s);
+    EXPECT_EQ(run(hdiutil, {u"convert"_s, m_image, u"-format"_s, u"UDRW"_s, u"-o"_s, path(u"x"_s)}).status,
+              2);
 }
 
 TEST_F(HdiutilAttach, leavesNothingWhenTheCopyCannotGrow)

@@ -1,11 +1,36 @@
 #include "formats/imagevolume.h"
 
+#include <QFile>
+
 #include <algorithm>
 
 namespace toolchain {
 
+std::string unpackByOther(UdifReader &reader, const std::filesystem::path &image,
+                          std::shared_ptr<ScratchFile> &disk)
+{
+    if (!reader.error().empty() || !reader.needsOtherReader())
+        return {};
+    quint64 size = 0;
+    for (const udif::Partition &partition : reader.partitions())
+        size += partition.sectorCount * udif::sectorSize;
+    auto unpacked = sevenzip::unpackDisk(QFile::decodeName(QByteArray::fromStdString(image.native())), size);
+    if (!unpacked)
+        return unpacked.error().toStdString();
+    disk = *unpacked;
+    reader.readFrom(disk->descriptor());
+    return {};
+}
+
 ImageVolume::ImageVolume(const std::filesystem::path &image)
     : m_image(image)
+    , m_problem(unpackByOther(m_image, image, m_disk))
+{
+    if (m_problem.empty())
+        findVolume();
+}
+
+void ImageVolume::findVolume()
 {
     for (const udif::Partition &partition : m_image.partitions()) {
         const ByteSource source = sourceOf(partition);
@@ -17,10 +42,33 @@ ImageVolume::ImageVolume(const std::filesystem::path &image)
     }
 }
 
+std::shared_ptr<ScratchFile> ImageVolume::apfsContainer()
+{
+    constexpr qsizetype magicOffset = 32;
+    constexpr quint64 pieceSize = 1 << 20;
+    for (const udif::Partition &partition : m_image.partitions()) {
+        const quint64 size = partition.sectorCount * udif::sectorSize;
+        QByteArray piece(magicOffset + 4, '\0');
+        if (size < pieceSize || !m_image.read(partition, 0, piece.data(), piece.size())
+            || !piece.endsWith("NXSB"))
+            continue;
+        auto file = std::make_shared<ScratchFile>();
+        for (quint64 done = 0; done < size; done += pieceSize) {
+            piece.resize(qsizetype(std::min(pieceSize, size - done)));
+            if (!m_image.read(partition, done, piece.data(), piece.size()) || !file->append(piece))
+                return {};
+        }
+        return file;
+    }
+    return {};
+}
+
 std::string ImageVolume::error() const
 {
     if (!m_image.error().empty())
         return m_image.error();
+    if (!m_problem.empty())
+        return m_problem;
     return m_volume ? m_volume->error() : "no mountable file systems";
 }
 

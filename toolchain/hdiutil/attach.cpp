@@ -14,6 +14,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <functional>
 
 using namespace Qt::StringLiterals;
 namespace fs = std::filesystem;
@@ -62,10 +63,8 @@ fs::path freePath(const fs::path &folder, const std::string &name)
 }
 
 fs::path mountPointFor(const ParsedArguments &arguments, const AttachedImages &images,
-                       const hfsplus::VolumeEntry &volume)
+                       const std::string &plainName)
 {
-    const auto name = hfsplus::fileName(volume.storedName, volume.nameForm);
-    const std::string plainName = name ? name->toStdString() : "untitled";
     if (arguments.has("-mountpoint"))
         return fullPath(arguments.value("-mountpoint"));
     if (arguments.has("-mountroot"))
@@ -95,7 +94,7 @@ QVariantMap deviceEntry(const std::string &device, const std::string &content, c
                       {u"potentially-mountable"_s, !mountPoint.empty()}};
     if (!mountPoint.empty()) {
         entry[u"mount-point"_s] = QString::fromStdString(mountPoint);
-        entry[u"volume-kind"_s] = u"hfs"_s;
+        entry[u"volume-kind"_s] = content == "Apple_APFS" ? u"apfs"_s : u"hfs"_s;
     }
     return entry;
 }
@@ -104,7 +103,7 @@ int tellAttached(const AttachedImage &image, const ParsedArguments &arguments)
 {
     const bool isDivided = !image.scheme.empty();
     const std::string volume = isDivided ? image.device() + "s1" : image.device();
-    const std::string content = isDivided ? "Apple_HFS" : "";
+    const std::string content = isDivided ? image.content : "";
     if (arguments.has("-plist")) {
         QVariantList entries{deviceEntry(volume, content, image.mountPoint)};
         if (isDivided)
@@ -128,15 +127,49 @@ std::string complaintAboutMountPoint(const AttachedImage &image)
     return error ? systemError(image.mountPoint, error.value()) : std::string();
 }
 
-std::string copyVolumeInto(const std::string &mountPoint, const HfsPlusReader &volume)
+/// What is to be attached, whatever its file system.
+struct Volume {
+    std::string name; ///< that a folder can have
+    const char *kind = ""; ///< as the list of devices calls it
+    std::function<std::string(const std::string &folder)> copyInto; ///< answers what went wrong, or nothing
+};
+
+std::string usableName(const std::optional<QByteArray> &name)
+{
+    return name ? name->toStdString() : "untitled";
+}
+
+Volume hfsVolume(const HfsPlusReader &volume)
+{
+    const hfsplus::VolumeEntry &root = volume.rootFolder();
+    return {usableName(hfsplus::fileName(root.storedName, root.nameForm)), "Apple_HFS",
+            [&volume](const std::string &folder) { return copyVolume(volume, folder); }};
+}
+
+/// An error tells that there is no such volume, or no 7z to read it.
+platform::Result<Volume> apfsVolume(ImageVolume &source)
+{
+    const auto container = source.apfsContainer();
+    if (!container)
+        return platform::Error{QString::fromStdString(source.error())};
+    const auto name = sevenzip::apfsVolumeName(container->path());
+    if (!name)
+        return name.failure();
+    return Volume{
+        usableName(hfsplus::fileName(*name)), "Apple_APFS", [container](const std::string &folder) {
+            return sevenzip::extractApfs(container->path(), QString::fromStdString(folder)).toStdString();
+        }};
+}
+
+std::string copyVolumeInto(const std::string &mountPoint, const Volume &volume)
 {
     std::error_code error;
     fs::create_directories(mountPoint, error);
-    return error ? systemError(mountPoint, error.value()) : copyVolume(volume, mountPoint);
+    return error ? systemError(mountPoint, error.value()) : volume.copyInto(mountPoint);
 }
 
 /// Keeps a record of the copy before it is begun, so that an early end leaves nothing for good.
-std::string copyIntoPlace(AttachedImage &image, const HfsPlusReader &volume, const AttachedImages &images)
+std::string copyIntoPlace(AttachedImage &image, const Volume &volume, const AttachedImages &images)
 {
     std::string problem = images.store(image);
     if (!problem.empty())
@@ -158,16 +191,20 @@ int attachAnew(AttachedImage &image, const ParsedArguments &arguments, const Att
         if (!source.image().verify())
             tellDetail(arguments, "The checksums cannot be compared, or differ.");
     }
-    if (!source.error().empty())
-        return failVerb(verb, source.error());
+    const bool hasNoHfs = !source.error().empty() && source.image().error().empty();
+    const auto apfs = hasNoHfs ? apfsVolume(source) : platform::Error{QString::fromStdString(source.error())};
+    if (!source.error().empty() && !apfs)
+        return failVerb(verb, apfs.error().toStdString());
+    const Volume volume = apfs ? *apfs : hfsVolume(source.volume());
     image.number = images.freeNumber();
     image.scheme = source.scheme();
-    image.mountPoint = mountPointFor(arguments, images, source.volume().rootFolder()).string();
+    image.content = volume.kind;
+    image.mountPoint = mountPointFor(arguments, images, volume.name).string();
     image.wasThere = fs::exists(image.mountPoint);
     std::string problem = complaintAboutMountPoint(image);
     tellDetail(arguments, "Copying the volume to " + image.mountPoint);
     if (problem.empty())
-        problem = copyIntoPlace(image, source.volume(), images);
+        problem = copyIntoPlace(image, volume, images);
     return problem.empty() ? tellAttached(image, arguments) : failVerb(verb, problem);
 }
 

@@ -32,6 +32,7 @@ QJsonObject jsonOf(const AttachedImage &image)
             {u"mountPoint"_s, text(image.mountPoint)},
             {u"wasThere"_s, image.wasThere},
             {u"isWhole"_s, image.isWhole},
+            {u"content"_s, text(image.content)},
             {u"scheme"_s, text(image.scheme)}};
 }
 
@@ -47,6 +48,7 @@ std::optional<AttachedImage> imageFrom(const QJsonObject &json)
     image.mountPoint = json[u"mountPoint"].toString().toStdString();
     image.wasThere = json[u"wasThere"].toBool();
     image.isWhole = json[u"isWhole"].toBool();
+    image.content = json[u"content"].toString(u"Apple_HFS"_s).toStdString();
     image.scheme = json[u"scheme"].toString().toStdString();
     const bool isUsable = image.number >= firstNumber && image.mountPoint.starts_with('/');
     return isUsable ? std::optional(image) : std::nullopt;

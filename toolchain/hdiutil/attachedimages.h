@@ -27,6 +27,7 @@ struct AttachedImage {
     std::string mountPoint; ///< full path
     bool wasThere = false; ///< the mount point was an empty folder before, and stays one afterwards
     bool isWhole = false; ///< false until everything is copied
+    std::string content = "Apple_HFS"; ///< of the volume's partition
     std::string scheme; ///< see ImageVolume::scheme()
 
     [[nodiscard]] std::string device() const { return "disk" + std::to_string(number); }

@@ -59,7 +59,6 @@ std::string complaintAbout(const ParsedArguments &arguments, const VerbArguments
     const auto sources = std::count_if(words.begin(), words.end(), [](const std::string &word) {
         return word == "-srcfolder" || word == "-srcdir";
     });
-    const std::string key = arguments.value("-imagekey");
     if (!arguments.error.empty())
         return arguments.error;
     if (arguments.operands.size() != 1)
@@ -73,18 +72,9 @@ std::string complaintAbout(const ParsedArguments &arguments, const VerbArguments
         return "HFS+ is the only file system that is made here";
     if (arguments.has("-layout") && arguments.value("-layout") != "GPTSPUD")
         return "GPTSPUD is the only layout that is made here";
-    if (arguments.has("-imagekey")
-        && (key.size() != 12 || !key.starts_with("zlib-level=") || key.back() < '1' || key.back() > '9'))
+    if (arguments.has("-imagekey") && !isZlibLevel(arguments.value("-imagekey")))
         return "the only image key here is zlib-level, from 1 to 9";
     return {};
-}
-
-int levelFrom(const ParsedArguments &arguments, const udif::ImageFormat &format)
-{
-    constexpr int best = 9;
-    if (format.chunkKind != udif::zlibChunk)
-        return best;
-    return arguments.has("-imagekey") ? arguments.value("-imagekey").back() - '0' : 1;
 }
 
 Plan planFrom(const ParsedArguments &arguments)
@@ -97,7 +87,7 @@ Plan planFrom(const ParsedArguments &arguments)
     plan.volumeName =
         arguments.has("-volname") ? arguments.value("-volname") : plan.source.filename().string();
     plan.format = *formatFrom(arguments);
-    plan.level = levelFrom(arguments, plan.format);
+    plan.level = levelFor(plan.format, arguments);
     if (fs::is_symlink(plan.source) && fs::is_directory(plan.source))
         plan.source = fs::canonical(plan.source);
     return plan;

@@ -74,6 +74,9 @@ int verify(const VerbArguments &words)
                                    arguments.error.empty() ? "one image is needed" : arguments.error);
     const std::string &path = arguments.operands.front();
     UdifReader image(path);
+    std::shared_ptr<ScratchFile> disk;
+    if (const std::string problem = unpackByOther(image, path, disk); !problem.empty())
+        return failVerb("verify", problem);
     if (!image.verify())
         return failVerb("verify", image.error());
     printError("hdiutil: verify: checksum of \"" + path + "\" is VALID\n");

@@ -1,4 +1,5 @@
 #include "hdiutil/attach.h"
+#include "hdiutil/convert.h"
 #include "hdiutil/create.h"
 #include "hdiutil/detach.h"
 #include "hdiutil/inspect.h"
@@ -15,6 +16,7 @@ namespace {
 
 constexpr std::string_view usage = R"(Usage: hdiutil create IMAGE -srcfolder SOURCE [OPTION...]
        hdiutil attach IMAGE [OPTION...]
+       hdiutil convert IMAGE -format FORMAT -o IMAGE [-ov] [-imagekey zlib-level=1..9]
        hdiutil detach [-force] MOUNTPOINT|DEVICE
        hdiutil info
        hdiutil verify IMAGE
@@ -38,6 +40,7 @@ attach     copies the files of the image's first HFS+ volume into a mount folder
   -noverify             do not compare the checksums first
   -nobrowse, -readonly, -noautoopen, -autoopen, -noidmereveal, -noautofsck, -verify, -owners on|off
                         understood; they change nothing here
+convert    writes an image in another format of those above.
 detach     removes the copy.
 info       lists the images that are attached.
 verify     compares all checksums of an image.
@@ -46,21 +49,21 @@ imageinfo  tells the format, the sizes and the partitions of an image.
 With every verb: -quiet prints nothing, -verbose and -debug tell more on standard error, -plist prints a
 property list.
 
-Real: the images, with their checksums, GUID partition table and HFS+ volume, and their reading, also of
-images that other programs have made with zlib chunks or without compression. Making an image takes no room
-beside the image's own.
+Real: the images, with their checksums, GUID partition table and HFS+ volume with extended attributes, resource
+forks, hard links, modes and dates; and their reading, also of images that other programs have made: zlib, bzip2,
+lzma, ADC and plain chunks by this program, LZFSE chunks and APFS volumes by 7z where that is installed. Making an
+image takes no room beside the image's own. Encrypted images are refused.
 Stand-in: nothing is mounted. A mount folder holds a copy that takes the room of the files, can be written
-to, and does not change the image; the devices that are printed do not exist.
-Extended attributes, resource forks and owners are not kept, names come back composed, names that HFS+ takes
-for the same are refused, and so are a volume's hard links and compressed files.
+to, and does not change the image; the devices that are printed do not exist. Owners are not kept; names that HFS+
+takes for the same are refused, and so are a volume's files that are compressed by LZVN or LZFSE.
 Exit status: 0 done, 1 failed, 2 wrong arguments or an option that is not built here.
 )";
 
 using Verb = int (*)(const VerbArguments &words);
 
 const std::map<std::string, Verb> verbs{
-    {"create", create}, {"attach", attach}, {"detach", detach},
-    {"info", info},     {"verify", verify}, {"imageinfo", imageInfo},
+    {"create", create}, {"convert", convert}, {"attach", attach},       {"detach", detach},
+    {"info", info},     {"verify", verify},   {"imageinfo", imageInfo},
 };
 
 } // namespace

@@ -59,6 +59,20 @@ std::filesystem::path fullPath(const std::string &path)
     return full.has_filename() ? full : full.parent_path();
 }
 
+bool isZlibLevel(const std::string &key)
+{
+    const std::string name = "zlib-level=";
+    return key.size() == name.size() + 1 && key.starts_with(name) && key.back() >= '1' && key.back() <= '9';
+}
+
+int levelFor(const udif::ImageFormat &format, const ParsedArguments &arguments)
+{
+    constexpr int best = 9;
+    if (format.chunkKind != udif::zlibChunk)
+        return best;
+    return arguments.has("-imagekey") ? arguments.value("-imagekey").back() - '0' : 1;
+}
+
 int refuseVerbArguments(const std::string &verb, const std::string &complaint)
 {
     return refuseArguments("hdiutil " + verb, complaint, "Usage: see hdiutil --help\n", notBuiltStatus);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "formats/udif/chunkpacking.h"
 #include "support/arguments.h"
 
 #include <QVariant>
@@ -30,6 +31,12 @@ void printPropertyList(const QVariant &value);
 
 /// The path in full, without a slash at its end, so that its last part is its name.
 [[nodiscard]] std::filesystem::path fullPath(const std::string &path);
+
+/// Whether a value of -imagekey tells a level of zlib's.
+[[nodiscard]] bool isZlibLevel(const std::string &key);
+
+/// How hard to pack for a format, as -imagekey tells or as the real tool does without it.
+[[nodiscard]] int levelFor(const udif::ImageFormat &format, const ParsedArguments &arguments);
 
 /// Complains about a verb's arguments, and answers the exit status for it.
 [[nodiscard]] int refuseVerbArguments(const std::string &verb, const std::string &complaint);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <filesystem>
 
 namespace toolchain {
@@ -23,5 +25,9 @@ public:
 private:
     const int m_descriptor;
 };
+
+/// Fills `size` bytes with those of an open file from `offset` on. False if it does not give them all, with
+/// errno telling why; 0 if the file ends before.
+[[nodiscard]] bool readFully(int file, std::uint64_t offset, char *target, std::ptrdiff_t size);
 
 } // namespace toolchain

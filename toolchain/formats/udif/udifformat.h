@@ -22,6 +22,8 @@ inline constexpr qsizetype tableEntrySize = 40;
 inline constexpr quint32 crc32Kind = 2; ///< the kind of checksum that is a CRC-32
 inline constexpr qsizetype checksumSize = 128; ///< bytes kept for a checksum, however short it is
 
+inline constexpr quint64 longestChunk = 16 << 20; ///< bytes, unpacked, that are read; usual are up to one MiB
+
 inline constexpr quint32 zeroChunk = 0;
 inline constexpr quint32 rawChunk = 1;
 inline constexpr quint32 ignoredChunk = 2; ///< free blocks, read as zeros

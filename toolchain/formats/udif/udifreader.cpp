@@ -5,7 +5,6 @@
 
 #include <sys/stat.h>
 #include <unistd.h>
-#include <zlib.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -18,16 +17,10 @@ using namespace udif;
 namespace {
 
 constexpr quint64 longestList = 64 << 20; ///< bytes; the tables of a disk of some terabytes
-constexpr quint64 longestChunk = 16 << 20; ///< bytes, unpacked; usual are up to one MiB
-constexpr qsizetype pieceSize = 256 << 10;
+constexpr std::size_t mostReaders = 6; ///< threads; an lzma decoder takes some megabytes
 
 constexpr const char *notRecognized = "image not recognized";
 constexpr const char *corrupt = "corrupt image";
-
-quint32 crc(quint32 before, const QByteArray &bytes, qsizetype size)
-{
-    return quint32(crc32(before, reinterpret_cast<const Bytef *>(bytes.constData()), uInt(size)));
-}
 
 } // namespace
 
@@ -40,7 +33,36 @@ UdifReader::UdifReader(const std::filesystem::path &path)
         m_error = std::strerror(errno);
     m_fileSize = quint64(status.st_size);
     if (m_error.empty() && (!S_ISREG(status.st_mode) || !readTables()))
-        m_error = notRecognized;
+        m_error = isEncrypted() ? "the image is encrypted, which cannot be read here" : notRecognized;
+}
+
+/// Encrypted images begin or, older ones, end with a word of their own.
+bool UdifReader::isEncrypted()
+{
+    constexpr qsizetype wordSize = 8;
+    QByteArray word(wordSize, '\0');
+    m_error.clear();
+    if (m_fileSize < quint64(wordSize) || !readStored(0, word.data(), wordSize))
+        return false;
+    return word == "encrcdsa"
+        || (readStored(m_fileSize - wordSize, word.data(), wordSize) && word == "cdsaencr");
+}
+
+bool UdifReader::needsOtherReader() const
+{
+    const auto isUnknown = [](const Chunk &chunk) {
+        return chunk.kind != zeroChunk && chunk.kind != rawChunk && chunk.kind != ignoredChunk
+            && !canUnpack(chunk.kind);
+    };
+    return m_disk < 0
+        && std::any_of(m_partitions.begin(), m_partitions.end(), [&](const Partition &partition) {
+               return std::any_of(partition.chunks.begin(), partition.chunks.end(), isUnknown);
+           });
+}
+
+void UdifReader::readFrom(int disk)
+{
+    m_disk = disk;
 }
 
 bool UdifReader::readTables()
@@ -49,7 +71,7 @@ bool UdifReader::readTables()
     if (m_fileSize < quint64(trailerSize) || !readStored(m_fileSize - trailerSize, bytes.data(), trailerSize))
         return false;
     const auto trailer = readTrailer(bytes);
-    if (!trailer || trailer->listLength > longestList)
+    if (!trailer || trailer->listLength > std::min(longestList, m_fileSize))
         return false;
     m_trailer = *trailer;
     bytes = QByteArray(qsizetype(trailer->listLength), Qt::Uninitialized);
@@ -72,17 +94,18 @@ bool UdifReader::readStored(quint64 offset, char *target, qsizetype size)
 {
     if (offset > m_fileSize || quint64(size) > m_fileSize - offset)
         return fail(corrupt);
-    while (size > 0) {
-        const ssize_t length = pread(m_file.descriptor(), target, std::size_t(size), off_t(offset));
-        if (length < 0 && errno == EINTR)
-            continue;
-        if (length <= 0)
-            return fail(length < 0 ? std::strerror(errno) : corrupt);
-        target += length;
-        size -= length;
-        offset += quint64(length);
+    return readFully(m_file.descriptor(), offset, target, size)
+        || fail(errno != 0 ? std::strerror(errno) : corrupt);
+}
+
+bool UdifReader::readFromDisk(const Partition &partition, quint64 offset, char *target, qsizetype size)
+{
+    for (const Partition &before : m_partitions) {
+        if (&before == &partition)
+            break;
+        offset += before.sectorCount * sectorSize;
     }
-    return true;
+    return readFully(m_disk, offset, target, size) || fail(corrupt);
 }
 
 bool UdifReader::read(const Partition &partition, quint64 offset, char *target, qsizetype size)
@@ -90,6 +113,8 @@ bool UdifReader::read(const Partition &partition, quint64 offset, char *target, 
     const quint64 partitionSize = partition.sectorCount * sectorSize;
     if (offset > partitionSize || quint64(size) > partitionSize - offset)
         return fail(corrupt);
+    if (m_disk >= 0)
+        return readFromDisk(partition, offset, target, size);
     const quint64 sector = offset / sectorSize;
     auto chunk =
         std::upper_bound(partition.chunks.begin(), partition.chunks.end(), sector,
@@ -99,7 +124,7 @@ bool UdifReader::read(const Partition &partition, quint64 offset, char *target, 
     for (; size > 0 && chunk != partition.chunks.end(); ++chunk) {
         const quint64 inside = offset - chunk->firstSector * sectorSize;
         const auto length = qsizetype(std::min(quint64(size), chunk->sectorCount * sectorSize - inside));
-        if (length > 0 && !readChunk(*chunk, inside, target, length))
+        if (length > 0 && !readChunk(partition, *chunk, inside, target, length))
             return false;
         target += length;
         size -= length;
@@ -108,7 +133,8 @@ bool UdifReader::read(const Partition &partition, quint64 offset, char *target, 
     return size == 0 || fail(corrupt);
 }
 
-bool UdifReader::readChunk(const Chunk &chunk, quint64 offset, char *target, qsizetype size)
+bool UdifReader::readChunk(const Partition &partition, const Chunk &chunk, quint64 offset, char *target,
+                           qsizetype size)
 {
     switch (chunk.kind) {
     case zeroChunk:
@@ -121,7 +147,7 @@ bool UdifReader::readChunk(const Chunk &chunk, quint64 offset, char *target, qsi
     case zlibChunk:
     case bzip2Chunk:
     case xzChunk:
-        if (!unpack(chunk))
+        if (!unpack(partition, chunk))
             return false;
         std::memcpy(target, m_unpacked.constData() + offset, std::size_t(size));
         return true;
@@ -130,67 +156,78 @@ bool UdifReader::readChunk(const Chunk &chunk, quint64 offset, char *target, qsi
     }
 }
 
-bool UdifReader::unpack(const Chunk &chunk)
+/// What is asked for in order is unpacked ahead on all cores; what is not is unpacked alone.
+bool UdifReader::unpack(const Partition &partition, const Chunk &chunk)
 {
     if (m_unpackedChunk == &chunk)
         return true;
     if (chunk.sectorCount > longestChunk / sectorSize || chunk.length > 2 * longestChunk)
         return fail(corrupt);
+    const bool isInOrder =
+        m_unpackedChunk != nullptr && m_unpackedChunk < &chunk && &chunk <= m_unpackedChunk + 2;
+    const bool isUnderWay = std::find(m_ahead.begin(), m_ahead.end(), &chunk) != m_ahead.end();
+    if (!m_work)
+        m_work = std::make_unique<OrderedWork<Unpacked>>(mostReaders);
+    if (!isUnderWay) {
+        while (!m_ahead.empty())
+            (void)takeUpTo(*m_ahead.back());
+        give(chunk);
+    }
+    if (isInOrder || isUnderWay)
+        unpackAhead(partition);
+    return takeUpTo(chunk);
+}
+
+void UdifReader::unpackAhead(const Partition &partition)
+{
+    constexpr quint64 mostBytes = 24 << 20;
+    const Chunk *const end = partition.chunks.data() + partition.chunks.size();
+    for (const Chunk *next = m_ahead.back() + 1; next < end && !m_work->isFull(); ++next) {
+        if (!canUnpack(next->kind))
+            continue;
+        if (next->sectorCount > longestChunk / sectorSize || next->length > 2 * longestChunk
+            || m_aheadSize + next->sectorCount * sectorSize > mostBytes)
+            return;
+        give(*next);
+    }
+}
+
+void UdifReader::give(const Chunk &chunk)
+{
+    m_ahead.push_back(&chunk);
+    m_aheadSize += chunk.sectorCount * sectorSize;
+    m_work->give([file = m_file.descriptor(), dataOffset = m_trailer.dataOffset, chunk] {
+        return unpackedFrom(file, dataOffset, chunk);
+    });
+}
+
+/// Takes the results up to that of a chunk, which becomes the one that is at hand.
+bool UdifReader::takeUpTo(const Chunk &chunk)
+{
     m_unpackedChunk = nullptr;
-    QByteArray stored(qsizetype(chunk.length), Qt::Uninitialized);
-    if (!readStored(m_trailer.dataOffset + chunk.offset, stored.data(), stored.size()))
-        return false;
-    auto unpacked = unpackedChunk(chunk.kind, stored, qsizetype(chunk.sectorCount * sectorSize));
-    if (!unpacked)
-        return fail(corrupt);
-    m_unpacked = std::move(*unpacked);
+    for (bool isTaken = false; !isTaken;) {
+        isTaken = m_ahead.front() == &chunk;
+        m_aheadSize -= m_ahead.front()->sectorCount * sectorSize;
+        m_ahead.pop_front();
+        Unpacked unpacked = m_work->take();
+        if (!isTaken)
+            continue;
+        if (!unpacked)
+            return fail(corrupt);
+        m_unpacked = std::move(*unpacked);
+    }
     m_unpackedChunk = &chunk;
     return true;
 }
 
-bool UdifReader::verify()
+/// A chunk whose bytes are not all in the file is as damaged as one that cannot be unpacked.
+UdifReader::Unpacked UdifReader::unpackedFrom(int file, quint64 dataOffset, const Chunk &chunk)
 {
-    if (!m_error.empty())
-        return false;
-    if (m_trailer.masterChecksum.kind == crc32Kind
-        && m_trailer.masterChecksum.value != masterChecksum(m_partitions))
-        return fail(corrupt);
-    return verifyStored()
-        && std::all_of(m_partitions.begin(), m_partitions.end(),
-                       [this](const Partition &partition) { return verifyPartition(partition); });
-}
-
-bool UdifReader::verifyStored()
-{
-    if (m_trailer.dataChecksum.kind != crc32Kind)
-        return true;
-    QByteArray piece(pieceSize, Qt::Uninitialized);
-    quint32 value = 0;
-    for (quint64 done = 0; done < m_trailer.dataLength;) {
-        const auto length = qsizetype(std::min(m_trailer.dataLength - done, quint64(pieceSize)));
-        if (!readStored(m_trailer.dataOffset + done, piece.data(), length))
-            return false;
-        value = crc(value, piece, length);
-        done += quint64(length);
-    }
-    return value == m_trailer.dataChecksum.value || fail(corrupt);
-}
-
-bool UdifReader::verifyPartition(const Partition &partition)
-{
-    if (partition.checksum.kind != crc32Kind)
-        return true;
-    QByteArray piece(pieceSize, Qt::Uninitialized);
-    const quint64 size = partition.sectorCount * sectorSize;
-    quint32 value = 0;
-    for (quint64 done = 0; done < size;) {
-        const auto length = qsizetype(std::min(size - done, quint64(pieceSize)));
-        if (!read(partition, done, piece.data(), length))
-            return false;
-        value = crc(value, piece, length);
-        done += quint64(length);
-    }
-    return value == partition.checksum.value || fail(corrupt);
+    const auto size = qsizetype(chunk.sectorCount * sectorSize);
+    QByteArray stored(chunk.kind == rawChunk ? size : qsizetype(chunk.length), Qt::Uninitialized);
+    if (!readFully(file, dataOffset + chunk.offset, stored.data(), stored.size()))
+        return {};
+    return chunk.kind == rawChunk ? stored : unpackedChunk(chunk.kind, stored, size);
 }
 
 } // namespace toolchain

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "formats/bytestreams.h"
+#include "platform/result.h"
+
+#include <QString>
+
+#include <memory>
+
+/// Formats that this toolchain does not read itself, by the program 7z where it is installed.
+namespace toolchain {
+
+/// A file without a name that goes when this does, in the folder for large temporary files (TMPDIR, else
+/// /var/tmp). What is zero takes no room in it.
+class ScratchFile {
+public:
+    ScratchFile();
+    ~ScratchFile();
+    ScratchFile(const ScratchFile &) = delete;
+    ScratchFile &operator=(const ScratchFile &) = delete;
+
+    /// Open for reading and writing; below 0 if there is none.
+    [[nodiscard]] int descriptor() const { return m_descriptor; }
+
+    /// Adds bytes at the end. False, with errno telling why, if that fails.
+    [[nodiscard]] bool append(QByteArrayView bytes);
+
+    /// A path under which other programs can read the file as long as this lives.
+    [[nodiscard]] QString path() const;
+
+private:
+    const int m_descriptor;
+    quint64 m_size = 0;
+};
+
+namespace sevenzip {
+
+/// The bytes of all partitions of a disk image, one after the other, of which there are `size`.
+[[nodiscard]] platform::Result<std::shared_ptr<ScratchFile>> unpackDisk(const QString &image, quint64 size);
+
+/// The name of the one APFS volume in a file.
+[[nodiscard]] platform::Result<QString> apfsVolumeName(const QString &file);
+
+/// Copies what lies on the APFS volumes in a file into an empty folder. Answers what went wrong, or an empty
+/// text.
+[[nodiscard]] QString extractApfs(const QString &file, const QString &folder);
+
+} // namespace sevenzip
+
+} // namespace toolchain
