@@ -164,7 +164,10 @@ TEST_F(Identities, securityRefusesItsOtherCommands)
     const ToolResult result = run(security, {u"delete-keychain"_s});
     EXPECT_EQ(result.status, 2);
     EXPECT_TRUE(result.error.contains(u"unknown command \"delete-keychain\""_s));
-    EXPECT_EQ(find({u"-p"_s, u"eap"_s}).status, 64);
+    EXPECT_EQ(find({u"-p"_s, u"eap"_s}).status, 2);
+    const ToolResult option = run(security, {u"find-identity"_s, u"--wild"_s});
+    EXPECT_EQ(option.status, 2);
+    EXPECT_TRUE(option.error.contains(u"--wild"_s));
 }
 
 TEST_F(Identities, passwordItemsLieEncryptedAndAreTheirOwnersAlone)
@@ -180,6 +183,41 @@ TEST_F(Identities, anEmptyPasswordIsNotKept)
 {
     EXPECT_EQ(run(keychain, {u"add-password"_s, u"item"_s}, "\n").status, 1);
     EXPECT_FALSE(QFileInfo::exists(statePath(u"keychain/vault/vault.json"_s)));
+}
+
+TEST_F(Identities, thatAreNotTrustedAreMarkedAndNotValid)
+{
+    plantPlain(u"keychain/plain.pem"_s, u"keychain/signing.key"_s);
+    const QString listing = run(security, {u"find-identity"_s}).output;
+    EXPECT_TRUE(listing.startsWith(u"Policy: X.509 Basic\n  Matching identities\n  1) "_s))
+        << listing.toStdString();
+    EXPECT_TRUE(listing.contains(u"\"Plain Corp\" (CSSMERR_TP_NOT_TRUSTED)\n     1 identities found\n"_s));
+    EXPECT_TRUE(listing.endsWith(u"  Valid identities only\n     0 valid identities found\n"_s));
+}
+
+TEST_F(Identities, ofThisMachineHaveApplesExtensions)
+{
+    makeIdentity();
+    const QString text = run(u"openssl"_s, {u"x509"_s, u"-in"_s, pemPath(), u"-noout"_s, u"-text"_s}).output;
+    EXPECT_TRUE(text.contains(QRegularExpression(u"Extended Key Usage: critical\\s+Code Signing"_s)));
+    EXPECT_TRUE(text.contains(u"1.2.840.113635.100.6.1.13: critical"_s));
+    EXPECT_TRUE(text.contains(u"OU = A1B2C3D4E5, O = Example Corp"_s));
+    const QString above = run(u"openssl"_s,
+                              {u"x509"_s, u"-in"_s, statePath(u"keychain/authority/developer-id.pem"_s),
+                               u"-noout"_s, u"-text"_s})
+                              .output;
+    EXPECT_TRUE(above.contains(u"1.2.840.113635.100.6.2.6: \n"_s)) << above.toStdString();
+}
+
+TEST_F(Identities, opensslFollowsTheirChain)
+{
+    makeIdentity();
+    EXPECT_EQ(
+        run(u"openssl"_s,
+            {u"verify"_s, u"-ignore_critical"_s, u"-CAfile"_s, statePath(u"keychain/authority/root.pem"_s),
+             u"-untrusted"_s, statePath(u"keychain/authority/developer-id.pem"_s), pemPath()})
+            .status,
+        0);
 }
 
 TEST_F(Identities, theKeychainTellsWhereItIs)

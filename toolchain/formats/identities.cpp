@@ -109,6 +109,13 @@ std::optional<Identity> readCertificate(const QByteArray &certificate)
     return x509 ? std::optional(identityFrom(x509.get())) : std::nullopt;
 }
 
+bool satisfiesCodeSigningPolicy(const Identity &identity)
+{
+    const Certificate above = certificateFrom(identity.trust.chain.value(1));
+    const bool isDeveloperId = above && hasExtension(above.get(), "1.2.840.113635.100.6.2.6");
+    return identity.canSignCode && (!isDeveloperId || isDeveloperIdForCode(identity.trust.chain));
+}
+
 IdentityChoice chooseIdentity(const QString &folder, const QString &wanted, IdentityKind kind)
 {
     QList<Identity> matches;

@@ -38,6 +38,11 @@ enum class IdentityKind {
 /// What a certificate says, given in DER form, without its trust; nothing if it cannot be read.
 [[nodiscard]] std::optional<Identity> readCertificate(const QByteArray &certificate);
 
+/// Apple's policy for code, as find-identity applies it, apart from dates and anchor: code signing as the
+/// purpose, and where the chain has one of Apple's markers for developers, the marker that belongs to it in
+/// the leaf.
+[[nodiscard]] bool satisfiesCodeSigningPolicy(const Identity &identity);
+
 struct IdentityChoice {
     std::optional<Identity> identity;
     QString problem; ///< why there is none; empty if there is

@@ -8,6 +8,7 @@
 
 using namespace Qt::StringLiterals;
 using platform::Outcome;
+using platform::Result;
 
 namespace toolchain {
 
@@ -48,6 +49,47 @@ QString storePassword(const QString &name, const QByteArray &password)
     if (changed)
         QFile::remove(plainPath(name));
     return changed.error();
+}
+
+Result<std::optional<PasswordItem>> findPassword(const QString &item, const QString &account)
+{
+    auto secrets = Vault(keychainFolder()).read();
+    if (!secrets)
+        return secrets.failure();
+    if (const PasswordItem *found = secrets->find(item, account))
+        return std::optional(*found);
+    const auto plain = account.isNull() ? readPlainPassword(item) : std::nullopt;
+    return plain ? std::optional(PasswordItem{item, {}, *plain}) : std::optional<PasswordItem>();
+}
+
+Result<PasswordAddition> addPassword(const PasswordItem &item, ExistingPassword existing)
+{
+    PasswordAddition addition = PasswordAddition::Added;
+    const Outcome changed = Vault(keychainFolder()).change([&](VaultSecrets &secrets) {
+        PasswordItem *same = secrets.find(item.item, item.account.isNull() ? u""_s : item.account);
+        if (!same)
+            secrets.passwords.append(item);
+        else if (existing == ExistingPassword::Updated)
+            same->password = item.password;
+        if (same)
+            addition =
+                existing == ExistingPassword::Updated ? PasswordAddition::Updated : PasswordAddition::Refused;
+        return Outcome::success();
+    });
+    return changed ? Result<PasswordAddition>(addition) : changed.failure();
+}
+
+Result<bool> removePassword(const QString &item, const QString &account)
+{
+    bool wasThere = account.isNull() && QFile::remove(plainPath(item));
+    const Outcome changed = Vault(keychainFolder()).change([&](VaultSecrets &secrets) {
+        if (const PasswordItem *found = secrets.find(item, account)) {
+            secrets.passwords.removeAt(found - secrets.passwords.constData());
+            wasThere = true;
+        }
+        return Outcome::success();
+    });
+    return changed ? Result<bool>(wasThere) : changed.failure();
 }
 
 } // namespace toolchain

@@ -5,6 +5,9 @@
 
 #include <optional>
 
+#include "formats/keychain/vaultsecrets.h"
+#include "platform/result.h"
+
 namespace toolchain {
 
 /// The password kept in the keychain's vault under a name; nothing if there is no such item, or the vault is
@@ -14,5 +17,23 @@ namespace toolchain {
 /// Keeps a password under a name in the keychain's vault, encrypted; an item of that name is replaced.
 /// Answers what went wrong, or an empty text.
 [[nodiscard]] QString storePassword(const QString &name, const QByteArray &password);
+
+/// An item by its name, and by its account if that is not null; no item is not a failure, a locked vault is
+/// one.
+[[nodiscard]] platform::Result<std::optional<PasswordItem>> findPassword(const QString &item,
+                                                                         const QString &account);
+
+enum class PasswordAddition {
+    Added,
+    Updated,
+    Refused ///< there is an item of this name and account, and it was not to be updated
+};
+enum class ExistingPassword { Kept, Updated };
+
+[[nodiscard]] platform::Result<PasswordAddition> addPassword(const PasswordItem &item,
+                                                             ExistingPassword existing);
+
+/// Answers whether there was one.
+[[nodiscard]] platform::Result<bool> removePassword(const QString &item, const QString &account);
 
 } // namespace toolchain

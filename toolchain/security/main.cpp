@@ -1,7 +1,7 @@
-#include "formats/identities.h"
-#include "formats/statefolder.h"
-#include "support/arguments.h"
+#include "security/commands.h"
 #include "support/console.h"
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 using namespace toolchain;
@@ -9,76 +9,106 @@ using namespace toolchain;
 namespace {
 
 constexpr std::string_view usage = R"(Usage: security find-identity [-v] [-p codesigning | -p basic]
+       security import FILE [--passphrase-file FILE|-]
+       security delete-identity -Z SHA1 | -c NAME
+       security add-generic-password -s ITEM [-a ACCOUNT] [-U]
+       security find-generic-password -s ITEM [-a ACCOUNT] [-w]
+       security delete-generic-password -s ITEM [-a ACCOUNT]
        security --help
 
-Lists the identities of the keychain folder: the certificates whose private key lies there too. See
-sealwright-keychain, which makes such identities and tells where the folder is.
+Works with the identities and passwords of the keychain folder. See sealwright-keychain, which makes identities of this
+machine's own authority, protects the keychain, and tells where it is.
 
-  -v               only those that are valid today
-  -p codesigning   only those that may sign code
-  -p basic         all kinds, as without -p
-  -h, --help       print this text
+  find-identity            list the certificates whose private key is there
+    -v                     only those that are good: within their dates, and with a chain up to Apple's root or to the
+                           authority of this machine
+    -p codesigning         only those that may sign code
+    -p basic               all kinds, as without -p
+  import                   take certificates and keys from PKCS#12, PEM or DER. The passphrase is the first line of the
+                           file, or of standard input for "-"; else it is asked for at the terminal
+  delete-identity          remove a certificate and its private key: -Z by its SHA-1, -c by its name or a part of it
+  add-generic-password     keep a password, which comes from standard input; -U replaces one that is there
+  find-generic-password    tell of an item; with -w print its password and nothing else
+  delete-generic-password  remove an item
+  -h, --help               print this text
 
-No other command of the real program is built in. No certificate chain is checked: whatever lies in the
-folder is listed under the name that it bears.
+Secrets are never taken from the command line. Exit status: 0 done, 2 an option or command that is not built in,
+36 the keychain is locked, 44 no such item, 45 there is such an item already, 64 wrong use, 1 anything else.
 )";
 
-constexpr int unknownCommandStatus = 2;
+struct Command {
+    std::string name;
+    int (*run)(const ParsedArguments &);
+    std::vector<Option> options;
+    std::size_t operands = 0;
+};
 
-enum class Purpose { Any, CodeSigning };
+const std::vector<Option> itemOptions{{{"-s"}, OptionValue::Required}, {{"-a"}, OptionValue::Required}};
 
-QList<Identity> matching(const QList<Identity> &identities, Purpose purpose, bool onlyValid)
+std::vector<Option> itemOptionsAnd(const Option &option)
 {
-    QList<Identity> matches;
-    for (const Identity &identity : identities) {
-        const bool fitsPurpose = purpose == Purpose::Any || identity.canSignCode;
-        if (fitsPurpose && (identity.isValidNow || !onlyValid))
-            matches.append(identity);
-    }
-    return matches;
+    std::vector<Option> options = itemOptions;
+    options.push_back(option);
+    return options;
 }
 
-QString listing(const QList<Identity> &identities, bool onlyValid)
-{
-    QString text;
-    for (qsizetype index = 0; index < identities.size(); ++index) {
-        const Identity &identity = identities[index];
-        text += u"%1) %2 \"%3\"\n"_s.arg(index + 1, 3).arg(identity.sha1, identity.commonName);
-    }
-    return text
-        + u"     %1 %2identities found\n"_s.arg(identities.size()).arg(onlyValid ? u"valid "_s : QString());
-}
+const std::vector<Command> commands{
+    {"find-identity", security::findIdentity, {{{"-v"}}, {{"-p"}, OptionValue::Required}}},
+    {"import", security::import, {{{"--passphrase-file"}, OptionValue::Required}}, 1},
+    {"delete-identity",
+     security::deleteIdentity,
+     {{{"-Z"}, OptionValue::Required}, {{"-c"}, OptionValue::Required}}},
+    {"add-generic-password", security::addGenericPassword, itemOptionsAnd({{"-U"}})},
+    {"find-generic-password", security::findGenericPassword, itemOptionsAnd({{"-w"}})},
+    {"delete-generic-password", security::deleteGenericPassword, itemOptions},
+};
 
-int findIdentity(const ParsedArguments &arguments)
+int runCommand(const Command &command, const std::vector<std::string> &words)
 {
-    const std::string policy = arguments.value("-p");
-    if (arguments.has("-p") && policy != "codesigning" && policy != "basic")
-        return refuseArguments("security", "no policy '" + policy + "' is built in", usage);
-    const IdentityList list = readIdentities(keychainFolder());
-    for (const QString &warning : list.warnings)
-        printError("security: warning: " + warning.toStdString() + "\n");
-    const bool onlyValid = arguments.has("-v");
-    const Purpose purpose = policy == "codesigning" ? Purpose::CodeSigning : Purpose::Any;
-    print(listing(matching(list.identities, purpose, onlyValid), onlyValid).toStdString());
-    return 0;
+    const auto arguments = parseArguments(words, command.options);
+    if (!arguments.error.empty()) {
+        const bool isUnknown = arguments.error.starts_with("unrecognized");
+        return security::refuse(command.name + ": " + arguments.error,
+                                isUnknown ? notBuiltStatus : usageStatus);
+    }
+    if (arguments.operands.size() == command.operands)
+        return command.run(arguments);
+    return security::refuse(command.name + (command.operands == 0 ? ": takes no file" : ": takes one file"),
+                            usageStatus);
 }
 
 } // namespace
 
+namespace toolchain::security {
+
+int fail(const QString &message, int status)
+{
+    printError("security: " + message.toStdString() + "\n");
+    return status;
+}
+
+int refuse(std::string_view complaint, int status)
+{
+    return refuseArguments("security", complaint, usage, status);
+}
+
+} // namespace toolchain::security
+
 int main(int argc, char **argv)
 {
-    const auto arguments =
-        parseArguments(wordsOf(argc, argv), {{{"-v"}}, {{"-p"}, OptionValue::Required}, {{"-h", "--help"}}});
-    if (!arguments.error.empty())
-        return refuseArguments("security", arguments.error, usage);
-    if (arguments.has("-h")) {
+    const auto words = wordsOf(argc, argv);
+    const std::string name = words.empty() ? "" : words.front();
+    const bool wantsHelp = std::any_of(
+        words.begin(), words.end(), [](const std::string &word) { return word == "-h" || word == "--help"; });
+    if (wantsHelp) {
         print(usage);
         return 0;
     }
-    if (arguments.operands != std::vector<std::string>{"find-identity"}) {
-        const std::string command = arguments.operands.empty() ? "" : arguments.operands.back();
-        static_cast<void>(refuseArguments("security", "unknown command \"" + command + "\"", usage));
-        return unknownCommandStatus;
+    for (const Command &command : commands) {
+        if (command.name == name)
+            return runCommand(command, {words.begin() + 1, words.end()});
     }
-    return findIdentity(arguments);
+    return security::refuse(name.starts_with('-') ? "unrecognized option '" + name + "'"
+                                                  : "unknown command \"" + name + "\"",
+                            notBuiltStatus);
 }

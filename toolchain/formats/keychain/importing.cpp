@@ -1,0 +1,101 @@
+#include "formats/keychain/importing.h"
+
+#include <openssl/err.h>
+#include <openssl/pem.h>
+
+#include "formats/certificatefile.h"
+#include "formats/cryptography.h"
+#include "formats/keychain/stretching.h"
+
+using namespace Qt::StringLiterals;
+using platform::Error;
+using platform::Result;
+
+namespace toolchain {
+
+namespace {
+
+constexpr qsizetype mostBytes = 16 << 20;
+constexpr qsizetype mostItems = 1000;
+
+/// Where libcrypto's question for a passphrase leads, and what came of it.
+struct Asking {
+    const PassphraseSource &source;
+    QString problem;
+};
+
+int answerFor(char *buffer, int size, int, void *asking)
+{
+    auto *state = static_cast<Asking *>(asking);
+    const auto passphrase = state->source();
+    if (!passphrase || passphrase->size() > size) {
+        state->problem = passphrase ? u"the passphrase is too long"_s : passphrase.error();
+        return -1;
+    }
+    std::copy(passphrase->begin(), passphrase->end(), buffer);
+    return static_cast<int>(passphrase->size());
+}
+
+/// True if the reading stopped only because there is nothing more.
+bool isAtTheEnd()
+{
+    const bool isEnd = ERR_GET_REASON(ERR_peek_last_error()) == PEM_R_NO_START_LINE;
+    ERR_clear_error();
+    return isEnd;
+}
+
+Result<ImportedItems> readPem(const QByteArray &bytes, const PassphraseSource &passphrase)
+{
+    ImportedItems items{certificatesInPem(bytes), {}};
+    Asking asking{passphrase, {}};
+    const MemoryFile memory = memoryOver(bytes);
+    while (items.keys.size() < mostItems) {
+        const Key key(PEM_read_bio_PrivateKey(memory.get(), nullptr, answerFor, &asking));
+        if (!key)
+            break;
+        items.keys.append(derOf(key.get()));
+    }
+    if (isAtTheEnd())
+        return items;
+    return Error{asking.problem.isEmpty() ? u"a key in it cannot be read, or the passphrase is wrong"_s
+                                          : asking.problem};
+}
+
+/// A PEM file may ask for stretching by its own numbers, as PKCS #12 may.
+bool isBearablePem(const QByteArray &bytes)
+{
+    const MemoryFile memory = memoryOver(bytes);
+    bool isBearable = true;
+    char *name = nullptr;
+    char *header = nullptr;
+    unsigned char *data = nullptr;
+    long length = 0;
+    while (PEM_read_bio(memory.get(), &name, &header, &data, &length) == 1) {
+        const QByteArray der(reinterpret_cast<char *>(data), static_cast<qsizetype>(length));
+        if (qstrcmp(name, PEM_STRING_PKCS8) == 0)
+            isBearable = isBearable && isBearableKey(der);
+        OPENSSL_free(name);
+        OPENSSL_free(header);
+        OPENSSL_free(data);
+    }
+    ERR_clear_error();
+    return isBearable;
+}
+
+} // namespace
+
+Result<ImportedItems> readImport(const QByteArray &bytes, const PassphraseSource &passphrase)
+{
+    if (bytes.size() > mostBytes)
+        return Error{u"the file is too large for certificates and keys"_s};
+    if (bytes.contains("-----BEGIN "))
+        return isBearablePem(bytes) ? readPem(bytes, passphrase)
+                                    : Error{u"its passphrase would be stretched without end"_s};
+    if (const Certificate certificate = certificateFrom(bytes))
+        return ImportedItems{{bytes}, {}};
+    if (const Key key = keyFrom(bytes))
+        return ImportedItems{{}, {derOf(key.get())}};
+    return readPkcs12(bytes, passphrase);
+}
+
+} // namespace toolchain
