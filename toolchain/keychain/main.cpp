@@ -2,6 +2,7 @@
 #include "formats/passwords.h"
 #include "formats/statefolder.h"
 #include "keychain/notarycommands.h"
+#include "keychain/vaultcommands.h"
 #include "support/arguments.h"
 #include "support/console.h"
 
@@ -20,16 +21,16 @@ constexpr std::string_view usage =
        sealwright-keychain path
        sealwright-keychain --help
 
-Fills the keychain folder that this toolchain's security, codesign and altool read.
+Keeps the keychain that this toolchain's security, codesign and altool read.
 
-  make-identity   make a self-signed certificate and its key. NAME is the holder with the team identifier
-                  in parentheses, such as Example Corp (A1B2C3D4E5). The certificate is then called
-                  Developer ID Application: NAME, or Developer ID Installer: NAME. Does nothing if that
-                  identity is there already.
+  make-identity   have the authority of this machine make a key and a certificate with Apple's extensions for
+                  Developer ID. NAME is the holder with the team identifier in parentheses, such as
+                  Example Corp (A1B2C3D4E5). The certificate is then called Developer ID Application: NAME, or
+                  Developer ID Installer: NAME. Does nothing if that identity is there already.
   add-password    keep the first line of standard input under the name ITEM
   path            print where the folder is
 
-Such an identity is for trying things out. Nobody but this toolchain trusts it.
+Nobody but this toolchain on this machine trusts such an identity, and every answer about it says so.
 )";
 
 /// A certificate's common name holds 64 characters at most (X.520, ub-common-name).
@@ -123,6 +124,8 @@ int run(const ParsedArguments &arguments)
     const auto notaryStatus = runNotaryCommand(arguments);
     if (notaryStatus)
         return *notaryStatus;
+    if (const auto vaultStatus = runVaultCommand(arguments))
+        return *vaultStatus;
     const bool isMaking = command == "make-identity";
     if (!isMaking && (arguments.has("--name") || arguments.has("--kind")))
         return refuseArguments("sealwright-keychain", "--name and --kind belong to make-identity", usage);
@@ -146,11 +149,14 @@ int main(int argc, char **argv)
         {{"--name"}, OptionValue::Required}, {{"--kind"}, OptionValue::Required}, {{"-h", "--help"}}};
     for (const Option &option : notaryOptions())
         options.push_back(option);
+    for (const Option &option : vaultOptions())
+        options.push_back(option);
     const auto arguments = parseArguments(wordsOf(argc, argv), options);
     if (!arguments.error.empty())
         return refuseArguments("sealwright-keychain", arguments.error, usage);
     if (arguments.has("-h")) {
         print(usage);
+        print("\n" + std::string(vaultUsage()) + "\n" + std::string(vaultDetails()));
         print("\n" + std::string(notaryUsage()) + "\n" + std::string(notaryDetails()));
         return 0;
     }
