@@ -46,6 +46,8 @@ protected:
         return run(security, QStringList{command + u"-generic-password"_s, u"-s"_s, u"item"_s} + more, input);
     }
 
+    void keepPassword() const { ASSERT_EQ(password(u"add"_s, {u"-U"_s}, "secret\n").status, 0); }
+
     /// Makes a certificate and its key by a program that is not ours, and PKCS#12 files of them.
     void makePkcs12(const QString &name, const QStringList &options) const
     {
@@ -101,7 +103,7 @@ TEST_F(Keychain, unlockMakesOneUnderThePassphrase)
 
 TEST_F(Keychain, aLockedOneGivesNothingUntilItIsUnlocked)
 {
-    storePassword();
+    keepPassword();
     ASSERT_EQ(vaultWith(u"set-passphrase"_s, u"right"_s).status, 0);
     EXPECT_EQ(password(u"find"_s, {u"-w"_s}).output, u"secret\n"_s);
     ASSERT_EQ(vault({u"lock"_s}).status, 0);
@@ -132,7 +134,7 @@ TEST_F(Keychain, aLockedOneSignsNothing)
 
 TEST_F(Keychain, anUnlockedOneIsLockedWhenTheSessionEnds)
 {
-    storePassword();
+    keepPassword();
     ASSERT_EQ(vaultWith(u"set-passphrase"_s, u"right"_s).status, 0);
     QTemporaryDir otherSession;
     qputenv("XDG_RUNTIME_DIR", otherSession.path().toUtf8());
@@ -160,7 +162,7 @@ TEST_F(Keychain, withoutAPassphraseItCannotBeLocked)
 
 TEST_F(Keychain, aNewPassphraseHasEverythingEncryptedAnew)
 {
-    storePassword();
+    keepPassword();
     const QByteArray before = vaultFile();
     ASSERT_EQ(vaultWith(u"set-passphrase"_s, u"right"_s).status, 0);
     EXPECT_NE(vaultFile(), before);
@@ -169,7 +171,7 @@ TEST_F(Keychain, aNewPassphraseHasEverythingEncryptedAnew)
 
 TEST_F(Keychain, aChangedByteIsFound)
 {
-    storePassword();
+    keepPassword();
     QByteArray vaultBytes = vaultFile();
     const qsizetype at = vaultBytes.indexOf("\"sealed\"") + 40;
     vaultBytes[at] = vaultBytes[at] == 'A' ? 'B' : 'A';
@@ -205,7 +207,7 @@ TEST_F(Keychain, aPasswordThatIsNotThereIsStatus44)
 {
     EXPECT_EQ(password(u"find"_s, {u"-w"_s}).status, 44);
     EXPECT_EQ(password(u"delete"_s).status, 44);
-    storePassword();
+    keepPassword();
     EXPECT_EQ(password(u"find"_s, {u"-a"_s, u"nobody"_s}).status, 44);
     EXPECT_EQ(password(u"delete"_s).status, 0);
     EXPECT_TRUE(
@@ -224,7 +226,7 @@ TEST_F(Keychain, aPlainItemOfItsFirstFormIsStillRead)
     ASSERT_TRUE(QDir().mkpath(statePath(u"keychain/passwords"_s)));
     writeFile(statePath(u"keychain/passwords/item.password"_s), "old");
     EXPECT_EQ(password(u"find"_s, {u"-w"_s}).output, u"old\n"_s);
-    storePassword();
+    keepPassword();
     EXPECT_FALSE(QFileInfo::exists(statePath(u"keychain/passwords/item.password"_s)));
 }
 

@@ -36,29 +36,36 @@ int answerFor(char *buffer, int size, int, void *asking)
     return static_cast<int>(passphrase->size());
 }
 
-/// True if the reading stopped only because there is nothing more.
-bool isAtTheEnd()
+/// The parts of a PEM file that hold private keys, each from its beginning to the next part.
+QList<QByteArray> keyBlocksIn(const QByteArray &bytes)
 {
-    const bool isEnd = ERR_GET_REASON(ERR_peek_last_error()) == PEM_R_NO_START_LINE;
-    ERR_clear_error();
-    return isEnd;
+    const QByteArray beginning = "-----BEGIN ";
+    QList<QByteArray> blocks;
+    for (qsizetype at = bytes.indexOf(beginning); at >= 0 && blocks.size() < mostItems;) {
+        const qsizetype next = bytes.indexOf(beginning, at + 1);
+        const QByteArray block = bytes.mid(at, next < 0 ? -1 : next - at);
+        if (block.left(block.indexOf('\n')).contains("PRIVATE KEY-----"))
+            blocks.append(block);
+        at = next;
+    }
+    return blocks;
 }
 
 Result<ImportedItems> readPem(const QByteArray &bytes, const PassphraseSource &passphrase)
 {
     ImportedItems items{certificatesInPem(bytes), {}};
     Asking asking{passphrase, {}};
-    const MemoryFile memory = memoryOver(bytes);
-    while (items.keys.size() < mostItems) {
+    for (const QByteArray &block : keyBlocksIn(bytes)) {
+        const MemoryFile memory = memoryOver(block);
         const Key key(PEM_read_bio_PrivateKey(memory.get(), nullptr, answerFor, &asking));
+        ERR_clear_error();
         if (!key)
-            break;
+            return Error{asking.problem.isEmpty()
+                             ? u"a key in it cannot be read, or the passphrase is wrong"_s
+                             : asking.problem};
         items.keys.append(derOf(key.get()));
     }
-    if (isAtTheEnd())
-        return items;
-    return Error{asking.problem.isEmpty() ? u"a key in it cannot be read, or the passphrase is wrong"_s
-                                          : asking.problem};
+    return items;
 }
 
 /// A PEM file may ask for stretching by its own numbers, as PKCS #12 may.
