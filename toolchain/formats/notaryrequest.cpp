@@ -24,7 +24,8 @@ QJsonArray issuesForm(const NotaryRequest &request)
         form.append(QJsonObject{{u"path"_s, issue.path},
                                 {u"message"_s, issue.message},
                                 {u"severity"_s, issue.severity},
-                                {u"architecture"_s, issue.architecture}});
+                                {u"architecture"_s, issue.architecture},
+                                {u"docUrl"_s, issue.docUrl}});
     return form;
 }
 
@@ -33,7 +34,8 @@ QList<NotaryIssue> issuesFrom(const QJsonArray &form)
     QList<NotaryIssue> issues;
     for (const QJsonValue &issue : form)
         issues.append({issue[u"path"].toString(), issue[u"message"].toString(),
-                       issue[u"severity"].toString(u"error"_s), issue[u"architecture"].toString()});
+                       issue[u"severity"].toString(u"error"_s), issue[u"architecture"].toString(),
+                       issue[u"docUrl"].toString()});
     return issues;
 }
 
@@ -114,7 +116,7 @@ QJsonValue logIssues(const NotaryRequest &request)
                                    {u"code"_s, QJsonValue::Null},
                                    {u"path"_s, issue.path},
                                    {u"message"_s, issue.message},
-                                   {u"docUrl"_s, QJsonValue::Null},
+                                   {u"docUrl"_s, orNull(issue.docUrl)},
                                    {u"architecture"_s, orNull(issue.architecture)}});
     }
     return entries;

@@ -15,6 +15,7 @@ struct NotaryIssue {
     QString message;
     QString severity = QStringLiteral("error"); ///< or "warning", which refuses nothing
     QString architecture = {}; ///< "x86_64", "arm64"; empty where the issue is of no one architecture
+    QString docUrl = {}; ///< empty if there is none
 };
 
 enum class Verdict { InProgress, Success, Invalid };

@@ -39,7 +39,7 @@ std::unique_ptr<Handler> Service::handlerFor(const Request &request)
     if (path == ticketLookupPath)
         return ticketHandler(*this, request);
     if (path == "/timestamp")
-        return timestampHandler(request);
+        return timestampHandler(*this, request);
     if (path.startsWith("/control/") && m_facts.hasControl)
         return controlHandler(*this, request);
     return answering(statusReply(404));
@@ -56,11 +56,6 @@ qint64 Service::countQuestion(const QString &kind, const QString &thing)
 {
     const std::scoped_lock lock(m_recordMutex);
     return ++m_questions[kind + u' ' + thing];
-}
-
-QByteArray Service::ticketOf(const NotaryRequest &)
-{
-    return {};
 }
 
 void Service::record(const Request &request, int status)

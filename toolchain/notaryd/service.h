@@ -2,6 +2,7 @@
 
 #include "notaryd/faults.h"
 #include "notaryd/submissions.h"
+#include "notaryd/vouching.h"
 
 #include <QJsonArray>
 
@@ -38,8 +39,7 @@ public:
     /// How often this has been asked about a thing, this time included.
     [[nodiscard]] qint64 countQuestion(const QString &kind, const QString &thing);
 
-    /// The ticket of an approval; empty if there is none.
-    [[nodiscard]] QByteArray ticketOf(const NotaryRequest &request);
+    [[nodiscard]] Vouching &vouching() { return m_vouching; }
 
     /// Keeps what has been asked, without its query and its headers; the oldest go first.
     void record(const Request &request, int status);
@@ -52,6 +52,7 @@ public:
 private:
     ServiceFacts m_facts;
     Faults m_faults;
+    Vouching m_vouching;
     Submissions m_submissions;
     std::mutex m_recordMutex;
     QHash<QString, qint64> m_questions;

@@ -68,7 +68,7 @@ QJsonObject lookUp(Service &service, const Request &request, const QString &name
         const qint64 age = candidate.decided.secsTo(QDateTime::currentDateTimeUtc());
         if (late && double(age) < late->number(0))
             continue;
-        const QByteArray ticket = service.ticketOf(candidate);
+        const QByteArray ticket = service.vouching().ticketOf(candidate);
         if (!ticket.isEmpty())
             return found(name, candidate, ticket);
     }
@@ -87,6 +87,17 @@ Response answer(Service &service, const Request &request, const QByteArray &body
     return jsonReply({{u"records"_s, answers}});
 }
 
+Response stamp(Service &service, const Request &request, const QByteArray &body)
+{
+    if (request.method != "POST" || request.headers.value("content-type") != "application/timestamp-query")
+        return statusReply(400);
+    const qint64 ahead = QDateTime::currentDateTimeUtc().secsTo(service.now(request));
+    const QByteArray reply = service.vouching().timestamp(body, std::chrono::seconds(ahead));
+    if (reply.isEmpty())
+        return statusReply(503);
+    return {.status = 200, .body = reply, .type = "application/timestamp-reply", .headers = {}};
+}
+
 } // namespace
 
 std::unique_ptr<Handler> ticketHandler(Service &service, const Request &request)
@@ -95,9 +106,10 @@ std::unique_ptr<Handler> ticketHandler(Service &service, const Request &request)
         [&service, request](const QByteArray &body) { return answer(service, request, body); });
 }
 
-std::unique_ptr<Handler> timestampHandler(const Request &)
+std::unique_ptr<Handler> timestampHandler(Service &service, const Request &request)
 {
-    return std::make_unique<WholeBodyHandler>([](const QByteArray &) { return statusReply(503); });
+    return std::make_unique<WholeBodyHandler>(
+        [&service, request](const QByteArray &body) { return stamp(service, request, body); });
 }
 
 } // namespace notaryd

@@ -12,6 +12,6 @@ inline const QByteArray ticketLookupPath =
 [[nodiscard]] std::unique_ptr<Handler> ticketHandler(Service &service, const Request &request);
 
 /// The time-stamp authority of this machine (RFC 3161, section 3.4).
-[[nodiscard]] std::unique_ptr<Handler> timestampHandler(const Request &request);
+[[nodiscard]] std::unique_ptr<Handler> timestampHandler(Service &service, const Request &request);
 
 } // namespace notaryd

@@ -3,6 +3,7 @@
 #include "notaryd/filedigest.h"
 
 #include "formats/notaryreview.h"
+#include "formats/review/review.h"
 
 using namespace Qt::StringLiterals;
 
@@ -22,9 +23,14 @@ void decide(toolchain::NotaryRequest &request, const QString &path)
             {request.archiveName, u"The file is no zip archive, no disk image and no installer package."_s});
         return;
     }
-    const toolchain::Review review = toolchain::reviewUpload(path, request.archiveName);
-    request.issues = review.issues;
-    request.sealDigests = review.sealDigests;
+    const auto review = toolchain::review::reviewItem(path, request.archiveName);
+    for (const auto &issue : review.issues)
+        request.issues.append({issue.path, issue.message, issue.severity, issue.architecture, issue.docUrl});
+    for (const auto &content : review.ticketContents)
+        request.ticketContents.append(
+            {content.path, content.hashType, content.cdHash.toHex(), content.architecture});
+    if (review.isAccepted())
+        request.sealDigests = toolchain::reviewUpload(path, request.archiveName).sealDigests;
 }
 
 } // namespace notaryd
