@@ -14,6 +14,7 @@ testPackages=(openssl zip unzip dmg2img libfshfs-utils p7zip-full systemd libgli
 formatPackages=(clang-format)
 lintPackages=(clang-tidy)
 fuzzPackages=(libclang-rt-14-dev)
+packagePackages=(dpkg-dev binutils xz-utils)
 
 # A system without a locale would have Qt warn, and file names lose their letters.
 [[ "${LC_ALL:-${LC_CTYPE:-${LANG-}}}" == *[Uu][Tt][Ff]* ]] || export LC_ALL=C.UTF-8
