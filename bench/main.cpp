@@ -26,6 +26,8 @@ constexpr Row table[] = {
     {"submission", rows::submissionOfManyItems},
     {"waiting", rows::waitingDocuments},
     {"scripted", rows::scriptedSubmissions},
+    {"seal", rows::bundleSeal},
+    {"package", rows::packageSigning},
 };
 
 /// Prints the figure; false if it is over its bar.

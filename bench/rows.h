@@ -15,5 +15,7 @@ namespace rows {
 [[nodiscard]] QList<Figure> submissionOfManyItems();
 [[nodiscard]] QList<Figure> waitingDocuments();
 [[nodiscard]] QList<Figure> scriptedSubmissions();
+[[nodiscard]] QList<Figure> bundleSeal();
+[[nodiscard]] QList<Figure> packageSigning();
 
 } // namespace rows
