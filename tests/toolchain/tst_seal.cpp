@@ -291,6 +291,20 @@ TEST_F(Seals, namesAreKeptByteForByteHoweverTheyAreComposed)
     EXPECT_EQ(lines(make()), QStringList());
 }
 
+TEST_F(Seals, aFoldersIconIsSealedUnderItsName)
+{
+    write(u"Resources/Icon\r"_s);
+    EXPECT_TRUE(make().contains("<key>Resources/Icon\r</key>"));
+    EXPECT_TRUE(parts().files2.contains("Resources/Icon\r"));
+    EXPECT_EQ(lines(make()), QStringList());
+}
+
+TEST_F(Seals, aNameThatNoPropertyListCanHoldIsRefused)
+{
+    write(u"Resources/a\u0001"_s);
+    EXPECT_TRUE(errorOfMaking().endsWith(u"the name holds characters that a property list cannot hold"_s));
+}
+
 TEST_F(Seals, keysAreInTheOrderOfCodeUnits)
 {
     const QByteArray beyond = "\xf0\x9f\x98\x80"; // U+1F600, whose code units are surrogates

@@ -35,6 +35,16 @@ EntryType typeOf(mode_t mode)
     return S_ISLNK(mode) ? EntryType::Link : EntryType::Other;
 }
 
+/// Whether XML 1.0 can hold the bytes, which are UTF-8.
+bool isText(QByteArrayView bytes)
+{
+    const auto isControl = [](char byte) {
+        return uchar(byte) < 0x20 && byte != '\t' && byte != '\n' && byte != '\r';
+    };
+    return std::none_of(bytes.begin(), bytes.end(), isControl)
+        && !bytes.contains(QByteArrayView("\xef\xbf\xbe")) && !bytes.contains(QByteArrayView("\xef\xbf\xbf"));
+}
+
 struct Name {
     QByteArray name;
     EntryType type;
@@ -149,6 +159,8 @@ private:
     {
         if (!path.isValidUtf8())
             return fail(path, u"the name is not valid UTF-8"_s);
+        if (!isText(path))
+            return fail(path, u"the name holds characters that a property list cannot hold"_s);
         ScannedItem item{path, ItemKind::File, Coverage::Omitted, coverage(m_rules2, path), {}};
         const bool isNested = item.second == Coverage::Nested && type != EntryType::Link;
         if (isNested)
@@ -175,8 +187,8 @@ private:
         if (length < 0)
             return failWithErrno(item.path);
         item.linkTarget = target.first(length);
-        if (!item.linkTarget.isValidUtf8())
-            fail(item.path, u"the link's target is not valid UTF-8"_s);
+        if (!item.linkTarget.isValidUtf8() || !isText(item.linkTarget))
+            fail(item.path, u"a property list cannot hold the link's target"_s);
     }
 
     const SealedFolder &m_folder;

@@ -20,7 +20,7 @@ constexpr qsizetype mostRules = 20'000;
 class SealReader {
 public:
     explicit SealReader(const QByteArray &bytes)
-        : m_xml(bytes)
+        : m_xml(withCarriageReturns(bytes))
     {
     }
 
@@ -41,6 +41,13 @@ public:
     }
 
 private:
+    /// "Icon\r" is a name of the Finder's; Apple's writer leaves the character as it is, and a reader by the
+    /// rules of XML would make a line end of it.
+    static QByteArray withCarriageReturns(QByteArray bytes)
+    {
+        return bytes.contains('\r') ? bytes.replace("\r", "&#13;") : bytes;
+    }
+
     platform::Error wrong(const QString &reason) const
     {
         return {u"line %1: %2"_s.arg(m_xml.lineNumber()).arg(reason)};
