@@ -81,7 +81,7 @@ protected:
 
     [[nodiscard]] ToolResult signPackage(const QString &input, const QString &output) const
     {
-        return run(productsign, {u"--sign"_s, installer, input, output});
+        return run(productsign, {u"--sign"_s, installer, u"--timestamp=none"_s, input, output});
     }
     void makeSigned() const { ASSERT_EQ(signPackage(package(), signedPackage()).status, 0); }
 
@@ -169,7 +169,8 @@ TEST_F(Packages, theSignatureIsAnRsaSignatureOfTheTablesChecksum)
     EXPECT_EQ(heapOf(bytes).first(checksumSize),
               QCryptographicHash::hash(packedTableOf(bytes), QCryptographicHash::Sha1));
     const QRegularExpression place(
-        u"<signature style=\"RSA\"><offset>20</offset><size>256</size>.*<X509Certificate>(.*)</X509Certificate>"_s);
+        u"<signature style=\"RSA\">\\s*<offset>20</offset>\\s*<size>256</size>.*?<X509Certificate>(.*?)</X509Certificate>"_s,
+        QRegularExpression::DotMatchesEverythingOption);
     const QString certificate = place.match(tableOf(bytes)).captured(1);
     writeFile(path(u"certificate"_s), QByteArray::fromBase64(certificate.toLatin1()));
     writeFile(path(u"table"_s), packedTableOf(bytes));
@@ -250,14 +251,16 @@ TEST_F(Packages, anUnknownIdentityIsAnError)
 
 TEST_F(Packages, refusesArgumentsThatMeanNothing)
 {
-    for (const QStringList &arguments :
-         {QStringList{},
-          {u"--sign"_s, installer},
-          {u"--sign"_s, installer, package()},
-          {package(), signedPackage()},
-          {u"--sign"_s, installer, package(), signedPackage(), u"more"_s},
-          {u"--component"_s, u"x"_s, u"--sign"_s, installer, package(), signedPackage()}})
+    for (const QStringList &arguments : {QStringList{},
+                                         {u"--sign"_s, installer},
+                                         {u"--sign"_s, installer, package()},
+                                         {package(), signedPackage()},
+                                         {u"--sign"_s, installer, package(), signedPackage(), u"more"_s}})
         EXPECT_EQ(run(productsign, arguments).status, 64) << arguments.join(u' ').toStdString();
+    const ToolResult unbuilt =
+        run(productsign, {u"--component"_s, u"x"_s, u"--sign"_s, installer, package(), signedPackage()});
+    EXPECT_EQ(unbuilt.status, 2);
+    EXPECT_TRUE(unbuilt.error.contains(u"'--component'"_s));
     EXPECT_TRUE(run(productsign, {u"--help"_s}).output.startsWith(u"Usage: productsign"_s));
 }
 

@@ -1,7 +1,10 @@
 #include "formats/package/packagejudgement.h"
 
+#include "formats/codesignature/berreader.h"
 #include "formats/codesignature/cms.h"
 #include "formats/codesignature/cmsreader.h"
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -10,6 +13,27 @@ namespace toolchain::package {
 namespace {
 
 constexpr qsizetype hashSize = 20;
+
+/// What is kept for a signature and not filled by it is zero.
+bool isPaddedWithZeros(const QByteArray &bytes)
+{
+    const auto value = readBer(bytes);
+    const QByteArrayView rest = QByteArrayView(bytes).sliced(value ? value->whole.size() : 0);
+    return std::all_of(rest.begin(), rest.end(), [](char byte) { return byte == '\0'; });
+}
+
+/// Whether the certificates beside a CMS signature, which the table's checksum covers, are those in it, which
+/// nothing else covers.
+bool namesTheSame(const QList<QByteArray> &beside, const CmsSignature &cms)
+{
+    if (beside.isEmpty())
+        return true;
+    const bool isAlike = beside.size() != cms.certificates.size()
+        || std::all_of(beside.begin(), beside.end(), [&cms](const QByteArray &certificate) {
+                             return cms.certificates.contains(certificate);
+                         });
+    return beside.first() == cms.leaf && isAlike;
+}
 
 class Judge {
 public:
@@ -66,9 +90,12 @@ private:
 
     PackageJudgement judgeCmsOf(const xar::TocSignature &signature)
     {
-        const auto cms = readCms(m_archive.heapBytes(signature.place));
+        const QByteArray bytes = m_archive.heapBytes(signature.place);
+        const auto cms = readCms(bytes);
         if (!cms)
             return damage(u"the CMS signature is invalid: "_s + cms.error());
+        if (!isPaddedWithZeros(bytes))
+            return damage(u"there is something behind the CMS signature"_s);
         const auto digest = [this](QCryptographicHash::Algorithm algorithm) {
             return QCryptographicHash::hash(m_archive.checksum(), algorithm);
         };
@@ -76,7 +103,7 @@ private:
             judgeCms(*cms, {digest, {}}, TrustPurpose::PackageSigning, TrustStore::ofThisMachine());
         if (!judgement.problem.isEmpty())
             return damage(u"the CMS signature is invalid: "_s + judgement.problem);
-        if (!signature.certificates.isEmpty() && signature.certificates.first() != cms->leaf)
+        if (!namesTheSame(signature.certificates, *cms))
             return damage(u"the table names another signer than the CMS signature"_s);
         m_result.timestamp = judgement.timestamp;
         m_result.timestampAnchor = judgement.timestampAnchor;

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "formats/codesignature/cms.h"
+#include "formats/xar/archive.h"
+
+namespace toolchain {
+
+/// What keeps a file from being signed as a package; empty if nothing does. Reads the whole package.
+[[nodiscard]] QString problemOf(const QString &path, const platform::Result<xar::Archive> &package);
+
+/// Writes a copy of a package with both signatures of the identity, which must have an RSA key, and its whole
+/// chain of certificates.
+[[nodiscard]] platform::Outcome writeSignedPackage(const xar::Archive &package,
+                                                   const SigningIdentity &identity, const Stamper &stamper,
+                                                   const QString &output);
+
+} // namespace toolchain
