@@ -76,6 +76,8 @@ Result<PasswordAddition> addPassword(const PasswordItem &item, ExistingPassword 
                 existing == ExistingPassword::Updated ? PasswordAddition::Updated : PasswordAddition::Refused;
         return Outcome::success();
     });
+    if (changed && addition != PasswordAddition::Refused)
+        QFile::remove(plainPath(item.item));
     return changed ? Result<PasswordAddition>(addition) : changed.failure();
 }
 
