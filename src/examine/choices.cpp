@@ -1,0 +1,58 @@
+#include "examine/choices.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+using namespace Qt::StringLiterals;
+
+namespace examine {
+
+namespace {
+
+QStringList texts(const QJsonArray &array)
+{
+    QStringList list;
+    for (const auto &value : array)
+        list.append(value.toString());
+    return list;
+}
+
+} // namespace
+
+platform::Result<Choices> choicesFromJson(const QByteArray &json)
+{
+    QJsonParseError error;
+    const QJsonDocument document = QJsonDocument::fromJson(json, &error);
+    if (!document.isObject())
+        return platform::Error{u"The choices are no JSON object: %1."_s.arg(error.errorString())};
+    const QJsonObject object = document.object();
+    Choices choices;
+    choices.entitlements = object.value("entitlements"_L1).toObject().toVariantMap();
+    choices.entitlementsError = object.value("entitlementsError"_L1).toString();
+    choices.skipPaths = texts(object.value("skipPaths"_L1).toArray());
+    choices.signsMainItemOnly = object.value("signsMainItemOnly"_L1).toBool();
+    choices.packing =
+        object.value("packing"_L1).toString() == "dmg"_L1 ? Packing::diskImage : Packing::zip;
+    choices.signsDeep = object.value("signsDeep"_L1).toBool();
+    choices.team = object.value("team"_L1).toString();
+    choices.fileTool = object.value("fileTool"_L1).toString();
+    return choices;
+}
+
+QByteArray toJson(const Choices &choices)
+{
+    const QJsonObject object{
+        {u"entitlements"_s, QJsonObject::fromVariantMap(choices.entitlements)},
+        {u"entitlementsError"_s, choices.entitlementsError},
+        {u"skipPaths"_s, QJsonArray::fromStringList(choices.skipPaths)},
+        {u"signsMainItemOnly"_s, choices.signsMainItemOnly},
+        {u"packing"_s, choices.packing == Packing::diskImage ? u"dmg"_s : u"zip"_s},
+        {u"signsDeep"_s, choices.signsDeep},
+        {u"team"_s, choices.team},
+        {u"fileTool"_s, choices.fileTool},
+    };
+    return QJsonDocument(object).toJson(QJsonDocument::Compact);
+}
+
+} // namespace examine
