@@ -32,8 +32,7 @@ platform::Result<Choices> choicesFromJson(const QByteArray &json)
     choices.entitlementsError = object.value("entitlementsError"_L1).toString();
     choices.skipPaths = texts(object.value("skipPaths"_L1).toArray());
     choices.signsMainItemOnly = object.value("signsMainItemOnly"_L1).toBool();
-    choices.packing =
-        object.value("packing"_L1).toString() == "dmg"_L1 ? Packing::diskImage : Packing::zip;
+    choices.packing = object.value("packing"_L1).toString() == "dmg"_L1 ? Packing::diskImage : Packing::zip;
     choices.signsDeep = object.value("signsDeep"_L1).toBool();
     choices.team = object.value("team"_L1).toString();
     choices.fileTool = object.value("fileTool"_L1).toString();

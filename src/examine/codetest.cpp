@@ -22,7 +22,8 @@ constexpr quint32 cpuX86_64 = 0x01000007;
 constexpr quint32 cpuArm64 = 0x0100000c;
 constexpr quint32 cpuArm64_32 = 0x0200000c;
 
-/// Java classes have the magic number of universal files, and behind it a number that no count of architectures is.
+/// Java classes have the magic number of universal files, and behind it a number that no count of
+/// architectures is.
 constexpr quint32 mostArchitectures = 16;
 constexpr qsizetype universalHeader = 8;
 constexpr qsizetype universalEntry = 20;

@@ -4,9 +4,9 @@
 
 namespace examine {
 
-/// Whether the file tool's report of a file would make the walk of a run take it for code. Tells it by the file's first
-/// bytes where the report is known from them, since a run of the tool costs a thousand times as much, and asks the tool
-/// where it is not.
+/// Whether the file tool's report of a file would make the walk of a run take it for code. Tells it by the
+/// file's first bytes where the report is known from them, since a run of the tool costs a thousand times as
+/// much, and asks the tool where it is not.
 class CodeTest {
 public:
     /// The path of a file tool that a run would use in place of the host's; empty for the host's.

@@ -71,13 +71,11 @@ QJsonValue orNull(const QString &text)
 
 QJsonObject signatureObject(const SignatureFacts &signature)
 {
-    const QString stamp = signature.timestamp.isValid() ? signature.timestamp.toString(Qt::ISODate) : QString();
-    return {{u"state"_s, name(signature.state)},
-            {u"authority"_s, signature.authorities.value(0) + u""_s},
-            {u"team"_s, signature.team + u""_s},
-            {u"identifier"_s, signature.identifier + u""_s},
-            {u"runtime"_s, signature.hasRuntime},
-            {u"timestamp"_s, orNull(stamp)}};
+    const QString stamp =
+        signature.timestamp.isValid() ? signature.timestamp.toString(Qt::ISODate) : QString();
+    return {{u"state"_s, name(signature.state)},  {u"authority"_s, signature.authorities.value(0) + u""_s},
+            {u"team"_s, signature.team + u""_s},  {u"identifier"_s, signature.identifier + u""_s},
+            {u"runtime"_s, signature.hasRuntime}, {u"timestamp"_s, orNull(stamp)}};
 }
 
 QJsonArray architectures(const CodeEntry &entry)

@@ -30,7 +30,8 @@ struct CodeEntry {
     QString mainExecutable; ///< of a bundle, from the item; empty for anything else
     std::optional<int> order; ///< from 1; nothing if this run does not sign it
     QString reason; ///< why this run does not sign it; empty if it does
-    toolchain::review::CodeFacts facts; ///< of the bundle's main executable; no slices for what is no Mach-O file
+    toolchain::review::CodeFacts
+        facts; ///< of the bundle's main executable; no slices for what is no Mach-O file
     std::optional<toolchain::review::SignatureFacts> ownSignature; ///< of what is no Mach-O file
 };
 

@@ -47,7 +47,8 @@ void leaveMainToItsStep(const QString &item, Prediction &prediction)
 
 } // namespace
 
-Prediction predict(const QString &item, ItemKind kind, const Choices &choices, const platform::FileService &files)
+Prediction predict(const QString &item, ItemKind kind, const Choices &choices,
+                   const platform::FileService &files)
 {
     Prediction prediction;
     if (kind == ItemKind::package)

@@ -1,0 +1,257 @@
+#include "examine/collector.h"
+
+#include "examine/linktarget.h"
+#include "examine/rules.h"
+#include "formats/appledouble.h"
+#include "platform/bundle.h"
+#include "platform/itempath.h"
+
+#include <QSet>
+
+using namespace Qt::StringLiterals;
+using toolchain::review::CodeFacts;
+using toolchain::review::WalkFile;
+using toolchain::review::WalkPlace;
+
+namespace examine {
+
+namespace {
+
+// Apple's <mach-o/loader.h>.
+constexpr quint32 executableFile = 2;
+constexpr quint32 library = 6;
+constexpr quint32 dynamicLinker = 7;
+constexpr quint32 loadableBundle = 8;
+constexpr quint32 kernelExtension = 11;
+
+/// Longer paths than macOS has (PATH_MAX of Apple's <sys/syslimits.h>, with the byte that ends a text).
+constexpr qsizetype longestPath = 1023;
+
+QString kindOf(const CodeFacts &facts)
+{
+    if (facts.slices.isEmpty())
+        return u"object"_s;
+    switch (facts.slices.first().fileType) {
+    case executableFile:
+        return u"executable"_s;
+    case library:
+    case dynamicLinker:
+        return u"library"_s;
+    case loadableBundle:
+    case kernelExtension:
+        return u"loadable"_s;
+    default:
+        return u"object"_s;
+    }
+}
+
+QString nameOf(const WalkPlace &place)
+{
+    return itempath::lastComponent(place.file);
+}
+
+bool isVersionFolder(const WalkPlace &place)
+{
+    const QString versions = itempath::folder(place.file);
+    return itempath::lastComponent(versions) == "Versions"_L1 && nameOf(place) != "Current"_L1
+        && itempath::lowerExtension(itempath::folder(versions)) == "framework"_L1;
+}
+
+QString joined(const WalkPlace &place, const QString &rest)
+{
+    return place.path == "."_L1 ? rest : place.path + u'/' + rest;
+}
+
+/// What macOS's usual file systems take for the same name.
+QString folded(const QString &name)
+{
+    return name.normalized(QString::NormalizationForm_D).toCaseFolded();
+}
+
+} // namespace
+
+Collector::Collector(Examination &examination, const platform::FileService &files)
+    : m_examination(examination)
+    , m_files(files)
+    , m_ownDepth(examination.kind == ItemKind::package || examination.kind == ItemKind::diskImage ? 1 : 0)
+{
+}
+
+bool Collector::isInArchive(const QString &path) const
+{
+    for (const QString &archive : m_archives) {
+        if (path.startsWith(archive + u'/'))
+            return true;
+    }
+    return false;
+}
+
+void Collector::folder(const WalkPlace &place, const QStringList &names)
+{
+    checkNames(place, names);
+    checkLength(place);
+    if (isVersionFolder(place))
+        return addBundle(place, u"framework"_s,
+                         platform::informationText(m_files, place.file, u"CFBundleExecutable"_s,
+                                                   platform::BundleLayout::frameworkVersion));
+    const bool mayBeBundle = names.contains(u"Contents"_s)
+        && (place.path == "."_L1 ? m_examination.kind != ItemKind::folder
+                                 : !itempath::extension(place.file).isEmpty());
+    if (!mayBeBundle)
+        return;
+    const QString executable = platform::informationText(m_files, place.file, u"CFBundleExecutable"_s);
+    const QString kind =
+        itempath::lowerExtension(place.path == "."_L1 ? m_examination.item : place.file) == "app"_L1
+        ? u"app"_s
+        : u"bundle"_s;
+    if (!executable.isEmpty() || place.path == "."_L1)
+        addBundle(place, kind, executable.isEmpty() ? QString() : u"Contents/MacOS/"_s + executable);
+}
+
+void Collector::addBundle(const WalkPlace &place, const QString &kind, const QString &executable)
+{
+    CodeEntry entry;
+    entry.path = place.path;
+    entry.kind = kind;
+    m_bundles.append(place.path);
+    if (!executable.isEmpty()) {
+        entry.mainExecutable = joined(place, executable);
+        m_byExecutable.insert(entry.mainExecutable, m_examination.code.size());
+    }
+    m_examination.code.append(entry);
+}
+
+void Collector::machO(const WalkFile &file)
+{
+    checkLength(file.place);
+    checkAttributes(file);
+    const CodeFacts facts = toolchain::review::readCodeFacts(file.place.file);
+    if (const auto bundle = m_byExecutable.constFind(file.place.path); bundle != m_byExecutable.cend()) {
+        m_examination.code[*bundle].facts = facts;
+        return;
+    }
+    CodeEntry entry;
+    entry.path = file.place.path;
+    entry.kind = kindOf(facts);
+    entry.facts = facts;
+    m_examination.code.append(entry);
+}
+
+void Collector::script(const WalkFile &file)
+{
+    checkLength(file.place);
+    constexpr mode_t executable = 0111;
+    const bool isMain = m_byExecutable.contains(file.place.path);
+    if (isMain || (file.mode & executable) == 0 || file.place.archiveDepth > m_ownDepth)
+        return;
+    CodeEntry entry;
+    entry.path = file.place.path;
+    entry.kind = u"script"_s;
+    m_examination.code.append(entry);
+}
+
+void Collector::file(const WalkFile &file)
+{
+    checkLength(file.place);
+    checkAttributes(file);
+}
+
+void Collector::link(const WalkPlace &place, const QString &target)
+{
+    checkLength(place);
+    if (place.isInArchive())
+        return; // as they are, they have been sealed, or nobody looks at them
+    switch (judgeLink(m_examination.item, place.path, target)) {
+    case LinkTarget::good:
+        return;
+    case LinkTarget::nowhere:
+        return find(rule::brokenLink, Severity::error, place.path,
+                    u"invalid destination for symbolic link in bundle: \"%1\" does not exist"_s.arg(target));
+    case LinkTarget::outside:
+        return find(
+            rule::linkLeavesItem, Severity::error, place.path,
+            u"invalid destination for symbolic link in bundle: \"%1\" is not part of the item"_s.arg(target));
+    }
+}
+
+void Collector::special(const WalkPlace &place)
+{
+    find(rule::unreadable, Severity::error, place.path, u"neither a file nor a folder nor a link"_s);
+}
+
+void Collector::unreadable(const WalkPlace &place, const QString &reason)
+{
+    find(rule::unreadable, Severity::error, place.path, reason);
+}
+
+void Collector::enterArchive(const WalkFile &file)
+{
+    if (file.place.path != "."_L1)
+        m_archives.append(file.place.path);
+    CodeEntry entry;
+    entry.path = file.place.path;
+    entry.kind = u"archive"_s;
+    m_openArchives.append(m_examination.code.size());
+    m_examination.code.append(entry);
+}
+
+void Collector::leaveArchive(const WalkFile &file)
+{
+    const qsizetype index = m_openArchives.takeLast();
+    const bool isEmpty = index == m_examination.code.size() - 1;
+    if (isEmpty && file.place.path != "."_L1)
+        m_examination.code.removeLast(); // nothing in it is code
+}
+
+void Collector::tooDeep(const WalkFile &file)
+{
+    find(rule::nestedArchiveTooDeep, Severity::warning, file.place.path,
+         u"The archive lies in too many others to be looked into."_s);
+}
+
+void Collector::damagedArchive(const WalkFile &file, const QString &reason)
+{
+    if (file.place.path == "."_L1)
+        find(rule::damagedCode, Severity::error, file.place.path,
+             u"The archive cannot be read: %1."_s.arg(reason));
+}
+
+void Collector::checkNames(const WalkPlace &place, const QStringList &names)
+{
+    QSet<QString> known;
+    for (const QString &name : names) {
+        const QString key = folded(name);
+        if (known.contains(key))
+            find(
+                rule::nameCollision, Severity::warning, joined(place, name),
+                u"Another item of this folder differs in nothing but the case of letters or the way accents are written."_s);
+        known.insert(key);
+    }
+}
+
+void Collector::checkLength(const WalkPlace &place)
+{
+    const qsizetype length =
+        place.path.toUtf8().size() + 1 + itempath::lastComponent(m_examination.item).toUtf8().size();
+    if (length > longestPath)
+        find(rule::pathTooLong, Severity::error, place.path,
+             u"The path has %1 bytes; macOS takes %2."_s.arg(length).arg(longestPath));
+}
+
+void Collector::checkAttributes(const WalkFile &file)
+{
+    if (!file.place.isInArchive() || !nameOf(file.place).startsWith("._"_L1))
+        return;
+    const auto attributes = toolchain::appledouble::attributesIn(file.beginning);
+    if (attributes
+        && (attributes->contains("com.apple.FinderInfo") || attributes->contains("com.apple.ResourceFork")))
+        find(rule::forbiddenAttribute, Severity::warning, file.place.path,
+             u"resource fork, Finder information, or similar detritus not allowed"_s);
+}
+
+void Collector::find(const QString &ruleName, Severity severity, const QString &path, const QString &message)
+{
+    m_examination.findings.append({ruleName, severity, path, {}, message, rule::advice(ruleName)});
+}
+
+} // namespace examine
