@@ -32,6 +32,8 @@ public:
         QUrl usersForum;
         QVariantMap information; ///< the application's own information dictionary
         QString credits; ///< path of the credits, rich text
+        QString examineProgram; ///< path of the program that looks at items
+        QString fileTool; ///< path of the tool root's own file tool; empty where there is none
         QString buildDate; ///< as "MMM d yyyy", in English
     };
 

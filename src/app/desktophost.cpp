@@ -2,6 +2,8 @@
 
 #include "app/preferencekeys.h"
 
+#include <QDir>
+#include <QFileInfo>
 #include <QStandardPaths>
 
 using namespace Qt::StringLiterals;
@@ -25,10 +27,23 @@ QStringList bundledToolchains(const QString &applicationFolder)
             applicationFolder + u'/' + QStringLiteral(SEALWRIGHT_BUILT_TOOLCHAIN)};
 }
 
+/// It lies beside the toolchain.
+QString examineProgram(const QString &applicationFolder)
+{
+    QString program;
+    for (const QString &toolchain : bundledToolchains(applicationFolder)) {
+        program = QDir::cleanPath(toolchain + u"/../sealwright-examine"_s);
+        if (QFileInfo::exists(program))
+            break;
+    }
+    return program;
+}
+
 } // namespace
 
 DesktopHost::DesktopHost(const QString &applicationFolder)
-    : m_preferences(inConfigFolder(u"Sealwright/Sealwright.conf"_s))
+    : m_applicationFolder(applicationFolder)
+    , m_preferences(inConfigFolder(u"Sealwright/Sealwright.conf"_s))
     , m_toolRoot(ToolRoot::chosen(m_preferences.string(key::toolRoot), bundledToolchains(applicationFolder)))
     , m_launcher([root = m_toolRoot](const QString &path) { return root.locate(path); },
                  m_toolRoot.searchFolders())
@@ -59,6 +74,16 @@ platform::Host DesktopHost::services()
             .pasteboard = m_pasteboard};
 }
 
+AppDelegate::Configuration DesktopHost::configurationWithPrograms() const
+{
+    const QString file = u"/usr/bin/file"_s;
+    const QString ownFile = m_toolRoot.locate(file);
+    AppDelegate::Configuration complete = configuration();
+    complete.examineProgram = examineProgram(m_applicationFolder);
+    complete.fileTool = ownFile == file ? QString() : ownFile;
+    return complete;
+}
+
 AppDelegate::Configuration DesktopHost::configuration()
 {
     return {.dropDMGFolder = inDataFolder(u"DropDMG/Configurations"_s),
@@ -69,5 +94,7 @@ AppDelegate::Configuration DesktopHost::configuration()
                             {u"CFBundleVersion"_s, QStringLiteral(SEALWRIGHT_BUILD)},
                             {u"NSHumanReadableCopyright"_s, u"Copyright © 2026 The Sealwright authors"_s}},
             .credits = u":/Credits.rtf"_s,
+            .examineProgram = {},
+            .fileTool = {},
             .buildDate = QStringLiteral(SEALWRIGHT_BUILD_DATE)};
 }

@@ -33,12 +33,16 @@ public:
     platform::Host services();
     WindowFactory &windowFactory() { return m_windowFactory; }
     WidgetApplication &application() { return m_application; }
+    /// What is the same wherever the application lies.
     static AppDelegate::Configuration configuration();
+    /// The same with the programs that come with the application.
+    AppDelegate::Configuration configurationWithPrograms() const;
     /// Leaves nothing behind among the temporary files. For the end of the process, which this object
     /// outlives.
     void removeTemporaryItems() { m_files.removeReplacementDirectories(); }
 
 private:
+    const QString m_applicationFolder;
     platform::SettingsPreferences m_preferences;
     const ToolRoot m_toolRoot;
     platform::PosixProcessLauncher m_launcher;

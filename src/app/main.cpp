@@ -64,7 +64,8 @@ int runDesktopApplication()
 {
     DesktopHost &host = *new DesktopHost(QApplication::applicationDirPath());
     AppDelegate::initialize(host.services().preferences);
-    AppDelegate &delegate = *new AppDelegate(host.services(), host.windowFactory(), host.configuration());
+    AppDelegate &delegate =
+        *new AppDelegate(host.services(), host.windowFactory(), host.configurationWithPrograms());
     ScriptingBus bus(delegate);
     host.application().setPendingOpens([&bus] { bus.takeArrivedCalls(); });
     const int status = takeTheBus(bus) ? launchAndRun(delegate, bus) : EXIT_SUCCESS;

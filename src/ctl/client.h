@@ -5,7 +5,13 @@
 #include <QString>
 #include <QVariantList>
 
-enum class ExitStatus { done = 0, error = 1, wrongUse = 2, noAnswer = 3 };
+enum class ExitStatus {
+    done = 0,
+    error = 1, ///< of an examination: something would be refused; of a comparison: there are differences
+    wrongUse = 2,
+    noAnswer = 3,
+    notLookedAt = 4, ///< the item could not be examined or compared
+};
 
 /// What the application answered.
 struct Answer {

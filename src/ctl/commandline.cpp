@@ -18,8 +18,9 @@ struct Grammar {
     QStringList options; ///< beside --help and --version
 };
 
-const QStringList allOptions{u"document"_s, u"window"_s,   u"show-dialogs"_s, u"skip-stapling"_s, u"follow"_s,
-                             u"timeout"_s,  u"identity"_s, u"page"_s,         u"xml"_s,           u"unset"_s};
+const QStringList allOptions{u"document"_s, u"window"_s,  u"show-dialogs"_s, u"skip-stapling"_s,
+                             u"follow"_s,   u"timeout"_s, u"identity"_s,     u"page"_s,
+                             u"xml"_s,      u"unset"_s,   u"json"_s};
 const QStringList workOptions{u"document"_s, u"show-dialogs"_s, u"follow"_s, u"timeout"_s};
 
 const QList<Grammar> &grammars()
@@ -30,6 +31,9 @@ const QList<Grammar> &grammars()
         {u"sign"_s, 1, 1, workOptions},
         {u"prepare"_s, 1, 1, {u"document"_s, u"identity"_s}},
         {u"history"_s, 0, 0, {u"document"_s, u"page"_s, u"xml"_s, u"timeout"_s}},
+        {u"examine"_s, 1, 1, {u"document"_s, u"json"_s}},
+        {u"issues"_s, 1, 1, {u"json"_s}},
+        {u"compare"_s, 2, 2, {u"json"_s}},
         {u"log"_s, 1, 1, {}},
         {u"clear-log"_s, 1, 1, {}},
         {u"documents"_s, 0, 0, {}},
@@ -145,6 +149,7 @@ Request readOptions(const Grammar &grammar, const QCommandLineParser &parser)
     if (parser.isSet(u"page"_s))
         request.page = page(parser.value(u"page"_s));
     request.xml = parser.isSet(u"xml"_s);
+    request.json = parser.isSet(u"json"_s);
     if (parser.isSet(u"timeout"_s))
         request.timeout = milliseconds(parser.value(u"timeout"_s));
     return request;
@@ -234,6 +239,13 @@ is started if it does not run.
     --document ID, --timeout SECONDS   as above
     --page N           that page; otherwise page 0
     --xml              as a property list
+  examine PATH     Tells what a run would do with the item and what would be refused. Changes nothing.
+    --document ID      with the settings of that document; otherwise with those of a new one
+    --json             as JSON
+  issues ID        Lists what the notary service said of a document's item: severity, path, architecture, message.
+    --json             as JSON
+  compare OLD NEW  Tells in what two items differ. A folder that a run has left stands for the item in it.
+    --json             as JSON
   log ID           Prints the log of a document. A command that the document works for loses its answer.
   clear-log ID     Empties it, at the same price.
   documents        Lists the documents: ID, status, title, separated by tabs.
@@ -254,6 +266,7 @@ is started if it does not run.
   --help, --version
 
 Exit status: 0 done; 1 the application gave an error; 2 wrong use; 3 the application is not running or did not
-answer in time.
+answer in time. Of examine: 0 nothing would be refused; 1 something would; 4 the item could not be examined. Of
+compare: 0 no difference; 1 differences; 4 the items could not be compared.
 )"_s;
 }

@@ -20,6 +20,7 @@ struct Request {
     QString identity; ///< empty if none was given
     qint64 page = 0; ///< of the history
     bool xml = false;
+    bool json = false;
     bool follow = false;
     bool unset = false; ///< set to no value
     int timeout = std::numeric_limits<int>::max(); ///< milliseconds; the greatest value is none

@@ -1,6 +1,7 @@
 #include "ctl/commands.h"
 
 #include "ctl/logfollower.h"
+#include "ctl/looks.h"
 #include "ctl/output.h"
 #include "ctl/propertyvalue.h"
 #include "scripting/dbus/busnames.h"
@@ -231,6 +232,9 @@ const QHash<QString, Command> &commands()
         {u"sign"_s,
          [](const Request &request, const Client &client) { return work(request, client, u"SignOnly"_s); }},
         {u"prepare"_s, prepare},
+        {u"examine"_s, examine},
+        {u"issues"_s, issues},
+        {u"compare"_s, compare},
         {u"history"_s, history},
         {u"log"_s, log},
         {u"clear-log"_s, clearLog},

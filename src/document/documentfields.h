@@ -42,6 +42,8 @@ struct DocumentFields {
     /// Path of the file that is uploaded; null until a workflow sets it.
     Property<QString> submitFilePath;
     /// The extra entitlements file; empty if there is none.
+    /// What the service's log of the latest verdict tells, as JSON: a list of objects.
+    ObservableProperty<QString> serviceIssues{QStringLiteral("[]")};
     ObservableProperty<QUrl> extraEntitlementsURL;
     /// Paths that the signer skips, relative to the item's own.
     Property<QStringList> skipPaths;

@@ -113,7 +113,10 @@ void Collector::addBundle(const WalkPlace &place, const QString &kind, const QSt
     CodeEntry entry;
     entry.path = place.path;
     entry.kind = kind;
-    m_bundles.append(place.path);
+    const auto layout =
+        kind == "framework"_L1 ? platform::BundleLayout::frameworkVersion : platform::BundleLayout::contents;
+    entry.identifier = platform::informationText(m_files, place.file, u"CFBundleIdentifier"_s, layout);
+    entry.version = platform::informationText(m_files, place.file, u"CFBundleShortVersionString"_s, layout);
     if (!executable.isEmpty()) {
         entry.mainExecutable = joined(place, executable);
         m_byExecutable.insert(entry.mainExecutable, m_examination.code.size());
@@ -123,8 +126,7 @@ void Collector::addBundle(const WalkPlace &place, const QString &kind, const QSt
 
 void Collector::machO(const WalkFile &file)
 {
-    checkLength(file.place);
-    checkAttributes(file);
+    take(file);
     const CodeFacts facts = toolchain::review::readCodeFacts(file.place.file);
     if (const auto bundle = m_byExecutable.constFind(file.place.path); bundle != m_byExecutable.cend()) {
         m_examination.code[*bundle].facts = facts;
@@ -139,7 +141,7 @@ void Collector::machO(const WalkFile &file)
 
 void Collector::script(const WalkFile &file)
 {
-    checkLength(file.place);
+    take(file);
     constexpr mode_t executable = 0111;
     const bool isMain = m_byExecutable.contains(file.place.path);
     if (isMain || (file.mode & executable) == 0 || file.place.archiveDepth > m_ownDepth)
@@ -152,8 +154,15 @@ void Collector::script(const WalkFile &file)
 
 void Collector::file(const WalkFile &file)
 {
+    take(file);
+}
+
+void Collector::take(const WalkFile &file)
+{
     checkLength(file.place);
     checkAttributes(file);
+    if (!file.place.isInArchive())
+        m_examination.size += file.size;
 }
 
 void Collector::link(const WalkPlace &place, const QString &target)

@@ -27,11 +27,10 @@ public:
 
     /// The paths of code that lies in an archive within the item.
     [[nodiscard]] bool isInArchive(const QString &path) const;
-    /// The folders that are bundles of whatever kind, from the item.
-    [[nodiscard]] const QStringList &bundles() const { return m_bundles; }
 
 private:
     void addBundle(const toolchain::review::WalkPlace &place, const QString &kind, const QString &executable);
+    void take(const toolchain::review::WalkFile &file);
     void checkNames(const toolchain::review::WalkPlace &place, const QStringList &names);
     void checkLength(const toolchain::review::WalkPlace &place);
     void checkAttributes(const toolchain::review::WalkFile &file);
@@ -41,7 +40,6 @@ private:
     const platform::FileService &m_files;
     const int m_ownDepth; ///< of archives: an image or a package is one itself
     QHash<QString, qsizetype> m_byExecutable; ///< entries of bundles by the paths of their executables
-    QStringList m_bundles;
     QStringList m_archives; ///< that are being walked, and were, within the item
     QList<qsizetype> m_openArchives; ///< how many entries there were when each was entered
 };

@@ -28,6 +28,8 @@ struct CodeEntry {
     QString path; ///< from the item; "." for the item itself
     QString kind;
     QString mainExecutable; ///< of a bundle, from the item; empty for anything else
+    QString identifier; ///< of a bundle, by its Info.plist
+    QString version; ///< the same
     std::optional<int> order; ///< from 1; nothing if this run does not sign it
     QString reason; ///< why this run does not sign it; empty if it does
     toolchain::review::CodeFacts
@@ -39,6 +41,7 @@ struct CodeEntry {
 struct Examination {
     QString item; ///< absolute
     ItemKind kind = ItemKind::folder;
+    qint64 size = 0; ///< of all regular files, in bytes
     QList<CodeEntry> code;
     QList<Finding> findings;
 

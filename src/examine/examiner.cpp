@@ -44,9 +44,7 @@ void addOwnSignature(Examination &examination)
         examination.code.first().ownSignature = toolchain::review::signatureFacts(code->native());
 }
 
-} // namespace
-
-Result<Examination> examineItem(const QString &item, const Choices &choices)
+Result<Examination> begin(const QString &item)
 {
     Examination examination;
     examination.item = QDir::cleanPath(QFileInfo(item).absoluteFilePath());
@@ -56,13 +54,39 @@ Result<Examination> examineItem(const QString &item, const Choices &choices)
     examination.kind = *kind;
     if (!QFileInfo(examination.item).isReadable())
         return Error{u"\"%1\" cannot be read."_s.arg(examination.item)};
-    const platform::PosixFileService files;
-    const Prediction prediction = predict(examination.item, examination.kind, choices, files);
-    Collector collected(examination, files);
+    return examination;
+}
+
+void collect(Examination &examination, Collector &collected)
+{
     toolchain::review::UnpackBudget budget;
     toolchain::review::walkContents(examination.item, budget, collected);
     addOwnSignature(examination);
-    Judgement(examination, prediction, choices, collected).run();
+}
+
+} // namespace
+
+Result<Examination> collectItem(const QString &item)
+{
+    auto examination = begin(item);
+    if (!examination)
+        return examination;
+    const platform::PosixFileService files;
+    Collector collected(*examination, files);
+    collect(*examination, collected);
+    return examination;
+}
+
+Result<Examination> examineItem(const QString &item, const Choices &choices)
+{
+    auto examination = begin(item);
+    if (!examination)
+        return examination;
+    const platform::PosixFileService files;
+    const Prediction prediction = predict(examination->item, examination->kind, choices, files);
+    Collector collected(*examination, files);
+    collect(*examination, collected);
+    Judgement(*examination, prediction, choices, collected).run();
     return examination;
 }
 

@@ -10,4 +10,7 @@ namespace examine {
 /// UTF-8 one.
 [[nodiscard]] platform::Result<Examination> examineItem(const QString &item, const Choices &choices);
 
+/// The same without what a run would do and what would be refused.
+[[nodiscard]] platform::Result<Examination> collectItem(const QString &item);
+
 } // namespace examine

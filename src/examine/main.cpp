@@ -1,3 +1,4 @@
+#include "examine/comparison.h"
 #include "examine/examiner.h"
 
 #include <QCommandLineParser>
@@ -25,11 +26,14 @@ int fail(int status, const QString &text)
     return status;
 }
 
-/// "-" is standard input; nothing gives the choices that leave everything at its default.
+/// The JSON itself, or a file's name; "-" is standard input. Nothing gives the choices that leave everything
+/// at its default.
 Result<examine::Choices> readChoices(const QString &file)
 {
     if (file.isEmpty())
         return examine::Choices();
+    if (file.startsWith(u'{'))
+        return examine::choicesFromJson(file.toUtf8());
     QFile input(file);
     const bool isOpen =
         file == "-"_L1 ? input.open(stdin, QIODevice::ReadOnly) : input.open(QIODevice::ReadOnly);
@@ -54,6 +58,14 @@ int examineOne(const QString &item, const examine::Choices &choices)
     return print(toJson(*examination), examination->isRefused() ? refused : nothingRefused);
 }
 
+int compareTwo(const QString &old, const QString &recent)
+{
+    const auto differences = examine::compareItems(old, recent);
+    if (!differences)
+        return fail(notExamined, differences.error());
+    return print(toJson(*differences), differences->isEmpty() ? nothingRefused : refused);
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -70,8 +82,10 @@ int main(int argc, char **argv)
     parser.addHelpOption();
     parser.addVersionOption();
     parser.addPositionalArgument(u"PATH"_s, u"the item"_s);
-    parser.addOption(
-        {u"choices"_s, u"What the run would be made with, as JSON; - is standard input."_s, u"FILE"_s});
+    parser.addOption({u"choices"_s,
+                      u"What the run would be made with, as JSON, or a file with it; - is standard input."_s,
+                      u"CHOICES"_s});
+    parser.addOption({u"compare"_s, u"Tells what differs between two items: 0 nothing, 1 something."_s});
     if (!parser.parse(QCoreApplication::arguments()))
         return fail(wrongUse, parser.errorText());
     if (parser.isSet(u"help"_s))
@@ -79,6 +93,9 @@ int main(int argc, char **argv)
     if (parser.isSet(u"version"_s))
         return print("sealwright-examine " SEALWRIGHT_VERSION "\n", nothingRefused);
     const QStringList operands = parser.positionalArguments();
+    if (parser.isSet(u"compare"_s))
+        return operands.size() == 2 ? compareTwo(operands[0], operands[1])
+                                    : fail(wrongUse, u"two PATHs are needed."_s);
     if (operands.size() != 1)
         return fail(wrongUse, u"one PATH is needed."_s);
     const auto choices = readChoices(parser.value(u"choices"_s));

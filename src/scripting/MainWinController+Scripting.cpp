@@ -4,6 +4,7 @@
 #include "document/mainwincontroller.h"
 #include "platform/applicationhost.h"
 #include "scripting/commandchecks.h"
+#include "scripting/examining.h"
 #include "scripting/scripterrors.h"
 
 using namespace Qt::StringLiterals;
@@ -38,6 +39,11 @@ void MainWinControllerScripting::AEPrepareForNotarizing(const ScriptCommandPtr &
 {
     if (commandchecks::submittableItem(document.host().files, command) && checkStatusIsReady())
         prepare(command, commandchecks::knownIdentity(command, document.identitiesPopup.itemTitles()));
+}
+
+void MainWinControllerScripting::AEExamine(const ScriptCommandPtr &command)
+{
+    examining::answerExamination(command, document.appDelegate(), examining::choicesOf(document));
 }
 
 void MainWinControllerScripting::AEFetchLog(const ScriptCommandPtr &command)

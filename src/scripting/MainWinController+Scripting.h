@@ -23,6 +23,9 @@ public:
     /// Leaves the document to a person, who then decides. Ends at once.
     void AEPrepareForNotarizing(const ScriptCommandPtr &command);
 
+    /// Tells what a run of this document would do with an item. At any time; changes nothing.
+    void AEExamine(const ScriptCommandPtr &command);
+
     /// Both go ahead while a workflow runs. The command of that workflow is then lost: the document knows one
     /// command at a time.
     void AEFetchLog(const ScriptCommandPtr &command);

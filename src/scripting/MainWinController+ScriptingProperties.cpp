@@ -71,6 +71,7 @@ QList<DocumentProperty> stateProperties()
          Takes::anything},
         {u"AEDocStatus"_s, [](Document &document) { return document.controller().statusString(); },
          refuseWrite, Takes::anything},
+        {u"issues"_s, [](Document &document) { return document.controller().serviceIssues(); }},
         {u"AEWindowTab"_s,
          [](Document &document) {
              return QVariant::fromValue(document.controller().window().tabGroup().selectedWindow());

@@ -4,6 +4,7 @@
 #include "document/documentextensions.h"
 #include "platform/applicationhost.h"
 #include "scripting/commandchecks.h"
+#include "scripting/examining.h"
 
 #include <algorithm>
 
@@ -42,6 +43,20 @@ void NSApplicationScripting::AEPrepareForNotarizing(const ScriptCommandPtr &comm
 {
     if (commandchecks::submittableItem(m_appDelegate.host().files, command) && checkStatusIsReady())
         addedDocument().prepare(command, commandchecks::knownIdentity(command, m_appDelegate.identities()));
+}
+
+void NSApplicationScripting::AEExamine(const ScriptCommandPtr &command)
+{
+    const auto *document =
+        command->evaluatedArguments().value(argument::document).value<MainWinController *>();
+    examining::answerExamination(command, m_appDelegate,
+                                 document ? examining::choicesOf(*document)
+                                          : examining::choicesOfNewDocument(m_appDelegate));
+}
+
+void NSApplicationScripting::AECompare(const ScriptCommandPtr &command)
+{
+    examining::answerComparison(command, m_appDelegate);
 }
 
 MainWinControllerScripting &NSApplicationScripting::addedDocument() const

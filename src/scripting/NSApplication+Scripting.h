@@ -27,6 +27,12 @@ public:
     /// Leaves the document to a person, who then decides. Ends at once.
     void AEPrepareForNotarizing(const ScriptCommandPtr &command);
 
+    // What tells and changes nothing. At any time, and without a document of its own.
+    /// Tells what a run would do with an item, with the choices of the document that is named or of a new
+    /// one.
+    void AEExamine(const ScriptCommandPtr &command);
+    void AECompare(const ScriptCommandPtr &command);
+
     /// Makes a document, and sets these of its properties by their keys.
     std::shared_ptr<MainWinController> newScriptingDocument(const QVariantMap &properties) const;
 

@@ -16,6 +16,9 @@ inline const QString skippingStapling = QStringLiteral("skippingStapling"); ///<
 inline const QString pageToFetch = QStringLiteral("pageToFetch"); ///< whole number
 inline const QString xmlOutput = QStringLiteral("xmlOutput"); ///< boolean
 inline const QString signingIdentity = QStringLiteral("signingIdentity"); ///< text
+inline const QString document = QStringLiteral("document"); ///< the document whose choices are meant
+inline const QString old = QStringLiteral("old"); ///< an item, a file URL
+inline const QString recent = QStringLiteral("new"); ///< the same
 } // namespace argument
 
 /// What a script receives at the end of its command.

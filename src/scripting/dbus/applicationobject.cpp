@@ -143,13 +143,21 @@ void activateAction(const BusObject &object, const BusCall &call)
 
 const BusArgument platformData{u"platform_data"_s, u"a{sv}"_s};
 
+QHash<QString, CommandHandler> commands()
+{
+    const CommandsOf<NSApplicationScripting> carriedOutBy(&scripting);
+    QHash<QString, CommandHandler> all = carriedOutBy.shared();
+    all.insert(u"AECompare:"_s, carriedOutBy(&NSApplicationScripting::AECompare));
+    return all;
+}
+
 } // namespace
 
 const BusHandlers &applicationHandlers()
 {
     static const BusHandlers handlers{
         .properties = properties(),
-        .commands = CommandsOf<NSApplicationScripting>(&scripting).shared(),
+        .commands = commands(),
         .ownCalls = {{u"newScriptingObjectOfClass:forValueForKey:withContentsValue:properties:"_s,
                       {{madeFrom}, {madeDocument}, openingDocuments(makeDocument)}}},
     };

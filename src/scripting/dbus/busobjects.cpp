@@ -129,6 +129,14 @@ platform::Window *BusObjects::window(const QDBusObjectPath &path) const
     return found == m_entries.cend() ? nullptr : &found->document->window();
 }
 
+MainWinController *BusObjects::document(const QDBusObjectPath &path) const
+{
+    const auto found = std::find_if(m_entries.cbegin(), m_entries.cend(), [&path](const Entry &each) {
+        return path.path() == below(bus::documentsPath, each.element);
+    });
+    return found == m_entries.cend() ? nullptr : found->document;
+}
+
 QString BusObjects::callerOf(const MainWinController &document) const
 {
     const Entry *const found = entry(document);

@@ -32,6 +32,8 @@ public:
 
     /// The window of a path; null if there is none.
     [[nodiscard]] platform::Window *window(const QDBusObjectPath &path) const;
+    /// The document of a path; null if there is none.
+    [[nodiscard]] MainWinController *document(const QDBusObjectPath &path) const;
 
     [[nodiscard]] QString callerOf(const MainWinController &document) const;
     const LastErrors &lastErrors() const { return *m_lastErrors; }

@@ -46,6 +46,12 @@ std::optional<QVariant> windowFrom(const BusObject &object, const QVariant &path
     return window ? std::optional<QVariant>(QVariant::fromValue(window)) : std::nullopt;
 }
 
+std::optional<QVariant> documentFrom(const BusObject &object, const QVariant &path)
+{
+    MainWinController *const document = object.objects.document(path.value<QDBusObjectPath>());
+    return document ? std::optional<QVariant>(QVariant::fromValue(document)) : std::nullopt;
+}
+
 std::optional<QVariant> typed(const BusObject &object, const QVariant &value, ValueType type)
 {
     const auto plain = busvalue::fromBus(value, busSignature(type));
@@ -55,6 +61,8 @@ std::optional<QVariant> typed(const BusObject &object, const QVariant &value, Va
         return fileFrom(*plain);
     if (type == ValueType{Type::window})
         return windowFrom(object, *plain);
+    if (type == ValueType{Type::document})
+        return documentFrom(object, *plain);
     if (type == ValueType{Type::rectangle})
         return QVariant::fromValue(qdbus_cast<platform::QDRect>(*plain));
     if (type == ValueType{Type::text, true})

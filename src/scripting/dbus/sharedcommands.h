@@ -28,6 +28,7 @@ public:
             {QStringLiteral("AESignOnly:"), carriedOutBy(&Receiver::AESignOnly)},
             {QStringLiteral("AEFetchHistory:"), carriedOutBy(&Receiver::AEFetchHistory)},
             {QStringLiteral("AEPrepareForNotarizing:"), carriedOutBy(&Receiver::AEPrepareForNotarizing)},
+            {QStringLiteral("AEExamine:"), carriedOutBy(&Receiver::AEExamine)},
         };
     }
 

@@ -143,7 +143,8 @@ public:
             return m_visitor.unreadable(place, systemText(errno));
         if (!S_ISREG(status.st_mode))
             return m_visitor.special(place);
-        WalkFile found{place, status.st_mode, QByteArray(qsizetype(tellingBytes), Qt::Uninitialized)};
+        WalkFile found{place, status.st_mode, status.st_size,
+                       QByteArray(qsizetype(tellingBytes), Qt::Uninitialized)};
         const auto length = pread(file.number(), found.beginning.data(), std::size_t(tellingBytes), 0);
         if (length < 0)
             return m_visitor.unreadable(place, systemText(errno));

@@ -27,6 +27,7 @@ struct WalkPlace {
 struct WalkFile {
     WalkPlace place;
     mode_t mode = 0;
+    qint64 size = 0; ///< in bytes
     QByteArray beginning; ///< `tellingBytes` at most
 };
 

@@ -1,0 +1,158 @@
+#include "scripting/examining.h"
+
+#include "app/appdelegate.h"
+#include "app/preferencekeys.h"
+#include "document/documentdefaults.h"
+#include "document/documentextensions.h"
+#include "document/mainwincontroller.h"
+#include "platform/fileservice.h"
+#include "platform/itempath.h"
+#include "platform/preferences.h"
+#include "platform/process.h"
+#include "platform/propertylist/propertylist.h"
+#include "platform/workerqueue.h"
+#include "scripting/scripterrors.h"
+
+#include <QUrl>
+
+using namespace Qt::StringLiterals;
+
+namespace examining {
+
+namespace {
+
+/// Adds the extra file's entitlements, or says why they cannot be had.
+void addExtraEntitlements(const platform::FileService &files, const QUrl &url, examine::Choices &choices)
+{
+    if (url.isEmpty())
+        return;
+    const QString path = itempath::fromUrl(url);
+    QString error;
+    const auto data = files.readFile(path, &error);
+    const auto list = data ? platform::propertyListFromData(*data) : platform::PropertyListResult();
+    if (!data)
+        choices.entitlementsError = u"Failed to read extra entitlements file at '%1': %2"_s.arg(path, error);
+    else if (list.value.typeId() != QMetaType::QVariantMap)
+        choices.entitlementsError = u"Failed to read extra entitlements property list file at '%1': %2"_s.arg(
+            path, list ? u"The file is damaged or does not contain a dictionary."_s : list.error);
+    else
+        choices.entitlements.insert(list.value.toMap());
+}
+
+/// "AB12CD34EF" of "Example Ltd (AB12CD34EF)".
+QString teamOf(const QString &identity)
+{
+    return identity.endsWith(u')') ? identity.section(u'(', -1).chopped(1) : QString();
+}
+
+void addPreferences(const AppDelegate &application, examine::Choices &choices)
+{
+    choices.signsDeep = application.host().preferences.boolean(key::prefCodesignDeep);
+    choices.fileTool = application.configuration().fileTool;
+}
+
+/// The path of the item under an argument; null, with the error set, if there is none.
+QString itemUnder(const QString &name, const ScriptCommandPtr &command, const AppDelegate &application)
+{
+    const QVariant value = command->evaluatedArguments().value(name);
+    const QString path = value.typeId() == QMetaType::QUrl ? itempath::fromUrl(value.toUrl()) : QString();
+    if (!path.isEmpty() && application.host().files.isReachable(path))
+        return path;
+    command->setScriptErrorNumber(scriptErrorArgument);
+    return {};
+}
+
+void answer(const ScriptCommandPtr &command, const Look &look)
+{
+    if (look.json.isEmpty()) {
+        command->setScriptErrorNumber(scriptErrorGeneral);
+        command->setScriptErrorString(look.error);
+    }
+    command->resumeExecutionWithResult(look.json.isEmpty() ? QVariant() : QString::fromUtf8(look.json));
+}
+
+/// Suspends the command until the work has ended on a worker.
+void answerLater(const ScriptCommandPtr &command, const AppDelegate &application, std::function<Look()> work)
+{
+    command->suspendExecution();
+    application.host().workers.post([command, work = std::move(work)] { answer(command, work()); });
+}
+
+} // namespace
+
+examine::Choices choicesOf(const MainWinController &document)
+{
+    examine::Choices choices;
+    choices.entitlements = entitlementsFromSettings(document);
+    addExtraEntitlements(document.host().files, document.extraEntitlementsURL(), choices);
+    choices.skipPaths = document.skipPaths();
+    choices.signsMainItemOnly = document.dontSignEnclosuresCheckbox.isOn();
+    choices.packing = document.useDiskImage() ? examine::Packing::diskImage : examine::Packing::zip;
+    choices.team = teamOf(document.identitiesPopup.titleOfSelectedItem());
+    addPreferences(document.appDelegate(), choices);
+    return choices;
+}
+
+examine::Choices choicesOfNewDocument(const AppDelegate &application)
+{
+    const auto &preferences = application.host().preferences;
+    DocumentControls controls;
+    for (const CheckboxDefault &setting : checkboxDefaults())
+        (controls.*setting.checkbox).setState(preferences.boolean(setting.key) ? 1 : 0);
+    examine::Choices choices;
+    choices.entitlements = entitlementsFromSettings(controls);
+    choices.signsMainItemOnly = controls.dontSignEnclosuresCheckbox.isOn();
+    choices.packing =
+        preferences.boolean(key::createDiskImage) ? examine::Packing::diskImage : examine::Packing::zip;
+    choices.team = teamOf(preferences.string(key::lastUsedIdentity));
+    addPreferences(application, choices);
+    return choices;
+}
+
+Look run(const AppDelegate &application, const QStringList &arguments)
+{
+    Look look;
+    const auto process =
+        application.host().launcher.process(application.configuration().examineProgram, arguments);
+    if (const auto launched = process->launch(); !launched)
+        return {{}, launched.error()};
+    QByteArray errorText;
+    process->waitUntilExit([&look](const QByteArray &bytes) { look.json += bytes; },
+                           [&errorText](const QByteArray &bytes) { errorText += bytes; });
+    look.json += process->readOutputToEnd();
+    errorText += process->readErrorToEnd();
+    const int status = process->terminationStatus();
+    if (status == 0 || status == 1)
+        return look;
+    const QString prefix = u"sealwright-examine: "_s;
+    QString text = QString::fromUtf8(errorText).trimmed();
+    if (text.startsWith(prefix))
+        text.remove(0, prefix.size());
+    return {{}, text.isEmpty() ? u"The item could not be looked at (status %1)."_s.arg(status) : text};
+}
+
+Look examineItem(const AppDelegate &application, const QString &item, const examine::Choices &choices)
+{
+    return run(application, {u"--choices"_s, QString::fromUtf8(toJson(choices)), u"--"_s, item});
+}
+
+void answerExamination(const ScriptCommandPtr &command, const AppDelegate &application,
+                       const examine::Choices &choices)
+{
+    const QString item = itemUnder(argument::at, command, application);
+    if (!item.isEmpty())
+        answerLater(command, application,
+                    [&application, item, choices] { return examineItem(application, item, choices); });
+}
+
+void answerComparison(const ScriptCommandPtr &command, const AppDelegate &application)
+{
+    const QString old = itemUnder(argument::old, command, application);
+    const QString recent = old.isEmpty() ? QString() : itemUnder(argument::recent, command, application);
+    if (!recent.isEmpty())
+        answerLater(command, application, [&application, old, recent] {
+            return run(application, {u"--compare"_s, u"--"_s, old, recent});
+        });
+}
+
+} // namespace examining
