@@ -5,7 +5,9 @@
 #include "examine/rules.h"
 #include "formats/codesignature/signaturereader.h"
 #include "formats/resourceseal/bundlescan.h"
+#include "platform/bundle.h"
 #include "platform/itempath.h"
+#include "platform/posix/posixfileservice.h"
 
 #include <QDir>
 #include <QFile>
@@ -27,6 +29,14 @@ QStringList entriesOf(const QString &folder)
 bool isFinderMark(const QString &name)
 {
     return name == ".DS_Store"_L1 || name == "Icon\r"_L1;
+}
+
+/// A folder that says that it is a bundle, and has not the file that it names.
+bool namesMissingExecutable(const QString &folder)
+{
+    const platform::PosixFileService files;
+    const QString executable = platform::informationText(files, folder, u"CFBundleExecutable"_s);
+    return !executable.isEmpty() && !QFileInfo::exists(folder + u"/Contents/MacOS/"_s + executable);
 }
 
 bool leadsIntoCurrentVersion(const QString &link)
@@ -91,7 +101,8 @@ void Judgement::judgeContents(const QString &item, const QString &base, const QS
 /// Attributes, where files that are no Mach-O files have theirs, are cleared by the run.
 void Judgement::judgeNested(const QString &nested)
 {
-    if (isSignedByRun(nested))
+    if (isSignedByRun(nested)
+        || m_prediction.passedOver.value(nested, PassedOver::noCode) == PassedOver::leftover)
         return;
     const auto code = signing::readSignedCode(nested);
     if (code && code->isSigned() && code->kind == signing::CodeKind::MachO)
@@ -105,6 +116,8 @@ void Judgement::judgeNested(const QString &nested)
     CodeEntry entry;
     entry.path = path;
     const QString what = code ? signing::text::notSigned : code.error();
+    if (!code && namesMissingExecutable(nested))
+        return find(rule::missingExecutable, Severity::error, path, what);
     find(isSkipped(entry) ? rule::skippedCode : rule::unsignedCode, Severity::error, path, what);
 }
 

@@ -69,6 +69,8 @@ void Judgement::judgeSigned(const CodeEntry &entry)
 
 void Judgement::judgeKept(const CodeEntry &entry)
 {
+    if (absolute(entry.path) == m_prediction.droppedMember)
+        return; // told with the reason why the item takes its place
     const QString unsignedRule = ruleForUnsigned(entry);
     const bool isOneFinding = unsignedRule == rule::codeInArchive;
     for (const SliceFacts &slice : entry.facts.slices) {

@@ -127,7 +127,7 @@ void Collector::addBundle(const WalkPlace &place, const QString &kind, const QSt
 void Collector::machO(const WalkFile &file)
 {
     take(file);
-    const CodeFacts facts = toolchain::review::readCodeFacts(file.place.file);
+    const CodeFacts facts = toolchain::review::readCodeFacts(file.place.file, m_store);
     if (const auto bundle = m_byExecutable.constFind(file.place.path); bundle != m_byExecutable.cend()) {
         m_examination.code[*bundle].facts = facts;
         return;

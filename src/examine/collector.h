@@ -38,6 +38,7 @@ private:
 
     Examination &m_examination;
     const platform::FileService &m_files;
+    const toolchain::TrustStore m_store = toolchain::TrustStore::ofThisMachine();
     const int m_ownDepth; ///< of archives: an image or a package is one itself
     QHash<QString, qsizetype> m_byExecutable; ///< entries of bundles by the paths of their executables
     QStringList m_archives; ///< that are being walked, and were, within the item

@@ -41,7 +41,8 @@ void addOwnSignature(Examination &examination)
         return;
     const auto code = toolchain::codesignature::readSignedCode(examination.item);
     if (code)
-        examination.code.first().ownSignature = toolchain::review::signatureFacts(code->native());
+        examination.code.first().ownSignature =
+            toolchain::review::signatureFacts(code->native(), toolchain::TrustStore::ofThisMachine());
 }
 
 Result<Examination> begin(const QString &item)

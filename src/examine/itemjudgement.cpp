@@ -70,7 +70,9 @@ void Judgement::judgeMissingItem()
         return;
     const QString dropped = relative(m_prediction.droppedMember);
     for (Finding &finding : m_examination.findings) {
-        if (finding.path == "."_L1 && finding.rule == rule::missingExecutable)
+        const bool isAboutItem =
+            finding.rule == rule::missingExecutable || finding.rule == rule::invalidInfoPlist;
+        if (finding.path == "."_L1 && isAboutItem)
             finding.message += u" (\"%1\" goes unsigned in its place)"_s.arg(dropped);
     }
 }

@@ -81,7 +81,7 @@ SignedPart partOf(QIODevice &file, const MachOSlice &slice)
     return damaged;
 }
 
-SliceFacts factsOf(QIODevice &file, const MachOSlice &slice)
+SliceFacts factsOf(QIODevice &file, const MachOSlice &slice, const TrustStore &store)
 {
     SliceFacts facts;
     facts.architecture = slice.architecture();
@@ -92,7 +92,7 @@ SliceFacts factsOf(QIODevice &file, const MachOSlice &slice)
         facts.minimumSystem = version->minimumSystem;
         facts.sdk = version->sdk;
     }
-    facts.signature = signatureFacts(partOf(file, slice));
+    facts.signature = signatureFacts(partOf(file, slice), store);
     return facts;
 }
 
@@ -121,7 +121,7 @@ bool CodeFacts::isExecutable() const
                        [](const SliceFacts &slice) { return slice.isExecutable(); });
 }
 
-SignatureFacts signatureFacts(const SignedPart &part)
+SignatureFacts signatureFacts(const SignedPart &part, const TrustStore &store)
 {
     SignatureFacts facts;
     facts.state = stateOf(part);
@@ -136,14 +136,15 @@ SignatureFacts signatureFacts(const SignedPart &part)
     facts.entitlements = dictionaryIn(part.entitlements());
     if (facts.state != SignatureState::Signed)
         return facts;
-    const SignerFacts signer = signerFacts(part.cms());
+    const SignerFacts signer = signerFacts(part, store);
     facts.authorities = signer.names;
     facts.isDeveloperId = signer.isDeveloperId;
     facts.timestamp = signer.timestamp;
+    facts.isForged = !signer.problem.isEmpty();
     return facts;
 }
 
-CodeFacts readCodeFacts(const QString &path)
+CodeFacts readCodeFacts(const QString &path, const TrustStore &store)
 {
     CodeFacts facts;
     QFile file(path);
@@ -157,7 +158,7 @@ CodeFacts readCodeFacts(const QString &path)
         return facts;
     }
     for (const MachOSlice &slice : image->slices)
-        facts.slices.append(factsOf(file, slice));
+        facts.slices.append(factsOf(file, slice, store));
     return facts;
 }
 

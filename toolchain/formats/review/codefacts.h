@@ -7,6 +7,8 @@
 #include <QStringList>
 #include <QVariantMap>
 
+#include "formats/codesignature/trust.h"
+
 namespace toolchain::codesignature {
 struct SignedCode;
 struct SignedPart;
@@ -30,6 +32,7 @@ struct SignatureFacts {
     QString identifier;
     bool isDeveloperId = false; ///< by a certificate of that kind, of Apple's or of this machine
     bool hasRuntime = false;
+    bool isForged = false; ///< the certificate's key did not make it for this code directory
     QDateTime timestamp; ///< of a secure time stamp, in UTC; not valid if there is none
     QByteArray cdHash; ///< 20 bytes of the best digest; empty without a signature
     int hashType = 0; ///< of that digest, as in code directories
@@ -61,9 +64,9 @@ struct CodeFacts {
 };
 
 /// Reads the head and the signature of a Mach-O file and nothing of its code. Any thread.
-[[nodiscard]] CodeFacts readCodeFacts(const QString &path);
+[[nodiscard]] CodeFacts readCodeFacts(const QString &path, const TrustStore &store);
 
 /// What the signature of one part of an item says.
-[[nodiscard]] SignatureFacts signatureFacts(const codesignature::SignedPart &part);
+[[nodiscard]] SignatureFacts signatureFacts(const codesignature::SignedPart &part, const TrustStore &store);
 
 } // namespace toolchain::review

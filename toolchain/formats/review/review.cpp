@@ -24,7 +24,7 @@ public:
 
     void machO(const WalkFile &file) override
     {
-        const CodeFacts facts = readCodeFacts(file.place.file);
+        const CodeFacts facts = readCodeFacts(file.place.file, m_store);
         if (!facts.damage.isEmpty())
             return object(file.place, {}, Objection::Damaged);
         for (const SliceFacts &slice : facts.slices)
@@ -72,6 +72,7 @@ private:
     }
 
     const QString m_archiveName;
+    const TrustStore m_store = TrustStore::ofThisMachine();
     ItemReview &m_review;
 };
 

@@ -1,10 +1,13 @@
 #pragma once
 
-#include <QByteArray>
+#include "formats/codesignature/trust.h"
+
 #include <QDateTime>
-#include <QList>
-#include <QString>
 #include <QStringList>
+
+namespace toolchain::codesignature {
+struct SignedPart;
+}
 
 namespace toolchain::review {
 
@@ -12,11 +15,11 @@ namespace toolchain::review {
 struct SignerFacts {
     QStringList names; ///< common names of the certificates, the signer's first
     bool isDeveloperId = false; ///< rests on a trusted anchor and has the form of Developer ID for code
-    QDateTime timestamp; ///< of the time-stamp token, in UTC; not valid if there is none
+    QDateTime timestamp; ///< of a trusted time stamp, in UTC; not valid if there is none
+    QString problem; ///< why the signature is not that of the code directory; empty if it is
 };
 
-/// Reads a CMS signature in DER or BER form; nothing of it is verified against what was signed. Empty facts
-/// for what is none. Format: RFC 5652, and RFC 3161 for the token.
-[[nodiscard]] SignerFacts signerFacts(const QByteArray &cms);
+/// Judges the CMS signature of a part that has one. Nothing of the code is looked at.
+[[nodiscard]] SignerFacts signerFacts(const codesignature::SignedPart &part, const TrustStore &store);
 
 } // namespace toolchain::review

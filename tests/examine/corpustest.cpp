@@ -1,0 +1,53 @@
+// Each item of the corpus gets the findings that it must have, and no others.
+
+#include "examine/corpus.h"
+#include "examine/examiner.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+using testing::Ge;
+
+namespace {
+
+QStringList found(const examine::Examination &examination, examine::Severity severity)
+{
+    QStringList lines;
+    for (const examine::Finding &finding : examination.findings) {
+        const QString line = finding.rule + u' ' + finding.path;
+        if (finding.severity == severity && !lines.contains(line))
+            lines.append(line);
+    }
+    lines.sort();
+    return lines;
+}
+
+} // namespace
+
+class CorpusExamination : public testing::TestWithParam<CorpusItem> { };
+
+TEST_P(CorpusExamination, findsWhatIsWrongAndNothingElse)
+{
+    ItemMaker item(GetParam().architecture);
+    GetParam().make(item);
+    const auto examination = examine::examineItem(item.item(), item.choices);
+    ASSERT_TRUE(examination) << examination.error().toStdString();
+    EXPECT_EQ(found(*examination, examine::Severity::error), GetParam().errors)
+        << found(*examination, examine::Severity::error).join(u'\n').toStdString();
+    EXPECT_EQ(found(*examination, examine::Severity::warning), GetParam().warnings)
+        << found(*examination, examine::Severity::warning).join(u'\n').toStdString();
+    EXPECT_EQ(examination->isRefused(), !GetParam().errors.isEmpty());
+    for (const examine::Finding &finding : examination->findings) {
+        EXPECT_FALSE(finding.message.isEmpty()) << finding.rule.toStdString();
+        EXPECT_FALSE(finding.advice.isEmpty()) << finding.rule.toStdString();
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Items, CorpusExamination, testing::ValuesIn(corpus()),
+                         [](const auto &row) { return row.param.name; });
+
+TEST(TheCorpus, holdsAtLeast120Items)
+{
+    EXPECT_THAT(corpus().size(), Ge(120));
+}
