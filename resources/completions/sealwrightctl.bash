@@ -29,8 +29,8 @@ _sealwrightctl()
     esac
 
     if ((cword == 1)); then
-        candidates="submit staple sign prepare history log clear-log documents windows new get set cancel
-            close open quit --help --version"
+        candidates="submit staple sign prepare history examine issues compare log clear-log documents windows
+            new get set cancel close open quit --help --version"
         mapfile -t COMPREPLY < <(compgen -W "$candidates" -- "$cur")
         return
     fi
@@ -40,15 +40,21 @@ _sealwrightctl()
         staple | sign) candidates=$work ;;
         prepare) candidates="--document --identity" ;;
         history) candidates="--document --page --xml --timeout" ;;
+        examine) candidates="--document --json" ;;
+        compare) candidates="--json" ;;
         get) candidates="--document --window" ;;
         set) candidates="--document --window --unset" ;;
+        issues)
+            candidates="--json"
+            [[ $cur != -* ]] && candidates=$(sealwrightctl documents 2> /dev/null | cut -f 1)
+            ;;
         log | clear-log | cancel | close)
             ((cword == 2)) && candidates=$(sealwrightctl documents 2> /dev/null | cut -f 1)
             ;;
     esac
     mapfile -t COMPREPLY < <(compgen -W "$candidates" -- "$cur")
     case ${words[1]} in
-        submit | staple | sign | prepare | open)
+        submit | staple | sign | prepare | examine | compare | open)
             [[ $cur == -* ]] || mapfile -t COMPREPLY < <(compgen -f -- "$cur")
             compopt -o filenames 2> /dev/null
             ;;

@@ -32,9 +32,9 @@ public:
         QUrl usersForum;
         QVariantMap information; ///< the application's own information dictionary
         QString credits; ///< path of the credits, rich text
-        QString examineProgram; ///< path of the program that looks at items
-        QString fileTool; ///< path of the tool root's own file tool; empty where there is none
         QString buildDate; ///< as "MMM d yyyy", in English
+        QString examineProgram = {}; ///< path of the program that looks at items
+        QString fileTool = {}; ///< path of the tool root's own file tool; empty where there is none
     };
 
     AppDelegate(const platform::Host &host, WindowFactory &windowFactory, Configuration configuration);

@@ -94,7 +94,5 @@ AppDelegate::Configuration DesktopHost::configuration()
                             {u"CFBundleVersion"_s, QStringLiteral(SEALWRIGHT_BUILD)},
                             {u"NSHumanReadableCopyright"_s, u"Copyright © 2026 The Sealwright authors"_s}},
             .credits = u":/Credits.rtf"_s,
-            .examineProgram = {},
-            .fileTool = {},
             .buildDate = QStringLiteral(SEALWRIGHT_BUILD_DATE)};
 }
