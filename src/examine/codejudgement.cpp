@@ -4,8 +4,10 @@
 
 #include "examine/rules.h"
 #include "formats/review/judge.h"
+#include "formats/review/verifying.h"
 
 using namespace Qt::StringLiterals;
+using toolchain::review::CodeFacts;
 using toolchain::review::Objection;
 using toolchain::review::SignatureState;
 using toolchain::review::SliceFacts;
@@ -73,7 +75,13 @@ void Judgement::judgeKept(const CodeEntry &entry)
         return; // told with the reason why the item takes its place
     const QString unsignedRule = ruleForUnsigned(entry);
     const bool isOneFinding = unsignedRule == rule::codeInArchive;
-    for (const SliceFacts &slice : entry.facts.slices) {
+    CodeFacts facts = entry.facts;
+    const bool isOnDisk = !m_collected.isInArchive(entry.path) && m_examination.kind != ItemKind::package
+        && m_examination.kind != ItemKind::diskImage;
+    if (isOnDisk)
+        toolchain::review::verifySignatures(absolute(entry.path), facts,
+                                            toolchain::TrustStore::ofThisMachine());
+    for (const SliceFacts &slice : std::as_const(facts.slices)) {
         judgeKeptSlice(entry, slice, unsignedRule);
         if (isOneFinding && hasErrorAt(entry.path))
             return;

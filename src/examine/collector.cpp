@@ -3,6 +3,7 @@
 #include "examine/linktarget.h"
 #include "examine/rules.h"
 #include "formats/appledouble.h"
+#include "formats/review/verifying.h"
 #include "platform/bundle.h"
 #include "platform/itempath.h"
 
@@ -90,6 +91,13 @@ void Collector::folder(const WalkPlace &place, const QStringList &names)
 {
     checkNames(place, names);
     checkLength(place);
+    if (place.isInArchive()) {
+        const auto bundle = toolchain::review::bundleAt(place.file, names);
+        if (!bundle.executable.isEmpty())
+            m_folders.insert(bundle.executable, bundle.folder);
+        if (!bundle.executable.isEmpty() && !names.contains(u"Contents"_s) && !isVersionFolder(place))
+            return addBundle(place, u"bundle"_s, bundle.executable.mid(place.file.size() + 1));
+    }
     if (isVersionFolder(place))
         return addBundle(place, u"framework"_s,
                          platform::informationText(m_files, place.file, u"CFBundleExecutable"_s,
@@ -127,7 +135,10 @@ void Collector::addBundle(const WalkPlace &place, const QString &kind, const QSt
 void Collector::machO(const WalkFile &file)
 {
     take(file);
-    const CodeFacts facts = toolchain::review::readCodeFacts(file.place.file, m_store);
+    CodeFacts facts = toolchain::review::readCodeFacts(file.place.file, m_store);
+    if (file.place.isInArchive()) // it stays as it is, and is gone when the walk goes on
+        toolchain::review::verifySignatures(m_folders.value(file.place.file, file.place.file), facts,
+                                            m_store);
     if (const auto bundle = m_byExecutable.constFind(file.place.path); bundle != m_byExecutable.cend()) {
         m_examination.code[*bundle].facts = facts;
         return;

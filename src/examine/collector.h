@@ -40,6 +40,7 @@ private:
     const platform::FileService &m_files;
     const toolchain::TrustStore m_store = toolchain::TrustStore::ofThisMachine();
     const int m_ownDepth; ///< of archives: an image or a package is one itself
+    QHash<QString, QString> m_folders; ///< of bundles in archives, by their executables; absolute
     QHash<QString, qsizetype> m_byExecutable; ///< entries of bundles by the paths of their executables
     QStringList m_archives; ///< that are being walked, and were, within the item
     QList<qsizetype> m_openArchives; ///< how many entries there were when each was entered

@@ -3,6 +3,8 @@
 #include "examine/collector.h"
 #include "examine/judgement.h"
 #include "formats/codesignature/signaturereader.h"
+#include "formats/package/packagejudgement.h"
+#include "formats/review/signer.h"
 #include "platform/itempath.h"
 #include "platform/posix/posixfileservice.h"
 
@@ -12,6 +14,8 @@
 using namespace Qt::StringLiterals;
 using platform::Error;
 using platform::Result;
+using toolchain::review::SignatureFacts;
+using toolchain::review::SignatureState;
 
 namespace examine {
 
@@ -34,15 +38,32 @@ Result<ItemKind> kindOf(const QString &item)
     return Error{u"\"%1\" is neither an app, a plug-in, a package, a disk image nor a folder."_s.arg(item)};
 }
 
-/// The image's own signature stands beside its contents, of which the walk tells.
+/// The signature of an image or a package stands beside its contents, of which the walk tells.
+std::optional<SignatureFacts> ownSignature(const Examination &examination)
+{
+    const auto store = toolchain::TrustStore::ofThisMachine();
+    if (examination.kind == ItemKind::diskImage) {
+        const auto code = toolchain::codesignature::readSignedCode(examination.item);
+        return code ? std::optional(toolchain::review::signatureFacts(code->native(), store)) : std::nullopt;
+    }
+    const auto archive = toolchain::xar::Archive::open(examination.item);
+    if (!archive)
+        return {};
+    const auto judgement = toolchain::package::judgePackage(*archive);
+    SignatureFacts signature;
+    if (judgement.verdict == toolchain::package::PackageJudgement::Verdict::NotSigned)
+        return signature;
+    signature.state = SignatureState::Signed;
+    signature.authorities = toolchain::review::commonNames(judgement.trust.chain);
+    signature.timestamp = judgement.timestamp.value_or(QDateTime());
+    return signature;
+}
+
 void addOwnSignature(Examination &examination)
 {
-    if (examination.kind != ItemKind::diskImage || examination.code.isEmpty())
-        return;
-    const auto code = toolchain::codesignature::readSignedCode(examination.item);
-    if (code)
-        examination.code.first().ownSignature =
-            toolchain::review::signatureFacts(code->native(), toolchain::TrustStore::ofThisMachine());
+    const bool isFile = examination.kind == ItemKind::diskImage || examination.kind == ItemKind::package;
+    if (isFile && !examination.code.isEmpty() && examination.code.first().path == "."_L1)
+        examination.code.first().ownSignature = ownSignature(examination);
 }
 
 Result<Examination> begin(const QString &item)

@@ -140,7 +140,7 @@ SignatureFacts signatureFacts(const SignedPart &part, const TrustStore &store)
     facts.authorities = signer.names;
     facts.isDeveloperId = signer.isDeveloperId;
     facts.timestamp = signer.timestamp;
-    facts.isForged = !signer.problem.isEmpty();
+    facts.isInvalid = !signer.problem.isEmpty();
     return facts;
 }
 

@@ -32,7 +32,7 @@ struct SignatureFacts {
     QString identifier;
     bool isDeveloperId = false; ///< by a certificate of that kind, of Apple's or of this machine
     bool hasRuntime = false;
-    bool isForged = false; ///< the certificate's key did not make it for this code directory
+    bool isInvalid = false; ///< it does not verify, as far as that has been tried
     QDateTime timestamp; ///< of a secure time stamp, in UTC; not valid if there is none
     QByteArray cdHash; ///< 20 bytes of the best digest; empty without a signature
     int hashType = 0; ///< of that digest, as in code directories

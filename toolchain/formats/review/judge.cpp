@@ -24,7 +24,7 @@ QList<Objection> objectionsToSignature(const SliceFacts &slice)
     const SignatureFacts &signature = slice.signature;
     if (signature.state == SignatureState::None)
         return {Objection::NotSigned};
-    if (signature.state == SignatureState::Damaged || signature.isForged)
+    if (signature.state == SignatureState::Damaged || signature.isInvalid)
         return {Objection::Invalid};
     QList<Objection> objections;
     if (!signature.isDeveloperId)

@@ -1,6 +1,7 @@
 #include "formats/review/packageunpacker.h"
 
 #include "formats/bigendian.h"
+#include "formats/package/expansion.h"
 #include "formats/review/streamunpacker.h"
 #include "formats/xar/xartable.h"
 
@@ -126,6 +127,15 @@ private:
 
 Result<void> unpackPackage(const QString &package, const QString &folder, UnpackBudget &budget)
 {
+    const auto archive = xar::Archive::open(package);
+    if (!archive)
+        return archive.failure();
+    QDir().rmdir(folder); // it is to be a new one
+    if (package::expandPackage(*archive, folder, package::Depth::Payloads))
+        return {};
+    // Payloads may hold links to places on the disk they are installed to, which nobody follows here.
+    QDir(folder).removeRecursively();
+    QDir().mkpath(folder);
     return PackageUnpacker(package, folder, budget).run();
 }
 

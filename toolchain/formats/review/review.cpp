@@ -1,7 +1,10 @@
 #include "formats/review/review.h"
 
+#include "formats/codesignature/verification.h"
+#include "formats/package/packagejudgement.h"
 #include "formats/review/contentwalk.h"
 #include "formats/review/judge.h"
+#include "formats/review/verifying.h"
 #include "formats/udif/imagesignature.h"
 
 #include <QFile>
@@ -22,11 +25,19 @@ public:
     {
     }
 
+    void folder(const WalkPlace &place, const QStringList &names) override
+    {
+        const FoundBundle bundle = bundleAt(place.file, names);
+        if (!bundle.executable.isEmpty())
+            m_bundles.insert(bundle.executable, bundle.folder);
+    }
+
     void machO(const WalkFile &file) override
     {
-        const CodeFacts facts = readCodeFacts(file.place.file, m_store);
+        CodeFacts facts = readCodeFacts(file.place.file, m_store);
         if (!facts.damage.isEmpty())
             return object(file.place, {}, Objection::Damaged);
+        verifySignatures(m_bundles.value(file.place.file, file.place.file), facts, m_store);
         for (const SliceFacts &slice : facts.slices)
             judge(file.place, slice);
     }
@@ -45,6 +56,43 @@ public:
         m_review.isDamaged = true;
         m_review.issues.append(
             {u"error"_s, m_archiveName, u"The archive cannot be read: %1."_s.arg(reason), {}, {}});
+    }
+
+    /// The signature of a disk image itself, if it has one: the service takes images without.
+    void judgeImage(const QString &image)
+    {
+        const auto code = codesignature::readSignedCode(image);
+        if (!code || code->kind != codesignature::CodeKind::DiskImage || !code->isSigned())
+            return;
+        const SignatureFacts signature = signatureFacts(code->native(), m_store);
+        if (signature.isInvalid || !codesignature::verifyCode(image, {}).problem.isNone())
+            object({u"."_s, image, 0}, {}, Objection::Invalid);
+        else if (!signature.isDeveloperId)
+            object({u"."_s, image, 0}, {}, Objection::NotDeveloperId);
+        else
+            m_review.ticketContents.append(
+                {m_archiveName, {}, signature.cdHash, signature.hashType == 1 ? 1 : 2});
+    }
+
+    /// The signature of a package, which the service wants.
+    void judgePackage(const QString &path)
+    {
+        const WalkPlace place{u"."_s, path, 0};
+        const auto archive = xar::Archive::open(path);
+        if (!archive)
+            return; // told where it was to be unpacked
+        const auto judgement = package::judgePackage(*archive);
+        using Verdict = package::PackageJudgement::Verdict;
+        if (judgement.verdict == Verdict::NotSigned)
+            object(place, {}, Objection::NotSigned);
+        else if (judgement.verdict == Verdict::Damaged)
+            object(place, {}, Objection::Invalid);
+        else if (judgement.verdict == Verdict::Untrusted)
+            object(place, {}, Objection::NotDeveloperId);
+        else if (!judgement.timestamp)
+            object(place, {}, Objection::NoTimestamp);
+        const bool isSha1 = archive->checksumAlgorithm() == QCryptographicHash::Sha1;
+        m_review.ticketContents.append({m_archiveName, {}, archive->checksum().left(20), isSha1 ? 1 : 2});
     }
 
 private:
@@ -73,6 +121,7 @@ private:
 
     const QString m_archiveName;
     const TrustStore m_store = TrustStore::ofThisMachine();
+    QHash<QString, QString> m_bundles; ///< by their main executables
     ItemReview &m_review;
 };
 
@@ -97,10 +146,14 @@ ItemReview reviewItem(const QString &path, const QString &archiveName)
     ItemReview review;
     Reviewer reviewer(archiveName, review);
     UnpackBudget budget;
-    if (isUpload(path))
+    if (isUpload(path)) {
         walkContents(path, budget, reviewer);
-    else
+        reviewer.judgeImage(path);
+        if (xar::Archive::looksLikeOne(path))
+            reviewer.judgePackage(path);
+    } else {
         reviewer.damage(u"it is neither a zip archive nor a disk image nor a flat package"_s);
+    }
     if (!review.isAccepted())
         review.ticketContents.clear();
     return review;

@@ -47,6 +47,14 @@ SignedContent contentOf(const codesignature::SignedPart &part)
 
 } // namespace
 
+QStringList commonNames(const QList<QByteArray> &certificates)
+{
+    QStringList names;
+    for (const QByteArray &certificate : certificates)
+        names.append(commonName(certificate));
+    return names;
+}
+
 SignerFacts signerFacts(const codesignature::SignedPart &part, const TrustStore &store)
 {
     SignerFacts facts;
@@ -56,8 +64,7 @@ SignerFacts signerFacts(const codesignature::SignedPart &part, const TrustStore 
         return facts;
     }
     const CmsJudgement judgement = judgeCms(*cms, contentOf(part), TrustPurpose::CodeSigning, store);
-    for (const QByteArray &certificate : judgement.trust.chain)
-        facts.names.append(commonName(certificate));
+    facts.names = commonNames(judgement.trust.chain);
     facts.isDeveloperId = judgement.trust.isGood() && isDeveloperIdForCode(judgement.trust.chain);
     facts.timestamp = judgement.timestamp ? judgement.timestamp->toUTC() : QDateTime();
     facts.problem = judgement.problem;

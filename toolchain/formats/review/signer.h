@@ -19,6 +19,9 @@ struct SignerFacts {
     QString problem; ///< why the signature is not that of the code directory; empty if it is
 };
 
+/// The common names of certificates in DER form.
+[[nodiscard]] QStringList commonNames(const QList<QByteArray> &certificates);
+
 /// Judges the CMS signature of a part that has one. Nothing of the code is looked at.
 [[nodiscard]] SignerFacts signerFacts(const codesignature::SignedPart &part, const TrustStore &store);
 

@@ -1,0 +1,56 @@
+#include "formats/review/verifying.h"
+
+#include "formats/codesignature/verification.h"
+#include "formats/review/judge.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace toolchain::review {
+
+namespace {
+
+bool wouldDo(const SliceFacts &slice)
+{
+    return slice.signature.state == SignatureState::Signed && objectionsTo(slice).isEmpty();
+}
+
+bool isVersionFolder(const QString &folder)
+{
+    const QFileInfo info(folder);
+    return info.dir().dirName() == "Versions"_L1 && info.fileName() != "Current"_L1;
+}
+
+} // namespace
+
+void verifySignatures(const QString &path, CodeFacts &facts, const TrustStore &store)
+{
+    if (std::none_of(facts.slices.cbegin(), facts.slices.cend(), wouldDo))
+        return;
+    codesignature::VerificationOrder order;
+    order.strictness = codesignature::Strictness::Strict;
+    order.store = store;
+    const auto problem = verifyCode(path, order).problem;
+    if (problem.isNone())
+        return;
+    for (SliceFacts &slice : facts.slices) {
+        if (problem.architecture.isEmpty() || problem.architecture == slice.architecture)
+            slice.signature.isInvalid = true;
+    }
+}
+
+FoundBundle bundleAt(const QString &folder, const QStringList &names)
+{
+    if (!names.contains(u"Contents"_s) && !names.contains(u"Info.plist"_s) && !isVersionFolder(folder))
+        return {};
+    const auto bundle = codesignature::readCodeBundle(folder);
+    if (!bundle || bundle->executable.isEmpty())
+        return {};
+    return {folder, bundle->base + u'/' + bundle->executable};
+}
+
+} // namespace toolchain::review
