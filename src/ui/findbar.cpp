@@ -117,7 +117,22 @@ void FindBar::find(Direction direction)
 
 void FindBar::tell(bool isFound)
 {
-    m_result->setText(isFound ? QString() : u"Not found"_s);
+    m_result->setText(isFound ? placeText() : u"Not found"_s);
+}
+
+/// "3 of 12": the place that is selected, among all. Beyond so many, only that there are more.
+QString FindBar::placeText() const
+{
+    constexpr int mostCounted = 1000;
+    int count = 0;
+    int selected = 0;
+    QTextCursor place(m_text.document());
+    while (count <= mostCounted && !(place = m_text.document()->find(m_words->text(), place)).isNull()) {
+        ++count;
+        if (place.selectionStart() == m_text.textCursor().selectionStart())
+            selected = count;
+    }
+    return count > mostCounted ? u"more than %1"_s.arg(mostCounted) : u"%1 of %2"_s.arg(selected).arg(count);
 }
 
 void FindBar::putAway()

@@ -30,6 +30,7 @@ private:
     void findWhileTyping();
     void find(Direction direction);
     void tell(bool isFound);
+    QString placeText() const;
     void putAway();
 
     QPlainTextEdit &m_text;

@@ -5,6 +5,7 @@
 #include "ui/named.h"
 #include "ui/preferencebindings.h"
 #include "ui/settingrows.h"
+#include "ui/theme.h"
 #include "ui/toplevel.h"
 
 #include <QApplication>
@@ -12,6 +13,8 @@
 #include <QCheckBox>
 #include <QDir>
 #include <QFileDialog>
+#include <QFileInfo>
+#include <QGridLayout>
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
@@ -27,6 +30,20 @@ namespace {
 
 constexpr int charactersAcross = 96;
 constexpr int captionCharacters = 28;
+
+/// What a folder of tools lacks without which the application does not start; empty if it will do.
+QString problemOfToolRoot(const QString &folder)
+{
+    if (folder.isEmpty())
+        return {};
+    if (!QFileInfo(folder).isDir())
+        return u"There is no such folder. Sealwright would find no tools at the next launch."_s;
+    for (const auto tool : {"usr/bin/xcrun"_L1, "usr/bin/codesign"_L1}) {
+        if (!QFileInfo(folder + u'/' + tool).isExecutable())
+            return u"This folder has no %1. Sealwright would not work with it."_s.arg(tool);
+    }
+    return {};
+}
 
 /// One group of settings: what is set, and below it what that means.
 class Section {
@@ -216,7 +233,7 @@ void PreferencesWindow::addTools(QBoxLayout &sections)
 QWidget *PreferencesWindow::makeToolRoot(QWidget *parent)
 {
     auto *const row = new QWidget(parent);
-    auto *const columns = new QHBoxLayout(row);
+    auto *const columns = new QGridLayout(row);
     columns->setContentsMargins(0, 0, 0, 0);
     auto *const path = new QLineEdit(row);
     path->setObjectName(key::toolRoot);
@@ -226,9 +243,31 @@ QWidget *PreferencesWindow::makeToolRoot(QWidget *parent)
     auto *const choose =
         named(new QPushButton(u"&Choose…"_s, row), u"chooseToolRootButton"_s, u"Choose folder of tools"_s);
     connect(choose, &QPushButton::clicked, this, &PreferencesWindow::chooseToolRoot);
-    columns->addWidget(path, 1);
-    columns->addWidget(choose);
+    columns->addWidget(path, 0, 0);
+    columns->addWidget(choose, 0, 1);
+    columns->addWidget(makeToolRootProblem(row, *path), 1, 0, 1, 2);
     return row;
+}
+
+/// Says so while the folder that is in the field would keep the application from starting.
+QLabel *PreferencesWindow::makeToolRootProblem(QWidget *parent, QLineEdit &path)
+{
+    auto *const problem = new QLabel(parent);
+    problem->setObjectName(u"toolRootProblem"_s);
+    problem->setTextFormat(Qt::PlainText);
+    problem->setWordWrap(true);
+    QPalette palette;
+    palette.setColor(QPalette::WindowText, theme::colourOf(theme::Meaning::bad, this->palette()));
+    problem->setPalette(palette);
+    const auto show = [problem, &path] {
+        problem->setText(problemOfToolRoot(path.text()));
+        problem->setVisible(!problem->text().isEmpty());
+    };
+    connect(&path, &QLineEdit::textChanged, problem, show);
+    connect(&m_preferences.changes, &Observable::changed, problem,
+            show); // which the field follows in silence
+    show();
+    return problem;
 }
 
 void PreferencesWindow::chooseToolRoot()

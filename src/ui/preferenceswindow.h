@@ -7,6 +7,8 @@ class Preferences;
 }
 
 class QBoxLayout;
+class QLabel;
+class QLineEdit;
 
 /// The settings of the whole application, each explained in a line. Shows and writes the preferences
 /// themselves, so it agrees with a script that changes one while it is open. Escape closes it. Main thread.
@@ -25,6 +27,7 @@ private:
     void addLog(QBoxLayout &sections);
     void addTools(QBoxLayout &sections);
     QWidget *makeToolRoot(QWidget *parent);
+    QLabel *makeToolRootProblem(QWidget *parent, QLineEdit &path);
     void chooseToolRoot();
 
     platform::Preferences &m_preferences;

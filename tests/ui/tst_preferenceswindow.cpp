@@ -161,6 +161,24 @@ TEST_F(PreferencesWindowTest, theFolderOfToolsAgreesWithItsPreferenceBothWays)
     EXPECT_FALSE(preferences.stored().contains(key::toolRoot)) << "without a folder it is the bundled one";
 }
 
+TEST_F(PreferencesWindowTest, aFolderWithoutToolsIsToldBeforeTheNextLaunch)
+{
+    const QTemporaryDir folder;
+    auto &problem = part<QLabel>(u"toolRootProblem"_s);
+    EXPECT_FALSE(problem.isVisible());
+    preferences.setValue(key::toolRoot, u"/no/such/folder"_s);
+    EXPECT_TRUE(problem.isVisible());
+    preferences.setValue(key::toolRoot, folder.path());
+    EXPECT_TRUE(problem.text().contains(u"usr/bin/xcrun"_s)) << problem.text().toStdString();
+    ASSERT_TRUE(QDir(folder.path()).mkpath(u"usr/bin"_s));
+    for (const QString &tool : {u"/usr/bin/xcrun"_s, u"/usr/bin/codesign"_s})
+        ASSERT_TRUE(QFile::copy(u"/bin/true"_s, folder.path() + tool));
+    preferences.remove(key::toolRoot);
+    EXPECT_FALSE(problem.isVisible());
+    preferences.setValue(key::toolRoot, folder.path());
+    EXPECT_FALSE(problem.isVisible()) << problem.text().toStdString();
+}
+
 TEST_F(PreferencesWindowTest, whatIsBeingTypedIsNotTakenAwayByAnotherChange)
 {
     auto &path = part<QLineEdit>(key::toolRoot);
