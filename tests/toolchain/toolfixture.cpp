@@ -2,6 +2,7 @@
 
 #include "platform/propertylist/propertylist.h"
 
+#include <QFileInfo>
 #include <QProcessEnvironment>
 #include <QVariantMap>
 
@@ -43,12 +44,13 @@ std::unique_ptr<QProcess> ToolFixture::start(const QString &tool, const QStringL
     auto process = std::make_unique<QProcess>();
     auto environment = QProcessEnvironment::systemEnvironment();
     environment.insert(u"SEALWRIGHT_TOOLCHAIN_STATE"_s, path(u"state"_s));
-    environment.insert(u"SEALWRIGHT_WAIT_SCALE"_s, u"0.05"_s);
+    environment.insert(u"SEALWRIGHT_WAIT_SCALE"_s, u"0.02"_s);
     process->setProcessEnvironment(environment);
     process->setWorkingDirectory(m_folder.path());
     if (inChild)
         process->setChildProcessModifier(inChild);
-    process->start(tool.startsWith(u"/usr"_s) ? toolRoot() + tool : tool, arguments);
+    const QString bundled = toolRoot() + tool;
+    process->start(tool.startsWith(u"/usr"_s) && QFileInfo::exists(bundled) ? bundled : tool, arguments);
     return process;
 }
 

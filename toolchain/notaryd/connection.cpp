@@ -210,7 +210,8 @@ MHD_Result Connection::finish()
 
 MHD_Result Connection::answer(Response response)
 {
-    if (is(u"close") || is(u"reset"))
+    const bool hasNothingToCut = is(u"cut") && response.body.isEmpty(); // but its headers
+    if (is(u"close") || is(u"reset") || hasNothingToCut)
         return tearDown();
     if (m_fault)
         response = spoilt(std::move(response), *m_fault);

@@ -10,6 +10,7 @@
 #include <sys/sendfile.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <optional>
 
@@ -127,12 +128,13 @@ QList<MultipartUpload::Part> MultipartUpload::parts() const
 
 QString MultipartUpload::objectionTo(const QList<Part> &wanted) const
 {
+    const auto isOutOfOrder = [](const Part &one, const Part &next) { return next.number <= one.number; };
+    if (std::adjacent_find(wanted.begin(), wanted.end(), isOutOfOrder) != wanted.end())
+        return u"InvalidPartOrder"_s;
     for (qsizetype index = 0; index < wanted.size(); ++index) {
         const QFileInfo file(partPath(wanted.at(index)));
         if (!file.isFile())
             return u"InvalidPart"_s;
-        if (index > 0 && wanted.at(index).number <= wanted.at(index - 1).number)
-            return u"InvalidPartOrder"_s;
         if (index + 1 < wanted.size() && file.size() < leastPart)
             return u"EntityTooSmall"_s;
     }

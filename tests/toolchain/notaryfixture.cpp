@@ -1,0 +1,96 @@
+#include "toolchain/notaryfixture.h"
+
+#include "toolchain/bundlebuilder.h"
+
+#include <QFile>
+#include <QJsonDocument>
+#include <QThread>
+
+#include <signal.h>
+
+using namespace Qt::StringLiterals;
+using namespace toolchain::notary;
+
+namespace {
+
+const QString service = u"/usr/bin/sealwright-notaryd"_s;
+
+} // namespace
+
+void NotaryFixture::SetUp()
+{
+    ToolFixture::SetUp();
+    storePassword();
+    const ToolResult started = run(service, {u"--control"_s});
+    ASSERT_EQ(started.status, 0) << started.error.toStdString();
+    ASSERT_TRUE(started.output.startsWith(u"https://127.0.0.1:"_s)) << started.output.toStdString();
+}
+
+void NotaryFixture::TearDown()
+{
+    const auto pid =
+        QJsonDocument::fromJson(bundlebuilder::readFile(statePath(u"notary/service/address.json"_s)));
+    const qint64 process = pid[u"pid"].toInteger();
+    if (process > 1)
+        kill(pid_t(process), SIGTERM);
+}
+
+ServiceConfig NotaryFixture::config() const
+{
+    const auto config = serviceConfigFrom(bundlebuilder::readFile(statePath(u"notary/service.json"_s)));
+    EXPECT_TRUE(config) << config.error().toStdString();
+    return config.valueOr({});
+}
+
+QString NotaryFixture::origin() const
+{
+    return QString(config().api).remove(u"/notary/v2"_s);
+}
+
+HttpReply NotaryFixture::ask(const QByteArray &method, const QString &path, const QByteArray &body,
+                             const QList<HttpHeader> &headers) const
+{
+    HttpClient client(config());
+    HttpRequest request;
+    request.method = method;
+    request.url = (origin() + path).toUtf8();
+    request.body = body;
+    request.headers = headers;
+    return client.perform(request);
+}
+
+int NotaryFixture::setFaults(const QByteArray &json) const
+{
+    return ask("POST", u"/control/faults"_s, json).status;
+}
+
+QJsonArray NotaryFixture::requests() const
+{
+    return QJsonDocument::fromJson(ask("GET", u"/control/requests"_s).body).array();
+}
+
+void NotaryFixture::forgetRequests() const
+{
+    EXPECT_EQ(ask("POST", u"/control/reset"_s).status, 200);
+}
+
+QString NotaryFixture::makeArchive(const QString &name, qint64 size) const
+{
+    QFile file(path(name));
+    EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("PK\3\4 and nothing that an archive has behind it");
+    file.resize(size);
+    return file.fileName();
+}
+
+QString NotaryFixture::decidedRequest() const
+{
+    const QString uuid = uuidIn(upload(makeArchive()));
+    ToolResult report = info(uuid);
+    for (int look = 0; look < 100 && report.output.contains(u"Status: in progress"_s); ++look) {
+        QThread::msleep(20);
+        report = info(uuid);
+    }
+    EXPECT_TRUE(report.output.contains(u"Status: invalid"_s)) << report.output.toStdString();
+    return uuid;
+}

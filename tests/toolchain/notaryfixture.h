@@ -1,0 +1,38 @@
+#pragma once
+
+#include "formats/notary/httpclient.h"
+#include "toolchain/toolfixture.h"
+
+#include <QJsonArray>
+#include <QJsonObject>
+
+/// A notary service of the test's own that can be made to misbehave, and a key for it under the name "item".
+class NotaryFixture : public ToolFixture {
+protected:
+    void SetUp() override;
+    void TearDown() override;
+
+    [[nodiscard]] toolchain::notary::ServiceConfig config() const;
+
+    /// "https://127.0.0.1:PORT"
+    [[nodiscard]] QString origin() const;
+
+    /// Asks the service without any of the client's own wisdom.
+    [[nodiscard]] toolchain::notary::HttpReply
+    ask(const QByteArray &method, const QString &path, const QByteArray &body = {},
+        const QList<toolchain::notary::HttpHeader> &headers = {}) const;
+
+    /// Replaces the faults; answers the status.
+    int setFaults(const QByteArray &json) const;
+
+    /// What has been asked since the last reset.
+    [[nodiscard]] QJsonArray requests() const;
+    void forgetRequests() const;
+
+    /// A file that is taken as an archive, and refused by the review.
+    [[nodiscard]] QString makeArchive(const QString &name = QStringLiteral("Some.zip"),
+                                      qint64 size = 5000) const;
+
+    /// The identifier of an upload of such a file, which is decided.
+    [[nodiscard]] QString decidedRequest() const;
+};

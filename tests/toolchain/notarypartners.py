@@ -1,0 +1,101 @@
+"""Programs that others wrote talk to the notary service: AWS's client uploads, python3-jwt makes the tokens.
+
+usage: notarypartners.py SERVICE.JSON <ITEM     where ITEM is what the password item holds
+"""
+import hashlib, json, os, ssl, sys, time, urllib.error, urllib.request
+
+import boto3
+import jwt
+from botocore.config import Config
+from botocore.exceptions import ClientError
+
+service = json.load(open(sys.argv[1]))
+key = json.load(sys.stdin)
+trust = ssl.create_default_context(cafile=service["ca"])
+origin = service["api"].removesuffix("/notary/v2")
+
+
+def token(**changes):
+    now = int(time.time())
+    claims = {"iss": key["issuer_id"], "iat": now, "exp": now + 600, "aud": "appstoreconnect-v1"}
+    claims.update(changes)
+    signing = changes.pop("signing_key", key["private_key"])
+    claims.pop("signing_key", None)
+    return jwt.encode(claims, signing, algorithm="ES256", headers={"kid": key["key_id"]})
+
+
+def call(path, body=None, bearer=None):
+    request = urllib.request.Request(service["api"] + path, method="POST" if body else "GET",
+                                     data=json.dumps(body).encode() if body else None,
+                                     headers={"Authorization": "Bearer " + (bearer or token()),
+                                              "Content-Type": "application/json"})
+    try:
+        with urllib.request.urlopen(request, context=trust) as reply:
+            return reply.status, json.load(reply)
+    except urllib.error.HTTPError as error:
+        return error.code, None
+
+
+def tokens():
+    assert call("/submissions")[0] in (200, 404)
+    now = int(time.time())
+    for wrong in ({"aud": "somebody-else"}, {"exp": now - 300, "iat": now - 900}, {"exp": now + 1500},
+                  {"iss": "00000000-0000-0000-0000-000000000000"}):
+        assert call("/submissions", bearer=token(**wrong))[0] == 401, wrong
+    from cryptography.hazmat.primitives.asymmetric import ec
+    other = ec.generate_private_key(ec.SECP256R1())
+    assert call("/submissions", bearer=token(signing_key=other))[0] == 401
+    assert call("/submissions", bearer=token()[:-6] + "AAAAAA")[0] == 401
+
+
+def begin(data, name):
+    status, reply = call("/submissions", {"submissionName": name, "sha256": hashlib.sha256(data).hexdigest()})
+    assert status == 200, status
+    return reply["data"]["id"], reply["data"]["attributes"]
+
+
+def storage(place, **changes):
+    place = {**place, **changes}
+    return boto3.client("s3", endpoint_url=origin + "/s3", region_name="us-west-2", verify=service["ca"],
+                        aws_access_key_id=place["awsAccessKeyId"],
+                        aws_secret_access_key=place["awsSecretAccessKey"],
+                        aws_session_token=place["awsSessionToken"],
+                        config=Config(s3={"addressing_style": "path"}, retries={"max_attempts": 1}))
+
+
+def uploads():
+    data = b"PK\3\4" + os.urandom(20000)
+    identifier, place = begin(data, "by boto3.zip")
+    for changes in ({"awsSecretAccessKey": "wrong"}, {"awsSessionToken": "wrong"}, {"awsAccessKeyId": "ASIAWRONG"}):
+        try:
+            storage(place, **changes).put_object(Bucket=place["bucket"], Key=place["object"], Body=data)
+            raise SystemExit(f"accepted with {changes}")
+        except ClientError as error:
+            assert error.response["ResponseMetadata"]["HTTPStatusCode"] in (400, 403), error
+    for _ in range(2):  # the same bytes may be put again
+        storage(place).put_object(Bucket=place["bucket"], Key=place["object"], Body=data)
+    assert call(f"/submissions/{identifier}")[1]["data"]["attributes"]["status"] == "In Progress"
+
+
+def multipart():
+    parts = [b"PK\3\4" + os.urandom((5 << 20) - 4), os.urandom(1000)]
+    _, place = begin(b"".join(parts), "in parts.zip")
+    client = storage(place)
+    where = {"Bucket": place["bucket"], "Key": place["object"]}
+    upload = client.create_multipart_upload(**where)["UploadId"]
+    done = []
+    for number, part in enumerate(parts, 1):
+        etag = client.upload_part(**where, UploadId=upload, PartNumber=number, Body=part)["ETag"]
+        done.append({"PartNumber": number, "ETag": etag})
+    assert len(client.list_parts(**where, UploadId=upload)["Parts"]) == 2
+    try:
+        client.complete_multipart_upload(**where, UploadId=upload, MultipartUpload={"Parts": done[::-1]})
+        raise SystemExit("parts in the wrong order were taken")
+    except ClientError as error:
+        assert error.response["Error"]["Code"] == "InvalidPartOrder", error
+    client.complete_multipart_upload(**where, UploadId=upload, MultipartUpload={"Parts": done})
+
+
+for partner in (tokens, uploads, multipart):
+    partner()
+print("all agreed")

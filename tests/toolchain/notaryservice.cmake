@@ -1,0 +1,12 @@
+# The notary service and its client. A program of its own, since it waits more than it works.
+sealwright_test(tst_notary
+    bundlebuilder.cpp bundlebuilder.h
+    machobuilder.cpp machobuilder.h
+    notaryfixture.cpp notaryfixture.h
+    toolfixture.cpp toolfixture.h
+    tst_notaryservice.cpp)
+target_link_libraries(tst_notary PRIVATE Qt6::Core slw_propertylist tool_notaryclient)
+target_compile_definitions(tst_notary PRIVATE TOOLCHAIN_ROOT="${SEALWRIGHT_TOOLCHAIN}"
+    PARTNERS_SCRIPT="${CMAKE_CURRENT_SOURCE_DIR}/notarypartners.py"
+    RECOMPUTE_SCRIPT="${CMAKE_CURRENT_SOURCE_DIR}/notaryrecompute.py")
+add_dependencies(tst_notary toolchain)

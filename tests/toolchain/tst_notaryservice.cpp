@@ -1,0 +1,406 @@
+// The client of the notary service and the service of this machine, over TLS, on good days and on bad ones.
+
+#include "toolchain/bundlebuilder.h"
+#include "toolchain/notaryfixture.h"
+
+#include <QDir>
+#include <QDirIterator>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QRegularExpression>
+#include <QThread>
+
+#include <vector>
+
+using namespace Qt::StringLiterals;
+using bundlebuilder::readFile;
+using bundlebuilder::writeFile;
+
+namespace {
+
+/// One of the requests that the client makes.
+struct Call {
+    const char *name;
+    const char *pattern; ///< over the path
+    const char *method;
+};
+
+constexpr Call listing{"the history", "/submissions$", "GET"};
+constexpr Call submitting{"the submission", "/submissions$", "POST"};
+constexpr Call putting{"the upload", "^/s3/", "PUT"};
+constexpr Call asking{"the question", "/submissions/[^/]+$", "GET"};
+constexpr Call logging{"the log's address", "/logs$", "GET"};
+constexpr Call reading{"the log", "^/artifacts/", "GET"};
+
+QByteArray fault(const char *name, const Call &call, int count, const QByteArray &value = {})
+{
+    return QByteArray("[{\"fault\":\"") + name + "\",\"path\":\"" + call.pattern + "\",\"method\":\""
+        + call.method + "\",\"count\":" + QByteArray::number(count)
+        + (value.isEmpty() ? "" : ",\"value\":" + value) + "}]";
+}
+
+/// What may pass by itself.
+struct Passing {
+    const char *name;
+    const char *value;
+};
+constexpr Passing passing[] = {
+    {"status", "500"},
+    {"status", "502"},
+    {"status", "503"},
+    {"status", "504"},
+    {"status", R"({"code":429,"retryAfter":3})"},
+    {"close", ""},
+    {"reset", ""},
+    {"cut", "10"},
+    {"cut", "0"},
+};
+constexpr Passing spoiling[] = {{"not-json", ""}, {"huge", "6000000"}};
+
+class NotaryService : public NotaryFixture {
+protected:
+    /// Runs what makes the call, and answers whether it came to its right end.
+    bool succeeds(const Call &call)
+    {
+        if (call.pattern == listing.pattern && call.method == QByteArrayView("GET"))
+            return altool({u"--notarization-history"_s, u"0"_s}).status == 0;
+        if (call.method == QByteArrayView("POST") || call.method == QByteArrayView("PUT"))
+            return !uuidIn(upload(makeArchive())).isEmpty();
+        const ToolResult report = info(m_decided);
+        return report.status == 0 && report.output.contains(u"Status: invalid\n"_s)
+            && report.output.contains(u"LogFileURL: file:///"_s);
+    }
+
+    /// Every third pair of a trouble and a call, unless SEALWRIGHT_WHOLE_MATRIX asks for all.
+    static bool isAmongThoseTried()
+    {
+        static int number = 0;
+        return number++ % 3 == 0 || qEnvironmentVariableIsSet("SEALWRIGHT_WHOLE_MATRIX");
+    }
+
+    void expectToPass(const Call &call, const Passing &trouble, int count)
+    {
+        if (!isAmongThoseTried())
+            return;
+        ASSERT_EQ(setFaults(fault(trouble.name, call, count, trouble.value)), 200);
+        EXPECT_TRUE(succeeds(call)) << trouble.name << ' ' << trouble.value << " at " << call.name << ", "
+                                    << count << " times";
+    }
+
+    [[nodiscard]] int requestsTo(const Call &call) const
+    {
+        int count = 0;
+        for (const QJsonValue &request : requests()) {
+            const bool fits = QRegularExpression(QString::fromLatin1(call.pattern))
+                                  .match(request[u"path"].toString())
+                                  .hasMatch();
+            count += fits && request[u"method"].toString() == QLatin1StringView(call.method) ? 1 : 0;
+        }
+        return count;
+    }
+
+    QString m_decided;
+};
+
+} // namespace
+
+TEST_F(NotaryService, troubleThatPassesCostsNothingAtAnyCall)
+{
+    m_decided = decidedRequest();
+    for (const Call &call : {listing, submitting, putting, asking, logging, reading}) {
+        for (const Passing &trouble : passing)
+            expectToPass(call, trouble, 3);
+        if (call.method == QByteArrayView("GET")) {
+            for (const Passing &trouble : spoiling)
+                expectToPass(call, trouble, 1);
+        }
+    }
+}
+
+TEST_F(NotaryService, anErrorOfTheStorageThatPassesCostsNothing)
+{
+    for (const char *code : {"InternalError", "SlowDown", "RequestTimeout"}) {
+        for (const char *late : {"true", "false"}) {
+            const QByteArray value = QByteArray("{\"code\":\"") + code + "\",\"late\":" + late + "}";
+            ASSERT_EQ(setFaults(fault("s3-error", putting, 3, value)), 200);
+            EXPECT_TRUE(succeeds(putting)) << value.toStdString();
+        }
+    }
+    for (const char *code : {"ExpiredToken", "RequestTimeTooSkewed"}) {
+        ASSERT_EQ(setFaults(fault("s3-error", putting, 1, QByteArray("\"") + code + '"')), 200);
+        EXPECT_TRUE(succeeds(putting)) << code;
+    }
+}
+
+TEST_F(NotaryService, troubleForEverEndsTheRunAfterFourTries)
+{
+    m_decided = decidedRequest();
+    for (const Call &call : {listing, submitting, putting, asking}) {
+        for (const Passing &trouble : passing) {
+            if (!isAmongThoseTried())
+                continue;
+            forgetRequests();
+            ASSERT_EQ(setFaults(fault(trouble.name, call, -1, trouble.value)), 200);
+            EXPECT_FALSE(succeeds(call)) << trouble.name << " at " << call.name;
+            EXPECT_EQ(requestsTo(call), 4) << trouble.name << ' ' << trouble.value << " at " << call.name;
+        }
+    }
+}
+
+TEST_F(NotaryService, aRefusalIsFinalAndSaysWhy)
+{
+    const struct {
+        const char *value;
+        const char16_t *said;
+        int requests;
+    } refusals[] = {
+        {"401", u"API key", 2},
+        {R"({"code":403,"kind":"agreement"})", u"A required agreement is missing or has expired.", 1},
+        {R"({"code":403,"kind":"provider"})", u"This provider does not exist.", 1},
+        {"400", u"HTTP status 400", 1}};
+    for (const auto &refusal : refusals) {
+        forgetRequests();
+        ASSERT_EQ(setFaults(fault("status", listing, -1, refusal.value)), 200);
+        QElapsedTimer timer;
+        timer.start();
+        const ToolResult reply = altool({u"--notarization-history"_s, u"0"_s});
+        EXPECT_EQ(reply.status, 1);
+        EXPECT_EQ(reply.output, QString());
+        EXPECT_TRUE(reply.error.contains(QString::fromUtf16(refusal.said))) << reply.error.toStdString();
+        EXPECT_FALSE(reply.error.contains(u'<')) << reply.error.toStdString();
+        EXPECT_EQ(requestsTo(listing), refusal.requests) << refusal.value;
+        EXPECT_LT(timer.elapsed(), 10'000);
+    }
+}
+
+TEST_F(NotaryService, aSilentServiceIsGivenUp)
+{
+    ASSERT_EQ(setFaults(fault("stall", listing, -1)), 200);
+    QElapsedTimer timer;
+    timer.start();
+    EXPECT_EQ(altool({u"--notarization-history"_s, u"0"_s}).status, 1);
+    EXPECT_LT(timer.elapsed(), 15'000);
+}
+
+TEST_F(NotaryService, aSlowServiceCostsPatienceAndNoResult)
+{
+    ASSERT_EQ(
+        setFaults(R"([{"fault":"delay","value":0.5,"count":-1},{"fault":"drip","value":2000,"count":-1}])"),
+        200);
+    EXPECT_EQ(altool({u"--notarization-history"_s, u"0"_s}).status, 0);
+    EXPECT_FALSE(uuidIn(upload(makeArchive())).isEmpty());
+    ASSERT_EQ(setFaults(R"([{"fault":"slow-read","value":40000,"path":"^/s3/","count":-1}])"), 200);
+    EXPECT_FALSE(uuidIn(upload(makeArchive(u"Slow.zip"_s, 60'000))).isEmpty());
+}
+
+TEST_F(NotaryService, anUnknownStatusIsNoRefusal)
+{
+    const QString uuid = decidedRequest();
+    ASSERT_EQ(setFaults(R"([{"fault":"unknown-status","value":"Under Deep \u001b[31mAnalysis","count":-1}])"),
+              200);
+    const ToolResult report = info(uuid);
+    EXPECT_EQ(report.status, 0);
+    EXPECT_TRUE(report.output.contains(u"Status: in progress\n"_s)) << report.output.toStdString();
+    EXPECT_TRUE(report.error.contains(u"Under Deep"_s));
+    EXPECT_FALSE(report.error.contains(QChar(27)));
+}
+
+TEST_F(NotaryService, aReplyWithoutAStatusIsAFailureAndNoVerdict)
+{
+    const QString uuid = decidedRequest();
+    for (const char *field : {"status", "attributes", "data"}) {
+        ASSERT_EQ(setFaults(fault("missing-field", asking, -1, QByteArray("\"") + field + '"')), 200);
+        const ToolResult report = info(uuid);
+        EXPECT_EQ(report.status, 1) << field;
+        EXPECT_FALSE(report.output.contains(u"Status:"_s));
+    }
+}
+
+TEST_F(NotaryService, aRequestThatIsNotKnownYetOrAnyMoreHasTheStatusOfItsOwn)
+{
+    const QString uuid = decidedRequest();
+    ASSERT_EQ(setFaults(R"([{"fault":"unknown-at-first","value":2}])"), 200);
+    EXPECT_EQ(info(uuid).status, 239);
+    EXPECT_EQ(info(uuid).status, 239);
+    EXPECT_EQ(info(uuid).status, 0);
+    ASSERT_EQ(setFaults(R"([{"fault":"vanishes","value":0}])"), 200);
+    EXPECT_EQ(info(uuid).status, 239);
+    EXPECT_EQ(altool({u"--notarization-history"_s, u"0"_s}).output, u"No items found.\n"_s);
+}
+
+TEST_F(NotaryService, aRequestThatIsNeverDecidedStaysInProgress)
+{
+    const QString uuid = decidedRequest();
+    ASSERT_EQ(setFaults(R"([{"fault":"never-decided"}])"), 200);
+    EXPECT_TRUE(info(uuid).output.contains(u"Status: in progress\n"_s));
+    EXPECT_TRUE(info(uuid).output.contains(u"Status: in progress\n"_s));
+}
+
+TEST_F(NotaryService, aLogThatIsNotToBeHadCostsItsLineAndNothingElse)
+{
+    const QString uuid = decidedRequest();
+    ASSERT_EQ(setFaults(R"([{"fault":"no-log-at-first","value":2}])"), 200);
+    EXPECT_TRUE(info(uuid).output.contains(u"LogFileURL: file:///"_s));
+    for (const QByteArray &faults : {QByteArray(R"([{"fault":"no-log-at-first","value":99}])"),
+                                     QByteArray(R"([{"fault":"log-not-json","count":-1}])")}) {
+        ASSERT_EQ(setFaults(faults), 200);
+        const ToolResult report = info(uuid);
+        EXPECT_EQ(report.status, 0);
+        EXPECT_TRUE(report.output.contains(u"Status: invalid\n"_s));
+        EXPECT_FALSE(report.output.contains(u"LogFileURL"_s));
+        EXPECT_TRUE(report.error.contains(u"warning: the log is not to be had"_s))
+            << report.error.toStdString();
+    }
+}
+
+TEST_F(NotaryService, aClockThatIsWrongIsCorrectedAndTold)
+{
+    for (const char *seconds : {"1500", "-1500", "90000"}) {
+        ASSERT_EQ(setFaults(QByteArray(R"([{"fault":"clock","value":)") + seconds + "}]"), 200);
+        const ToolResult reply = upload(makeArchive());
+        EXPECT_EQ(reply.status, 0) << seconds << ' ' << reply.error.toStdString();
+        EXPECT_TRUE(reply.error.contains(u"this machine's clock is"_s));
+    }
+}
+
+TEST_F(NotaryService, aBigFileGoesInPartsAndWhatTheStorageSaysInASuccessIsRead)
+{
+    const QString big = makeArchive(u"Big.zip"_s, (128LL << 20) + 1);
+    ASSERT_EQ(setFaults(R"([{"fault":"complete-error","value":"InternalError","count":1},
+                            {"fault":"reset","path":"^/s3/","method":"PUT","value":30000000,"skip":1,"count":1}])"),
+              200);
+    const ToolResult reply = upload(big);
+    EXPECT_EQ(reply.status, 0) << reply.error.toStdString();
+    EXPECT_EQ(requestsTo(putting), 4); // three parts, one of them twice
+    ASSERT_EQ(setFaults(R"([{"fault":"complete-error","value":"AccessDenied","count":-1}])"), 200);
+    const ToolResult refused = upload(big);
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_TRUE(refused.error.contains(u"AccessDenied"_s)) << refused.error.toStdString();
+}
+
+TEST_F(NotaryService, anEmptyFileIsRefusedBeforeAnyRequest)
+{
+    writeFile(path(u"empty.zip"_s), {});
+    EXPECT_EQ(upload(path(u"empty.zip"_s)).status, 1);
+    EXPECT_TRUE(requests().isEmpty());
+}
+
+TEST_F(NotaryService, aFileThatGrowsWhileItIsSentIsAFailure)
+{
+    const QString archive = makeArchive();
+    ASSERT_EQ(setFaults(R"([{"fault":"delay","path":"^/s3/","value":0.8}])"), 200);
+    const auto sending = start(xcrun,
+                               {u"altool"_s, u"--notarize-app"_s, u"-f"_s, archive, u"--primary-bundle-id"_s,
+                                u"a.b"_s, u"-u"_s, u"me"_s, u"-p"_s, u"@keychain:item"_s});
+    for (int look = 0; look < 100 && requestsTo(submitting) == 0; ++look)
+        sending->waitForFinished(20);
+    QFile file(archive);
+    ASSERT_TRUE(file.open(QIODevice::Append) && file.write("more") == 4);
+    file.close();
+    const ToolResult reply = finish(*sending);
+    EXPECT_EQ(reply.status, 1);
+    EXPECT_TRUE(reply.error.contains(u"was changed while it was being uploaded"_s))
+        << reply.error.toStdString();
+}
+
+TEST_F(NotaryService, anUploadSaysOnOneLineWhichServiceIsAsked)
+{
+    const ToolResult reply = upload(makeArchive());
+    EXPECT_EQ(reply.error.count(u'\n'), 1) << reply.error.toStdString();
+    EXPECT_TRUE(reply.error.contains(origin().remove(u"https://"_s))) << reply.error.toStdString();
+}
+
+TEST_F(NotaryService, aFaultThatIsNoneChangesNothing)
+{
+    ASSERT_EQ(setFaults(R"([{"fault":"status","value":404,"count":-1}])"), 200);
+    for (const char *list :
+         {"", "{}", "[{}]", R"([{"fault":"status"}])", R"([{"fault":"status","value":"x"}])",
+          R"([{"fault":"status","value":99999}])", R"([{"fault":"nothing"}])",
+          R"([{"fault":"cut","value":-1}])", R"([{"fault":"close","value":3}])",
+          R"([{"fault":"s3-error","value":"NoSuchCode"}])", R"([{"fault":"close","path":"("}])",
+          R"([{"fault":"close","count":-2}])", R"([{"fault":"close","skip":0.5}])",
+          R"([{"fault":"close","more":1}])", R"([{"fault":"close"},{"fault":"status"}])"})
+        EXPECT_EQ(setFaults(list), 400) << list;
+    EXPECT_EQ(info(u"11111111-2222-3333-4444-555555555555"_s).status, 239);
+    EXPECT_EQ(ask("POST", u"/control/reset"_s).status, 200);
+    EXPECT_TRUE(requests().isEmpty());
+}
+
+TEST_F(NotaryService, aServiceOnDemandAnswersNoControl)
+{
+    ASSERT_TRUE(QDir(statePath(u"notary/service"_s)).exists());
+    NotaryFixture::TearDown();
+    for (int look = 0; look < 100 && ask("GET", u"/control/requests"_s).isWhole(); ++look)
+        QThread::msleep(20);
+    EXPECT_EQ(altool({u"--notarization-history"_s, u"0"_s}).status, 0) << "starts one of its own";
+    EXPECT_EQ(ask("GET", u"/control/requests"_s).status, 404);
+}
+
+TEST_F(NotaryService, manyThatStartAtOnceFindOneService)
+{
+    NotaryFixture::TearDown();
+    std::vector<std::unique_ptr<QProcess>> runs;
+    for (int index = 0; index < 6; ++index)
+        runs.push_back(start(xcrun,
+                             {u"altool"_s, u"--notarization-history"_s, u"0"_s, u"-u"_s, u"me"_s, u"-p"_s,
+                              u"@keychain:item"_s}));
+    for (const auto &process : runs)
+        EXPECT_EQ(finish(*process).status, 0);
+}
+
+TEST_F(NotaryService, aTicketIsLookedUpAsTheRealDatabaseIs)
+{
+    const QString lookup = QUrl(config().tickets).path();
+    const auto reply =
+        ask("POST", lookup, R"({"records":[{"recordName":"2/2/0123456789012345678901234567890123456789"}]})",
+            {{"Content-Type", "application/json"}});
+    EXPECT_EQ(reply.status, 200);
+    const QJsonValue record = QJsonDocument::fromJson(reply.body)[u"records"][0];
+    EXPECT_EQ(record[u"serverErrorCode"].toString(), u"NOT_FOUND"_s);
+    EXPECT_EQ(record[u"reason"].toString(), u"Record not found"_s);
+    EXPECT_EQ(ask("POST", lookup, "[]").status, 400);
+}
+
+TEST_F(NotaryService, noSecretStandsWhereOthersCouldReadIt)
+{
+    const QString uuid = decidedRequest();
+    ASSERT_EQ(setFaults(fault("s3-error", putting, -1, "\"AccessDenied\"")), 200);
+    const ToolResult refused = upload(makeArchive());
+    const ToolResult report = info(uuid);
+    static const QRegularExpression secret(
+        u"eyJ[A-Za-z0-9_-]{10}|Bearer |ASIA[A-Z2-7]{16}|Signature=|PRIVATE KEY|uploadId=|Credential="_s);
+    for (const QString &text : {refused.output, refused.error, report.output, report.error,
+                                QString::fromUtf8(ask("GET", u"/control/requests"_s).body)})
+        EXPECT_FALSE(secret.match(text).hasMatch()) << text.toStdString();
+    QDirIterator files(statePath(u"notary"_s), QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+    const auto others = QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther;
+    while (files.hasNext()) {
+        const QString file = files.next();
+        EXPECT_FALSE(secret.match(QString::fromUtf8(readFile(file))).hasMatch()) << file.toStdString();
+        EXPECT_FALSE(QFileInfo(file).permissions() & others) << file.toStdString();
+    }
+}
+
+TEST_F(NotaryService, independentPartnersAgreeWithBothSides)
+{
+    const QString script = QStringLiteral(PARTNERS_SCRIPT);
+    const ToolResult keyItem = run(security, {u"find-generic-password"_s, u"-s"_s, u"item"_s, u"-w"_s});
+    ASSERT_EQ(keyItem.status, 0) << keyItem.error.toStdString();
+    const ToolResult result =
+        run(u"/usr/bin/python3"_s, {script, statePath(u"notary/service.json"_s)}, keyItem.output.toUtf8());
+    EXPECT_EQ(result.status, 0) << result.output.toStdString() << result.error.toStdString();
+    EXPECT_TRUE(result.output.contains(u"all agreed"_s)) << result.output.toStdString();
+}
+
+TEST_F(NotaryService, othersRecomputeTheSignaturesAndTokensOfTheClient)
+{
+    const ToolResult keyItem = run(security, {u"find-generic-password"_s, u"-s"_s, u"item"_s, u"-w"_s});
+    const QString big = makeArchive(u"Big.zip"_s, (128LL << 20) + 1);
+    const ToolResult result =
+        run(u"/usr/bin/python3"_s, {QStringLiteral(RECOMPUTE_SCRIPT), toolRoot() + xcrun, makeArchive(), big},
+            keyItem.output.toUtf8());
+    EXPECT_EQ(result.status, 0) << result.output.toStdString() << result.error.toStdString();
+    EXPECT_TRUE(result.output.contains(u"6 signatures and 2 tokens agreed"_s)) << result.output.toStdString();
+}
