@@ -50,7 +50,10 @@ ENGINE *startEngine(const QString &uri)
     const QByteArray module = QFile::encodeName(attributeOf(uri, u"module-path"_s));
     const bool isSet = engine
         && (module.isEmpty() || ENGINE_ctrl_cmd_string(engine, "MODULE_PATH", module.constData(), 0) == 1);
-    return isSet && ENGINE_init(engine) == 1 ? engine : nullptr;
+    if (!isSet || ENGINE_init(engine) != 1)
+        return nullptr;
+    ENGINE_ctrl_cmd_string(engine, "QUIET", nullptr, 0); // what goes wrong is told in one line of ours
+    return engine;
 }
 
 ENGINE *engineFor(const QString &uri)
