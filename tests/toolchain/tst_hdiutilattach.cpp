@@ -502,6 +502,31 @@ TEST_F(HdiutilAttach, whatAKilledAttachHasLeftIsClearedAway)
     expectNothingAttached();
 }
 
+TEST_F(HdiutilAttach, aCopyThatNothingCanReachAnyMoreIsTidiedAway)
+{
+    const QString left = mountPointIn(attach(m_image));
+    const QString chosen = path(u"chosen"_s);
+    const QString other = path(u"other.dmg"_s);
+    ASSERT_TRUE(QFile::copy(m_image, other));
+    ASSERT_EQ(run(hdiutil, {u"attach"_s, other, u"-mountpoint"_s, chosen}).status, 0);
+    ASSERT_EQ(run(hdiutil, {u"info"_s}).status, 0);
+    EXPECT_TRUE(QFile::exists(left)) << "its image is still there";
+    ASSERT_TRUE(QFile::remove(m_image) && QFile::remove(other));
+    {
+        QProcess worker;
+        worker.setWorkingDirectory(left);
+        worker.start(u"cat"_s, QStringList());
+        ASSERT_TRUE(worker.waitForStarted());
+        ASSERT_EQ(run(hdiutil, {u"info"_s}).status, 0);
+        EXPECT_TRUE(QFile::exists(left)) << "a process works in it";
+        worker.closeWriteChannel();
+        ASSERT_TRUE(worker.waitForFinished());
+    }
+    ASSERT_EQ(run(hdiutil, {u"info"_s}).status, 0);
+    EXPECT_FALSE(QFile::exists(left));
+    EXPECT_TRUE(QFile::exists(chosen)) << "a person has chosen its place";
+}
+
 TEST_F(HdiutilAttach, refusesArgumentsThatItDoesNotUnderstand)
 {
     for (const QStringList &arguments : {QStringList{u"attach"_s},

@@ -68,6 +68,35 @@ void removeContents(const fs::path &folder, std::error_code &error)
     }
 }
 
+bool isBelow(const fs::path &link, const std::string &folder)
+{
+    std::error_code error;
+    const std::string target = fs::read_symlink(link, error).string();
+    return !error && (target == folder || target.starts_with(folder + '/'));
+}
+
+/// Whether a process has its folder or an open file in a folder. Those of other users do not let themselves
+/// be looked at.
+bool isInUse(const std::string &folder)
+{
+    std::error_code error;
+    for (fs::directory_iterator process("/proc", error), end; !error && process != end;
+         process.increment(error)) {
+        const std::string number = process->path().filename().string();
+        if (number.find_first_not_of("0123456789") != std::string::npos)
+            continue;
+        if (isBelow(process->path() / "cwd", folder))
+            return true;
+        std::error_code closed;
+        for (fs::directory_iterator file(process->path() / "fd", closed); !closed && file != end;
+             file.increment(closed)) {
+            if (isBelow(file->path(), folder))
+                return true;
+        }
+    }
+    return false;
+}
+
 } // namespace
 
 AttachedImages::AttachedImages()
@@ -82,6 +111,7 @@ AttachedImages::AttachedImages()
         return;
     }
     clearUnfinished();
+    clearUnreachable();
 }
 
 /// A folder that was there before may have got another use since: what was begun in it is only forgotten.
@@ -95,6 +125,23 @@ void AttachedImages::clearUnfinished()
         else
             m_error = remove(image);
     }
+}
+
+/// What cannot be cleared away is told of when somebody detaches it.
+void AttachedImages::clearUnreachable()
+{
+    for (const AttachedImage &image : all()) {
+        if (m_error.empty() && image.isWhole && isUnreachable(image))
+            (void)remove(image);
+    }
+}
+
+bool AttachedImages::isUnreachable(const AttachedImage &image) const
+{
+    std::error_code error;
+    const bool hasOurPlace = !image.wasThere && fs::path(image.mountPoint).parent_path() == volumesFolder();
+    const bool isGone = fs::status(image.image, error).type() == fs::file_type::not_found;
+    return hasOurPlace && isGone && !isInUse(image.mountPoint);
 }
 
 std::vector<AttachedImage> AttachedImages::all() const

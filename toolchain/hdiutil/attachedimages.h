@@ -35,7 +35,8 @@ struct AttachedImage {
 
 /// The attached images of this user, one file each in the state folder. While this lives no other process
 /// changes them. What a process that came to an early end has left of a copy is cleared away first, unless it
-/// lies in a folder that was there before.
+/// lies in a folder that was there before. So is a copy that nothing can reach any more: its image is gone,
+/// nobody has chosen its place, and no process of this user works in it.
 class AttachedImages {
 public:
     AttachedImages();
@@ -60,6 +61,8 @@ public:
 
 private:
     void clearUnfinished();
+    void clearUnreachable();
+    [[nodiscard]] bool isUnreachable(const AttachedImage &image) const;
     void forget(const AttachedImage &image) const;
     [[nodiscard]] QString recordPath(int number) const;
 

@@ -3,6 +3,7 @@
 #include "formats/hfsplus/hfspluswriter.h"
 #include "formats/udif/guidtable.h"
 #include "formats/udif/udifwriter.h"
+#include "hdiutil/attachedimages.h"
 #include "support/console.h"
 #include "support/wholefile.h"
 
@@ -163,6 +164,9 @@ int create(const VerbArguments &words)
         return failVerb(verb, std::strerror(ENOENT));
     if (fs::exists(fs::symlink_status(plan.image)) && !arguments.has("-ov"))
         return failVerb(verb, std::strerror(EEXIST));
+    { // makes room before room is taken
+        const AttachedImages leftOver;
+    }
     const std::string problem = makeImage(plan, arguments);
     tellDetail(arguments, "hdiutil: create: returning " + std::to_string(problem.empty() ? 0 : 1));
     if (!problem.empty())
