@@ -2,6 +2,7 @@
 
 #include "formats/codesignature/cms.h"
 #include "formats/codesignature/timestampclient.h"
+#include "formats/notary/localservice.h"
 #include "formats/signingidentity.h"
 
 using namespace Qt::StringLiterals;
@@ -23,10 +24,18 @@ CodeCmsOrder cmsOrder(const QByteArray &contentDigest,
     return order;
 }
 
-Stamper stamperFor(const std::optional<QString> &timestamp)
+/// Without an address it is the authority of the service that is set up; that of this machine is started if
+/// need be.
+Result<Stamper> stamperFor(const std::optional<QString> &timestamp)
 {
-    const bool hasAddress = timestamp && !timestamp->isEmpty() && *timestamp != u"none"_s;
-    return hasAddress ? timestampClient({*timestamp, {}}) : Stamper();
+    if (!timestamp || *timestamp == u"none"_s)
+        return Stamper();
+    if (!timestamp->isEmpty())
+        return timestampClient({*timestamp, {}});
+    const auto service = notary::ensureService();
+    if (!service)
+        return Error{u"The timestamp service is not available. "_s + service.error()};
+    return timestampClient({service->timestamp, service->ca});
 }
 
 } // namespace
@@ -41,8 +50,11 @@ Result<Signer> signerFor(const QString &identity, const std::optional<QString> &
     Signer signer;
     signer.team = found->team;
     signer.facts = {found->chain, found->anchor == Anchor::Apple, found->anchor == Anchor::ThisMachine};
-    const Stamper stamper = stamperFor(timestamp);
-    signer.makeCms = [identity = *found, stamper](const QByteArray &contentDigest, const auto &directories) {
+    const auto stamper = stamperFor(timestamp);
+    if (!stamper)
+        return stamper.failure();
+    signer.makeCms = [identity = *found, stamper = *stamper](const QByteArray &contentDigest,
+                                                             const auto &directories) {
         return makeCodeCms(identity, cmsOrder(contentDigest, directories), stamper);
     };
     return signer;
