@@ -63,6 +63,17 @@ QByteArray contentOf(const ASN1_OCTET_STRING *value)
 
 } // namespace
 
+struct CertificateFacts::Parsed {
+    X509Pointer certificate;
+};
+
+const CertificateFacts::Parsed &CertificateFacts::parsed() const
+{
+    if (!m_parsed)
+        m_parsed = std::make_shared<Parsed>(Parsed{x509From(m_der)});
+    return *m_parsed;
+}
+
 CertificateFacts::CertificateFacts(const QByteArray &der)
     : m_der(der)
 {
@@ -70,12 +81,12 @@ CertificateFacts::CertificateFacts(const QByteArray &der)
 
 std::optional<QString> CertificateFacts::subject(const QString &name) const
 {
-    const X509Pointer certificate = x509From(m_der);
+    X509 *certificate = parsed().certificate.get();
     const ObjectPointer object(OBJ_txt2obj(name.toLatin1().constData(), 0));
     ERR_clear_error();
     if (!certificate || !object)
         return std::nullopt;
-    X509_NAME *subject = X509_get_subject_name(certificate.get());
+    X509_NAME *subject = X509_get_subject_name(certificate);
     const int at = X509_NAME_get_index_by_OBJ(subject, object.get(), -1);
     if (at < 0)
         return std::nullopt;
@@ -84,24 +95,24 @@ std::optional<QString> CertificateFacts::subject(const QString &name) const
 
 std::optional<QByteArray> CertificateFacts::extension(const QString &oid) const
 {
-    const X509Pointer certificate = x509From(m_der);
+    X509 *certificate = parsed().certificate.get();
     const ObjectPointer object = objectOf(oid);
     if (!certificate || !object)
         return std::nullopt;
-    const int at = X509_get_ext_by_OBJ(certificate.get(), object.get(), -1);
+    const int at = X509_get_ext_by_OBJ(certificate, object.get(), -1);
     if (at < 0)
         return std::nullopt;
-    return contentOf(X509_EXTENSION_get_data(X509_get_ext(certificate.get(), at)));
+    return contentOf(X509_EXTENSION_get_data(X509_get_ext(certificate, at)));
 }
 
 bool CertificateFacts::hasPolicy(const QString &oid) const
 {
-    const X509Pointer certificate = x509From(m_der);
+    X509 *certificate = parsed().certificate.get();
     const ObjectPointer object = objectOf(oid);
     if (!certificate || !object)
         return false;
     const PoliciesPointer policies(static_cast<CERTIFICATEPOLICIES *>(
-        X509_get_ext_d2i(certificate.get(), NID_certificate_policies, nullptr, nullptr)));
+        X509_get_ext_d2i(certificate, NID_certificate_policies, nullptr, nullptr)));
     for (int index = 0; policies && index < sk_POLICYINFO_num(policies.get()); ++index) {
         if (OBJ_cmp(sk_POLICYINFO_value(policies.get(), index)->policyid, object.get()) == 0)
             return true;

@@ -3,11 +3,13 @@
 #include <QByteArray>
 #include <QString>
 
+#include <memory>
 #include <optional>
 
 namespace toolchain::codesignature {
 
-/// What requirements ask of a certificate. It is parsed once; a certificate that is none has no facts.
+/// What requirements ask of a certificate. It is parsed when it is asked for the first time, and once, which
+/// takes libcrypto longer than anything else here; a certificate that is none has no facts.
 class CertificateFacts {
 public:
     explicit CertificateFacts(const QByteArray &der);
@@ -24,7 +26,11 @@ public:
     [[nodiscard]] QByteArray sha1() const;
 
 private:
+    struct Parsed;
+    [[nodiscard]] const Parsed &parsed() const;
+
     QByteArray m_der;
+    mutable std::shared_ptr<const Parsed> m_parsed;
 };
 
 } // namespace toolchain::codesignature

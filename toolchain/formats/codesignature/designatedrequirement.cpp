@@ -39,12 +39,12 @@ QByteArray leafHas(const QByteArray &field, const QString &value)
         .bytes();
 }
 
-QByteArray anchoredBy(quint32 certificate, const QByteArray &der)
+QByteArray anchoredBy(quint32 certificate, const CertificateFacts &facts)
 {
     return RequirementWriter()
         .operation(Operation::AnchorHash)
         .number(certificate)
-        .data(CertificateFacts(der).sha1())
+        .data(facts.sha1())
         .bytes();
 }
 
@@ -53,27 +53,29 @@ QByteArray appleGeneric()
     return RequirementWriter().operation(Operation::AppleGenericAnchor).bytes();
 }
 
+QList<CertificateFacts> factsOf(const QList<QByteArray> &chain)
+{
+    QList<CertificateFacts> facts;
+    for (const QByteArray &certificate : chain)
+        facts.append(CertificateFacts(certificate));
+    return facts;
+}
+
 /// Where the chain begins to belong to somebody else: the last certificate from the leaf upwards that has the
 /// leaf's organisation.
-QByteArray ownersAnchor(const QList<QByteArray> &chain)
+QByteArray ownersAnchor(const QList<CertificateFacts> &chain)
 {
-    const auto organisation = CertificateFacts(chain.first()).subject(u"O"_s);
+    const auto organisation = chain.first().subject(u"O"_s);
     qsizetype last = 0;
-    while (organisation && last + 1 < chain.size()
-           && CertificateFacts(chain[last + 1]).subject(u"O"_s) == organisation)
+    while (organisation && last + 1 < chain.size() && chain[last + 1].subject(u"O"_s) == organisation)
         ++last;
     const bool isRoot = organisation && last == chain.size() - 1;
     return anchoredBy(isRoot ? rootSlot : quint32(last), chain[last]);
 }
 
-bool isDeveloperId(const QList<QByteArray> &chain)
+QByteArray developerIdForm(const QByteArray &anchor, const CertificateFacts &leaf)
 {
-    return chain.size() == 3 && CertificateFacts(chain[1]).extension(developerIdAuthority);
-}
-
-QByteArray developerIdForm(const QByteArray &anchor, const QByteArray &leaf)
-{
-    const QString team = CertificateFacts(leaf).subject(u"OU"_s).value_or(QString());
+    const QString team = leaf.subject(u"OU"_s).value_or(QString());
     return both(anchor,
                 both(extensionExists(1, developerIdAuthority),
                      both(extensionExists(0, developerIdApplication), leafHas("subject.OU", team))));
@@ -81,16 +83,17 @@ QByteArray developerIdForm(const QByteArray &anchor, const QByteArray &leaf)
 
 QByteArray signersPart(const SignerFacts &signer)
 {
-    const QList<QByteArray> &chain = signer.chain;
-    const bool isDevelopment = chain.size() == 3 && CertificateFacts(chain[1]).extension(developerAuthority);
-    if (isDeveloperId(chain) && signer.endsInApplesRoot)
+    const QList<CertificateFacts> chain = factsOf(signer.chain);
+    const bool isDeveloperId = chain.size() == 3 && chain[1].extension(developerIdAuthority);
+    const bool isDevelopment = chain.size() == 3 && !isDeveloperId && chain[1].extension(developerAuthority);
+    if (isDeveloperId && signer.endsInApplesRoot)
         return developerIdForm(appleGeneric(), chain.first());
-    if (isDeveloperId(chain) && signer.endsInOwnAuthority)
+    if (isDeveloperId && signer.endsInOwnAuthority)
         return developerIdForm(anchoredBy(rootSlot, chain.last()), chain.first());
     if (isDevelopment && signer.endsInApplesRoot)
-        return both(appleGeneric(),
-                    both(leafHas("subject.CN", CertificateFacts(chain.first()).commonName()),
-                         extensionExists(1, developerAuthority)));
+        return both(
+            appleGeneric(),
+            both(leafHas("subject.CN", chain.first().commonName()), extensionExists(1, developerAuthority)));
     if (signer.endsInApplesRoot)
         return RequirementWriter().operation(Operation::AppleAnchor).bytes();
     return ownersAnchor(chain);
