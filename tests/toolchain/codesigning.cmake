@@ -5,3 +5,7 @@ target_sources(tst_toolchain PRIVATE
     tst_codesignature.cpp
     tst_codeverify.cpp)
 target_link_libraries(tst_toolchain PRIVATE tool_codesignature tool_codeverification)
+
+# Not a test: script/verify compares what it makes of other signers' files.
+add_executable(resign EXCLUDE_FROM_ALL resign.cpp)
+target_link_libraries(resign PRIVATE sealwright_options tool_codesignature)

@@ -1,0 +1,68 @@
+// Takes the signature off a Mach-O file and makes it anew from its own parameters, the CMS signature taken
+// over, for script/verify: usage: resign FILE COPY. The copy is the file again where everything is written as
+// its signer has.
+
+#include "formats/codesignature/machosigner.h"
+#include "formats/codesignature/signaturereader.h"
+
+#include <QFile>
+
+#include <cstdio>
+
+using namespace toolchain::codesignature;
+
+namespace {
+
+/// Older tools round __LINKEDIT's size in memory up to pages of another size.
+quint64 segmentAlignment(const MachOSlice &slice)
+{
+    constexpr quint64 usual = 0x4000;
+    constexpr quint64 older = 0x1000;
+    return slice.segment("__LINKEDIT")->virtualSize % usual == 0 ? usual : older;
+}
+
+SignaturePlan planAfter(const SignedCode &code, qsizetype index)
+{
+    const SignedPart &part = code.parts[index];
+    SignaturePlan plan;
+    plan.fields = part.primary().fields();
+    plan.segmentAlignment = segmentAlignment(code.image->slices[index]);
+    for (const CodeDirectory &directory : part.directories)
+        plan.digests.append(directory.fields().hashType);
+    for (const quint32 number : {slot::requirements, slot::entitlements, slot::entitlementsDer}) {
+        if (!part.blobs.blob(number).isNull())
+            plan.components.insert(number, part.blobs.blob(number));
+    }
+    if (!part.cms().isEmpty())
+        plan.makeCms = [cms = part.cms()](const QByteArray &, const QList<DirectoryDigest> &) {
+            return platform::Result<QByteArray>(cms);
+        };
+    return plan;
+}
+
+QString resign(const QString &file, const QString &copy)
+{
+    QFile::remove(copy);
+    if (!QFile::copy(file, copy))
+        return QStringLiteral("it cannot be copied");
+    const auto code = readCodeSignature(copy);
+    if (!code || !code->image)
+        return code.error();
+    QList<SignaturePlan> plans;
+    for (qsizetype index = 0; index < code->parts.size(); ++index)
+        plans.append(planAfter(*code, index));
+    const QString problem = stripMachO(copy);
+    return problem.isEmpty() ? signMachO(copy, plans) : problem;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    if (argc != 3)
+        return 2;
+    const QString problem = resign(QString::fromLocal8Bit(argv[1]), QString::fromLocal8Bit(argv[2]));
+    if (!problem.isEmpty())
+        std::fprintf(stderr, "%s: %s\n", argv[1], qPrintable(problem));
+    return problem.isEmpty() ? 0 : 1;
+}
