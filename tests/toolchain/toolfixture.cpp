@@ -78,7 +78,7 @@ ToolResult ToolFixture::sign(const QString &item, const QStringList &moreArgumen
 {
     return run(codesign,
                moreArguments
-                   + QStringList{u"--deep"_s, u"-o"_s, u"runtime"_s, u"--timestamp"_s, u"--verbose=4"_s,
+                   + QStringList{u"--deep"_s, u"-o"_s, u"runtime"_s, u"--timestamp=none"_s, u"--verbose=4"_s,
                                  u"-s"_s, identity, u"--digest-algorithm=sha1,sha256"_s, item});
 }
 

@@ -67,7 +67,8 @@ protected:
     /// Keeps an API key of the local service under the name "item".
     void storePassword() const;
 
-    /// Seals an item with the arguments that the application uses.
+    /// Signs an item with the arguments that the application uses, save that no service is started for a time
+    /// stamp.
     [[nodiscard]] ToolResult sign(const QString &item, const QStringList &moreArguments = {}) const;
 
     [[nodiscard]] ToolResult pack(const QString &item, const QString &archive) const;

@@ -341,3 +341,71 @@ TEST_F(Codesign, replacesALinkInThePlaceOfTheSealAndNotItsTarget)
     EXPECT_EQ(readFile(path(u"precious"_s)), "keep me");
     EXPECT_FALSE(QFileInfo(app() + seal).isSymLink());
 }
+
+TEST_F(Codesign, theServiceOfThisMachineStampsTheTime)
+{
+    writeFile(path(u"code"_s), bundlebuilder::thinMachO(bundlebuilder::arm64));
+    ASSERT_EQ(run(codesign, {u"-s"_s, identity, u"--timestamp"_s, path(u"code"_s)}).status, 0);
+    EXPECT_TRUE(run(codesign, {u"-dvv"_s, path(u"code"_s)}).error.contains(u"\nTimestamp="_s));
+    EXPECT_EQ(run(codesign, {u"--verify"_s, path(u"code"_s)}).status, 0);
+}
+
+TEST_F(Codesign, withoutATimeStampThatWasWantedNothingIsSigned)
+{
+    const QByteArray before = bundlebuilder::thinMachO(bundlebuilder::arm64);
+    writeFile(path(u"code"_s), before);
+    const ToolResult result =
+        run(codesign, {u"-s"_s, identity, u"--timestamp=http://127.0.0.1:9/"_s, path(u"code"_s)});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_TRUE(result.error.startsWith(path(u"code: The timestamp service is not available."_s)))
+        << result.error.toStdString();
+    EXPECT_EQ(readFile(path(u"code"_s)), before);
+}
+
+TEST_F(Codesign, frameworkAndFlatBundlesAreSignedWhereTheyLie)
+{
+    using namespace bundlebuilder;
+    const QString flat = path(u"Driver.dext"_s);
+    writeFile(flat + u"/Info.plist"_s, infoPropertyList(u"Driver"_s, u"com.example.driver"_s));
+    writeFile(flat + u"/Driver"_s, thinMachO(arm64));
+    writeFile(flat + u"/data"_s, "data");
+    ASSERT_EQ(sign(flat).status, 0);
+    EXPECT_EQ(sealedFiles(flat + u"/_CodeSignature/CodeResources"_s).keys(), QStringList{u"data"_s});
+    const QString framework = contents(u"Frameworks/Inner.framework"_s);
+    ASSERT_EQ(sign(framework).status, 0);
+    EXPECT_TRUE(QFileInfo::exists(frameworkVersionOf(app()) + u"/_CodeSignature/CodeResources"_s));
+    for (const QString &item : {flat, framework})
+        EXPECT_EQ(run(codesign, {u"--verify"_s, u"--strict"_s, item}).status, 0) << item.toStdString();
+}
+
+TEST_F(Codesign, aBundleWithoutAnExecutableIsSignedByItsInfoPropertyList)
+{
+    const QString bundle = path(u"Data.bundle"_s);
+    writeFile(bundle + u"/Contents/Info.plist"_s,
+              "<plist><dict><key>CFBundleIdentifier</key><string>com.example.data</string></dict></plist>");
+    writeFile(bundle + u"/Contents/Resources/data"_s, "data");
+    ASSERT_EQ(sign(bundle).status, 0);
+    EXPECT_TRUE(QFileInfo::exists(bundle + u"/Contents/_CodeSignature/CodeDirectory"_s));
+    EXPECT_EQ(run(codesign, {u"--verify"_s, bundle}).status, 0);
+    writeFile(bundle + u"/Contents/Resources/data"_s, "other");
+    EXPECT_EQ(run(codesign, {u"--verify"_s, bundle}).status, 1);
+}
+
+TEST_F(Codesign, aRunThatIsKilledLeavesTheFileAsItWas)
+{
+    bundlebuilder::MachORecipe recipe;
+    recipe.codeLength = 0x8000000;
+    const QByteArray before = bundlebuilder::machO(recipe);
+    writeFile(path(u"code"_s), before);
+    for (const int pause : {5, 20, 60}) {
+        const auto process = start(codesign, {u"-s"_s, u"-"_s, path(u"code"_s)});
+        ASSERT_TRUE(process->waitForStarted());
+        process->waitForFinished(pause);
+        process->kill();
+        process->waitForFinished();
+        const QByteArray behind = readFile(path(u"code"_s));
+        EXPECT_TRUE(behind == before || codesignature::readCodeSignature(path(u"code"_s)));
+    }
+    ASSERT_EQ(run(codesign, {u"-f"_s, u"-s"_s, u"-"_s, path(u"code"_s)}).status, 0);
+    EXPECT_FALSE(QFileInfo::exists(path(u"code.cstemp"_s)));
+}
