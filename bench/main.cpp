@@ -28,6 +28,8 @@ constexpr Row table[] = {
     {"scripted", rows::scriptedSubmissions},
     {"seal", rows::bundleSeal},
     {"package", rows::packageSigning},
+    {"large-signature", rows::signingOfALargeFile},
+    {"signatures", rows::signingOfManyItems},
 };
 
 /// Prints the figure; false if it is over its bar.

@@ -17,5 +17,7 @@ namespace rows {
 [[nodiscard]] QList<Figure> scriptedSubmissions();
 [[nodiscard]] QList<Figure> bundleSeal();
 [[nodiscard]] QList<Figure> packageSigning();
+[[nodiscard]] QList<Figure> signingOfALargeFile();
+[[nodiscard]] QList<Figure> signingOfManyItems();
 
 } // namespace rows

@@ -2,8 +2,6 @@
 
 #include "rows.h"
 
-#include "support/items.h"
-
 #include <QFile>
 #include <QTemporaryDir>
 #include <QtEndian>
@@ -53,7 +51,7 @@ void makeExecutable(const QString &path, quint32 length)
 
 QString tool(const QString &name)
 {
-    return QStringLiteral(SEALWRIGHT_TOOLS) + u"/usr/bin/"_s + name;
+    return QStringLiteral(TOOLCHAIN_ROOT) + u"/usr/bin/"_s + name;
 }
 
 /// Half of what is measured is the keychain's; each benchmark has one of its own.
@@ -115,37 +113,4 @@ QList<Figure> rows::signingOfManyItems()
                 measuring::runDiscarding({tool(u"codesign"_s), u"--help"_s});
         });
     return {{u"1,000 signings of small items, over 1,000 starts of the same program"_s, ratio, 1.3, {}}};
-}
-
-QList<Figure> rows::sealingOfManyFiles()
-{
-    constexpr int folders = 100;
-    constexpr int filesInFolder = 1000;
-    constexpr qsizetype fileBytes = 4096;
-    const QTemporaryDir place;
-    makeIdentity(place);
-    const QString app = place.filePath(u"Many.app"_s);
-    const QByteArray bytes(fileBytes, 'x');
-    items::makeFolder(app + u"/Contents/MacOS"_s);
-    makeExecutable(app + u"/Contents/MacOS/Many"_s, 0x8000);
-    items::makeFile(app + u"/Contents/Info.plist"_s,
-                    "<plist><dict><key>CFBundleExecutable</key><string>Many</string>"
-                    "<key>CFBundleIdentifier</key><string>com.example.many</string></dict></plist>");
-    for (int folder = 0; folder < folders; ++folder) {
-        const QString path = app + u"/Contents/Resources/%1"_s.arg(folder);
-        items::makeFolder(path);
-        for (int file = 0; file < filesInFolder; ++file)
-            items::makeFile(path + u"/%1"_s.arg(file), bytes);
-    }
-    const auto digest = [&app](const QString &program) {
-        measuring::runDiscarding(
-            {u"/usr/bin/find"_s, app, u"-type"_s, u"f"_s, u"-exec"_s, program, u"{}"_s, u"+"_s});
-    };
-    const double ratio = measuring::ratio(
-        3, [&] { measuring::runDiscarding(signing(u"Bench"_s, app)); },
-        [&] {
-            digest(u"/usr/bin/sha1sum"_s);
-            digest(u"/usr/bin/sha256sum"_s);
-        });
-    return {{u"sealing 100,000 files, over sha1sum and sha256sum of them"_s, ratio, 1.2, {}}};
 }
