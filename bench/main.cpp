@@ -26,6 +26,7 @@ constexpr Row table[] = {
     {"submission", rows::submissionOfManyItems},
     {"waiting", rows::waitingDocuments},
     {"scripted", rows::scriptedSubmissions},
+    {"images", rows::diskImages},
     {"seal", rows::bundleSeal},
     {"package", rows::packageSigning},
     {"large-signature", rows::signingOfALargeFile},

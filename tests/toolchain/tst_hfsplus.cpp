@@ -241,7 +241,8 @@ TEST_F(HfsPlusVolume, whoseBytesChangeNeverBringsTheReaderDown)
 
 TEST_F(HfsPlusVolume, withWhatCannotBeReadHereIsRefused)
 {
-    const QByteArray finderInfo = BigEndianBytes().u16(0100644).u32(1).zeros(40).u64(5).bytes();
+    const QByteArray finderInfo =
+        BigEndianBytes().u16(0100644).u32(1).zeros(20).u32(1).zeros(16).u64(5).bytes();
     QByteArray hardLink = finderInfo;
     hardLink.replace(6, 8, "hlnkhfs+");
     const qsizetype place = m_volume.indexOf(finderInfo);

@@ -37,6 +37,8 @@ inline constexpr quint16 fileThread = 4;
 inline constexpr quint16 threadExists = 0x0002;
 inline constexpr quint16 hasAttributes = 0x0004;
 inline constexpr quint16 isInLinkChain = 0x0020;
+inline constexpr quint16 hasDateAdded = 0x0080; ///< among the Finder's information, in seconds since 1970
+inline constexpr qsizetype dateAddedOffset = 20;
 
 /// The kinds of records in the attributes' tree.
 inline constexpr quint32 inlineAttribute = 0x10;

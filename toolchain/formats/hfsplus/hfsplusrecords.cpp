@@ -73,22 +73,23 @@ quint32 encodingOf(const SourceItem &item)
     return item.nameForm == NameForm::Composed ? composedNameEncoding : 0;
 }
 
-QByteArray finderInfoOf(const SourceItem &item)
+QByteArray finderInfoOf(const SourceItem &item, qint64 added)
 {
+    QByteArray info = item.finderInfo.leftJustified(finderInfoSize, '\0');
     if (item.isLink())
-        return "slnkrhap" + item.finderInfo.mid(8).leftJustified(finderInfoSize - 8, '\0');
-    return item.finderInfo.leftJustified(finderInfoSize, '\0');
+        info.replace(0, 8, "slnkrhap");
+    return info.replace(dateAddedOffset, 4, BigEndianBytes().u32(quint32(added)).bytes());
 }
 
-QByteArray folderBytes(const SourceItem &item, quint32 number)
+QByteArray folderBytes(const SourceItem &item, quint32 number, qint64 added)
 {
     return BigEndianBytes()
         .u16(folderRecord)
-        .u16(attributesFlag(item))
+        .u16(hasDateAdded | attributesFlag(item))
         .u32(item.entryCount)
         .u32(number)
         .raw(datesAndPermissions(item.status, item.status.st_mtim.tv_sec, {}))
-        .raw(finderInfoOf(item))
+        .raw(finderInfoOf(item, added))
         .u32(encodingOf(item))
         .zeros(4)
         .bytes();
@@ -109,10 +110,11 @@ QByteArray hardLinkBytes(const SourceItem &item, quint32 number, qint64 created)
     return file.u32(encodingOf(item)).zeros(4).raw(forkBytes({})).raw(forkBytes({})).bytes();
 }
 
-QByteArray fileBytes(const SourceItem &item, quint32 number)
+QByteArray fileBytes(const SourceItem &item, quint32 number, qint64 added)
 {
     const bool isLinkedTo = item.link.count > 0;
-    const quint16 flags = threadExists | attributesFlag(item) | (isLinkedTo ? isInLinkChain : 0);
+    const quint16 flags =
+        threadExists | hasDateAdded | attributesFlag(item) | (isLinkedTo ? isInLinkChain : 0);
     Permissions permissions;
     if (isLinkedTo)
         permissions.special = item.link.count;
@@ -122,7 +124,7 @@ QByteArray fileBytes(const SourceItem &item, quint32 number)
         .u32(isLinkedTo ? catalogNumber(item.link.firstLink) : 0)
         .u32(number)
         .raw(datesAndPermissions(item.status, item.status.st_mtim.tv_sec, permissions))
-        .raw(finderInfoOf(item))
+        .raw(finderInfoOf(item, added))
         .u32(encodingOf(item))
         .zeros(4)
         .raw(forkBytes(item.data))
@@ -133,8 +135,9 @@ QByteArray fileBytes(const SourceItem &item, quint32 number)
 QByteArray recordBytes(const SourceItem &item, quint32 number, qint64 volumeCreated)
 {
     if (item.isFolder())
-        return folderBytes(item, number);
-    return item.isHardLink() ? hardLinkBytes(item, number, volumeCreated) : fileBytes(item, number);
+        return folderBytes(item, number, volumeCreated);
+    return item.isHardLink() ? hardLinkBytes(item, number, volumeCreated)
+                             : fileBytes(item, number, volumeCreated);
 }
 
 QByteArray threadBytes(const SourceItem &item, quint32 folder)

@@ -1,0 +1,121 @@
+// Images and archives of the toolchain beside what one core does.
+
+#include "rows.h"
+
+#include <QDir>
+#include <QFile>
+#include <QRandomGenerator>
+#include <QTemporaryDir>
+
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <zlib.h>
+
+#include <algorithm>
+#include <vector>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int rounds = 3;
+constexpr qsizetype chunkSize = 256 << 10;
+constexpr qint64 materialSize = qint64(1) << 30;
+
+QString tool(const QString &name)
+{
+    return QStringLiteral(SEALWRIGHT_TOOLCHAIN "/usr/bin/") + name;
+}
+
+/// Bytes that shrink to about a half, as programs do: words in no order.
+void writeMaterial(const QString &path)
+{
+    QRandomGenerator generator(1);
+    QByteArray chunk(chunkSize, Qt::Uninitialized);
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly))
+        qFatal("the material cannot be written");
+    for (qint64 done = 0; done < materialSize; done += chunkSize) {
+        for (char &byte : chunk)
+            byte = char(generator.bounded(16) * generator.bounded(3));
+        file.write(chunk);
+    }
+}
+
+/// One thread, with the level and the chunks of the real tool.
+void packByZlib(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        qFatal("the material cannot be read");
+    std::vector<Bytef> packed(compressBound(chunkSize));
+    for (QByteArray chunk = file.read(chunkSize); !chunk.isEmpty(); chunk = file.read(chunkSize)) {
+        auto length = uLongf(packed.size());
+        compress2(packed.data(), &length, reinterpret_cast<const Bytef *>(chunk.constData()),
+                  uLong(chunk.size()), 1);
+    }
+}
+
+/// The most memory that a program had, in MiB.
+double peakOf(const QStringList &command)
+{
+    std::vector<QByteArray> words;
+    std::vector<char *> arguments;
+    for (const QString &word : command)
+        words.push_back(QFile::encodeName(word));
+    std::transform(words.begin(), words.end(), std::back_inserter(arguments),
+                   [](QByteArray &word) { return word.data(); });
+    arguments.push_back(nullptr);
+    const pid_t child = fork();
+    if (child == 0) {
+        execv(arguments.front(), arguments.data());
+        _exit(1);
+    }
+    int status = 0;
+    struct rusage usage = {};
+    if (child < 0 || wait4(child, &status, 0, &usage) != child || status != 0)
+        qFatal("%s failed", arguments.front());
+    constexpr double kilobytesInMebibyte = 1024;
+    return double(usage.ru_maxrss) / kilobytesInMebibyte;
+}
+
+} // namespace
+
+QList<Figure> rows::diskImages()
+{
+    const QTemporaryDir place(u"/var/tmp/sealwright-bench-XXXXXX"_s);
+    const QString folder = place.filePath(u"material"_s);
+    const QString image = place.filePath(u"image.dmg"_s);
+    const QString archive = place.filePath(u"archive.zip"_s);
+    const QString other = place.filePath(u"other.zip"_s);
+    if (!QDir().mkpath(folder))
+        qFatal("the material cannot be written");
+    const QString material = folder + u"/bytes"_s;
+    writeMaterial(material);
+    const QStringList create{tool(u"hdiutil"_s), u"create"_s,     image, u"-ov"_s,
+                             u"-quiet"_s,        u"-srcfolder"_s, folder};
+    const QStringList verify{tool(u"hdiutil"_s), u"verify"_s, u"-quiet"_s, image};
+    const QStringList pack{tool(u"ditto"_s), u"-c"_s, u"-k"_s, folder, archive};
+    const auto runner = [](const QStringList &command) {
+        return [command] { measuring::runDiscarding(command); };
+    };
+    const auto zip = [&] {
+        QFile::remove(other);
+        measuring::runDiscarding({u"/usr/bin/zip"_s, u"-q"_s, u"-r"_s, u"-6"_s, other, folder});
+    };
+    QList<Figure> figures;
+    figures.append({u"an image of 1 GiB, over one thread of zlib"_s,
+                    measuring::ratio(rounds, runner(create), [&] { packByZlib(material); }),
+                    0.65,
+                    {}});
+    figures.append({u"the memory that takes"_s, peakOf(create), 128, u"MiB"_s});
+    figures.append({u"reading it with all checksums, over 7z t"_s,
+                    measuring::ratio(rounds, runner(verify), runner({u"/usr/bin/7z"_s, u"t"_s, image})),
+                    1 / 1.5,
+                    {}});
+    figures.append(
+        {u"an archive of 1 GiB, over zip -r -6"_s, measuring::ratio(rounds, runner(pack), zip), 0.65, {}});
+    figures.append({u"the memory that takes"_s, peakOf(pack), 128, u"MiB"_s});
+    return figures;
+}
