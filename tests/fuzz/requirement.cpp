@@ -12,7 +12,8 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
     const auto text = requirementText(bytes);
     (void)meetsRequirement(bytes, RequirementSubject());
     (void)readRequirementSet(bytes);
-    if (!text)
+    // Of an operation that nobody knows the text has a comment alone.
+    if (!text || text->contains(QStringLiteral("/* opcode")))
         return 0;
     const auto compiled = compileRequirement(*text);
     if (compiled)
