@@ -40,7 +40,8 @@ long milliseconds(double seconds)
     const double scale = qgetenv("SEALWRIGHT_WAIT_SCALE").toDouble(&isNumber);
     const double factor = isNumber ? std::clamp(scale, 0.0, 1.0) : 1.0;
     constexpr double thousand = 1000;
-    return std::max(1L, static_cast<long>(seconds * factor * thousand));
+    constexpr long least = 3000; // a busy machine is not to take for dead what is alive
+    return std::max(least, static_cast<long>(seconds * factor * thousand));
 }
 
 void setAddress(CURL *transfer, const TimestampService &service)

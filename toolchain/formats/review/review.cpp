@@ -91,8 +91,8 @@ public:
             object(place, {}, Objection::NotDeveloperId);
         else if (!judgement.timestamp)
             object(place, {}, Objection::NoTimestamp);
-        const bool isSha1 = archive->checksumAlgorithm() == QCryptographicHash::Sha1;
-        m_review.ticketContents.append({m_archiveName, {}, archive->checksum().left(20), isSha1 ? 1 : 2});
+        // a package's record is named "2/1/…" whatever the kind of its checksum
+        m_review.ticketContents.append({m_archiveName, {}, archive->checksum().left(20), 1});
     }
 
 private:
