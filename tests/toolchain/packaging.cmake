@@ -4,6 +4,7 @@ target_sources(tst_toolchain PRIVATE
     tst_packagesigning.cpp
     tst_payload.cpp
     tst_seal.cpp
+    tst_stapler.cpp
     tst_ticket.cpp
     tst_xar.cpp
     xarbuilder.cpp xarbuilder.h)

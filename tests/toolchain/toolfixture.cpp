@@ -1,5 +1,7 @@
 #include "toolchain/toolfixture.h"
 
+#include <QDeadlineTimer>
+
 #include "platform/propertylist/propertylist.h"
 
 #include <QFileInfo>
@@ -112,7 +114,8 @@ QString ToolFixture::uuidIn(const ToolResult &reply)
 ToolResult ToolFixture::pollToTheEnd(const QString &uuid) const
 {
     ToolResult report = info(uuid);
-    for (int poll = 0; poll < 5 && report.output.contains(u"Status: in progress"_s); ++poll)
+    const QDeadlineTimer deadline(std::chrono::minutes(1));
+    while (!deadline.hasExpired() && report.output.contains(u"Status: in progress"_s))
         report = info(uuid);
     return report;
 }

@@ -81,17 +81,13 @@ protected:
 
     [[nodiscard]] ToolResult signPackage(const QString &input, const QString &output) const
     {
-        return run(productsign, {u"--sign"_s, installer, u"--timestamp=none"_s, input, output});
+        return run(productsign, {u"--sign"_s, installer, input, output});
     }
     void makeSigned() const { ASSERT_EQ(signPackage(package(), signedPackage()).status, 0); }
 
     [[nodiscard]] ToolResult assess(const QString &package, const QString &type = u"install"_s) const
     {
         return run(spctl, {u"--assess"_s, u"--type"_s, type, u"-vv"_s, package});
-    }
-    [[nodiscard]] ToolResult staple(const QString &package, const QString &action = u"staple"_s) const
-    {
-        return run(xcrun, {u"stapler"_s, action, package});
     }
     [[nodiscard]] bool isApproved(const QString &package) const
     {
@@ -275,13 +271,14 @@ TEST_F(Packages, aSignedPackageIsAcceptedOnceItIsApproved)
 {
     makeSigned();
     EXPECT_EQ(assess(signedPackage()).error,
-              signedPackage() + u": rejected\nsource=Unnotarized (local stand-in)\n"_s);
+              signedPackage() + u": rejected\nsource=Unnotarized Developer ID of this machine\norigin="_s
+                  + installer + u'\n');
     ASSERT_TRUE(isApproved(signedPackage()));
     const ToolResult result = assess(signedPackage());
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.error,
-              signedPackage() + u": accepted\nsource=Notarized (local stand-in)\norigin="_s + installer
-                  + u'\n');
+              signedPackage() + u": accepted\nsource=Notarized Developer ID of this machine\norigin="_s
+                  + installer + u'\n');
     EXPECT_EQ(assess(signedPackage(), u"open"_s).status, 3);
 }
 
@@ -293,7 +290,7 @@ TEST_F(Packages, aPackageChangedAfterItsApprovalIsRejected)
     bytes.back() = char(bytes.back() + 1);
     writeFile(signedPackage(), bytes);
     EXPECT_EQ(assess(signedPackage()).error,
-              signedPackage() + u": rejected\nsource=a sealed resource is missing or invalid (Payload)\n"_s);
+              signedPackage() + u": rejected\nsource=the file \"Payload\" is damaged\n"_s);
 }
 
 TEST_F(Packages, aSignatureOfOtherBytesIsRejectedAndNotApproved)
@@ -304,43 +301,17 @@ TEST_F(Packages, aSignatureOfOtherBytesIsRejectedAndNotApproved)
         headerOf(bytes).size + headerOf(bytes).packedTable + checksumSize + signatureSize / 2;
     bytes[place] = char(bytes[place] + 1);
     writeFile(signedPackage(), bytes);
-    EXPECT_EQ(assess(signedPackage()).error, signedPackage() + u": rejected\nsource=invalid signature\n"_s);
-    EXPECT_EQ(objectionTo(signedPackage()), u"The signature of the package is invalid."_s);
+    EXPECT_EQ(assess(signedPackage()).error,
+              signedPackage() + u": rejected\nsource=the RSA signature is invalid\n"_s);
+    EXPECT_EQ(objectionTo(signedPackage()), u"The signature of the binary is invalid."_s);
 }
 
 TEST_F(Packages, theNotaryRefusesAPackageThatIsNotSignedOrDamaged)
 {
-    EXPECT_EQ(objectionTo(package()), u"The package is not signed at all."_s);
+    EXPECT_EQ(objectionTo(package()), u"The binary is not signed."_s);
     makeSigned();
     QByteArray bytes = readFile(signedPackage());
     bytes.back() = char(bytes.back() + 1);
     writeFile(signedPackage(), bytes);
-    EXPECT_EQ(objectionTo(signedPackage()), u"The package is damaged: Payload."_s);
-    writeXar(package(), {{u"file"_s, "bytes"}});
-    EXPECT_EQ(objectionTo(package()), u"The archive is no installer package."_s);
-}
-
-TEST_F(Packages, aTicketStandsBehindThePackage)
-{
-    makeSigned();
-    EXPECT_EQ(staple(signedPackage()).status, 65);
-    ASSERT_TRUE(isApproved(signedPackage()));
-    const QByteArray before = readFile(signedPackage());
-    EXPECT_EQ(staple(signedPackage(), u"validate"_s).status, 65);
-    ASSERT_EQ(staple(signedPackage()).status, 0);
-    EXPECT_EQ(staple(signedPackage(), u"validate"_s).status, 0);
-    const QByteArray after = readFile(signedPackage());
-    EXPECT_TRUE(after.startsWith(before));
-    EXPECT_TRUE(QJsonDocument::fromJson(after.mid(before.size())).isObject());
-    ASSERT_EQ(staple(signedPackage()).status, 0);
-    EXPECT_EQ(readFile(signedPackage()), after);
-    EXPECT_EQ(contentsOf(signedPackage()), contents);
-    ASSERT_TRUE(QFile::rename(statePath(u"notary"_s), statePath(u"forgotten"_s)));
-    EXPECT_EQ(assess(signedPackage()).status, 0);
-}
-
-TEST_F(Packages, whatIsNoPackageCannotBeStapled)
-{
-    writeXar(package(), {{u"file"_s, "bytes"}});
-    EXPECT_EQ(staple(package()).status, 72);
+    EXPECT_EQ(objectionTo(signedPackage()), u"The signature of the binary is invalid."_s);
 }
