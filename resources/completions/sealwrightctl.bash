@@ -11,7 +11,7 @@ _sealwrightctl()
         cur=${words[cword]}
         prev=${words[cword - 1]}
     fi
-    local work="--document --show-dialogs --follow --timeout"
+    local work="--document --show-dialogs --follow --timeout --json --close"
     local candidates=
 
     case $prev in
@@ -39,7 +39,8 @@ _sealwrightctl()
         submit) candidates="$work --skip-stapling" ;;
         staple | sign) candidates=$work ;;
         prepare) candidates="--document --identity" ;;
-        history) candidates="--document --page --xml --timeout" ;;
+        history) candidates="--document --page --xml --timeout --json --close" ;;
+        documents | windows) candidates=--json ;;
         examine) candidates="--document --json" ;;
         compare) candidates="--json" ;;
         get) candidates="--document --window" ;;

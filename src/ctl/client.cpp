@@ -34,7 +34,6 @@ bool isMissing(const QDBusError &error)
     switch (error.type()) {
     case QDBusError::ServiceUnknown:
     case QDBusError::NoServer:
-    case QDBusError::Disconnected:
         return true;
     default:
         return error.name() == "org.freedesktop.DBus.Error.NameHasNoOwner"_L1
@@ -54,15 +53,29 @@ bool isLate(const QDBusError &error)
     }
 }
 
+/// The bus gives the end of whoever should have answered the same name as the end of patience has.
+bool hasEnded(const QDBusError &error)
+{
+    return error.message().contains("disconnected"_L1);
+}
+
 Answer failure(const QDBusError &error)
 {
+    if (error.type() == QDBusError::Disconnected)
+        return {ExitStatus::noAnswer, {}, u"the session bus has gone"_s};
     if (isMissing(error))
         return {ExitStatus::noAnswer, {}, u"Sealwright is not running"_s};
+    if (isLate(error) && hasEnded(error))
+        return {ExitStatus::noAnswer, {}, u"Sealwright has ended without an answer"_s};
     if (isLate(error))
         return {ExitStatus::noAnswer, {}, u"Sealwright did not answer"_s};
-    if (const auto number = scriptErrorNumber(error.name()))
-        return {ExitStatus::error, {}, u"error %1: %2"_s.arg(*number, error.message())};
-    return {ExitStatus::error, {}, u"error: %1"_s.arg(error.message())};
+    const auto number = scriptErrorNumber(error.name());
+    Answer answer{ExitStatus::error, {}, u"error: %1"_s.arg(error.message())};
+    if (number)
+        answer = {ExitStatus::error, {}, u"error %1: %2"_s.arg(*number, error.message())};
+    answer.scriptError = number;
+    answer.errorText = error.message();
+    return answer;
 }
 
 } // namespace

@@ -5,6 +5,8 @@
 #include <QString>
 #include <QVariantList>
 
+#include <optional>
+
 enum class ExitStatus {
     done = 0,
     error = 1, ///< of an examination: something would be refused; of a comparison: there are differences
@@ -18,6 +20,8 @@ struct Answer {
     ExitStatus status = ExitStatus::done;
     QVariantList values;
     QString error; ///< the text of a failure, as a person reads it; null otherwise
+    std::optional<QString> scriptError = {}; ///< its number, where it is a script's error
+    QString errorText = {}; ///< what the application said of it
 
     explicit operator bool() const { return status == ExitStatus::done; }
 };

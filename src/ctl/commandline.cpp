@@ -3,6 +3,8 @@
 #include <QCommandLineParser>
 
 #include <algorithm>
+#include <numeric>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -20,8 +22,9 @@ struct Grammar {
 
 const QStringList allOptions{u"document"_s, u"window"_s,  u"show-dialogs"_s, u"skip-stapling"_s,
                              u"follow"_s,   u"timeout"_s, u"identity"_s,     u"page"_s,
-                             u"xml"_s,      u"unset"_s,   u"json"_s};
-const QStringList workOptions{u"document"_s, u"show-dialogs"_s, u"follow"_s, u"timeout"_s};
+                             u"xml"_s,      u"unset"_s,   u"json"_s,         u"close"_s};
+const QStringList workOptions{u"document"_s, u"show-dialogs"_s, u"follow"_s,
+                              u"timeout"_s,  u"json"_s,         u"close"_s};
 
 const QList<Grammar> &grammars()
 {
@@ -30,14 +33,14 @@ const QList<Grammar> &grammars()
         {u"staple"_s, 1, 1, workOptions},
         {u"sign"_s, 1, 1, workOptions},
         {u"prepare"_s, 1, 1, {u"document"_s, u"identity"_s}},
-        {u"history"_s, 0, 0, {u"document"_s, u"page"_s, u"xml"_s, u"timeout"_s}},
+        {u"history"_s, 0, 0, {u"document"_s, u"page"_s, u"xml"_s, u"timeout"_s, u"json"_s, u"close"_s}},
         {u"examine"_s, 1, 1, {u"document"_s, u"json"_s}},
         {u"issues"_s, 1, 1, {u"json"_s}},
         {u"compare"_s, 2, 2, {u"json"_s}},
         {u"log"_s, 1, 1, {}},
         {u"clear-log"_s, 1, 1, {}},
-        {u"documents"_s, 0, 0, {}},
-        {u"windows"_s, 0, 0, {}},
+        {u"documents"_s, 0, 0, {u"json"_s}},
+        {u"windows"_s, 0, 0, {u"json"_s}},
         {u"new"_s, 0, anyNumber, {}},
         {u"get"_s, 1, 1, {u"document"_s, u"window"_s}},
         {u"set"_s, 1, mostWordsOfSet, {u"document"_s, u"window"_s, u"unset"_s}},
@@ -145,14 +148,43 @@ Request readOptions(const Grammar &grammar, const QCommandLineParser &parser)
     request.skipStapling = parser.isSet(u"skip-stapling"_s);
     request.follow = parser.isSet(u"follow"_s);
     request.unset = parser.isSet(u"unset"_s);
+    request.json = parser.isSet(u"json"_s);
+    request.close = parser.isSet(u"close"_s);
     request.identity = parser.value(u"identity"_s);
     if (parser.isSet(u"page"_s))
         request.page = page(parser.value(u"page"_s));
     request.xml = parser.isSet(u"xml"_s);
-    request.json = parser.isSet(u"json"_s);
     if (parser.isSet(u"timeout"_s))
         request.timeout = milliseconds(parser.value(u"timeout"_s));
     return request;
+}
+
+/// How many letters must be put in, left out or replaced to make one text of the other.
+qsizetype editDistance(const QString &one, const QString &other)
+{
+    QList<qsizetype> row(other.size() + 1);
+    std::iota(row.begin(), row.end(), 0);
+    for (qsizetype i = 0; i < one.size(); ++i) {
+        qsizetype diagonal = std::exchange(row[0], i + 1);
+        for (qsizetype j = 0; j < other.size(); ++j) {
+            const qsizetype replaced = diagonal + (one.at(i) == other.at(j) ? 0 : 1);
+            diagonal = row.at(j + 1);
+            row[j + 1] = std::min({replaced, row.at(j + 1) + 1, row.at(j) + 1});
+        }
+    }
+    return row.last();
+}
+
+/// Whether a value is rather an option of `set`, with a slip of the finger.
+bool looksMistyped(const QString &value)
+{
+    constexpr qsizetype mostSlips = 2;
+    constexpr qsizetype longest = 20; // and what is longer is none of them
+    if (!value.startsWith("--"_L1) || value.size() > longest)
+        return false;
+    static const QStringList options{u"--unset"_s, u"--document"_s, u"--window"_s};
+    return std::any_of(options.cbegin(), options.cend(),
+                       [&value](const QString &known) { return editDistance(value, known) <= mostSlips; });
 }
 
 Request parseWith(const Grammar &grammar, const QStringList &words, Options options)
@@ -188,6 +220,9 @@ Request parseWith(const Grammar &grammar, const QStringList &words)
         return request;
     // A value may be a negative number, or a text that begins like an option.
     const Request literal = parseWith(grammar, words, Options::beforeOperands);
+    const QString value = literal.operands.value(1);
+    if (literal.kind == Request::Kind::run && looksMistyped(value) && !words.contains(u"--"_s))
+        return wrongUse(u"there is no option %1; if it is the value, put -- before it"_s.arg(value));
     return literal.kind == Request::Kind::run ? literal : request;
 }
 
@@ -229,14 +264,17 @@ is started if it does not run.
     --skip-stapling    ends when the upload is done, without waiting for the verdict
     --follow           prints the log to standard error as it comes; an interrupt cancels
     --timeout SECONDS  how long to wait; without it, there is no limit
+    --json             prints the document, its status, its log and the result or the error as JSON
+    --close            closes the document when the answer is there. Without it a document of its own stays
+                       open; whoever submits often wants it
   staple PATH      Staples an item that has been submitted before. Prints the path of the item.
   sign PATH        Signs a copy of an app or a folder. Prints the path of the signed copy.
-    --document ID, --show-dialogs, --follow, --timeout SECONDS   as above
+    --document ID, --show-dialogs, --follow, --timeout SECONDS, --json, --close   as above
   prepare PATH     Makes the item ready to be submitted by a person.
     --document ID      in that document; otherwise in a new one
     --identity NAME    with that signing identity, if there is one of that name
   history          Prints a page of the account's submissions.
-    --document ID, --timeout SECONDS   as above
+    --document ID, --timeout SECONDS, --json, --close   as above
     --page N           that page; otherwise page 0
     --xml              as a property list
   examine PATH     Tells what a run would do with the item and what would be refused. Changes nothing.
@@ -249,7 +287,9 @@ is started if it does not run.
   log ID           Prints the log of a document. A command that the document works for loses its answer.
   clear-log ID     Empties it, at the same price.
   documents        Lists the documents: ID, status, title, separated by tabs.
+    --json             as JSON
   windows          Lists the windows in the same way, with their numbers.
+    --json             as JSON
   new [KEY=VALUE ...]
                    Opens a document with these properties and prints its ID.
   get KEY          Prints a property of the application, or of

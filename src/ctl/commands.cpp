@@ -4,15 +4,19 @@
 #include "ctl/looks.h"
 #include "ctl/output.h"
 #include "ctl/propertyvalue.h"
+#include "ctl/work.h"
 #include "scripting/dbus/busnames.h"
 
 #include <QDBusArgument>
 #include <QDBusObjectPath>
 #include <QDBusVariant>
+#include <QFileInfo>
 #include <QHash>
+#include <QJsonArray>
+#include <QJsonObject>
 
+#include <algorithm>
 #include <functional>
-#include <memory>
 
 using namespace Qt::StringLiterals;
 
@@ -41,22 +45,36 @@ Answer printed(const Answer &answer, Show show = Show::asItIs)
     return answer;
 }
 
-/// Has an item worked on, and shows the log meanwhile if that is wanted.
+/// What the client sees of an item that the application has refused without a word.
+QString whyRefused(const QString &path)
+{
+    const QFileInfo item(path);
+    if (path.startsWith("file:"_L1))
+        return u"'%1' is an address; a path is wanted"_s.arg(path);
+    if (path.contains(QChar::ReplacementCharacter))
+        return u"the name of '%1' is not UTF-8, and such an item cannot be worked on"_s.arg(path);
+    if (!item.exists() && !item.isSymLink())
+        return u"there is no item at '%1'"_s.arg(item.absoluteFilePath());
+    return u"'%1' is of a kind that this command does not take"_s.arg(path);
+}
+
+Answer explained(Answer answer, const QString &path)
+{
+    if (answer.scriptError == u"6"_s && answer.errorText.isEmpty())
+        answer.error += u"\nsealwrightctl: "_s + whyRefused(path);
+    return answer;
+}
+
+/// Has an item worked on.
 Answer work(const Request &request, const Client &client, const QString &name)
 {
-    QVariantMap arguments{{u"at"_s, fileUrl(request.operands.first())}};
+    const QString path = request.operands.first();
+    QVariantMap arguments{{u"at"_s, fileUrl(path)}};
     if (request.showDialogs)
         arguments.insert(u"showingDialogs"_s, true);
     if (request.skipStapling)
         arguments.insert(u"skippingStapling"_s, true);
-    std::unique_ptr<LogFollower> follower;
-    if (request.follow)
-        follower = std::make_unique<LogFollower>(
-            client, request.document.isEmpty() ? QString() : Client::documentPath(request.document));
-    const Answer answer = client.call(command(request, name, arguments), request.timeout);
-    if (follower)
-        follower->finish();
-    return printed(answer, Show::filesAsPaths);
+    return explained(Work(request, client).carryOut(name, arguments, Work::Show::filesAsPaths), path);
 }
 
 Answer prepare(const Request &request, const Client &client)
@@ -64,7 +82,8 @@ Answer prepare(const Request &request, const Client &client)
     QVariantMap arguments{{u"at"_s, fileUrl(request.operands.first())}};
     if (!request.identity.isEmpty())
         arguments.insert(u"signingIdentity"_s, request.identity);
-    return client.call(command(request, u"PrepareForNotarizing"_s, arguments));
+    return explained(client.call(command(request, u"PrepareForNotarizing"_s, arguments)),
+                     request.operands.first());
 }
 
 Answer history(const Request &request, const Client &client)
@@ -72,11 +91,7 @@ Answer history(const Request &request, const Client &client)
     QVariantMap arguments{{u"pageToFetch"_s, request.page}};
     if (request.xml)
         arguments.insert(u"xmlOutput"_s, true);
-    const Answer answer = client.call(command(request, u"FetchHistory"_s, arguments), request.timeout);
-    const QStringList page = answer ? output::lines(answer.values.value(0)) : QStringList();
-    if (!page.isEmpty())
-        output::printText(page.first());
-    return answer;
+    return Work(request, client).carryOut(u"FetchHistory"_s, arguments, Work::Show::text);
 }
 
 Answer clearLog(const Request &request, const Client &client)
@@ -100,9 +115,34 @@ Answer callDocument(const Request &request, const Client &client, const QString 
         Client::method(Client::documentPath(request.operands.first()), bus::documentInterface, method));
 }
 
-/// Prints one line for each object of the application's list.
-Answer list(const Client &client, const QString &property,
-            const std::function<QString(const QDBusObjectPath &, const ManagedObjects &)> &line)
+/// What is told of one object of the application's list.
+using Columns = QStringList (*)(const QDBusObjectPath &, const ManagedObjects &);
+
+QStringList documentColumns(const QDBusObjectPath &path, const ManagedObjects &objects)
+{
+    const QVariantMap properties = objects.value(path).value(bus::documentInterface);
+    return {output::lines(QVariant::fromValue(path)).first(), properties.value(u"DocStatus"_s).toString(),
+            properties.value(u"DisplayName"_s).toString()};
+}
+
+QStringList windowColumns(const QDBusObjectPath &path, const ManagedObjects &objects)
+{
+    const QVariantMap properties = objects.value(path).value(bus::windowInterface);
+    const auto document = properties.value(u"Document"_s).value<QDBusObjectPath>();
+    const QVariant status = objects.value(document).value(bus::documentInterface).value(u"DocStatus"_s);
+    return {output::lines(QVariant::fromValue(path)).first(), status.toString(),
+            properties.value(u"Title"_s).toString()};
+}
+
+void printAsJson(const QList<QStringList> &rows)
+{
+    QJsonArray all;
+    for (const QStringList &row : rows)
+        all.append(QJsonObject{{u"id"_s, row.at(0)}, {u"status"_s, row.at(1)}, {u"title"_s, row.at(2)}});
+    output::printJson(all);
+}
+
+Answer list(const Request &request, const Client &client, const QString &property, Columns columns)
 {
     const Answer order =
         client.call(Client::getProperty(bus::applicationPath, bus::applicationInterface, property));
@@ -113,29 +153,17 @@ Answer list(const Client &client, const QString &property,
     if (!objects)
         return objects;
     const auto managed = qdbus_cast<ManagedObjects>(objects.values.value(0));
-    const auto paths =
-        qdbus_cast<QList<QDBusObjectPath>>(order.values.value(0).value<QDBusVariant>().variant());
-    for (const QDBusObjectPath &path : paths) {
+    QList<QStringList> rows;
+    for (const QDBusObjectPath &path :
+         qdbus_cast<QList<QDBusObjectPath>>(order.values.value(0).value<QDBusVariant>().variant())) {
         if (managed.contains(path)) // it may have been closed between the two calls
-            output::print({line(path, managed)});
+            rows.append(columns(path, managed));
     }
+    if (request.json)
+        printAsJson(rows);
+    else
+        std::for_each(rows.cbegin(), rows.cend(), &output::printColumns);
     return {};
-}
-
-QString documentLine(const QDBusObjectPath &path, const ManagedObjects &objects)
-{
-    const QVariantMap properties = objects.value(path).value(bus::documentInterface);
-    return output::lines(QVariant::fromValue(path)).first() + u'\t'
-        + properties.value(u"DocStatus"_s).toString() + u'\t' + properties.value(u"DisplayName"_s).toString();
-}
-
-QString windowLine(const QDBusObjectPath &path, const ManagedObjects &objects)
-{
-    const QVariantMap properties = objects.value(path).value(bus::windowInterface);
-    const auto document = properties.value(u"Document"_s).value<QDBusObjectPath>();
-    const QVariant status = objects.value(document).value(bus::documentInterface).value(u"DocStatus"_s);
-    return output::lines(QVariant::fromValue(path)).first() + u'\t' + status.toString() + u'\t'
-        + properties.value(u"Title"_s).toString();
 }
 
 /// Whose property is meant.
@@ -199,8 +227,14 @@ Answer newDocument(const Request &request, const Client &client)
             return value;
         properties.insert(key, value.values.first());
     }
-    return printed(client.call(Client::method(bus::applicationPath, bus::applicationInterface,
-                                              u"MakeDocument"_s, {properties}, Client::Start::onDemand)));
+    const LogFollower follower(client, {}, [](const QString &) {}); // knows the document that is made
+    const Answer made = client.call(Client::method(bus::applicationPath, bus::applicationInterface,
+                                                   u"MakeDocument"_s, {properties}, Client::Start::onDemand));
+    // One that has not got all of its properties is there all the same, and nobody would know of it.
+    if (!made && !follower.documentPath().isEmpty()) [[maybe_unused]]
+        const Answer closed =
+            client.call(Client::method(follower.documentPath(), bus::documentInterface, u"Close"_s));
+    return printed(made);
 }
 
 Answer open(const Request &request, const Client &client)
@@ -239,12 +273,12 @@ const QHash<QString, Command> &commands()
         {u"log"_s, log},
         {u"clear-log"_s, clearLog},
         {u"documents"_s,
-         [](const Request &, const Client &client) {
-             return list(client, u"OrderedDocuments"_s, documentLine);
+         [](const Request &request, const Client &client) {
+             return list(request, client, u"OrderedDocuments"_s, documentColumns);
          }},
         {u"windows"_s,
-         [](const Request &, const Client &client) {
-             return list(client, u"AllOrderedWindows"_s, windowLine);
+         [](const Request &request, const Client &client) {
+             return list(request, client, u"AllOrderedWindows"_s, windowColumns);
          }},
         {u"new"_s, newDocument},
         {u"get"_s, get},

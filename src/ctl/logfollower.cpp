@@ -1,6 +1,5 @@
 #include "ctl/logfollower.h"
 
-#include "ctl/output.h"
 #include "scripting/dbus/busnames.h"
 
 #include <QDBusArgument>
@@ -14,8 +13,9 @@ constexpr int longestFinish = 5000; // milliseconds
 
 } // namespace
 
-LogFollower::LogFollower(const Client &client, const QString &documentPath)
+LogFollower::LogFollower(const Client &client, const QString &documentPath, Entry entry)
     : m_client(client)
+    , m_entry(std::move(entry))
     , m_documentPath(documentPath)
 {
     QDBusConnection connection = client.connection();
@@ -23,11 +23,6 @@ LogFollower::LogFollower(const Client &client, const QString &documentPath)
                        this, SLOT(objectAdded(QDBusMessage)));
     connection.connect(bus::service, {}, bus::documentInterface, u"LogAppended"_s, this,
                        SLOT(entryAppended(QDBusMessage)));
-    connect(&m_interrupt, &Interrupt::arrived, this, [this] {
-        if (m_cancel == Cancel::notAsked)
-            m_cancel = Cancel::asked;
-        cancelOnce();
-    });
 }
 
 void LogFollower::objectAdded(const QDBusMessage &signal)
@@ -39,21 +34,13 @@ void LogFollower::objectAdded(const QDBusMessage &signal)
     if (caller != m_client.connection().baseService())
         return;
     m_documentPath = signal.arguments().at(0).value<QDBusObjectPath>().path();
-    cancelOnce();
+    Q_EMIT documentFound();
 }
 
 void LogFollower::entryAppended(const QDBusMessage &signal)
 {
     if (signal.path() == m_documentPath)
-        output::printError(signal.arguments().value(0).toString());
-}
-
-void LogFollower::cancelOnce()
-{
-    if (m_cancel != Cancel::asked || m_documentPath.isEmpty())
-        return;
-    m_cancel = Cancel::sent;
-    m_client.connection().send(Client::method(m_documentPath, bus::documentInterface, u"Cancel"_s));
+        m_entry(signal.arguments().value(0).toString());
 }
 
 void LogFollower::finish()
@@ -61,7 +48,7 @@ void LogFollower::finish()
     if (m_documentPath.isEmpty())
         return;
     // An answer can overtake entries that are on their way to the window; those of this one cannot. The
-    // document may have been closed meanwhile, and then there is nothing left to print.
+    // document may have been closed meanwhile, and then there is nothing left to tell.
     const auto property = Client::getProperty(m_documentPath, bus::documentInterface, u"UniqueID"_s);
     [[maybe_unused]] const Answer answer = m_client.call(property, longestFinish);
 }

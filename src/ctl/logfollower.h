@@ -1,29 +1,35 @@
 #pragma once
 
 #include "ctl/client.h"
-#include "ctl/interrupt.h"
 
 #include <QObject>
 
-/// Prints the log of the document that this connection's command works on, as it comes, and turns the first
-/// interrupt into a cancel of that document. Made before the command is sent, so that nothing is missed.
+#include <functional>
+
+/// Hands on the log of the document that this connection's command works on, as it comes. Made before the
+/// command is sent, so that nothing is missed.
 class LogFollower : public QObject {
     Q_OBJECT
 
 public:
-    /// Without a path it follows the document that the command makes.
-    LogFollower(const Client &client, const QString &documentPath);
+    using Entry = std::function<void(const QString &text)>;
 
-    /// Prints what the document has logged up to now; after the command's answer.
+    /// Without a path it follows the document that the command makes.
+    LogFollower(const Client &client, const QString &documentPath, Entry entry);
+
+    /// Empty until the document is known.
+    QString documentPath() const { return m_documentPath; }
+    /// Hands on what the document has logged up to now; after the command's answer.
     void finish();
+
+Q_SIGNALS:
+    void documentFound();
 
 private:
     Q_SLOT void objectAdded(const QDBusMessage &signal);
     Q_SLOT void entryAppended(const QDBusMessage &signal);
-    void cancelOnce();
 
     const Client &m_client;
+    const Entry m_entry;
     QString m_documentPath;
-    Interrupt m_interrupt;
-    enum class Cancel { notAsked, asked, sent } m_cancel = Cancel::notAsked;
 };

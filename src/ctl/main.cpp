@@ -7,7 +7,9 @@
 #include <clocale>
 #include <cstdlib>
 
+#include <fcntl.h>
 #include <langinfo.h>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -20,6 +22,16 @@ void ensureUtf8()
     std::setlocale(LC_ALL, "");
     if (QByteArrayView(nl_langinfo(CODESET)) != "UTF-8")
         setenv("LC_ALL", "C.UTF-8", 1);
+}
+
+/// A stream that is closed must not become whatever is opened next, such as the connection to the bus. What
+/// is written to it fails.
+void occupyStandardStreams()
+{
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (fcntl(stream, F_GETFD) < 0) [[maybe_unused]]
+            const int opened = open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+    }
 }
 
 int exitWith(ExitStatus status, const QString &error = {})
@@ -35,6 +47,9 @@ int run(const Request &request)
     if (!client.isConnected())
         return exitWith(ExitStatus::noAnswer, u"there is no session bus"_s);
     const Answer answer = carryOut(request, client);
+    const QString outputFailure = output::failure();
+    if (answer && !outputFailure.isNull())
+        return exitWith(ExitStatus::error, outputFailure);
     return exitWith(answer.status, answer.error);
 }
 
@@ -42,6 +57,7 @@ int run(const Request &request)
 
 int main(int argc, char **argv)
 {
+    occupyStandardStreams();
     ensureUtf8();
     const QCoreApplication application(argc, argv);
     const Request request = parseCommandLine(QCoreApplication::arguments().mid(1));

@@ -6,8 +6,12 @@
 #include <QDBusArgument>
 #include <QDBusObjectPath>
 #include <QDBusVariant>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QUrl>
 
+#include <cerrno>
 #include <cstdio>
 
 using namespace Qt::StringLiterals;
@@ -32,11 +36,26 @@ QString numbers(const platform::QDRect &bounds)
     return u"%1 %2 %3 %4"_s.arg(bounds.top).arg(bounds.left).arg(bounds.bottom).arg(bounds.right);
 }
 
+int writeError = 0; // of standard output, as errno has it
+
 void write(const QString &text, FILE *stream)
 {
     const QByteArray bytes = text.toLocal8Bit();
-    std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stream);
-    std::fflush(stream);
+    const auto size = static_cast<size_t>(bytes.size());
+    const bool isWritten =
+        std::fwrite(bytes.constData(), 1, size, stream) == size && std::fflush(stream) == 0;
+    if (!isWritten && stream == stdout && writeError == 0)
+        writeError = errno;
+}
+
+/// Without what would end a line or a column.
+QString onOneLine(QString text)
+{
+    for (QChar &letter : text) {
+        if (letter.unicode() < u' ')
+            letter = u' ';
+    }
+    return text;
 }
 
 } // namespace
@@ -80,6 +99,26 @@ void print(const QStringList &lines)
 void printText(const QString &text)
 {
     write(text.endsWith(u'\n') ? text : text + u'\n', stdout);
+}
+
+void printColumns(const QStringList &columns)
+{
+    QStringList texts;
+    for (const QString &column : columns)
+        texts.append(onOneLine(column));
+    print({texts.join(u'\t')});
+}
+
+void printJson(const QJsonValue &value)
+{
+    const QJsonDocument document =
+        value.isArray() ? QJsonDocument(value.toArray()) : QJsonDocument(value.toObject());
+    write(QString::fromUtf8(document.toJson(QJsonDocument::Indented)), stdout);
+}
+
+QString failure()
+{
+    return writeError == 0 ? QString() : u"cannot write the output: "_s + qt_error_string(writeError);
 }
 
 void printError(const QString &line)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QJsonValue>
 #include <QString>
 #include <QStringList>
 #include <QVariant>
@@ -16,6 +17,12 @@ namespace output {
 void print(const QStringList &lines);
 /// As it stands; a line end is added where the text has none.
 void printText(const QString &text);
+/// One line, the columns of which are separated by tabs. A line end in one of them becomes a blank.
+void printColumns(const QStringList &columns);
+/// An object or a list.
+void printJson(const QJsonValue &value);
+/// What kept the output up to now from being written; null if nothing did.
+[[nodiscard]] QString failure();
 /// To standard error, at once.
 void printError(const QString &line);
 

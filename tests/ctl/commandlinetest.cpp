@@ -79,6 +79,10 @@ TEST(CommandLine, aValueMayBeginLikeAnOption)
     EXPECT_EQ(parse(u"set --document a AppPassword --secret"_s).document, u"a"_s);
     EXPECT_EQ(parse(u"set --window 3 BoundsAsQDRect -20 -10 400 500"_s).operands,
               (QStringList{u"BoundsAsQDRect"_s, u"-20"_s, u"-10"_s, u"400"_s, u"500"_s}));
+    for (const QString &slip : {u"--unste"_s, u"--unse"_s, u"--documnt"_s}) {
+        EXPECT_EQ(parse(u"set AppleID "_s + slip).kind, Request::Kind::wrongUse) << slip.toStdString();
+        EXPECT_EQ(parse(u"set AppleID -- "_s + slip).operands, (QStringList{u"AppleID"_s, slip}));
+    }
     EXPECT_EQ(parse(u"set AppPassword -- --unset"_s).operands, (QStringList{u"AppPassword"_s, u"--unset"_s}));
 }
 

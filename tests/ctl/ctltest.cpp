@@ -5,8 +5,12 @@
 #include "dbus/privatebus.h"
 #include "support/items.h"
 
+#include <QDBusVirtualObject>
 #include <QDir>
 #include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QTemporaryDir>
 
 using namespace Qt::StringLiterals;
@@ -90,7 +94,10 @@ TEST_F(Client, whatOnlySubmittingTakesIsNotSigned)
 {
     items::makeFile(host.item(u"Foo.pkg"_s), "xar!");
     EXPECT_EQ(run({u"sign"_s, host.item(u"Foo.pkg"_s)}), 1);
-    EXPECT_EQ(error, u"sealwrightctl: error 6: \n"_s);
+    EXPECT_EQ(
+        error,
+        u"sealwrightctl: error 6: \nsealwrightctl: '%1' is of a kind that this command does not take\n"_s.arg(
+            host.item(u"Foo.pkg"_s)));
     EXPECT_EQ(documentCount(), 1);
 }
 
@@ -142,7 +149,7 @@ TEST_F(Client, withDialogsTheDocumentShowsItsSheet)
 TEST_F(Client, aScriptErrorIsPrintedWithItsNumberAndText)
 {
     EXPECT_EQ(run({u"submit"_s, u"/nowhere/Foo.app"_s}), 1);
-    EXPECT_EQ(error, u"sealwrightctl: error 6: \n"_s);
+    EXPECT_EQ(error, u"sealwrightctl: error 6: \nsealwrightctl: there is no item at '/nowhere/Foo.app'\n"_s);
     EXPECT_EQ(output, QString());
     const QDBusPendingCall submission = beginEndlessSubmission();
     EXPECT_EQ(run({u"submit"_s, host.item(u"Foo.app"_s), u"--document"_s, element()}), 1);
@@ -182,7 +189,8 @@ TEST_F(Client, aFollowedSubmissionThatIsRefusedPrintsItsErrorAlone)
     host.document().logString(u"not this"_s);
     for (const QStringList &receiver : {QStringList{}, QStringList{u"--document"_s, element()}}) {
         EXPECT_EQ(run(QStringList{u"submit"_s, u"/nowhere/Foo.app"_s, u"--follow"_s} + receiver), 1);
-        EXPECT_EQ(error, u"sealwrightctl: error 6: \n"_s);
+        EXPECT_EQ(error,
+                  u"sealwrightctl: error 6: \nsealwrightctl: there is no item at '/nowhere/Foo.app'\n"_s);
         EXPECT_EQ(output, QString());
     }
     EXPECT_EQ(documentCount(), 1);
@@ -270,6 +278,89 @@ TEST_F(Client, anAnswerThatDoesNotComeInTimeIsAStatusOfItsOwn)
     waitForCredentialCheck();
     cancel();
     host.settle();
+}
+
+TEST_F(Client, aSubmissionIsToldAsJson)
+{
+    appURL();
+    Ctl ctl(host, {u"submit"_s, host.item(u"Foo.app"_s), u"--json"_s});
+    EXPECT_EQ(endWithPolls(ctl), 0);
+    const QJsonObject told = QJsonDocument::fromJson(ctl.output.toUtf8()).object();
+    EXPECT_EQ(told.value(u"document"_s).toString(), element());
+    EXPECT_EQ(told.value(u"status"_s).toString(), u"ready"_s);
+    EXPECT_EQ(told.value(u"result"_s).toString(), host.item(u"Foo - Notarized/Foo.app"_s));
+    EXPECT_TRUE(told.value(u"error"_s).isNull());
+    QStringList log;
+    for (const QJsonValue &entry : told.value(u"log"_s).toArray())
+        log.append(entry.toString() + u'\n');
+    EXPECT_EQ(log.join(QString()), host.document().statusTextView.string());
+    EXPECT_EQ(documentCount(), 2);
+}
+
+TEST_F(Client, aFailureIsToldAsJsonWithItsNumber)
+{
+    EXPECT_EQ(run({u"sign"_s, u"/nowhere/Foo.app"_s, u"--json"_s}), 1);
+    const QJsonObject told = QJsonDocument::fromJson(output.toUtf8()).object();
+    EXPECT_TRUE(told.value(u"document"_s).isNull());
+    EXPECT_TRUE(told.value(u"result"_s).isNull());
+    EXPECT_EQ(told.value(u"error"_s).toObject().value(u"number"_s).toInt(), 6);
+    EXPECT_TRUE(error.startsWith(u"sealwrightctl: error 6: \n"_s));
+}
+
+TEST_F(Client, theDocumentOfACommandIsClosedIfThatIsWanted)
+{
+    appURL();
+    EXPECT_EQ(run({u"sign"_s, host.item(u"Foo.app"_s), u"--close"_s}), 0) << error.toStdString();
+    EXPECT_EQ(output, host.item(u"Foo - Signed/Foo.app"_s) + u'\n');
+    host.runUntil([this] { return documentCount() == 1; });
+    host.tools.answer(u"altool--notarization-history"_s, {.output = "a page\n"});
+    EXPECT_EQ(run({u"history"_s, u"--close"_s}), 0);
+    EXPECT_EQ(output, u"a page\n"_s);
+    host.runUntil([this] { return documentCount() == 1; });
+}
+
+TEST_F(Client, anInterruptOfAStaplingSaysThatItCannotBeCancelled)
+{
+    host.tools.answer(u"spctl"_s, {.hangs = true});
+    appURL();
+    Ctl ctl(host, {u"staple"_s, host.item(u"Foo.app"_s), u"--follow"_s, u"--document"_s, element()});
+    host.runUntil([this] { return !host.tools.callsOf(u"spctl"_s).isEmpty(); });
+    ctl.interrupt();
+    ctl.waitForError(u"sealwrightctl: this cannot be cancelled; waiting for its end\n"_s);
+    host.document().doCancel();
+    EXPECT_EQ(ctl.end(), 1);
+    host.settle();
+}
+
+TEST_F(Client, outputThatCannotBeWrittenIsAFailure)
+{
+    for (const QString &target : {u">/dev/full"_s, u">&-"_s}) {
+        QProcess shell;
+        shell.start(u"/bin/sh"_s,
+                    {u"-c"_s, u"\"$0\" documents "_s + target, QString::fromUtf8(SEALWRIGHTCTL)});
+        host.runUntil([&] { return shell.state() == QProcess::NotRunning; });
+        EXPECT_EQ(shell.exitCode(), 1) << target.toStdString();
+        EXPECT_TRUE(shell.readAllStandardError().startsWith("sealwrightctl: cannot write the output: "));
+    }
+}
+
+TEST_F(Client, titlesStayOnOneLineAndWholeInJson)
+{
+    host.window().setTitle(u"one\ntwo\tthree"_s);
+    EXPECT_EQ(run({u"windows"_s}), 0);
+    EXPECT_EQ(output, u"1\tready\tone two three\n"_s);
+    EXPECT_EQ(run({u"documents"_s, u"--json"_s}), 0);
+    const QJsonObject told = QJsonDocument::fromJson(output.toUtf8()).array().at(0).toObject();
+    EXPECT_EQ(told.value(u"id"_s).toString(), element());
+    EXPECT_EQ(told.value(u"status"_s).toString(), u"ready"_s);
+    EXPECT_EQ(told.value(u"title"_s).toString(), u"one\ntwo\tthree"_s);
+}
+
+TEST_F(Client, aNewDocumentThatLacksAPropertyDoesNotStayOpen)
+{
+    EXPECT_EQ(run({u"new"_s, u"ActiveIdentity=Nobody"_s}), 1);
+    EXPECT_EQ(output, QString());
+    host.runUntil([this] { return documentCount() == 1; });
 }
 
 TEST_F(Client, documentsAndWindowsAreListedFromFrontToBack)
@@ -438,6 +529,15 @@ TEST_F(Client, quittingIsAnsweredAndEndsTheApplication)
 }
 
 /// The client where no application runs.
+/// Takes calls and never answers.
+class MuteObject : public QDBusVirtualObject {
+public:
+    QString introspect(const QString &) const override { return {}; }
+    bool handleMessage(const QDBusMessage &, const QDBusConnection &) override { return isAsked = true; }
+
+    bool isAsked = false;
+};
+
 class LonelyClient : public testing::Test {
 protected:
     ~LonelyClient() override { privatebus::setActivation({}); }
@@ -478,6 +578,20 @@ TEST_F(LonelyClient, saysThatNothingRuns)
         EXPECT_EQ(run(words), 3) << words.join(u' ').toStdString();
         EXPECT_EQ(error, u"sealwrightctl: Sealwright is not running\n"_s);
     }
+}
+
+TEST_F(LonelyClient, tellsAnApplicationThatEndsFromOneThatIsSlow)
+{
+    MuteObject object;
+    auto mute = QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"mute"_s);
+    ASSERT_TRUE(mute.registerVirtualObject(bus::applicationPath, &object));
+    ASSERT_TRUE(mute.registerService(bus::service));
+    Ctl ctl(host, {u"get"_s, u"Name"_s});
+    host.runUntil([&object] { return object.isAsked; });
+    mute = QDBusConnection(QString());
+    QDBusConnection::disconnectFromBus(u"mute"_s);
+    EXPECT_EQ(ctl.end(), 3);
+    EXPECT_EQ(ctl.error, u"sealwrightctl: Sealwright has ended without an answer\n"_s);
 }
 
 TEST_F(LonelyClient, hasTheBusStartTheApplicationOnlyForWhatCanBeginThere)
