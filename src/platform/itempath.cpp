@@ -1,6 +1,7 @@
 #include "platform/itempath.h"
 
 #include <QDir>
+#include <QFileInfo>
 #include <QStringBuilder>
 
 using namespace Qt::StringLiterals;
@@ -29,6 +30,20 @@ QString fromUrl(const QUrl &url)
 QUrl toUrl(const QString &path)
 {
     return QUrl::fromLocalFile(path);
+}
+
+QString withoutDots(const QString &path)
+{
+    QStringList steps = path.split(u'/', Qt::SkipEmptyParts);
+    steps.removeAll(u"."_s);
+    const qsizetype last = steps.lastIndexOf(u".."_s);
+    const QString whole = u'/' + steps.join(u'/');
+    if (last < 0)
+        return whole;
+    const QString real = QFileInfo(u'/' + steps.first(last + 1).join(u'/')).canonicalFilePath();
+    if (real.isEmpty())
+        return whole; // there is no such item
+    return last + 1 == steps.size() ? real : appending(real, steps.sliced(last + 1).join(u'/'));
 }
 
 QString lastComponent(const QString &path)

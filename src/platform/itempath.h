@@ -12,6 +12,11 @@ namespace itempath {
 [[nodiscard]] QString fromUrl(const QUrl &url);
 [[nodiscard]] QUrl toUrl(const QString &path);
 
+/// The absolute path without steps that are empty, "." or "..". What lies before the last ".." is the real
+/// folder then: behind a link ".." is not what its letters say, and a step into the item and back would go
+/// with the item.
+[[nodiscard]] QString withoutDots(const QString &path);
+
 [[nodiscard]] QString lastComponent(const QString &path);
 [[nodiscard]] QString folder(const QString &path);
 /// Without the dot; empty if there is none.

@@ -22,6 +22,38 @@ QByteArray ok(const QByteArray &body)
     return "HTTP/1.1 200 OK\r\nContent-Length: " + QByteArray::number(body.size()) + "\r\n\r\n" + body;
 }
 
+// "all of it", compressed by gzip
+const QByteArray compressed = QByteArray("\x1f"
+                                         "\x8b"
+                                         "\x08"
+                                         "\x00"
+                                         "\x00"
+                                         "\x00"
+                                         "\x00"
+                                         "\x00"
+                                         "\x02"
+                                         "\x03"
+                                         "\x4b"
+                                         "\xcc"
+                                         "\xc9"
+                                         "\x51"
+                                         "\xc8"
+                                         "\x4f"
+                                         "\x53"
+                                         "\xc8"
+                                         "\x2c"
+                                         "\x01"
+                                         "\x00"
+                                         "\x72"
+                                         "\x7c"
+                                         "\xda"
+                                         "\xbf"
+                                         "\x09"
+                                         "\x00"
+                                         "\x00"
+                                         "\x00",
+                                         29);
+
 } // namespace
 
 TEST(QtUrlReader, aBodyIsReadWhole)
@@ -80,6 +112,34 @@ TEST(QtUrlReader, anAnswerThatIsNotHttpOrNoneAtAllIsNothing)
     LoopbackServer server({{"/garbage", "\x01\x02 this is no answer\r\n\r\n"}, {"/silent", ""}});
     EXPECT_EQ(contentsOf(server.url(u"/garbage"_s)), std::nullopt);
     EXPECT_EQ(contentsOf(server.url(u"/silent"_s)), std::nullopt);
+}
+
+TEST(QtUrlReader, aCompressionThatNobodyAskedForIsUndone)
+{
+    LoopbackServer server({{"/",
+                            "HTTP/1.1 200 OK\r\nContent-Encoding: gzip\r\nContent-Length: "
+                                + QByteArray::number(compressed.size()) + "\r\n\r\n" + compressed}});
+    EXPECT_EQ(contentsOf(server.url(u"/"_s)), QByteArray("all of it"));
+}
+
+TEST(QtUrlReader, aServerThatFallsSilentIsNothingAfterAWhile)
+{
+    LoopbackServer server({{"/", ok("{}")}});
+    server.hold();
+    std::optional<QByteArray> contents = QByteArray();
+    std::thread([&] {
+        contents = QtUrlReader({.silence = std::chrono::milliseconds(100)}).contentsOf(server.url(u"/"_s));
+    }).join();
+    EXPECT_EQ(contents, std::nullopt);
+    std::thread([&] {
+        contents = QtUrlReader({.answer = std::chrono::milliseconds(100)}).contentsOf(server.url(u"/"_s));
+    }).join();
+    EXPECT_EQ(contents, std::nullopt);
+}
+
+TEST(QtUrlReader, aFileThatNeverEndsIsNothing)
+{
+    EXPECT_EQ(contentsOf(QUrl::fromLocalFile(u"/dev/zero"_s)), std::nullopt);
 }
 
 TEST(QtUrlReader, aServerThatIsNotThereIsNothing)

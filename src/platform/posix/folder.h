@@ -57,6 +57,8 @@ public:
 
     void enter(const char *name) { m_path.append('/').append(name); }
     void leave() { m_path.truncate(m_path.lastIndexOf('/')); }
+    /// In bytes.
+    qsizetype length() const { return m_path.size(); }
     QString path() const;
 
 private:

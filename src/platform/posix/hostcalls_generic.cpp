@@ -17,7 +17,7 @@ UniqueDescriptor makeExitDescriptor(pid_t child)
 
 bool copyContents(int from, int to)
 {
-    return copyContentsByReading(from, to);
+    return isSparse(from) ? copyContentsWithHoles(from, to) : copyContentsByReading(from, to);
 }
 
 bool renameToFreePath(const char *from, const char *to)

@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <climits>
 
 using namespace Qt::StringLiterals;
 
@@ -119,6 +120,10 @@ bool ItemCopier::copyEntries(const Folder &from, const Folder &to)
     for (const Folder::Entry &entry : *entries) {
         const char *name = entry.name.c_str();
         m_trail.enter(name);
+        if (m_trail.length() >= PATH_MAX) { // no tool could name it
+            errno = ENAMETOOLONG;
+            return fail();
+        }
         if (!copyEntry({from.descriptor(), name}, {to.descriptor(), name}))
             return false;
         m_trail.leave();

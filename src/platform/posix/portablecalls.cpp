@@ -30,6 +30,25 @@ int makeUninheritedPipe(int ends[2])
 #endif
 }
 
+/// Copies the bytes from one offset up to another one, to where they stand.
+bool copyRange(int from, int to, off_t start, off_t end)
+{
+    constexpr off_t size = 256 * 1024;
+    const std::unique_ptr<char[]> buffer(new char[size]);
+    if (lseek(to, start, SEEK_SET) < 0)
+        return false;
+    while (start < end) {
+        const ssize_t count =
+            pread(from, buffer.get(), static_cast<size_t>(std::min(size, end - start)), start);
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count <= 0 || !writeFully(to, buffer.get(), static_cast<size_t>(count)))
+            return count == 0; // one that has become shorter
+        start += count;
+    }
+    return true;
+}
+
 } // namespace
 
 std::optional<Pipe> makePipe()
@@ -71,6 +90,30 @@ bool copyContentsByReading(int from, int to)
         if (count > 0 && !writeFully(to, buffer.get(), static_cast<size_t>(count)))
             return false;
     }
+}
+
+bool isSparse(int file)
+{
+    constexpr off_t blockSize = 512; // as stat(2) counts them
+    struct stat state;
+    return fstat(file, &state) == 0 && lseek(file, 0, SEEK_CUR) == 0
+        && off_t(state.st_blocks) * blockSize < state.st_size;
+}
+
+bool copyContentsWithHoles(int from, int to)
+{
+    struct stat state;
+    if (fstat(from, &state) < 0)
+        return false;
+    for (off_t end = 0; end < state.st_size;) {
+        const off_t start = lseek(from, end, SEEK_DATA);
+        if (start < 0 && errno == ENXIO)
+            break; // the rest is a hole
+        end = start < 0 ? -1 : lseek(from, start, SEEK_HOLE);
+        if (end < 0 || !copyRange(from, to, start, end))
+            return false;
+    }
+    return ftruncate(to, state.st_size) == 0;
 }
 
 bool writeFully(int to, const char *bytes, size_t count)

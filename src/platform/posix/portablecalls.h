@@ -23,6 +23,11 @@ struct Pipe {
 /// The way that works on any host, for hostcalls.h: reads and writes.
 [[nodiscard]] bool copyContentsByReading(int from, int to);
 
+/// Whether the file has holes and is about to be copied from its beginning.
+[[nodiscard]] bool isSparse(int file);
+/// Copies such a file, and leaves its holes holes where the file system tells of them.
+[[nodiscard]] bool copyContentsWithHoles(int from, int to);
+
 /// The way that works on any host, for hostcalls.h: looks first. Another program may be quicker in between.
 [[nodiscard]] bool renameToUnoccupiedPath(const char *from, const char *to);
 
