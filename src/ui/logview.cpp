@@ -10,6 +10,8 @@
 
 #include <memory>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 constexpr int darkest = 128; // of the lightness of a dark background
@@ -19,6 +21,19 @@ constexpr int timeMeaning = 1;
 bool isTime(const QTextCursor &part)
 {
     return part.charFormat().intProperty(meaningProperty) == timeMeaning;
+}
+
+// What is shown of one entry: laying out megabytes would keep the window from being used.
+constexpr qsizetype mostShown = 200'000; // characters
+constexpr qsizetype shownOfTheEnd = 20'000;
+
+QString shown(const QString &text)
+{
+    const qsizetype leftOut = text.size() - mostShown;
+    if (leftOut <= 0)
+        return text;
+    return text.first(mostShown - shownOfTheEnd)
+        + u"\n[%1 characters are in the log and not shown here]\n"_s.arg(leftOut) + text.last(shownOfTheEnd);
 }
 
 } // namespace
@@ -45,7 +60,7 @@ void LogView::append(const LogText::Run &run)
     const qsizetype time = lengthOfTime(run.text);
     if (time > 0)
         end.insertText(run.text.left(time), formatOfTime(run));
-    end.insertText(run.text.mid(time), formatFor(run));
+    end.insertText(shown(run.text.mid(time)), formatFor(run));
     scrollToEndSoon();
 }
 

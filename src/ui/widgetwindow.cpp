@@ -20,6 +20,8 @@
 
 namespace {
 
+constexpr QSize largestFrame(4096, 4096); // or that of all screens together; the host keeps an image of each
+
 qint16 side(int position)
 {
     using Side = std::numeric_limits<qint16>;
@@ -115,7 +117,8 @@ QRect WidgetWindow::place() const
 void WidgetWindow::setPlace(const QRect &place)
 {
     FrameWindow &frame = *frameWindow();
-    frame.resize(place.size() - (frame.frameGeometry().size() - frame.size()));
+    const QSize size = place.size().boundedTo(largestFrame.expandedTo(frame.screen()->virtualSize()));
+    frame.resize(size - (frame.frameGeometry().size() - frame.size()));
     frame.move(place.topLeft());
 }
 
