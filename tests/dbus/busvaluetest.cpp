@@ -1,6 +1,9 @@
 #include "scripting/dbus/busvalue.h"
 #include "scripting/dbus/busnames.h"
 
+#include <QDir>
+#include <QFileInfo>
+#include <QTemporaryDir>
 #include <gtest/gtest.h>
 
 using namespace Qt::StringLiterals;
@@ -37,4 +40,23 @@ TEST(BusValue, aTextWithoutTheSchemeIsNoFile)
 TEST(BusNames, anIdentifierInAPathKeepsItsLettersAndDigitsOnly)
 {
     EXPECT_EQ(bus::pathElement(u"a1B2-c3.d4 é²"_s), u"a1B2_c3_d4___"_s);
+}
+
+TEST(BusValue, aFileIsMeantByItsPathWithoutDotsAndEmptySteps)
+{
+    const QTemporaryDir folder;
+    QDir(folder.path()).mkpath(u"Foo.app/Contents"_s);
+    ASSERT_TRUE(QFile::link(folder.filePath(u"Foo.app/Contents"_s), folder.filePath(u"link"_s)));
+    const QString real = QFileInfo(folder.path()).canonicalFilePath();
+    const std::pair<QString, QString> rows[] = {
+        {u"/Foo.app/Contents/../../Foo.app"_s, real + u"/Foo.app"_s},
+        {u"/link/../Contents"_s, real + u"/Foo.app/Contents"_s},
+        {u"/./Foo.app"_s, folder.path() + u"/Foo.app"_s},
+        {u"//Foo.app"_s, folder.path() + u"/Foo.app"_s},
+        {u"/link"_s, folder.path() + u"/link"_s},
+        {u"/Foo.app/Contents/.."_s, real + u"/Foo.app"_s},
+    };
+    for (const auto &[given, meant] : rows)
+        EXPECT_EQ(busvalue::fileUrl(u"file://"_s + folder.path() + given).toLocalFile(), meant);
+    EXPECT_EQ(busvalue::fileUrl(u"file:////tmp/x/Foo.app"_s).toString(), u"file:///tmp/x/Foo.app"_s);
 }

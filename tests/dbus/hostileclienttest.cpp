@@ -3,6 +3,7 @@
 #include "dbus/hostonbus.h"
 
 #include "scripting/dbus/busobject.h"
+#include "scripting/dbus/busvalue.h"
 #include "scripting/definition/scriptingdefinition.h"
 
 #include <QDBusSignature>
@@ -236,4 +237,41 @@ TEST_F(HostileClient, vanishesAndItsSubmissionGoesOnToTheEnd)
     host.firePolls();
     EXPECT_TRUE(host.listing().contains(u"Foo - Notarized"_s));
     EXPECT_EQ(ofDocument(u"DocStatus"_s), QVariant(u"ready"_s));
+}
+
+TEST_F(HostileClient, findsTextsBoundedByALengthThatTheErrorNames)
+{
+    const QString tooLong(busvalue::mostCharacters + 1, u'x');
+    const QDBusMessage answer = setOfDocument(u"AppleID"_s, tooLong);
+    EXPECT_EQ(errorOf(answer), buserror::invalidArgs);
+    EXPECT_EQ(errorTextOf(answer), u"AppleID takes at most 16777216 characters."_s);
+    EXPECT_EQ(errorOf(setOfDocument(u"PathsToSkip"_s, QStringList(9, QString(2'000'000, u'x')))),
+              buserror::invalidArgs);
+    EXPECT_EQ(errorOf(makeDocument({{u"AppleID"_s, tooLong}})), buserror::invalidArgs);
+    expectUnharmed();
+}
+
+TEST_F(HostileClient, readsTextsWithNullCharactersToTheirEnd)
+{
+    host.document().logString(u"be"_s + QChar::Null + u"hind"_s);
+    const QDBusMessage answer =
+        client.call(documentPath(), bus::documentInterface, u"FetchLog"_s, {QVariantMap()});
+    EXPECT_TRUE(variantOf(answer).toString().endsWith(u"be\uFFFDhind\n"_s));
+}
+
+TEST_F(HostileClient, keepsItsConnectionWhereAnAnswerIsTooLargeForIt)
+{
+    host.document().statusTextView.append({QString(34 * 1024 * 1024, u'x'), LogStyle::plain, {}});
+    const QDBusMessage answer =
+        client.call(documentPath(), bus::documentInterface, u"FetchLog"_s, {QVariantMap()});
+    EXPECT_EQ(errorOf(answer), buserror::limitsExceeded);
+    EXPECT_EQ(ofDocument(u"DocStatus"_s), QVariant(u"ready"_s));
+}
+
+TEST_F(HostileClient, isToldWhichWindowIsNone)
+{
+    const QDBusMessage answer = client.set(windowPath(), bus::windowInterface, u"ParentWindow"_s,
+                                           QVariant::fromValue(QDBusObjectPath(bus::windowsPath + u"/99"_s)));
+    EXPECT_EQ(errorTextOf(answer),
+              u"ParentWindow takes a window, and %1/99 is none."_s.arg(bus::windowsPath));
 }

@@ -17,7 +17,7 @@ namespace {
 
 const QString configuration = uR"(<busconfig>
   <type>session</type>
-  <listen>unix:dir=%1</listen>
+  <listen>unix:path=%1/bus</listen>
   <servicedir>%1/services</servicedir>
   <policy context="default">
     <allow send_destination="*" eavesdrop="true"/>
@@ -48,17 +48,28 @@ public:
         QDir().mkpath(m_folder->filePath(u"services"_s));
         const QString file = m_folder->filePath(u"bus.conf"_s);
         write(file, configuration.arg(m_folder->path()));
-        m_daemon.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        m_daemon.start(u"dbus-daemon"_s,
-                       {u"--config-file="_s + file, u"--nofork"_s, u"--nopidfile"_s, u"--print-address"_s});
-        ASSERT_TRUE(m_daemon.waitForReadyRead()) << "dbus-daemon does not start";
-        qputenv("DBUS_SESSION_BUS_ADDRESS", m_daemon.readLine().trimmed());
+        start();
+        // Without the identity of this one daemon, which is another after its next start.
+        qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=" + m_folder->filePath(u"bus"_s).toUtf8());
     }
 
-    void TearDown() override
+    void TearDown() override { end(); }
+
+    void start()
     {
-        m_daemon.terminate();
+        m_daemon.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        m_daemon.start(u"dbus-daemon"_s,
+                       {u"--config-file="_s + m_folder->filePath(u"bus.conf"_s), u"--nofork"_s,
+                        u"--nopidfile"_s, u"--print-address"_s});
+        ASSERT_TRUE(m_daemon.waitForReadyRead()) << "dbus-daemon does not start";
+        m_daemon.readAll();
+    }
+
+    void end()
+    {
+        m_daemon.kill();
         m_daemon.waitForFinished();
+        QFile::remove(m_folder->filePath(u"bus"_s));
     }
 
     QString serviceFile() const { return m_folder->filePath(u"services/application.service"_s); }
@@ -77,6 +88,16 @@ PrivateBus *const theBus = [] {
 } // namespace
 
 namespace privatebus {
+
+void start()
+{
+    theBus->start();
+}
+
+void end()
+{
+    theBus->end();
+}
 
 void setActivation(const QString &commandLine)
 {

@@ -1,6 +1,7 @@
 #include "scripting/dbus/buscall.h"
 
 #include "scripting/dbus/busnames.h"
+#include "scripting/dbus/busvalue.h"
 #include "scripting/dbus/lasterrors.h"
 
 #include <QDBusArgument>
@@ -40,6 +41,9 @@ QVariant BusCall::variant(qsizetype argument) const
 
 void BusCall::reply(const QVariantList &values) const
 {
+    if (isTooLarge(values))
+        return replyWithError(buserror::limitsExceeded,
+                              QStringLiteral("The answer is too large for the bus."));
     send(m_message.createReply(values));
 }
 
@@ -59,7 +63,8 @@ void BusCall::sendError(const QString &name, const QString &text, const QVariant
         return;
     m_lastErrors->record(caller(), offendingObject); // before the caller can ask for it
     QDBusMessage answer = m_message.createErrorReply(name, {});
-    answer.setArguments({text}); // as the message of the error, an empty text would be left out
+    answer.setArguments(
+        {busvalue::withoutNulls(text)}); // as the message of the error, an empty text would be left out
     send(answer);
 }
 
@@ -67,4 +72,15 @@ void BusCall::send(const QDBusMessage &answer) const
 {
     if (m_message.isReplyRequired())
         m_connection.send(answer);
+}
+
+/// The bus ends the connection of whoever sends more than it carries.
+bool BusCall::isTooLarge(const QVariantList &values)
+{
+    constexpr qsizetype mostCharacters = 32 * 1024 * 1024; // of up to three bytes each
+    const QVariant first = values.value(0);
+    const QVariant value = first.metaType() == QMetaType::fromType<QDBusVariant>()
+        ? first.value<QDBusVariant>().variant()
+        : first;
+    return value.metaType() == QMetaType::fromType<QString>() && value.toString().size() > mostCharacters;
 }

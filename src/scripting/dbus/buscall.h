@@ -36,6 +36,7 @@ public:
     void replyWithScriptError(const ScriptReply &failure) const;
 
 private:
+    static bool isTooLarge(const QVariantList &values);
     void send(const QDBusMessage &answer) const;
     void sendError(const QString &name, const QString &text, const QVariant &offendingObject) const;
 

@@ -45,6 +45,7 @@ namespace buserror {
 
 inline const QString failed = QStringLiteral("org.freedesktop.DBus.Error.Failed");
 inline const QString invalidArgs = QStringLiteral("org.freedesktop.DBus.Error.InvalidArgs");
+inline const QString limitsExceeded = QStringLiteral("org.freedesktop.DBus.Error.LimitsExceeded");
 inline const QString propertyReadOnly = QStringLiteral("org.freedesktop.DBus.Error.PropertyReadOnly");
 inline const QString unknownObject = QStringLiteral("org.freedesktop.DBus.Error.UnknownObject");
 inline const QString unknownInterface = QStringLiteral("org.freedesktop.DBus.Error.UnknownInterface");

@@ -1,5 +1,6 @@
 #include "scripting/dbus/busvalue.h"
 
+#include "platform/itempath.h"
 #include "scripting/dbus/busnames.h"
 
 #include <QDBusArgument>
@@ -66,7 +67,26 @@ QVariant toBus(const QVariant &value)
     const bool isUrl = value.metaType() == QMetaType::fromType<QUrl>();
     if (!value.isValid() || (isUrl && value.toUrl().isEmpty()))
         return QVariantList();
+    if (value.metaType() == QMetaType::fromType<QString>())
+        return withoutNulls(value.toString());
     return isUrl ? value.toUrl().toString(QUrl::FullyEncoded) : value;
+}
+
+bool isTooLong(const QVariant &value)
+{
+    if (value.metaType() == QMetaType::fromType<QString>())
+        return value.toString().size() > mostCharacters;
+    if (signatureOf(value) != "as"_L1)
+        return false;
+    qsizetype all = 0;
+    for (const QString &text : qdbus_cast<QStringList>(value))
+        all += text.size() + 1; // an empty one counts as well
+    return all > mostCharacters;
+}
+
+QString withoutNulls(QString text)
+{
+    return text.replace(QChar::Null, QChar::ReplacementCharacter);
 }
 
 std::optional<QVariant> fromBus(const QVariant &value, const QString &signature)
@@ -83,7 +103,12 @@ std::optional<QVariant> fromBus(const QVariant &value, const QString &signature)
 QUrl fileUrl(const QString &text)
 {
     const QUrl url = bus::isFileUrl(text) ? QUrl(text) : QUrl();
-    return url.toLocalFile().contains(QChar::Null) ? QUrl() : url; // no file has such a name
+    const QString path = url.toLocalFile();
+    if (path.contains(QChar::Null)) // no file has such a name
+        return {};
+    const QString plain = itempath::withoutDots(path);
+    const bool isPlain = path.isEmpty() || plain == path || plain + u'/' == path;
+    return isPlain ? url : itempath::toUrl(plain);
 }
 
 } // namespace busvalue

@@ -31,6 +31,14 @@ void registerTypes();
 /// nothing if it is of another type. Whole numbers may have any width, and are numbers as well.
 [[nodiscard]] std::optional<QVariant> fromBus(const QVariant &value, const QString &signature);
 
+/// The most characters that a text, or all texts of a list together, may have where a property or a command
+/// takes them. A text of hundreds of megabytes would keep the application from answering anybody.
+inline constexpr qsizetype mostCharacters = 16 * 1024 * 1024;
+[[nodiscard]] bool isTooLong(const QVariant &value);
+
+/// A text as it can go over the bus, where a null character would end it.
+[[nodiscard]] QString withoutNulls(QString text);
+
 /// A text of the form "file:///..." that a file can have; every other text gives an empty URL.
 [[nodiscard]] QUrl fileUrl(const QString &text);
 

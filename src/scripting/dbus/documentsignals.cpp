@@ -2,6 +2,7 @@
 
 #include "document/mainwincontroller.h"
 #include "scripting/dbus/busnames.h"
+#include "scripting/dbus/busvalue.h"
 
 #include <QDBusMessage>
 
@@ -23,9 +24,14 @@ QString styleName(LogStyle style)
     return u"plain"_s;
 }
 
-QString withoutLastLineEnd(const QString &text)
+/// Without the last line end. Of one that is too long for everybody who listens, the beginning; the whole is
+/// to be had by FetchLog.
+QString entryText(const QString &text)
 {
-    return text.endsWith(u'\n') ? text.chopped(1) : text;
+    constexpr qsizetype mostCharacters = 1024 * 1024;
+    if (text.size() > mostCharacters)
+        return busvalue::withoutNulls(text.first(mostCharacters)) + u"…"_s;
+    return busvalue::withoutNulls(text.endsWith(u'\n') ? text.chopped(1) : text);
 }
 
 } // namespace
@@ -40,7 +46,7 @@ void sendDocumentSignals(MainWinController &document, const QString &path, const
     };
     const LogText &log = document.statusTextView;
     QObject::connect(&log, &LogText::appended, context, [send](const LogText::Run &run) {
-        send(u"LogAppended"_s, {withoutLastLineEnd(run.text), styleName(run.style)});
+        send(u"LogAppended"_s, {entryText(run.text), styleName(run.style)});
     });
     QObject::connect(&log, &LogText::cleared, context, [send] { send(u"LogCleared"_s, {}); });
     // From the thread that changes it: a word that stands for a moment only is told as well.

@@ -4,6 +4,7 @@
 #include "scripting/dbus/busvalue.h"
 #include "scripting/dbus/objectvalues.h"
 
+#include <QDBusObjectPath>
 #include <QDBusVariant>
 
 using namespace Qt::StringLiterals;
@@ -20,6 +21,8 @@ std::optional<QVariant> evaluated(const BusObject &object, const QVariant &given
 {
     // Whatever is no file URL is the handler's to refuse, with a number.
     const Takes takes = parameter.type.type == Type::file ? Takes::anything : Takes::valueOrNothing;
+    if (busvalue::isTooLong(given))
+        return std::nullopt;
     const auto value = objectvalues::fromBus(object, given, parameter.type, takes);
     const bool isNegative = parameter.type.type == Type::integer && value && value->toLongLong() < 0;
     return isNegative ? std::nullopt : value; // there is no page below 0
@@ -42,6 +45,16 @@ std::optional<QVariantMap> evaluated(const BusObject &object, const QVariantMap 
             result.insert(parameter.key, *value);
     }
     return result;
+}
+
+QString refusalOf(const scriptingdefinition::Property &definition, const QVariant &value)
+{
+    const QString type = busSignature(definition.type);
+    const bool isWindow = definition.type == scriptingdefinition::ValueType{Type::window};
+    if (isWindow && value.metaType() == QMetaType::fromType<QDBusObjectPath>())
+        return u"%1 takes a window, and %2 is none."_s.arg(definition.busName,
+                                                           value.value<QDBusObjectPath>().path());
+    return u"%1 takes a value of the type %2."_s.arg(definition.busName, type);
 }
 
 void answer(const BusCall &call, const ScriptReply &reply)
@@ -96,11 +109,14 @@ std::optional<QVariant> checkedValue(const BusObject &object, const BusProperty 
         call.replyWithError(buserror::propertyReadOnly, u"%1 is read-only."_s.arg(name));
         return std::nullopt;
     }
+    if (busvalue::isTooLong(value)) {
+        call.replyWithError(buserror::invalidArgs,
+                            u"%1 takes at most %2 characters."_s.arg(name).arg(busvalue::mostCharacters));
+        return std::nullopt;
+    }
     const auto typed = objectvalues::fromBus(object, value, property.definition.type, property.takes);
     if (!typed)
-        call.replyWithError(
-            buserror::invalidArgs,
-            u"%1 takes a value of the type %2."_s.arg(name, busSignature(property.definition.type)));
+        call.replyWithError(buserror::invalidArgs, refusalOf(property.definition, value));
     return typed;
 }
 

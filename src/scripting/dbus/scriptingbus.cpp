@@ -28,13 +28,15 @@ bool isLibraryCall(const QDBusMessage &message)
 
 } // namespace
 
-ScriptingBus::ScriptingBus(AppDelegate &application)
+ScriptingBus::ScriptingBus(AppDelegate &application, std::chrono::milliseconds rejoining)
     : m_application(application)
     , m_lastErrors(std::make_shared<LastErrors>())
     , m_objects(application, m_lastErrors)
     , m_connection(QString())
 {
     busvalue::registerTypes();
+    m_rejoining.setInterval(rejoining);
+    connect(&m_rejoining, &QTimer::timeout, this, &ScriptingBus::rejoinIfAlone);
     connect(&m_callers, &QDBusServiceWatcher::serviceUnregistered, this, [this](const QString &caller) {
         m_lastErrors->forget(caller);
         m_callers.removeWatchedService(caller);
@@ -53,6 +55,7 @@ ScriptingBus::~ScriptingBus()
 
 platform::Outcome ScriptingBus::registerOnSessionBus()
 {
+    m_rejoining.start();
     const auto connected = m_connection.isConnected() ? platform::Outcome::success() : connectToSessionBus();
     if (!connected)
         return connected;
@@ -63,10 +66,12 @@ platform::Outcome ScriptingBus::registerOnSessionBus()
 
 platform::Outcome ScriptingBus::connectToSessionBus()
 {
+    QDBusConnection::disconnectFromBus(connectionName); // from one that has gone
     // A connection of its own: that of the library takes no calls before the event loop runs.
     m_connection = QDBusConnection::connectToBus(QDBusConnection::SessionBus, connectionName);
     if (!m_connection.isConnected())
         return platform::Outcome::failure(m_connection.lastError().message());
+    m_callers.setWatchedServices({});
     m_callers.setConnection(m_connection);
     m_callers.setWatchMode(QDBusServiceWatcher::WatchForUnregistration);
     followApplication();
@@ -75,8 +80,20 @@ platform::Outcome ScriptingBus::connectToSessionBus()
     return platform::Outcome::success();
 }
 
+void ScriptingBus::rejoinIfAlone()
+{
+    if (!m_connection.isConnected())
+        registerOnSessionBus().ignore();
+}
+
+/// On a bus after the first one the objects are those that there were.
 void ScriptingBus::followApplication()
 {
+    if (std::exchange(m_followsApplication, true)) {
+        for (const DocumentPtr &document : m_application.allControllers())
+            followDocument(*document);
+        return;
+    }
     connect(&m_application, &AppDelegate::documentAdded, this,
             [this](MainWinController *document) { addDocument(*document); });
     connect(&m_application, &AppDelegate::documentRemoved, this,
@@ -120,6 +137,12 @@ void ScriptingBus::addDocument(MainWinController &document)
         m_newDocuments.append(m_objects.path(document).path());
     announce(m_objects.path(document.window()));
     announce(m_objects.path(document));
+    followDocument(document);
+}
+
+void ScriptingBus::followDocument(MainWinController &document)
+{
+    stopDocumentSignals(document, this);
     sendDocumentSignals(document, m_objects.path(document).path(), m_connection, this);
 }
 

@@ -7,6 +7,9 @@
 #include <QDBusServiceWatcher>
 #include <QDBusVirtualObject>
 #include <QHash>
+#include <QTimer>
+
+#include <chrono>
 
 #include <deque>
 
@@ -15,14 +18,18 @@ class ScriptingBus : public QDBusVirtualObject {
     Q_OBJECT
 
 public:
-    /// The application outlives this object.
-    explicit ScriptingBus(AppDelegate &application);
+    static constexpr std::chrono::milliseconds usualRejoining = std::chrono::seconds(5);
+
+    /// The application outlives this object. `rejoining` is the time between tries to come onto a bus, where
+    /// there is none or it has gone.
+    explicit ScriptingBus(AppDelegate &application, std::chrono::milliseconds rejoining = usualRejoining);
     /// Gives the name back, and has sent every answer by then.
     ~ScriptingBus() override;
 
     /// Puts the objects on the session bus and then takes the name; before the first document or after it.
     /// Calls other than `Open` and reads wait while the application's status is "loading". Fails where there
-    /// is no bus or another process has the name, and may be tried again then.
+    /// is no bus or another process has the name, and may be tried again then; from now on it is also tried
+    /// again by itself.
     platform::Outcome registerOnSessionBus();
     /// Takes the calls that have arrived so far without an event loop: what was to be opened by the call that
     /// started the application is there when launch asks for it.
@@ -38,7 +45,9 @@ public:
 
 private:
     platform::Outcome connectToSessionBus();
+    void rejoinIfAlone();
     void followApplication();
+    void followDocument(MainWinController &document);
     void addDocument(MainWinController &document);
     void removeDocument(MainWinController &document);
     void announce(const QDBusObjectPath &path) const;
@@ -60,6 +69,8 @@ private:
     BusObjects m_objects;
     QDBusConnection m_connection;
     QDBusServiceWatcher m_callers;
+    QTimer m_rejoining;
+    bool m_followsApplication = false;
     QList<BusCall> m_waitingCalls; ///< for the end of launch
     /// By the paths of documents whose latest command has queued work that has not begun. The status word
     /// tells of it only then, and the document knows one command at a time.
