@@ -217,10 +217,12 @@ QString removeFromBundle(const SignedCode &code)
 
 SigningReport signItem(const QString &path, const SigningOrder &order)
 {
-    auto code = readSignedCode(targetOf(path));
+    // Messages about what is nested name it from the root on, wherever the tool was started.
+    const QString absolute = QDir::cleanPath(QDir::current().absoluteFilePath(path));
+    auto code = readSignedCode(targetOf(absolute));
     if (!code)
         return {code.error(), {}, {}};
-    code->path = path;
+    code->path = absolute;
     return ItemSigner(*std::move(code), order).sign();
 }
 
