@@ -30,8 +30,13 @@ QList<QByteArray> certificatesInPem(const QByteArray &pem)
 {
     QList<QByteArray> certificates;
     const MemoryFile memory = memoryOver(pem);
-    while (const Certificate certificate{PEM_read_bio_X509(memory.get(), nullptr, nullptr, nullptr)})
-        certificates.append(derOf(certificate.get()));
+    unsigned char *bytes = nullptr;
+    long length = 0;
+    while (PEM_bytes_read_bio(&bytes, &length, nullptr, PEM_STRING_X509, memory.get(), nullptr, nullptr)
+           == 1) {
+        certificates.append(QByteArray(reinterpret_cast<char *>(bytes), static_cast<qsizetype>(length)));
+        OPENSSL_free(bytes);
+    }
     ERR_clear_error();
     return certificates;
 }

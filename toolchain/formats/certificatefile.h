@@ -11,7 +11,7 @@ namespace toolchain {
 
 /// The certificates of a file in PEM form, as DER; none if it cannot be read.
 [[nodiscard]] QList<QByteArray> readCertificateFile(const QString &path);
-/// The certificates of bytes in PEM form, as DER.
+/// What bytes in PEM form hold under the name of certificates, as DER; none of it has been parsed.
 [[nodiscard]] QList<QByteArray> certificatesInPem(const QByteArray &pem);
 [[nodiscard]] QByteArray pemOf(const QList<QByteArray> &certificates);
 

@@ -7,6 +7,9 @@
 #include <openssl/rand.h>
 #include <openssl/x509v3.h>
 
+#include <map>
+#include <mutex>
+
 using namespace Qt::StringLiterals;
 
 namespace toolchain {
@@ -20,6 +23,38 @@ QString idOf(const QByteArray &publicKeyInfo)
 {
     return QString::fromLatin1(QCryptographicHash::hash(publicKeyInfo, QCryptographicHash::Sha1).toHex());
 }
+
+Certificate parse(const QByteArray &der)
+{
+    const unsigned char *at = bytesOf(der);
+    Certificate certificate(d2i_X509(nullptr, &at, static_cast<long>(der.size())));
+    ERR_clear_error();
+    return at == bytesOf(der) + der.size() ? std::move(certificate) : nullptr;
+}
+
+/// The certificates that have been parsed lately. libcrypto decodes the public key each time, at the price of
+/// a signature, and a tool comes back to the same few certificates again and again.
+class ParsedCertificates {
+public:
+    Certificate of(const QByteArray &der)
+    {
+        const std::lock_guard lock(m_mutex);
+        auto known = m_certificates.find(der);
+        if (known == m_certificates.end()) {
+            if (m_certificates.size() >= most)
+                m_certificates.clear();
+            known = m_certificates.emplace(der, parse(der)).first;
+        }
+        if (known->second)
+            X509_up_ref(known->second.get());
+        return Certificate(known->second.get());
+    }
+
+private:
+    static constexpr std::size_t most = 64;
+    std::mutex m_mutex;
+    std::map<QByteArray, Certificate> m_certificates;
+};
 
 } // namespace
 
@@ -50,10 +85,8 @@ QByteArray derOf(X509 *certificate)
 
 Certificate certificateFrom(const QByteArray &der)
 {
-    const unsigned char *at = bytesOf(der);
-    Certificate certificate(d2i_X509(nullptr, &at, static_cast<long>(der.size())));
-    ERR_clear_error();
-    return at == bytesOf(der) + der.size() ? std::move(certificate) : nullptr;
+    static ParsedCertificates parsed;
+    return parsed.of(der);
 }
 
 QByteArray derOf(EVP_PKEY *key)

@@ -55,7 +55,8 @@ template <auto i2d, typename T>
 
 [[nodiscard]] QByteArray derOf(X509 *certificate);
 
-/// A certificate of exactly these DER bytes; null if they are none.
+/// A certificate of exactly these DER bytes; null if they are none. It may be shared with others who ask for
+/// the same and must not be changed. Any thread.
 [[nodiscard]] Certificate certificateFrom(const QByteArray &der);
 
 /// PKCS #8 without encryption; empty if the key lies in a token.

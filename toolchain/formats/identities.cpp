@@ -49,6 +49,8 @@ bool isFor(const Identity &identity, IdentityKind kind)
 
 bool isMeant(const Identity &identity, const QString &wanted)
 {
+    if (wanted.isEmpty())
+        return false;
     return identity.sha1.compare(wanted, Qt::CaseInsensitive) == 0 || identity.commonName.contains(wanted);
 }
 
@@ -118,9 +120,15 @@ bool satisfiesCodeSigningPolicy(const Identity &identity)
 
 IdentityChoice chooseIdentity(const QString &folder, const QString &wanted, IdentityKind kind)
 {
+    return chooseIdentity(readKeychain(folder), wanted, kind);
+}
+
+IdentityChoice chooseIdentity(const KeychainContents &contents, const QString &wanted, IdentityKind kind)
+{
     QList<Identity> matches;
-    for (const Identity &identity : readIdentities(folder).identities) {
-        if (!wanted.isEmpty() && isMeant(identity, wanted) && isFor(identity, kind))
+    for (const auto &entry : contents.entries) {
+        const Identity identity = identityFrom(entry.certificate.get());
+        if (isMeant(identity, wanted) && isFor(identity, kind) && contents.hasKeyOf(entry.certificate.get()))
             matches.append(identity);
     }
     if (kind == IdentityKind::Application)
@@ -129,9 +137,11 @@ IdentityChoice chooseIdentity(const QString &folder, const QString &wanted, Iden
     matches = preferred(matches, [&](const Identity &identity) { return identity.commonName == wanted; });
     if (matches.isEmpty())
         return {std::nullopt, u"no identity found"_s};
-    if (matches.size() == 1)
-        return {matches.first(), {}};
-    return {std::nullopt, u"ambiguous (matches %1 in %2)"_s.arg(namesOf(matches), folder)};
+    if (matches.size() > 1)
+        return {std::nullopt, u"ambiguous (matches %1 in %2)"_s.arg(namesOf(matches), contents.folder)};
+    matches.first().trust = trustOf(matches.first().certificate, contents.certificates(), TrustPurpose::Any,
+                                    {}, TrustStore::ofThisMachine());
+    return {matches.first(), {}};
 }
 
 QString identityCommonName(const QString &name, IdentityKind kind)

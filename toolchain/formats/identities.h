@@ -11,6 +11,8 @@
 
 namespace toolchain {
 
+struct KeychainContents;
+
 /// A certificate of the keychain folder whose private key is there too.
 struct Identity {
     QString commonName;
@@ -51,6 +53,10 @@ struct IdentityChoice {
 /// The one identity of a kind that is meant by a certificate's name, a part of it, or its SHA-1. A whole name
 /// goes before names that it is a part of, identities that are within their dates go before others.
 [[nodiscard]] IdentityChoice chooseIdentity(const QString &folder, const QString &wanted, IdentityKind kind);
+
+/// The same in a keychain folder that has been read.
+[[nodiscard]] IdentityChoice chooseIdentity(const KeychainContents &contents, const QString &wanted,
+                                            IdentityKind kind);
 
 /// The common name of the identity that `makeIdentity` makes.
 [[nodiscard]] QString identityCommonName(const QString &name, IdentityKind kind);

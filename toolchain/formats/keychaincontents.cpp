@@ -8,6 +8,7 @@
 
 #include <algorithm>
 
+#include "formats/certificatefile.h"
 #include "formats/keychain/tokens.h"
 #include "formats/keychain/vault.h"
 
@@ -30,29 +31,30 @@ int refusePassphrase(char *, int, int, void *)
     return -1;
 }
 
-/// A certificate and the key that follows it in a file come as one piece.
-bool takePiece(X509_INFO *piece, const QString &path, KeychainContents &contents)
+void addKeys(const QByteArray &bytes, KeychainContents &contents)
 {
-    const bool hasCertificate = piece->x509 != nullptr;
-    const bool hasKey = piece->x_pkey && piece->x_pkey->dec_pkey;
-    if (hasCertificate)
-        contents.entries.push_back({Certificate(std::exchange(piece->x509, nullptr)), path});
-    if (hasKey)
-        contents.plainKeys.emplace_back(std::exchange(piece->x_pkey->dec_pkey, nullptr));
-    return hasCertificate || hasKey;
+    const MemoryFile memory = memoryOver(bytes);
+    const std::unique_ptr<STACK_OF(X509_INFO), Freed<freeInfoStack>> stack(
+        PEM_X509_INFO_read_bio(memory.get(), nullptr, refusePassphrase, nullptr));
+    for (int index = 0; stack && index < sk_X509_INFO_num(stack.get()); ++index) {
+        X509_INFO *piece = sk_X509_INFO_value(stack.get(), index);
+        if (piece->x_pkey && piece->x_pkey->dec_pkey)
+            contents.plainKeys.emplace_back(std::exchange(piece->x_pkey->dec_pkey, nullptr));
+    }
+    ERR_clear_error();
 }
 
 /// Adds what a PEM file holds; false if that is nothing that can be used.
 bool addFile(const QByteArray &bytes, const QString &path, KeychainContents &contents)
 {
-    const MemoryFile memory = memoryOver(bytes);
-    const std::unique_ptr<STACK_OF(X509_INFO), Freed<freeInfoStack>> stack(
-        PEM_X509_INFO_read_bio(memory.get(), nullptr, refusePassphrase, nullptr));
-    bool isUseful = false;
-    for (int index = 0; stack && index < sk_X509_INFO_num(stack.get()); ++index)
-        isUseful |= takePiece(sk_X509_INFO_value(stack.get(), index), path, contents);
-    ERR_clear_error();
-    return isUseful;
+    const std::size_t before = contents.entries.size() + contents.plainKeys.size();
+    for (const QByteArray &der : certificatesInPem(bytes)) {
+        if (Certificate certificate = certificateFrom(der))
+            contents.entries.push_back({std::move(certificate), path});
+    }
+    if (bytes.contains("PRIVATE KEY-----"))
+        addKeys(bytes, contents);
+    return contents.entries.size() + contents.plainKeys.size() > before;
 }
 
 void addFiles(KeychainContents &contents)

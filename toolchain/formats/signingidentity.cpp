@@ -20,10 +20,10 @@ bool hasTeam(const Trust &trust)
             && (isDeveloperIdForCode(trust.chain) || isDeveloperIdForPackages(trust.chain)));
 }
 
-Result<SigningIdentity> opened(const Identity &identity)
+Result<SigningIdentity> opened(const KeychainContents &contents, const Identity &identity)
 {
     const Certificate leaf = certificateFrom(identity.certificate);
-    const auto key = readKeychain(keychainFolder()).openKeyOf(leaf.get());
+    const auto key = contents.openKeyOf(leaf.get());
     if (!key)
         return key.failure();
     const QString team =
@@ -35,8 +35,9 @@ Result<SigningIdentity> opened(const Identity &identity)
 
 Result<SigningIdentity> findSigningIdentity(const QString &wanted, IdentityKind kind)
 {
-    const IdentityChoice choice = chooseIdentity(keychainFolder(), wanted, kind);
-    return choice.identity ? opened(*choice.identity) : Error{choice.problem};
+    const KeychainContents contents = readKeychain(keychainFolder());
+    const IdentityChoice choice = chooseIdentity(contents, wanted, kind);
+    return choice.identity ? opened(contents, *choice.identity) : Error{choice.problem};
 }
 
 } // namespace toolchain

@@ -5,6 +5,9 @@
 #include <openssl/err.h>
 #include <openssl/x509v3.h>
 
+#include <algorithm>
+#include <iterator>
+
 #include "formats/cryptography.h"
 
 using namespace Qt::StringLiterals;
@@ -32,6 +35,35 @@ constexpr const char *ticketSigning = "1.2.840.113635.100.6.1.30";
 constexpr const char *codeSigningUsage = "1.3.6.1.5.5.7.3.3";
 constexpr const char *timeStampingUsage = "1.3.6.1.5.5.7.3.8";
 
+/// The certificates that may stand above a leaf, level by level, by their bearing the bytes of its issuer's
+/// name. To parse a certificate costs far more than to search it.
+QList<QByteArray> possibleIssuers(X509 *leaf, const QList<QByteArray> &certificates)
+{
+    constexpr int mostLevels = 8;
+    QList<QByteArray> found;
+    QList<QByteArray> names{encoded<i2d_X509_NAME>(X509_get_issuer_name(leaf))};
+    for (int level = 0; level < mostLevels && !names.isEmpty(); ++level) {
+        const QByteArray name = names.takeFirst();
+        for (const QByteArray &der : certificates) {
+            const Certificate issuer =
+                der.contains(name) && !found.contains(der) ? certificateFrom(der) : nullptr;
+            if (!issuer)
+                continue;
+            found.append(der);
+            names.append(encoded<i2d_X509_NAME>(X509_get_issuer_name(issuer.get())));
+        }
+    }
+    return found;
+}
+
+QList<QByteArray> membersOf(const QList<QByteArray> &some, const QList<QByteArray> &all)
+{
+    QList<QByteArray> members;
+    std::copy_if(some.begin(), some.end(), std::back_inserter(members),
+                 [&all](const QByteArray &der) { return all.contains(der); });
+    return members;
+}
+
 Stack stackOf(const QList<QByteArray> &certificates)
 {
     Stack stack(sk_X509_new_null());
@@ -50,12 +82,16 @@ QList<QByteArray> listOf(const STACK_OF(X509) * stack)
     return list;
 }
 
-Store storeWith(const TrustStore &anchors, TrustPurpose purpose)
+QList<QByteArray> anchorsFor(const TrustStore &store, TrustPurpose purpose)
+{
+    const bool countsService = purpose == TrustPurpose::Timestamping;
+    return store.apple + store.thisMachine + (countsService ? store.service : QList<QByteArray>());
+}
+
+Store storeWith(const QList<QByteArray> &anchors)
 {
     Store store(X509_STORE_new());
-    const QList<QByteArray> services =
-        purpose == TrustPurpose::Timestamping ? anchors.service : QList<QByteArray>();
-    for (const QByteArray &der : anchors.apple + anchors.thisMachine + services) {
+    for (const QByteArray &der : anchors) {
         const Certificate certificate = certificateFrom(der);
         if (certificate)
             X509_STORE_add_cert(store.get(), certificate.get());
@@ -133,6 +169,20 @@ StoreContext contextFor(X509 *leaf, X509_STORE *store, STACK_OF(X509) * others, 
     return context;
 }
 
+/// The chain and what is wrong with it, its anchor and its purpose apart.
+Trust verified(X509 *leaf, const QList<QByteArray> &anchors, const QList<QByteArray> &helpers,
+               const QDateTime &at)
+{
+    const Store store = storeWith(anchors);
+    const Stack others = stackOf(helpers);
+    TrustProblem dates = TrustProblem::None;
+    const StoreContext context = contextFor(leaf, store.get(), others.get(), at, &dates);
+    const bool isVerified = X509_verify_cert(context.get()) == 1;
+    ERR_clear_error();
+    return {listOf(X509_STORE_CTX_get0_chain(context.get())), Anchor::Other,
+            isVerified ? dates : problemOf(X509_STORE_CTX_get_error(context.get()))};
+}
+
 bool isDeveloperId(const QList<QByteArray> &chain, const char *leafMarker)
 {
     const Certificate leaf = certificateFrom(chain.value(0));
@@ -170,16 +220,15 @@ Trust trustOf(const QByteArray &leaf, const QList<QByteArray> &others, TrustPurp
     const Certificate certificate = certificateFrom(leaf);
     if (!certificate)
         return {};
-    const Store anchors = storeWith(store, purpose);
-    const Stack helpers = stackOf(others + store.intermediates);
-    TrustProblem dates = TrustProblem::None;
-    const StoreContext context = contextFor(certificate.get(), anchors.get(), helpers.get(), at, &dates);
-    const bool isVerified = X509_verify_cert(context.get()) == 1;
-    Trust trust{listOf(X509_STORE_CTX_get0_chain(context.get())), Anchor::Other, dates};
-    ERR_clear_error();
-    if (!isVerified)
-        trust.problem = problemOf(X509_STORE_CTX_get_error(context.get()));
-    else
+    const QList<QByteArray> anchors = anchorsFor(store, purpose);
+    const QList<QByteArray> helpers =
+        others.first(std::min(others.size(), mostCertificates)) + store.intermediates;
+    const QList<QByteArray> issuers = possibleIssuers(certificate.get(), helpers + anchors);
+    Trust trust = verified(certificate.get(), membersOf(issuers, anchors), issuers, at);
+    if (trust.problem == TrustProblem::Untrusted) // names may be the same and written differently
+        trust = verified(certificate.get(), anchors, helpers, at);
+    const bool isVerified = trust.problem != TrustProblem::Untrusted && trust.problem != TrustProblem::Broken;
+    if (isVerified)
         trust.anchor = anchorOf(trust.chain, store);
     if (isVerified && !isFit(certificate.get(), purpose))
         trust.problem = TrustProblem::WrongPurpose;
