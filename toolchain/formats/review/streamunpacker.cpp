@@ -1,10 +1,12 @@
 #include "formats/review/streamunpacker.h"
 
 #include "formats/codesignature/machoimage.h"
+#include "formats/zip/zipdirectory.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QHash>
 
 #include <archive.h>
 #include <archive_entry.h>
@@ -44,6 +46,19 @@ QString besideItsFile(const QString &path)
     return path.startsWith(folder) ? path.mid(folder.size()) : path;
 }
 
+/// The names in a zip archive byte for byte, by their composed forms. libarchive composes those that are
+/// marked as UTF-8, and a seal knows a file by the name that it has.
+QHash<QString, QString> namesIn(const QString &archive)
+{
+    QHash<QString, QString> names;
+    const zip::ZipDirectory directory(archive);
+    for (const zip::PackedEntry &entry : directory.entries()) {
+        const QString name = QString::fromUtf8(entry.name);
+        names.insert(name.normalized(QString::NormalizationForm_C), name);
+    }
+    return names;
+}
+
 class StreamReader {
 public:
     StreamReader(const QString &path, ArchiveKind kind)
@@ -53,8 +68,10 @@ public:
         archive_read_support_filter_gzip(m_archive.get());
         archive_read_support_filter_bzip2(m_archive.get());
         archive_read_support_filter_xz(m_archive.get());
-        if (kind == ArchiveKind::Zip)
+        if (kind == ArchiveKind::Zip) {
             archive_read_support_format_zip(m_archive.get());
+            m_names = namesIn(path);
+        }
         archive_read_support_format_tar(m_archive.get());
         archive_read_support_format_cpio(m_archive.get());
         if (kind == ArchiveKind::Compressed)
@@ -89,7 +106,8 @@ public:
         if (archive_format(m_archive.get()) == ARCHIVE_FORMAT_RAW)
             return QFileInfo(m_path).completeBaseName();
         const char *utf8 = archive_entry_pathname_utf8(entry);
-        return withoutDotFolder(QString::fromUtf8(utf8 ? utf8 : archive_entry_pathname(entry)));
+        const QString name = QString::fromUtf8(utf8 ? utf8 : archive_entry_pathname(entry));
+        return withoutDotFolder(m_names.value(name.normalized(QString::NormalizationForm_C), name));
     }
 
     [[nodiscard]] archive *handle() const { return m_archive.get(); }
@@ -103,6 +121,7 @@ public:
 private:
     const QString m_path;
     const std::unique_ptr<archive, decltype(&archive_read_free)> m_archive;
+    QHash<QString, QString> m_names;
     bool m_isOpen = false;
     bool m_hasFailed = false;
 };

@@ -21,7 +21,6 @@ inline constexpr qsizetype locatorSize = 20;
 inline constexpr qsizetype localHasChecksum = 14; ///< then the packed and the plain size, four bytes each
 
 inline constexpr quint16 isEncrypted = 0x0001;
-inline constexpr quint16 hasUtf8Name = 0x0800;
 inline constexpr quint16 storedMethod = 0;
 inline constexpr quint16 deflateMethod = 8;
 inline constexpr quint16 madeOnUnix = 3 << 8;

@@ -19,6 +19,8 @@ namespace {
 constexpr qsizetype blockSize = 256 << 10;
 constexpr qsizetype dictionarySize = 32 << 10;
 constexpr quint64 largeSize = 0xf0000000; ///< leaves room for what packing may add
+/// Names are bytes, as Apple's tools have them: some readers compose those that are marked as UTF-8.
+constexpr quint16 noFlags = 0;
 constexpr quint16 versionNeeded = 20;
 constexpr quint16 versionNeededFor64 = 45;
 
@@ -69,11 +71,6 @@ QByteArray timesOf(const Member &member)
     const auto modified = qint32(std::clamp<qint64>(member.modified, std::numeric_limits<qint32>::min(),
                                                     std::numeric_limits<qint32>::max()));
     return LittleEndianBytes().u16(timesField).u16(5).add(hasModification).add(modified).bytes();
-}
-
-bool isAscii(const QByteArray &name)
-{
-    return std::all_of(name.begin(), name.end(), [](char byte) { return byte >= 0; });
 }
 
 } // namespace
@@ -225,9 +222,7 @@ QByteArray ZipOutput::localHeader(const Entry &entry)
     extra.raw(timesOf(entry.member));
     LittleEndianBytes header;
     header.u32(localSignature).u16(entry.hasLargeSizes ? versionNeededFor64 : versionNeeded);
-    header.u16(isAscii(entry.member.name) ? 0 : hasUtf8Name)
-        .u16(entry.method)
-        .u32(dosTime(entry.member.modified));
+    header.u16(noFlags).u16(entry.method).u32(dosTime(entry.member.modified));
     header.u32(entry.checksum).u32(entry.hasLargeSizes ? in64 : quint32(entry.packedSize));
     header.u32(entry.hasLargeSizes ? in64 : quint32(entry.plainSize));
     header.u16(quint16(entry.member.name.size())).u16(quint16(extra.bytes().size()));
@@ -250,7 +245,7 @@ QByteArray ZipOutput::directoryEntry(const Entry &entry)
     extra.raw(timesOf(entry.member));
     LittleEndianBytes bytes;
     bytes.u32(centralSignature).u16(madeOnUnix | (is64 ? versionNeededFor64 : versionNeeded));
-    bytes.u16(is64 ? versionNeededFor64 : versionNeeded).u16(isAscii(entry.member.name) ? 0 : hasUtf8Name);
+    bytes.u16(is64 ? versionNeededFor64 : versionNeeded).u16(noFlags);
     bytes.u16(entry.method).u32(dosTime(entry.member.modified)).u32(entry.checksum);
     bytes.u32(entry.hasLargeSizes ? in64 : quint32(entry.packedSize));
     bytes.u32(entry.hasLargeSizes ? in64 : quint32(entry.plainSize));
