@@ -1,11 +1,11 @@
 // The scanner's walk beside find.
 
 #include "rows.h"
+#include "signing/scandecisions.h"
+#include "support/singlesteps.h"
 #include "support/testhost.h"
 
 #include "support/items.h"
-
-#include "document/documentextensions.h"
 
 #include <QTemporaryDir>
 
@@ -32,7 +32,7 @@ QList<Figure> rows::bundleWalk()
     FakeWindowFactory windows(test.applicationHost);
     AppDelegate application(test.host({.files = &files}), windows, test.configuration);
     const DocumentPtr document = application.addedDocument();
-    auto &scanner = document->steps().scanner;
+    const SingleSteps::Scanner scanner{*document};
     const double ratio = measuring::ratio(
         7,
         [&] {

@@ -2,8 +2,8 @@
 
 #include "about/aboutcontroller.h"
 #include "app/preferencekeys.h"
+#include "document/documentcommands.h"
 #include "document/documentdefaults.h"
-#include "document/documentextensions.h"
 #include "document/windowfactory.h"
 #include "platform/applicationhost.h"
 #include "platform/itempath.h"
@@ -11,7 +11,9 @@
 #include "platform/preferences.h"
 #include "platform/updater.h"
 #include "platform/workspace.h"
+#include "run/item.h"
 #include "scripting/NSApplication+Scripting.h"
+#include "scripting/scripterrors.h"
 
 #include <algorithm>
 
@@ -131,7 +133,7 @@ QList<DocumentPtr> AppDelegate::loadDroppedURLs(const QList<QUrl> &urls)
     for (const QUrl &url : urls) {
         const DocumentPtr document = addedDocument();
         documents.append(document);
-        document->steps().submit.prepareForDirectSubmit(url, {});
+        document->commands().submit.prepareForDirectSubmit(url, {});
     }
     return documents;
 }
@@ -278,4 +280,10 @@ void AppDelegate::changeStatus(QStringView newStatus)
 {
     if (!newStatus.isNull())
         statusString.set(newStatus.toString());
+}
+
+ScriptFailure AppDelegate::scriptFailure(const QString &title, const QString &text,
+                                         const QString &logError) const
+{
+    return ::scriptFailure(title, text, logError);
 }

@@ -1,11 +1,8 @@
 #pragma once
 
-#include "document/controls.h"
+#include "document/applicationinterface.h"
 #include "document/mainwincontroller.h"
-#include "platform/host.h"
 #include "platform/notifications.h"
-#include "platform/property.h"
-#include "tools/slwtaskmaster.h"
 
 #include <QList>
 #include <QUrl>
@@ -13,14 +10,10 @@
 #include <optional>
 
 class NSApplicationScripting;
-class WindowFactory;
-
-/// Stands in the list of identities when there is none.
-inline constexpr QStringView noIdentitiesPlaceholder = u"No Developer ID identities found";
 
 /// The one application-wide object: what launch finds out, the two shared runners and the list of documents.
 /// Main thread, unless a member says otherwise.
-class AppDelegate : public QObject {
+class AppDelegate : public ApplicationInterface {
     Q_OBJECT
 
 public:
@@ -53,59 +46,40 @@ public:
 
     /// Takes files that were opened with the application or dropped on it; paths. Those with other extensions
     /// than the five, compared exactly, are left out. Until launch has ended they wait.
-    void applicationOpenFiles(const QStringList &paths);
+    void applicationOpenFiles(const QStringList &paths) override;
     /// A new document for each item, in direct-submit mode.
     QList<DocumentPtr> loadDroppedURLs(const QList<QUrl> &urls);
 
     // Documents
     /// A new document with its window on screen, the application brought to the front.
-    DocumentPtr addedDocument();
+    DocumentPtr addedDocument() override;
     /// The same without bringing the application to the front; tag 1 makes a separate window, 2 a tab.
-    void newDocument(int tag);
+    void newDocument(int tag) override;
     /// A title that no open document has; a null base is "Untitled".
-    QString uniqueWindowNameFrom(const QString &base) const;
-    void removeWindowController(MainWinController &document);
-    void doCloseAll();
+    QString uniqueWindowNameFrom(const QString &base) const override;
+    void removeWindowController(MainWinController &document) override;
+    void doCloseAll() override;
     /// Has the person confirm that new documents are to start in their factory state. Open ones keep theirs.
-    void doResetDocumentDefaults();
+    void doResetDocumentDefaults() override;
 
-    /// The item of the File menu that repeats the front document's last action; without an action it is
-    /// disabled. The present one stays for an action that it does not know.
-    struct AgainItem {
-        QString title;
-        Action action = Action::none;
-    };
-    void menuNeedsUpdate(AgainItem &doAgainMenuItem) const;
+    void menuNeedsUpdate(AgainItem &doAgainMenuItem) const override;
     bool validateMenuItem() const { return true; }
 
-    void doShowAboutPanel();
+    void doShowAboutPanel() override;
     /// A short remark on how long this build stays usable.
     static QString daysToGo();
 
-    // Support. Whether the page opened is not told.
-    void doSendUsEmail();
-    void doVisitOurWebsite();
-    void doShowUsersForum();
+    // Support
+    void doSendUsEmail() override;
+    void doVisitOurWebsite() override;
+    void doShowUsersForum() override;
 
     static bool shouldPresentNotification(const platform::UserNotification &notification);
 
-    // Status; any thread may read.
+    /// Any thread.
     void changeStatus(QStringView newStatus);
-    ObservableProperty<QString> statusString;
-
-    // What launch finds out; any thread may read.
-    Property<QStringList> identities;
-    Property<QStringList> installerIdentities;
-    Property<quint64> altoolVersionNumber;
-    Property<QString> altoolPath;
-    Property<bool> hasDropDMG;
-    ObservableProperty<QStringList> dropDMGConfigNames;
-
-    /// The shared runners of a notary tool of major version 3 or less.
-    Property<SLWTaskMasterPtr> taskMaster;
-    Property<SLWTaskMasterPtr> uploadTaskMaster;
     /// A runner with the pauses that the user has set.
-    SLWTaskMasterPtr newTaskMaster() const;
+    SLWTaskMasterPtr newTaskMaster() const override;
 
     // Discovery
     void sampleCodesignIdentities();
@@ -119,12 +93,16 @@ public:
     QString runCommandSimple(const QString &commandLine) const;
 
     /// Every open document, in the order of adding; this list is what keeps them alive.
-    const QList<DocumentPtr> &allControllers() const { return m_allControllers; }
+    const QList<DocumentPtr> &allControllers() const override { return m_allControllers; }
 
-    const platform::Host &host() const { return m_host; }
+    const platform::Host &host() const override { return m_host; }
     const Configuration &configuration() const { return m_configuration; }
-    WindowFactory &windowFactory() const { return m_windowFactory; }
+    WindowFactory &windowFactory() const override { return m_windowFactory; }
+    QString examineProgram() const override { return m_configuration.examineProgram; }
+    QString fileTool() const override { return m_configuration.fileTool; }
     NSApplicationScripting &scripting() const { return *m_scripting; }
+    ScriptFailure scriptFailure(const QString &title, const QString &text,
+                                const QString &logError) const override;
 
 Q_SIGNALS:
     void documentAdded(MainWinController *document);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "run/logstyle.h"
+
 #include <QObject>
 #include <QStringList>
 #include <QVector>
@@ -192,8 +194,6 @@ public:
 private:
     bool m_isAnimating = false;
 };
-
-enum class LogStyle { plain, error, bold, italic };
 
 /// How a stretch of the window log looks.
 struct TextAttributes {

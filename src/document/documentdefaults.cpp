@@ -1,9 +1,10 @@
 #include "document/documentdefaults.h"
 
-#include "app/preferencekeys.h"
+#include "document/entitlementswitches.h"
 #include "document/mainwincontroller.h"
 #include "platform/applicationhost.h"
 #include "platform/preferences.h"
+#include "run/preferencekeys.h"
 
 using namespace Qt::StringLiterals;
 
@@ -55,6 +56,16 @@ QList<DocumentDefault> allDefaults()
     return defaults;
 }
 
+QList<CheckboxDefault> allCheckboxDefaults()
+{
+    QList<CheckboxDefault> defaults;
+    for (const EntitlementSwitch &row : entitlementSwitches())
+        defaults.append({row.preference, row.control});
+    defaults.append({key::dontClearLogEachTime, &DocumentControls::dontClearCheckbox});
+    defaults.append({key::dontSignEnclosures, &DocumentControls::dontSignEnclosuresCheckbox});
+    return defaults;
+}
+
 } // namespace
 
 const QList<DocumentDefault> &documentDefaults()
@@ -65,24 +76,7 @@ const QList<DocumentDefault> &documentDefaults()
 
 const QList<CheckboxDefault> &checkboxDefaults()
 {
-    using Controls = DocumentControls;
-    static const QList<CheckboxDefault> defaults{
-        {key::allowAppleEvents, &Controls::eventsCheckbox},
-        {key::allowCalendars, &Controls::calendarsCheckbox},
-        {key::allowAudio, &Controls::audioCheckbox},
-        {key::allowCamera, &Controls::cameraCheckbox},
-        {key::allowLocation, &Controls::locationCheckbox},
-        {key::allowPhotos, &Controls::photosCheckbox},
-        {key::allowAddressBook, &Controls::addressBookCheckbox},
-        {key::allowFrameworks, &Controls::disableLibCheckbox},
-        {key::allowJITCode, &Controls::allowJITCheckbox},
-        {key::allowUnsignedExecMem, &Controls::allowUnsignedExecMemCheckbox},
-        {key::allowDYLDEnvVariables, &Controls::allowDYLDEnvCheckbox},
-        {key::disableMemProtection, &Controls::disableMemProtectionCheckbox},
-        {key::isDebuggingTool, &Controls::isDebugToolCheckbox},
-        {key::dontClearLogEachTime, &Controls::dontClearCheckbox},
-        {key::dontSignEnclosures, &Controls::dontSignEnclosuresCheckbox},
-    };
+    static const QList<CheckboxDefault> defaults = allCheckboxDefaults();
     return defaults;
 }
 

@@ -53,7 +53,6 @@ struct DocumentFields {
     ObservableProperty<QString> statusString;
     Property<quint64> lastAction{nothingToRepeat};
     ObservableProperty<quint64> maxPageCount{1};
-    Property<std::shared_ptr<platform::FileHandle>> logHandle; ///< the open log file, or null
     Property<std::shared_ptr<platform::Timer>> staplingTimer; ///< the pending poll, or null
     Property<quint64> infoFailureCount; ///< failures while polling
     Property<quint64> info239FailureCount; ///< failures with status 239 while polling

@@ -1,6 +1,6 @@
 #include "document/helpsheets.h"
 
-#include "document/documentextensions.h"
+#include "document/documentcommands.h"
 #include "document/mainwincontroller.h"
 #include "platform/itempath.h"
 
@@ -35,7 +35,7 @@ void HelpSheets::doAppPassHelp()
 void HelpSheets::doTeamProviderHelp()
 {
     const QString title = u"Provider Short Name"_s;
-    if (document.steps().providers.canBeListed())
+    if (document.commands().providers.canBeListed())
         show({title, providerWithChoose, {u"Choose"_s, u"Cancel"_s}}, document.providerNameField,
              [this](int answer) { listProvidersIfChosen(answer); });
     else
@@ -45,7 +45,7 @@ void HelpSheets::doTeamProviderHelp()
 void HelpSheets::listProvidersIfChosen(int answer)
 {
     if (answer == platform::alertFirstButton)
-        document.dispatchToMain([this] { document.steps().providers.listProviderShortnames(); });
+        document.dispatchToMain([this] { document.commands().providers.listProviderShortnames(); });
 }
 
 void HelpSheets::doExtraEntitlementsHelp()

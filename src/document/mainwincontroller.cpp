@@ -1,14 +1,15 @@
 #include "document/mainwincontroller.h"
 
-#include "app/appdelegate.h"
-#include "app/preferencekeys.h"
+#include "document/applicationinterface.h"
+#include "document/documentcommands.h"
 #include "document/documentdefaults.h"
-#include "document/documentextensions.h"
 #include "document/windowfactory.h"
 #include "platform/itempath.h"
 #include "platform/mainqueue.h"
 #include "platform/preferences.h"
 #include "platform/workerqueue.h"
+#include "run/preferencekeys.h"
+#include "run/workingfoldernames.h"
 #include "tools/commandsimple.h"
 
 #include <QUuid>
@@ -62,7 +63,7 @@ void describe(Button &button, const QString &title, const QString &toolTip, Acti
 
 } // namespace
 
-std::shared_ptr<MainWinController> MainWinController::withLoadedWindow(AppDelegate &appDelegate)
+std::shared_ptr<MainWinController> MainWinController::withLoadedWindow(ApplicationInterface &appDelegate)
 {
     auto &mainQueue = appDelegate.host().mainQueue;
     const std::shared_ptr<MainWinController> document(
@@ -75,11 +76,16 @@ std::shared_ptr<MainWinController> MainWinController::withLoadedWindow(AppDelega
     return document;
 }
 
-MainWinController::MainWinController(AppDelegate &appDelegate)
+MainWinController::MainWinController(ApplicationInterface &appDelegate)
     : uniqueID(QUuid::createUuid().toString(QUuid::WithoutBraces))
     , stepList(appDelegate.host().clock)
+    , log(appDelegate.host().clock, appDelegate.host().files,
+          [this](const QString &line, LogStyle style) {
+              dispatchToMain([this, line, style] { appendToWindowLog(line, style); });
+          })
+    , logHandle(log.handle)
     , m_appDelegate(appDelegate)
-    , m_steps(std::make_unique<DocumentExtensions>(*this))
+    , m_commands(std::make_unique<DocumentCommands>(*this))
 {
     statusString.set(status::ready.toString());
     bindControls();
@@ -110,7 +116,7 @@ void MainWinController::bindControls()
     describe(chooseProviderButton, u"Choose…"_s, u"Asks for the short names of your teams"_s,
              Action::doListProviderShortnames);
     historyMaxPagesLabel.setStringValue(u"Pages at most"_s);
-    steps().submit.setOrdinaryButtons();
+    commands().submit.setOrdinaryButtons();
 }
 
 void MainWinController::windowDidLoad()
@@ -144,21 +150,21 @@ void MainWinController::perform(Action action)
 {
     switch (action) {
     case Action::doSubmit:
-        return steps().submit.doSubmit();
+        return commands().submit.doSubmit();
     case Action::doDirectSubmit:
-        return steps().submit.doDirectSubmit();
+        return commands().submit.doDirectSubmit();
     case Action::doSubmitAgain:
-        return steps().submit.doSubmitAgain();
+        return commands().submit.doSubmitAgain();
     case Action::doCancelDirectSubmit:
-        return steps().submit.doCancelDirectSubmit();
+        return commands().submit.doCancelDirectSubmit();
     case Action::doStapleOnly:
-        return steps().stapleOnly.doStapleOnly();
+        return commands().stapleOnly.doStapleOnly();
     case Action::doStapleAgain:
-        return steps().stapleOnly.doStapleAgain();
+        return commands().stapleOnly.doStapleAgain();
     case Action::doSignOnly:
-        return steps().signOnly.doSignOnly();
+        return commands().signOnly.doSignOnly();
     case Action::doSignAgain:
-        return steps().signOnly.doSignAgain();
+        return commands().signOnly.doSignAgain();
     case Action::doCancel:
         return doCancel();
     case Action::doClearStatus:
@@ -166,13 +172,13 @@ void MainWinController::perform(Action action)
     case Action::doExtraEntitlements:
         return doExtraEntitlements();
     case Action::doAppPassHelp:
-        return steps().help.doAppPassHelp();
+        return commands().help.doAppPassHelp();
     case Action::doTeamProviderHelp:
-        return steps().help.doTeamProviderHelp();
+        return commands().help.doTeamProviderHelp();
     case Action::doExtraEntitlementsHelp:
-        return steps().help.doExtraEntitlementsHelp();
+        return commands().help.doExtraEntitlementsHelp();
     case Action::doDropDMGHelp:
-        return steps().help.doDropDMGHelp();
+        return commands().help.doDropDMGHelp();
     case Action::doSetDocumentDefaults:
         return doSetDocumentDefaults();
     case Action::doPrint:
@@ -184,15 +190,15 @@ void MainWinController::perform(Action action)
     case Action::doCloseWindow:
         return doCloseWindow();
     case Action::doFetchHistory:
-        return steps().history.doFetchHistory();
+        return commands().history.doFetchHistory();
     case Action::doInfoForUUIDInFile:
-        return steps().requestInfo.doInfoForUUIDInFile();
+        return commands().requestInfo.doInfoForUUIDInFile();
     case Action::doInfoForUUIDOfLastUpload:
-        return steps().requestInfo.doInfoForUUIDOfLastUpload();
+        return commands().requestInfo.doInfoForUUIDOfLastUpload();
     case Action::doInfoForUUIDOnClipboard:
-        return steps().requestInfo.doInfoForUUIDOnClipboard();
+        return commands().requestInfo.doInfoForUUIDOnClipboard();
     case Action::doListProviderShortnames:
-        return steps().providers.doListProviderShortnames();
+        return commands().providers.doListProviderShortnames();
     case Action::none:
         return;
     }
@@ -214,32 +220,7 @@ bool MainWinController::shouldEnableURL(const QUrl &url)
 {
     const QString path = itempath::fromUrl(url);
     return itempath::lowerExtension(path) != "txt"_L1
-        || itempath::lastComponent(path) == "RequestUUID.txt"_L1;
-}
-
-SLWTaskResponsePtr MainWinController::runTool(const QString &path, const QStringList &args)
-{
-    const auto runner = taskRunner();
-    const std::scoped_lock turn(
-        runner->monitor()); // until the data is ours, no other document's run may empty it
-    const auto response = runner->runTool(path, args, uniqueID);
-    response->keepData();
-    return response;
-}
-
-SLWTaskResponsePtr MainWinController::runAltool(const SLWTaskMasterPtr &runner, const QStringList &args)
-{
-    const std::scoped_lock turn(runner->monitor());
-    const auto response = runner->runAltoolAt(altoolPath(), args, uniqueID);
-    response->keepData();
-    return response;
-}
-
-SLWTaskResponsePtr MainWinController::logged(const SLWTaskResponsePtr &response)
-{
-    if (loggingToFile())
-        logToFile(response->fileLogString());
-    return response;
+        || itempath::lastComponent(path) == workingfolder::requestUUIDName;
 }
 
 QString MainWinController::runCommandSimple(const QString &commandLine) const

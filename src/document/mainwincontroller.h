@@ -5,20 +5,15 @@
 #include "document/steplist.h"
 #include "platform/host.h"
 #include "platform/window.h"
+#include "run/runlog.h"
+#include "run/status.h"
 
-class AppDelegate;
-struct DocumentExtensions;
+#include <functional>
 
-/// The status words of a document and of the application.
-namespace status {
-inline constexpr QStringView loading = u"loading";
-inline constexpr QStringView ready = u"ready";
-inline constexpr QStringView interacting = u"interacting";
-inline constexpr QStringView submitting = u"submitting";
-inline constexpr QStringView waiting = u"waiting";
-inline constexpr QStringView stapling = u"stapling";
-inline constexpr QStringView fetching = u"fetching";
-} // namespace status
+class ApplicationInterface;
+class Run;
+struct DocumentCommands;
+struct RunInputs;
 
 /// Who wants a document's window closed.
 enum class CloseSender { person, script };
@@ -34,7 +29,7 @@ class MainWinController : public QObject,
 
 public:
     /// Makes a document and loads its window. Main thread.
-    static std::shared_ptr<MainWinController> withLoadedWindow(AppDelegate &appDelegate);
+    static std::shared_ptr<MainWinController> withLoadedWindow(ApplicationInterface &appDelegate);
     ~MainWinController() override;
 
     /// The owner token for the runners, unique in the process.
@@ -43,11 +38,11 @@ public:
     /// The steps of the latest run, for those who show them. Main thread.
     StepList stepList;
 
-    AppDelegate &appDelegate() const { return m_appDelegate; }
+    ApplicationInterface &appDelegate() const { return m_appDelegate; }
     const platform::Host &host() const;
     platform::Window &window() const { return *m_window; }
-    /// The workflows of this document.
-    DocumentExtensions &steps() const { return *m_steps; }
+    /// What it can be told to do.
+    DocumentCommands &commands() const { return *m_commands; }
     /// Does what a button or a menu item stands for. Main thread.
     void perform(Action action);
 
@@ -58,17 +53,39 @@ public:
     /// Whether an open panel offers the item: of text files only a request's record.
     static bool shouldEnableURL(const QUrl &url);
 
+    // Runs. Main thread.
+    /// What a run takes along of this document as it is now.
+    RunInputs runInputs() const;
+    /// Makes a run, which is then the latest. Any thread.
+    std::shared_ptr<Run> makeRun(const RunInputs &inputs, std::function<void(Run &)> atEnd);
+    /// Makes one and has it go through the workflow; `atEnd` is called on the worker, after the last step.
+    void startRun(const RunInputs &inputs, const Workflow &workflow, std::function<void(Run &)> atEnd);
+    /// The number of the latest run. Any thread.
+    quint64 runCount() const { return m_runCount(); }
+    /// Which archive would be made now. Any thread.
+    ArchiveKind archiveKind() const;
+
+    // The three good ends of a run on an item. Worker thread.
+    void endSigning();
+    void endStapling();
+    /// Of a script that wants no more than the upload.
+    void endWithUpload();
+
     // The log. Any thread, unless it says otherwise. A line goes to the file at once and to the window a
     // moment later.
-    void logString(const QString &message) { logString(message, false); }
-    void logError(const QString &message) { logString(message, true); }
+    RunLog log;
+    Property<std::shared_ptr<platform::FileHandle>> &logHandle; ///< the open log file, or null
+    void logString(const QString &message) { log.logString(message); }
     void logString(const QString &message, bool isError);
-    void logBoldString(const QString &message);
-    void logToFile(const QString &message);
+    void logError(const QString &message) { log.logError(message); }
+    void logBoldString(const QString &message) { log.logBoldString(message); }
+    void logToFile(const QString &message) { log.logToFile(message); }
     /// For the final report: in the window when the call returns. Main thread.
     void logErrorMain(const QString &message) { logStringMain(message, true); }
     void logStringMain(const QString &message, bool isError);
-    void closeLog();
+    void closeLog() { log.close(); }
+    /// Closes the log file that is open. If logging to a file is on, opens the one at the path.
+    void openLog(const QString &path, const QString &banner);
     /// Empties the window log, unless the person wants it kept. Main thread.
     void clearLogUnlessKept();
     /// Answers the current script command with the text of the window log. Main thread.
@@ -78,18 +95,6 @@ public:
     TextAttributes boldLogAttributes() const;
     TextAttributes italicLogAttributes() const;
 
-    // The working folder. Worker thread.
-    [[nodiscard]] bool createWorkingFolderAndLog();
-    void renameWorkingFolderWith(const QString &suffix);
-    /// Closes the log file that is open. If logging to a file is on, opens the one at the path, which is made
-    /// if there is none and else is added to, and heads what follows with the banner.
-    void openLog(const QString &path, const QString &banner);
-    /// Puts the user's untouched item into the working folder, after a success. Nothing is reported.
-    void moveOriginalIntoWorkingFolder();
-
-    /// Marks the step as the one that runs from now on. Any thread.
-    void beginStep(Step step);
-
     // Status and final report.
     /// Any thread.
     void changeStatus(QStringView newStatus);
@@ -97,9 +102,8 @@ public:
     void finalAlertOrMessage(const QString &title, const QString &text, const QString &logError);
     /// Any thread. The one report that follows a cancel is dropped.
     void dispatchFinalAlertOrMessage(const QString &title, const QString &text, const QString &logError);
-    /// The usual report of a failed step, and the folder's new name.
+    /// The usual report of a failure.
     void reportFailure(const QString &title, const QString &logError);
-    void reportFailureAndRename(const QString &title, const QString &logError);
     /// The sheet at the end of a finished run; its second button shows the item in the file viewer. Main
     /// thread.
     void beginSuccessSheet(const platform::Alert &alert);
@@ -140,15 +144,6 @@ public:
     /// Leaves a workflow whose panel was cancelled.
     void endBeforeStart();
 
-    // Tool runs. Worker thread.
-    SLWTaskResponsePtr runTool(const QString &path, const QStringList &args);
-    SLWTaskResponsePtr runAltool(const SLWTaskMasterPtr &runner, const QStringList &args);
-    /// Writes the tool's report to the log file, if one is wanted.
-    SLWTaskResponsePtr logged(const SLWTaskResponsePtr &response);
-    SLWTaskResponsePtr runAndLog(const QString &path, const QStringList &args)
-    {
-        return logged(runTool(path, args));
-    }
     /// The standard output of a shell line, without any of the above. Null if it is no UTF-8 or nothing ran.
     QString runCommandSimple(const QString &commandLine) const;
 
@@ -157,19 +152,18 @@ public:
     void dispatchToMain(std::function<void()> block);
 
 private:
-    explicit MainWinController(AppDelegate &appDelegate);
+    explicit MainWinController(ApplicationInterface &appDelegate);
     void windowDidLoad();
     void bindControls();
-    QString logLine(const QString &message) const;
-    void writeToLogFile(const QString &line);
     void appendToWindowLog(const QString &line, LogStyle style);
     TextAttributes attributesFor(LogStyle style) const;
+    QString itemName() const;
     void reportToScript(const QString &title, const QString &text, const QString &logError);
-    bool emptyWorkingFolder(const QString &folder);
 
-    AppDelegate &m_appDelegate;
+    ApplicationInterface &m_appDelegate;
     std::unique_ptr<platform::Window> m_window;
-    std::unique_ptr<DocumentExtensions> m_steps;
+    std::unique_ptr<DocumentCommands> m_commands;
+    Property<quint64> m_runCount; ///< the number of the latest run
 };
 
 using DocumentPtr = std::shared_ptr<MainWinController>;

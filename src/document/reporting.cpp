@@ -1,10 +1,9 @@
 #include "document/mainwincontroller.h"
 
-#include "document/workingfoldernames.h"
+#include "document/applicationinterface.h"
 #include "platform/itempath.h"
+#include "platform/scriptcommand.h"
 #include "platform/workspace.h"
-#include "scripting/scriptcommand.h"
-#include "scripting/scripterrors.h"
 
 using namespace Qt::StringLiterals;
 
@@ -14,11 +13,6 @@ void MainWinController::changeStatus(QStringView newStatus)
         return;
     statusString.set(newStatus.toString());
     dispatchToMain([this, word = newStatus.toString()] { window().setSubtitle(word); });
-}
-
-void MainWinController::beginStep(Step step)
-{
-    dispatchToMain([this, step] { stepList.begin(step); });
 }
 
 void MainWinController::dispatchFinalAlertOrMessage(const QString &title, const QString &text,
@@ -49,7 +43,7 @@ void MainWinController::finalAlertOrMessage(const QString &title, const QString 
 
 void MainWinController::reportToScript(const QString &title, const QString &text, const QString &logError)
 {
-    const ScriptFailure failure = scriptFailure(title, text, logError);
+    const ScriptFailure failure = appDelegate().scriptFailure(title, text, logError);
     if (const auto command = currentCommand()) {
         if (!failure.offendingText.isNull())
             command->setScriptErrorOffendingObjectDescriptor(failure.offendingText);
@@ -63,12 +57,6 @@ void MainWinController::reportToScript(const QString &title, const QString &text
 void MainWinController::reportFailure(const QString &title, const QString &logError)
 {
     dispatchFinalAlertOrMessage(title, seeTheLog.toString(), logError);
-}
-
-void MainWinController::reportFailureAndRename(const QString &title, const QString &logError)
-{
-    reportFailure(title, logError);
-    renameWorkingFolderWith(workingfolder::failed.toString());
 }
 
 void MainWinController::beginSuccessSheet(const platform::Alert &alert)

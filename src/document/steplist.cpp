@@ -17,45 +17,6 @@ auto has(StepState state)
 
 } // namespace
 
-QString stepName(Step step)
-{
-    switch (step) {
-    case Step::checkCredentials:
-        return u"Check credentials"_s;
-    case Step::makeWorkingCopy:
-        return u"Make working copy"_s;
-    case Step::signPackage:
-        return u"Check and sign package"_s;
-    case Step::saveEntitlements:
-        return u"Save entitlements"_s;
-    case Step::clearAttributes:
-        return u"Clear extended attributes"_s;
-    case Step::lockScript:
-        return u"Lock main script"_s;
-    case Step::signContents:
-        return u"Sign contents"_s;
-    case Step::signMainFile:
-        return u"Sign main file"_s;
-    case Step::checkSignature:
-        return u"Check code signature"_s;
-    case Step::findIdentifier:
-        return u"Find bundle identifier"_s;
-    case Step::makeZipArchive:
-        return u"Make zip archive"_s;
-    case Step::makeDiskImage:
-        return u"Make disk image"_s;
-    case Step::makeDiskImageWithDropDMG:
-        return u"Make disk image with DropDMG"_s;
-    case Step::upload:
-        return u"Upload to Apple"_s;
-    case Step::awaitResult:
-        return u"Wait for Apple's result"_s;
-    case Step::staple:
-        return u"Staple"_s;
-    }
-    return {};
-}
-
 QString stateName(StepState state)
 {
     switch (state) {
@@ -92,13 +53,13 @@ qint64 StepList::duration(const Row &row) const
 void StepList::plan(const QList<Step> &steps)
 {
     m_rows.clear();
-    for (const Step step : steps)
+    for (const Step &step : steps)
         m_rows.append({.step = step});
     m_wait.reset();
     Q_EMIT changed();
 }
 
-void StepList::begin(Step step)
+void StepList::begin(const Step &step)
 {
     endRunning(StepState::done);
     const qsizetype place = placeOf(step);
@@ -152,10 +113,10 @@ void StepList::skipWaiting(qsizetype end)
     }
 }
 
-qsizetype StepList::placeOf(Step step)
+qsizetype StepList::placeOf(const Step &step)
 {
     const auto planned =
-        std::find_if(m_rows.cbegin(), m_rows.cend(), [step](const Row &row) { return row.step == step; });
+        std::find_if(m_rows.cbegin(), m_rows.cend(), [&step](const Row &row) { return row.step == step; });
     if (planned != m_rows.cend())
         return planned - m_rows.cbegin();
     const auto next = std::find_if(m_rows.cbegin(), m_rows.cend(), has(StepState::waiting));

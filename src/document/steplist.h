@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/property.h"
+#include "run/step.h"
 
 #include <QDateTime>
 #include <QList>
@@ -11,29 +12,6 @@
 namespace platform {
 class Clock;
 }
-
-/// What a run can go through. Which of them a run has, and in which order, is told by its plan.
-enum class Step {
-    checkCredentials,
-    makeWorkingCopy,
-    signPackage,
-    saveEntitlements,
-    clearAttributes,
-    lockScript,
-    signContents,
-    signMainFile,
-    checkSignature,
-    findIdentifier,
-    makeZipArchive,
-    makeDiskImage,
-    makeDiskImageWithDropDMG,
-    upload,
-    awaitResult,
-    staple
-};
-
-/// What people read for a step.
-[[nodiscard]] QString stepName(Step step);
 
 /// How far a step has come. Skipped is one that its run turned out not to need or has not reached.
 enum class StepState { waiting, running, done, failed, cancelled, skipped };
@@ -78,7 +56,7 @@ public:
     void plan(const QList<Step> &steps);
     /// The step runs now: the one before it is done, and what the run has passed by is skipped. A step that
     /// the plan lacks is put where the run stands.
-    void begin(Step step);
+    void begin(const Step &step);
     /// The run is over. The step that runs ends in that state, and what still waits is skipped. Of several
     /// endings of one run the first counts.
     void finish(StepState state);
@@ -90,7 +68,7 @@ public:
 private:
     void endRunning(StepState state);
     void skipWaiting(qsizetype end);
-    qsizetype placeOf(Step step);
+    qsizetype placeOf(const Step &step);
 
     const platform::Clock &m_clock;
     QList<Row> m_rows;

@@ -1,22 +1,10 @@
 #include "document/mainwincontroller.h"
 
-#include "app/preferencekeys.h"
-#include "platform/clock.h"
 #include "platform/preferences.h"
-#include "scripting/scriptcommand.h"
+#include "platform/scriptcommand.h"
+#include "run/preferencekeys.h"
 
 using namespace Qt::StringLiterals;
-
-QString MainWinController::logLine(const QString &message) const
-{
-    return host().clock.now().toString(u"HH:mm:ss.zzz"_s) + u": "_s + message + u'\n';
-}
-
-void MainWinController::writeToLogFile(const QString &line)
-{
-    if (const auto handle = logHandle())
-        handle->write(line.toUtf8());
-}
 
 void MainWinController::appendToWindowLog(const QString &line, LogStyle style)
 {
@@ -25,37 +13,19 @@ void MainWinController::appendToWindowLog(const QString &line, LogStyle style)
 
 void MainWinController::logString(const QString &message, bool isError)
 {
-    const QString line = logLine(message);
-    writeToLogFile(line);
-    dispatchToMain(
-        [this, line, isError] { appendToWindowLog(line, isError ? LogStyle::error : LogStyle::plain); });
-}
-
-void MainWinController::logBoldString(const QString &message)
-{
-    const QString line = logLine(message);
-    writeToLogFile(line);
-    dispatchToMain([this, line] { appendToWindowLog(line, LogStyle::bold); });
+    isError ? log.logError(message) : log.logString(message);
 }
 
 void MainWinController::logStringMain(const QString &message, bool isError)
 {
-    const QString line = logLine(message);
-    writeToLogFile(line);
-    appendToWindowLog(line, isError ? LogStyle::error : LogStyle::plain);
+    appendToWindowLog(log.noteInFile(message), isError ? LogStyle::error : LogStyle::plain);
 }
 
-void MainWinController::logToFile(const QString &message)
+void MainWinController::openLog(const QString &path, const QString &banner)
 {
-    writeToLogFile(logLine(message));
-}
-
-void MainWinController::closeLog()
-{
-    const auto handle = logHandle();
-    logHandle.set(nullptr);
-    if (handle)
-        handle->close();
+    closeLog();
+    if (loggingToFile())
+        log.open(path, banner);
 }
 
 void MainWinController::clearLogUnlessKept()

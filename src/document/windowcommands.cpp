@@ -1,10 +1,8 @@
 #include "document/mainwincontroller.h"
 
-#include "app/appdelegate.h"
+#include "document/applicationinterface.h"
 #include "platform/applicationhost.h"
-#include "scripting/NSApplication+Scripting.h"
-#include "scripting/scriptcommand.h"
-#include "scripting/scripterrors.h"
+#include "platform/scriptcommand.h"
 
 using namespace Qt::StringLiterals;
 
@@ -102,7 +100,7 @@ void MainWinController::doCloseDocument(CloseSender sender)
         return window().performClose();
     dispatchToMain([this] {
         // An earlier close may have come first.
-        if (m_appDelegate.scripting().windowController(&window()))
+        if (windowController(m_appDelegate, &window()))
             window().performClose();
     });
 }

@@ -1,17 +1,8 @@
 #pragma once
 
-#include <QString>
+#include "run/credentials.h"
+
 #include <QStringList>
-
-/// Who asks the notary service.
-struct Credentials {
-    QString appleID;
-    QString passwordKey; ///< the name of a keychain item; the tool reads the password there by itself
-    QString providerName; ///< the team's short name; null or empty for none
-};
-
-/// In which form the notary tool replies.
-enum class OutputFormat { normal, xml };
 
 /// The argument lists of the notary tool, without the "altool" that xcrun needs in front.
 namespace altoolarguments {

@@ -1,11 +1,10 @@
 #include "notarization/archivesteps.h"
 
-#include "app/appdelegate.h"
-#include "document/mainwincontroller.h"
 #include "platform/applescript.h"
 #include "platform/bundle.h"
 #include "platform/fileservice.h"
 #include "platform/itempath.h"
+#include "run/run.h"
 #include "tools/failureline.h"
 
 using namespace Qt::StringLiterals;
@@ -15,6 +14,37 @@ namespace {
 const QString dittoTool = u"/usr/bin/ditto"_s;
 const QString hdiutilTool = u"/usr/bin/hdiutil"_s;
 const QString diskImageError = u"Error Making Disk Image"_s;
+
+void takeDropDMGImage(Run &run, const QString &image)
+{
+    const QString ours = run.folder.path(itempath::lastComponent(image));
+    if (itempath::folder(image) != run.folder.path())
+        run.host.files.moveItem(image, ours).ignore();
+    run.folder.setUpload(ours);
+    run.folder.setItem(ours);
+}
+
+/// The bundle's own identifier, before a disk image may take its place.
+void noteIdentifier(Run &run)
+{
+    const QString own = platform::bundleIdentifier(run.host.files, run.itemPath());
+    if (!own.isEmpty())
+        run.identifier = own;
+}
+
+QString identifierOfFirstApp(const platform::FileService &files, const QString &volume)
+{
+    for (const QString &name : files.contentsOfDirectory(volume, platform::FolderLink::follow)) {
+        if (itempath::extension(name) == "app"_L1)
+            return platform::bundleIdentifier(files, itempath::appending(volume, name));
+    }
+    return {};
+}
+
+const Step &chosenNow(const LiveChoices &live)
+{
+    return archiveStep(live.archiveKind());
+}
 
 } // namespace
 
@@ -57,107 +87,80 @@ QString mountPoint(const QString &attachOutput)
 
 } // namespace archive
 
-QString ArchiveSteps::itemPath() const
+const Step &archiveStep(ArchiveKind kind)
 {
-    return itempath::fromUrl(document.appletURL());
-}
-
-void ArchiveSteps::deleteSignedBundle()
-{
-    document.host().files.removeItem(itemPath()).ignore();
-}
-
-Step ArchiveSteps::chosenStep() const
-{
-    if (!document.useDiskImage())
-        return Step::makeZipArchive;
-    if (document.appDelegate().hasDropDMG() && document.useDropDMG())
-        return Step::makeDiskImageWithDropDMG;
-    return Step::makeDiskImage;
-}
-
-bool ArchiveSteps::makeArchiveForUploading()
-{
-    const Step step = chosenStep();
-    document.beginStep(step);
-    if (step == Step::makeZipArchive)
-        return makeZipArchive();
-    return step == Step::makeDiskImage ? makeDiskImage() : makeDiskImageWithDropDMG();
-}
-
-bool ArchiveSteps::makeZipArchive()
-{
-    document.logBoldString(u"Making zip archive..."_s);
-    document.submitFilePath.set(archive::zipPath(itemPath()));
-    const auto response =
-        document.runAndLog(dittoTool, archive::dittoArguments(itemPath(), document.submitFilePath()));
-    if (response->status() == 0)
-        return true;
-    deleteSignedBundle();
-    document.reportFailureAndRename(u"Error Making Archive"_s, toolFailureLine(*response, u"in ditto"_s));
-    return false;
-}
-
-bool ArchiveSteps::makeDiskImage()
-{
-    document.logBoldString(u"Making disk image..."_s);
-    document.submitFilePath.set(archive::diskImagePath(itemPath()));
-    const auto response = document.runAndLog(
-        hdiutilTool, archive::hdiutilCreateArguments(itemPath(), document.submitFilePath()));
-    deleteSignedBundle(); // also when the image could not be made
-    if (response->status() != 0) {
-        document.reportFailureAndRename(diskImageError, toolFailureLine(*response, u"in hdiutil"_s));
-        return false;
-    }
-    document.appletURL.set(itempath::toUrl(document.submitFilePath()));
-    return true;
-}
-
-bool ArchiveSteps::makeDiskImageWithDropDMG()
-{
-    document.logBoldString(u"Making disk image..."_s);
-    const auto result = document.host().appleScript.execute(
-        archive::dropDMGSource(itemPath(), document.dropDMGConfiguration()));
-    deleteSignedBundle();
-    if (!result.error.isNull()) {
-        document.reportFailureAndRename(diskImageError,
-                                        u"Error creating disk image with DropDMG: %1"_s.arg(result.error));
-        return false;
-    }
-    if (!result.file) {
-        document.reportFailureAndRename(diskImageError, u"Unknown error creating disk image with DropDMG"_s);
-        return false;
-    }
-    takeDropDMGImage(*result.file);
-    return true;
-}
-
-void ArchiveSteps::takeDropDMGImage(const QString &image)
-{
-    const QString folder = itempath::folder(itemPath());
-    const QString ours = itempath::appending(folder, itempath::lastComponent(image));
-    if (itempath::folder(image) != folder)
-        document.host().files.moveItem(image, ours).ignore();
-    document.submitFilePath.set(ours);
-    document.appletURL.set(itempath::toUrl(ours));
-}
-
-QString ArchiveSteps::primaryBundleID()
-{
-    const auto attached = document.runTool(
-        hdiutilTool, {u"attach"_s, u"-noverify"_s, u"-noidmereveal"_s, u"-noautoopen"_s, itemPath()});
-    if (attached->status() != 0)
-        return {};
-    const QString volume = archive::mountPoint(attached->outputString());
-    QString identifier;
-    for (const QString &name :
-         document.host().files.contentsOfDirectory(volume, platform::FolderLink::follow)) {
-        if (itempath::extension(name) != "app"_L1)
-            continue;
-        identifier = platform::bundleIdentifier(document.host().files, itempath::appending(volume, name));
+    switch (kind) {
+    case ArchiveKind::diskImage:
+        return step::makeDiskImage;
+    case ArchiveKind::diskImageByDropDMG:
+        return step::makeDiskImageWithDropDMG;
+    case ArchiveKind::zip:
         break;
     }
+    return step::makeZipArchive;
+}
+
+Step archiveRow(ArchiveKind planned)
+{
+    Step row = archiveStep(planned);
+    row.chosen = &chosenNow;
+    return row;
+}
+
+StepResult makeZipArchive(Run &run)
+{
+    noteIdentifier(run);
+    run.log.logBoldString(u"Making zip archive..."_s);
+    run.folder.setUpload(archive::zipPath(run.itemPath()));
+    const auto response =
+        run.tools.runAndLog(dittoTool, archive::dittoArguments(run.itemPath(), run.folder.places().upload));
+    if (response->status() == 0)
+        return Done{};
+    run.folder.removeItem();
+    return Failure{u"Error Making Archive"_s, toolFailureLine(*response, u"in ditto"_s)};
+}
+
+StepResult makeDiskImage(Run &run)
+{
+    noteIdentifier(run);
+    run.log.logBoldString(u"Making disk image..."_s);
+    run.folder.setUpload(archive::diskImagePath(run.itemPath()));
+    const QString image = run.folder.places().upload;
+    const auto response =
+        run.tools.runAndLog(hdiutilTool, archive::hdiutilCreateArguments(run.itemPath(), image));
+    run.folder.removeItem(); // also when the image could not be made
+    if (response->status() != 0)
+        return Failure{diskImageError, toolFailureLine(*response, u"in hdiutil"_s)};
+    run.folder.setItem(image);
+    return Done{};
+}
+
+StepResult makeDiskImageWithDropDMG(Run &run)
+{
+    noteIdentifier(run);
+    run.log.logBoldString(u"Making disk image..."_s);
+    const auto result =
+        run.host.appleScript.execute(archive::dropDMGSource(run.itemPath(), run.live.dropDMGConfiguration()));
+    run.folder.removeItem();
+    if (!result.error.isNull())
+        return Failure{diskImageError, u"Error creating disk image with DropDMG: %1"_s.arg(result.error)};
+    if (!result.file)
+        return Failure{diskImageError, u"Unknown error creating disk image with DropDMG"_s};
+    takeDropDMGImage(run, *result.file);
+    return Done{};
+}
+
+StepResult findPrimaryBundleID(Run &run)
+{
+    const auto attached = run.tools.run(
+        hdiutilTool, {u"attach"_s, u"-noverify"_s, u"-noidmereveal"_s, u"-noautoopen"_s, run.itemPath()});
+    if (attached->status() != 0)
+        return Done{};
+    const QString volume = archive::mountPoint(attached->outputString());
+    const QString identifier = identifierOfFirstApp(run.host.files, volume);
+    if (!identifier.isEmpty())
+        run.identifier = identifier;
     // The tool refuses this verb, and the image stays mounted, which people have come to rely on.
-    document.runTool(hdiutilTool, {u"dettach"_s, u"-force"_s, volume});
-    return identifier;
+    run.tools.run(hdiutilTool, {u"dettach"_s, u"-force"_s, volume});
+    return Done{};
 }

@@ -1,39 +1,33 @@
 #pragma once
 
-#include "document/documentextension.h"
-#include "document/steplist.h"
-#include "tools/slwtaskresponse.h"
+#include "run/step.h"
 
-#include <QString>
 #include <QStringList>
 
-/// Packs the signed bundle into the one file that the notary service takes. Worker thread.
-class ArchiveSteps : private DocumentExtension {
-public:
-    explicit ArchiveSteps(MainWinController &owner)
-        : DocumentExtension(owner)
-    {
-    }
+// The steps that pack the signed bundle into the one file that the notary service takes, and find what the
+// upload is to be called by. Worker thread. After a failed packing the signed copy is gone.
 
-    /// Which archive would be made now, of the three kinds that there are.
-    [[nodiscard]] Step chosenStep() const;
+[[nodiscard]] StepResult makeZipArchive(Run &run);
+[[nodiscard]] StepResult makeDiskImage(Run &run);
+[[nodiscard]] StepResult makeDiskImageWithDropDMG(Run &run);
+/// Finds the identifier of the first app in the disk image that is the item.
+[[nodiscard]] StepResult findPrimaryBundleID(Run &run);
 
-    /// Makes the archive and sets `submitFilePath`. What kind it makes is what is chosen now, not what was
-    /// chosen when the submission began. False after a failure that has been reported; the signed copy is
-    /// then gone.
-    [[nodiscard]] bool makeArchiveForUploading();
+namespace step {
+inline constexpr Step makeZipArchive{.name = u"Make zip archive", .work = &::makeZipArchive};
+inline constexpr Step makeDiskImage{.name = u"Make disk image", .work = &::makeDiskImage};
+inline constexpr Step makeDiskImageWithDropDMG{.name = u"Make disk image with DropDMG",
+                                               .work = &::makeDiskImageWithDropDMG};
+/// A cancel in the gap between this step and the upload does not stop the upload.
+inline constexpr Step findIdentifier{
+    .name = u"Find bundle identifier", .work = &findPrimaryBundleID, .cancelTest = CancelTest::isLeftOut};
+} // namespace step
 
-    /// The identifier of the first app in the disk image that is the document's item; null if there is none.
-    [[nodiscard]] QString primaryBundleID();
-
-private:
-    bool makeZipArchive();
-    bool makeDiskImage();
-    bool makeDiskImageWithDropDMG();
-    void takeDropDMGImage(const QString &image);
-    void deleteSignedBundle();
-    QString itemPath() const;
-};
+/// The step that makes that archive.
+[[nodiscard]] const Step &archiveStep(ArchiveKind kind);
+/// The row for it: people see the kind that is chosen now, and made is the one that is chosen when its turn
+/// comes.
+[[nodiscard]] Step archiveRow(ArchiveKind planned);
 
 /// The names of the archives and the argument lists that make them; `item` is the path of the signed bundle.
 namespace archive {

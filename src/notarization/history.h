@@ -1,38 +1,21 @@
 #pragma once
 
-#include "notarization/servicequery.h"
+#include "run/credentials.h"
+#include "run/workflow.h"
 
-/// Shows the account's past submissions, as the notary tool prints them.
-class History : private ServiceQuery {
-public:
-    explicit History(MainWinController &owner)
-        : ServiceQuery(owner)
-    {
-    }
+#include <optional>
 
-    /// The command of a person: from page 0 on, as many pages as the document allows. Main thread.
-    void doFetchHistory();
+/// Shows the account's past submissions, page by page, as the notary tool prints them. The answer is the page
+/// behind which no other follows.
+[[nodiscard]] Workflow historyWorkflow();
 
-    /// The same without a page. With one, that page alone for the current script command, which also says
-    /// whether it wants XML and gets the page as its result; of a page that names the one behind it as its
-    /// next the command gets no answer. Main thread.
-    void fetchHistory(const std::optional<quint64> &page);
-
-private:
-    /// Which pages are asked for.
-    struct Pages {
-        quint64 first;
-        quint64 limit; ///< the first one that is not
-        OutputFormat format;
-    };
-
-    [[nodiscard]] OutputFormat formatForScript() const;
-
-    // The job. Worker thread; takes one network request a page.
-    void fetchPages(const Pages &pages, const Credentials &credentials);
-    void answerScript(const QString &output);
-};
+/// What heads the log of a request for the history.
+extern const QString fetchingHistory;
 
 /// The page that a reply names as its next one; nothing if there is none, or if the reply cannot be read. A
 /// reply in XML that is a property list without a next page names page 0. A plain one never names any.
 [[nodiscard]] std::optional<quint64> nextPage(const QString &reply, OutputFormat format);
+
+/// The report of a history that cannot be had; a null error string shows as "(null)".
+[[nodiscard]] Failure historyFailure(const QString &message, const QString &errorString);
+[[nodiscard]] QString historyFailureLine(const QString &message, const QString &errorString);

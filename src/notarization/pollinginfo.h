@@ -1,18 +1,9 @@
 #pragma once
 
-#include "notarization/altoolarguments.h"
-
 #include <QByteArray>
 #include <QString>
 
 #include <optional>
-
-/// What rides on each poll's timer; never changed during a wait.
-struct PollingInfo {
-    Credentials credentials; ///< with an empty provider name where there is none
-    QString requestUUID;
-    double pollingDelay = 0; ///< seconds between polls, 20 to 300
-};
 
 /// The preference, held to the range that the service is asked at; seconds.
 [[nodiscard]] double limitedPollingDelay(float preference);

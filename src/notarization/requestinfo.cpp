@@ -1,19 +1,86 @@
 #include "notarization/requestinfo.h"
 
-#include "document/mainwincontroller.h"
+#include "notarization/altoolarguments.h"
 #include "notarization/credentialcheck.h"
+#include "notarization/history.h"
 #include "notarization/pollinginfo.h"
 #include "notarization/servicelog.h"
-#include "platform/applicationhost.h"
-#include "platform/fileservice.h"
-#include "platform/itempath.h"
-#include "platform/pasteboard.h"
 #include "platform/propertylist/propertylist.h"
 #include "tools/failureline.h"
 
 #include <QRegularExpression>
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+std::optional<QString> textOfLogFile(Run &run, const QString &report)
+{
+    const auto bytes = contentsOfLogFile(run.host.urls, report);
+    return bytes ? decodedUtf8(*bytes) : std::nullopt;
+}
+
+void showReport(Run &run, const QString &report)
+{
+    const QString word = verdict(report);
+    if (word == "in progress"_L1)
+        return run.log.logString(report);
+    const bool isApproved = word == "success"_L1;
+    isApproved ? run.log.logString(report) : run.log.logError(report);
+    const auto log = textOfLogFile(run, report);
+    if (!log)
+        return;
+    run.log.logBoldString(u"Contents of LogFileURL:"_s);
+    run.log.logString(*log);
+    if (!isApproved)
+        run.log.logBoldString(u"Notarization Failed"_s);
+}
+
+StepResult findNewestRequest(Run &run)
+{
+    run.requestUUID = run.inputs().requestUUID.value_or(QString());
+    if (run.inputs().requestUUID)
+        return Done{};
+    run.log.logBoldString(fetchingHistory);
+    const auto response =
+        run.tools.askService(altoolarguments::history(u"0"_s, run.inputs().credentials, OutputFormat::xml));
+    const QString error = response->errorString();
+    if (response->status() != 0)
+        return historyFailure(lookupFailureMessage(error), error);
+    const QString history = response->outputString();
+    const auto identifier = newestRequestUUID(history);
+    if (!identifier)
+        return Failure{u"Request UUID Not Found"_s, u"Unable to parse history:\n"_s + orNull(history),
+                       FolderFate::keepsItsName};
+    run.requestUUID = *identifier;
+    return Done{};
+}
+
+StepResult fetchInfo(Run &run)
+{
+    run.log.logBoldString(u"Fetching notarizing info for Request UUID %1...\n"_s.arg(run.requestUUID));
+    const auto response =
+        run.tools.askService(altoolarguments::info(run.requestUUID, run.inputs().credentials));
+    if (response->status() != 0)
+        return Failure{u"Failed to Retrieve Info"_s, lookupFailureLine(*response), FolderFate::keepsItsName};
+    const QString report = response->text();
+    if (report.isNull())
+        run.log.logBoldString(
+            u"Fetching notarizing info for Request UUID %1 failed. Try again.\n"_s.arg(run.requestUUID));
+    else
+        showReport(run, report);
+    return Done{};
+}
+
+constexpr Step findRequest{.name = {}, .work = &findNewestRequest, .cancelTest = CancelTest::isLeftOut};
+constexpr Step fetch{.name = {}, .work = &fetchInfo, .cancelTest = CancelTest::isLeftOut};
+
+} // namespace
+
+Workflow requestInfoWorkflow()
+{
+    return {findRequest, fetch};
+}
 
 bool isRequestUUID(const QString &text)
 {
@@ -38,112 +105,4 @@ QString lookupFailureMessage(const QString &errorString)
 QString lookupFailureLine(const SLWTaskResponse &response)
 {
     return toolFailureLine(response, u"fetching info"_s);
-}
-
-// Commands
-
-void RequestInfo::doInfoForUUIDInFile()
-{
-    document.askForItem(
-        {.message = u"Choose the RequestUUID.txt file"_s,
-         .allowedFileTypes = {u"txt"_s},
-         .canChooseFiles = true,
-         .canChooseDirectories = false,
-         .shouldEnable = &MainWinController::shouldEnableURL},
-        [this](const QUrl &chosen) { lookUpRequestInFile(itempath::fromUrl(chosen)); },
-        [this] { document.endBeforeStart(); });
-}
-
-void RequestInfo::lookUpRequestInFile(const QString &path)
-{
-    document.changeStatus(status::fetching);
-    const auto bytes = document.host().files.readFile(path);
-    const auto text = bytes ? decodedUtf8(*bytes) : std::nullopt;
-    if (text)
-        return infoForRequestUUID(text->trimmed());
-    document.host().application.beep();
-    document.endBeforeStart();
-}
-
-void RequestInfo::doInfoForUUIDOfLastUpload()
-{
-    infoForRequestUUID(std::nullopt);
-}
-
-void RequestInfo::doInfoForUUIDOnClipboard()
-{
-    const QString text = document.host().pasteboard.firstString();
-    if (!isRequestUUID(text))
-        return document.host().application.beep();
-    infoForRequestUUID(text);
-}
-
-void RequestInfo::infoForRequestUUID(const std::optional<QString> &requestUUID)
-{
-    const auto credentials = beginQuery(u"Interface is blocked."_s);
-    if (credentials)
-        document.dispatchToWorker([this, requestUUID, asked = *credentials] { lookUp(requestUUID, asked); });
-}
-
-// The job
-
-void RequestInfo::lookUp(const std::optional<QString> &requestUUID, const Credentials &credentials)
-{
-    const auto identifier = requestUUID ? requestUUID : findNewestRequest(credentials);
-    if (identifier)
-        fetchInfo(*identifier, credentials);
-}
-
-std::optional<QString> RequestInfo::findNewestRequest(const Credentials &credentials)
-{
-    document.logBoldString(fetchingHistory);
-    const auto response = ask(altoolarguments::history(u"0"_s, credentials, OutputFormat::xml));
-    const QString error = response->errorString();
-    if (response->status() != 0) {
-        reportHistoryFailure(lookupFailureMessage(error), error);
-        return std::nullopt;
-    }
-    const QString history = response->outputString();
-    const auto identifier = newestRequestUUID(history);
-    if (!identifier)
-        document.reportFailure(u"Request UUID Not Found"_s,
-                               u"Unable to parse history:\n"_s + orNull(history));
-    return identifier;
-}
-
-void RequestInfo::fetchInfo(const QString &requestUUID, const Credentials &credentials)
-{
-    document.logBoldString(u"Fetching notarizing info for Request UUID %1...\n"_s.arg(requestUUID));
-    const auto response = ask(altoolarguments::info(requestUUID, credentials));
-    if (response->status() != 0)
-        return document.reportFailure(u"Failed to Retrieve Info"_s, lookupFailureLine(*response));
-    const QString report = response->text();
-    if (report.isNull())
-        document.logBoldString(
-            u"Fetching notarizing info for Request UUID %1 failed. Try again.\n"_s.arg(requestUUID));
-    else
-        showReport(report);
-    finishQuery();
-}
-
-void RequestInfo::showReport(const QString &report)
-{
-    const QString word = verdict(report);
-    if (word == "in progress"_L1)
-        return document.logString(report);
-    const bool isApproved = word == "success"_L1;
-    document.logString(report, !isApproved);
-    const auto log = textOfLogFile(report);
-    if (!log)
-        return;
-    document.logBoldString(u"Contents of LogFileURL:"_s);
-    document.logString(*log);
-    if (!isApproved)
-        document.logBoldString(u"Notarization Failed"_s);
-}
-
-std::optional<QString> RequestInfo::textOfLogFile(const QString &report)
-{
-    const auto bytes = contentsOfLogFile(document.host().urls, report);
-    return bytes ? decodedUtf8(*bytes) : std::nullopt;
 }

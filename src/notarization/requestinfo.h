@@ -1,34 +1,12 @@
 #pragma once
 
-#include "notarization/servicequery.h"
+#include "run/workflow.h"
 
-/// Shows what the service has on record about a submission that has been lost track of.
-class RequestInfo : private ServiceQuery {
-public:
-    explicit RequestInfo(MainWinController &owner)
-        : ServiceQuery(owner)
-    {
-    }
+#include <optional>
 
-    // Commands. Main thread.
-    void doInfoForUUIDInFile();
-    void doInfoForUUIDOfLastUpload();
-    void doInfoForUUIDOnClipboard();
-
-    /// Prints the record of that request into the log, or without an identifier that of the newest entry in
-    /// the account's history. Main thread.
-    void infoForRequestUUID(const std::optional<QString> &requestUUID);
-
-private:
-    void lookUpRequestInFile(const QString &path);
-
-    // The job. Worker thread; takes one or two network requests, and one more for the service's log.
-    void lookUp(const std::optional<QString> &requestUUID, const Credentials &credentials);
-    [[nodiscard]] std::optional<QString> findNewestRequest(const Credentials &credentials);
-    void fetchInfo(const QString &requestUUID, const Credentials &credentials);
-    void showReport(const QString &report);
-    [[nodiscard]] std::optional<QString> textOfLogFile(const QString &report);
-};
+/// Shows what the service has on record about a submission that has been lost track of: the request that the
+/// run names, or the newest entry in the account's history.
+[[nodiscard]] Workflow requestInfoWorkflow();
 
 /// Whether a text has the form that the clipboard must have: groups of 8, 4, 4, 4 and 12 of the characters 0
 /// to 9 and a to h, with hyphens between them and nothing around.

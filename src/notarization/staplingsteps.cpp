@@ -1,17 +1,20 @@
 #include "notarization/staplingsteps.h"
 
-#include "document/mainwincontroller.h"
-#include "document/workingfoldernames.h"
-#include "platform/itempath.h"
+#include "run/run.h"
+#include "run/workingfoldernames.h"
 #include "tools/failureline.h"
-
-#include <QVariant>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
 const QString xcrunTool = u"/usr/bin/xcrun"_s; // wherever the notary tool comes from
+
+Failure failedStapling(const SLWTaskResponse &response, bool isSubmission)
+{
+    return {u"Stapling Failed"_s, staplerFailureLine(response),
+            isSubmission ? FolderFate::isNamedFailed : FolderFate::keepsItsName};
+}
 
 } // namespace
 
@@ -27,60 +30,19 @@ QString staplerFailureLine(const SLWTaskResponse &response)
     return output.isNull() ? line : line + u'\n' + output;
 }
 
-void StaplingSteps::runStaplerAndFinish()
+StepResult runStapler(Run &run)
 {
-    const bool isSubmission = isInSubmittedFolder();
-    const auto response =
-        document.runTool(xcrunTool, staplerArguments(itempath::fromUrl(document.appletURL())));
-    if (document.logHandle())
-        document.logToFile(response->fileLogString());
+    const bool isSubmission = run.folder.isSubmitted();
+    const auto response = run.tools.run(xcrunTool, staplerArguments(run.itemPath()));
+    if (run.log.isOpen())
+        run.log.logToFile(response->fileLogString());
     if (response->status() != 0)
-        return reportFailure(*response, isSubmission);
-    document.logBoldString(u"Stapling succeeded."_s);
-    document.closeLog(); // before the folder's new name moves the file
+        return failedStapling(*response, isSubmission);
+    run.log.logBoldString(u"Stapling succeeded."_s);
+    run.log.close(); // before the folder's new name moves the file
     if (isSubmission) {
-        document.moveOriginalIntoWorkingFolder();
-        document.renameWorkingFolderWith(workingfolder::notarized.toString());
+        run.folder.moveOriginalIn();
+        run.folder.renameTo(workingfolder::notarized);
     }
-    if (document.suppressDialogs()) {
-        document.dispatchToMain([this] { endSilently(); });
-    } else {
-        document.changeStatus(status::interacting);
-        document.dispatchToMain([this] { endWithDialog(); });
-    }
-}
-
-bool StaplingSteps::isInSubmittedFolder() const
-{
-    const QString folder = itempath::folder(itempath::fromUrl(document.appletURL()));
-    const QString base = itempath::withoutExtension(document.originalFileName());
-    return itempath::lastComponent(folder) == workingfolder::name(base, workingfolder::submitted);
-}
-
-void StaplingSteps::reportFailure(const SLWTaskResponse &response, bool isSubmission)
-{
-    document.reportFailure(u"Stapling Failed"_s, staplerFailureLine(response));
-    if (isSubmission)
-        document.renameWorkingFolderWith(workingfolder::failed.toString());
-}
-
-void StaplingSteps::endCommon()
-{
-    document.resumeScript(document.scriptResult());
-    document.endWorkflow();
-}
-
-void StaplingSteps::endSilently()
-{
-    endCommon();
-    document.changeStatus(status::ready);
-}
-
-void StaplingSteps::endWithDialog()
-{
-    endCommon();
-    const QString name = itempath::lastComponent(itempath::fromUrl(document.appletURL()));
-    document.beginSuccessSheet({u"Stapling Successful"_s,
-                                u"The file '%1' is now ready for distribution."_s.arg(name),
-                                {u"OK"_s, u"Show File"_s}});
+    return Done{};
 }

@@ -1,29 +1,18 @@
 #pragma once
 
-#include "document/documentextension.h"
-#include "notarization/pollinginfo.h"
-#include "tools/slwtaskresponse.h"
+#include "run/step.h"
 
-/// Hands the prepared file to the notary service, once.
-class UploadStep : private DocumentExtension {
-public:
-    explicit UploadStep(MainWinController &owner)
-        : DocumentExtension(owner)
-    {
-    }
+/// Hands the prepared file to the notary service, once. Worker thread.
+[[nodiscard]] StepResult uploadForNotarizing(Run &run);
 
-    /// Uploads `submitFilePath` and starts the wait for the verdict. True if it has; false after a failure
-    /// that has been reported, and also when a script asked not to wait. Worker thread.
-    [[nodiscard]] bool uploadForNotarizing(const Credentials &credentials, const QString &bundleID);
+/// The identifier of an upload that has none of its own: a random UUID with the item's extension directly
+/// behind it.
+[[nodiscard]] QString fallbackIdentifier(const QString &itemPath);
 
-private:
-    void deleteArchive();
-    void deleteItem();
-    bool reportFailedUpload(const SLWTaskResponse &response);
-    bool reportNoIdentifier(const SLWTaskResponse &response);
-    void markAccepted();
-    void saveRequestUUID(const QString &requestUUID);
-    bool scriptSkipsStapling() const;
-    void endWithoutStapling();
-    void startPolling(const Credentials &credentials, const QString &requestUUID);
-};
+namespace step {
+/// Uploading is not to be interrupted, and the wait begins whatever was pressed meanwhile.
+inline constexpr Step upload{.name = u"Upload to Apple",
+                             .work = &uploadForNotarizing,
+                             .cancelTest = CancelTest::isLeftOut,
+                             .cancelOffer = CancelOffer::withdrawn};
+} // namespace step

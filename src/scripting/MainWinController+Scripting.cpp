@@ -1,6 +1,6 @@
 #include "scripting/MainWinController+Scripting.h"
 
-#include "document/documentextensions.h"
+#include "document/documentcommands.h"
 #include "document/mainwincontroller.h"
 #include "platform/applicationhost.h"
 #include "scripting/commandchecks.h"
@@ -48,12 +48,12 @@ void MainWinControllerScripting::AEExamine(const ScriptCommandPtr &command)
 
 void MainWinControllerScripting::AEFetchLog(const ScriptCommandPtr &command)
 {
-    suspend(command, [this] { document.contentsOfLog(); });
+    suspend(command, [&document = document] { document.contentsOfLog(); });
 }
 
 void MainWinControllerScripting::AEClearLog(const ScriptCommandPtr &command)
 {
-    suspend(command, [this] { document.doClearStatus(); });
+    suspend(command, [&document = document] { document.doClearStatus(); });
 }
 
 bool MainWinControllerScripting::checkStatusIsReady() const
@@ -65,31 +65,36 @@ bool MainWinControllerScripting::checkStatusIsReady() const
 
 void MainWinControllerScripting::startSubmission(const ScriptCommandPtr &command)
 {
-    suspendWithItem(command, [this](const QUrl &url) { document.steps().submit.scriptedSubmit(url); });
+    suspendWithItem(
+        command, [&document = document](const QUrl &url) { document.commands().submit.scriptedSubmit(url); });
 }
 
 void MainWinControllerScripting::startStapling(const ScriptCommandPtr &command)
 {
-    suspendWithItem(command,
-                    [this](const QUrl &url) { document.steps().stapleOnly.scriptedStapleOnly(url); });
+    suspendWithItem(command, [&document = document](const QUrl &url) {
+        document.commands().stapleOnly.scriptedStapleOnly(url);
+    });
 }
 
 void MainWinControllerScripting::startSigning(const ScriptCommandPtr &command)
 {
-    suspendWithItem(command, [this](const QUrl &url) { document.steps().signOnly.scriptedSignOnly(url); });
+    suspendWithItem(command, [&document = document](const QUrl &url) {
+        document.commands().signOnly.scriptedSignOnly(url);
+    });
 }
 
 void MainWinControllerScripting::startHistory(const ScriptCommandPtr &command)
 {
     document.suppressDialogs.set(true); // whatever the command says of dialogs
     const quint64 page = command->evaluatedArguments().value(argument::pageToFetch).toULongLong();
-    suspendWorkflow(command, [this, page] { document.steps().history.fetchHistory(page); });
+    suspendWorkflow(command,
+                    [&document = document, page] { document.commands().history.fetchHistory(page); });
 }
 
 void MainWinControllerScripting::prepare(const ScriptCommandPtr &command, const QString &identity)
 {
-    document.steps().submit.prepareForDirectSubmit(command->evaluatedArguments().value(argument::at).toUrl(),
-                                                   identity);
+    document.commands().submit.prepareForDirectSubmit(
+        command->evaluatedArguments().value(argument::at).toUrl(), identity);
     document.host().application.activate();
 }
 
@@ -104,7 +109,7 @@ void MainWinControllerScripting::suspendWithItem(const ScriptCommandPtr &command
 
 void MainWinControllerScripting::suspendWorkflow(const ScriptCommandPtr &command, std::function<void()> work)
 {
-    suspend(command, [this, command, work = std::move(work)] {
+    suspend(command, [&document = document, command, work = std::move(work)] {
         if (document.statusString() == status::ready)
             return work();
         // A person has been quicker. The run that goes on now knows of no script.

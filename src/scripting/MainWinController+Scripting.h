@@ -1,18 +1,20 @@
 #pragma once
 
-#include "document/documentextension.h"
-#include "scripting/scriptcommand.h"
+#include "platform/scriptcommand.h"
 #include "scripting/scriptproperty.h"
 
 #include <QUrl>
 
 #include <functional>
 
+class MainWinController;
+
 /// What scripts reach on a document. On the thread of script delivery; the work is queued to the main thread.
-class MainWinControllerScripting : private DocumentExtension {
+/// As short-lived as one wants: it refers to the document and holds nothing else.
+class MainWinControllerScripting {
 public:
     explicit MainWinControllerScripting(MainWinController &owner)
-        : DocumentExtension(owner)
+        : document(owner)
     {
     }
 
@@ -64,4 +66,6 @@ private:
     /// The same for work that begins only if the document is still ready when its turn comes.
     void suspendWorkflow(const ScriptCommandPtr &command, std::function<void()> work);
     void suspendWithItem(const ScriptCommandPtr &command, std::function<void(const QUrl &)> work);
+
+    MainWinController &document;
 };

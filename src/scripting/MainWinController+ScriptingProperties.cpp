@@ -1,10 +1,12 @@
 #include "scripting/MainWinController+Scripting.h"
 
-#include "app/appdelegate.h"
-#include "app/preferencekeys.h"
-#include "document/documentextensions.h"
+#include "document/applicationinterface.h"
+#include "document/entitlementswitches.h"
+#include "document/mainwincontroller.h"
 #include "platform/itempath.h"
 #include "platform/preferences.h"
+#include "run/preferencekeys.h"
+#include "scripting/NSWindow+Scripting.h"
 #include "scripting/scripterrors.h"
 
 #include <algorithm>
@@ -22,9 +24,9 @@ void refuseWrite(Document &, const QVariant &)
     setScriptError(scriptErrorReadOnly);
 }
 
-NSWindowScripting &windowOf(Document &document)
+NSWindowScripting windowOf(Document &document)
 {
-    return document.controller().steps().windowScripting;
+    return NSWindowScripting(document.controller());
 }
 
 /// The checkbox's state is one number when the property is true and another when it is false.
@@ -107,25 +109,15 @@ QList<DocumentProperty> signingProperties()
 
 QList<DocumentProperty> entitlementProperties()
 {
-    return {
-        checkbox(u"AEAllowEvents"_s, &Controls::eventsCheckbox),
-        checkbox(u"AEAllowCalendars"_s, &Controls::calendarsCheckbox),
-        checkbox(u"AEAllowAudio"_s, &Controls::audioCheckbox),
-        checkbox(u"AEAllowCamera"_s, &Controls::cameraCheckbox),
-        checkbox(u"AEAllowLocation"_s, &Controls::locationCheckbox),
-        checkbox(u"AEAllowPhotos"_s, &Controls::photosCheckbox),
-        checkbox(u"AEAllowAddressBook"_s, &Controls::addressBookCheckbox),
-        checkbox(u"AEAllowFrameworks"_s, &Controls::disableLibCheckbox),
-        checkbox(u"AEAllowJITCode"_s, &Controls::allowJITCheckbox),
-        checkbox(u"AEAllowUnsignedExecMem"_s, &Controls::allowUnsignedExecMemCheckbox),
-        checkbox(u"AEAllowDYLDEnvVars"_s, &Controls::allowDYLDEnvCheckbox),
-        checkbox(u"AEDisableMemProtection"_s, &Controls::disableMemProtectionCheckbox),
-        checkbox(u"AEIsDebugTool"_s, &Controls::isDebugToolCheckbox),
+    QList<DocumentProperty> properties;
+    for (const EntitlementSwitch &row : entitlementSwitches())
+        properties.append(checkbox(row.scriptKey, row.control));
+    properties.append(
         {u"AEExtraEntitlements"_s,
          [](Document &document) { return document.controller().extraEntitlementsURL(); },
          [](Document &document, const QVariant &value) { document.setAEExtraEntitlements(value); },
-         Takes::anything},
-    };
+         Takes::anything});
+    return properties;
 }
 
 QList<DocumentProperty> diskImageProperties()
@@ -189,7 +181,7 @@ void MainWinControllerScripting::setAEUseDropDMG(bool usesDropDMG)
 
 void MainWinControllerScripting::setAEDropDMGConfig(const QVariant &name)
 {
-    const AppDelegate &application = document.appDelegate();
+    const ApplicationInterface &application = document.appDelegate();
     if (name.typeId() == QMetaType::QString && application.hasDropDMG()
         && application.dropDMGConfigNames().contains(name.toString()))
         document.dropDMGConfigsPopup.selectItemWithTitle(name.toString());

@@ -1,19 +1,15 @@
 #include "scripting/NSApplication+Scripting.h"
 
-#include "app/appdelegate.h"
-#include "document/documentextensions.h"
+#include "document/applicationinterface.h"
+#include "document/mainwincontroller.h"
 #include "platform/applicationhost.h"
+#include "scripting/MainWinController+Scripting.h"
 #include "scripting/commandchecks.h"
 #include "scripting/examining.h"
 
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
-
-NSApplicationScripting::NSApplicationScripting(AppDelegate &appDelegate)
-    : m_appDelegate(appDelegate)
-{
-}
 
 void NSApplicationScripting::AESubmitForNotarizing(const ScriptCommandPtr &command)
 {
@@ -59,15 +55,15 @@ void NSApplicationScripting::AECompare(const ScriptCommandPtr &command)
     examining::answerComparison(command, m_appDelegate);
 }
 
-MainWinControllerScripting &NSApplicationScripting::addedDocument() const
+MainWinControllerScripting NSApplicationScripting::addedDocument() const
 {
-    return m_appDelegate.addedDocument()->steps().scripting;
+    return MainWinControllerScripting(*m_appDelegate.addedDocument());
 }
 
 DocumentPtr NSApplicationScripting::newScriptingDocument(const QVariantMap &properties) const
 {
     const DocumentPtr document = m_appDelegate.addedDocument();
-    document->steps().scripting.setScriptingProperties(properties);
+    MainWinControllerScripting(*document).setScriptingProperties(properties);
     return document;
 }
 
@@ -128,9 +124,5 @@ QList<MainWinController *> NSApplicationScripting::orderedPseudoDocuments() cons
 
 MainWinController *NSApplicationScripting::windowController(const platform::Window *window) const
 {
-    const auto &open = m_appDelegate.allControllers();
-    const auto found = std::find_if(open.cbegin(), open.cend(), [window](const DocumentPtr &document) {
-        return &document->window() == window;
-    });
-    return found == open.cend() ? nullptr : found->get();
+    return ::windowController(m_appDelegate, window);
 }

@@ -1,14 +1,14 @@
 #pragma once
 
+#include "platform/scriptcommand.h"
 #include "platform/window.h"
-#include "scripting/scriptcommand.h"
 #include "scripting/scriptproperty.h"
 
 #include <QList>
 
 #include <memory>
 
-class AppDelegate;
+class ApplicationInterface;
 class MainWinController;
 class MainWinControllerScripting;
 
@@ -16,7 +16,10 @@ class MainWinControllerScripting;
 /// on each call, on the main thread.
 class NSApplicationScripting {
 public:
-    explicit NSApplicationScripting(AppDelegate &appDelegate);
+    explicit NSApplicationScripting(ApplicationInterface &appDelegate)
+        : m_appDelegate(appDelegate)
+    {
+    }
 
     // Commands, each on a new document of its own. On the thread of script delivery; the work is queued to
     // the main thread.
@@ -59,15 +62,15 @@ public:
     platform::Window *frontmostWindow() const;
     MainWinController *frontmostPseudoDocument() const;
 
-    AppDelegate &appDelegate() const { return m_appDelegate; }
+    ApplicationInterface &appDelegate() const { return m_appDelegate; }
 
     /// The document of a window; null if the window is no document's.
     MainWinController *windowController(const platform::Window *window) const;
 
 private:
-    MainWinControllerScripting &addedDocument() const;
+    MainWinControllerScripting addedDocument() const;
 
-    AppDelegate &m_appDelegate;
+    ApplicationInterface &m_appDelegate;
 };
 
 /// The order in which the windows of one tab group are listed: the one at `index` first.

@@ -1,8 +1,10 @@
 #include "scripting/NSApplication+Scripting.h"
 
-#include "app/appdelegate.h"
-#include "app/preferencekeys.h"
+#include "document/applicationinterface.h"
+#include "document/entitlementswitches.h"
+#include "document/mainwincontroller.h"
 #include "platform/preferences.h"
+#include "run/preferencekeys.h"
 #include "scripting/scripterrors.h"
 
 #include <cmath>
@@ -130,6 +132,14 @@ QList<ApplicationProperty> textProperties()
     };
 }
 
+QList<ApplicationProperty> entitlementProperties()
+{
+    QList<ApplicationProperty> properties;
+    for (const EntitlementSwitch &row : entitlementSwitches())
+        properties.append(flag(row.scriptKey, row.preference));
+    return properties;
+}
+
 QList<ApplicationProperty> flagProperties()
 {
     return {
@@ -141,19 +151,6 @@ QList<ApplicationProperty> flagProperties()
              store(application, key::dontClearLogEachTime, !value.toBool());
          }},
         flag(u"AESkipEnclosures"_s, key::dontSignEnclosures),
-        flag(u"AEAllowEvents"_s, key::allowAppleEvents),
-        flag(u"AEAllowCalendars"_s, key::allowCalendars),
-        flag(u"AEAllowAudio"_s, key::allowAudio),
-        flag(u"AEAllowCamera"_s, key::allowCamera),
-        flag(u"AEAllowLocation"_s, key::allowLocation),
-        flag(u"AEAllowPhotos"_s, key::allowPhotos),
-        flag(u"AEAllowAddressBook"_s, key::allowAddressBook),
-        flag(u"AEAllowFrameworks"_s, key::allowFrameworks),
-        flag(u"AEAllowJITCode"_s, key::allowJITCode),
-        flag(u"AEAllowUnsignedExecMem"_s, key::allowUnsignedExecMem),
-        flag(u"AEAllowDYLDEnvVars"_s, key::allowDYLDEnvVariables),
-        flag(u"AEDisableMemProtection"_s, key::disableMemProtection),
-        flag(u"AEIsDebugTool"_s, key::isDebuggingTool),
         flag(u"AECreateDMG"_s, key::createDiskImage),
         flag(u"AEUseDropDMG"_s, key::useDropDMGForImages),
         withdrawn(u"AERememberAppleID"_s),
@@ -167,7 +164,7 @@ QList<ApplicationProperty> flagProperties()
 const QList<ApplicationProperty> &NSApplicationScripting::properties()
 {
     static const QList<ApplicationProperty> all =
-        listProperties() + stateProperties() + textProperties() + flagProperties();
+        listProperties() + stateProperties() + textProperties() + flagProperties() + entitlementProperties();
     return all;
 }
 

@@ -1,6 +1,7 @@
 #include "scripting/NSWindow+Scripting.h"
 
-#include "app/appdelegate.h"
+#include "document/applicationinterface.h"
+#include "document/mainwincontroller.h"
 #include "scripting/NSApplication+Scripting.h"
 #include "scripting/scripterrors.h"
 
@@ -47,7 +48,7 @@ platform::Window &NSWindowScripting::window() const
 
 Windows NSWindowScripting::orderedWindows() const
 {
-    return document.appDelegate().scripting().orderedWindows();
+    return NSApplicationScripting(document.appDelegate()).orderedWindows();
 }
 
 // Order

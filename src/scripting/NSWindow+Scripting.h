@@ -1,10 +1,11 @@
 #pragma once
 
-#include "document/documentextension.h"
 #include "platform/window.h"
 #include "scripting/scriptproperty.h"
 
 #include <optional>
+
+class MainWinController;
 
 /// What scripts reach on a document's window. A hidden tab is a member of a group on screen that does not
 /// show itself; each property says what it does for one. Works whatever the document's status is. Main
@@ -12,10 +13,11 @@
 ///
 /// Indexes count from 1; 0 is the index of what was not found. One that cannot be set is an error of the
 /// executing command, and nothing has moved then.
-class NSWindowScripting : private DocumentExtension {
+/// As short-lived as one wants: it refers to the document and holds nothing else.
+class NSWindowScripting {
 public:
     explicit NSWindowScripting(MainWinController &owner)
-        : DocumentExtension(owner)
+        : document(owner)
     {
     }
 
@@ -64,4 +66,6 @@ private:
     platform::Window *visibleTab() const;
     void leaveGroup();
     void joinNeighbour();
+
+    MainWinController &document;
 };

@@ -1,9 +1,9 @@
 #include "scripting/commandchecks.h"
 
-#include "document/mainwincontroller.h"
-#include "notarization/submitworkflow.h"
 #include "platform/fileservice.h"
 #include "platform/itempath.h"
+#include "run/item.h"
+#include "run/status.h"
 #include "scripting/scripterrors.h"
 
 using namespace Qt::StringLiterals;

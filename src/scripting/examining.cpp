@@ -1,9 +1,8 @@
 #include "scripting/examining.h"
 
-#include "app/appdelegate.h"
-#include "app/preferencekeys.h"
+#include "document/applicationinterface.h"
 #include "document/documentdefaults.h"
-#include "document/documentextensions.h"
+#include "document/entitlementswitches.h"
 #include "document/mainwincontroller.h"
 #include "platform/fileservice.h"
 #include "platform/itempath.h"
@@ -11,6 +10,7 @@
 #include "platform/process.h"
 #include "platform/propertylist/propertylist.h"
 #include "platform/workerqueue.h"
+#include "run/preferencekeys.h"
 #include "scripting/scripterrors.h"
 
 #include <QUrl>
@@ -45,14 +45,15 @@ QString teamOf(const QString &identity)
     return identity.endsWith(u')') ? identity.section(u'(', -1).chopped(1) : QString();
 }
 
-void addPreferences(const AppDelegate &application, examine::Choices &choices)
+void addPreferences(const ApplicationInterface &application, examine::Choices &choices)
 {
     choices.signsDeep = application.host().preferences.boolean(key::prefCodesignDeep);
-    choices.fileTool = application.configuration().fileTool;
+    choices.fileTool = application.fileTool();
 }
 
 /// The path of the item under an argument; null, with the error set, if there is none.
-QString itemUnder(const QString &name, const ScriptCommandPtr &command, const AppDelegate &application)
+QString itemUnder(const QString &name, const ScriptCommandPtr &command,
+                  const ApplicationInterface &application)
 {
     const QVariant value = command->evaluatedArguments().value(name);
     const QString path = value.typeId() == QMetaType::QUrl ? itempath::fromUrl(value.toUrl()) : QString();
@@ -72,7 +73,8 @@ void answer(const ScriptCommandPtr &command, const Look &look)
 }
 
 /// Suspends the command until the work has ended on a worker.
-void answerLater(const ScriptCommandPtr &command, const AppDelegate &application, std::function<Look()> work)
+void answerLater(const ScriptCommandPtr &command, const ApplicationInterface &application,
+                 std::function<Look()> work)
 {
     command->suspendExecution();
     application.host().workers.post([command, work = std::move(work)] { answer(command, work()); });
@@ -93,7 +95,7 @@ examine::Choices choicesOf(const MainWinController &document)
     return choices;
 }
 
-examine::Choices choicesOfNewDocument(const AppDelegate &application)
+examine::Choices choicesOfNewDocument(const ApplicationInterface &application)
 {
     const auto &preferences = application.host().preferences;
     DocumentControls controls;
@@ -109,11 +111,10 @@ examine::Choices choicesOfNewDocument(const AppDelegate &application)
     return choices;
 }
 
-Look run(const AppDelegate &application, const QStringList &arguments)
+Look run(const ApplicationInterface &application, const QStringList &arguments)
 {
     Look look;
-    const auto process =
-        application.host().launcher.process(application.configuration().examineProgram, arguments);
+    const auto process = application.host().launcher.process(application.examineProgram(), arguments);
     if (const auto launched = process->launch(); !launched)
         return {{}, launched.error()};
     QByteArray errorText;
@@ -131,12 +132,13 @@ Look run(const AppDelegate &application, const QStringList &arguments)
     return {{}, text.isEmpty() ? u"The item could not be looked at (status %1)."_s.arg(status) : text};
 }
 
-Look examineItem(const AppDelegate &application, const QString &item, const examine::Choices &choices)
+Look examineItem(const ApplicationInterface &application, const QString &item,
+                 const examine::Choices &choices)
 {
     return run(application, {u"--choices"_s, QString::fromUtf8(toJson(choices)), u"--"_s, item});
 }
 
-void answerExamination(const ScriptCommandPtr &command, const AppDelegate &application,
+void answerExamination(const ScriptCommandPtr &command, const ApplicationInterface &application,
                        const examine::Choices &choices)
 {
     const QString item = itemUnder(argument::at, command, application);
@@ -145,7 +147,7 @@ void answerExamination(const ScriptCommandPtr &command, const AppDelegate &appli
                     [&application, item, choices] { return examineItem(application, item, choices); });
 }
 
-void answerComparison(const ScriptCommandPtr &command, const AppDelegate &application)
+void answerComparison(const ScriptCommandPtr &command, const ApplicationInterface &application)
 {
     const QString old = itemUnder(argument::old, command, application);
     const QString recent = old.isEmpty() ? QString() : itemUnder(argument::recent, command, application);

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "examine/choices.h"
-#include "scripting/scriptcommand.h"
+#include "platform/scriptcommand.h"
 
-class AppDelegate;
+class ApplicationInterface;
 class MainWinController;
 
 namespace platform {
@@ -17,7 +17,7 @@ namespace examining {
 /// What a run of the document would be made with now. Main thread.
 [[nodiscard]] examine::Choices choicesOf(const MainWinController &document);
 /// What the first run of a new document would be made with.
-[[nodiscard]] examine::Choices choicesOfNewDocument(const AppDelegate &application);
+[[nodiscard]] examine::Choices choicesOfNewDocument(const ApplicationInterface &application);
 
 /// What the program answered.
 struct Look {
@@ -26,16 +26,16 @@ struct Look {
 };
 
 /// Runs the program with these arguments. Worker thread.
-[[nodiscard]] Look run(const AppDelegate &application, const QStringList &arguments);
+[[nodiscard]] Look run(const ApplicationInterface &application, const QStringList &arguments);
 /// Has it examine an item. Worker thread.
-[[nodiscard]] Look examineItem(const AppDelegate &application, const QString &item,
+[[nodiscard]] Look examineItem(const ApplicationInterface &application, const QString &item,
                                const examine::Choices &choices);
 
 /// Answers the command with the result of an examination, or with an error. Suspends it meanwhile. Main
 /// thread.
-void answerExamination(const ScriptCommandPtr &command, const AppDelegate &application,
+void answerExamination(const ScriptCommandPtr &command, const ApplicationInterface &application,
                        const examine::Choices &choices);
 /// The same for the comparison of the items under "old" and "new".
-void answerComparison(const ScriptCommandPtr &command, const AppDelegate &application);
+void answerComparison(const ScriptCommandPtr &command, const ApplicationInterface &application);
 
 } // namespace examining

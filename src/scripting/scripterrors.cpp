@@ -1,6 +1,6 @@
 #include "scripting/scripterrors.h"
 
-#include "scripting/scriptcommand.h"
+#include "platform/scriptcommand.h"
 
 #include <algorithm>
 #include <iterator>

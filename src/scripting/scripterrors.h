@@ -1,11 +1,14 @@
 #pragma once
 
+#include "document/applicationinterface.h"
+#include "platform/scriptcommand.h"
+#include "run/step.h"
+
 #include <QString>
 
-/// The numbers by which failures reach a script.
+/// The numbers by which failures reach a script, besides `scriptErrorGeneral`.
 inline constexpr qint64 scriptErrorReadOnly = -10003; ///< the property cannot be written
 inline constexpr qint64 scriptErrorArgument = 6; ///< an argument or a value was wrong
-inline constexpr qint64 scriptErrorGeneral = 7; ///< a failure that only the text explains
 inline constexpr qint64 scriptErrorBusy = 1199; ///< nothing was done; try again later
 inline constexpr qint64 scriptErrorNoDropDMG = 1202; ///< DropDMG was asked for and is not there
 inline constexpr qint64 scriptErrorNoConfiguration = 1203; ///< there is no such DropDMG configuration
@@ -14,18 +17,9 @@ inline constexpr qint64 scriptErrorWithdrawn = 1204; ///< the property is no lon
 /// Sets the error on the command that this thread executes, if there is one. A null text is none.
 void setScriptError(qint64 number, const QString &text = {});
 
-/// The informative text of most failures: the explanation is in the logs.
-inline constexpr QStringView seeTheLog = u"See the log for details.";
-
 /// The number that belongs to a failure's title; 7 for a title without one. The comparison is exact. Any
 /// thread.
 [[nodiscard]] qint64 errorNumberFromString(const QString &title);
 
 /// What a script is told about a failure.
-struct ScriptFailure {
-    qint64 number = scriptErrorGeneral;
-    QString text;
-    QString offendingText; ///< the log's full text, where it is too long for the error's; null otherwise
-};
-
 [[nodiscard]] ScriptFailure scriptFailure(const QString &title, const QString &text, const QString &logError);

@@ -1,6 +1,6 @@
 #include "signing/bundlescanner.h"
 
-#include "document/mainwincontroller.h"
+#include "run/run.h"
 
 using namespace Qt::StringLiterals;
 
@@ -11,8 +11,8 @@ const QString fileTool = u"/usr/bin/file"_s;
 /// Does to the copy what the walk decides.
 class CopyWatcher : public ScanWatcher {
 public:
-    CopyWatcher(MainWinController &owner, OrderedPathSet &signableSet, QSet<QString> &setToSubtract)
-        : document(owner)
+    CopyWatcher(Run &run, OrderedPathSet &signableSet, QSet<QString> &setToSubtract)
+        : m_run(run)
         , m_signableSet(signableSet)
         , m_setToSubtract(setToSubtract)
     {
@@ -20,7 +20,7 @@ public:
 
     bool isCode(const QString &file) override
     {
-        const auto response = document.runTool(fileTool, {u"-b"_s, file});
+        const auto response = m_run.tools.run(fileTool, {u"-b"_s, file});
         return response->status() == 0 && namesSignableCode(response->outputString());
     }
 
@@ -30,11 +30,11 @@ public:
     void passedOver(const QString &item, PassedOver reason) override
     {
         if (reason == PassedOver::leftover)
-            document.host().files.removeItem(item).ignore();
+            m_run.host.files.removeItem(item).ignore();
     }
 
 private:
-    MainWinController &document;
+    Run &m_run;
     OrderedPathSet &m_signableSet;
     QSet<QString> &m_setToSubtract;
 };
@@ -44,13 +44,13 @@ private:
 void BundleScanner::parseDirectory(const QString &directory, OrderedPathSet &signableSet,
                                    QSet<QString> &setToSubtract, const QStringList &arrayToPassOver)
 {
-    CopyWatcher watcher(document, signableSet, setToSubtract);
-    ScanDecisions(document.host().files, arrayToPassOver, watcher).parseDirectory(directory);
+    CopyWatcher watcher(m_run, signableSet, setToSubtract);
+    ScanDecisions(m_run.host.files, arrayToPassOver, watcher).parseDirectory(directory);
 }
 
 void BundleScanner::parseFramework(const QString &framework, OrderedPathSet &signableSet,
                                    QSet<QString> &setToSubtract, const QStringList &arrayToPassOver)
 {
-    CopyWatcher watcher(document, signableSet, setToSubtract);
-    ScanDecisions(document.host().files, arrayToPassOver, watcher).parseFramework(framework);
+    CopyWatcher watcher(m_run, signableSet, setToSubtract);
+    ScanDecisions(m_run.host.files, arrayToPassOver, watcher).parseFramework(framework);
 }

@@ -1,14 +1,15 @@
 #pragma once
 
-#include "document/documentextension.h"
 #include "signing/scandecisions.h"
+
+class Run;
 
 /// Carries out the walk over a working copy: asks the file tool what is code, and deletes leftovers. Worker
 /// thread; each test of a file for code is one tool run.
-class BundleScanner : private DocumentExtension {
+class BundleScanner {
 public:
-    explicit BundleScanner(MainWinController &owner)
-        : DocumentExtension(owner)
+    explicit BundleScanner(Run &run)
+        : m_run(run)
     {
     }
 
@@ -21,4 +22,7 @@ public:
     /// The same for a framework, in which each version folder is the thing that is signed.
     void parseFramework(const QString &framework, OrderedPathSet &signableSet, QSet<QString> &setToSubtract,
                         const QStringList &arrayToPassOver);
+
+private:
+    Run &m_run;
 };

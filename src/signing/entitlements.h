@@ -1,35 +1,23 @@
 #pragma once
 
-#include "document/documentextension.h"
+#include "platform/result.h"
+#include "run/step.h"
 
-#include <QString>
+#include <QUrl>
 #include <QVariantMap>
 
-#include <optional>
+namespace platform {
+class FileService;
+}
 
-struct DocumentControls;
+/// The entitlements that every signature of a run carries: those of the switches that are on and, over them,
+/// those of a property list of the user's, which is read anew each time. An empty URL is none.
+[[nodiscard]] platform::Result<QVariantMap>
+withExtraEntitlements(const QVariantMap &switchedOn, const QUrl &extra, const platform::FileService &files);
 
-/// The entitlements that every signature of a run carries: the document's settings and, over them, a property
-/// list of the user's.
-class Entitlements : private DocumentExtension {
-public:
-    explicit Entitlements(MainWinController &owner)
-        : DocumentExtension(owner)
-    {
-    }
+/// Writes the run's entitlements into the working folder. Worker thread.
+[[nodiscard]] StepResult saveEntitlementsDictionary(Run &run);
 
-    /// The dictionary for this run. The extra file is read anew each time; nothing after a failure, which has
-    /// been reported. Main thread, before the job starts.
-    [[nodiscard]] std::optional<QVariantMap> assembleEntitlements();
-
-    /// Writes the dictionary into the working folder. False after a failure that has been reported. Worker
-    /// thread.
-    [[nodiscard]] bool saveEntitlementsDictionary(const QVariantMap &entitlements);
-
-private:
-    std::optional<QVariantMap> extraEntitlements();
-    void reportExtraFailure(const QString &logError);
-};
-
-/// The keys whose settings are on, each with the value true.
-[[nodiscard]] QVariantMap entitlementsFromSettings(const DocumentControls &settings);
+namespace step {
+inline constexpr Step saveEntitlements{.name = u"Save entitlements", .work = &saveEntitlementsDictionary};
+}

@@ -1,27 +1,16 @@
 #pragma once
 
-#include "document/documentextension.h"
-
-#include <QString>
+#include "run/step.h"
 
 class SLWTaskResponse;
 
-/// Signs flat installer packages, which codesign cannot.
-class PackageSteps : private DocumentExtension {
-public:
-    explicit PackageSteps(MainWinController &owner)
-        : DocumentExtension(owner)
-    {
-    }
-
-    /// Signs the package in the working folder unless its signature is good already. False after a failure
-    /// that has been reported. Worker thread.
-    [[nodiscard]] bool checkPkgAndSignWithID(const QString &identity);
-
-private:
-    bool signPackage(const QString &identity);
-    bool replacePackage(const QString &signedPackage);
-};
+/// Signs the flat package in the working folder, which codesign cannot, unless its signature is good already.
+/// Worker thread.
+[[nodiscard]] StepResult checkPkgAndSign(Run &run);
 
 /// Whether the assessment of a package says that its signature is good.
 [[nodiscard]] bool hasUsableSignature(const SLWTaskResponse &assessment);
+
+namespace step {
+inline constexpr Step signPackage{.name = u"Check and sign package", .work = &checkPkgAndSign};
+}

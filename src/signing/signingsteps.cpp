@@ -1,15 +1,14 @@
 #include "signing/signingsteps.h"
 
-#include "app/preferencekeys.h"
-#include "document/documentextensions.h"
-#include "document/mainwincontroller.h"
-#include "document/workingfoldernames.h"
 #include "platform/fileservice.h"
 #include "platform/itempath.h"
 #include "platform/preferences.h"
+#include "run/preferencekeys.h"
+#include "run/run.h"
+#include "run/workingfoldernames.h"
+#include "signing/bundlescanner.h"
+#include "signing/signingarguments.h"
 #include "tools/failureline.h"
-
-#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -21,6 +20,73 @@ const QString codesignTool = u"/usr/bin/codesign"_s;
 constexpr unsigned readOnlyForAll = 0444;
 
 const QString signingError = u"Error Signing Code"_s;
+
+QString entitlementsPath(const Run &run)
+{
+    return run.folder.path(workingfolder::entitlementsName);
+}
+
+/// As the settings say at each use.
+signingarguments::CodesignOptions options(const Run &run)
+{
+    const auto &preferences = run.host.preferences;
+    return {.deep = preferences.boolean(key::prefCodesignDeep),
+            .force = preferences.boolean(key::prefCodesignForce)};
+}
+
+void lockScriptIn(Run &run, const QString &app)
+{
+    const QString script = app + u"/Contents/Resources/Scripts/main.scpt"_s;
+    if (!run.host.files.isReachable(script))
+        return;
+    const bool isLocked{run.host.files.setPermissions(script, readOnlyForAll)};
+    if (run.tools.logsToFile())
+        run.log.logToFile(u"Locking main.scpt: %1, result: %2"_s.arg(script, isLocked ? u"1"_s : u"0"_s));
+}
+
+QStringList membersInSigningOrder(Run &run)
+{
+    OrderedPathSet signableSet;
+    QSet<QString> setToSubtract;
+    BundleScanner(run).parseDirectory(run.itemPath(), signableSet, setToSubtract,
+                                      pathsToPassOver(run.itemPath(), run.inputs().skipPaths));
+    return signingOrder(signableSet, setToSubtract);
+}
+
+StepResult signMember(Run &run, const QString &item)
+{
+    if (itempath::lowerExtension(item) == "app"_L1)
+        lockScriptIn(run, item);
+    run.log.logBoldString(u"Signing '...%1'..."_s.arg(item.mid(run.itemPath().size())));
+    const auto response = run.tools.runAndLog(
+        codesignTool,
+        signingarguments::codesignMember(item, run.inputs().identity, entitlementsPath(run), options(run)));
+    if (response->status() != 0)
+        return Failure{signingError, memberFailureLine(*response, item)};
+    return Done{};
+}
+
+/// Without any test for a cancel between two members: where it finds no tool running, the next one is signed.
+StepResult signAll(Run &run, const QStringList &members)
+{
+    for (const QString &member : members) {
+        if (StepResult result = signMember(run, member); !std::holds_alternative<Done>(result))
+            return result;
+    }
+    return Done{};
+}
+
+StepResult signItem(Run &run, const QString &entitlements)
+{
+    run.log.logBoldString(u"Signing main file '%1'..."_s.arg(itempath::abbreviatedWithTilde(run.itemPath())));
+    const auto response =
+        run.tools.runAndLog(codesignTool,
+                            signingarguments::codesignMainFile(run.itemPath(), run.inputs().identity,
+                                                               entitlements, options(run)));
+    if (response->status() != 0)
+        return Failure{signingError, toolFailureLine(*response, u"in codesign"_s)};
+    return Done{};
+}
 
 } // namespace
 
@@ -36,106 +102,58 @@ QString memberFailureLine(const SLWTaskResponse &response, const QString &item)
     return toolFailureLine(response, u"signing '%1'"_s.arg(item));
 }
 
-QString SigningSteps::itemPath() const
+StepResult clearXattrs(Run &run)
 {
-    return itempath::fromUrl(document.appletURL());
-}
-
-QString SigningSteps::entitlementsPath() const
-{
-    return itempath::appending(itempath::folder(itemPath()), workingfolder::entitlementsName.toString());
-}
-
-signingarguments::CodesignOptions SigningSteps::options() const
-{
-    const auto &preferences = document.host().preferences;
-    return {.deep = preferences.boolean(key::prefCodesignDeep),
-            .force = preferences.boolean(key::prefCodesignForce)};
-}
-
-bool SigningSteps::clearXattrs()
-{
-    document.logBoldString(u"Clearing extended attributes..."_s);
-    const auto response = document.runAndLog(xattrTool, signingarguments::xattr(itemPath()));
+    run.log.logBoldString(u"Clearing extended attributes..."_s);
+    const auto response = run.tools.runAndLog(xattrTool, signingarguments::xattr(run.itemPath()));
     if (response->status() == 0)
-        return lockMainScpt();
-    document.reportFailureAndRename(u"Error Clearing Attributes"_s, xattrFailureLine(*response));
-    return false;
+        return lockMainScpt(run);
+    return Failure{u"Error Clearing Attributes"_s, xattrFailureLine(*response)};
 }
 
-bool SigningSteps::lockMainScpt()
+StepResult lockMainScpt(Run &run)
 {
-    lockScriptIn(itemPath());
-    return true;
+    lockScriptIn(run, run.itemPath());
+    return Done{};
 }
 
-void SigningSteps::lockScriptIn(const QString &app)
+StepResult codesignMembers(Run &run)
 {
-    auto &files = document.host().files;
-    const QString script = app + u"/Contents/Resources/Scripts/main.scpt"_s;
-    if (!files.isReachable(script))
-        return;
-    const bool isLocked{files.setPermissions(script, readOnlyForAll)};
-    if (document.loggingToFile())
-        document.logToFile(u"Locking main.scpt: %1, result: %2"_s.arg(script, isLocked ? u"1"_s : u"0"_s));
+    run.log.logBoldString(u"Examining contents..."_s);
+    QStringList members = membersInSigningOrder(run);
+    if (members.isEmpty())
+        return Failure{signingError, u"No signable items found."_s};
+    members.removeLast(); // whatever it is: where the item is a bundle, it is the item
+    return signAll(run, members);
 }
 
-bool SigningSteps::codesignMembersWithID(const QString &identity, bool skipMain)
+StepResult codesignAllMembers(Run &run)
 {
-    document.logBoldString(u"Examining contents..."_s);
-    QStringList members = membersInSigningOrder();
-    if (members.isEmpty()) {
-        document.reportFailureAndRename(signingError, u"No signable items found."_s);
-        return false;
-    }
-    if (skipMain)
-        members.removeLast(); // whatever it is: where the item is a bundle, it is the item
-    return std::all_of(members.cbegin(), members.cend(),
-                       [&](const QString &member) { return signMember(member, identity); });
+    run.log.logBoldString(u"Examining contents..."_s);
+    const QStringList members = membersInSigningOrder(run);
+    if (members.isEmpty())
+        return Failure{signingError, u"No signable items found."_s};
+    return signAll(run, members);
 }
 
-QStringList SigningSteps::membersInSigningOrder()
+StepResult codesignItem(Run &run)
 {
-    OrderedPathSet signableSet;
-    QSet<QString> setToSubtract;
-    document.steps().scanner.parseDirectory(itemPath(), signableSet, setToSubtract,
-                                            pathsToPassOver(itemPath(), document.skipPaths()));
-    return signingOrder(signableSet, setToSubtract);
+    return signItem(run, entitlementsPath(run));
 }
 
-bool SigningSteps::signMember(const QString &item, const QString &identity)
+StepResult codesignDiskImage(Run &run)
 {
-    if (itempath::lowerExtension(item) == "app"_L1)
-        lockScriptIn(item);
-    document.logBoldString(u"Signing '...%1'..."_s.arg(item.mid(itemPath().size())));
-    const auto response = document.runAndLog(
-        codesignTool, signingarguments::codesignMember(item, identity, entitlementsPath(), options()));
-    if (response->status() == 0)
-        return true;
-    document.reportFailureAndRename(signingError, memberFailureLine(*response, item));
-    return false;
+    return signItem(run, {});
 }
 
-bool SigningSteps::signAndCheckAppWithID(const QString &identity, bool needsEntitlements)
+bool wantsAssessment(Run &run)
 {
-    document.logBoldString(u"Signing main file '%1'..."_s.arg(itempath::abbreviatedWithTilde(itemPath())));
-    const QString entitlements = needsEntitlements ? entitlementsPath() : QString();
-    const auto response = document.runAndLog(
-        codesignTool, signingarguments::codesignMainFile(itemPath(), identity, entitlements, options()));
-    if (response->status() != 0) {
-        document.reportFailureAndRename(signingError, toolFailureLine(*response, u"in codesign"_s));
-        return false;
-    }
-    if (needsEntitlements && document.host().preferences.boolean(key::prefDoPostCodesignCheck)) {
-        document.beginStep(Step::checkSignature);
-        checkSignature();
-    }
-    return true;
+    return run.host.preferences.boolean(key::prefDoPostCodesignCheck);
 }
 
-void SigningSteps::checkSignature()
+StepResult assessSignature(Run &run)
 {
-    document.logBoldString(u"Checking code signature..."_s);
-    // What the assessment says is for the log file; it holds nothing up.
-    document.runAndLog(signingarguments::spctlTool, signingarguments::spctlExec(itemPath()));
+    run.log.logBoldString(u"Checking code signature..."_s);
+    run.tools.runAndLog(signingarguments::spctlTool, signingarguments::spctlExec(run.itemPath()));
+    return Done{};
 }

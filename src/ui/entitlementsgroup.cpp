@@ -1,8 +1,8 @@
 #include "ui/entitlementsgroup.h"
 
+#include "document/entitlementswitches.h"
 #include "document/mainwincontroller.h"
 #include "platform/itempath.h"
-#include "signing/entitlements.h"
 #include "ui/bindings.h"
 #include "ui/elidedlabel.h"
 #include "ui/settingrows.h"
@@ -17,58 +17,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 using Controls = DocumentControls;
-using Rows = QList<settingrows::CheckboxRow>;
-
-const Rows &resourceAccess()
-{
-    static const Rows rows{
-        {&Controls::eventsCheckbox, u"eventsCheckbox"_s, u"Apple events"_s, {}},
-        {&Controls::calendarsCheckbox, u"calendarsCheckbox"_s, u"Calendars"_s, {}},
-        {&Controls::audioCheckbox, u"audioCheckbox"_s, u"Audio input"_s, {}},
-        {&Controls::cameraCheckbox, u"cameraCheckbox"_s, u"Camera"_s, {}},
-        {&Controls::locationCheckbox, u"locationCheckbox"_s, u"Location"_s, {}},
-        {&Controls::photosCheckbox, u"photosCheckbox"_s, u"Photos library"_s, {}},
-        {&Controls::addressBookCheckbox, u"addressBookCheckbox"_s, u"Address book"_s, {}},
-    };
-    return rows;
-}
-
-const Rows &runtimeExceptions()
-{
-    static const Rows rows{
-        {&Controls::disableLibCheckbox, u"disableLibCheckbox"_s, u"Disable library validation"_s, {}},
-        {&Controls::allowJITCheckbox, u"allowJITCheckbox"_s, u"Allow JIT"_s, {}},
-        {&Controls::allowUnsignedExecMemCheckbox,
-         u"allowUnsignedExecMemCheckbox"_s,
-         u"Allow unsigned executable memory"_s,
-         {}},
-        {&Controls::allowDYLDEnvCheckbox,
-         u"allowDYLDEnvCheckbox"_s,
-         u"Allow DYLD environment variables"_s,
-         {}},
-        {&Controls::disableMemProtectionCheckbox,
-         u"disableMemProtectionCheckbox"_s,
-         u"Disable executable page protection"_s,
-         {}},
-    };
-    return rows;
-}
-
-const Rows &debugging()
-{
-    static const Rows rows{
-        {&Controls::isDebugToolCheckbox, u"isDebugToolCheckbox"_s, u"Debugging tool"_s, {}},
-    };
-    return rows;
-}
-
-/// The key that the checkbox puts into the entitlements.
-QString entitlementKey(Checkbox DocumentControls::*control)
-{
-    DocumentControls settings;
-    (settings.*control).setState(1);
-    return entitlementsFromSettings(settings).firstKey();
-}
+using Kind = EntitlementSwitch::Kind;
 
 /// One kind of entitlements, a heading over its checkboxes.
 class Column {
@@ -79,15 +28,17 @@ public:
     {
     }
 
-    void add(MainWinController &document, const QString &title, const Rows &rows)
+    void add(MainWinController &document, const QString &title, Kind kind)
     {
         QWidget *const parent = m_grid.parentWidget();
         auto *const heading = new QLabel(title, parent);
         heading->setForegroundRole(QPalette::PlaceholderText);
         m_grid.addWidget(heading, m_row++, m_column);
-        for (settingrows::CheckboxRow row : rows) {
-            row.toolTip = entitlementKey(row.control);
-            auto *const box = settingrows::makeCheckbox(parent, document, row);
+        for (const EntitlementSwitch &row : entitlementSwitches()) {
+            if (row.kind != kind)
+                continue;
+            auto *const box = settingrows::makeCheckbox(
+                parent, document, {row.control, row.controlName, row.label, row.entitlement});
             box->setAccessibleDescription(title);
             m_grid.addWidget(box, m_row++, m_column);
         }
@@ -116,10 +67,10 @@ EntitlementsGroup::EntitlementsGroup(MainWinController &document, QWidget *paren
 void EntitlementsGroup::addKinds(QGridLayout &grid)
 {
     Column left(grid, 0);
-    left.add(m_document, u"Resource access"_s, resourceAccess());
+    left.add(m_document, u"Resource access"_s, Kind::resourceAccess);
     Column right(grid, 1);
-    right.add(m_document, u"Hardened runtime exceptions"_s, runtimeExceptions());
-    right.add(m_document, u"Debugging"_s, debugging());
+    right.add(m_document, u"Hardened runtime exceptions"_s, Kind::runtimeException);
+    right.add(m_document, u"Debugging"_s, Kind::debugging);
     grid.setColumnStretch(1, 1);
 }
 

@@ -1,4 +1,6 @@
 #include "ui/outcome.h"
+#include "notarization/pollingsteps.h"
+#include "notarization/staplingsteps.h"
 
 #include "ui/steplistmodel.h"
 
@@ -37,13 +39,13 @@ RunOutcome failure(const StepList::Row &row, const LastWords &words)
 {
     const QString title = words.alertTitle.isEmpty() ? stepName(row.step) : words.alertTitle;
     const bool isRefused =
-        row.step == Step::awaitResult && words.errorLine.contains(refusal, Qt::CaseInsensitive);
+        row.step == step::awaitResult && words.errorLine.contains(refusal, Qt::CaseInsensitive);
     return {isRefused ? RunOutcome::Kind::refused : RunOutcome::Kind::failed, title, reasonOf(words)};
 }
 
 RunOutcome success(const StepList &steps, const LastWords &words)
 {
-    if (steps.rows().last().step == Step::staple)
+    if (steps.rows().last().step == step::staple)
         return {RunOutcome::Kind::notarized, u"Notarized"_s, words.item + u" is notarized and stapled."_s};
     return {RunOutcome::Kind::isSigned, u"Signed"_s, words.item + u" is signed."_s};
 }

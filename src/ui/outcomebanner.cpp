@@ -1,10 +1,10 @@
 #include "ui/outcomebanner.h"
 
 #include "document/mainwincontroller.h"
-#include "document/workingfoldernames.h"
 #include "platform/fileservice.h"
 #include "platform/itempath.h"
 #include "platform/workspace.h"
+#include "run/workingfoldernames.h"
 #include "ui/named.h"
 
 #include <QApplication>

@@ -1,6 +1,6 @@
 #include "ui/providernamesheet.h"
 
-#include "document/documentextensions.h"
+#include "document/documentcommands.h"
 #include "document/mainwincontroller.h"
 #include "ui/bindings.h"
 #include "ui/busybar.h"
@@ -61,12 +61,12 @@ ProviderNameSheet::ProviderNameSheet(MainWinController &document, QWidget *paren
 
 void ProviderNameSheet::accept()
 {
-    m_document.steps().providers.doProviderNameOK();
+    m_document.commands().providers.doProviderNameOK();
 }
 
 void ProviderNameSheet::reject()
 {
-    m_document.steps().providers.doProviderNameCancel();
+    m_document.commands().providers.doProviderNameCancel();
 }
 
 QWidget *ProviderNameSheet::makeWaitingPage()

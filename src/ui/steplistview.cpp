@@ -1,5 +1,8 @@
 #include "ui/steplistview.h"
 
+#include "notarization/archivesteps.h"
+#include "signing/entitlements.h"
+
 #include "ui/named.h"
 #include "ui/steplistmodel.h"
 #include "ui/steprowdelegate.h"
@@ -44,12 +47,12 @@ QSize StepListView::sizeFor(const QString &name, int rows) const
 
 QSize StepListView::sizeHint() const
 {
-    return sizeFor(stepName(Step::makeDiskImageWithDropDMG), usualRows); // the longest name
+    return sizeFor(stepName(step::makeDiskImageWithDropDMG), usualRows); // the longest name
 }
 
 QSize StepListView::minimumSizeHint() const
 {
-    const QString longestWord = stepName(Step::saveEntitlements).section(u' ', -1);
+    const QString longestWord = stepName(step::saveEntitlements).section(u' ', -1);
     return sizeFor(longestWord, fewestRows);
 }
 

@@ -1,6 +1,6 @@
 #include "ui/widgetwindow.h"
 
-#include "notarization/providernames.h"
+#include "document/providersheet.h"
 #include "ui/alertbox.h"
 #include "ui/framewindow.h"
 #include "ui/itempanel.h"

@@ -1,6 +1,7 @@
 // The application's scripting properties, over a real bus: nearly all are preferences.
 
 #include "dbus/scriptedproperties.h"
+#include "document/applicationinterface.h"
 
 #include "app/preferencekeys.h"
 

@@ -1,6 +1,7 @@
 // A document's properties that take only some values: the identity, the extra entitlements and DropDMG.
 
 #include "dbus/scriptedproperties.h"
+#include "document/applicationinterface.h"
 
 #include "app/preferencekeys.h"
 

@@ -1,8 +1,9 @@
 // A document's scripting properties, over a real bus: each is a control or a field of the live document.
 
 #include "dbus/scriptedproperties.h"
+#include "scripting/MainWinController+Scripting.h"
 
-#include "document/documentextensions.h"
+#include "document/documentcommands.h"
 
 using namespace Qt::StringLiterals;
 
@@ -247,7 +248,7 @@ TEST_F(DocumentProperties, noDocumentIsMadeWithAValueOfTheWrongType)
 TEST_F(DocumentProperties, aDocumentIsDescribedByItsTitle)
 {
     host.window().setTitle(u"Foo"_s);
-    EXPECT_EQ(host.document().steps().scripting.description(), u"MainWinController 'Foo'"_s);
+    EXPECT_EQ(MainWinControllerScripting(host.document()).description(), u"MainWinController 'Foo'"_s);
 }
 
 struct MissingRow {

@@ -1,8 +1,9 @@
 // Failures of workflows, as a script is told of them.
 
 #include "dbus/hostonbus.h"
+#include "document/applicationinterface.h"
 
-#include "document/documentextensions.h"
+#include "document/documentcommands.h"
 #include "platform/itempath.h"
 
 #include <QDBusVariant>
@@ -11,7 +12,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-struct Failure {
+struct FailureRow {
     const char *situation;
     QString command;
     std::function<void(TestHost &)> arrange;
@@ -32,7 +33,7 @@ void failOperation(TestHost &host, const QString &failing)
 
 } // namespace
 
-class ScriptFailures : public HostOnBus, public testing::WithParamInterface<Failure> { };
+class ScriptFailures : public HostOnBus, public testing::WithParamInterface<FailureRow> { };
 
 TEST_P(ScriptFailures, haveTheNumberOfTheirTitle)
 {
@@ -52,66 +53,66 @@ TEST_P(ScriptFailures, haveTheNumberOfTheirTitle)
 INSTANTIATE_TEST_SUITE_P(
     Of, ScriptFailures,
     testing::Values(
-        Failure{"theAppleID", u"SubmitForNotarizing"_s,
-                [](TestHost &host) { host.document().appleIDField.setStringValue({}); },
-                u"N1100 Missing Apple ID: "_s},
-        Failure{"thePassword", u"SubmitForNotarizing"_s,
-                [](TestHost &host) { host.document().appPassField.setStringValue({}); },
-                u"N1101 Missing Password: "_s},
-        Failure{"theIdentity", u"SignOnly"_s,
-                [](TestHost &host) {
-                    host.document().identitiesPopup.setItemTitles({noIdentitiesPlaceholder.toString()});
-                },
-                u"N1102 No Identities Found: "_s},
-        Failure{"theCredentials", u"SubmitForNotarizing"_s,
-                [](TestHost &host) { failTool(host, u"altool--notarization-history"_s); },
-                u"N1103 Cannot Continue: "_s},
-        Failure{"theWorkingFolder", u"SubmitForNotarizing"_s,
-                [](TestHost &host) { failOperation(host, u"createDirectory"_s); },
-                u"N1104 Cannot Create Working Folder: "_s},
-        Failure{"theCopyWhichHasNoNumber", u"SubmitForNotarizing"_s,
-                [](TestHost &host) { failOperation(host, u"copyItem"_s); }, u"N7 Cannot Copy "_s},
-        Failure{"theSigning", u"SignOnly"_s, [](TestHost &host) { failTool(host, u"codesign"_s); },
-                u"N1110 Error Signing Code: "_s},
-        Failure{"theArchive", u"SubmitForNotarizing"_s, [](TestHost &host) { failTool(host, u"ditto"_s); },
-                u"N1113 Error Making Archive: "_s},
-        Failure{"theUploadWhichHasNoNumber", u"SubmitForNotarizing"_s,
-                [](TestHost &host) { failTool(host, u"altool--notarize-app"_s); },
-                u"N7 Error Uploading File: "_s},
-        Failure{"theRequest", u"SubmitForNotarizing"_s,
-                [](TestHost &host) { host.tools.answer(u"altool--notarize-app"_s, {.output = "none"}); },
-                u"N1115 No RequestUUID Returned: "_s},
-        Failure{"theVerdict", u"SubmitForNotarizing"_s,
-                [](TestHost &host) {
-                    host.tools.answer(u"altool--notarization-info"_s,
-                                      {.output = FakeTools::infoReport(u"invalid"_s)});
-                },
-                u"N1117 Notarization Failed: "_s},
-        Failure{"theStapling", u"SubmitForNotarizing"_s, [](TestHost &host) { failTool(host, u"stapler"_s); },
-                u"N1200 Stapling Failed: "_s},
-        Failure{"theAssessmentThatFails", u"StapleOnly"_s, [](TestHost &host) { failTool(host, u"spctl"_s); },
-                u"N1112 Error Verifying Signing: "_s},
-        Failure{"theAssessmentThatRejects", u"StapleOnly"_s,
-                [](TestHost &host) { host.tools.answer(u"spctl"_s, {.error = "Foo.app: rejected\n"}); },
-                u"N1119 Error Verifying Code Signing: "_s},
-        Failure{"theHistory", u"FetchHistory"_s,
-                [](TestHost &host) { failTool(host, u"altool--notarization-history"_s); },
-                u"N1120 Cannot Fetch History: "_s},
-        Failure{"theAppleIDOfAHistory", u"FetchHistory"_s,
-                [](TestHost &host) { host.document().appleIDField.setStringValue({}); },
-                u"N1100 Missing Apple ID: "_s},
-        Failure{"thePasswordOfAHistory", u"FetchHistory"_s,
-                [](TestHost &host) { host.document().appPassField.setStringValue({}); },
-                u"N1101 Missing Password: "_s},
-        Failure{"theFocusOfAHistory", u"FetchHistory"_s,
-                [](TestHost &host) { host.window().refusesToGiveUpFocus = true; },
-                u"N7 Inteface is blocked."_s},
-        Failure{"theFocusOfASubmission", u"SubmitForNotarizing"_s,
-                [](TestHost &host) { host.window().refusesToGiveUpFocus = true; },
-                u"N7 Inteface is blocked."_s},
-        Failure{"theFocusOfAStapling", u"StapleOnly"_s,
-                [](TestHost &host) { host.window().refusesToGiveUpFocus = true; },
-                u"N7 Interface is blocked."_s}),
+        FailureRow{"theAppleID", u"SubmitForNotarizing"_s,
+                   [](TestHost &host) { host.document().appleIDField.setStringValue({}); },
+                   u"N1100 Missing Apple ID: "_s},
+        FailureRow{"thePassword", u"SubmitForNotarizing"_s,
+                   [](TestHost &host) { host.document().appPassField.setStringValue({}); },
+                   u"N1101 Missing Password: "_s},
+        FailureRow{"theIdentity", u"SignOnly"_s,
+                   [](TestHost &host) {
+                       host.document().identitiesPopup.setItemTitles({noIdentitiesPlaceholder.toString()});
+                   },
+                   u"N1102 No Identities Found: "_s},
+        FailureRow{"theCredentials", u"SubmitForNotarizing"_s,
+                   [](TestHost &host) { failTool(host, u"altool--notarization-history"_s); },
+                   u"N1103 Cannot Continue: "_s},
+        FailureRow{"theWorkingFolder", u"SubmitForNotarizing"_s,
+                   [](TestHost &host) { failOperation(host, u"createDirectory"_s); },
+                   u"N1104 Cannot Create Working Folder: "_s},
+        FailureRow{"theCopyWhichHasNoNumber", u"SubmitForNotarizing"_s,
+                   [](TestHost &host) { failOperation(host, u"copyItem"_s); }, u"N7 Cannot Copy "_s},
+        FailureRow{"theSigning", u"SignOnly"_s, [](TestHost &host) { failTool(host, u"codesign"_s); },
+                   u"N1110 Error Signing Code: "_s},
+        FailureRow{"theArchive", u"SubmitForNotarizing"_s, [](TestHost &host) { failTool(host, u"ditto"_s); },
+                   u"N1113 Error Making Archive: "_s},
+        FailureRow{"theUploadWhichHasNoNumber", u"SubmitForNotarizing"_s,
+                   [](TestHost &host) { failTool(host, u"altool--notarize-app"_s); },
+                   u"N7 Error Uploading File: "_s},
+        FailureRow{"theRequest", u"SubmitForNotarizing"_s,
+                   [](TestHost &host) { host.tools.answer(u"altool--notarize-app"_s, {.output = "none"}); },
+                   u"N1115 No RequestUUID Returned: "_s},
+        FailureRow{"theVerdict", u"SubmitForNotarizing"_s,
+                   [](TestHost &host) {
+                       host.tools.answer(u"altool--notarization-info"_s,
+                                         {.output = FakeTools::infoReport(u"invalid"_s)});
+                   },
+                   u"N1117 Notarization Failed: "_s},
+        FailureRow{"theStapling", u"SubmitForNotarizing"_s,
+                   [](TestHost &host) { failTool(host, u"stapler"_s); }, u"N1200 Stapling Failed: "_s},
+        FailureRow{"theAssessmentThatFails", u"StapleOnly"_s,
+                   [](TestHost &host) { failTool(host, u"spctl"_s); }, u"N1112 Error Verifying Signing: "_s},
+        FailureRow{"theAssessmentThatRejects", u"StapleOnly"_s,
+                   [](TestHost &host) { host.tools.answer(u"spctl"_s, {.error = "Foo.app: rejected\n"}); },
+                   u"N1119 Error Verifying Code Signing: "_s},
+        FailureRow{"theHistory", u"FetchHistory"_s,
+                   [](TestHost &host) { failTool(host, u"altool--notarization-history"_s); },
+                   u"N1120 Cannot Fetch History: "_s},
+        FailureRow{"theAppleIDOfAHistory", u"FetchHistory"_s,
+                   [](TestHost &host) { host.document().appleIDField.setStringValue({}); },
+                   u"N1100 Missing Apple ID: "_s},
+        FailureRow{"thePasswordOfAHistory", u"FetchHistory"_s,
+                   [](TestHost &host) { host.document().appPassField.setStringValue({}); },
+                   u"N1101 Missing Password: "_s},
+        FailureRow{"theFocusOfAHistory", u"FetchHistory"_s,
+                   [](TestHost &host) { host.window().refusesToGiveUpFocus = true; },
+                   u"N7 Inteface is blocked."_s},
+        FailureRow{"theFocusOfASubmission", u"SubmitForNotarizing"_s,
+                   [](TestHost &host) { host.window().refusesToGiveUpFocus = true; },
+                   u"N7 Inteface is blocked."_s},
+        FailureRow{"theFocusOfAStapling", u"StapleOnly"_s,
+                   [](TestHost &host) { host.window().refusesToGiveUpFocus = true; },
+                   u"N7 Interface is blocked."_s}),
     [](const auto &row) { return std::string(row.param.situation); });
 
 TEST_F(HostOnBus, aPersonsRunThatFailsIsNoErrorOfTheScriptThatCameBefore)
@@ -120,7 +121,7 @@ TEST_F(HostOnBus, aPersonsRunThatFailsIsNoErrorOfTheScriptThatCameBefore)
     const auto stale = host.document().currentCommand();
     failTool(host, u"altool--notarization-history"_s);
     appURL();
-    host.document().steps().submit.doSubmit();
+    host.document().commands().submit.doSubmit();
     host.window().choose(itempath::toUrl(host.item(u"Foo.app"_s)));
     host.settle();
     EXPECT_EQ(host.window().sheets.last().messageText, u"Cannot Continue"_s);

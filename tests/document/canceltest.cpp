@@ -1,9 +1,9 @@
 // Cancelling, at every stage of a submission.
 
-#include "document/documentextensions.h"
+#include "document/documentcommands.h"
 #include "document/mainwincontroller.h"
 #include "platform/itempath.h"
-#include "scripting/scriptcommand.h"
+#include "platform/scriptcommand.h"
 #include "support/steptest.h"
 
 using namespace Qt::StringLiterals;
@@ -31,7 +31,7 @@ protected:
     {
         answer.hangs = true;
         host.tools.answer(tool, answer);
-        steps().submit.doSubmit();
+        commands().submit.doSubmit();
         host.window().choose(itempath::toUrl(host.item(u"Foo.app"_s)));
         host.runUntil([this, tool] { return host.tools.order().contains(tool); });
     }
@@ -189,7 +189,7 @@ TEST_F(Cancel, tellsAScriptItsNumberAndText)
     document().currentCommand.set(std::make_shared<ScriptCommand>(
         QVariantMap(), [&reply](const ScriptReply &given) { reply = given; }));
     document().suppressDialogs.set(true);
-    steps().submit.scriptedSubmit(itempath::toUrl(host.item(u"Foo.app"_s)));
+    commands().submit.scriptedSubmit(itempath::toUrl(host.item(u"Foo.app"_s)));
     host.settle();
     document().doCancel();
     EXPECT_EQ(reply.errorNumber, 1118);

@@ -1,7 +1,7 @@
 // What a document says to the closing of its window.
 
 #include "app/appdelegate.h"
-#include "document/documentextensions.h"
+#include "document/documentcommands.h"
 #include "platform/itempath.h"
 #include "support/steptest.h"
 
@@ -143,7 +143,7 @@ TEST_F(CloseWindow, whilePollingKeepsTheTimerOnCancel)
 TEST_F(CloseWindow, duringAnUploadLetsTheToolGoOn)
 {
     host.tools.answer(u"altool--notarize-app"_s, {.output = FakeTools::uploadReply(), .hangs = true});
-    steps().submit.submitURL(itempath::toUrl(host.item(u"Foo.app"_s)));
+    commands().submit.submitURL(itempath::toUrl(host.item(u"Foo.app"_s)));
     host.runUntil([this] { return host.tools.order().contains(u"altool--notarize-app"_s); });
     const SLWTaskMasterPtr runner = document().uploadTaskRunner();
     host.window().performClose();

@@ -1,9 +1,9 @@
 // The one exit of every workflow that fails.
 
-#include "document/documentextensions.h"
+#include "document/documentcommands.h"
 #include "document/mainwincontroller.h"
 #include "platform/itempath.h"
-#include "scripting/scriptcommand.h"
+#include "platform/scriptcommand.h"
 #include "scripting/scripterrors.h"
 #include "support/testhost.h"
 

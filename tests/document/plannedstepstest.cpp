@@ -1,15 +1,27 @@
 // Which steps a run has, by the kind of its item and by the settings.
 
-#include "document/plannedsteps.h"
-
+#include "document/steplist.h"
+#include "notarization/archivesteps.h"
+#include "notarization/credentialcheck.h"
+#include "notarization/pollingsteps.h"
+#include "notarization/stapleonlyworkflow.h"
+#include "notarization/staplingsteps.h"
 #include "notarization/submitworkflow.h"
+#include "notarization/uploadstep.h"
+#include "run/item.h"
+#include "run/workingcopy.h"
+#include "signing/entitlements.h"
+#include "signing/packagesteps.h"
+#include "signing/signingsteps.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
-using enum Step;
+using namespace step;
 
 struct SubmitRow {
     const char *name;
@@ -29,6 +41,21 @@ struct SignOnlyRow {
 
 class SignOnlySteps : public testing::TestWithParam<SignOnlyRow> { };
 
+QList<Step> submitSteps(ItemKind kind, const StepOptions &options)
+{
+    return planOf(submitWorkflow(kind, options));
+}
+
+QList<Step> signOnlySteps(bool isApp, const StepOptions &options)
+{
+    return planOf(signOnlyWorkflow(Item(isApp ? u"/P/Foo.app"_s : u"/P/Foo"_s), options));
+}
+
+QList<Step> stapleOnlySteps()
+{
+    return planOf(stapleOnlyWorkflow());
+}
+
 const auto nameOfRow = [](const auto &row) { return row.param.name; };
 
 } // namespace
@@ -43,50 +70,51 @@ TEST_P(SubmitSteps, areThoseOfTheKind)
 INSTANTIATE_TEST_SUITE_P(
     Kinds, SubmitSteps,
     testing::Values(
-        SubmitRow{
-            "app",
-            ItemKind::app,
-            {},
-            {saveEntitlements, clearAttributes, lockScript, signContents, signMainFile, makeZipArchive}},
+        SubmitRow{"app",
+                  ItemKind::app,
+                  {},
+                  {saveEntitlements, clearAttributes, lockScript, signContents, signMainFile,
+                   step::makeZipArchive}},
         SubmitRow{"plugin",
                   ItemKind::plugin,
                   {},
-                  {saveEntitlements, clearAttributes, signContents, signMainFile, makeZipArchive}},
+                  {saveEntitlements, clearAttributes, signContents, signMainFile, step::makeZipArchive}},
         SubmitRow{"fmplugin",
                   ItemKind::fmplugin,
                   {},
-                  {saveEntitlements, clearAttributes, signContents, signMainFile, makeZipArchive}},
+                  {saveEntitlements, clearAttributes, signContents, signMainFile, step::makeZipArchive}},
         SubmitRow{"package", ItemKind::pkg, {}, {signPackage}},
         SubmitRow{"diskImage", ItemKind::dmg, {}, {signMainFile, findIdentifier}},
-        SubmitRow{"appInADiskImage",
-                  ItemKind::app,
-                  {.archive = makeDiskImage},
-                  {saveEntitlements, clearAttributes, lockScript, signContents, signMainFile, makeDiskImage}},
+        SubmitRow{
+            "appInADiskImage",
+            ItemKind::app,
+            {.archive = ArchiveKind::diskImage},
+            {saveEntitlements, clearAttributes, lockScript, signContents, signMainFile, step::makeDiskImage}},
         SubmitRow{"appInADiskImageByDropDMG",
                   ItemKind::app,
-                  {.archive = makeDiskImageWithDropDMG},
+                  {.archive = ArchiveKind::diskImageByDropDMG},
                   {saveEntitlements, clearAttributes, lockScript, signContents, signMainFile,
-                   makeDiskImageWithDropDMG}},
+                   step::makeDiskImageWithDropDMG}},
         SubmitRow{"appWithoutItsContents",
                   ItemKind::app,
                   {.signsContents = false},
-                  {saveEntitlements, clearAttributes, lockScript, signMainFile, makeZipArchive}},
+                  {saveEntitlements, clearAttributes, lockScript, signMainFile, step::makeZipArchive}},
         SubmitRow{"pluginWithoutItsContents",
                   ItemKind::plugin,
                   {.signsContents = false},
-                  {saveEntitlements, clearAttributes, signMainFile, makeZipArchive}},
+                  {saveEntitlements, clearAttributes, signMainFile, step::makeZipArchive}},
         SubmitRow{"appToBeAssessed",
                   ItemKind::app,
                   {.checksSignature = true},
                   {saveEntitlements, clearAttributes, lockScript, signContents, signMainFile, checkSignature,
-                   makeZipArchive}},
+                   step::makeZipArchive}},
         SubmitRow{"packageWhateverTheSettings",
                   ItemKind::pkg,
-                  {.signsContents = false, .checksSignature = true, .archive = makeDiskImage},
+                  {.signsContents = false, .checksSignature = true, .archive = ArchiveKind::diskImage},
                   {signPackage}},
         SubmitRow{"diskImageWhateverTheSettings",
                   ItemKind::dmg,
-                  {.signsContents = false, .checksSignature = true, .archive = makeDiskImage},
+                  {.signsContents = false, .checksSignature = true, .archive = ArchiveKind::diskImage},
                   {signMainFile, findIdentifier}}),
     nameOfRow);
 
@@ -126,8 +154,11 @@ TEST(StapleOnlySteps, areTheAssessmentAndTheStapling)
 TEST(StepNames, areThereAndAllDifferent)
 {
     QStringList names;
-    for (int step = int(checkCredentials); step <= int(staple); ++step)
-        names.append(stepName(Step(step)));
+    for (const Step &step :
+         {checkCredentials, makeWorkingCopy, signPackage, saveEntitlements, clearAttributes, lockScript,
+          signContents, signMainFile, checkSignature, findIdentifier, step::makeZipArchive,
+          step::makeDiskImage, step::makeDiskImageWithDropDMG, upload, awaitResult, staple})
+        names.append(stepName(step));
     EXPECT_FALSE(names.contains(QString()));
     EXPECT_EQ(names.removeDuplicates(), 0);
 }

@@ -16,7 +16,7 @@ protected:
         document().submitFilePath.set(host.item(u"Foo - Working/Foo.zip"_s));
     }
 
-    void rename(const QString &suffix) { document().renameWorkingFolderWith(suffix); }
+    void rename(const QString &suffix) { steps().folder.renameTo(suffix); }
 
     void failAt(const QStringList &operations)
     {
@@ -110,7 +110,7 @@ TEST_F(Renaming, thatCanMoveNothingAwayLeavesBothFolders)
 TEST_F(Original, movesIntoAFolderOfItsOwn)
 {
     const QByteArray original = items::fingerprint(host.item(u"Foo.app"_s));
-    document().moveOriginalIntoWorkingFolder();
+    steps().folder.moveOriginalIn();
     EXPECT_EQ(host.listing(), QStringList{u"Foo - Working"_s});
     EXPECT_EQ(items::fingerprint(host.item(u"Foo - Working/Foo - Unmodified Original/Foo.app"_s)), original);
     EXPECT_EQ(document().originalAppletURL(), itempath::toUrl(host.item(u"Foo.app"_s)));
@@ -119,7 +119,7 @@ TEST_F(Original, movesIntoAFolderOfItsOwn)
 TEST_F(Original, thatHasGoneLeavesNoFolder)
 {
     ASSERT_TRUE(host.files.removeItem(host.item(u"Foo.app"_s)));
-    document().moveOriginalIntoWorkingFolder();
+    steps().folder.moveOriginalIn();
     EXPECT_FALSE(host.listing(u"Foo - Working"_s).contains(u"Foo - Unmodified Original"_s));
 }
 
@@ -127,7 +127,7 @@ TEST_F(Original, thatCannotBeMovedStaysAndTheFolderForItGoes)
 {
     const QByteArray original = items::fingerprint(host.item(u"Foo.app"_s));
     failAt({u"moveItem"_s});
-    document().moveOriginalIntoWorkingFolder();
+    steps().folder.moveOriginalIn();
     EXPECT_EQ(items::fingerprint(host.item(u"Foo.app"_s)), original);
     EXPECT_FALSE(host.listing(u"Foo - Working"_s).contains(u"Foo - Unmodified Original"_s));
 }
@@ -136,7 +136,7 @@ TEST_F(Original, staysWhereNoFolderForItCanBeMade)
 {
     const QByteArray original = items::fingerprint(host.item(u"Foo.app"_s));
     failAt({u"createDirectory"_s});
-    document().moveOriginalIntoWorkingFolder();
+    steps().folder.moveOriginalIn();
     EXPECT_EQ(items::fingerprint(host.item(u"Foo.app"_s)), original);
     EXPECT_EQ(host.listing(), (QStringList{u"Foo - Working"_s, u"Foo.app"_s}));
 }

@@ -1,6 +1,7 @@
 // Documents whose notary tool is too old for a runner of their own.
 
 #include "document/mainwincontroller.h"
+#include "support/singlesteps.h"
 #include "support/testhost.h"
 
 #include <gtest/gtest.h>
@@ -28,7 +29,7 @@ protected:
     void startHangingTool()
     {
         host.tools.answer(u"xattr"_s, {.output = "a's text", .hangs = true});
-        a->dispatchToWorker([this] { answerOfA = a->runTool(xattr, {}); });
+        a->dispatchToWorker([this] { answerOfA = SingleSteps(*a).tools.run(xattr, {}); });
         host.runUntil([this] { return !host.tools.calls().isEmpty(); });
     }
 
@@ -50,7 +51,7 @@ TEST_F(TwoDocuments, ofVersionThreeTakeTurns)
     std::atomic<bool> isAtTheRunner = false;
     b->dispatchToWorker([&] {
         isAtTheRunner = true;
-        answerOfB = b->runTool(ditto, {host.item(u"x"_s)});
+        answerOfB = SingleSteps(*b).tools.run(ditto, {host.item(u"x"_s)});
     });
     host.runUntil([&isAtTheRunner] { return isAtTheRunner.load(); });
     EXPECT_EQ(host.tools.order(), QStringList{u"xattr"_s});
@@ -67,7 +68,7 @@ TEST_F(TwoDocuments, ofVersionThreeUploadBesideAnothersTool)
     EXPECT_EQ(a->uploadTaskRunner(), b->uploadTaskRunner());
     EXPECT_NE(a->uploadTaskRunner(), a->taskRunner());
     startHangingTool();
-    b->dispatchToWorker([this] { answerOfB = b->runAltool(b->uploadTaskRunner(), {u"--notarize-app"_s}); });
+    b->dispatchToWorker([this] { answerOfB = SingleSteps(*b).tools.upload({u"--notarize-app"_s}); });
     host.runUntil([this] { return host.tools.order().contains(u"altool--notarize-app"_s); });
     EXPECT_NE(a->taskRunner()->currentTask(), nullptr) << "the first one's tool still runs";
     host.tools.release(u"xattr"_s);
@@ -83,7 +84,7 @@ TEST_F(TwoDocuments, ofVersionThreeCancelOnlyTheirOwnRuns)
     host.tools.release(u"xattr"_s);
     host.settle();
     EXPECT_EQ(answerOfA->status(), 0);
-    b->dispatchToWorker([this] { answerOfB = b->runTool(ditto, {host.item(u"x"_s)}); });
+    b->dispatchToWorker([this] { answerOfB = SingleSteps(*b).tools.run(ditto, {host.item(u"x"_s)}); });
     host.settle();
     EXPECT_EQ(answerOfB->status(), 1001);
     EXPECT_EQ(host.tools.order(), QStringList{u"xattr"_s});
@@ -94,7 +95,7 @@ TEST_F(TwoDocuments, ofVersionFourRunSideBySide)
     launchWithVersion("4.0.1");
     EXPECT_NE(a->taskRunner(), b->taskRunner());
     startHangingTool();
-    b->dispatchToWorker([this] { answerOfB = b->runTool(ditto, {host.item(u"x"_s)}); });
+    b->dispatchToWorker([this] { answerOfB = SingleSteps(*b).tools.run(ditto, {host.item(u"x"_s)}); });
     host.runUntil([this] { return host.tools.order().contains(u"ditto"_s); });
     EXPECT_NE(a->taskRunner()->currentTask(), nullptr);
     host.tools.release(u"xattr"_s);

@@ -1,6 +1,7 @@
 // The list of a run's steps by itself, on a clock that a test sets.
 
 #include "document/steplist.h"
+#include "support/allsteps.h"
 
 #include "support/fakehost.h"
 #include "support/steprows.h"
@@ -14,7 +15,7 @@ protected:
     StepListTest()
     {
         QObject::connect(&steps, &Observable::changed, &steps, [this] { ++changes; });
-        steps.plan({Step::signMainFile, Step::upload, Step::awaitResult, Step::staple});
+        steps.plan({step::signMainFile, step::upload, step::awaitResult, step::staple});
         changes = 0;
     }
 
@@ -38,26 +39,26 @@ TEST_F(StepListTest, aPlannedStepWaits)
 
 TEST_F(StepListTest, aStepThatBeginsRunsAndTheOneBeforeItIsDone)
 {
-    steps.begin(Step::signMainFile);
+    steps.begin(step::signMainFile);
     EXPECT_EQ(stepRows(steps).first(), u"Sign main file: running"_s);
     EXPECT_EQ(changes, 1);
-    steps.begin(Step::upload);
+    steps.begin(step::upload);
     EXPECT_EQ(stepRows(steps).mid(0, 3),
               (QStringList{u"Sign main file: done"_s, u"Upload to Apple: running"_s,
                            u"Wait for Apple's result: waiting"_s}));
     ASSERT_TRUE(steps.running());
-    EXPECT_EQ(steps.running()->step, Step::upload);
+    EXPECT_EQ(steps.running()->step, step::upload);
     EXPECT_EQ(changes, 2);
 }
 
 TEST_F(StepListTest, aStepTakesWhatTheClockSays)
 {
     const QDateTime beginning = clock.time;
-    steps.begin(Step::signMainFile);
+    steps.begin(step::signMainFile);
     EXPECT_EQ(duration(0), 0);
     pass(75);
     EXPECT_EQ(duration(0), 75) << "so far";
-    steps.begin(Step::upload);
+    steps.begin(step::upload);
     pass(5);
     EXPECT_EQ(duration(0), 75) << "for good";
     EXPECT_EQ(duration(1), 5);
@@ -68,14 +69,14 @@ TEST_F(StepListTest, aStepTakesWhatTheClockSays)
 
 TEST_F(StepListTest, aStepTakesNoLessThanNothingWhereTheClockIsSetBack)
 {
-    steps.begin(Step::signMainFile);
+    steps.begin(step::signMainFile);
     pass(-3600);
     EXPECT_EQ(duration(0), 0);
 }
 
 TEST_F(StepListTest, anEndThatWorkedLeavesTheRunningStepDone)
 {
-    steps.begin(Step::staple);
+    steps.begin(step::staple);
     pass(3);
     steps.finish(StepState::done);
     EXPECT_EQ(stepRows(steps).last(), u"Staple: done"_s);
@@ -85,8 +86,8 @@ TEST_F(StepListTest, anEndThatWorkedLeavesTheRunningStepDone)
 
 TEST_F(StepListTest, aFailureIsTheRunningStepsAndWhatFollowsIsSkipped)
 {
-    steps.begin(Step::signMainFile);
-    steps.begin(Step::upload);
+    steps.begin(step::signMainFile);
+    steps.begin(step::upload);
     pass(9);
     steps.finish(StepState::failed);
     EXPECT_EQ(stepRows(steps),
@@ -97,7 +98,7 @@ TEST_F(StepListTest, aFailureIsTheRunningStepsAndWhatFollowsIsSkipped)
 
 TEST_F(StepListTest, ofTheEndingsOfOneRunTheFirstCounts)
 {
-    steps.begin(Step::upload);
+    steps.begin(step::upload);
     steps.finish(StepState::cancelled);
     pass(4);
     steps.finish(StepState::failed);
@@ -108,15 +109,15 @@ TEST_F(StepListTest, ofTheEndingsOfOneRunTheFirstCounts)
 
 TEST_F(StepListTest, aStepThatTheRunPassesByIsSkipped)
 {
-    steps.begin(Step::upload);
+    steps.begin(step::upload);
     EXPECT_EQ(stepRows(steps).first(), u"Sign main file: skipped"_s);
 }
 
 TEST_F(StepListTest, aStepThatBeginsThoughTheRunWasCancelledRunsAllTheSame)
 {
-    steps.begin(Step::signMainFile);
+    steps.begin(step::signMainFile);
     steps.finish(StepState::cancelled);
-    steps.begin(Step::upload);
+    steps.begin(step::upload);
     EXPECT_EQ(stepRows(steps).mid(0, 2),
               (QStringList{u"Sign main file: cancelled"_s, u"Upload to Apple: running"_s}));
     steps.finish(StepState::done);
@@ -126,22 +127,22 @@ TEST_F(StepListTest, aStepThatBeginsThoughTheRunWasCancelledRunsAllTheSame)
 
 TEST_F(StepListTest, aStepThatWasNotPlannedIsPutWhereTheRunStands)
 {
-    steps.begin(Step::signMainFile);
-    steps.begin(Step::checkSignature);
+    steps.begin(step::signMainFile);
+    steps.begin(step::checkSignature);
     EXPECT_EQ(stepRows(steps).mid(0, 3),
               (QStringList{u"Sign main file: done"_s, u"Check code signature: running"_s,
                            u"Upload to Apple: waiting"_s}));
-    steps.begin(Step::upload);
+    steps.begin(step::upload);
     steps.finish(StepState::done);
-    steps.begin(Step::findIdentifier);
+    steps.begin(step::findIdentifier);
     EXPECT_EQ(stepRows(steps).last(), u"Find bundle identifier: running"_s);
 }
 
 TEST_F(StepListTest, aNewRunBeginsANewList)
 {
-    steps.begin(Step::signMainFile);
+    steps.begin(step::signMainFile);
     steps.pollIn(30, 0);
-    steps.plan({Step::checkSignature, Step::staple});
+    steps.plan({step::checkSignature, step::staple});
     EXPECT_EQ(stepRows(steps), (QStringList{u"Check code signature: waiting"_s, u"Staple: waiting"_s}));
     EXPECT_FALSE(steps.wait());
     EXPECT_EQ(changes, 3);
@@ -149,7 +150,7 @@ TEST_F(StepListTest, aNewRunBeginsANewList)
 
 TEST_F(StepListTest, theWaitTellsTheNextPollAndWhatTheOnesBeforeItBrought)
 {
-    steps.begin(Step::awaitResult);
+    steps.begin(step::awaitResult);
     EXPECT_FALSE(steps.wait());
     steps.pollIn(30, 0);
     ASSERT_TRUE(steps.wait());
@@ -168,11 +169,11 @@ TEST_F(StepListTest, theWaitTellsTheNextPollAndWhatTheOnesBeforeItBrought)
 
 TEST_F(StepListTest, theWaitEndsWithItsStep)
 {
-    steps.begin(Step::awaitResult);
+    steps.begin(step::awaitResult);
     steps.pollIn(30, 0);
-    steps.begin(Step::staple);
+    steps.begin(step::staple);
     EXPECT_FALSE(steps.wait());
-    steps.begin(Step::awaitResult);
+    steps.begin(step::awaitResult);
     steps.pollIn(30, 0);
     steps.finish(StepState::cancelled);
     EXPECT_FALSE(steps.wait());
@@ -180,7 +181,7 @@ TEST_F(StepListTest, theWaitEndsWithItsStep)
 
 TEST_F(StepListTest, aPollOfARunThatIsOverIsNotWaitedFor)
 {
-    steps.begin(Step::awaitResult);
+    steps.begin(step::awaitResult);
     steps.finish(StepState::cancelled);
     changes = 0;
     steps.pollIn(30, 0);

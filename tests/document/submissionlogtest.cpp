@@ -2,8 +2,9 @@
 
 #include "app/preferencekeys.h"
 #include "document/mainwincontroller.h"
-#include "scripting/scriptcommand.h"
+#include "platform/scriptcommand.h"
 #include "support/items.h"
+#include "support/singlesteps.h"
 #include "support/testhost.h"
 
 #include <gtest/gtest.h>
@@ -170,7 +171,8 @@ TEST_F(SubmissionLog, aToolsReportIsOneEntryOfTheFile)
 {
     openLog();
     host.tools.answer(u"xattr"_s, {.status = 2, .output = "one\ntwo\n"});
-    document().dispatchToWorker([this] { (void)document().runAndLog(u"/usr/bin/xattr"_s, {u"-c"_s}); });
+    document().dispatchToWorker(
+        [this] { (void)SingleSteps(document()).tools.runAndLog(u"/usr/bin/xattr"_s, {u"-c"_s}); });
     host.settle();
     EXPECT_EQ(
         fileLog(),

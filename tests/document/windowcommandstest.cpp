@@ -1,8 +1,9 @@
 // The small commands of a document's window.
 
-#include "document/documentextensions.h"
+#include "document/documentcommands.h"
 #include "document/mainwincontroller.h"
 #include "platform/itempath.h"
+#include "platform/scriptcommand.h"
 #include "support/items.h"
 #include "support/testhost.h"
 
@@ -148,7 +149,7 @@ TEST_P(MenuItem, ofAGuardedActionIsDisabledWhileASubmissionRuns)
 {
     host.tools.answer(u"altool--notarization-history"_s, {.status = 1, .hangs = true});
     items::makeBundle(host.item(u"Foo.app"_s));
-    document().steps().submit.submitURL(itempath::toUrl(host.item(u"Foo.app"_s)));
+    document().commands().submit.submitURL(itempath::toUrl(host.item(u"Foo.app"_s)));
     EXPECT_EQ(isEnabled(), !GetParam().isGuarded);
     host.tools.release(u"altool--notarization-history"_s);
     host.settle();
@@ -157,9 +158,9 @@ TEST_P(MenuItem, ofAGuardedActionIsDisabledWhileASubmissionRuns)
 
 TEST_P(MenuItem, ofAGuardedActionIsDisabledWhileADroppedItemWaits)
 {
-    document().steps().submit.prepareForDirectSubmit(itempath::toUrl(host.item(u"Foo.app"_s)), {});
+    document().commands().submit.prepareForDirectSubmit(itempath::toUrl(host.item(u"Foo.app"_s)), {});
     EXPECT_EQ(isEnabled(), !GetParam().isGuarded);
-    document().steps().submit.doCancelDirectSubmit();
+    document().commands().submit.doCancelDirectSubmit();
     EXPECT_TRUE(isEnabled());
 }
 

@@ -1,7 +1,7 @@
 // The working folder: its names, its making and what is left where that fails.
 
-#include "document/workingfoldernames.h"
 #include "platform/itempath.h"
+#include "run/workingfoldernames.h"
 #include "support/steptest.h"
 
 using namespace Qt::StringLiterals;
@@ -26,7 +26,7 @@ protected:
         document().loggingToFile.set(isLogWanted);
         document().originalFileName.set(name);
         document().originalAppletURL.set(itempath::toUrl(host.item(name)));
-        return run([this] { return document().createWorkingFolderAndLog(); });
+        return run([this] { return steps().folder.create(); });
     }
 
     void launchWithApp()

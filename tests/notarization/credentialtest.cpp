@@ -1,10 +1,13 @@
 // The one cheap request that tells whether the credentials work together.
 
+#include "document/documentcommands.h"
+#include "notarization/altoolarguments.h"
 #include "notarization/credentialcheck.h"
+#include "run/credentials.h"
 
 #include "app/preferencekeys.h"
 #include "platform/itempath.h"
-#include "scripting/scriptcommand.h"
+#include "platform/scriptcommand.h"
 #include "support/steptest.h"
 
 #include <csignal>
@@ -166,7 +169,7 @@ TEST_F(CredentialsTest, thatFailTellAScriptTheMessage)
         std::make_shared<ScriptCommand>(QVariantMap{}, [&](const ScriptReply &given) { reply = given; });
     document().currentCommand.set(command);
     document().suppressDialogs.set(true);
-    steps().submit.scriptedSubmit(itempath::toUrl(host.item(u"Foo.app"_s)));
+    commands().submit.scriptedSubmit(itempath::toUrl(host.item(u"Foo.app"_s)));
     host.settle();
     EXPECT_EQ(reply.errorText, u"Cannot Continue: "_s + unknownMessage);
     EXPECT_TRUE(host.window().sheets.isEmpty());
@@ -176,7 +179,7 @@ TEST_F(CredentialsTest, thatFailTellAScriptTheMessage)
 TEST_F(CredentialsTest, whoseCheckIsCancelledLeaveOneReportAndNothingOnDisk)
 {
     host.tools.answerRun(historyTool, 1, {.hangs = true});
-    steps().submit.submitURL(itempath::toUrl(host.item(u"Foo.app"_s)));
+    commands().submit.submitURL(itempath::toUrl(host.item(u"Foo.app"_s)));
     host.runUntil([this] { return !host.tools.callsOf(historyTool).isEmpty(); });
     document().doCancel();
     host.settle();

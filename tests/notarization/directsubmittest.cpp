@@ -1,5 +1,6 @@
 // The mode in which a document holds an item and waits for a person to confirm it.
 
+#include "document/documentcommands.h"
 #include "notarization/submittest.h"
 
 using namespace Qt::StringLiterals;
@@ -9,7 +10,7 @@ class DirectSubmit : public Submit { };
 TEST_F(DirectSubmit, preparedForAPersonStartsNothing)
 {
     MainWinController &document = launched();
-    document.steps().submit.prepareForDirectSubmit(itempath::toUrl(host.item(u"Foo.app"_s)), {});
+    document.commands().submit.prepareForDirectSubmit(itempath::toUrl(host.item(u"Foo.app"_s)), {});
     EXPECT_EQ(document.statusString(), u"interacting"_s);
     EXPECT_EQ(host.window().title(), u"Foo.app"_s);
     EXPECT_EQ(document.appletNameField.stringValue(),
@@ -40,7 +41,7 @@ TEST_F(DirectSubmit, preparedForAPersonTakesItsTitleEvenWhereItIsTaken)
 TEST_F(DirectSubmit, cancelledBeforeItBeganTurnsTheControlsBack)
 {
     MainWinController &document = launched();
-    document.steps().submit.prepareForDirectSubmit(itempath::toUrl(host.item(u"Foo.app"_s)), {});
+    document.commands().submit.prepareForDirectSubmit(itempath::toUrl(host.item(u"Foo.app"_s)), {});
     document.perform(document.stapleOnlyButton.action());
     EXPECT_EQ(document.statusString(), u"ready"_s);
     EXPECT_FALSE(document.signOnlyButton.isHidden());
@@ -57,7 +58,7 @@ TEST_F(DirectSubmit, cancelledBeforeItBeganTurnsTheControlsBack)
 TEST_F(DirectSubmit, confirmedByAPersonSubmitsTheStoredItem)
 {
     MainWinController &document = launched();
-    document.steps().submit.prepareForDirectSubmit(itempath::toUrl(host.item(u"Foo.app"_s)), {});
+    document.commands().submit.prepareForDirectSubmit(itempath::toUrl(host.item(u"Foo.app"_s)), {});
     document.perform(document.submitAppButton.action());
     EXPECT_EQ(document.submitAppButton.action(), Action::doSubmit);
     EXPECT_EQ(document.lastAction(), quint64(submitAction));
@@ -68,7 +69,7 @@ TEST_F(DirectSubmit, confirmedByAPersonSubmitsTheStoredItem)
 TEST_F(DirectSubmit, confirmedByAPersonIsNoScriptsAndShowsDialogs)
 {
     MainWinController &document = launched();
-    document.steps().submit.prepareForDirectSubmit(itempath::toUrl(host.item(u"Foo.app"_s)), {});
+    document.commands().submit.prepareForDirectSubmit(itempath::toUrl(host.item(u"Foo.app"_s)), {});
     document.isScripted.set(true); // an earlier script's
     document.suppressDialogs.set(true);
     document.perform(Action::doDirectSubmit);
@@ -85,7 +86,7 @@ TEST_F(DirectSubmit, preparedWithAnIdentitySelectsItAndOtherwiseKeepsTheSelectio
     MainWinController &document = launched();
     const QUrl item = itempath::toUrl(host.item(u"Foo.app"_s));
     const auto identityAfter = [&](const QString &identity) {
-        document.steps().submit.prepareForDirectSubmit(item, identity);
+        document.commands().submit.prepareForDirectSubmit(item, identity);
         return document.identitiesPopup.titleOfSelectedItem();
     };
     ASSERT_EQ(identityAfter({}), u"Example Corp (A1B2C3D4E5)"_s);

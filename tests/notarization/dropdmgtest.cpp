@@ -1,5 +1,6 @@
 // Disk images that DropDMG makes.
 
+#include "document/documentcommands.h"
 #include "notarization/archivesteps.h"
 
 #include "app/appdelegate.h"
@@ -134,7 +135,7 @@ TEST_F(DropDMGTest, isAskedForTheConfigurationThatIsOnShowWhenTheArchiveIsMade)
     document().dropDMGConfigsPopup.setItemTitles({u"Fancy"_s, u"Plain"_s});
     answerWith(host.item(u"Desktop/Nice Image.dmg"_s));
     host.tools.answerRun(u"codesign"_s, 1, {.hangs = true});
-    steps().submit.submitURL(itempath::toUrl(host.item(u"My App.app"_s)));
+    commands().submit.submitURL(itempath::toUrl(host.item(u"My App.app"_s)));
     host.runUntil([this] { return !host.tools.callsOf(u"codesign"_s).isEmpty(); });
     document().dropDMGConfigsPopup.selectItemWithTitle(u"Plain"_s);
     host.tools.release(u"codesign"_s, 1);
@@ -148,7 +149,7 @@ TEST_F(DropDMGTest, isNotEndedByACancelWhichStopsTheChainBehindIt)
 {
     answerWith(host.item(u"Desktop/Nice Image.dmg"_s));
     cancelDuringScript();
-    steps().submit.submitURL(itempath::toUrl(host.item(u"My App.app"_s)));
+    commands().submit.submitURL(itempath::toUrl(host.item(u"My App.app"_s)));
     host.settle();
     EXPECT_EQ(host.appleScript.sources.size(), 1);
     EXPECT_EQ(document().submitFilePath(), working(u"Nice Image.dmg"_s));

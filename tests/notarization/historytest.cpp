@@ -1,8 +1,10 @@
 // The account's history: how many pages are asked for, what is shown, and what a script gets.
 
 #include "notarization/history.h"
+#include "document/documentcommands.h"
+#include "run/credentials.h"
 
-#include "scripting/scriptcommand.h"
+#include "platform/scriptcommand.h"
 #include "support/steptest.h"
 
 #include <limits>
@@ -89,7 +91,7 @@ protected:
             std::make_shared<ScriptCommand>(QVariantMap{{argument::xmlOutput, asXml}},
                                             [this](const ScriptReply &answer) { reply = answer; }));
         document().suppressDialogs.set(true);
-        steps().history.fetchHistory(page);
+        commands().history.fetchHistory(page);
         host.settle();
     }
 

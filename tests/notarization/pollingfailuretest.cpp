@@ -1,6 +1,8 @@
 // How long failed queries are survived.
 
+#include "notarization/pollingsteps.h"
 #include "notarization/pollingtest.h"
+#include "support/singlesteps.h"
 
 #include "app/preferencekeys.h"
 
@@ -67,7 +69,8 @@ TEST_F(PollingFailure, aQueryThatTheSharedRunnerSkipsCountsAsAnOrdinaryFailure)
     host.tools.answer(u"xattr"_s, {.hangs = true});
     host.tools.forgetCalls();
     const DocumentPtr other = host.application().addedDocument();
-    other->dispatchToWorker([&other] { EXPECT_EQ(other->runTool(u"/usr/bin/xattr"_s, {})->status(), 0); });
+    other->dispatchToWorker(
+        [&other] { EXPECT_EQ(SingleSteps(*other).tools.run(u"/usr/bin/xattr"_s, {})->status(), 0); });
     host.runUntil([this] { return !host.tools.callsOf(u"xattr"_s).isEmpty(); });
     ASSERT_TRUE(document.taskRunner()->terminateTaskFor(document.uniqueID)); // it is the other one's tool
     host.tools.release(u"xattr"_s);

@@ -3,7 +3,7 @@
 #include "support/items.h"
 #include "support/testhost.h"
 
-#include "document/documentextensions.h"
+#include "document/documentcommands.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,8 @@
 // The sheet with the teams of the account.
 
 #include "notarization/providernames.h"
+#include "document/documentcommands.h"
+#include "document/providersheet.h"
 
 #include "support/steptest.h"
 
@@ -206,7 +208,7 @@ TEST_F(ProviderNamesTest, waitForTheReplyInASheet)
     EXPECT_TRUE(document().providerSheetProgress.isAnimating()) << "until the sheet ends";
     EXPECT_TRUE(document().isBusy());
     EXPECT_EQ(document().statusString(), u"fetching"_s);
-    document().steps().providers.doProviderNameCancel();
+    document().commands().providers.doProviderNameCancel();
 }
 
 TEST_F(ProviderNamesTest, areAskedForWithoutATeamAndNotShownInTheLog)
@@ -242,7 +244,7 @@ TEST_F(ProviderNamesTest, okWritesTheShortNameOfTheSelectedTeam)
     QObject::connect(&document().providerNameField, &TextField::focusRequested, [&focused] { ++focused; });
     document().isScripted.set(true);
     document().providerSheetPopup.selectItemWithTitle(u"Ant (Name: Ant & Co %1, Team ID: A1)"_s);
-    steps().providers.doProviderNameOK();
+    commands().providers.doProviderNameOK();
     host.settle();
     EXPECT_EQ(document().providerNameField.stringValue(), u"Ant"_s);
     expectEnded(focused);
@@ -255,7 +257,7 @@ TEST_F(ProviderNamesTest, cancelLeavesWhatWasTyped)
     list();
     int focused = 0;
     QObject::connect(&document().providerNameField, &TextField::focusRequested, [&focused] { ++focused; });
-    steps().providers.doProviderNameCancel();
+    commands().providers.doProviderNameCancel();
     host.settle();
     EXPECT_EQ(document().providerNameField.stringValue(), u"Team1"_s);
     expectEnded(focused);
@@ -268,7 +270,7 @@ TEST_F(ProviderNamesTest, endWhatAScriptHasSetWhenTheSheetGoesAndNotBefore)
     document().suppressDialogs.set(true);
     EXPECT_TRUE(document().isBusy());
     EXPECT_EQ(document().statusString(), u"fetching"_s);
-    steps().providers.doProviderNameCancel();
+    commands().providers.doProviderNameCancel();
     EXPECT_FALSE(document().isScripted());
     EXPECT_FALSE(document().suppressDialogs());
     EXPECT_FALSE(document().isBusy());
@@ -280,7 +282,7 @@ TEST_F(ProviderNamesTest, theButtonsEndTheSheetWithCodesOfTheirOwn)
     QList<int> codes;
     for (int round = 0; round < 2; ++round) {
         host.window().beginSheetNamed(u"ProviderNameSheet"_s, [&codes](int code) { codes.append(code); });
-        round == 0 ? steps().providers.doProviderNameOK() : steps().providers.doProviderNameCancel();
+        round == 0 ? commands().providers.doProviderNameOK() : commands().providers.doProviderNameCancel();
     }
     EXPECT_EQ(codes, (QList{1, 0}));
 }
@@ -290,7 +292,7 @@ TEST_F(ProviderNamesTest, ofNoTeamAtAllAreAnEmptyChoiceWhoseOkWritesNothingUsabl
     list(providers(""));
     EXPECT_EQ(page(), 1);
     EXPECT_EQ(document().providerSheetPopup.itemTitles(), QStringList());
-    steps().providers.doProviderNameOK();
+    commands().providers.doProviderNameOK();
     host.settle();
     EXPECT_EQ(document().providerNameField.stringValue(), u""_s);
     EXPECT_FALSE(document().isBusy());
@@ -325,20 +327,20 @@ TEST_F(ProviderNamesTest, thatCannotBeHadSaySoInTheSheet)
     EXPECT_EQ(host.log(), QStringList());
     EXPECT_TRUE(host.window().sheets.isEmpty()) << "no alert";
     EXPECT_TRUE(document().isBusy()) << "until a button ends the sheet";
-    steps().providers.doProviderNameCancel();
+    commands().providers.doProviderNameCancel();
     EXPECT_FALSE(document().isBusy());
 }
 
 TEST_F(ProviderNamesTest, beginEachTimeWithAFreshSheet)
 {
     list();
-    steps().providers.doProviderNameCancel();
+    commands().providers.doProviderNameCancel();
     host.tools.answer(providersTool, {.status = 1, .error = "no"});
     document().perform(Action::doListProviderShortnames);
     EXPECT_EQ(page(), 0);
     EXPECT_EQ(document().providerSheetPopup.itemTitles(), QStringList());
     host.settle();
-    steps().providers.doProviderNameCancel();
+    commands().providers.doProviderNameCancel();
     list();
     EXPECT_EQ(page(), 1);
     EXPECT_EQ(document().providerSheetErrorText.stringValue(), u""_s);
@@ -350,7 +352,7 @@ TEST_F(ProviderNamesTest, thatArriveAfterTheSheetHasGoneOpenNothing)
     host.tools.answer(providersTool, {.output = twoTeams, .hangs = true});
     document().perform(Action::doListProviderShortnames);
     host.runUntil([this] { return !host.tools.calls().isEmpty(); });
-    steps().providers.doProviderNameCancel();
+    commands().providers.doProviderNameCancel();
     EXPECT_FALSE(document().isBusy());
     host.tools.release(providersTool);
     host.settle();
@@ -365,7 +367,7 @@ TEST_F(ProviderNamesTest, thatArriveAfterTheSheetHasGoneLeaveTheFieldAlone)
     host.tools.answer(providersTool, {.output = oneTeam, .hangs = true});
     document().perform(Action::doListProviderShortnames);
     host.runUntil([this] { return !host.tools.calls().isEmpty(); });
-    steps().providers.doProviderNameCancel();
+    commands().providers.doProviderNameCancel();
     document().providerNameField.setStringValue(u"typed meanwhile"_s);
     host.tools.release(providersTool);
     host.settle();
@@ -379,7 +381,7 @@ TEST_F(ProviderNamesTest, ofAnEarlierSheetAreNotShownOnTheNext)
     host.tools.answerRun(providersTool, 2, {.output = twoTeams});
     document().perform(Action::doListProviderShortnames);
     host.runUntil([this] { return host.tools.calls().size() == 1; });
-    steps().providers.doProviderNameCancel();
+    commands().providers.doProviderNameCancel();
     document().perform(Action::doListProviderShortnames);
     host.tools.release(providersTool, 1);
     host.settle();

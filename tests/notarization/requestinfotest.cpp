@@ -1,6 +1,7 @@
 // The lookup of one request: where its identifier comes from, and what of its record is shown.
 
 #include "notarization/requestinfo.h"
+#include "document/documentcommands.h"
 
 #include "notarization/pollingsteps.h"
 #include "platform/itempath.h"
@@ -134,7 +135,7 @@ protected:
 
     void lookUp(const QString &identifier = uuid)
     {
-        steps().requestInfo.infoForRequestUUID(identifier);
+        commands().requestInfo.infoForRequestUUID(identifier);
         host.settle();
     }
 

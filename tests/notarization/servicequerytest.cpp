@@ -1,10 +1,12 @@
 // How the queries of the notary service begin and end, which is the same for all of them.
 
-#include "notarization/servicequery.h"
+#include "notarization/altoolarguments.h"
+#include "notarization/history.h"
+#include "run/credentials.h"
 
 #include "app/preferencekeys.h"
-#include "document/documentextensions.h"
-#include "scripting/scriptcommand.h"
+#include "document/documentcommands.h"
+#include "platform/scriptcommand.h"
 #include "support/testhost.h"
 
 #include <gtest/gtest.h>
@@ -226,7 +228,7 @@ TEST_P(Query, keepsTheDocumentBusyAndCannotBeCancelled)
     EXPECT_EQ(document().statusString(), u"fetching"_s);
     host.tools.release(GetParam().tool);
     host.settle();
-    document().steps().providers.doProviderNameCancel(); // of the one query that has a sheet
+    document().commands().providers.doProviderNameCancel(); // of the one query that has a sheet
     host.settle();
     EXPECT_FALSE(document().isBusy());
     EXPECT_FALSE(document().progressIndicator.isAnimating());
@@ -285,7 +287,7 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(
         QueryRow{"ofARecord", u"altool--notarization-info"_s,
                  [](MainWinController &document) {
-                     document.steps().requestInfo.infoForRequestUUID(u"1234-abcd"_s);
+                     document.commands().requestInfo.infoForRequestUUID(u"1234-abcd"_s);
                  },
                  u"Interface is blocked."_s},
         QueryRow{"ofTheNewestRecord", u"altool--notarization-history"_s,

@@ -1,6 +1,7 @@
 // Stapling by itself, in the background: the log file, the assessment and what becomes of its verdict.
 
 #include "notarization/stapleonlytest.h"
+#include "notarization/stapleonlyworkflow.h"
 
 #include "app/preferencekeys.h"
 

@@ -1,5 +1,6 @@
 // What the list of steps shows of stapling by itself.
 
+#include "document/documentcommands.h"
 #include "notarization/stapleonlytest.h"
 #include "support/steprows.h"
 
@@ -33,7 +34,7 @@ TEST_F(StapleOnlySteps, failWhereTheStaplerFails)
 TEST_F(StapleOnlySteps, areCancelledWhereACancelEndsTheTool)
 {
     host.tools.answer(u"spctl"_s, {.hangs = true});
-    launched().steps().stapleOnly.stapleOnly(url(u"Foo - Submitted/Foo.app"_s));
+    launched().commands().stapleOnly.stapleOnly(url(u"Foo - Submitted/Foo.app"_s));
     host.runUntil([this] { return !host.tools.callsOf(u"spctl"_s).isEmpty() && host.mainQueue.isEmpty(); });
     EXPECT_EQ(rows(), (QStringList{u"Check code signature: running"_s, u"Staple: waiting"_s}));
     document().isPolling.set(true); // a cancel then reaches the runner that assesses

@@ -1,6 +1,7 @@
 // Stapling by itself: how it is asked for, the check of the folder, and stapling again.
 
 #include "notarization/stapleonlytest.h"
+#include "document/documentcommands.h"
 
 #include "app/preferencekeys.h"
 
@@ -251,7 +252,7 @@ TEST_F(StapleOnly, needsNoCredentialsAndNoNotaryTool)
 TEST_F(StapleOnly, isBusyButNeitherSubmittingNorPollingNorCancellable)
 {
     host.tools.answer(u"spctl"_s, {.error = accepted, .hangs = true});
-    launched().steps().stapleOnly.stapleOnly(url(u"Elsewhere/Foo.app"_s));
+    launched().commands().stapleOnly.stapleOnly(url(u"Elsewhere/Foo.app"_s));
     host.runUntil([this] { return !host.tools.callsOf(u"spctl"_s).isEmpty() && host.mainQueue.isEmpty(); });
     EXPECT_TRUE(document().isBusy());
     EXPECT_FALSE(document().isSubmitting());

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "document/documentcommands.h"
 #include "platform/itempath.h"
 #include "support/steptest.h"
 
@@ -26,7 +27,7 @@ protected:
     /// Starts with the item given and waits for the end.
     void staple(const QString &name)
     {
-        launched().steps().stapleOnly.stapleOnly(url(name));
+        launched().commands().stapleOnly.stapleOnly(url(name));
         host.settle();
     }
 
@@ -40,7 +41,7 @@ protected:
     void stapleByScript(const QString &name, bool showingDialogs = false)
     {
         launched();
-        runByScript([&] { steps().stapleOnly.scriptedStapleOnly(url(name)); }, showingDialogs);
+        runByScript([&] { commands().stapleOnly.scriptedStapleOnly(url(name)); }, showingDialogs);
     }
 
     void expectStapled(const QString &name)

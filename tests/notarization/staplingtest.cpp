@@ -1,12 +1,14 @@
 // The last step: the ticket, the tidy folder and the end of the workflow.
 
+#include "scripting/MainWinController+Scripting.h"
 #include "support/items.h"
+#include "support/singlesteps.h"
 #include "support/testhost.h"
 
 #include "app/preferencekeys.h"
-#include "document/documentextensions.h"
+#include "document/documentcommands.h"
 #include "platform/itempath.h"
-#include "scripting/scriptcommand.h"
+#include "platform/scriptcommand.h"
 
 #include <QRegularExpression>
 
@@ -37,7 +39,7 @@ protected:
         const auto command =
             std::make_shared<ScriptCommand>(arguments, [this](const ScriptReply &answer) { reply = answer; });
         command->execute([this](const ScriptCommandPtr &executing) {
-            host.document().steps().scripting.AESubmitForNotarizing(executing);
+            MainWinControllerScripting(host.document()).AESubmitForNotarizing(executing);
         });
         host.settle();
         host.firePolls();
@@ -50,7 +52,7 @@ protected:
         MainWinController &document = host.document();
         document.appletURL.set(itempath::toUrl(path));
         document.originalFileName.set(itempath::lastComponent(path));
-        document.dispatchToWorker([&document] { document.steps().stapling.runStaplerAndFinish(); });
+        document.dispatchToWorker([&document] { SingleSteps(document).stapling.runStaplerAndFinish(); });
         host.settle();
     }
 

@@ -1,10 +1,11 @@
 // What the list of steps shows of a submission.
 
+#include "document/documentcommands.h"
 #include "notarization/submittest.h"
 #include "support/steprows.h"
 
 #include "app/preferencekeys.h"
-#include "scripting/scriptcommand.h"
+#include "platform/scriptcommand.h"
 
 using namespace Qt::StringLiterals;
 
@@ -133,7 +134,7 @@ TEST_F(SubmissionSteps, endWithTheUploadForAScriptThatSkipsStapling)
     const auto command = std::make_shared<ScriptCommand>(QVariantMap{{argument::skippingStapling, true}},
                                                          [](const ScriptReply &) {});
     launched().currentCommand.set(command);
-    host.document().steps().submit.scriptedSubmit(itempath::toUrl(host.item(u"Foo.app"_s)));
+    host.document().commands().submit.scriptedSubmit(itempath::toUrl(host.item(u"Foo.app"_s)));
     host.settle();
     EXPECT_EQ(rows().mid(8),
               (QStringList{u"Upload to Apple: done"_s, u"Wait for Apple's result: skipped"_s,
@@ -236,7 +237,7 @@ TEST_F(SubmissionSteps, ofTheNextRunBeginAnew)
 TEST_F(SubmissionSteps, areThoseOfTheItemOfADirectSubmission)
 {
     items::makeFile(host.item(u"Foo.dmg"_s), "image");
-    launched().steps().submit.prepareForDirectSubmit(itempath::toUrl(host.item(u"Foo.dmg"_s)), {});
+    launched().commands().submit.prepareForDirectSubmit(itempath::toUrl(host.item(u"Foo.dmg"_s)), {});
     EXPECT_EQ(rows().size(), 7);
     EXPECT_EQ(rows().filter(u": waiting"_s).size(), 7) << "nothing has begun";
     host.document().perform(Action::doDirectSubmit);
@@ -250,7 +251,7 @@ TEST_F(SubmissionSteps, ofAnotherItemGiveWayToThoseOfADirectSubmission)
     submitToTheEnd(u"Foo.app"_s);
     const qsizetype stepsOfAnApp = rows().size();
     items::makeFile(host.item(u"Foo.dmg"_s), "image");
-    host.document().steps().submit.prepareForDirectSubmit(itempath::toUrl(host.item(u"Foo.dmg"_s)), {});
+    host.document().commands().submit.prepareForDirectSubmit(itempath::toUrl(host.item(u"Foo.dmg"_s)), {});
     EXPECT_LT(rows().size(), stepsOfAnApp);
     EXPECT_EQ(rows().filter(u": waiting"_s), rows()) << "nothing has begun";
 }
@@ -258,7 +259,7 @@ TEST_F(SubmissionSteps, ofAnotherItemGiveWayToThoseOfADirectSubmission)
 TEST_F(SubmissionSteps, ofADirectSubmissionFollowTheOptionsWhileItWaits)
 {
     MainWinController &document = launched();
-    document.steps().submit.prepareForDirectSubmit(itempath::toUrl(host.item(u"Foo.app"_s)), {});
+    document.commands().submit.prepareForDirectSubmit(itempath::toUrl(host.item(u"Foo.app"_s)), {});
     EXPECT_TRUE(rows().contains(u"Make zip archive: waiting"_s));
     document.createDiskImageCheckbox.setState(1);
     EXPECT_TRUE(rows().contains(u"Make disk image: waiting"_s)) << rows().join(u'\n').toStdString();
@@ -273,7 +274,7 @@ TEST_F(SubmissionSteps, ofADirectSubmissionGoWithItsItem)
 {
     submitToTheEnd(u"Foo.app"_s);
     items::makeFile(host.item(u"Foo.dmg"_s), "image");
-    host.document().steps().submit.prepareForDirectSubmit(itempath::toUrl(host.item(u"Foo.dmg"_s)), {});
+    host.document().commands().submit.prepareForDirectSubmit(itempath::toUrl(host.item(u"Foo.dmg"_s)), {});
     host.document().perform(Action::doCancelDirectSubmit);
     EXPECT_TRUE(rows().isEmpty());
 }

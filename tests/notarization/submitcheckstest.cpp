@@ -1,9 +1,10 @@
 // What is checked before a submission starts.
 
 #include "notarization/submittest.h"
+#include "scripting/MainWinController+Scripting.h"
 
 #include "app/preferencekeys.h"
-#include "scripting/scriptcommand.h"
+#include "platform/scriptcommand.h"
 
 using namespace Qt::StringLiterals;
 
@@ -136,7 +137,7 @@ TEST_F(Submit, tellsAScriptThatTheInterfaceIsBlocked)
         std::make_shared<ScriptCommand>(QVariantMap{{argument::at, itempath::toUrl(host.item(u"Foo.app"_s))}},
                                         [&reply](const ScriptReply &answer) { reply = answer; });
     command->execute([&document](const ScriptCommandPtr &executing) {
-        document.steps().scripting.AESubmitForNotarizing(executing);
+        MainWinControllerScripting(document).AESubmitForNotarizing(executing);
     });
     host.settle();
     ASSERT_TRUE(reply);

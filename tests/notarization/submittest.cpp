@@ -1,9 +1,11 @@
 // From Submit to the upload: the panel, the kinds of item and what a document shows meanwhile.
 
 #include "notarization/submittest.h"
+#include "document/documentcommands.h"
+#include "run/item.h"
 
 #include "app/preferencekeys.h"
-#include "scripting/scriptcommand.h"
+#include "platform/scriptcommand.h"
 
 #include <QRegularExpression>
 
@@ -24,7 +26,7 @@ MainWinController &Submit::launched()
 
 void Submit::begin(const QString &name)
 {
-    launched().steps().submit.submitURL(itempath::toUrl(host.item(name)));
+    launched().commands().submit.submitURL(itempath::toUrl(host.item(name)));
 }
 
 void Submit::expectReport(const QString &title, const QString &text)
@@ -312,7 +314,7 @@ TEST_F(Submit, staysNotCancellableWhereAScriptSkipsTheWait)
     document.currentCommand.set(
         std::make_shared<ScriptCommand>(QVariantMap{{argument::skippingStapling, true}},
                                         [&reply](const ScriptReply &answer) { reply = answer; }));
-    document.steps().submit.scriptedSubmit(itempath::toUrl(host.item(u"Foo.app"_s)));
+    document.commands().submit.scriptedSubmit(itempath::toUrl(host.item(u"Foo.app"_s)));
     host.settle();
     ASSERT_TRUE(reply);
     EXPECT_FALSE(reply->isError());

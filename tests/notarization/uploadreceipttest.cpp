@@ -1,5 +1,6 @@
 // What the service's receipt says, what it is asked with, and how often it is asked afterwards.
 
+#include "notarization/altoolarguments.h"
 #include "notarization/pollinginfo.h"
 
 #include <gtest/gtest.h>

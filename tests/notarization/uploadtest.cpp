@@ -1,11 +1,12 @@
 // An upload that is accepted, and the wait that it starts.
 
 #include "notarization/uploadtest.h"
+#include "run/credentials.h"
 
 #include "app/appdelegate.h"
 #include "app/preferencekeys.h"
 #include "platform/itempath.h"
-#include "scripting/scriptcommand.h"
+#include "platform/scriptcommand.h"
 
 using namespace Qt::StringLiterals;
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "run/credentials.h"
 #include "support/steptest.h"
 
 /// The upload by itself, of a signed app in its working folder.

@@ -5,7 +5,7 @@
 
 #include "about/aboutcontroller.h"
 #include "app/preferencekeys.h"
-#include "document/documentextensions.h"
+#include "document/documentcommands.h"
 #include "platform/itempath.h"
 #include "support/desktopsignal.h"
 #include "ui/preferenceswindow.h"
@@ -30,7 +30,7 @@ void running()
     Scene scene;
     scene.host.tools.answer(u"ditto"_s, {.hangs = true});
     const QString item = scene.makeItem(u"Example.app"_s);
-    scene.document().steps().submit.submitURL(itempath::toUrl(item));
+    scene.document().commands().submit.submitURL(itempath::toUrl(item));
     scene.host.runUntil([&] { return !scene.host.tools.callsOf(u"ditto"_s).isEmpty(); });
     QCoreApplication::processEvents();
     Scene::draw(scene.window(), u"running.png"_s);
@@ -75,7 +75,7 @@ void providers()
 <key>WWDRTeamID</key><string>ABCDE12345</string></dict>
 <dict><key>ProviderShortname</key><string>JaneDoe</string><key>ProviderName</key><string>Jane Doe</string>
 <key>WWDRTeamID</key><string>FGHIJ67890</string></dict></array></dict></plist>)"});
-    scene.document().steps().providers.doListProviderShortnames();
+    scene.document().commands().providers.doListProviderShortnames();
     scene.draw(u"providers.png"_s);
 }
 

@@ -1,6 +1,7 @@
 // What commands make of their arguments.
 
 #include "scripting/commandchecks.h"
+#include "platform/scriptcommand.h"
 
 #include <gtest/gtest.h>
 

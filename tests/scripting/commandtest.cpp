@@ -1,13 +1,14 @@
 // The submit and log commands of a script, on the application and on a document.
 
+#include "scripting/MainWinController+Scripting.h"
 #include "support/items.h"
 #include "support/testhost.h"
 
 #include "app/preferencekeys.h"
-#include "document/documentextensions.h"
+#include "document/documentcommands.h"
 #include "platform/itempath.h"
+#include "platform/scriptcommand.h"
 #include "scripting/NSApplication+Scripting.h"
-#include "scripting/scriptcommand.h"
 
 #include <gtest/gtest.h>
 
@@ -43,7 +44,7 @@ protected:
             if (receiver == Receiver::application)
                 host.application().scripting().AESubmitForNotarizing(executing);
             else
-                host.document().steps().scripting.AESubmitForNotarizing(executing);
+                MainWinControllerScripting(host.document()).AESubmitForNotarizing(executing);
         });
     }
 
@@ -249,7 +250,7 @@ TEST_F(AScript, submitsBesideABusyDocumentInASecondOne)
 {
     host.tools.answerRun(u"xattr"_s, 1, {.hangs = true});
     MainWinController &first = host.document();
-    first.steps().submit.submitURL(itempath::toUrl(host.item(u"Foo.app"_s)));
+    first.commands().submit.submitURL(itempath::toUrl(host.item(u"Foo.app"_s)));
     host.runUntil([this] { return !host.tools.callsOf(u"xattr"_s).isEmpty(); });
     items::makeBundle(host.item(u"Bar.app"_s));
     send(atItem(u"Bar.app"_s), Receiver::application);
@@ -264,7 +265,7 @@ TEST_F(AScript, submitsBesideABusyDocumentInASecondOne)
 
 TEST_F(AScript, isRefusedByAPreparedDocument)
 {
-    host.document().steps().submit.prepareForDirectSubmit(itempath::toUrl(host.item(u"Foo.app"_s)), {});
+    host.document().commands().submit.prepareForDirectSubmit(itempath::toUrl(host.item(u"Foo.app"_s)), {});
     send(atItem(u"Foo.app"_s), Receiver::document);
     expectRefused(1199, u"Document is busy, status: interacting."_s);
 }
@@ -276,7 +277,7 @@ TEST_F(AScript, getsThePlainTextOfALogWithTimeStamps)
     command =
         std::make_shared<ScriptCommand>(QVariantMap(), [this](const ScriptReply &answer) { reply = answer; });
     command->execute([this](const ScriptCommandPtr &executing) {
-        host.document().steps().scripting.AEFetchLog(executing);
+        MainWinControllerScripting(host.document()).AEFetchLog(executing);
     });
     EXPECT_FALSE(reply);
     host.settle();
@@ -295,7 +296,7 @@ TEST_F(AScript, thatFetchesTheLogOfARunningDocumentLosesTheCommandOfTheRun)
         log = answer;
     });
     fetch->execute([this](const ScriptCommandPtr &executing) {
-        host.document().steps().scripting.AEFetchLog(executing);
+        MainWinControllerScripting(host.document()).AEFetchLog(executing);
     });
     host.runUntil([&log] { return log.has_value(); });
     host.document().doCancel();
@@ -314,7 +315,7 @@ TEST_F(AScript, thatSkipsStaplingCanSubmitAgainAsSoonAsItIsAnswered)
             host.document().dispatchToMain([&] { isBusyBehind = host.document().isBusy(); });
         });
     submit->execute([this](const ScriptCommandPtr &executing) {
-        host.document().steps().scripting.AESubmitForNotarizing(executing);
+        MainWinControllerScripting(host.document()).AESubmitForNotarizing(executing);
     });
     host.settle();
     ASSERT_TRUE(isBusyBehind);
@@ -331,7 +332,7 @@ TEST_F(AScript, thatClearsTheLogOfARunningDocumentLosesTheCommandOfTheRun)
     const auto clear =
         std::make_shared<ScriptCommand>(QVariantMap(), [&cleared](const ScriptReply &) { ++cleared; });
     clear->execute([this](const ScriptCommandPtr &executing) {
-        host.document().steps().scripting.AEClearLog(executing);
+        MainWinControllerScripting(host.document()).AEClearLog(executing);
     });
     host.runUntil([&cleared] { return cleared > 0; });
     host.tools.release(u"xattr"_s);
@@ -347,7 +348,7 @@ TEST_F(AScript, isToldNothingOfAFailureOfAPersonsOwnRun)
     suspendStaleCommand();
     host.document().isScripted.set(true);
     host.tools.answer(u"altool--notarization-history"_s, {.status = 1});
-    host.document().steps().submit.doSubmit();
+    host.document().commands().submit.doSubmit();
     host.window().choose(itempath::toUrl(host.item(u"Foo.app"_s)));
     host.settle();
     EXPECT_EQ(host.window().sheets.last().messageText, u"Cannot Continue"_s);

@@ -1,13 +1,14 @@
 // The commands of a script besides submitting: stapling, signing, the history, preparing and clearing the
 // log.
 
+#include "scripting/MainWinController+Scripting.h"
 #include "support/items.h"
 #include "support/testhost.h"
 
-#include "document/documentextensions.h"
+#include "document/documentcommands.h"
 #include "platform/itempath.h"
+#include "platform/scriptcommand.h"
 #include "scripting/NSApplication+Scripting.h"
-#include "scripting/scriptcommand.h"
 
 #include <gtest/gtest.h>
 
@@ -51,7 +52,7 @@ protected:
             if (GetParam() == Receiver::application)
                 (host.application().scripting().*onApplication)(executing);
             else
-                (host.document().steps().scripting.*onDocument)(executing);
+                (MainWinControllerScripting(host.document()).*onDocument)(executing);
         });
     }
 
@@ -304,7 +305,7 @@ TEST_P(OtherCommand, preparesForAPersonAndEndsAtOnce)
     const auto next = std::make_shared<ScriptCommand>(atItem(u"Foo.app"_s),
                                                       [this](const ScriptReply &answer) { reply = answer; });
     next->execute([this](const ScriptCommandPtr &executing) {
-        host.document().steps().scripting.AESignOnly(executing);
+        MainWinControllerScripting(host.document()).AESignOnly(executing);
     });
     EXPECT_EQ(reply->errorNumber, 1199);
     EXPECT_EQ(reply->errorText, u"Document is busy, status: interacting."_s);
@@ -375,7 +376,7 @@ TEST(ClearLogCommand, clearsTheLogOfABusyDocumentAtOnce)
     const auto command = std::make_shared<ScriptCommand>(
         QVariantMap(), [&reply](const ScriptReply &answer) { reply = answer; });
     command->execute([&host](const ScriptCommandPtr &executing) {
-        host.document().steps().scripting.AEClearLog(executing);
+        MainWinControllerScripting(host.document()).AEClearLog(executing);
     });
     EXPECT_FALSE(reply);
     host.settle();

@@ -2,8 +2,8 @@
 
 #include "scripting/NSWindow+Scripting.h"
 
-#include "document/documentextensions.h"
-#include "scripting/scriptcommand.h"
+#include "document/documentcommands.h"
+#include "platform/scriptcommand.h"
 #include "support/testhost.h"
 
 #include <gtest/gtest.h>
@@ -53,7 +53,7 @@ protected:
     {
         for (const DocumentPtr &document : host.application().allControllers()) {
             if (document->window().title() == title)
-                return document->steps().windowScripting;
+                return NSWindowScripting(*document);
         }
         throw std::runtime_error("no such window");
     }

@@ -1,6 +1,7 @@
 // A person cancels while the item is being signed.
 
 #include "app/appdelegate.h"
+#include "document/documentcommands.h"
 #include "platform/itempath.h"
 #include "support/steptest.h"
 
@@ -23,7 +24,7 @@ protected:
     {
         host.tools.answerRun(tool, 1, {.hangs = true});
         host.launch();
-        document().steps().submit.submitURL(itempath::toUrl(host.item(u"Foo.app"_s)));
+        document().commands().submit.submitURL(itempath::toUrl(host.item(u"Foo.app"_s)));
         host.runUntil([&] { return !host.tools.callsOf(tool).isEmpty(); });
         document().doCancel();
         host.settle();
@@ -85,7 +86,7 @@ TEST_F(CancelWhileSigning, leavesTheToolAloneWhereTheRunnersAreShared)
     host.tools.answerRun(u"codesign"_s, 1, {.hangs = true});
     host.launch();
     ASSERT_FALSE(document().ownTaskRunner());
-    document().steps().submit.submitURL(itempath::toUrl(host.item(u"Foo.app"_s)));
+    document().commands().submit.submitURL(itempath::toUrl(host.item(u"Foo.app"_s)));
     host.runUntil([&] { return !host.tools.callsOf(u"codesign"_s).isEmpty(); });
     EXPECT_FALSE(
         document().uploadTaskRunner()->terminateTaskFor(document().uniqueID)); // all that a cancel does

@@ -1,6 +1,7 @@
 // The dictionary of a run, from the settings and the extra file, and the file that it is written to.
 
 #include "app/preferencekeys.h"
+#include "document/entitlementswitches.h"
 #include "platform/itempath.h"
 #include "platform/propertylist/propertylist.h"
 #include "support/steptest.h"

@@ -1,5 +1,6 @@
 // What the walk makes of the file tool's answers.
 
+#include "signing/scandecisions.h"
 #include "signing/scantest.h"
 
 #include <csignal>

@@ -1,5 +1,6 @@
 // Frameworks: what is signed is a version, never the framework.
 
+#include "signing/scandecisions.h"
 #include "signing/scantest.h"
 
 using namespace Qt::StringLiterals;

@@ -1,5 +1,6 @@
 // Flat packages: checked, and signed unless their signature is good.
 
+#include "document/documentcommands.h"
 #include "platform/itempath.h"
 #include "support/steptest.h"
 
@@ -256,7 +257,7 @@ TEST_F(PackageStepsTest, aCancelWhileThePackageIsJudgedStopsTheChainBehindTheSig
     host.tools.answer(u"altool-h"_s, {.output = "Copyright (c) 2009, Apple Inc. Version 3.0.1\n"});
     host.tools.answer(u"spctl"_s, {.status = 3, .error = "rejected\n", .hangs = true});
     host.launch();
-    steps().submit.submitURL(itempath::toUrl(host.item(u"My Foo.pkg"_s)));
+    commands().submit.submitURL(itempath::toUrl(host.item(u"My Foo.pkg"_s)));
     host.runUntil([this] { return !host.tools.callsOf(u"spctl"_s).isEmpty(); });
     document().doCancel();
     host.tools.release(u"spctl"_s);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "signing/bundlescanner.h"
+#include "signing/scandecisions.h"
 #include "support/steptest.h"
 
 /// Walks over folders of a test. Paths are shown relative to the folder of the items.

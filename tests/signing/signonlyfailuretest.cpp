@@ -1,5 +1,6 @@
 // Signing by itself, where it fails or is cancelled: what is told, and what stays behind.
 
+#include "document/documentcommands.h"
 #include "signing/signonlytest.h"
 
 #include "app/preferencekeys.h"
@@ -40,7 +41,7 @@ TEST_F(SignOnly, withoutAnIdentityTellsAScriptItsNumber)
 {
     host.tools.answer(u"security"_s, {.output = "     0 valid identities found\n"});
     launched();
-    runByScript([this] { steps().signOnly.scriptedSignOnly(itempath::toUrl(host.item(u"Foo.app"_s))); });
+    runByScript([this] { commands().signOnly.scriptedSignOnly(itempath::toUrl(host.item(u"Foo.app"_s))); });
     ASSERT_TRUE(scriptReply);
     EXPECT_EQ(scriptReply->errorNumber, 1102);
     EXPECT_TRUE(host.window().sheets.isEmpty());
@@ -166,7 +167,7 @@ TEST_F(SignOnly, thatFailsTellsAScript)
 {
     host.tools.answer(u"codesign"_s, {.status = 1, .error = "no identity found"});
     launched();
-    runByScript([this] { steps().signOnly.scriptedSignOnly(itempath::toUrl(host.item(u"Foo.app"_s))); });
+    runByScript([this] { commands().signOnly.scriptedSignOnly(itempath::toUrl(host.item(u"Foo.app"_s))); });
     ASSERT_TRUE(scriptReply);
     EXPECT_EQ(scriptReply->errorNumber, 1110);
     EXPECT_TRUE(scriptReply->errorText.startsWith(u"Error Signing Code: Error "_s));

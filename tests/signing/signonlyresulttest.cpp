@@ -1,5 +1,7 @@
 // Signing by itself, where it works: what it leaves, the two ends, and signing again.
 
+#include "document/documentcommands.h"
+#include "platform/scriptcommand.h"
 #include "signing/signonlytest.h"
 
 #include "app/preferencekeys.h"
@@ -108,7 +110,7 @@ TEST_F(SignOnly, byAScriptWithoutDialogsAnswersWithTheSignedCopy)
 {
     launched().useDiskImage.set(true); // makes no difference here
     document().submitFilePath.set(u"/items/Foo.dmg"_s);
-    runByScript([this] { steps().signOnly.scriptedSignOnly(itempath::toUrl(host.item(u"Foo.app"_s))); });
+    runByScript([this] { commands().signOnly.scriptedSignOnly(itempath::toUrl(host.item(u"Foo.app"_s))); });
     ASSERT_TRUE(scriptReply);
     EXPECT_FALSE(scriptReply->isError());
     EXPECT_EQ(scriptReply->result.toUrl(), itempath::toUrl(host.item(u"Foo - Signed/Foo.app"_s)));
@@ -123,7 +125,7 @@ TEST_F(SignOnly, byAScriptWithoutDialogsAnswersWithTheSignedCopy)
 TEST_F(SignOnly, byAScriptWithDialogsAnswersBeforeTheSheetIsDismissed)
 {
     launched();
-    runByScript([this] { steps().signOnly.scriptedSignOnly(itempath::toUrl(host.item(u"Foo.app"_s))); },
+    runByScript([this] { commands().signOnly.scriptedSignOnly(itempath::toUrl(host.item(u"Foo.app"_s))); },
                 true);
     ASSERT_TRUE(scriptReply);
     EXPECT_EQ(scriptReply->result.toUrl(), itempath::toUrl(host.item(u"Foo - Signed/Foo.app"_s)));
@@ -152,7 +154,7 @@ TEST_P(SignOnlyAnswer, goesOutWithItsStatusAndBeforeTheSheet)
     command->suspendExecution();
     document().suppressDialogs.set(GetParam().suppressesDialogs);
     document().currentCommand.set(command);
-    steps().signOnly.scriptedSignOnly(itempath::toUrl(host.item(u"Foo.app"_s)));
+    commands().signOnly.scriptedSignOnly(itempath::toUrl(host.item(u"Foo.app"_s)));
     host.settle();
     EXPECT_EQ(statusAtAnswer, GetParam().status);
     EXPECT_EQ(sheetsAtAnswer, 0);
@@ -174,7 +176,7 @@ TEST_F(SignOnly, byAScriptIsOverForWhateverComesBehindTheAnswer)
     command->suspendExecution();
     document().suppressDialogs.set(true);
     document().currentCommand.set(command);
-    steps().signOnly.scriptedSignOnly(itempath::toUrl(host.item(u"Foo.app"_s)));
+    commands().signOnly.scriptedSignOnly(itempath::toUrl(host.item(u"Foo.app"_s)));
     host.settle();
     ASSERT_TRUE(isBusyBehindTheAnswer);
     EXPECT_FALSE(*isBusyBehindTheAnswer);

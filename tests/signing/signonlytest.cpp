@@ -1,6 +1,8 @@
 // Signing by itself: how it is asked for, and the chain by kind of item.
 
 #include "signing/signonlytest.h"
+#include "document/documentcommands.h"
+#include "signing/signingarguments.h"
 
 #include "app/preferencekeys.h"
 
@@ -119,7 +121,7 @@ TEST_F(SignOnly, tellsAScriptThatTheInterfaceIsBlocked)
 {
     launched();
     host.window().refusesToGiveUpFocus = true;
-    runByScript([this] { steps().signOnly.scriptedSignOnly(itempath::toUrl(host.item(u"Foo.app"_s))); });
+    runByScript([this] { commands().signOnly.scriptedSignOnly(itempath::toUrl(host.item(u"Foo.app"_s))); });
     ASSERT_TRUE(scriptReply);
     EXPECT_EQ(scriptReply->errorNumber, 7);
     EXPECT_EQ(scriptReply->errorText, u"Inteface is blocked."_s);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "document/documentcommands.h"
 #include "platform/itempath.h"
 #include "support/steptest.h"
 
@@ -32,7 +33,7 @@ protected:
 
     void start(const QString &name)
     {
-        launched().steps().signOnly.signOnlyURL(itempath::toUrl(host.item(name)));
+        launched().commands().signOnly.signOnlyURL(itempath::toUrl(host.item(name)));
     }
 
     QByteArray original;

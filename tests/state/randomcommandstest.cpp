@@ -1,15 +1,16 @@
 // Documents under random sequences of commands, cancels, closings, tool failures and timers. The seed is
 // printed; SEALWRIGHT_SEED and SEALWRIGHT_STEPS repeat a run or make a longer one.
 
+#include "scripting/MainWinController+Scripting.h"
 #include "state/instanttools.h"
 #include "support/items.h"
 #include "support/testhost.h"
 
 #include "app/preferencekeys.h"
-#include "document/documentextensions.h"
+#include "document/documentcommands.h"
 #include "platform/itempath.h"
+#include "platform/scriptcommand.h"
 #include "scripting/NSApplication+Scripting.h"
-#include "scripting/scriptcommand.h"
 
 #include <QDirIterator>
 
@@ -253,7 +254,7 @@ protected:
             return;
         const auto before = document->currentCommand();
         send([&](const ScriptCommandPtr &command) {
-            (document->steps().scripting.*oneOf(onDocument))(command);
+            (MainWinControllerScripting(*document).*oneOf(onDocument))(command);
         });
         if (document->currentCommand() != before)
             loseEarlierCommandsOf(*document);

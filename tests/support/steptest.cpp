@@ -1,4 +1,5 @@
 #include "support/steptest.h"
+#include "platform/scriptcommand.h"
 
 #include "platform/itempath.h"
 
@@ -24,7 +25,7 @@ void StepTest::makeWorkingCopy(const QString &name)
     document().originalFileName.set(name);
     document().loggingToFile.set(true);
     document().submitFilePath.set({});
-    ASSERT_TRUE(run([this] { return document().createWorkingFolderAndLog(); }));
+    ASSERT_TRUE(run([this] { return steps().folder.create(); }));
 }
 
 bool StepTest::run(const std::function<bool()> &step)

@@ -1,10 +1,12 @@
 #pragma once
 
-#include "document/documentextensions.h"
+#include "document/documentcommands.h"
 #include "document/mainwincontroller.h"
-#include "scripting/scriptcommand.h"
+#include "platform/scriptcommand.h"
+#include "run/step.h"
 #include "scripting/scripterrors.h"
 #include "support/items.h"
+#include "support/singlesteps.h"
 #include "support/testhost.h"
 
 #include <gtest/gtest.h>
@@ -13,7 +15,8 @@
 class StepTest : public testing::Test {
 protected:
     MainWinController &document() { return host.document(); }
-    DocumentExtensions &steps() { return document().steps(); }
+    DocumentCommands &commands() { return document().commands(); }
+    SingleSteps steps() { return SingleSteps(document()); }
 
     /// Launches, unless that has been done, and makes the working copy of the item of that name.
     void makeWorkingCopy(const QString &name);

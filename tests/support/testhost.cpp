@@ -1,7 +1,7 @@
 #include "support/testhost.h"
 
 #include "app/preferencekeys.h"
-#include "document/documentextensions.h"
+#include "document/documentcommands.h"
 #include "platform/itempath.h"
 
 #include <QCoreApplication>
@@ -126,7 +126,7 @@ void TestHost::settle()
 void TestHost::submit(const QString &path)
 {
     document().isScripted.set(false);
-    document().steps().submit.submitURL(itempath::toUrl(path));
+    document().commands().submit.submitURL(itempath::toUrl(path));
     settle();
 }
 

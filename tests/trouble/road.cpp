@@ -1,7 +1,9 @@
 #include "trouble/road.h"
+#include "platform/scriptcommand.h"
+#include "scripting/MainWinController+Scripting.h"
 
 #include "app/preferencekeys.h"
-#include "document/documentextensions.h"
+#include "document/documentcommands.h"
 #include "platform/itempath.h"
 #include "scripting/NSApplication+Scripting.h"
 #include "support/items.h"
@@ -183,7 +185,7 @@ void Road::expectSecondWalkSucceeds()
         std::make_shared<ScriptCommand>(QVariantMap{{argument::at, itempath::toUrl(itemPath())}},
                                         [this](const ScriptReply &answer) { reply = answer; });
     command->execute([this](const ScriptCommandPtr &executing) {
-        m_document->steps().scripting.AESubmitForNotarizing(executing);
+        MainWinControllerScripting(*m_document).AESubmitForNotarizing(executing);
     });
     goOnToTheEnd();
     ASSERT_TRUE(reply);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "scripting/scriptcommand.h"
+#include "platform/scriptcommand.h"
 #include "support/testhost.h"
 
 #include <ostream>

@@ -2,7 +2,7 @@
 
 #include "trouble/road.h"
 
-#include "document/documentextensions.h"
+#include "document/documentcommands.h"
 #include "document/mainwincontroller.h"
 #include "platform/loopbackserver.h"
 #include "platform/qt/qturlreader.h"
@@ -144,7 +144,7 @@ TEST_P(BadServiceLog, ofARequestThatIsLookedUpIsShownIfItIsText)
     layVerdict(u"success"_s);
     road.host.tools.answerRun(infoTool, 1, {.output = report}); // there is no poll that comes first
     road.host.application().newDocument(0);
-    road.host.document().steps().requestInfo.infoForRequestUUID(u"1234"_s);
+    road.host.document().commands().requestInfo.infoForRequestUUID(u"1234"_s);
     road.host.settle();
     const bool isShown = row().isText && !row().contents.isNull();
     EXPECT_EQ(road.host.log(LogStyle::bold).contains(u"Contents of LogFileURL:"_s), isShown);

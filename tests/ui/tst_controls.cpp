@@ -4,8 +4,8 @@
 #include "windowtest.h"
 
 #include "app/preferencekeys.h"
-#include "document/documentextensions.h"
-#include "notarization/providernames.h"
+#include "document/documentcommands.h"
+#include "document/providersheet.h"
 #include "platform/itempath.h"
 #include "support/items.h"
 #include "ui/itempanel.h"
@@ -283,7 +283,7 @@ protected:
 TEST_F(ModeChange, hidesWhatDoesNotBelongToItAndMovesNothing)
 {
     const auto before = places();
-    document().steps().submit.prepareForDirectSubmit(QUrl::fromLocalFile(u"/somewhere/Foo.app"_s), {});
+    document().commands().submit.prepareForDirectSubmit(QUrl::fromLocalFile(u"/somewhere/Foo.app"_s), {});
     host.settle();
     const auto during = places();
     const QSet<QString> hidden{u"fetchHistoryButton"_s, u"historyMaxPagesField"_s, u"historyMaxPagesLabel"_s,

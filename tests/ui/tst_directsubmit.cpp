@@ -1,6 +1,7 @@
+#include "notarization/stapleonlyworkflow.h"
 #include "windowtest.h"
 
-#include "document/documentextensions.h"
+#include "document/documentcommands.h"
 #include "platform/itempath.h"
 #include "support/items.h"
 #include "ui/itempanel.h"

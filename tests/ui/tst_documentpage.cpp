@@ -1,7 +1,7 @@
 #include "windowtest.h"
 
-#include "document/documentextensions.h"
-#include "signing/entitlements.h"
+#include "document/documentcommands.h"
+#include "document/entitlementswitches.h"
 #include "support/items.h"
 #include "ui/findbar.h"
 #include "ui/itempanel.h"
@@ -367,7 +367,7 @@ TEST_F(DocumentPageTest, theMenusSubmitIsOffWhileTheDocumentIsBusyOrHoldsADroppe
     EXPECT_FALSE(menuItem(text).isEnabled());
     document().isBusy.set(false);
     EXPECT_TRUE(menuItem(text).isEnabled());
-    document().steps().submit.prepareForDirectSubmit(QUrl::fromLocalFile(host.item(u"Foo.app"_s)), {});
+    document().commands().submit.prepareForDirectSubmit(QUrl::fromLocalFile(host.item(u"Foo.app"_s)), {});
     EXPECT_FALSE(menuItem(text).isEnabled());
 }
 

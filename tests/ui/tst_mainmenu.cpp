@@ -2,7 +2,7 @@
 
 #include "about/aboutcontroller.h"
 #include "app/preferencekeys.h"
-#include "document/documentextensions.h"
+#include "document/documentcommands.h"
 #include "platform/itempath.h"
 #include "support/items.h"
 #include "ui/findbar.h"
@@ -130,7 +130,7 @@ TEST_F(MainMenuTest, guardedItemsAreOffWhileTheDocumentIsBusyAndWhileItHoldsADro
     document().isBusy.set(true);
     EXPECT_FALSE(areOn());
     document().isBusy.set(false);
-    document().steps().submit.prepareForDirectSubmit(QUrl::fromLocalFile(u"/somewhere/Foo.app"_s), {});
+    document().commands().submit.prepareForDirectSubmit(QUrl::fromLocalFile(u"/somewhere/Foo.app"_s), {});
     EXPECT_FALSE(areOn());
     document().perform(Action::doCancelDirectSubmit);
     EXPECT_TRUE(areOn());
@@ -305,7 +305,7 @@ TEST_F(MainMenuTest, closingDuringAnUploadLetsTheToolGoOnUntilItEnds)
 {
     items::makeBundle(host.item(u"Foo.app"_s));
     host.tools.answer(u"altool--notarize-app"_s, {.output = FakeTools::uploadReply(), .hangs = true});
-    document().steps().submit.submitURL(itempath::toUrl(host.item(u"Foo.app"_s)));
+    document().commands().submit.submitURL(itempath::toUrl(host.item(u"Foo.app"_s)));
     host.runUntil([this] { return !host.tools.callsOf(u"altool--notarize-app"_s).isEmpty(); });
     press(Qt::Key_W, Qt::ControlModifier);
     answer(u"Close"_s);

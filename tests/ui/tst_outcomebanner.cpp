@@ -1,3 +1,4 @@
+#include "support/allsteps.h"
 #include "ui/outcomebanner.h"
 #include "windowtest.h"
 
@@ -13,7 +14,7 @@ namespace {
 
 class OutcomeOfARun : public testing::Test {
 protected:
-    OutcomeOfARun() { steps.plan({Step::makeWorkingCopy, Step::awaitResult, Step::staple}); }
+    OutcomeOfARun() { steps.plan({step::makeWorkingCopy, step::awaitResult, step::staple}); }
 
     ManualClock clock;
     StepList steps{clock};
@@ -33,13 +34,13 @@ TEST_F(OutcomeOfARun, isNoneBeforeAndWhileItRuns)
 {
     EXPECT_EQ(outcomeOf(StepList{clock}, words).kind, Kind::none);
     EXPECT_EQ(outcomeOf(steps, words).kind, Kind::none);
-    steps.begin(Step::makeWorkingCopy);
+    steps.begin(step::makeWorkingCopy);
     EXPECT_EQ(outcomeOf(steps, words).kind, Kind::none);
 }
 
 TEST_F(OutcomeOfARun, isTheWaitWithItsNextCheck)
 {
-    steps.begin(Step::awaitResult);
+    steps.begin(step::awaitResult);
     steps.pollIn(30, 0);
     const RunOutcome outcome = outcomeOf(steps, words);
     EXPECT_EQ(outcome.kind, Kind::waiting);
@@ -48,7 +49,7 @@ TEST_F(OutcomeOfARun, isTheWaitWithItsNextCheck)
 
 TEST_F(OutcomeOfARun, isNotarizedAfterTheTicket)
 {
-    steps.begin(Step::staple);
+    steps.begin(step::staple);
     steps.finish(StepState::done);
     EXPECT_EQ(outcomeOf(steps, words),
               (RunOutcome{Kind::notarized, u"Notarized"_s, u"Foo.app is notarized and stapled."_s}));
@@ -56,15 +57,15 @@ TEST_F(OutcomeOfARun, isNotarizedAfterTheTicket)
 
 TEST_F(OutcomeOfARun, isSignedWhereNothingIsStapled)
 {
-    steps.plan({Step::makeWorkingCopy, Step::signMainFile});
-    steps.begin(Step::signMainFile);
+    steps.plan({step::makeWorkingCopy, step::signMainFile});
+    steps.begin(step::signMainFile);
     steps.finish(StepState::done);
     EXPECT_EQ(outcomeOf(steps, words).kind, Kind::isSigned);
 }
 
 TEST_F(OutcomeOfARun, tellsTheErrorOfTheLogWhereTheSheetLeadsThere)
 {
-    steps.begin(Step::makeWorkingCopy);
+    steps.begin(step::makeWorkingCopy);
     steps.finish(StepState::failed);
     words.alertTitle = u"Error Signing Code"_s;
     words.alertText = u"See the log for details."_s;
@@ -75,14 +76,14 @@ TEST_F(OutcomeOfARun, tellsTheErrorOfTheLogWhereTheSheetLeadsThere)
 
 TEST_F(OutcomeOfARun, tellsTheStepWhereNoSheetCame)
 {
-    steps.begin(Step::makeWorkingCopy);
+    steps.begin(step::makeWorkingCopy);
     steps.finish(StepState::failed);
-    EXPECT_EQ(outcomeOf(steps, words).title, stepName(Step::makeWorkingCopy));
+    EXPECT_EQ(outcomeOf(steps, words).title, stepName(step::makeWorkingCopy));
 }
 
 TEST_F(OutcomeOfARun, isARefusalWhenTheServiceSaysSo)
 {
-    steps.begin(Step::awaitResult);
+    steps.begin(step::awaitResult);
     steps.finish(StepState::failed);
     words.errorLine = u"The submission has been rejected"_s;
     EXPECT_EQ(outcomeOf(steps, words).kind, Kind::refused);
@@ -90,7 +91,7 @@ TEST_F(OutcomeOfARun, isARefusalWhenTheServiceSaysSo)
 
 TEST_F(OutcomeOfARun, isCancelled)
 {
-    steps.begin(Step::makeWorkingCopy);
+    steps.begin(step::makeWorkingCopy);
     steps.finish(StepState::cancelled);
     EXPECT_EQ(outcomeOf(steps, words).kind, Kind::cancelled);
 }
@@ -109,24 +110,24 @@ TEST_F(OutcomeBannerTest, isNotThereBeforeARun)
 
 TEST_F(OutcomeBannerTest, staysAfterTheSheetHasGoneUntilTheNextRun)
 {
-    document().stepList.plan({Step::makeWorkingCopy, Step::signMainFile});
-    document().stepList.begin(Step::makeWorkingCopy);
+    document().stepList.plan({step::makeWorkingCopy, step::signMainFile});
+    document().stepList.begin(step::makeWorkingCopy);
     document().stepList.finish(StepState::failed);
     window().beginSheet({u"Error Copying"_s, u"No room."_s, {}}, [](int) {});
     answer(u"OK"_s);
     EXPECT_TRUE(banner().isVisible());
     EXPECT_EQ(title(), u"Error Copying"_s);
     EXPECT_EQ(sentence(), u"No room."_s);
-    document().stepList.plan({Step::makeWorkingCopy});
-    document().stepList.begin(Step::makeWorkingCopy);
+    document().stepList.plan({step::makeWorkingCopy});
+    document().stepList.begin(step::makeWorkingCopy);
     EXPECT_FALSE(banner().isVisible());
 }
 
 TEST_F(OutcomeBannerTest, offersToTryAgainWhatWentWrong)
 {
     document().lastAction.set(signAction);
-    document().stepList.plan({Step::makeWorkingCopy});
-    document().stepList.begin(Step::makeWorkingCopy);
+    document().stepList.plan({step::makeWorkingCopy});
+    document().stepList.begin(step::makeWorkingCopy);
     document().stepList.finish(StepState::failed);
     EXPECT_TRUE(part<QPushButton>(u"outcomeTryAgain"_s).isVisible());
     EXPECT_FALSE(part<QPushButton>(u"outcomeCopyIdentifier"_s).isVisible()) << "nothing has been uploaded";

@@ -1,6 +1,6 @@
 #include "windowtest.h"
 
-#include "document/documentextensions.h"
+#include "document/documentcommands.h"
 #include "ui/providernamesheet.h"
 
 #include <QComboBox>

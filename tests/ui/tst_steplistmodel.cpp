@@ -1,5 +1,6 @@
 // The list of steps as rows of text.
 
+#include "support/allsteps.h"
 #include "ui/steplistmodel.h"
 
 #include "support/fakehost.h"
@@ -13,7 +14,7 @@ using namespace Qt::StringLiterals;
 
 class StepListModelTest : public testing::Test {
 protected:
-    StepListModelTest() { steps.plan({Step::signMainFile, Step::upload, Step::awaitResult, Step::staple}); }
+    StepListModelTest() { steps.plan({step::signMainFile, step::upload, step::awaitResult, step::staple}); }
 
     QStringList texts(int role = Qt::DisplayRole)
     {
@@ -25,7 +26,7 @@ protected:
 
     void wait(qint64 polls, quint64 failures)
     {
-        steps.begin(Step::awaitResult);
+        steps.begin(step::awaitResult);
         steps.pollIn(30, 0);
         for (qint64 poll = 0; poll < polls; ++poll) {
             steps.pollNow();
@@ -48,9 +49,9 @@ TEST_F(StepListModelTest, namesEachStepInItsOrder)
 
 TEST_F(StepListModelTest, tellsAssistiveSoftwareTheStateAndTheTime)
 {
-    steps.begin(Step::signMainFile);
+    steps.begin(step::signMainFile);
     clock.time = clock.time.addSecs(75);
-    steps.begin(Step::upload);
+    steps.begin(step::upload);
     clock.time = clock.time.addSecs(4);
     EXPECT_EQ(texts(Qt::AccessibleTextRole),
               (QStringList{u"Sign main file: done, 1:15"_s, u"Upload to Apple: running, 0:04"_s,
@@ -58,23 +59,23 @@ TEST_F(StepListModelTest, tellsAssistiveSoftwareTheStateAndTheTime)
     steps.finish(StepState::failed);
     EXPECT_EQ(texts(Qt::AccessibleTextRole).mid(1, 2),
               (QStringList{u"Upload to Apple: failed, 0:04"_s, u"Wait for Apple's result: skipped"_s}));
-    steps.begin(Step::awaitResult);
+    steps.begin(step::awaitResult);
     steps.finish(StepState::cancelled);
     EXPECT_EQ(texts(Qt::AccessibleTextRole).at(2), u"Wait for Apple's result: cancelled, 0:00"_s);
 }
 
 TEST_F(StepListModelTest, hasNoTimeForAStepThatHasNotBegun)
 {
-    steps.begin(Step::signMainFile);
+    steps.begin(step::signMainFile);
     EXPECT_EQ(texts(StepListModel::durationRole), (QStringList{u"0:00"_s, {}, {}, {}}));
 }
 
 TEST_F(StepListModelTest, changesTheRowsThatChangeAndNoOthers)
 {
-    steps.begin(Step::signMainFile);
+    steps.begin(step::signMainFile);
     const QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
     const QSignalSpy reset(&model, &QAbstractItemModel::modelReset);
-    steps.begin(Step::upload);
+    steps.begin(step::upload);
     ASSERT_EQ(changed.size(), 2);
     EXPECT_EQ(changed.at(0).at(0).toModelIndex().row(), 0);
     EXPECT_EQ(changed.at(1).at(0).toModelIndex().row(), 1);
@@ -85,7 +86,7 @@ TEST_F(StepListModelTest, beginsAnewWithANewRun)
 {
     wait(0, 0);
     const QSignalSpy reset(&model, &QAbstractItemModel::modelReset);
-    steps.plan({Step::checkSignature, Step::staple});
+    steps.plan({step::checkSignature, step::staple});
     EXPECT_EQ(texts(), (QStringList{u"Check code signature"_s, u"Staple"_s}));
     EXPECT_EQ(reset.size(), 1);
 }
@@ -93,7 +94,7 @@ TEST_F(StepListModelTest, beginsAnewWithANewRun)
 TEST_F(StepListModelTest, knowsTheStepThatRuns)
 {
     EXPECT_FALSE(model.running().isValid());
-    steps.begin(Step::upload);
+    steps.begin(step::upload);
     EXPECT_EQ(model.running().row(), 1);
 }
 
@@ -104,7 +105,7 @@ TEST_F(StepListModelTest, hasALastLineWhileItWaits)
     EXPECT_EQ(texts().last(), u"Next check at 14:03:52 · 7 checks, 1 failed"_s);
     EXPECT_EQ(texts(Qt::AccessibleTextRole).last(), texts().last());
     EXPECT_FALSE(model.index(4).data(StepListModel::stateRole).isValid());
-    steps.begin(Step::staple);
+    steps.begin(step::staple);
     EXPECT_EQ(model.rowCount(), 4);
 }
 
@@ -121,8 +122,8 @@ TEST_F(StepListModelTest, keepsTheLastLineUpToDate)
 TEST_F(StepListModelTest, outlivesTheList)
 {
     auto shortLived = std::make_unique<StepList>(clock);
-    shortLived->plan({Step::staple});
-    shortLived->begin(Step::staple);
+    shortLived->plan({step::staple});
+    shortLived->begin(step::staple);
     const StepListModel orphan(*shortLived);
     shortLived.reset();
     EXPECT_EQ(orphan.index(0).data(Qt::AccessibleTextRole).toString(), u"Staple: running"_s);

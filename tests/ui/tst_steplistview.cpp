@@ -1,3 +1,4 @@
+#include "support/allsteps.h"
 #include "ui/steplistview.h"
 
 #include "document/steplist.h"
@@ -61,9 +62,9 @@ class StepListViewTest : public testing::Test {
 protected:
     StepListViewTest()
     {
-        steps.plan({Step::checkCredentials, Step::makeWorkingCopy, Step::saveEntitlements,
-                    Step::clearAttributes, Step::lockScript, Step::signContents, Step::signMainFile,
-                    Step::makeZipArchive, Step::upload, Step::awaitResult, Step::staple});
+        steps.plan({step::checkCredentials, step::makeWorkingCopy, step::saveEntitlements,
+                    step::clearAttributes, step::lockScript, step::signContents, step::signMainFile,
+                    step::makeZipArchive, step::upload, step::awaitResult, step::staple});
     }
 
     void pass(int seconds) { clock.time = clock.time.addSecs(seconds); }
@@ -71,13 +72,13 @@ protected:
     /// A run that has come to its third poll.
     void runToTheWait()
     {
-        steps.begin(Step::checkCredentials);
+        steps.begin(step::checkCredentials);
         pass(3);
-        steps.begin(Step::signContents);
+        steps.begin(step::signContents);
         pass(12);
-        steps.begin(Step::upload);
+        steps.begin(step::upload);
         pass(252);
-        steps.begin(Step::awaitResult);
+        steps.begin(step::awaitResult);
         for (const quint64 failures : {0, 0, 1}) {
             steps.pollIn(30, failures);
             pass(30);
@@ -127,9 +128,9 @@ TEST_F(StepListViewTest, drawsEachStateInItsOwnWay)
         StepListView view(one);
         view.resize(view.sizeHint());
         view.show();
-        one.plan({Step::staple});
+        one.plan({step::staple});
         if (state != StepState::waiting)
-            one.begin(Step::staple);
+            one.begin(step::staple);
         if (state != StepState::waiting && state != StepState::running)
             one.finish(state);
         const int side = view.fontMetrics().height() * 3 / 2; // the sign alone, without name and time
@@ -141,7 +142,7 @@ TEST_F(StepListViewTest, drawsEachStateInItsOwnWay)
 
 TEST_F(StepListViewTest, showsTheTimeThatHasPassedInTheActiveWindow)
 {
-    steps.begin(Step::checkCredentials);
+    steps.begin(step::checkCredentials);
     StepListView view(steps);
     showInFront(view);
     PaintCounter paints(view);
@@ -154,7 +155,7 @@ TEST_F(StepListViewTest, showsTheTimeThatHasPassedInTheActiveWindow)
 
 TEST_F(StepListViewTest, standsStillInAWindowBehindAnother)
 {
-    steps.begin(Step::checkCredentials);
+    steps.begin(step::checkCredentials);
     StepListView view(steps);
     view.show();
     StepListView front(steps);
@@ -168,7 +169,7 @@ TEST_F(StepListViewTest, standsStillInAWindowBehindAnother)
 
 TEST_F(StepListViewTest, standsStillOnceNothingRuns)
 {
-    steps.begin(Step::checkCredentials);
+    steps.begin(step::checkCredentials);
     StepList ended(clock);
     QWidget window;
     auto *const layout = new QHBoxLayout(&window);
@@ -177,8 +178,8 @@ TEST_F(StepListViewTest, standsStillOnceNothingRuns)
     layout->addWidget(running);
     layout->addWidget(still);
     showInFront(window);
-    ended.plan({Step::staple});
-    ended.begin(Step::staple);
+    ended.plan({step::staple});
+    ended.begin(step::staple);
     ended.finish(StepState::done);
     PaintCounter paints(*running);
     EXPECT_TRUE(QTest::qWaitFor([&] { return paints.count() >= 1; }));
@@ -189,7 +190,7 @@ TEST_F(StepListViewTest, standsStillOnceNothingRuns)
 
 TEST_F(StepListViewTest, catchesUpWhenItsWindowComesToTheFront)
 {
-    steps.begin(Step::checkCredentials);
+    steps.begin(step::checkCredentials);
     StepListView view(steps);
     view.show();
     QWidget front;
@@ -258,7 +259,7 @@ TEST_F(StepListViewTest, keepsTheHeightOfARowThatRuns)
     view.resize(view.minimumSizeHint());
     view.show();
     const int before = view.sizeHintForRow(3);
-    steps.begin(Step::clearAttributes);
+    steps.begin(step::clearAttributes);
     EXPECT_EQ(view.sizeHintForRow(3), before);
 }
 
@@ -270,8 +271,8 @@ TEST_F(StepListViewTest, scrollsToWhatHappens)
     runToTheWait();
     const QModelIndex last = view.model()->index(view.model()->rowCount() - 1, 0);
     EXPECT_TRUE(QTest::qWaitFor([&] { return view.viewport()->rect().contains(view.visualRect(last)); }));
-    steps.plan({Step::checkSignature, Step::staple});
-    steps.begin(Step::checkSignature);
+    steps.plan({step::checkSignature, step::staple});
+    steps.begin(step::checkSignature);
     EXPECT_TRUE(QTest::qWaitFor([&] { return view.verticalScrollBar()->value() == 0; }));
 }
 

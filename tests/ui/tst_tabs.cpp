@@ -1,6 +1,7 @@
 // Windows as tabs: opened, switched, moved, closed, by mouse and keyboard.
 
-#include "document/documentextensions.h"
+#include "document/documentcommands.h"
+#include "scripting/NSWindow+Scripting.h"
 #include "ui/framewindow.h"
 #include "ui/tabbar.h"
 #include "windowtest.h"
@@ -175,7 +176,7 @@ TEST_F(Tabs, theKeysMoveTheTabOnShowAsFarAsTheEnd)
     EXPECT_EQ(move(Qt::Key_PageUp), first);
     EXPECT_EQ(move(Qt::Key_PageDown), inTheMiddle);
     EXPECT_TRUE(field.hasFocus());
-    EXPECT_EQ(at(2).steps().windowScripting.AETabOrderedIndex(), 2) << "and so it is for scripts";
+    EXPECT_EQ(NSWindowScripting(at(2)).AETabOrderedIndex(), 2) << "and so it is for scripts";
 }
 
 TEST_F(Tabs, aTabIsMovedByTheItemsOfTheMenu)
@@ -555,7 +556,7 @@ TEST_F(Tabs, aScriptTakesATabOutALittleAside)
     FrameWindow &group = frame();
     group.move(70, 40);
     const platform::QDRect before = window().boundsAsQDRect();
-    at(1).steps().windowScripting.setAEIsTabbed(false);
+    NSWindowScripting(at(1)).setAEIsTabbed(false);
     until([this] { return frameOf(at(1)).isVisible(); });
     EXPECT_EQ(frameOf(at(1)).pos(), group.pos() + QPoint(21, 23)) << "downward on this screen";
     EXPECT_EQ(frameOf(at(1)).size(), group.size());
@@ -569,15 +570,15 @@ TEST_F(Tabs, aScriptHasAWindowJoinTheOneBehindIt)
     openTwoMore();
     host.application().newDocument(1);
     FrameWindow &group = frameOf(at(0));
-    at(3).steps().windowScripting.setAEIsTabbed(true);
+    NSWindowScripting(at(3)).setAEIsTabbed(true);
     EXPECT_EQ(titles(group), (QStringList{u"Untitled"_s, u"Untitled-2"_s, u"Untitled-4"_s, u"Untitled-3"_s}));
     EXPECT_EQ(tabTexts(group), titles(group));
-    at(3).steps().windowScripting.setAETabOrderedIndex(1);
+    NSWindowScripting(at(3)).setAETabOrderedIndex(1);
     EXPECT_EQ(titles(group), (QStringList{u"Untitled-4"_s, u"Untitled"_s, u"Untitled-2"_s, u"Untitled-3"_s}));
-    at(3).steps().windowScripting.setAEIsVisible(true);
+    NSWindowScripting(at(3)).setAEIsVisible(true);
     EXPECT_EQ(selectedTitle(group), u"Untitled-4"_s);
-    EXPECT_EQ(at(0).steps().windowScripting.AEOrderedIndex(), 1);
-    EXPECT_FALSE(at(0).steps().windowScripting.AEIsVisible());
+    EXPECT_EQ(NSWindowScripting(at(0)).AEOrderedIndex(), 1);
+    EXPECT_FALSE(NSWindowScripting(at(0)).AEIsVisible());
 }
 
 TEST_F(Tabs, aPageKeepsItsFocusOnItsWayThroughAFrameThatHidesIt)

@@ -1,3 +1,4 @@
+#include "notarization/stapleonlyworkflow.h"
 #include "ui/widgetapplication.h"
 
 #include "windowtest.h"

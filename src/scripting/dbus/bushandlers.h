@@ -38,19 +38,22 @@ const BusHandlers &windowHandlers();
 [[nodiscard]] BusInterface busInterface(const QString &name, const QString &className,
                                         const BusHandlers &handlers);
 
-/// The properties of a scripting object, which `receiver` finds for an object of the bus.
-template <class Object>
-BusAccessByKey accessTo(const QList<ScriptProperty<Object>> &properties,
-                        Object &(*receiver)(const BusObject &))
+/// The properties of a scripting object, which `receiver` finds, or makes for the moment, for an object of
+/// the bus.
+template <class Object, class Found>
+BusAccessByKey accessTo(const QList<ScriptProperty<Object>> &properties, Found (*receiver)(const BusObject &))
 {
     BusAccessByKey access;
     for (const ScriptProperty<Object> &property : properties) {
-        BusAccess one{
-            [read = property.read, receiver](const BusObject &object) { return read(receiver(object)); },
-            nullptr, property.takes};
+        BusAccess one{[read = property.read, receiver](const BusObject &object) {
+                          Found found = receiver(object);
+                          return read(found);
+                      },
+                      nullptr, property.takes};
         if (property.write)
             one.write = [write = property.write, receiver](const BusObject &object, const QVariant &value) {
-                write(receiver(object), value);
+                Found found = receiver(object);
+                write(found, value);
             };
         access.insert(property.key, one);
     }

@@ -1,6 +1,6 @@
 #include "app/appdelegate.h"
-#include "document/documentextensions.h"
 #include "document/mainwincontroller.h"
+#include "scripting/MainWinController+Scripting.h"
 #include "scripting/NSApplication+Scripting.h"
 #include "scripting/dbus/busnames.h"
 #include "scripting/dbus/busobjects.h"
@@ -11,9 +11,9 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-MainWinControllerScripting &scripting(const BusObject &object)
+MainWinControllerScripting scripting(const BusObject &object)
 {
-    return object.document->steps().scripting;
+    return MainWinControllerScripting(*object.document);
 }
 
 BusAccessByKey properties()
@@ -26,7 +26,7 @@ BusAccessByKey properties()
 
 QHash<QString, CommandHandler> commands()
 {
-    const CommandsOf<MainWinControllerScripting> carriedOutBy(&scripting);
+    const CommandsOf<MainWinControllerScripting, MainWinControllerScripting> carriedOutBy(&scripting);
     QHash<QString, CommandHandler> all = carriedOutBy.shared();
     all.insert(u"AEFetchLog:"_s, carriedOutBy(&MainWinControllerScripting::AEFetchLog));
     all.insert(u"AEClearLog:"_s, carriedOutBy(&MainWinControllerScripting::AEClearLog));

@@ -3,10 +3,10 @@
 #include "scripting/dbus/bushandlers.h"
 
 /// The handlers of a receiver's commands, by their methods.
-template <class Receiver>
+template <class Receiver, class Found = Receiver &>
 class CommandsOf {
 public:
-    explicit CommandsOf(Receiver &(*receiver)(const BusObject &))
+    explicit CommandsOf(Found (*receiver)(const BusObject &))
         : m_receiver(receiver)
     {
     }
@@ -33,5 +33,5 @@ public:
     }
 
 private:
-    Receiver &(*m_receiver)(const BusObject &);
+    Found (*m_receiver)(const BusObject &);
 };

@@ -1,5 +1,5 @@
-#include "document/documentextensions.h"
 #include "document/mainwincontroller.h"
+#include "scripting/NSWindow+Scripting.h"
 #include "scripting/dbus/bushandlers.h"
 #include "scripting/dbus/busnames.h"
 #include "scripting/dbus/closewindow.h"
@@ -14,9 +14,9 @@ void closeWindow(const BusObject &object, const BusCall &call)
 
 namespace {
 
-NSWindowScripting &scripting(const BusObject &object)
+NSWindowScripting scripting(const BusObject &object)
 {
-    return object.document->steps().windowScripting;
+    return NSWindowScripting(*object.document);
 }
 
 } // namespace

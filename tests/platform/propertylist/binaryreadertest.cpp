@@ -1,6 +1,7 @@
 #include "platform/propertylist/binarylistbuilder.h"
 #include "platform/propertylist/limits.h"
 #include "platform/propertylist/listexpectations.h"
+#include "platform/propertylist/propertylist.h"
 
 #include <QDateTime>
 #include <QtEndian>

@@ -1,5 +1,6 @@
 #include "platform/propertylist/limits.h"
 #include "platform/propertylist/listexpectations.h"
+#include "platform/propertylist/propertylist.h"
 
 #include <QStringEncoder>
 

@@ -1,14 +1,15 @@
-#include "document/itemworkflow.h"
+#include "document/itemcommands.h"
 
-#include "app/appdelegate.h"
-#include "app/preferencekeys.h"
-#include "document/documentextensions.h"
+#include "document/applicationinterface.h"
+#include "document/entitlementswitches.h"
 #include "document/mainwincontroller.h"
-#include "document/workingfoldernames.h"
 #include "platform/applicationhost.h"
 #include "platform/fileservice.h"
 #include "platform/itempath.h"
 #include "platform/preferences.h"
+#include "run/preferencekeys.h"
+#include "run/workingfoldernames.h"
+#include "signing/entitlements.h"
 
 using namespace Qt::StringLiterals;
 
@@ -18,31 +19,35 @@ const QString interfaceIsBlocked = u"Inteface is blocked."_s;
 
 } // namespace
 
-void ItemWorkflow::setStartedByPerson()
+void ItemCommands::setStartedByPerson()
 {
     document.isScripted.set(false);
     document.suppressDialogs.set(false);
 }
 
-void ItemWorkflow::setOriginal(const QUrl &url, LastAction action)
+void ItemCommands::setOriginal(const Item &item, LastAction action)
 {
-    const QString path = itempath::fromUrl(url);
-    document.originalAppletURL.set(itempath::toUrl(path));
-    document.originalFileName.set(itempath::lastComponent(path));
+    document.originalAppletURL.set(item.url());
+    document.originalFileName.set(item.fileName());
     document.lastAction.set(action);
 }
 
-bool ItemWorkflow::recoverOriginal(QStringView suffix)
+Item ItemCommands::original() const
+{
+    return Item::fromUrl(document.originalAppletURL());
+}
+
+bool ItemCommands::recoverOriginal(QStringView suffix)
 {
     auto &files = document.host().files;
-    const QString original = itempath::fromUrl(document.originalAppletURL());
+    const QString original = this->original().path();
     if (files.isReachable(original))
         return true;
     const QString kept = workingfolder::unmodifiedOriginalPath(original, suffix);
     return files.isReachable(kept) && files.copyItem(kept, original);
 }
 
-void ItemWorkflow::reportFileNotFound(const QString &path)
+void ItemCommands::reportFileNotFound(const QString &path)
 {
     document.changeStatus(status::interacting);
     document.beginSheet(
@@ -53,7 +58,7 @@ void ItemWorkflow::reportFileNotFound(const QString &path)
         });
 }
 
-bool ItemWorkflow::beginSubmitting()
+bool ItemCommands::beginSubmitting()
 {
     if (!document.finishEditing(interfaceIsBlocked))
         return false;
@@ -65,20 +70,20 @@ bool ItemWorkflow::beginSubmitting()
     return true;
 }
 
-bool ItemWorkflow::refuse(const QString &title, const QString &text)
+bool ItemCommands::refuse(const QString &title, const QString &text)
 {
     document.finalAlertOrMessage(title, text, text);
     document.host().application.beep();
     return false;
 }
 
-bool ItemWorkflow::checkIdentity(const QString &identity)
+bool ItemCommands::checkIdentity(const QString &identity)
 {
     return identity != noIdentitiesPlaceholder
         || refuse(u"No Identities Found"_s, u"No Developer ID codesigning identities have been found."_s);
 }
 
-void ItemWorkflow::showItem(const QString &name)
+void ItemCommands::showItem(const QString &name)
 {
     document.appletNameField.setStringValue(name);
     document.window().setTitle(document.appDelegate().uniqueWindowNameFrom(name));
@@ -86,18 +91,25 @@ void ItemWorkflow::showItem(const QString &name)
     document.clearLogUnlessKept();
 }
 
-StepOptions ItemWorkflow::stepOptions() const
+StepOptions ItemCommands::stepOptions() const
 {
     return {.signsContents = !document.dontSignEnclosuresCheckbox.isOn(),
             .checksSignature = document.host().preferences.boolean(key::prefDoPostCodesignCheck),
-            .archive = document.steps().archive.chosenStep()};
+            .archive = document.archiveKind()};
 }
 
-bool ItemWorkflow::goesOn(bool stepWorked) const
+std::optional<RunInputs> ItemCommands::signingInputs(const QString &identity) const
 {
-    if (!stepWorked || !document.cancelPressed())
-        return stepWorked;
-    // The cancel has ended the list, but a step may have begun since.
-    document.dispatchToMain([this] { document.stepList.finish(StepState::cancelled); });
-    return false;
+    const QUrl extra = document.extraEntitlementsURL();
+    const auto entitlements =
+        withExtraEntitlements(entitlementsFromSettings(document), extra, document.host().files);
+    if (!entitlements) {
+        document.reportFailure(u"Cannot Read Extra Entitlements"_s, entitlements.error());
+        return std::nullopt;
+    }
+    RunInputs inputs = document.runInputs();
+    inputs.identity = identity;
+    inputs.entitlements = *entitlements;
+    inputs.extraEntitlements = itempath::fromUrl(extra);
+    return inputs;
 }

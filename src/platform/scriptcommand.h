@@ -21,6 +21,9 @@ inline const QString old = QStringLiteral("old"); ///< an item, a file URL
 inline const QString recent = QStringLiteral("new"); ///< the same
 } // namespace argument
 
+/// The number of a failure that only its text explains.
+inline constexpr qint64 scriptErrorGeneral = 7;
+
 /// What a script receives at the end of its command.
 struct ScriptReply {
     QVariant result; ///< invalid for none

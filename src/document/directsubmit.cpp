@@ -1,20 +1,19 @@
 // The mode in which a document holds a dropped item and waits for a person to confirm it.
 
-#include "notarization/submitworkflow.h"
+#include "document/submitcommands.h"
 
 #include "document/mainwincontroller.h"
 #include "platform/itempath.h"
 
 using namespace Qt::StringLiterals;
 
-void SubmitWorkflow::prepareForDirectSubmit(const QUrl &url, const QString &identity)
+void SubmitCommands::prepareForDirectSubmit(const QUrl &url, const QString &identity)
 {
-    const QString path = itempath::fromUrl(url);
-    const QString name = itempath::lastComponent(path);
-    document.originalAppletURL.set(itempath::toUrl(path));
-    document.originalFileName.set(name);
-    document.appletNameField.setStringValue(itempath::abbreviatedWithTilde(path));
-    document.window().setTitle(name);
+    const Item item = Item::fromUrl(url);
+    document.originalAppletURL.set(item.url());
+    document.originalFileName.set(item.fileName());
+    document.appletNameField.setStringValue(itempath::abbreviatedWithTilde(item.path()));
+    document.window().setTitle(item.fileName());
     if (!identity.isNull())
         document.identitiesPopup.selectItemWithTitle(identity);
     _prepareDirectSubmitUI();
@@ -22,7 +21,7 @@ void SubmitWorkflow::prepareForDirectSubmit(const QUrl &url, const QString &iden
     keepStepsPlanned();
 }
 
-void SubmitWorkflow::keepStepsPlanned()
+void SubmitCommands::keepStepsPlanned()
 {
     m_waiting = std::make_unique<QObject>();
     for (const Checkbox *const option : {&document.createDiskImageCheckbox, &document.useDropDMGCheckbox,
@@ -30,7 +29,7 @@ void SubmitWorkflow::keepStepsPlanned()
         QObject::connect(option, &Control::changed, m_waiting.get(), [this] { planSteps(); });
 }
 
-void SubmitWorkflow::setOrdinaryControlsHidden(bool isHidden)
+void SubmitCommands::setOrdinaryControlsHidden(bool isHidden)
 {
     for (Control *control :
          std::initializer_list<Control *>{&document.fetchHistoryButton, &document.historyMaxPagesField,
@@ -38,7 +37,7 @@ void SubmitWorkflow::setOrdinaryControlsHidden(bool isHidden)
         control->setIsHidden(isHidden);
 }
 
-void SubmitWorkflow::_prepareDirectSubmitUI()
+void SubmitCommands::_prepareDirectSubmitUI()
 {
     document.changeStatus(status::interacting);
     setOrdinaryControlsHidden(true);
@@ -50,7 +49,7 @@ void SubmitWorkflow::_prepareDirectSubmitUI()
     document.submitAppButton.setAction(Action::doDirectSubmit);
 }
 
-void SubmitWorkflow::setOrdinaryButtons()
+void SubmitCommands::setOrdinaryButtons()
 {
     setOrdinaryControlsHidden(false);
     document.stapleOnlyButton.setTitle(u"Staple Only…"_s);
@@ -61,7 +60,7 @@ void SubmitWorkflow::setOrdinaryButtons()
     document.submitAppButton.setAction(Action::doSubmit);
 }
 
-void SubmitWorkflow::_cancelDirectSubmitUI()
+void SubmitCommands::_cancelDirectSubmitUI()
 {
     m_waiting.reset();
     document.changeStatus(status::ready);

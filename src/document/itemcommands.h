@@ -2,24 +2,25 @@
 
 #include "document/documentextension.h"
 #include "document/documentfields.h"
-#include "document/plannedsteps.h"
 #include "platform/window.h"
+#include "run/item.h"
+#include "signing/signonlyworkflow.h"
 
-/// What the workflows have in common that begin with an item of the user's.
-class ItemWorkflow : protected DocumentExtension {
+/// What the commands have in common that begin a run on an item of the user's. Main thread.
+class ItemCommands : protected DocumentExtension {
 protected:
-    explicit ItemWorkflow(MainWinController &owner)
+    explicit ItemCommands(MainWinController &owner)
         : DocumentExtension(owner)
     {
     }
-    ~ItemWorkflow() = default;
-
-    // Main thread.
+    ~ItemCommands() = default;
 
     /// A person is there to see dialogs, and no script waits.
     void setStartedByPerson();
-    /// Makes the file URL's item the one that the user chose, and the action the one to offer again.
-    void setOriginal(const QUrl &url, LastAction action);
+    /// Makes the item the one that the user chose, and the action the one to offer again.
+    void setOriginal(const Item &item, LastAction action);
+    /// The item that the user chose last.
+    [[nodiscard]] Item original() const;
     /// Whether an item lies where the user's did. If it has gone, the one that a finished run has kept in the
     /// folder with that suffix is copied back first.
     [[nodiscard]] bool recoverOriginal(QStringView suffix);
@@ -38,9 +39,7 @@ protected:
     void showItem(const QString &name);
     /// What the settings say at this moment about the steps of a run.
     [[nodiscard]] StepOptions stepOptions() const;
-
-    // Worker thread.
-
-    /// Whether the chain goes on: the step has worked, and nobody has cancelled.
-    [[nodiscard]] bool goesOn(bool stepWorked) const;
+    /// What a run that signs takes along; nothing, which has been reported, if its entitlements cannot be
+    /// had.
+    [[nodiscard]] std::optional<RunInputs> signingInputs(const QString &identity) const;
 };

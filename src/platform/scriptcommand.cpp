@@ -1,4 +1,4 @@
-#include "scripting/scriptcommand.h"
+#include "platform/scriptcommand.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "document/workingfoldernames.h"
+#include "run/workingfoldernames.h"
 
 #include "platform/itempath.h"
 

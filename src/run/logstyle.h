@@ -1,0 +1,4 @@
+#pragma once
+
+/// How a stretch of the window log looks.
+enum class LogStyle { plain, error, bold, italic };

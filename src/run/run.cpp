@@ -1,0 +1,23 @@
+#include "run/run.h"
+
+Run::Run(const platform::Host &runHost, RunInputs inputs, RunLog &runLog, ToolSession::Setup setup,
+         std::shared_ptr<LiveChoices> choices, std::shared_ptr<Progress> watcher)
+    : host(runHost)
+    , log(runLog)
+    , tools(std::move(setup), runLog, inputs.logsToFile)
+    , folder(runHost.files, inputs.places,
+             [told = watcher.get()](const Places &places) { told->moved(places); })
+    , live(*choices)
+    , progress(*watcher)
+    , m_inputs(std::move(inputs))
+    , m_live(std::move(choices))
+    , m_progress(std::move(watcher))
+{
+}
+
+void Run::openLog(const QString &path, const QString &banner)
+{
+    log.close();
+    if (m_inputs.logsToFile)
+        log.open(path, banner);
+}

@@ -1,0 +1,47 @@
+#include "run/toolsession.h"
+
+#include "run/runlog.h"
+
+SLWTaskResponsePtr ToolSession::run(const QString &path, const QStringList &args)
+{
+    const std::scoped_lock turn(
+        m_setup.runner->monitor()); // until the data is ours, no other document's run may empty it
+    const auto response = m_setup.runner->runTool(path, args, m_setup.owner);
+    response->keepData();
+    return response;
+}
+
+SLWTaskResponsePtr ToolSession::runAndLog(const QString &path, const QStringList &args)
+{
+    return logged(run(path, args));
+}
+
+SLWTaskResponsePtr ToolSession::askService(const QStringList &args)
+{
+    return runAltool(m_setup.runner, args);
+}
+
+SLWTaskResponsePtr ToolSession::askServiceAndLog(const QStringList &args)
+{
+    return logged(askService(args));
+}
+
+SLWTaskResponsePtr ToolSession::uploadAndLog(const QStringList &args)
+{
+    return logged(runAltool(m_setup.uploadRunner, args));
+}
+
+SLWTaskResponsePtr ToolSession::runAltool(const SLWTaskMasterPtr &runner, const QStringList &args)
+{
+    const std::scoped_lock turn(runner->monitor());
+    const auto response = runner->runAltoolAt(m_setup.altoolPath, args, m_setup.owner);
+    response->keepData();
+    return response;
+}
+
+SLWTaskResponsePtr ToolSession::logged(SLWTaskResponsePtr response)
+{
+    if (m_logsToFile)
+        m_log.logToFile(response->fileLogString());
+    return response;
+}
