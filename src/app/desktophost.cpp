@@ -1,6 +1,7 @@
 #include "app/desktophost.h"
 
 #include "app/preferencekeys.h"
+#include "commit.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -91,7 +92,7 @@ AppDelegate::Configuration DesktopHost::configuration()
             .website = QUrl(u"https://sealwright.org/"_s),
             .usersForum = QUrl(u"https://sealwright.org/forum"_s),
             .information = {{u"CFBundleShortVersionString"_s, QStringLiteral(SEALWRIGHT_VERSION)},
-                            {u"CFBundleVersion"_s, QStringLiteral(SEALWRIGHT_BUILD)},
+                            {u"CFBundleVersion"_s, QStringLiteral(SEALWRIGHT_COMMIT)},
                             {u"NSHumanReadableCopyright"_s, u"Copyright © 2026 The Sealwright authors"_s}},
             .credits = u":/Credits.rtf"_s,
             .buildDate = QStringLiteral(SEALWRIGHT_BUILD_DATE)};

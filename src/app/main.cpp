@@ -1,4 +1,5 @@
 #include "app/desktophost.h"
+#include "commit.h"
 #include "scripting/dbus/scriptingbus.h"
 
 #include <QApplication>
@@ -86,6 +87,9 @@ int runDesktopApplication()
 
 int main(int argc, char **argv)
 {
+    if (argc == 2 && qstrcmp(argv[1], "--version") == 0) // for whoever reports a fault; nothing is opened
+        return std::puts("sealwright " SEALWRIGHT_VERSION " (" SEALWRIGHT_COMMIT ")") < 0 ? EXIT_FAILURE
+                                                                                          : EXIT_SUCCESS;
     choosePlatform();
     const QApplication application(argc, argv);
     describe();

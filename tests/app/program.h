@@ -34,10 +34,10 @@ protected:
                         (QStringLiteral("[General]\n") + lines.join(u'\n') + u'\n').toUtf8());
     }
 
-    void start(QProcess &process, const QString &path) const
+    void start(QProcess &process, const QString &path, const QStringList &arguments = {}) const
     {
         process.setProcessEnvironment(environment);
-        process.start(path, {});
+        process.start(path, arguments);
         EXPECT_TRUE(process.waitForStarted());
     }
     /// Waits for the end; the exit status, or -1 if a signal ended it.

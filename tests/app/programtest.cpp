@@ -7,6 +7,7 @@
 
 #include <QDBusConnectionInterface>
 #include <QDir>
+#include <QRegularExpression>
 
 using namespace Qt::StringLiterals;
 
@@ -55,6 +56,16 @@ protected:
 };
 
 } // namespace
+
+TEST_F(BuiltProgram, tellsTheCommitThatItWasBuiltFromAndOpensNothing)
+{
+    Program::start(process, program, {u"--version"_s});
+    EXPECT_EQ(end(process), 0);
+    static const QRegularExpression line(
+        u"\\Asealwright [0-9.]+ \\(([0-9a-f]{10}(-dirty)?|unknown)\\)\\n\\z"_s);
+    const QString output = QString::fromUtf8(process.readAllStandardOutput());
+    EXPECT_TRUE(line.match(output).hasMatch()) << output.toStdString();
+}
 
 TEST_F(BuiltProgram, isReadyWithOneDocumentAndQuitsOnlyWhenTold)
 {
