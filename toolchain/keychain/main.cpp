@@ -152,8 +152,10 @@ int main(int argc, char **argv)
     for (const Option &option : vaultOptions())
         options.push_back(option);
     const auto arguments = parseArguments(wordsOf(argc, argv), options);
+    const bool isUnknown = arguments.error.starts_with("unrecognized");
     if (!arguments.error.empty())
-        return refuseArguments("sealwright-keychain", arguments.error, usage);
+        return refuseArguments("sealwright-keychain", arguments.error, usage,
+                               isUnknown ? notBuiltStatus : usageStatus);
     if (arguments.has("-h")) {
         print(usage);
         print("\n" + std::string(vaultUsage()) + "\n" + std::string(vaultDetails()));
