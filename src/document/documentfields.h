@@ -33,6 +33,10 @@ struct DocumentFields {
 
     /// The item being worked on: the copy in the working folder.
     Property<QUrl> appletURL;
+    /// The folder that holds it in truth, where that could not be given its last name; null otherwise.
+    Property<QString> folderLeftIn;
+    /// Tells others that this document's run works in its folder.
+    Property<std::shared_ptr<platform::FolderClaim>> folderClaim;
     /// The item that the user chose, where it lies.
     Property<QUrl> originalAppletURL;
     /// The last path component of that item, extension included.

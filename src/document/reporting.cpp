@@ -63,7 +63,7 @@ void MainWinController::beginSuccessSheet(const platform::Alert &alert)
 {
     beginSheet(alert, [this](int answer) {
         if (answer == platform::alertSecondButton)
-            host().workspace.revealItem(itempath::fromUrl(appletURL()));
+            host().workspace.revealItem(itempath::fromUrl(whereItLies(appletURL())));
         changeStatus(status::ready);
     });
 }
@@ -78,6 +78,7 @@ void MainWinController::endWorkflow()
     canCancel.set(false);
     isScripted.set(false);
     suppressDialogs.set(false);
+    folderClaim.set(nullptr);
 }
 
 QUrl MainWinController::scriptResult() const

@@ -22,6 +22,8 @@ RunInputs MainWinController::runInputs() const
 RunPtr MainWinController::makeRun(const RunInputs &inputs, std::function<void(Run &)> atEnd)
 {
     m_runCount.increment();
+    folderClaim.set(nullptr);
+    folderLeftIn.set({});
     const auto watcher =
         std::make_shared<RunWatcher>(shared_from_this(), m_runCount(), inputs.places, std::move(atEnd));
     const ToolSession::Setup tools{.runner = taskRunner(),
@@ -52,7 +54,7 @@ void MainWinController::endSigning()
     const bool isSilent = suppressDialogs(); // as it was when the work ended: a cancel clears it
     dispatchToMain([this, isSilent] {
         changeStatus(isSilent ? status::ready : status::interacting);
-        resumeScript(appletURL());
+        resumeScript(whereItLies(appletURL()));
         endWorkflow();
         if (!isSilent)
             beginSuccessSheet({u"Signing Successful"_s,
@@ -67,7 +69,7 @@ void MainWinController::endStapling()
     if (!isSilent)
         changeStatus(status::interacting); // at once, unlike after signing
     dispatchToMain([this, isSilent] {
-        resumeScript(scriptResult());
+        resumeScript(whereItLies(scriptResult()));
         endWorkflow();
         if (isSilent)
             return changeStatus(status::ready);
@@ -80,10 +82,18 @@ void MainWinController::endStapling()
 void MainWinController::endWithUpload()
 {
     dispatchToMain([this] {
-        resumeScript(appletURL());
+        resumeScript(whereItLies(appletURL()));
         changeStatus(status::ready);
         endWorkflow();
     });
+}
+
+QUrl MainWinController::whereItLies(const QUrl &url) const
+{
+    const QString folder = folderLeftIn();
+    if (folder.isNull())
+        return url;
+    return itempath::toUrl(itempath::appending(folder, itempath::lastComponent(itempath::fromUrl(url))));
 }
 
 QString MainWinController::itemName() const

@@ -81,8 +81,15 @@ void RunWatcher::moved(const Places &places)
         m_document->originalAppletURL.set(itempath::toUrl(places.original));
     if (places.item != before.item)
         m_document->appletURL.set(itempath::toUrl(places.item));
+    if (places.leftIn != before.leftIn)
+        m_document->folderLeftIn.set(places.leftIn);
     if (places.upload != before.upload)
         m_document->submitFilePath.set(places.upload);
+}
+
+void RunWatcher::claimed(std::shared_ptr<platform::FolderClaim> claim)
+{
+    m_document->folderClaim.set(std::move(claim));
 }
 
 void RunWatcher::changedStatus(QStringView status)

@@ -28,6 +28,7 @@ public:
     void ended(Run &run) override;
     void endedWithUpload() override;
     void moved(const Places &places) override;
+    void claimed(std::shared_ptr<platform::FolderClaim> claim) override;
     void changedStatus(QStringView status) override;
     void offersCancel(CancelOffer offer) override;
     void awaitsVerdict() override;

@@ -33,7 +33,11 @@ QString staplerFailureLine(const SLWTaskResponse &response)
 StepResult runStapler(Run &run)
 {
     const bool isSubmission = run.folder.isSubmitted();
-    const auto response = run.tools.run(xcrunTool, staplerArguments(run.itemPath()));
+    if (run.folder.hasItemChanged())
+        run.log.logError(
+            u"The item has changed since it was uploaded: '%1'. The ticket is for what it was, and its signature may no longer hold."_s
+                .arg(run.folder.itemPlace()));
+    const auto response = run.tools.run(xcrunTool, staplerArguments(run.folder.itemPlace()));
     if (run.log.isOpen())
         run.log.logToFile(response->fileLogString());
     if (response->status() != 0)
@@ -42,7 +46,7 @@ StepResult runStapler(Run &run)
     run.log.close(); // before the folder's new name moves the file
     if (isSubmission) {
         run.folder.moveOriginalIn();
-        run.folder.renameTo(workingfolder::notarized);
+        run.nameFolder(workingfolder::notarized);
     }
     return Done{};
 }

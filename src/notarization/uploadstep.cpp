@@ -8,11 +8,14 @@
 #include "run/workingfoldernames.h"
 #include "tools/failureline.h"
 
+#include <QFile>
 #include <QUuid>
 
 using namespace Qt::StringLiterals;
 
 namespace {
+
+constexpr qsizetype longestName = 255; // bytes, on nearly every file system
 
 Failure failedUpload(Run &run, const SLWTaskResponse &response)
 {
@@ -32,9 +35,16 @@ Failure noIdentifier(Run &run, const SLWTaskResponse &response)
 
 void saveRequestUUID(Run &run)
 {
-    run.host.files
-        .writeFileAtomically(run.folder.path(workingfolder::requestUUIDName), run.requestUUID.toUtf8())
-        .ignore();
+    const QString path = run.folder.path(workingfolder::requestUUIDName);
+    const auto saved = run.host.files.writeFileAtomically(path, run.requestUUID.toUtf8());
+    if (!saved) // the service has the file all the same, and only the identifier leads back to it
+        run.log.logString(
+            u"The identifier of the request, %1, is not saved: %2"_s.arg(run.requestUUID, saved.error()));
+}
+
+bool isTooLong(const QString &name)
+{
+    return QFile::encodeName(name).size() > longestName;
 }
 
 /// What has been made of the item, or else the item itself.
@@ -51,7 +61,8 @@ StepResult accept(Run &run, const UploadReceipt &receipt)
     run.live.uploadAccepted();
     if (!receipt.successMessage.isNull())
         run.log.logBoldString(u"Upload result: %1"_s.arg(receipt.successMessage));
-    run.folder.renameTo(workingfolder::submitted);
+    run.nameFolder(workingfolder::submitted);
+    run.folder.rememberItem();
     run.requestUUID = receipt.requestUUID;
     saveRequestUUID(run);
     if (run.live.skipsStapling())
@@ -69,6 +80,12 @@ QString fallbackIdentifier(const QString &itemPath)
 StepResult uploadForNotarizing(Run &run)
 {
     chooseUpload(run);
+    if (const QString name = workingfolder::name(run.folder.base(), workingfolder::submitted);
+        isTooLong(name))
+        return Failure{
+            u"Error Uploading File"_s,
+            u"The item's name is too long: no folder can be called '%1', and the request's identifier would be lost."_s
+                .arg(name)};
     run.log.logBoldString(
         u"Uploading file to Apple for notarizing. This can take a while, depending on file size, upload speed, and any other uploads in progress. Do not interrupt this process..."_s);
     const auto response = run.tools.uploadAndLog(

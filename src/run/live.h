@@ -10,8 +10,9 @@ struct Places;
 struct Step;
 
 namespace platform {
+class FolderClaim;
 class Timer;
-}
+} // namespace platform
 
 /// The kinds of archive that a bundle is packed into.
 enum class ArchiveKind { zip, diskImage, diskImageByDropDMG };
@@ -59,6 +60,8 @@ public:
     virtual void endedWithUpload() = 0;
 
     virtual void moved(const Places &places) = 0;
+    /// The run works in its folder until its end, and the claim tells others so.
+    virtual void claimed(std::shared_ptr<platform::FolderClaim> claim) = 0;
     virtual void changedStatus(QStringView status) = 0;
     virtual void offersCancel(CancelOffer offer) = 0;
 

@@ -5,14 +5,23 @@ Run::Run(const platform::Host &runHost, RunInputs inputs, RunLog &runLog, ToolSe
     : host(runHost)
     , log(runLog)
     , tools(std::move(setup), runLog, inputs.logsToFile)
-    , folder(runHost.files, inputs.places,
-             [told = watcher.get()](const Places &places) { told->moved(places); })
+    , folder(
+          runHost.files, inputs.places, [told = watcher.get()](const Places &places) { told->moved(places); },
+          [told = watcher.get()](std::shared_ptr<platform::FolderClaim> claim) {
+              told->claimed(std::move(claim));
+          })
     , live(*choices)
     , progress(*watcher)
     , m_inputs(std::move(inputs))
     , m_live(std::move(choices))
     , m_progress(std::move(watcher))
 {
+}
+
+void Run::nameFolder(QStringView suffix)
+{
+    if (const auto named = folder.renameTo(suffix); !named)
+        log.logString(named.error());
 }
 
 void Run::openLog(const QString &path, const QString &banner)

@@ -52,6 +52,8 @@ public:
     const QString &itemPath() const { return folder.places().item; }
     /// Opens the log file, if one is wanted, with the banner at its head. One that is open is closed first.
     void openLog(const QString &path, const QString &banner);
+    /// Gives the folder its next name. That it has kept the one it had is a line of the log and no failure.
+    void nameFolder(QStringView suffix);
 
     const platform::Host &host;
     RunLog &log;

@@ -3,10 +3,12 @@
 #include "platform/result.h"
 
 #include <functional>
+#include <memory>
 
 namespace platform {
 class FileService;
-}
+class FolderClaim;
+} // namespace platform
 
 /// Where the things of a run lie. Paths.
 struct Places {
@@ -14,6 +16,8 @@ struct Places {
     QString fileName; ///< its last component, which the folder is named for
     QString item; ///< what is worked on: the copy in the working folder, or the item itself
     QString upload; ///< the file that is uploaded; null until there is one
+    QString leftIn = {}; ///< the folder that holds all this in truth, where it has not got its last name;
+                         ///< null otherwise
 };
 
 /// The folder beside the item in which a run works, from its making to its last name, and the item's way into
@@ -22,17 +26,23 @@ class RunFolder {
 public:
     /// Whoever keeps the places as well is told each time that one changes.
     using Moved = std::function<void(const Places &)>;
+    /// Whoever ends the run gets the claim on its folder, and lets go of it then.
+    using Claimed = std::function<void(std::shared_ptr<platform::FolderClaim>)>;
 
-    RunFolder(platform::FileService &files, Places places, Moved moved)
+    RunFolder(platform::FileService &files, Places places, Moved moved, Claimed claimed)
         : m_files(files)
         , m_places(std::move(places))
         , m_moved(std::move(moved))
+        , m_claimed(std::move(claimed))
     {
     }
 
     const Places &places() const { return m_places; }
-    /// The folder that the item lies in.
+    /// The folder that the item lies in: the one that it has been left in, where it could not get its new
+    /// name.
     QString path() const;
+    /// Where the item really lies. The places name where it should.
+    QString itemPlace() const;
     /// Path of something in it.
     QString path(QStringView name) const;
     /// The item's name without its extension.
@@ -45,7 +55,9 @@ public:
     void setItem(const QString &path);
     void setUpload(const QString &path);
 
-    /// Makes the folder, empty. What an earlier run has left under its name goes.
+    /// Makes the folder, empty. What an earlier run has left under its name goes, but for an original of the
+    /// person's, which is put away. Fails where another run works in the folder, or waits for the verdict in
+    /// the one that it becomes.
     platform::Outcome remove();
     platform::Outcome create();
     platform::Outcome empty();
@@ -53,10 +65,15 @@ public:
     platform::Outcome copyOriginal();
 
     /// Gives the folder its next name. What has that name goes to the trash, or where there is none, gets
-    /// " - old" behind its name. Nothing is reported, and the places are the new ones in any case.
-    void renameTo(QStringView suffix);
+    /// " - old" behind its name. The places are the new ones in any case; a failure tells where all of it
+    /// lies.
+    platform::Outcome renameTo(QStringView suffix);
     /// Puts the user's untouched item into the folder, after a success. Nothing is reported.
     void moveOriginalIn();
+
+    /// Keeps what the item is like, and tells whether it is still like that.
+    void rememberItem();
+    bool hasItemChanged() const;
 
     /// Deletes the file that is uploaded, unless it is the item itself.
     void removeUpload();
@@ -64,10 +81,16 @@ public:
 
 private:
     QString folderNamed(const QString &beside, QStringView suffix) const;
+    QString folderAtWork() const;
+    platform::Outcome makeRoom(const QString &path);
+    bool holdsOriginal(const QString &folder) const;
     void putAway(const QString &earlier);
     void tell() { m_moved(m_places); }
 
     platform::FileService &m_files;
     Places m_places;
     const Moved m_moved;
+    const Claimed m_claimed;
+    std::weak_ptr<platform::FolderClaim> m_claim;
+    QByteArray m_itemState;
 };

@@ -90,7 +90,7 @@ bool Driver::fail(const Failure &failure)
     qCDebug(runLogging).noquote() << "fails:" << failure.title << failure.logLine;
     m_run->progress.failed(failure);
     if (failure.folder == FolderFate::isNamedFailed)
-        m_run->folder.renameTo(workingfolder::failed);
+        m_run->nameFolder(workingfolder::failed);
     return end(State::failed);
 }
 

@@ -36,10 +36,11 @@ signingarguments::CodesignOptions options(const Run &run)
 
 void lockScriptIn(Run &run, const QString &app)
 {
-    const QString script = app + u"/Contents/Resources/Scripts/main.scpt"_s;
+    const QString inside = u"Contents/Resources/Scripts/main.scpt"_s;
+    const QString script = itempath::appending(app, inside);
     if (!run.host.files.isReachable(script))
         return;
-    const bool isLocked{run.host.files.setPermissions(script, readOnlyForAll)};
+    const bool isLocked{run.host.files.setPermissionsInside(app, inside, readOnlyForAll)};
     if (run.tools.logsToFile())
         run.log.logToFile(u"Locking main.scpt: %1, result: %2"_s.arg(script, isLocked ? u"1"_s : u"0"_s));
 }

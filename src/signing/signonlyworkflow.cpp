@@ -36,7 +36,7 @@ Workflow signOnlyWorkflow(const Item &item, const StepOptions &options)
 StepResult keepSignedCopy(Run &run)
 {
     run.folder.moveOriginalIn();
-    run.folder.renameTo(workingfolder::codeSigned);
+    run.nameFolder(workingfolder::codeSigned);
     run.log.logBoldString(u"Code-signing succeeded."_s);
     run.log.close();
     return Done{};

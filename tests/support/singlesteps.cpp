@@ -124,7 +124,7 @@ bool SingleSteps::Folder::create() const
 
 void SingleSteps::Folder::renameTo(const QString &suffix) const
 {
-    document.makeRun(document.runInputs(), {})->folder.renameTo(suffix);
+    document.makeRun(document.runInputs(), {})->folder.renameTo(suffix).ignore();
 }
 
 void SingleSteps::Folder::moveOriginalIn() const
