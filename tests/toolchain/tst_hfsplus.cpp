@@ -204,6 +204,16 @@ TEST_F(HfsPlusVolume, withAFileThatLiesOutsideOfItCannotBeCopied)
     EXPECT_TRUE(QString::fromStdString(copied()).endsWith(u"/inner/ee: cannot be read from the image"_s));
 }
 
+TEST_F(HfsPlusVolume, thatClaimsToHoldMoreThanThereIsRoomForIsRefusedAtOnce)
+{
+    const auto first = quint32(m_volume.indexOf(QByteArray(4096, 'a')) / 4096);
+    QByteArray large = forkWith({first, 10});
+    large.replace(0, 8, BigEndianBytes().u64(quint64(1) << 61).bytes());
+    replace(forkWith({first, 10}), large);
+    EXPECT_TRUE(QString::fromStdString(copied()).endsWith(u" bytes, for which there is no room"_s));
+    EXPECT_TRUE(QDir(path(u"copy"_s)).isEmpty());
+}
+
 TEST_F(HfsPlusVolume, cannotWriteOutsideOfTheCopy)
 {
     const QByteArray length("\0\2", 2);

@@ -9,13 +9,16 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <deque>
 #include <map>
 #include <set>
+#include <vector>
 
 namespace fs = std::filesystem;
 
@@ -37,6 +40,10 @@ public:
 
     std::string copy(const fs::path &target)
     {
+        struct statvfs room = {};
+        if (statvfs(target.c_str(), &room) == 0 && contentSize() / room.f_frsize > room.f_bavail)
+            return target.string() + ": the volume holds " + std::to_string(contentSize())
+                + " bytes, for which there is no room";
         m_folders.push_back({target, &m_volume.rootFolder()});
         for (std::size_t place = 0; place < m_folders.size() && m_error.empty(); ++place)
             copyContents(m_folders[place].path, m_folders[place].entry->number);
@@ -51,6 +58,27 @@ private:
         fs::path path;
         const VolumeEntry *entry = nullptr;
     };
+
+    /// What all files claim to hold together, in bytes; they may share what they have on the volume.
+    [[nodiscard]] quint64 contentSize() const
+    {
+        constexpr quint64 most = quint64(1) << 62;
+        quint64 size = 0;
+        std::set<quint32> seen;
+        std::vector<quint32> folders{m_volume.rootFolder().number};
+        while (!folders.empty()) {
+            const quint32 number = folders.back();
+            folders.pop_back();
+            if (!seen.insert(number).second)
+                continue;
+            for (const VolumeEntry &entry : m_volume.entriesOf(number)) {
+                size = std::min(most, size + std::min(most, entry.data.size));
+                if (S_ISDIR(entry.mode))
+                    folders.push_back(entry.number);
+            }
+        }
+        return size;
+    }
 
     void copyContents(const fs::path &folder, quint32 number)
     {
