@@ -34,7 +34,8 @@ protected:
 
     void makeSignedArchive() const
     {
-        ASSERT_EQ(sign(app()).status, 0);
+        const ToolResult signing = sign(app());
+        ASSERT_EQ(signing.status, 0) << signing.error.toStdString();
         ASSERT_EQ(pack(app(), archive()).status, 0);
     }
 
@@ -194,7 +195,8 @@ TEST_F(Altool, aBundleWithoutASealIsRefused)
 
 TEST_F(Altool, filesThatDoNotAgreeWithTheSealAreNamed)
 {
-    ASSERT_EQ(sign(app()).status, 0);
+    const ToolResult signing = sign(app());
+    ASSERT_EQ(signing.status, 0) << signing.error.toStdString();
     writeFile(app() + u"/Contents/Resources/Größe.txt"_s, "changed");
     writeFile(app() + u"/Contents/Resources/added"_s, "new");
     QFile::remove(bundlebuilder::frameworkVersionOf(app()) + u"/Inner"_s);
@@ -211,7 +213,8 @@ TEST_F(Altool, filesThatDoNotAgreeWithTheSealAreNamed)
 
 TEST_F(Altool, aLinkThatLeadsElsewhereDoesNotAgreeWithTheSeal)
 {
-    ASSERT_EQ(sign(app()).status, 0);
+    const ToolResult signing = sign(app());
+    ASSERT_EQ(signing.status, 0) << signing.error.toStdString();
     const QString link = app() + u"/Contents/Frameworks/Inner.framework/Inner"_s;
     ASSERT_TRUE(QFile::remove(link) && QFile::link(u"elsewhere"_s, link));
     ASSERT_EQ(pack(app(), archive()).status, 0);
@@ -241,7 +244,8 @@ TEST_F(Altool, anArchiveWithoutABundleIsRefused)
 
 TEST_F(Altool, aBundleWithoutItsExecutableIsRefused)
 {
-    ASSERT_EQ(sign(app()).status, 0);
+    const ToolResult signing = sign(app());
+    ASSERT_EQ(signing.status, 0) << signing.error.toStdString();
     QFile::remove(app() + u"/Contents/MacOS/My App"_s);
     ASSERT_EQ(pack(app(), archive()).status, 0);
     EXPECT_EQ(issuesOfRefusal().value(u"My App.zip/My App.app/Contents/MacOS/My App"_s),
