@@ -6,8 +6,6 @@
 #include <QJsonDocument>
 #include <QThread>
 
-#include <signal.h>
-
 using namespace Qt::StringLiterals;
 using namespace toolchain::notary;
 
@@ -24,15 +22,6 @@ void NotaryFixture::SetUp()
     const ToolResult started = run(service, {u"--control"_s});
     ASSERT_EQ(started.status, 0) << started.error.toStdString();
     ASSERT_TRUE(started.output.startsWith(u"https://127.0.0.1:"_s)) << started.output.toStdString();
-}
-
-void NotaryFixture::TearDown()
-{
-    const auto pid =
-        QJsonDocument::fromJson(bundlebuilder::readFile(statePath(u"notary/service/address.json"_s)));
-    const qint64 process = pid[u"pid"].toInteger();
-    if (process > 1)
-        kill(pid_t(process), SIGTERM);
 }
 
 ServiceConfig NotaryFixture::config() const

@@ -10,7 +10,6 @@
 class NotaryFixture : public ToolFixture {
 protected:
     void SetUp() override;
-    void TearDown() override;
 
     [[nodiscard]] toolchain::notary::ServiceConfig config() const;
 

@@ -4,9 +4,14 @@
 
 #include "platform/propertylist/propertylist.h"
 
+#include <QFile>
 #include <QFileInfo>
+#include <QJsonDocument>
 #include <QProcessEnvironment>
+#include <QThread>
 #include <QVariantMap>
+
+#include <signal.h>
 
 using namespace Qt::StringLiterals;
 
@@ -24,6 +29,21 @@ QStringList withCredentials(QStringList arguments)
 void ToolFixture::SetUp()
 {
     ASSERT_TRUE(m_folder.isValid());
+}
+
+void ToolFixture::TearDown()
+{
+    stopService();
+}
+
+void ToolFixture::stopService() const
+{
+    QFile file(statePath(u"notary/service/address.json"_s));
+    if (!file.open(QIODevice::ReadOnly))
+        return;
+    const auto process = pid_t(QJsonDocument::fromJson(file.readAll())[u"pid"].toInteger());
+    for (int look = 0; process > 1 && kill(process, SIGTERM) == 0 && look < 200; ++look)
+        QThread::msleep(10);
 }
 
 QString ToolFixture::toolRoot()

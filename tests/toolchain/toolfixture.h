@@ -39,6 +39,10 @@ protected:
         QStringLiteral("Developer ID Application: Example Corp (A1B2C3D4E5)");
 
     void SetUp() override;
+    void TearDown() override;
+
+    /// Ends the notary service of this test's state, if one runs.
+    void stopService() const;
 
     /// The folder of the built tools.
     [[nodiscard]] static QString toolRoot();

