@@ -223,6 +223,7 @@ TEST(Requirements, comeBackFromTheirBinaryFormAsTheSameText)
                                 u"identifier \"a \\\" and \\\\ b\""_s,
                                 u"identifier 0x00ff"_s,
                                 u"anchor apple"_s,
+                                u"anchor apple \"X\" and always"_s,
                                 u"anchor apple generic and (identifier a or identifier b)"_s,
                                 u"identifier a and identifier b or identifier c"_s,
                                 u"! identifier a"_s,

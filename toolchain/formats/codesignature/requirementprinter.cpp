@@ -56,6 +56,13 @@ QString stringText(const QByteArray &bytes)
     return isBareWord(text) ? text : quoted(text);
 }
 
+/// Where a bare word would be taken for the next part of the expression.
+QString alwaysQuoted(const QByteArray &bytes)
+{
+    const QString text = stringText(bytes);
+    return text.startsWith(u'"') || text.startsWith(u"0x"_s) ? text : quoted(text);
+}
+
 /// A key between brackets, where dots need no quotes.
 QString keyText(const QByteArray &bytes)
 {
@@ -146,7 +153,7 @@ private:
         case Operation::AppleGenericAnchor:
             return add(u"anchor apple generic"_s);
         case Operation::NamedAnchor:
-            return add(u"anchor apple "_s + stringText(m_reader.data()));
+            return add(u"anchor apple "_s + alwaysQuoted(m_reader.data()));
         case Operation::NamedCode:
             return add(u'(' + stringText(m_reader.data()) + u')');
         case Operation::CdHash:
