@@ -42,7 +42,13 @@ void ToolFixture::stopService() const
     if (!file.open(QIODevice::ReadOnly))
         return;
     const auto process = pid_t(QJsonDocument::fromJson(file.readAll())[u"pid"].toInteger());
-    for (int look = 0; process > 1 && kill(process, SIGTERM) == 0 && look < 200; ++look)
+    if (process <= 1 || kill(process, SIGTERM) != 0)
+        return;
+    const auto isThere = [process] { // what has ended and waits for its parent has no command line any more
+        QFile line(u"/proc/%1/cmdline"_s.arg(process));
+        return line.open(QIODevice::ReadOnly) && !line.readAll().isEmpty();
+    };
+    for (int look = 0; isThere() && look < 200; ++look)
         QThread::msleep(10);
 }
 
