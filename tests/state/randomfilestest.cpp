@@ -1,0 +1,347 @@
+// What a person owns, under random runs of two applications in one folder: items of one name, kills, trash
+// that fails, and files and links of the person's in the way. The seed is printed; SEALWRIGHT_SEED and
+// SEALWRIGHT_STEPS repeat a walk or make a longer one.
+
+#include "state/instanttools.h"
+#include "support/items.h"
+#include "support/testhost.h"
+
+#include "document/mainwincontroller.h"
+#include "platform/itempath.h"
+#include "platform/scriptcommand.h"
+#include "scripting/NSApplication+Scripting.h"
+
+#include <QDirIterator>
+
+#include <gtest/gtest.h>
+
+#include <iostream>
+#include <random>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int usualSeed = 20261122;
+constexpr int usualSteps = 2'000;
+constexpr int stepsBetweenSearches = 20;
+constexpr qsizetype mostDocuments = 4;
+constexpr qsizetype mostThings = 60;
+constexpr int patience = 100; // milliseconds for workers that wait for one another
+
+// One base, and one that is written in two ways.
+const QStringList itemNames{u"Foo.app"_s,    u"Foo.pkg"_s,      u"Foo.dmg"_s,
+                            u"Foo.plugin"_s, u"B\u00e4r.app"_s, u"Ba\u0308r.app"_s};
+const QStringList endings{u"Failed"_s, u"Submitted"_s, u"Notarized"_s, u"Signed"_s};
+
+int numberFrom(const char *variable, int otherwise)
+{
+    bool isSet = false;
+    const int number = qEnvironmentVariableIntValue(variable, &isSet);
+    return isSet ? number : otherwise;
+}
+
+/// One application with files of its own, which fail from the moment on at which it is killed.
+struct Incarnation {
+    explicit Incarnation(const QString &trash)
+        : files(trash)
+    {
+    }
+
+    TestFiles files;
+    std::unique_ptr<AppDelegate> application;
+    std::atomic<int> operationsToLive = -1; ///< below 0 for ever
+    std::atomic<bool> hasTrash = true;
+};
+
+} // namespace
+
+class RandomFiles : public testing::Test {
+protected:
+    RandomFiles()
+        : m_random(static_cast<unsigned>(numberFrom("SEALWRIGHT_SEED", usualSeed)))
+    {
+        tools.effect = [](const QString &tool, const QStringList &arguments) { leaveTrace(tool, arguments); };
+        for (auto &incarnation : incarnations)
+            incarnation = launched();
+    }
+    ~RandomFiles() override
+    {
+        for (auto &incarnation : incarnations)
+            end(*incarnation);
+    }
+
+    /// So that no copy that has been worked on passes for the item of the person.
+    static void leaveTrace(const QString &tool, const QStringList &arguments)
+    {
+        const QString item = arguments.value(arguments.size() - 1);
+        const bool isFileSigned =
+            tool == "productsign"_L1 || (tool == "codesign"_L1 && QFileInfo(item).isFile());
+        if (!isFileSigned && tool != "xattr"_L1 && tool != "codesign"_L1)
+            return;
+        QFile trace(isFileSigned ? item : item + u"/signed"_s);
+        if (trace.open(QIODevice::WriteOnly))
+            trace.write("signed");
+    }
+
+    // The applications
+
+    std::unique_ptr<Incarnation> launched()
+    {
+        auto incarnation = std::make_unique<Incarnation>(test.item(u"../trash/%1"_s.arg(++m_launches)));
+        incarnation->files.failure = [one = incarnation.get()](const QString &operation, const QString &) {
+            if (one->operationsToLive == 0)
+                return u"killed"_s;
+            if (one->operationsToLive > 0)
+                --one->operationsToLive;
+            return operation == "trashItem"_L1 && !one->hasTrash ? u"no trash"_s : QString();
+        };
+        incarnation->application = std::make_unique<AppDelegate>(
+            test.host({.launcher = &tools, .files = &incarnation->files}), windows, test.configuration);
+        incarnation->application->applicationWillFinishLaunching();
+        incarnation->application->applicationDidFinishLaunching();
+        return incarnation;
+    }
+
+    /// As if its process were gone.
+    void end(Incarnation &incarnation)
+    {
+        incarnation.operationsToLive = 0;
+        tools.releaseAll();
+        settle();
+        while (!incarnation.application->allControllers().isEmpty()) {
+            const DocumentPtr document = incarnation.application->allControllers().last();
+            if (const auto timer = document->staplingTimer())
+                timer->invalidate();
+            document->window().close();
+        }
+        // No worker may outlive the application that it works for; what hangs for the other one goes on as
+        // well.
+        test.runUntil([this] {
+            tools.releaseAll();
+            return test.workers().isIdle() && test.mainQueue.isEmpty();
+        });
+        incarnation.application.reset();
+    }
+
+    void killSoon() { someIncarnation().operationsToLive = below(12); }
+    void startAgain()
+    {
+        auto &incarnation = incarnations[below(std::size(incarnations))];
+        if (incarnation->operationsToLive < 0)
+            return;
+        end(*incarnation);
+        incarnation = launched();
+    }
+    void loseOrRegainTrash()
+    {
+        Incarnation &incarnation = someIncarnation();
+        incarnation.hasTrash = !incarnation.hasTrash;
+    }
+
+    // Chance
+
+    int below(qsizetype limit)
+    {
+        return static_cast<int>(std::uniform_int_distribution<qsizetype>(0, limit - 1)(m_random));
+    }
+    bool happens(int percent) { return below(100) < percent; }
+    Incarnation &someIncarnation() { return *incarnations[below(std::size(incarnations))]; }
+    DocumentPtr someDocument()
+    {
+        const auto &documents = someIncarnation().application->allControllers();
+        return documents.isEmpty() ? nullptr : documents.at(below(documents.size()));
+    }
+
+    // What the person owns
+
+    QUrl someItem()
+    {
+        const QString name = itemNames.at(below(itemNames.size()));
+        const QString path = test.item(name);
+        if (!QFileInfo::exists(path)) {
+            const QByteArray serial = "item " + QByteArray::number(++m_serial);
+            if (name.endsWith(".pkg"_L1) || name.endsWith(".dmg"_L1)) {
+                items::makeFile(path, serial);
+            } else {
+                items::makeBundle(path);
+                items::makeFile(path + u"/Contents/serial"_s, serial);
+            }
+            m_owned.insert(items::fingerprint(path), path + u": "_s + QString::fromLatin1(serial));
+        }
+        return itempath::toUrl(path);
+    }
+
+    /// A result's name, for the person's own things. That of a working folder is the application's, and
+    /// whatever had it goes; of what is called "old" only one generation is kept.
+    void putSomethingInTheWay()
+    {
+        const QString base = itempath::withoutExtension(itemNames.at(below(itemNames.size())));
+        const QString path = test.item(base + u" - "_s + endings.at(below(endings.size())));
+        if (QFileInfo(path).isSymLink() || QFileInfo::exists(path))
+            return;
+        const QString outside = test.item(u"../outside/%1"_s.arg(++m_serial));
+        items::makeFile(outside + u"/file"_s, "outside " + QByteArray::number(m_serial));
+        m_owned.insert(items::fingerprint(outside + u"/file"_s), outside);
+        if (happens(50))
+            items::makeLink(path, outside);
+        else
+            items::makeFile(path + u"/Foo - Unmodified Original/mine"_s, "mine");
+    }
+
+    /// A working folder in which a run was killed that had taken the original along.
+    void leaveAnOriginalBehind()
+    {
+        const QString item = itempath::fromUrl(someItem());
+        const QString base = itempath::withoutExtension(itempath::lastComponent(item));
+        const QString folder = test.item(base + u" - Working"_s);
+        if (QFileInfo::exists(folder))
+            return;
+        const QString keeper = folder + u'/' + base + u" - Unmodified Original"_s;
+        QDir().mkpath(keeper);
+        QDir().rename(item, keeper + u'/' + itempath::lastComponent(item));
+    }
+
+    void expectAllIsSomewhere()
+    {
+        QSet<QByteArray> found;
+        QDirIterator entries(test.item(u".."_s),
+                             QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
+                             QDirIterator::Subdirectories);
+        while (entries.hasNext()) {
+            const QString path = entries.next();
+            const bool isItem = itemNames.contains(entries.fileName()) || entries.fileName() == "file"_L1;
+            if (isItem && !entries.fileInfo().isSymLink())
+                found.insert(items::fingerprint(path));
+        }
+        for (auto owned = m_owned.cbegin(); owned != m_owned.cend(); ++owned)
+            EXPECT_TRUE(found.contains(owned.key())) << owned.value().toStdString();
+    }
+
+    /// So that a long walk searches no more than a short one.
+    void beginAnew()
+    {
+        for (auto &incarnation : incarnations)
+            end(*incarnation);
+        for (const QString &folder : {u"../trash"_s, u"../outside"_s, u""_s})
+            QDir(test.item(folder)).removeRecursively();
+        items::makeFolder(test.item({}));
+        m_owned.clear();
+        for (auto &incarnation : incarnations)
+            incarnation = launched();
+    }
+
+    bool hasManyThings() const { return m_owned.size() > mostThings; }
+
+    // Runs
+
+    void scriptCommands()
+    {
+        static constexpr void (NSApplicationScripting::*commands[])(const ScriptCommandPtr &) = {
+            &NSApplicationScripting::AESubmitForNotarizing, &NSApplicationScripting::AESubmitForNotarizing,
+            &NSApplicationScripting::AESignOnly, &NSApplicationScripting::AEStapleOnly};
+        Incarnation &incarnation = someIncarnation();
+        if (incarnation.application->allControllers().size() >= mostDocuments)
+            return closeSome(incarnation);
+        const QVariantMap arguments{{argument::at, someItem()}, {argument::skippingStapling, happens(20)}};
+        const auto command = std::make_shared<ScriptCommand>(arguments, [](const ScriptReply &) {});
+        command->execute([&](const ScriptCommandPtr &executing) {
+            (incarnation.application->scripting().*commands[below(std::size(commands))])(executing);
+        });
+    }
+
+    static void closeSome(const Incarnation &incarnation)
+    {
+        for (const DocumentPtr &document : QList(incarnation.application->allControllers())) {
+            if (!document->isBusy())
+                document->window().performClose();
+        }
+    }
+
+    void cancels()
+    {
+        const DocumentPtr document = someDocument();
+        if (document && document->canCancel())
+            document->doCancel();
+    }
+
+    void timerFires() { test.timers.fireNext(); }
+
+    void toolMisbehaves()
+    {
+        static const QStringList names{u"altool--notarize-app"_s,
+                                       u"altool--notarization-info"_s,
+                                       u"codesign"_s,
+                                       u"ditto"_s,
+                                       u"stapler"_s,
+                                       u"hdiutil"_s,
+                                       u"productsign"_s};
+        const QList<InstantTools::Answer> answers{{.status = 1, .error = "trouble"},
+                                                  {.hangs = true},
+                                                  {.output = FakeTools::infoReport(u"invalid"_s)},
+                                                  {.output = FakeTools::infoReport(u"in progress"_s)}};
+        tools.answerNext(names.at(below(names.size())), answers.at(below(answers.size())));
+    }
+
+    void toolsGoOn() { tools.releaseAll(); }
+
+    void takeStep()
+    {
+        static constexpr void (RandomFiles::*kinds[])() = {&RandomFiles::scriptCommands,
+                                                           &RandomFiles::scriptCommands,
+                                                           &RandomFiles::scriptCommands,
+                                                           &RandomFiles::timerFires,
+                                                           &RandomFiles::timerFires,
+                                                           &RandomFiles::toolMisbehaves,
+                                                           &RandomFiles::toolsGoOn,
+                                                           &RandomFiles::cancels,
+                                                           &RandomFiles::killSoon,
+                                                           &RandomFiles::startAgain,
+                                                           &RandomFiles::loseOrRegainTrash,
+                                                           &RandomFiles::putSomethingInTheWay,
+                                                           &RandomFiles::leaveAnOriginalBehind};
+        (this->*kinds[below(std::size(kinds))])();
+    }
+
+    void settle()
+    {
+        QElapsedTimer waited;
+        waited.start();
+        test.runUntil([&] {
+            if (waited.elapsed() > patience)
+                tools.releaseAll(); // one hangs and another waits for its runner
+            return test.workers().running() == tools.hanging() && test.mainQueue.isEmpty();
+        });
+    }
+
+    TestHost test;
+    InstantTools tools;
+    FakeWindowFactory windows{test.applicationHost};
+    std::unique_ptr<Incarnation> incarnations[2];
+
+private:
+    std::mt19937 m_random;
+    QHash<QByteArray, QString> m_owned; // by their fingerprints
+    int m_serial = 0;
+    int m_launches = 0;
+};
+
+TEST_F(RandomFiles, loseNothingThatAPersonHad)
+{
+    const int steps = numberFrom("SEALWRIGHT_STEPS", usualSteps);
+    std::cout << "Seed " << numberFrom("SEALWRIGHT_SEED", usualSeed) << ", " << steps << " steps\n";
+    for (int step = 0; step < steps && !HasFailure(); ++step) {
+        SCOPED_TRACE("step " + std::to_string(step));
+        takeStep();
+        if (happens(60))
+            settle();
+        if (step % stepsBetweenSearches == 0) {
+            settle();
+            expectAllIsSomewhere();
+            if (hasManyThings())
+                beginAnew();
+        }
+    }
+    settle();
+    expectAllIsSomewhere();
+}
