@@ -1,3 +1,4 @@
+#include "formats/package/expansion.h"
 #include "formats/resourceseal/bundleseal.h"
 #include "formats/resourceseal/filedigests.h"
 #include "formats/resourceseal/sealcheck.h"
@@ -83,6 +84,29 @@ QByteArray sha1(const QByteArray &bytes)
 }
 
 } // namespace
+
+TEST_F(Seals, thoseOfARealPackageComeOutByteForByte)
+{
+    const auto archive = xar::Archive::open(QStringLiteral(PACKAGE_FILE));
+    ASSERT_TRUE(archive);
+    ASSERT_TRUE(package::expandPackage(*archive, path(u"out"_s), package::Depth::Payloads));
+    const QString manager =
+        path(u"out/Payload/Applications/.Karabiner-VirtualHIDDevice-Manager.app/Contents"_s);
+    const QString extension = u"org.pqrs.Karabiner-DriverKit-VirtualHIDDevice"_s;
+    const QString daemon = path(
+        u"out/Payload/Library/Application Support/org.pqrs/Karabiner-DriverKit-VirtualHIDDevice/Applications/Karabiner-VirtualHIDDevice-Daemon.app/Contents"_s);
+    const seal::SealedFolder folders[]{
+        {manager, Layout::WithResources, "MacOS/Karabiner-VirtualHIDDevice-Manager"},
+        {manager + u"/Library/SystemExtensions/"_s + extension + u".dext"_s, Layout::Flat,
+         extension.toUtf8()},
+        {daemon, Layout::WithResources, "MacOS/Karabiner-VirtualHIDDevice-Daemon"}};
+    for (const seal::SealedFolder &real : folders) {
+        const auto made = seal::makeSeal(real, seal::Digests::Sha256, describeAny);
+        ASSERT_TRUE(made) << made.error().toStdString();
+        EXPECT_EQ(*made, *seal::readSealFile(real.base)) << real.base.toStdString();
+        EXPECT_TRUE(seal::checkSeal(*made, real, seal::Strictness::Strict, acceptAny).isEmpty());
+    }
+}
 
 TEST_F(Seals, aSealIsWrittenAsCodesignWritesIt)
 {
