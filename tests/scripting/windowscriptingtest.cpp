@@ -49,7 +49,7 @@ protected:
         host.applicationHost.arrangements.clear();
     }
 
-    NSWindowScripting &window(const QString &title)
+    NSWindowScripting window(const QString &title)
     {
         for (const DocumentPtr &document : host.application().allControllers()) {
             if (document->window().title() == title)
