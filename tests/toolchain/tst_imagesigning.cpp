@@ -49,7 +49,9 @@ protected:
 
     [[nodiscard]] ToolResult assess(const QString &image, const QString &type = u"open"_s) const
     {
-        return run(spctl, {u"--assess"_s, u"--type"_s, type, u"-vv"_s, image});
+        return run(spctl,
+                   {u"--assess"_s, u"--type"_s, type, u"--context"_s, u"context:primary-signature"_s,
+                    u"-vv"_s, image});
     }
 
     [[nodiscard]] bool isApproved(const QString &image) const
@@ -281,10 +283,12 @@ TEST_F(ImageSigning, aSignedImageIsAcceptedForOpeningOnceItIsApproved)
 {
     const QString image = this->image();
     ASSERT_EQ(sign(image).status, 0);
-    EXPECT_EQ(assess(image).error, image + u": rejected\nsource=Unnotarized (local stand-in)\n"_s);
+    EXPECT_EQ(assess(image).error,
+              image + u": rejected\nsource=Unnotarized Developer ID of this machine\norigin="_s + identity
+                  + u'\n');
     ASSERT_TRUE(isApproved(image));
     const QString accepted =
-        image + u": accepted\nsource=Notarized (local stand-in)\norigin="_s + identity + u'\n';
+        image + u": accepted\nsource=Notarized Developer ID of this machine\norigin="_s + identity + u'\n';
     EXPECT_EQ(assess(image).error, accepted);
     ASSERT_EQ(staple(image).status, 0);
     ASSERT_TRUE(QFile::rename(statePath(u"notary"_s), statePath(u"forgotten"_s)));
@@ -302,5 +306,6 @@ TEST_F(ImageSigning, anImageChangedAfterItsApprovalIsRejected)
     QByteArray bytes = readFile(image);
     bytes[100] = char(bytes[100] + 1);
     writeFile(image, bytes);
-    EXPECT_EQ(assess(image).error, image + u": rejected\nsource=invalid signature\n"_s);
+    EXPECT_TRUE(assess(image).error.startsWith(
+        image + u": rejected\nsource=invalid signature (code or signature have been modified)\n"_s));
 }
