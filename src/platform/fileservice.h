@@ -49,7 +49,7 @@ struct FolderEntry {
 enum class FolderLink { follow, leaveAlone };
 
 /// The size of the largest file that is read whole, in bytes: far more than any property list has.
-inline constexpr qint64 mostBytesRead = 64 * 1024 * 1024;
+inline constexpr qint64 mostBytesRead = 64LL * 1024 * 1024;
 
 /// The file operations of the host. Paths are absolute. Any thread. An error text names the item and the
 /// reason.

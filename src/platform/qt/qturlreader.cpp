@@ -18,7 +18,7 @@ namespace {
 
 using Patience = QtUrlReader::Patience;
 
-constexpr qint64 mostBytes = 64 * 1024 * 1024;
+constexpr qint64 mostBytes = 64LL * 1024 * 1024;
 
 std::optional<QByteArray> contentsOfFile(const QString &path)
 {

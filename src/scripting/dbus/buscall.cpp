@@ -77,7 +77,7 @@ void BusCall::send(const QDBusMessage &answer) const
 /// The bus ends the connection of whoever sends more than it carries.
 bool BusCall::isTooLarge(const QVariantList &values)
 {
-    constexpr qsizetype mostCharacters = 32 * 1024 * 1024; // of up to three bytes each
+    constexpr qsizetype mostCharacters = 32LL * 1024 * 1024; // of up to three bytes each
     const QVariant first = values.value(0);
     const QVariant value = first.metaType() == QMetaType::fromType<QDBusVariant>()
         ? first.value<QDBusVariant>().variant()

@@ -33,7 +33,7 @@ void registerTypes();
 
 /// The most characters that a text, or all texts of a list together, may have where a property or a command
 /// takes them. A text of hundreds of megabytes would keep the application from answering anybody.
-inline constexpr qsizetype mostCharacters = 16 * 1024 * 1024;
+inline constexpr qsizetype mostCharacters = 16LL * 1024 * 1024;
 [[nodiscard]] bool isTooLong(const QVariant &value);
 
 /// A text as it can go over the bus, where a null character would end it.

@@ -28,7 +28,7 @@ QString styleName(LogStyle style)
 /// to be had by FetchLog.
 QString entryText(const QString &text)
 {
-    constexpr qsizetype mostCharacters = 1024 * 1024;
+    constexpr qsizetype mostCharacters = 1024LL * 1024;
     if (text.size() > mostCharacters)
         return busvalue::withoutNulls(text.first(mostCharacters)) + u"…"_s;
     return busvalue::withoutNulls(text.endsWith(u'\n') ? text.chopped(1) : text);
