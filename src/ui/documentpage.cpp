@@ -1,8 +1,11 @@
 #include "ui/documentpage.h"
 
 #include "app/appdelegate.h"
+#include "document/documentcommands.h"
 #include "document/mainwincontroller.h"
 #include "platform/itempath.h"
+#include "run/item.h"
+#include "run/status.h"
 #include "ui/commandbar.h"
 #include "ui/itemheader.h"
 #include "ui/logpane.h"
@@ -23,14 +26,16 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-QStringList pathsOf(const QMimeData &data)
+/// Of what is dragged, the items that would be taken.
+QStringList itemsOf(const QMimeData &data)
 {
-    QStringList paths;
+    QStringList items;
     for (const QUrl &url : data.urls()) {
-        if (url.isLocalFile())
-            paths.append(itempath::fromUrl(url));
+        const QString path = url.isLocalFile() ? itempath::fromUrl(url) : QString();
+        if (submittableExtensions().contains(itempath::extension(path)))
+            items.append(path);
     }
-    return paths;
+    return items;
 }
 
 /// Whatever is proposed: an owner who was told of a move would take the files away.
@@ -121,7 +126,7 @@ void DocumentPage::printLog(QPagedPaintDevice &paper) const
 
 void DocumentPage::dragEnterEvent(QDragEnterEvent *event)
 {
-    if (pathsOf(*event->mimeData()).isEmpty())
+    if (itemsOf(*event->mimeData()).isEmpty())
         return;
     acceptCopy(*event);
     m_dropOutline->setGeometry(rect());
@@ -138,7 +143,19 @@ void DocumentPage::dropEvent(QDropEvent *event)
 {
     m_dropOutline->hide();
     acceptCopy(*event);
-    m_document.appDelegate().applicationOpenFiles(pathsOf(*event->mimeData()));
+    QStringList items = itemsOf(*event->mimeData());
+    if (!items.isEmpty() && isWithoutItem()) {
+        m_document.commands().submit.prepareForDirectSubmit(itempath::toUrl(items.takeFirst()), {});
+    }
+    if (!items.isEmpty())
+        m_document.appDelegate().applicationOpenFiles(items);
+}
+
+/// Whether an item that is dropped here can stay, with what has been typed for it.
+bool DocumentPage::isWithoutItem() const
+{
+    return !m_document.isBusy() && m_document.statusString() == status::ready
+        && m_document.appletNameField.stringValue().isEmpty();
 }
 
 void DocumentPage::keyPressEvent(QKeyEvent *event)

@@ -44,6 +44,7 @@ protected:
     void keyPressEvent(QKeyEvent *event) override;
 
 private:
+    bool isWithoutItem() const;
     QWidget *makeParts();
     QWidget *makeRun();
 

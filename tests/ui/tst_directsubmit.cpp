@@ -138,12 +138,28 @@ protected:
 
 } // namespace
 
-TEST_F(DropOnAWindow, filesThatAreDroppedBecomeDocuments)
+TEST_F(DropOnAWindow, theFirstStaysInAWindowWithoutAnItemAndTheOthersBecomeDocuments)
 {
     items::makeBundle(host.item(u"Foo.app"_s));
-    EXPECT_TRUE(drop({itempath::toUrl(host.item(u"Foo.app"_s)), itempath::toUrl(host.item(u"notes.txt"_s))}));
+    items::makeBundle(host.item(u"Bar.app"_s));
+    document().appleIDField.setStringValue(u"typed@example.com"_s);
+    EXPECT_TRUE(drop({itempath::toUrl(host.item(u"notes.txt"_s)), itempath::toUrl(host.item(u"Foo.app"_s)),
+                      itempath::toUrl(host.item(u"Bar.app"_s))}));
     ASSERT_EQ(host.application().allControllers().size(), 2);
-    EXPECT_EQ(window().title(), u"Foo.app"_s);
+    const DocumentPtr first = host.application().allControllers().first();
+    EXPECT_EQ(first->window().title(), u"Foo.app"_s);
+    EXPECT_EQ(first->appleIDField.stringValue(), u"typed@example.com"_s);
+    EXPECT_EQ(host.application().allControllers().last()->window().title(), u"Bar.app"_s);
+}
+
+TEST_F(DropOnAWindow, anItemOnAWindowThatHasOneBecomesADocument)
+{
+    items::makeBundle(host.item(u"Foo.app"_s));
+    items::makeBundle(host.item(u"Bar.app"_s));
+    EXPECT_TRUE(drop({itempath::toUrl(host.item(u"Foo.app"_s))}));
+    EXPECT_TRUE(drop({itempath::toUrl(host.item(u"Bar.app"_s))}));
+    ASSERT_EQ(host.application().allControllers().size(), 2);
+    EXPECT_EQ(host.application().allControllers().first()->window().title(), u"Foo.app"_s);
 }
 
 TEST_F(DropOnAWindow, aBundleWhoseURLEndsInASlashIsABundleAllTheSame)
@@ -156,7 +172,7 @@ TEST_F(DropOnAWindow, aBundleWhoseURLEndsInASlashIsABundleAllTheSame)
 TEST_F(DropOnAWindow, filesAreCopiedEvenIfTheirOwnerWouldHaveThemMoved)
 {
     QMimeData data;
-    data.setUrls({itempath::toUrl(host.item(u"Foo.PKG"_s))});
+    data.setUrls({itempath::toUrl(host.item(u"Foo.pkg"_s))});
     const Qt::DropActions offered = Qt::CopyAction | Qt::MoveAction;
     QDragEnterEvent enter(QPoint(5, 5), offered, &data, Qt::LeftButton, Qt::ShiftModifier);
     QDropEvent drop(QPointF(5, 5), offered, &data, Qt::LeftButton, Qt::ShiftModifier);
@@ -171,13 +187,14 @@ TEST_F(DropOnAWindow, filesAreCopiedEvenIfTheirOwnerWouldHaveThemMoved)
 TEST_F(DropOnAWindow, whatHoldsNoFileIsNotTaken)
 {
     EXPECT_FALSE(drop({QUrl(u"https://example.com/Foo.app"_s)}));
+    EXPECT_FALSE(drop({itempath::toUrl(host.item(u"notes.txt"_s))}));
     EXPECT_EQ(host.application().allControllers().size(), 1);
 }
 
 TEST_F(DropOnAWindow, aFileWithAnUpperCaseExtensionIsRefusedWithoutAWord)
 {
     items::makeFile(host.item(u"Foo.PKG"_s), "xar!");
-    EXPECT_TRUE(drop({itempath::toUrl(host.item(u"Foo.PKG"_s))}));
+    EXPECT_FALSE(drop({itempath::toUrl(host.item(u"Foo.PKG"_s))})) << "the window does not light up";
     EXPECT_EQ(host.application().allControllers().size(), 1);
     EXPECT_FALSE(sheet());
 }
