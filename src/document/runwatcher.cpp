@@ -133,6 +133,11 @@ void RunWatcher::polls()
     m_document->stepList.pollNow();
 }
 
+void RunWatcher::serviceSaid(const QString &issues)
+{
+    m_document->serviceIssues.set(issues);
+}
+
 void RunWatcher::verdictHasCome()
 {
     m_document->dispatchToMain([&document = *m_document] { document.isPolling.set(false); });

@@ -36,6 +36,7 @@ public:
     void waits(const std::shared_ptr<platform::Timer> &timer, double seconds) override;
     void polls() override;
     void verdictHasCome() override;
+    void serviceSaid(const QString &issues) override;
 
 private:
     /// Whether no other run of the document has begun since. The late rest of a cancelled one changes nothing

@@ -74,6 +74,7 @@ void logIssues(Run &run, const QString &report)
     if (!log)
         return;
     run.log.logToFile(u"LogFileURL full contents: "_s + textOfLog(*log));
+    run.progress.serviceSaid(issuesAsJson(*log));
     const auto summary = issuesSummary(*log);
     if (!summary)
         return;
@@ -104,8 +105,10 @@ StepResult acceptVerdict(Run &run, const QString &report)
 StepResult refuseVerdict(Run &run, const QString &report)
 {
     QString explanation = report;
-    if (const auto log = contentsOfLogFile(run.host.urls, report))
+    if (const auto log = contentsOfLogFile(run.host.urls, report)) {
         explanation += u'\n' + textOfLog(*log);
+        run.progress.serviceSaid(issuesAsJson(*log));
+    }
     run.folder.removeItem();
     run.folder.removeUpload();
     return Failure{u"Notarization Failed"_s, explanation};

@@ -74,4 +74,6 @@ public:
     /// The timer has fired. Main thread.
     virtual void polls() = 0;
     virtual void verdictHasCome() = 0;
+    /// What the service's log of the verdict tells, as JSON: a list of objects.
+    virtual void serviceSaid(const QString &issues) = 0;
 };

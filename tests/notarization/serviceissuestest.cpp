@@ -2,6 +2,10 @@
 
 #include "notarization/pollingtest.h"
 
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
 using namespace Qt::StringLiterals;
 
 class Issues : public Polling {
@@ -34,6 +38,15 @@ TEST_F(Issues, areSummedUpUnderTheirHeading)
     EXPECT_EQ(
         host.log(LogStyle::error),
         QStringList{u"\npath: Foo.app\nseverity: warning\n----------\nmessage: unsigned\n----------"_s});
+}
+
+TEST_F(Issues, stayWithTheDocumentAsTheServiceToldThem)
+{
+    finishWithLog(R"({"issues": [{"severity": "warning", "path": "Foo.app", "code": 7}]})");
+    const QJsonArray issues = QJsonDocument::fromJson(host.document().serviceIssues().toUtf8()).array();
+    ASSERT_EQ(issues.size(), 1);
+    EXPECT_EQ(issues.first().toObject().value("path"_L1).toString(), u"Foo.app"_s);
+    EXPECT_EQ(issues.first().toObject().value("code"_L1).toInt(), 7);
 }
 
 TEST_F(Issues, asAnEmptyArrayLogTheHeadingAndAnEmptyEntry)
