@@ -43,7 +43,8 @@ public:
         if (known == m_certificates.end()) {
             if (m_certificates.size() >= most)
                 m_certificates.clear();
-            known = m_certificates.emplace(der, parse(der)).first;
+            known = m_certificates.emplace(QByteArray(der.constData(), der.size()), parse(der))
+                        .first; // its own bytes
         }
         if (known->second)
             X509_up_ref(known->second.get());
