@@ -68,6 +68,12 @@ QString logFileURL(const QString &report)
     return firstGroup(u"(?m)LogFileURL: (.+?)$"_s, report);
 }
 
+QString issuesAsJson(const QByteArray &log)
+{
+    const QJsonArray issues = QJsonDocument::fromJson(log).object().value("issues"_L1).toArray();
+    return QString::fromUtf8(QJsonDocument(issues).toJson(QJsonDocument::Compact));
+}
+
 std::optional<QString> issuesSummary(const QByteArray &log)
 {
     const QJsonValue issues = QJsonDocument::fromJson(log).object().value("issues"_L1);

@@ -25,3 +25,6 @@ struct UploadReceipt {
 
 /// The issues in the service's log, one under the other; nothing if the log has no list of them.
 [[nodiscard]] std::optional<QString> issuesSummary(const QByteArray &log);
+
+/// The objects of that list as JSON, for programs; an empty list if the log has none.
+[[nodiscard]] QString issuesAsJson(const QByteArray &log);
