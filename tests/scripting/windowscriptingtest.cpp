@@ -175,7 +175,7 @@ TEST_F(WindowScripting, aHiddenTabSaysWhereItIs)
 {
     openThreeTabs(u"C"_s);
     open(u"front"_s, separateWindow);
-    NSWindowScripting &hidden = window(u"B"_s);
+    NSWindowScripting hidden = window(u"B"_s);
     EXPECT_FALSE(hidden.AEIsVisible());
     EXPECT_TRUE(hidden.AETabbedWindows().isEmpty());
     EXPECT_EQ(hidden.AEOrderedIndex(), 2);
@@ -187,7 +187,7 @@ TEST_F(WindowScripting, aHiddenTabSaysWhereItIs)
 TEST_F(WindowScripting, theVisibleTabHasTheTabsOfItsGroup)
 {
     openThreeTabs(u"C"_s);
-    NSWindowScripting &visible = window(u"C"_s);
+    NSWindowScripting visible = window(u"C"_s);
     EXPECT_TRUE(visible.AEIsVisible());
     EXPECT_EQ(titles(visible.AETabbedWindows()), u"A B C"_s);
     EXPECT_EQ(visible.AETabOrderedIndex(), 3);

@@ -1,7 +1,6 @@
 #include "toolchain/bundlebuilder.h"
 #include "toolchain/diskimagefixture.h"
 
-#include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
 #include <QJsonArray>
@@ -19,6 +18,18 @@ namespace {
 
 class ImageSigning : public DiskImageFixture {
 protected:
+    /// As a release is signed: with a time stamp, which the notary wants.
+    [[nodiscard]] ToolResult signForRelease(const QString &item, const QStringList &options = {}) const
+    {
+        return run(codesign,
+                   options + QStringList{u"-o"_s, u"runtime"_s, u"--timestamp"_s, u"-s"_s, identity, item});
+    }
+
+    [[nodiscard]] ToolResult verify(const QString &item) const
+    {
+        return run(codesign, {u"--verify"_s, u"--strict"_s, item});
+    }
+
     /// With an identity of its own, over the signature that is there.
     [[nodiscard]] ToolResult signByAnother(const QString &image) const
     {
@@ -33,7 +44,7 @@ protected:
         makeIdentity();
         storePassword();
         bundlebuilder::makeApp(app(), u"com.example.app"_s);
-        ASSERT_EQ(sign(app()).status, 0);
+        ASSERT_EQ(signForRelease(app(), {u"--deep"_s}).status, 0);
     }
 
     [[nodiscard]] QString folder() const { return path(u"folder"_s); }
@@ -73,7 +84,7 @@ protected:
     }
 
     /// What the trailer says stands in the place of the code signature.
-    [[nodiscard]] static QByteArray noteIn(const QString &image)
+    [[nodiscard]] static QByteArray signatureIn(const QString &image)
     {
         constexpr qsizetype trailerSize = 512;
         constexpr qsizetype placeOffset = 296;
@@ -93,8 +104,6 @@ protected:
     }
 };
 
-const QString invalid = u"The signature of the bundle is invalid: "_s;
-
 } // namespace
 
 TEST_F(ImageSigning, aSignedImageStaysReadable)
@@ -102,30 +111,24 @@ TEST_F(ImageSigning, aSignedImageStaysReadable)
     const QString image = this->image();
     const ToolResult result = sign(image);
     EXPECT_EQ(result.status, 0);
-    EXPECT_EQ(result.error, image + u": signed disk image\n"_s);
-    EXPECT_FALSE(noteIn(image).isEmpty());
+    EXPECT_EQ(result.error, image + u": signed disk image [folder]\n"_s);
+    EXPECT_TRUE(signatureIn(image).startsWith("\xfa\xde\x0c\xc0"_ba)) << "an embedded signature";
     expectReadable(image);
 }
 
-TEST_F(ImageSigning, theSignatureIsMadeWithTheIdentitysKeyOfEverythingButItself)
+TEST_F(ImageSigning, theSignatureCoversEverythingBeforeIt)
 {
     const QString image = this->image();
-    const QByteArray unsignedBytes = readFile(image);
+    const qsizetype covered = readFile(image).size() - 512; // all but the trailer
     ASSERT_EQ(sign(image).status, 0);
-    const QJsonObject note = QJsonDocument::fromJson(noteIn(image)).object();
-    writeFile(path(u"signature"_s), QByteArray::fromBase64(note[u"signature"].toString().toLatin1()));
-    writeFile(path(u"certificate"_s), QByteArray::fromBase64(note[u"certificate"].toString().toLatin1()));
-    writeFile(path(u"unsigned"_s), unsignedBytes);
-    const QString key = runProgram(u"openssl"_s,
-                                   {u"x509"_s, u"-inform"_s, u"DER"_s, u"-in"_s, path(u"certificate"_s),
-                                    u"-pubkey"_s, u"-noout"_s})
-                            .output;
-    writeFile(path(u"key"_s), key.toLatin1());
-    EXPECT_EQ(runProgram(u"openssl"_s,
-                         {u"dgst"_s, u"-sha256"_s, u"-verify"_s, path(u"key"_s), u"-signature"_s,
-                          path(u"signature"_s), path(u"unsigned"_s)})
-                  .output,
-              u"Verified OK\n"_s);
+    EXPECT_EQ(verify(image).status, 0);
+    const QByteArray good = readFile(image);
+    for (const qsizetype place : {qsizetype(0), covered / 2, covered - 1, good.size() - 100}) {
+        QByteArray changed = good;
+        changed[place] = char(changed[place] ^ 1);
+        writeFile(image, changed);
+        EXPECT_EQ(verify(image).status, 1) << place;
+    }
 }
 
 TEST_F(ImageSigning, aSignedImageIsLeftAloneWithoutForce)
@@ -142,30 +145,29 @@ TEST_F(ImageSigning, aSignedImageIsLeftAloneWithoutForce)
     expectReadable(image);
 }
 
-TEST_F(ImageSigning, refusesAFileThatOnlyEndsAsAnImageDoes)
+TEST_F(ImageSigning, aFileThatOnlyEndsAsAnImageDoesIsNotStapled)
 {
     writeFile(path(u"image.dmg"_s), QByteArray("koly") + QByteArray(508, '\0'));
-    EXPECT_EQ(sign(path(u"image.dmg"_s)).error, path(u"image.dmg"_s) + u": image not recognized\n"_s);
-    EXPECT_EQ(staple(path(u"image.dmg"_s)).status, 72);
+    EXPECT_NE(staple(path(u"image.dmg"_s)).status, 0);
 }
 
-TEST_F(ImageSigning, aSignatureOfSomebodyElseIsReplacedOnlyByForce)
+TEST_F(ImageSigning, aDamagedSignatureIsReplacedOnlyByForce)
 {
     const QString image = this->image();
     ASSERT_EQ(sign(image).status, 0);
     QByteArray bytes = readFile(image);
-    bytes.replace(noteIn(image), QByteArray(noteIn(image).size(), '\xfa'));
+    bytes.replace(signatureIn(image), QByteArray(signatureIn(image).size(), '\xfa'));
     writeFile(image, bytes);
-    EXPECT_EQ(sign(image).error, image + u": is already signed\n"_s);
-    EXPECT_EQ(staple(image).status, 72);
+    EXPECT_NE(verify(image).status, 0);
     EXPECT_EQ(sign(image, {u"--force"_s}).status, 0);
+    EXPECT_EQ(verify(image).status, 0);
     expectReadable(image);
 }
 
 TEST_F(ImageSigning, theNotaryApprovesAnImageWithASealedBundle)
 {
     const QString image = this->image();
-    ASSERT_EQ(sign(image).status, 0);
+    ASSERT_EQ(signForRelease(image).status, 0);
     EXPECT_TRUE(isApproved(image));
 }
 
@@ -177,28 +179,24 @@ TEST_F(ImageSigning, theNotaryPassesOverWhatLiesBesideTheBundles)
     EXPECT_TRUE(isApproved(image()));
 }
 
-TEST_F(ImageSigning, theNotaryNamesFilesInAnImageThatDoNotAgreeWithTheSeal)
+TEST_F(ImageSigning, theNotaryRefusesAnImageWhoseBundleHasBeenChanged)
 {
     writeFile(app() + u"/Contents/Resources/Größe.txt"_s, "changed");
-    const QString prefix = u"folder.dmg/My App.app/Contents/"_s;
-    EXPECT_EQ(
-        issuesOfRefusal(image()),
-        (QMap<QString, QString>{{prefix + u"Resources/Größe.txt"_s,
-                                 invalid + u"a sealed resource is missing or invalid: file modified."_s}}));
+    const QStringList messages = issuesOfRefusal(image()).values();
+    EXPECT_TRUE(messages.contains(u"The signature of the binary is invalid."_s))
+        << messages.join(u'\n').toStdString();
 }
 
 TEST_F(ImageSigning, theNotaryRefusesAnImageWhoseBundleHasNoSeal)
 {
     ASSERT_TRUE(QDir(app() + u"/Contents/_CodeSignature"_s).removeRecursively());
-    EXPECT_EQ(issuesOfRefusal(image()),
-              (QMap<QString, QString>{{u"folder.dmg/My App.app"_s, u"The bundle is not signed at all."_s}}));
+    EXPECT_FALSE(issuesOfRefusal(image()).isEmpty());
 }
 
-TEST_F(ImageSigning, theNotaryRefusesAnImageWithoutABundle)
+TEST_F(ImageSigning, theNotaryHasNothingAgainstAnImageWithoutCode)
 {
     writeFile(path(u"plain/file"_s), "bytes");
-    EXPECT_EQ(issuesOfRefusal(imageOf(path(u"plain"_s))),
-              (QMap<QString, QString>{{u"plain.dmg"_s, u"The archive holds no bundle."_s}}));
+    EXPECT_TRUE(isApproved(imageOf(path(u"plain"_s))));
 }
 
 TEST_F(ImageSigning, theNotaryRefusesADamagedImage)
@@ -213,29 +211,26 @@ TEST_F(ImageSigning, theNotaryRefusesADamagedImage)
 TEST_F(ImageSigning, aStapledImageStaysReadableAndKeepsItsSignature)
 {
     const QString image = this->image();
-    ASSERT_EQ(sign(image).status, 0);
-    const QString uuid = uuidIn(upload(image));
-    ASSERT_TRUE(pollToTheEnd(uuid).output.contains(u"Status: success"_s));
-    const QJsonValue signature = QJsonDocument::fromJson(noteIn(image)).object()[u"signature"];
+    ASSERT_EQ(signForRelease(image).status, 0);
+    ASSERT_TRUE(isApproved(image));
     EXPECT_EQ(staple(image, u"validate"_s).status, 65);
     const ToolResult result = staple(image);
-    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.status, 0) << result.error.toStdString();
     EXPECT_TRUE(result.output.endsWith(u"The staple and validate action worked!\n"_s));
-    const QJsonObject note = QJsonDocument::fromJson(noteIn(image)).object();
-    EXPECT_EQ(note[u"ticket"][u"RequestUUID"].toString(), uuid);
-    EXPECT_EQ(note[u"signature"], signature);
+    EXPECT_TRUE(signatureIn(image).contains("s8ch"_ba)) << "the ticket lies in the signature";
+    EXPECT_EQ(verify(image).status, 0);
     EXPECT_EQ(staple(image, u"validate"_s).status, 0);
     EXPECT_EQ(staple(image).status, 0);
     expectReadable(image);
 }
 
-TEST_F(ImageSigning, anUnsignedImageCanBeStapled)
+TEST_F(ImageSigning, anUnsignedImageCannotBeStapled)
 {
     const QString image = this->image();
     ASSERT_TRUE(isApproved(image));
-    EXPECT_EQ(staple(image).status, 0);
-    EXPECT_EQ(staple(image, u"validate"_s).status, 0);
-    expectReadable(image);
+    const QByteArray before = readFile(image);
+    EXPECT_NE(staple(image).status, 0) << "a ticket names a code directory";
+    EXPECT_EQ(readFile(image), before);
 }
 
 TEST_F(ImageSigning, theBundleInAnApprovedImageCanBeStapledToo)
@@ -255,7 +250,7 @@ TEST_F(ImageSigning, anImageThatNobodyApprovedIsNotStapled)
 TEST_F(ImageSigning, anImageSignedAnewAfterItsApprovalIsNotStapled)
 {
     const QString image = this->image();
-    ASSERT_EQ(sign(image).status, 0);
+    ASSERT_EQ(signForRelease(image).status, 0);
     ASSERT_TRUE(isApproved(image));
     ASSERT_EQ(staple(image).status, 0);
     ASSERT_EQ(signByAnother(image).status, 0);
@@ -267,7 +262,7 @@ TEST_F(ImageSigning, anImageSignedAfterItsApprovalIsNotStapled)
 {
     const QString image = this->image();
     ASSERT_TRUE(isApproved(image));
-    ASSERT_EQ(sign(image).status, 0);
+    ASSERT_EQ(signForRelease(image).status, 0);
     EXPECT_EQ(staple(image).status, 65);
 }
 
@@ -282,7 +277,7 @@ TEST_F(ImageSigning, anUnsignedImageHasNoUsableSignatureEvenIfItIsApproved)
 TEST_F(ImageSigning, aSignedImageIsAcceptedForOpeningOnceItIsApproved)
 {
     const QString image = this->image();
-    ASSERT_EQ(sign(image).status, 0);
+    ASSERT_EQ(signForRelease(image).status, 0);
     EXPECT_EQ(assess(image).error,
               image + u": rejected\nsource=Unnotarized Developer ID of this machine\norigin="_s + identity
                   + u'\n');
@@ -301,7 +296,7 @@ TEST_F(ImageSigning, aSignedImageIsAcceptedForOpeningOnceItIsApproved)
 TEST_F(ImageSigning, anImageChangedAfterItsApprovalIsRejected)
 {
     const QString image = this->image();
-    ASSERT_EQ(sign(image).status, 0);
+    ASSERT_EQ(signForRelease(image).status, 0);
     ASSERT_TRUE(isApproved(image));
     QByteArray bytes = readFile(image);
     bytes[100] = char(bytes[100] + 1);
