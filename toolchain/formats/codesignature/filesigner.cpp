@@ -1,5 +1,7 @@
 #include "formats/codesignature/filesigner.h"
 
+#include "formats/codesignature/requirement.h"
+
 #include "formats/codesignature/filebytes.h"
 #include "formats/codesignature/pagedigests.h"
 #include "formats/codesignature/signaturereader.h"
@@ -137,6 +139,20 @@ QString signDiskImage(const QString &path, SignaturePlan plan)
     plan.components.insert(slot::imageTrailer, place->trailerToDigest());
     const auto blobs = signatureOfFile(path, place->contentLength, plan);
     return blobs ? udif::replaceImageSignature(path, blobs->bytes()) : blobs.error();
+}
+
+platform::Result<SuperBlob> impliedSignatureOfImage(const QString &path)
+{
+    const auto place = udif::readSignaturePlace(path);
+    if (!place)
+        return platform::Error{text::badImage};
+    SignaturePlan plan;
+    plan.fields.flags = codeflag::adhoc;
+    plan.fields.identifier = QStringLiteral("disk-image");
+    plan.digests = {HashType::Sha256};
+    plan.components.insert(slot::requirements, requirementSetBlob({}));
+    plan.components.insert(slot::imageTrailer, place->trailerToDigest());
+    return signatureOfFile(path, place->contentLength, plan);
 }
 
 } // namespace toolchain::codesignature

@@ -24,4 +24,8 @@ namespace toolchain::codesignature {
 /// Signs a disk image, whose trailer becomes a part of what is digested.
 [[nodiscard]] QString signDiskImage(const QString &path, SignaturePlan plan);
 
+/// What an unsigned disk image would be signed with ad hoc, under a name that does not depend on the file's:
+/// by its code directory a ticket can name an image that nobody has signed. Nothing is written.
+[[nodiscard]] platform::Result<SuperBlob> impliedSignatureOfImage(const QString &path);
+
 } // namespace toolchain::codesignature

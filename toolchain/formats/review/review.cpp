@@ -1,5 +1,7 @@
 #include "formats/review/review.h"
 
+#include "formats/codesignature/filesigner.h"
+
 #include "formats/codesignature/verification.h"
 #include "formats/package/packagejudgement.h"
 #include "formats/review/contentwalk.h"
@@ -62,8 +64,10 @@ public:
     void judgeImage(const QString &image)
     {
         const auto code = codesignature::readSignedCode(image);
-        if (!code || code->kind != codesignature::CodeKind::DiskImage || !code->isSigned())
+        if (!code || code->kind != codesignature::CodeKind::DiskImage)
             return;
+        if (!code->isSigned())
+            return vouchForUnsignedImage(image);
         const SignatureFacts signature = signatureFacts(code->native(), m_store);
         if (signature.isInvalid || !codesignature::verifyCode(image, {}).problem.isNone())
             object({u"."_s, image, 0}, {}, Objection::Invalid);
@@ -72,6 +76,16 @@ public:
         else
             m_review.ticketContents.append(
                 {m_archiveName, {}, signature.cdHash, signature.hashType == 1 ? 1 : 2});
+    }
+
+    void vouchForUnsignedImage(const QString &image)
+    {
+        const auto implied = codesignature::impliedSignatureOfImage(image);
+        const auto directory = implied
+            ? codesignature::CodeDirectory::parse(implied->blob(codesignature::slot::codeDirectory))
+            : implied.failure();
+        if (directory)
+            m_review.ticketContents.append({m_archiveName, {}, directory->cdHash(), 2});
     }
 
     /// The signature of a package, which the service wants.

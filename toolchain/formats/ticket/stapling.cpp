@@ -1,5 +1,6 @@
 #include "formats/ticket/stapling.h"
 
+#include "formats/codesignature/filesigner.h"
 #include "formats/codesignature/signaturereader.h"
 #include "formats/udif/imagesignature.h"
 #include "formats/xar/archive.h"
@@ -78,17 +79,19 @@ private:
 
 class StapledImage : public StapleTarget {
 public:
-    explicit StapledImage(cs::SignedCode code)
+    StapledImage(cs::SignedCode code, cs::SuperBlob signature, QList<TicketEntry> entries)
         : m_code(std::move(code))
+        , m_signature(std::move(signature))
+        , m_entries(std::move(entries))
     {
     }
 
-    QList<TicketEntry> entries() const override { return entriesOf(m_code); }
-    QByteArray ticket() const override { return m_code.native().ticket(); }
+    QList<TicketEntry> entries() const override { return m_entries; }
+    QByteArray ticket() const override { return m_code.isSigned() ? m_code.native().ticket() : QByteArray(); }
 
     platform::Outcome attach(const QByteArray &ticket) const override
     {
-        cs::SuperBlob blobs = m_code.native().blobs;
+        cs::SuperBlob blobs = m_signature;
         blobs.set(cs::slot::ticket, cs::makeBlob(cs::magic::wrapper, ticket));
         const QString problem = udif::replaceImageSignature(m_code.path, blobs.bytes());
         return problem.isEmpty() ? platform::Outcome() : platform::Error{problem};
@@ -96,6 +99,8 @@ public:
 
 private:
     const cs::SignedCode m_code;
+    const cs::SuperBlob m_signature; ///< of an unsigned image, the one that it gets with its ticket
+    const QList<TicketEntry> m_entries;
 };
 
 class StapledPackage : public StapleTarget {
@@ -144,12 +149,27 @@ OpenTarget openPackage(const QString &path)
     return std::shared_ptr<const StapleTarget>(std::make_shared<StapledPackage>(*archive));
 }
 
+OpenTarget openUnsignedImage(const cs::SignedCode &code)
+{
+    const auto implied = cs::impliedSignatureOfImage(code.path);
+    if (!implied)
+        return implied.failure();
+    const auto directory = cs::CodeDirectory::parse(implied->blob(cs::slot::codeDirectory));
+    if (!directory)
+        return directory.failure();
+    return std::shared_ptr<const StapleTarget>(
+        std::make_shared<StapledImage>(code, *implied, QList<TicketEntry>{entryOf(*directory)}));
+}
+
 OpenTarget openImage(const QString &path)
 {
     const auto code = cs::readSignedCode(path);
     if (!code)
         return code.failure();
-    return std::shared_ptr<const StapleTarget>(std::make_shared<StapledImage>(*code));
+    if (code->isSigned())
+        return std::shared_ptr<const StapleTarget>(
+            std::make_shared<StapledImage>(*code, code->native().blobs, entriesOf(*code)));
+    return openUnsignedImage(*code);
 }
 
 } // namespace
