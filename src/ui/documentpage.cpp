@@ -12,7 +12,7 @@
 #include "ui/logview.h"
 #include "ui/outcomebanner.h"
 #include "ui/settingspane.h"
-#include "ui/steppane.h"
+#include "ui/sidepane.h"
 
 #include <QBoxLayout>
 #include <QDropEvent>
@@ -80,7 +80,7 @@ QWidget *DocumentPage::makeRun()
     run->setChildrenCollapsible(false);
     m_logPane = new LogPane(m_document, run);
     run->addWidget(m_logPane);
-    run->addWidget(new StepPane(m_document, run));
+    run->addWidget(new SidePane(m_document, run));
     run->setStretchFactor(0, 1);
     return run;
 }

@@ -1,0 +1,256 @@
+#include "ui/examinepane.h"
+
+#include "app/appdelegate.h"
+#include "document/documentdefaults.h"
+#include "document/mainwincontroller.h"
+#include "platform/fileservice.h"
+#include "platform/itempath.h"
+#include "platform/mainqueue.h"
+#include "platform/workerqueue.h"
+#include "platform/workspace.h"
+#include "scripting/examining.h"
+#include "ui/named.h"
+
+#include <QBoxLayout>
+#include <QHeaderView>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPointer>
+#include <QTreeWidget>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int pathRole = Qt::UserRole; ///< of an entry, from the item
+constexpr int isBundleRole = Qt::UserRole + 1;
+constexpr int patience = 300; ///< milliseconds that further changes have to come
+
+QString textOf(const QJsonObject &object, QLatin1StringView key)
+{
+    return object.value(key).toString();
+}
+
+QString joined(const QJsonArray &names)
+{
+    QStringList texts;
+    for (const auto &name : names)
+        texts.append(name.toString());
+    return texts.join(u", "_s);
+}
+
+QTreeWidgetItem *entryFor(const QString &path, const QString &shown, const QString &detail)
+{
+    auto *const entry = new QTreeWidgetItem({shown, detail});
+    entry->setData(0, pathRole, path);
+    entry->setToolTip(0, path);
+    entry->setToolTip(1, detail);
+    return entry;
+}
+
+QTreeWidgetItem *findingEntry(const QJsonObject &finding)
+{
+    const QString architecture = textOf(finding, "architecture"_L1);
+    const QString message = textOf(finding, "message"_L1);
+    const QString where = textOf(finding, "path"_L1);
+    auto *const entry =
+        entryFor(where, architecture.isEmpty() ? where : u"%1 (%2)"_s.arg(where, architecture),
+                 u"%1: %2"_s.arg(textOf(finding, "severity"_L1), message));
+    entry->setToolTip(1, message + u'\n' + textOf(finding, "advice"_L1));
+    auto *const advice = entryFor(where, textOf(finding, "rule"_L1), textOf(finding, "advice"_L1));
+    entry->addChild(advice);
+    return entry;
+}
+
+QString detailOf(const QJsonObject &code)
+{
+    const QJsonValue order = code.value("order"_L1);
+    const QString place = order.isDouble() ? u"signed as number %1"_s.arg(order.toInt())
+                                           : u"not signed: "_s + textOf(code, "reason"_L1);
+    const QStringList parts{textOf(code, "kind"_L1), joined(code.value("architectures"_L1).toArray()),
+                            textOf(code.value("signature"_L1).toObject(), "state"_L1), place};
+    QStringList told;
+    std::copy_if(parts.cbegin(), parts.cend(), std::back_inserter(told),
+                 [](const QString &part) { return !part.isEmpty(); });
+    return told.join(u" · "_s);
+}
+
+bool isFolded(const QString &kind)
+{
+    return kind == "app"_L1 || kind == "bundle"_L1 || kind == "framework"_L1 || kind == "archive"_L1;
+}
+
+/// Whether the entry or one below it has the text; those that have it not are hidden.
+bool showMatches(QTreeWidgetItem &entry, const QString &text)
+{
+    bool matches = text.isEmpty() || entry.text(0).contains(text, Qt::CaseInsensitive)
+        || entry.text(1).contains(text, Qt::CaseInsensitive);
+    for (int i = 0; i < entry.childCount(); ++i)
+        matches = showMatches(*entry.child(i), text) || matches;
+    entry.setHidden(!matches);
+    return matches;
+}
+
+} // namespace
+
+ExaminePane::ExaminePane(MainWinController &document, QWidget *parent)
+    : QWidget(parent)
+    , m_document(document)
+    , m_summary(named(new QLabel(this), u"examineSummary"_s, u"Examination"_s))
+    , m_search(named(new QLineEdit(this), u"examineSearch"_s, u"Search the examination"_s))
+    , m_tree(named(new QTreeWidget(this), u"examineTree"_s, u"Findings and code"_s))
+{
+    m_summary->setTextFormat(Qt::PlainText);
+    m_summary->setWordWrap(true);
+    m_search->setPlaceholderText(u"Search"_s);
+    m_search->setClearButtonEnabled(true);
+    m_tree->setColumnCount(2);
+    m_tree->setHeaderLabels({u"Item"_s, u"What is found"_s});
+    m_tree->setUniformRowHeights(true);
+    m_tree->header()->setStretchLastSection(true);
+    auto *const rows = new QVBoxLayout(this);
+    rows->addWidget(m_summary);
+    rows->addWidget(m_search);
+    rows->addWidget(m_tree, 1);
+    connect(m_search, &QLineEdit::textChanged, this, &ExaminePane::filter);
+    connect(m_tree, &QTreeWidget::itemActivated, this, &ExaminePane::reveal);
+    m_soon.setSingleShot(true);
+    m_soon.setInterval(patience);
+    connect(&m_soon, &QTimer::timeout, this, &ExaminePane::look);
+    watchChoices();
+    lookSoon();
+}
+
+void ExaminePane::watchChoices()
+{
+    connect(&m_document.appletNameField, &Control::changed, this, &ExaminePane::lookSoon);
+    connect(&m_document.extraEntitlementsURL, &Observable::changed, this, &ExaminePane::lookSoon);
+    connect(&m_document.useDiskImage, &Observable::changed, this, &ExaminePane::lookSoon);
+    for (const CheckboxDefault &setting : checkboxDefaults())
+        connect(&(m_document.*setting.checkbox), &Control::changed, this, &ExaminePane::lookSoon);
+}
+
+void ExaminePane::lookSoon()
+{
+    const bool hasItem = !m_document.appletNameField.stringValue().isEmpty();
+    if (hasItem && !m_document.appDelegate().examineProgram().isEmpty())
+        m_soon.start();
+    else
+        setExamination({});
+}
+
+void ExaminePane::look()
+{
+    m_item = itempath::fromUrl(m_document.originalAppletURL());
+    if (m_item.isEmpty())
+        return;
+    m_summary->setText(u"Looking at the item…"_s);
+    const auto &application = m_document.appDelegate();
+    application.host().workers.post([pane = QPointer(this), &application, item = m_item, number = ++m_looks,
+                                     choices = examining::choicesOf(m_document)] {
+        const auto look = examining::examineItem(application, item, choices);
+        application.host().mainQueue.post([pane, number, look] {
+            if (pane && pane->m_looks == number) // a later look has more to say
+                pane->take(look.json, look.error);
+        });
+    });
+}
+
+void ExaminePane::take(const QByteArray &json, const QString &error)
+{
+    setExamination(QJsonDocument::fromJson(json).object());
+    if (!error.isEmpty())
+        m_summary->setText(error);
+}
+
+void ExaminePane::setExamination(const QJsonObject &examination)
+{
+    m_tree->clear();
+    if (examination.isEmpty())
+        return m_summary->setText(u"Choose or drop an item to see what would be refused."_s);
+    m_item = textOf(examination, "item"_L1);
+    addFindings(examination);
+    addCode(examination);
+    m_tree->resizeColumnToContents(0);
+    m_summary->setText(examination.value("refused"_L1).toBool()
+                           ? u"The item would be refused."_s
+                           : u"Nothing was found that would be refused."_s);
+    filter(m_search->text());
+}
+
+void ExaminePane::addFindings(const QJsonObject &examination)
+{
+    const QJsonArray findings = examination.value("findings"_L1).toArray();
+    auto *const group = new QTreeWidgetItem(
+        m_tree, {u"Findings"_s, findings.isEmpty() ? u"none"_s : QString::number(findings.size())});
+    // What would be refused comes before what is only worth a thought.
+    for (const QString &severity : {u"error"_s, u"warning"_s}) {
+        for (const auto &finding : findings) {
+            if (textOf(finding.toObject(), "severity"_L1) == severity)
+                group->addChild(findingEntry(finding.toObject()));
+        }
+    }
+    group->setExpanded(true);
+}
+
+void ExaminePane::addCode(const QJsonObject &examination)
+{
+    for (const auto &value : examination.value("code"_L1).toArray()) {
+        const QJsonObject code = value.toObject();
+        const QString path = textOf(code, "path"_L1);
+        const QString shown = path == "."_L1 ? itempath::lastComponent(m_item) : path;
+        auto *const entry = entryFor(path, shown, detailOf(code));
+        entry->setData(0, isBundleRole, isFolded(textOf(code, "kind"_L1)));
+        if (QTreeWidgetItem *const bundle = bundleAbove(path)) {
+            entry->setText(0, path.mid(bundle->data(0, pathRole).toString().size() + 1));
+            bundle->addChild(entry);
+        } else {
+            m_tree->addTopLevelItem(entry);
+        }
+        if (path == "."_L1)
+            entry->setExpanded(true);
+    }
+}
+
+/// The innermost entry that is there already and holds the path; entries come in the order of their paths.
+QTreeWidgetItem *ExaminePane::bundleAbove(const QString &path) const
+{
+    QTreeWidgetItem *found = nullptr;
+    for (int i = m_tree->topLevelItemCount() - 1; i > 0 && !found; --i) {
+        QTreeWidgetItem *const top = m_tree->topLevelItem(i);
+        const QString above = top->data(0, pathRole).toString();
+        if (above != "."_L1 && top->data(0, isBundleRole).toBool() && path.startsWith(above + u'/'))
+            found = top;
+    }
+    while (found && found->childCount() > 0) {
+        QTreeWidgetItem *const last = found->child(found->childCount() - 1);
+        const QString above = last->data(0, pathRole).toString();
+        if (!last->data(0, isBundleRole).toBool() || !path.startsWith(above + u'/'))
+            break;
+        found = last;
+    }
+    return found;
+}
+
+void ExaminePane::filter(const QString &text)
+{
+    for (int i = 0; i < m_tree->topLevelItemCount(); ++i)
+        showMatches(*m_tree->topLevelItem(i), text);
+}
+
+/// What lies in an archive is shown by its archive.
+void ExaminePane::reveal(QTreeWidgetItem *item)
+{
+    const QString path = item->data(0, pathRole).toString();
+    if (path.isNull())
+        return;
+    QString place = path == "."_L1 ? m_item : m_item + u'/' + path;
+    const auto &files = m_document.host().files;
+    while (place.size() > m_item.size() && !files.isReachable(place))
+        place = itempath::folder(place);
+    m_document.host().workspace.revealItem(place);
+}

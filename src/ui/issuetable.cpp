@@ -1,0 +1,97 @@
+#include "ui/issuetable.h"
+
+#include "document/mainwincontroller.h"
+#include "ui/named.h"
+
+#include <QAction>
+#include <QBoxLayout>
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QHeaderView>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTableWidget>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+struct Column {
+    QString key;
+    QString heading;
+};
+
+const QList<Column> &columns()
+{
+    static const QList<Column> all{{u"severity"_s, u"Severity"_s},
+                                   {u"path"_s, u"Path"_s},
+                                   {u"architecture"_s, u"Architecture"_s},
+                                   {u"message"_s, u"Message"_s},
+                                   {u"docUrl"_s, u"Link"_s}};
+    return all;
+}
+
+QStringList headings()
+{
+    QStringList texts;
+    for (const Column &column : columns())
+        texts.append(column.heading);
+    return texts;
+}
+
+} // namespace
+
+IssueTable::IssueTable(MainWinController &document, QWidget *parent)
+    : QWidget(parent)
+    , m_document(document)
+    , m_table(named(new QTableWidget(this), u"issueTable"_s, u"What the service said"_s))
+{
+    m_table->setColumnCount(int(columns().size()));
+    m_table->setHorizontalHeaderLabels(headings());
+    m_table->horizontalHeader()->setStretchLastSection(true);
+    m_table->verticalHeader()->hide();
+    m_table->setSelectionBehavior(QAbstractItemView::SelectRows);
+    m_table->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    m_table->setTabKeyNavigation(false);
+    auto *const copy = new QAction(u"Copy"_s, m_table);
+    copy->setShortcut(QKeySequence::Copy);
+    copy->setShortcutContext(Qt::WidgetShortcut);
+    connect(copy, &QAction::triggered, this, &IssueTable::copySelection);
+    m_table->addAction(copy);
+    m_table->setContextMenuPolicy(Qt::ActionsContextMenu);
+    auto *const rows = new QVBoxLayout(this);
+    rows->addWidget(m_table);
+    connect(&document.serviceIssues, &Observable::changed, this, &IssueTable::showIssues);
+    showIssues();
+}
+
+void IssueTable::showIssues()
+{
+    const QJsonArray issues = QJsonDocument::fromJson(m_document.serviceIssues().toUtf8()).array();
+    m_table->setSortingEnabled(false); // rows that move while they are filled would be mixed up
+    m_table->setRowCount(int(issues.size()));
+    for (int row = 0; row < m_table->rowCount(); ++row) {
+        const QJsonObject issue = issues[row].toObject();
+        for (int column = 0; column < m_table->columnCount(); ++column) {
+            const QString text = issue.value(columns()[column].key).toString();
+            auto *const cell = new QTableWidgetItem(text);
+            cell->setToolTip(text);
+            m_table->setItem(row, column, cell);
+        }
+    }
+    m_table->setSortingEnabled(true);
+    m_table->resizeColumnsToContents();
+}
+
+void IssueTable::copySelection() const
+{
+    QStringList lines;
+    for (const QModelIndex &row : m_table->selectionModel()->selectedRows()) {
+        QStringList cells;
+        for (int column = 0; column < m_table->columnCount(); ++column)
+            cells.append(m_table->item(row.row(), column)->text());
+        lines.append(cells.join(u'\t'));
+    }
+    QGuiApplication::clipboard()->setText(lines.join(u'\n'));
+}
