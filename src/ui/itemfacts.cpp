@@ -3,26 +3,28 @@
 #include "document/mainwincontroller.h"
 #include "platform/bundle.h"
 #include "platform/fileservice.h"
-#include "platform/itempath.h"
+#include "run/item.h"
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-QString kindOf(const QString &extension)
+QString nameOf(ItemKind kind)
 {
-    if (extension == "app"_L1)
+    switch (kind) {
+    case ItemKind::app:
         return u"Application"_s;
-    if (extension == "plugin"_L1 || extension == "fmplugin"_L1)
+    case ItemKind::plugin:
+    case ItemKind::fmplugin:
         return u"Plug-in"_s;
-    if (extension == "pkg"_L1)
+    case ItemKind::pkg:
         return u"Installer package"_s;
-    return extension == "dmg"_L1 ? u"Disk image"_s : u"Item"_s;
-}
-
-bool isBundle(const QString &extension)
-{
-    return extension == "app"_L1 || extension == "plugin"_L1 || extension == "fmplugin"_L1;
+    case ItemKind::dmg:
+        return u"Disk image"_s;
+    case ItemKind::other:
+        break;
+    }
+    return u"Item"_s;
 }
 
 } // namespace
@@ -31,7 +33,7 @@ QString itemfacts::describe(const platform::FileService &files, const QString &p
 {
     if (path.isEmpty() || !files.isReachable(path))
         return {};
-    QStringList facts{kindOf(itempath::lowerExtension(path))};
+    QStringList facts{nameOf(itemKind(path))};
     if (const QString identifier = platform::bundleIdentifier(files, path); !identifier.isEmpty())
         facts.append(identifier);
     const QString version = platform::informationText(files, path, u"CFBundleShortVersionString"_s);
@@ -43,7 +45,7 @@ QString itemfacts::describe(const platform::FileService &files, const QString &p
 QString itemfacts::intention(MainWinController &document, const QString &path)
 {
     const QString signedBy = u"will be signed by "_s + document.identitiesPopup.titleOfSelectedItem();
-    if (!isBundle(itempath::lowerExtension(path)))
+    if (!isBundleKind(itemKind(path)))
         return signedBy + u" and uploaded as it is"_s;
     return signedBy
         + (document.createDiskImageCheckbox.isOn() ? u" and uploaded as a disk image"_s

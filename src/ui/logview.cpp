@@ -147,8 +147,7 @@ QTextCharFormat LogView::formatFor(const LogText::Run &run) const
 
 QColor LogView::grey() const
 {
-    return theme::readable(theme::colourOf(theme::Meaning::quiet, palette()), palette().color(QPalette::Base),
-                           theme::leastOfText);
+    return theme::colourOf(theme::Meaning::quiet, palette());
 }
 
 QColor LogView::red() const
