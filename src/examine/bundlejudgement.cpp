@@ -85,8 +85,12 @@ void Judgement::judgeContents(const QString &item, const QString &base, const QS
     const seal::Layout layout = isFlat ? seal::Layout::Flat : seal::Layout::WithResources;
     const seal::SealedFolder folder{base, layout, QFile::encodeName(executable)};
     const auto scanned = seal::scanFolder(folder, seal::firstRules(layout), seal::secondRules(layout));
-    if (!scanned)
-        return find(rule::unreadable, Severity::error, relative(item), scanned.error());
+    if (!scanned) {
+        const auto isUnreadable = [](const Finding &finding) { return finding.rule == rule::unreadable; };
+        if (std::none_of(m_examination.findings.cbegin(), m_examination.findings.cend(), isUnreadable))
+            find(rule::unreadable, Severity::error, relative(item), scanned.error());
+        return;
+    }
     for (const seal::ScannedItem &found : *scanned) {
         const QString place = base + u'/' + QFile::decodeName(found.path);
         if (found.kind == seal::ItemKind::NestedCode)

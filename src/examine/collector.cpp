@@ -1,6 +1,5 @@
 #include "examine/collector.h"
 
-#include "examine/linktarget.h"
 #include "examine/rules.h"
 #include "formats/appledouble.h"
 #include "formats/review/verifying.h"
@@ -11,6 +10,7 @@
 
 using namespace Qt::StringLiterals;
 using toolchain::review::CodeFacts;
+using toolchain::review::LinkTarget;
 using toolchain::review::WalkFile;
 using toolchain::review::WalkPlace;
 
@@ -24,9 +24,6 @@ constexpr quint32 library = 6;
 constexpr quint32 dynamicLinker = 7;
 constexpr quint32 loadableBundle = 8;
 constexpr quint32 kernelExtension = 11;
-
-/// Longer paths than macOS has (PATH_MAX of Apple's <sys/syslimits.h>, with the byte that ends a text).
-constexpr qsizetype longestPath = 1023;
 
 QString kindOf(const CodeFacts &facts)
 {
@@ -93,8 +90,10 @@ void Collector::folder(const WalkPlace &place, const QStringList &names)
     checkLength(place);
     if (place.isInArchive()) {
         const auto bundle = toolchain::review::bundleAt(place.file, names);
-        if (!bundle.executable.isEmpty())
+        if (!bundle.executable.isEmpty()) {
             m_folders.insert(bundle.executable, bundle.folder);
+            m_links.add(bundle.folder);
+        }
         if (!bundle.executable.isEmpty() && !names.contains(u"Contents"_s) && !isVersionFolder(place))
             return addBundle(place, u"bundle"_s, bundle.executable.mid(place.file.size() + 1));
     }
@@ -179,9 +178,7 @@ void Collector::take(const WalkFile &file)
 void Collector::link(const WalkPlace &place, const QString &target)
 {
     checkLength(place);
-    if (place.isInArchive())
-        return; // as they are, they have been sealed, or nobody looks at them
-    switch (judgeLink(m_examination.item, place.path, target)) {
+    switch (judge(place, target)) {
     case LinkTarget::good:
         return;
     case LinkTarget::nowhere:
@@ -192,6 +189,14 @@ void Collector::link(const WalkPlace &place, const QString &target)
             rule::linkLeavesItem, Severity::error, place.path,
             u"invalid destination for symbolic link in bundle: \"%1\" is not part of the item"_s.arg(target));
     }
+}
+
+/// In an archive only the links of bundles count, which are sealed as they are.
+LinkTarget Collector::judge(const WalkPlace &place, const QString &target) const
+{
+    if (place.isInArchive())
+        return m_links.judge(place.file, target).value_or(LinkTarget::good);
+    return toolchain::review::judgeLink(m_examination.item, place.path, target);
 }
 
 void Collector::special(const WalkPlace &place)
@@ -253,9 +258,8 @@ void Collector::checkLength(const WalkPlace &place)
 {
     const qsizetype length =
         place.path.toUtf8().size() + 1 + itempath::lastComponent(m_examination.item).toUtf8().size();
-    if (length > longestPath)
-        find(rule::pathTooLong, Severity::error, place.path,
-             u"The path has %1 bytes; macOS takes %2."_s.arg(length).arg(longestPath));
+    if (length > toolchain::review::longestPath)
+        find(rule::pathTooLong, Severity::error, place.path, toolchain::review::tooLongText(length));
 }
 
 void Collector::checkAttributes(const WalkFile &file)

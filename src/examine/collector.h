@@ -2,6 +2,7 @@
 
 #include "examine/examination.h"
 #include "formats/review/contentwalk.h"
+#include "formats/review/linktarget.h"
 #include "platform/fileservice.h"
 
 #include <QHash>
@@ -29,6 +30,8 @@ public:
     [[nodiscard]] bool isInArchive(const QString &path) const;
 
 private:
+    [[nodiscard]] toolchain::review::LinkTarget judge(const toolchain::review::WalkPlace &place,
+                                                      const QString &target) const;
     void addBundle(const toolchain::review::WalkPlace &place, const QString &kind, const QString &executable);
     void take(const toolchain::review::WalkFile &file);
     void checkNames(const toolchain::review::WalkPlace &place, const QStringList &names);
@@ -42,6 +45,7 @@ private:
     const int m_ownDepth; ///< of archives: an image or a package is one itself
     QHash<QString, QString> m_folders; ///< of bundles in archives, by their executables; absolute
     QHash<QString, qsizetype> m_byExecutable; ///< entries of bundles by the paths of their executables
+    toolchain::review::BundleLinks m_links; ///< of bundles in archives
     QStringList m_archives; ///< that are being walked, and were, within the item
     QList<qsizetype> m_openArchives; ///< how many entries there were when each was entered
 };

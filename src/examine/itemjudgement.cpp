@@ -9,6 +9,7 @@
 #include "platform/itempath.h"
 #include "platform/posix/posixfileservice.h"
 
+#include <QDir>
 #include <QFileInfo>
 #include <QVersionNumber>
 
@@ -39,6 +40,19 @@ bool isRestricted(const QString &entitlement)
     return entitlement.startsWith("com.apple.developer."_L1) || names.contains(entitlement);
 }
 
+/// Whether a neighbour has the same name with its accents written in another way.
+bool hasOtherSpelling(const QString &path)
+{
+    const QFileInfo info(path);
+    const auto names = info.dir().entryList(QDir::AllEntries | QDir::Hidden | QDir::System);
+    const QString name = info.fileName().normalized(QString::NormalizationForm_D);
+    return std::count_if(names.cbegin(), names.cend(),
+                         [&name](const QString &other) {
+                             return other.normalized(QString::NormalizationForm_D) == name;
+                         })
+        > 1;
+}
+
 QVersionNumber versionOf(const QString &app)
 {
     const platform::PosixFileService files;
@@ -51,6 +65,7 @@ void Judgement::judgeItem()
 {
     judgeMissingItem();
     judgeEntitlements();
+    judgeCollisions();
     if (isBundleKind(m_examination.kind))
         judgeAge();
     if (!isFileKind(m_examination.kind))
@@ -95,6 +110,22 @@ void Judgement::judgeEntitlements()
         if (isRestricted(entry.key()))
             find(rule::restrictedEntitlement, Severity::warning, u"."_s,
                  u"The entitlement %1 needs a provisioning profile."_s.arg(entry.key()));
+    }
+}
+
+/// Two names that the packing of this run takes for one stop it: an image takes those that differ in case for
+/// one, and both packings those that differ in how an accent is written.
+void Judgement::judgeCollisions()
+{
+    if (!isBundleKind(m_examination.kind))
+        return;
+    const QList<Finding> findings = m_examination.findings; // some are added meanwhile
+    for (const Finding &finding : findings) {
+        if (finding.rule != rule::nameCollision || m_collected.isInArchive(finding.path))
+            continue;
+        if (m_choices.packing == Packing::diskImage || hasOtherSpelling(absolute(finding.path)))
+            find(rule::pathTooLong, Severity::error, finding.path,
+                 u"macOS takes its name for the same as that of another file in its folder."_s);
     }
 }
 

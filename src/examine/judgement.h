@@ -46,6 +46,7 @@ private:
     void judgeItem();
     void judgeEntitlements();
     void judgeAge();
+    void judgeCollisions();
     void judgeMissingItem();
     void keepScriptsThatCount();
 

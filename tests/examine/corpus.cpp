@@ -353,7 +353,16 @@ void addLinksAndNames(Corpus &corpus)
                    item.file(QString::fromUtf8("Contents/Resources/e\xcc\x81"), "text");
                    item.file(QString::fromUtf8("Contents/Resources/\xc3\xa9"), "text");
                },
-               {}, {QString::fromUtf8("name-collision Contents/Resources/\xc3\xa9")});
+               {QString::fromUtf8("path-too-long Contents/Resources/\xc3\xa9")},
+               {QString::fromUtf8("name-collision Contents/Resources/\xc3\xa9")});
+    corpus.add(u"names that differ in case in an image"_s,
+               [](ItemMaker &item) {
+                   item.file(u"Contents/Resources/Readme"_s, "text");
+                   item.file(u"Contents/Resources/readme"_s, "text");
+                   item.choices.packing = examine::Packing::diskImage;
+               },
+               {u"path-too-long Contents/Resources/readme"_s},
+               {u"name-collision Contents/Resources/readme"_s});
     corpus.add(u"an entitlement that needs a profile"_s,
                [](ItemMaker &item) {
                    item.choices.entitlements.insert(u"com.apple.developer.icloud-services"_s, true);

@@ -5,7 +5,6 @@
 #include <QStringList>
 
 #include <functional>
-#include <ostream>
 #include <string>
 
 /// One item of which it is known what becomes of it.
@@ -16,12 +15,6 @@ struct CorpusItem {
     QStringList errors; ///< "RULE PATH", sorted, each once; none: nothing is refused
     QStringList warnings = {};
 };
-
-/// Lets a failed test name its item.
-inline void PrintTo(const CorpusItem &item, std::ostream *out)
-{
-    *out << item.name;
-}
 
 /// Known causes of refusal, and things that look like them and are harmless.
 [[nodiscard]] const QList<CorpusItem> &corpus();

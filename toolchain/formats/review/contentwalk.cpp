@@ -21,6 +21,11 @@ using namespace Qt::StringLiterals;
 
 namespace toolchain::review {
 
+QString tooLongText(qsizetype length)
+{
+    return u"The path has %1 bytes; macOS takes %2."_s.arg(length).arg(longestPath);
+}
+
 void WalkVisitor::folder(const WalkPlace &, const QStringList &) { }
 void WalkVisitor::script(const WalkFile &) { }
 void WalkVisitor::file(const WalkFile &) { }

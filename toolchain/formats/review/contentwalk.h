@@ -57,6 +57,12 @@ public:
     virtual void damagedArchive(const WalkFile &file, const QString &reason);
 };
 
+/// The longest path that macOS has, in bytes: PATH_MAX of Apple's <sys/syslimits.h> without the byte that
+/// ends a text.
+inline constexpr qsizetype longestPath = 1023;
+/// What is said of a path of more bytes than that.
+[[nodiscard]] QString tooLongText(qsizetype length);
+
 /// How many archives may lie in one another.
 inline constexpr int deepestArchive = 4;
 

@@ -6,6 +6,7 @@
 #include "formats/package/packagejudgement.h"
 #include "formats/review/contentwalk.h"
 #include "formats/review/judge.h"
+#include "formats/review/linktarget.h"
 #include "formats/review/verifying.h"
 #include "formats/udif/imagesignature.h"
 
@@ -29,13 +30,28 @@ public:
 
     void folder(const WalkPlace &place, const QStringList &names) override
     {
+        checkLength(place);
         const FoundBundle bundle = bundleAt(place.file, names);
-        if (!bundle.executable.isEmpty())
-            m_bundles.insert(bundle.executable, bundle.folder);
+        if (bundle.executable.isEmpty())
+            return;
+        m_bundles.insert(bundle.executable, bundle.folder);
+        m_links.add(bundle.folder);
+    }
+
+    void file(const WalkFile &file) override { checkLength(file.place); }
+    void script(const WalkFile &file) override { checkLength(file.place); }
+
+    /// A link of a bundle that leads nowhere, or out of it, is no part of what a seal vouches for.
+    void link(const WalkPlace &place, const QString &target) override
+    {
+        checkLength(place);
+        if (m_links.judge(place.file, target).value_or(LinkTarget::good) != LinkTarget::good)
+            object(place, {}, Objection::Invalid);
     }
 
     void machO(const WalkFile &file) override
     {
+        checkLength(file.place);
         CodeFacts facts = readCodeFacts(file.place.file, m_store);
         if (!facts.damage.isEmpty())
             return object(file.place, {}, Objection::Damaged);
@@ -115,6 +131,13 @@ private:
         return place.path == "."_L1 ? m_archiveName : m_archiveName + u'/' + place.path;
     }
 
+    void checkLength(const WalkPlace &place)
+    {
+        const qsizetype length = place.path.toUtf8().size();
+        if (length > longestPath)
+            m_review.issues.append({u"error"_s, pathOf(place), tooLongText(length), {}, {}});
+    }
+
     void judge(const WalkPlace &place, const SliceFacts &slice)
     {
         const QList<Objection> objections = objectionsTo(slice);
@@ -135,6 +158,7 @@ private:
 
     const QString m_archiveName;
     const TrustStore m_store = TrustStore::ofThisMachine();
+    BundleLinks m_links;
     QHash<QString, QString> m_bundles; ///< by their main executables
     ItemReview &m_review;
 };

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "formats/timestampauthority.h"
+
+#include <QString>
+
+#include <atomic>
+#include <memory>
+#include <thread>
+
+/// The time-stamp authority of a keychain folder, on a port of this machine as long as this lives.
+class TimestampServer {
+public:
+    explicit TimestampServer(const QString &keychainFolder);
+    ~TimestampServer();
+    TimestampServer(const TimestampServer &) = delete;
+    TimestampServer &operator=(const TimestampServer &) = delete;
+
+    [[nodiscard]] QString url() const;
+
+private:
+    void serve();
+    void answer(int connection) const;
+
+    std::unique_ptr<toolchain::TimestampAuthority> m_authority;
+    int m_socket = -1;
+    int m_port = 0;
+    std::atomic<bool> m_ends = false;
+    std::thread m_thread;
+};
