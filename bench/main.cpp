@@ -21,6 +21,7 @@ constexpr Row table[] = {
     {"tool", rows::oneToolRun},
     {"output", rows::muchToolOutput},
     {"walk", rows::bundleWalk},
+    {"examine", rows::examination},
     {"copy", rows::workingCopy},
     {"log", rows::windowLog},
     {"submission", rows::submissionOfManyItems},

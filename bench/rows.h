@@ -10,6 +10,7 @@ namespace rows {
 [[nodiscard]] QList<Figure> oneToolRun();
 [[nodiscard]] QList<Figure> muchToolOutput();
 [[nodiscard]] QList<Figure> bundleWalk();
+[[nodiscard]] QList<Figure> examination();
 [[nodiscard]] QList<Figure> workingCopy();
 [[nodiscard]] QList<Figure> windowLog();
 [[nodiscard]] QList<Figure> submissionOfManyItems();
