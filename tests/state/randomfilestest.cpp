@@ -1,11 +1,13 @@
-// What a person owns, under random runs of two applications in one folder: items of one name, kills, trash
-// that fails, and files and links of the person's in the way. The seed is printed; SEALWRIGHT_SEED and
-// SEALWRIGHT_STEPS repeat a walk or make a longer one.
+// What a person owns, under random runs of two applications in one folder: items of one name and of one that
+// is nearly too long, links in items, kills, trash that fails, and files and links of the person's or of
+// another user in the way. The seed is printed; SEALWRIGHT_SEED and SEALWRIGHT_STEPS repeat a walk or make a
+// longer one.
 
 #include "state/instanttools.h"
 #include "support/items.h"
 #include "support/testhost.h"
 
+#include "document/documentcommands.h"
 #include "document/mainwincontroller.h"
 #include "platform/itempath.h"
 #include "platform/scriptcommand.h"
@@ -15,7 +17,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <filesystem>
 #include <iostream>
+#include <mutex>
 #include <random>
 
 using namespace Qt::StringLiterals;
@@ -29,9 +34,14 @@ constexpr qsizetype mostDocuments = 4;
 constexpr qsizetype mostThings = 60;
 constexpr int patience = 100; // milliseconds for workers that wait for one another
 
-// One base, and one that is written in two ways.
-const QStringList itemNames{u"Foo.app"_s,    u"Foo.pkg"_s,      u"Foo.dmg"_s,
-                            u"Foo.plugin"_s, u"B\u00e4r.app"_s, u"Ba\u0308r.app"_s};
+// One base, one that is written in two ways, and one that leaves no room for "Unmodified Original".
+const QStringList itemNames{u"Foo.app"_s,
+                            u"Foo.pkg"_s,
+                            u"Foo.dmg"_s,
+                            u"Foo.plugin"_s,
+                            u"B\u00e4r.app"_s,
+                            u"Ba\u0308r.app"_s,
+                            QString(240, u'n') + u".app"_s};
 const QStringList endings{u"Failed"_s, u"Submitted"_s, u"Notarized"_s, u"Signed"_s};
 
 int numberFrom(const char *variable, int otherwise)
@@ -41,7 +51,34 @@ int numberFrom(const char *variable, int otherwise)
     return isSet ? number : otherwise;
 }
 
-/// One application with files of its own, which fail from the moment on at which it is killed.
+/// The folders of another user, in a folder in which nobody can rename or delete what is another's.
+class OthersFolders {
+public:
+    void add(const QString &path)
+    {
+        const std::scoped_lock lock(m_mutex);
+        m_paths.append(path);
+    }
+    void forgetAll()
+    {
+        const std::scoped_lock lock(m_mutex);
+        m_paths.clear();
+    }
+    /// Whether what is done at the path would change one of them: in it, with it, or by moving it to "old".
+    bool forbid(const QString &path) const
+    {
+        const std::scoped_lock lock(m_mutex);
+        return std::any_of(m_paths.cbegin(), m_paths.cend(), [&path](const QString &theirs) {
+            return path == theirs || path == theirs + u" - old"_s || path.startsWith(theirs + u'/');
+        });
+    }
+
+private:
+    mutable std::mutex m_mutex;
+    QStringList m_paths;
+};
+
+/// One application with files and timers of its own. The files fail from the moment on at which it is killed.
 struct Incarnation {
     explicit Incarnation(const QString &trash)
         : files(trash)
@@ -49,6 +86,7 @@ struct Incarnation {
     }
 
     TestFiles files;
+    ManualTimers timers;
     std::unique_ptr<AppDelegate> application;
     std::atomic<int> operationsToLive = -1; ///< below 0 for ever
     std::atomic<bool> hasTrash = true;
@@ -89,18 +127,28 @@ protected:
     std::unique_ptr<Incarnation> launched()
     {
         auto incarnation = std::make_unique<Incarnation>(test.item(u"../trash/%1"_s.arg(++m_launches)));
-        incarnation->files.failure = [one = incarnation.get()](const QString &operation, const QString &) {
-            if (one->operationsToLive == 0)
-                return u"killed"_s;
-            if (one->operationsToLive > 0)
-                --one->operationsToLive;
-            return operation == "trashItem"_L1 && !one->hasTrash ? u"no trash"_s : QString();
+        incarnation->files.failure = [this, one = incarnation.get()](const QString &operation,
+                                                                     const QString &path) {
+            return failureOf(*one, operation, path);
         };
         incarnation->application = std::make_unique<AppDelegate>(
-            test.host({.launcher = &tools, .files = &incarnation->files}), windows, test.configuration);
+            test.host({.launcher = &tools, .files = &incarnation->files, .timers = &incarnation->timers}),
+            windows, test.configuration);
         incarnation->application->applicationWillFinishLaunching();
         incarnation->application->applicationDidFinishLaunching();
         return incarnation;
+    }
+
+    QString failureOf(Incarnation &one, const QString &operation, const QString &path) const
+    {
+        if (one.operationsToLive == 0)
+            return u"killed"_s;
+        if (one.operationsToLive > 0)
+            --one.operationsToLive;
+        if (operation == "trashItem"_L1 && !one.hasTrash)
+            return u"no trash"_s;
+        const bool isChange = operation != "readFile"_L1 && operation != "isReadable"_L1;
+        return isChange && m_othersFolders.forbid(path) ? u"another's"_s : QString();
     }
 
     /// As if its process were gone.
@@ -109,18 +157,15 @@ protected:
         incarnation.operationsToLive = 0;
         tools.releaseAll();
         settle();
-        while (!incarnation.application->allControllers().isEmpty()) {
-            const DocumentPtr document = incarnation.application->allControllers().last();
-            if (const auto timer = document->staplingTimer())
-                timer->invalidate();
-            document->window().close();
-        }
+        while (!incarnation.application->allControllers().isEmpty())
+            incarnation.application->allControllers().last()->window().close();
         // No worker may outlive the application that it works for; what hangs for the other one goes on as
         // well.
         test.runUntil([this] {
             tools.releaseAll();
             return test.workers().isIdle() && test.mainQueue.isEmpty();
         });
+        incarnation.timers.forgetAll(); // a wait may have begun since the window was closed
         incarnation.application.reset();
     }
 
@@ -166,6 +211,8 @@ protected:
             } else {
                 items::makeBundle(path);
                 items::makeFile(path + u"/Contents/serial"_s, serial);
+                if (happens(30))
+                    items::makeLink(path + u"/Contents/Resources/Scripts/main.scpt"_s, fileOutside());
             }
             m_owned.insert(items::fingerprint(path), path + u": "_s + QString::fromLatin1(serial));
         }
@@ -180,13 +227,31 @@ protected:
         const QString path = test.item(base + u" - "_s + endings.at(below(endings.size())));
         if (QFileInfo(path).isSymLink() || QFileInfo::exists(path))
             return;
-        const QString outside = test.item(u"../outside/%1"_s.arg(++m_serial));
-        items::makeFile(outside + u"/file"_s, "outside " + QByteArray::number(m_serial));
-        m_owned.insert(items::fingerprint(outside + u"/file"_s), outside);
         if (happens(50))
-            items::makeLink(path, outside);
+            items::makeLink(path, itempath::folder(fileOutside()));
         else
             items::makeFile(path + u"/Foo - Unmodified Original/mine"_s, "mine");
+    }
+
+    /// A file of the person's that is no item, elsewhere.
+    QString fileOutside()
+    {
+        const QString file = test.item(u"../outside/%1/file"_s.arg(++m_serial));
+        items::makeFile(file, "outside " + QByteArray::number(m_serial));
+        m_owned.insert(items::fingerprint(file), file);
+        return file;
+    }
+
+    void putSomethingOfAnotherUserInTheWay()
+    {
+        const QString base = itempath::withoutExtension(itemNames.at(below(itemNames.size())));
+        const QString ending = happens(20) ? u"Working"_s : endings.at(below(endings.size()));
+        const QString path = test.item(base + u" - "_s + ending);
+        if (QFileInfo(path).isSymLink() || QFileInfo::exists(path))
+            return;
+        items::makeFile(path + u"/file"_s, "another's " + QByteArray::number(++m_serial));
+        m_owned.insert(items::fingerprint(path + u"/file"_s), path);
+        m_othersFolders.add(path);
     }
 
     /// A working folder in which a run was killed that had taken the original along.
@@ -198,8 +263,15 @@ protected:
         if (QFileInfo::exists(folder))
             return;
         const QString keeper = folder + u'/' + base + u" - Unmodified Original"_s;
-        QDir().mkpath(keeper);
+        if (!makeFolder(keeper))
+            return; // its name is too long
         QDir().rename(item, keeper + u'/' + itempath::lastComponent(item));
+    }
+
+    static bool makeFolder(const QString &path)
+    {
+        std::error_code error;
+        return std::filesystem::create_directories(path.toStdString(), error);
     }
 
     void expectAllIsSomewhere()
@@ -227,6 +299,7 @@ protected:
             QDir(test.item(folder)).removeRecursively();
         items::makeFolder(test.item({}));
         m_owned.clear();
+        m_othersFolders.forgetAll();
         for (auto &incarnation : incarnations)
             incarnation = launched();
     }
@@ -265,7 +338,25 @@ protected:
             document->doCancel();
     }
 
-    void timerFires() { test.timers.fireNext(); }
+    void personRepeats()
+    {
+        const DocumentPtr document = someDocument();
+        if (!document || document->isBusy() || TestHost::window(*document).sheet)
+            return;
+        if (document->lastAction() == submitAction)
+            document->perform(Action::doSubmitAgain);
+        else if (document->lastAction() == signAction)
+            document->perform(Action::doSignAgain);
+    }
+
+    void personAnswers()
+    {
+        const DocumentPtr document = someDocument();
+        if (document && TestHost::window(*document).sheet)
+            TestHost::window(*document).answerSheet();
+    }
+
+    void timerFires() { someIncarnation().timers.fireNext(); }
 
     void toolMisbehaves()
     {
@@ -295,10 +386,13 @@ protected:
                                                            &RandomFiles::toolMisbehaves,
                                                            &RandomFiles::toolsGoOn,
                                                            &RandomFiles::cancels,
+                                                           &RandomFiles::personRepeats,
+                                                           &RandomFiles::personAnswers,
                                                            &RandomFiles::killSoon,
                                                            &RandomFiles::startAgain,
                                                            &RandomFiles::loseOrRegainTrash,
                                                            &RandomFiles::putSomethingInTheWay,
+                                                           &RandomFiles::putSomethingOfAnotherUserInTheWay,
                                                            &RandomFiles::leaveAnOriginalBehind};
         (this->*kinds[below(std::size(kinds))])();
     }
@@ -317,6 +411,11 @@ protected:
     TestHost test;
     InstantTools tools;
     FakeWindowFactory windows{test.applicationHost};
+
+private:
+    OthersFolders m_othersFolders;
+
+protected:
     std::unique_ptr<Incarnation> incarnations[2];
 
 private:

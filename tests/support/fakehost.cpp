@@ -28,18 +28,32 @@ void TestMainQueue::runNext()
 
 TestWorkerQueue::~TestWorkerQueue()
 {
-    for (std::thread &thread : m_threads)
-        thread.join();
+    for (Worker &worker : m_workers)
+        worker.thread.join();
 }
 
 void TestWorkerQueue::post(std::function<void()> job)
 {
     ++m_running;
     const std::scoped_lock lock(m_mutex);
-    m_threads.emplace_back([this, job = std::move(job)]() mutable {
+    joinEnded();
+    Worker &worker = m_workers.emplace_back();
+    worker.thread = std::thread([this, &worker, job = std::move(job)]() mutable {
         job();
         job = nullptr; // lets go of its document before it counts as done
+        worker.hasEnded = true;
         --m_running;
+    });
+}
+
+/// Each keeps its stack until then, and a long walk starts very many.
+void TestWorkerQueue::joinEnded()
+{
+    m_workers.remove_if([](Worker &worker) {
+        const bool hasEnded = worker.hasEnded;
+        if (hasEnded)
+            worker.thread.join();
+        return hasEnded;
     });
 }
 

@@ -23,6 +23,7 @@
 #include <atomic>
 #include <deque>
 #include <functional>
+#include <list>
 #include <mutex>
 #include <thread>
 
@@ -54,9 +55,15 @@ public:
     int running() const { return m_running; }
 
 private:
+    struct Worker {
+        std::thread thread;
+        std::atomic<bool> hasEnded = false;
+    };
+    void joinEnded();
+
     std::atomic<int> m_running = 0;
     std::mutex m_mutex;
-    std::vector<std::thread> m_threads;
+    std::list<Worker> m_workers;
 };
 
 /// Timers that fire when the test says so.

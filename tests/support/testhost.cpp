@@ -72,7 +72,7 @@ platform::Host TestHost::host(const Instead &instead)
 {
     return {instead.mainQueue ? *instead.mainQueue : mainQueue,
             *m_workers,
-            timers,
+            instead.timers ? *instead.timers : timers,
             clock,
             instead.launcher ? *instead.launcher : launcher,
             instead.files ? *instead.files : files,

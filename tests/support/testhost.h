@@ -25,6 +25,7 @@ public:
         platform::MainQueue *mainQueue = nullptr;
         platform::ProcessLauncher *launcher = nullptr;
         platform::FileService *files = nullptr;
+        platform::TimerService *timers = nullptr;
     };
     platform::Host host(const Instead &instead);
     platform::Host host() { return host(Instead()); }
