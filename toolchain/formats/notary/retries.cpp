@@ -14,8 +14,8 @@ using Clock = std::chrono::steady_clock;
 
 constexpr int tries = 4;
 constexpr Milliseconds wholeCall{150'000};
-constexpr Milliseconds leastCall{5'000};
-constexpr Milliseconds leastIdle{1'000};
+constexpr Milliseconds leastCall{15'000};
+constexpr Milliseconds leastIdle{3'000};
 constexpr std::array<Milliseconds, tries> idleLimits{Milliseconds(20'000), Milliseconds(30'000),
                                                      Milliseconds(40'000), Milliseconds(50'000)};
 constexpr Milliseconds firstPause{1'000};
