@@ -119,10 +119,10 @@ void Connection::reset() const
 
 MHD_Result Connection::tearDown()
 {
+    m_service.record(m_request, 0); // before its sender knows
     if (is(u"reset"))
         reset();
     m_stage = Stage::Done;
-    m_service.record(m_request, 0);
     return MHD_NO;
 }
 
@@ -210,6 +210,9 @@ MHD_Result Connection::finish()
 
 MHD_Result Connection::answer(Response response)
 {
+    const bool hasNothingToHoldBack = is(u"stall") && response.body.isEmpty(); // but the whole reply
+    if (hasNothingToHoldBack && !waitFor(m_fault->number(forEver)))
+        return tearDown();
     const bool hasNothingToCut = is(u"cut") && response.body.isEmpty(); // but its headers
     if (is(u"close") || is(u"reset") || hasNothingToCut)
         return tearDown();

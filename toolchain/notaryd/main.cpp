@@ -49,7 +49,7 @@ Exit status: 0 done, 1 failed, 2 wrong arguments.
 constexpr int argumentsStatus = 2;
 constexpr auto idleEnd = std::chrono::minutes(10);
 constexpr auto lookPause = std::chrono::seconds(1);
-constexpr int takeOverLooks = 100;
+constexpr int takeOverLooks = 400;
 constexpr auto takeOverPause = std::chrono::milliseconds(50);
 
 struct Options {
