@@ -4,7 +4,6 @@
 
 #include <QFile>
 #include <QJsonDocument>
-#include <QThread>
 
 using namespace Qt::StringLiterals;
 using namespace toolchain::notary;
@@ -75,11 +74,7 @@ QString NotaryFixture::makeArchive(const QString &name, qint64 size) const
 QString NotaryFixture::decidedRequest() const
 {
     const QString uuid = uuidIn(upload(makeArchive()));
-    ToolResult report = info(uuid);
-    for (int look = 0; look < 100 && report.output.contains(u"Status: in progress"_s); ++look) {
-        QThread::msleep(20);
-        report = info(uuid);
-    }
+    const ToolResult report = pollToTheEnd(uuid);
     EXPECT_TRUE(report.output.contains(u"Status: invalid"_s)) << report.output.toStdString();
     return uuid;
 }

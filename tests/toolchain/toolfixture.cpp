@@ -1,9 +1,8 @@
 #include "toolchain/toolfixture.h"
 
-#include <QDeadlineTimer>
-
 #include "platform/propertylist/propertylist.h"
 
+#include <QDeadlineTimer>
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonDocument>
@@ -17,7 +16,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int deadlineInMilliseconds = 60'000;
+/// For what has gone wrong for good; however slow the machine is, nothing that goes well comes near it.
+constexpr int deadlineInMilliseconds = 300'000;
 
 QStringList withCredentials(QStringList arguments)
 {
@@ -48,8 +48,18 @@ void ToolFixture::stopService() const
         QFile line(u"/proc/%1/cmdline"_s.arg(process));
         return line.open(QIODevice::ReadOnly) && !line.readAll().isEmpty();
     };
-    for (int look = 0; isThere() && look < 200; ++look)
+    EXPECT_TRUE(waitUntil([&isThere] { return !isThere(); })) << "the notary service does not end";
+}
+
+bool ToolFixture::waitUntil(const std::function<bool()> &isSo)
+{
+    const QDeadlineTimer deadline(deadlineInMilliseconds);
+    while (!isSo()) {
+        if (deadline.hasExpired())
+            return false;
         QThread::msleep(10);
+    }
+    return true;
 }
 
 QString ToolFixture::toolRoot()
@@ -137,10 +147,20 @@ QString ToolFixture::uuidIn(const ToolResult &reply)
     return list.value(u"notarization-upload"_s).toMap().value(u"RequestUUID"_s).toString();
 }
 
+void ToolFixture::waitForReview(const QString &uuid) const
+{
+    const QString record = statePath(u"notary/requests/%1.json"_s.arg(uuid));
+    EXPECT_TRUE(waitUntil([&record] {
+        QFile file(record);
+        return file.open(QIODevice::ReadOnly)
+            && QJsonDocument::fromJson(file.readAll())[u"phase"].toString() == u"reviewed"_s;
+    })) << "no review is recorded";
+}
+
 ToolResult ToolFixture::pollToTheEnd(const QString &uuid) const
 {
     ToolResult report = info(uuid);
-    const QDeadlineTimer deadline(std::chrono::minutes(1));
+    const QDeadlineTimer deadline(deadlineInMilliseconds);
     while (!deadline.hasExpired() && report.output.contains(u"Status: in progress"_s))
         report = info(uuid);
     return report;

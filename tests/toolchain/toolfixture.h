@@ -44,6 +44,9 @@ protected:
     /// Ends the notary service of this test's state, if one runs.
     void stopService() const;
 
+    /// False only if that is not so after minutes.
+    [[nodiscard]] static bool waitUntil(const std::function<bool()> &isSo);
+
     /// The folder of the built tools.
     [[nodiscard]] static QString toolRoot();
 
@@ -82,6 +85,11 @@ protected:
 
     /// The RequestUUID of an XML reply to an upload; empty if there is none.
     [[nodiscard]] static QString uuidIn(const ToolResult &reply);
+
+    /// Waits, without asking, until the service has written down what its review found: it begins one by
+    /// itself a while after an upload. What is asked from then on is answered by the number of questions
+    /// alone.
+    void waitForReview(const QString &uuid) const;
 
     /// Asks until the request is decided, and answers the last report.
     [[nodiscard]] ToolResult pollToTheEnd(const QString &uuid) const;

@@ -5,7 +5,6 @@
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QThread>
 
 #include <algorithm>
 #include <vector>
@@ -15,6 +14,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int linesOfTableHead = 4;
+constexpr int secondsOfAnHour = 3600;
 
 class NotaryState : public ToolFixture {
 protected:
@@ -30,6 +30,14 @@ protected:
     [[nodiscard]] QString requestPath(const QString &uuid) const
     {
         return statePath(u"notary/requests/%1.json"_s.arg(uuid));
+    }
+
+    /// Makes a reviewed request's upload so many seconds later than now.
+    void dateUpload(const QString &uuid, int seconds) const
+    {
+        QJsonObject request = QJsonDocument::fromJson(bundlebuilder::readFile(requestPath(uuid))).object();
+        request.insert(u"uploaded"_s, QDateTime::currentDateTimeUtc().addSecs(seconds).toString(Qt::ISODate));
+        bundlebuilder::writeFile(requestPath(uuid), QJsonDocument(request).toJson());
     }
 
     [[nodiscard]] std::unique_ptr<QProcess> startAltool(QStringList arguments) const
@@ -59,6 +67,8 @@ TEST_F(NotaryState, countsTheQuestionsOfManyProcessesAtOnce)
 {
     for (int round = 0; round < 5; ++round) { // a lost question shows in some rounds only
         const QString uuid = uuidIn(upload(archive()));
+        waitForReview(uuid);
+        dateUpload(uuid, secondsOfAnHour); // so that no time can decide it
         std::vector<std::unique_ptr<QProcess>> questions;
         for (int index = 0; index < 12; ++index)
             questions.push_back(startAltool({u"--notarization-info"_s, uuid}));
@@ -74,19 +84,17 @@ TEST_F(NotaryState, countsTheQuestionsOfManyProcessesAtOnce)
 TEST_F(NotaryState, aRequestOfTwoMinutesAgoIsDecidedWithoutQuestions)
 {
     const QString uuid = uuidIn(upload(archive()));
-    EXPECT_TRUE(info(uuid).output.contains(u"Status: in progress"_s)); // the question begins the review
-    for (int look = 0; look < 200 && !bundlebuilder::readFile(requestPath(uuid)).contains("\"reviewed\"");
-         ++look)
-        QThread::msleep(20);
-    QJsonObject request = QJsonDocument::fromJson(bundlebuilder::readFile(requestPath(uuid))).object();
-    request.insert(u"uploaded"_s, QDateTime::currentDateTimeUtc().addSecs(-121).toString(Qt::ISODate));
-    bundlebuilder::writeFile(requestPath(uuid), QJsonDocument(request).toJson());
+    waitForReview(uuid);
+    dateUpload(uuid, secondsOfAnHour);
+    EXPECT_TRUE(info(uuid).output.contains(u"Status: in progress"_s));
+    dateUpload(uuid, -121);
     EXPECT_TRUE(info(uuid).output.contains(u"Status: invalid"_s));
 }
 
 TEST_F(NotaryState, aDamagedRequestIsNotKnownAndLeftAlone)
 {
     const QString uuid = uuidIn(upload(archive()));
+    waitForReview(uuid); // which would write the record anew
     for (const QByteArray &garbage :
          {QByteArray(), QByteArray("{"), QByteArray("[]"), QByteArray("{\"RequestUUID\": 3}")}) {
         bundlebuilder::writeFile(requestPath(uuid), garbage);
