@@ -1,0 +1,1 @@
+// Without a source there would be no command that precompiles headers.
