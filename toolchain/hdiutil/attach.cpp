@@ -79,9 +79,8 @@ std::string deviceLine(const std::string &device, const std::string &content, co
 {
     constexpr std::size_t deviceWidth = 20;
     constexpr std::size_t contentWidth = 31;
-    const auto padded = [](std::string text, std::size_t width) {
-        text.resize(std::max(width, text.size()), ' ');
-        return text;
+    const auto padded = [](const std::string &text, std::size_t width) {
+        return text + std::string(width - std::min(width, text.size()), ' ');
     };
     return padded("/dev/" + device, deviceWidth) + '\t' + padded(content, contentWidth) + '\t' + mountPoint
         + '\n';
