@@ -532,6 +532,29 @@ TEST_F(Seals, theSealsFileIsReadOnlyWhereItIsOne)
     EXPECT_FALSE(seal::readSealFile(folder.base));
 }
 
+TEST_F(Seals, aLongSealIsWrittenInBlocks)
+{
+    constexpr int files = 1'000;
+    for (int number = 0; number < files; ++number)
+        write(u"Resources/file %1"_s.arg(number), QByteArray::number(number));
+    link(u"Resources/link"_s, "file 1");
+    const auto made = seal::collectSeal(folder, seal::Digests::Sha1AndSha256, describeAny);
+    ASSERT_TRUE(made);
+    QByteArray bytes;
+    int blocks = 0;
+    ASSERT_TRUE(made->write([&](QByteArrayView block) {
+        ++blocks;
+        bytes.append(block);
+        return block.size() < 100'000;
+    }));
+    EXPECT_GT(blocks, 3);
+    EXPECT_EQ(bytes, make(seal::Digests::Sha1AndSha256));
+    const auto read = seal::readSeal(bytes);
+    ASSERT_TRUE(read);
+    EXPECT_EQ(read->files2.size(), files + 1);
+    EXPECT_FALSE(made->write([](QByteArrayView) { return false; })) << "a sink that takes nothing";
+}
+
 TEST_F(Seals, aThousandFilesAreDigestedOnAllCores)
 {
     std::vector<seal::DigestJob> jobs;

@@ -148,8 +148,8 @@ Result<SignaturePlan> planFor(const SignedCode &code, qsizetype part, const Sign
     const QByteArray info = boundInfoPropertyList(code, part);
     if (!info.isEmpty())
         plan.components.insert(slot::infoPropertyList, info);
-    if (!item.seal.isEmpty())
-        plan.components.insert(slot::resources, item.seal);
+    if (!item.sealDigests.isEmpty())
+        plan.digestedFiles.insert(slot::resources, item.sealDigests);
     const QByteArray entitlements = entitlementsFor(code, part, order);
     if (entitlements.isEmpty())
         return plan;

@@ -9,7 +9,7 @@ namespace toolchain::codesign {
 struct ItemPlan {
     QString identifier;
     QList<codesignature::HashType> digests;
-    QByteArray seal; ///< the bytes of CodeResources; empty: the item has none
+    QList<QByteArray> sealDigests; ///< of CodeResources, one for each of `digests`; empty: there is no seal
 };
 
 /// Digests as the order tells them, else as the item's oldest system needs them.

@@ -35,8 +35,24 @@ QString subcomponent(const QString &problem, const QString &path)
     return problem + u"\nIn subcomponent: "_s + path;
 }
 
+QList<QByteArray> digestsOf(const seal::MadeSeal &seal, const QList<HashType> &kinds)
+{
+    std::vector<Digest> digests;
+    for (const HashType kind : kinds)
+        digests.emplace_back(kind);
+    (void)seal.write([&digests](QByteArrayView bytes) {
+        for (Digest &digest : digests)
+            digest.add(bytes);
+        return true;
+    });
+    QList<QByteArray> results;
+    for (Digest &digest : digests)
+        results.append(digest.result());
+    return results;
+}
+
 /// A symbolic link in the seal's place, or in that of its folder, is not followed out of the bundle.
-QString writeSeal(const CodeBundle &bundle, const QByteArray &seal)
+QString writeSeal(const CodeBundle &bundle, const seal::MadeSeal &seal)
 {
     if (QFileInfo(bundle.sealFolder()).isSymLink())
         return text::badLink;
@@ -45,8 +61,10 @@ QString writeSeal(const CodeBundle &bundle, const QByteArray &seal)
     if (QFileInfo(bundle.sealPath()).isSymLink())
         QFile::remove(bundle.sealPath());
     QSaveFile file(bundle.sealPath());
-    const bool isWritten =
-        file.open(QIODevice::WriteOnly) && file.write(seal) == seal.size() && file.commit();
+    const seal::SealSink sink = [&file](QByteArrayView bytes) {
+        return file.write(bytes.data(), bytes.size()) == bytes.size();
+    };
+    const bool isWritten = file.open(QIODevice::WriteOnly) && seal.write(sink) && file.commit();
     return isWritten ? QString() : bundle.sealPath() + u": "_s + file.errorString();
 }
 
@@ -129,7 +147,7 @@ private:
 
     QString signOneNested(const QString &path)
     {
-        auto code = readSignedCode(path);
+        auto code = readSignedCode(path, SignatureDepth::Heads);
         if (!code)
             return code.error();
         ItemSigner signer(*std::move(code), m_order);
@@ -147,10 +165,11 @@ private:
                 return designation.failure();
             return seal::NestedCode{designation->cdHash, designation->requirement};
         };
-        const auto seal = seal::makeSeal(sealedFolder(*m_code.bundle), sealDigests(m_item.digests), describe);
+        auto seal = seal::collectSeal(sealedFolder(*m_code.bundle), sealDigests(m_item.digests), describe);
         if (!seal)
             return seal.error();
-        m_item.seal = *seal;
+        m_seal = *std::move(seal);
+        m_item.sealDigests = digestsOf(*m_seal, m_item.digests);
         return {};
     }
 
@@ -182,8 +201,8 @@ private:
     {
         if (m_code.image)
             return signMachO(m_code.mainFile, m_plans,
-                             [this, &bundle] { return writeSeal(bundle, m_item.seal); });
-        const QString problem = writeSeal(bundle, m_item.seal);
+                             [this, &bundle] { return writeSeal(bundle, *m_seal); });
+        const QString problem = writeSeal(bundle, *m_seal);
         return problem.isEmpty() ? signBesideSeal(m_code.mainFile, bundle.sealFolder(), m_plans.first())
                                  : problem;
     }
@@ -191,6 +210,7 @@ private:
     SignedCode m_code;
     const SigningOrder &m_order;
     ItemPlan m_item;
+    std::optional<seal::MadeSeal> m_seal; ///< of a bundle
     QList<SignaturePlan> m_plans;
 };
 
@@ -219,7 +239,7 @@ SigningReport signItem(const QString &path, const SigningOrder &order)
 {
     // Messages about what is nested name it from the root on, wherever the tool was started.
     const QString absolute = QDir::cleanPath(QDir::current().absoluteFilePath(path));
-    auto code = readSignedCode(targetOf(absolute));
+    auto code = readSignedCode(targetOf(absolute), SignatureDepth::Heads);
     if (!code)
         return {code.error(), {}, {}};
     code->path = absolute;
@@ -228,7 +248,7 @@ SigningReport signItem(const QString &path, const SigningOrder &order)
 
 QString removeSignature(const QString &path)
 {
-    const auto code = readSignedCode(targetOf(path));
+    const auto code = readSignedCode(targetOf(path), SignatureDepth::Heads);
     if (!code)
         return code.error();
     if (code->bundle)

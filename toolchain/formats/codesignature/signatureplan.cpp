@@ -17,7 +17,8 @@ bool isBlob(quint32 slotNumber)
 
 quint32 highestSlot(const SignaturePlan &plan)
 {
-    return plan.components.isEmpty() ? 0 : plan.components.lastKey();
+    const quint32 component = plan.components.isEmpty() ? 0 : plan.components.lastKey();
+    return plan.digestedFiles.isEmpty() ? component : std::max(component, plan.digestedFiles.lastKey());
 }
 
 } // namespace
@@ -35,6 +36,8 @@ SpecialSlots specialSlotsOf(const SignaturePlan &plan, HashType digest)
     SpecialSlots digests;
     for (auto component = plan.components.begin(); component != plan.components.end(); ++component)
         digests.insert(component.key(), digestOf(*component, digest));
+    for (auto file = plan.digestedFiles.begin(); file != plan.digestedFiles.end(); ++file)
+        digests.insert(file.key(), file->at(plan.digests.indexOf(digest)));
     return digests;
 }
 

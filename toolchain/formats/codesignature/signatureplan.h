@@ -30,6 +30,8 @@ struct SignaturePlan {
     /// What the special slots digest: whole blobs for requirements and entitlements, which become part of the
     /// signature; for others the bytes of the file.
     QMap<quint32, QByteArray> components;
+    /// The same for files that are too long to be held: their digests, in the order of `digests`.
+    QMap<quint32, QList<QByteArray>> digestedFiles;
     quint64 cmsRoom = usualCmsRoom; ///< bytes that are kept for the CMS signature
     CmsMaker makeCms; ///< none: ad hoc
     quint64 segmentAlignment =

@@ -1,5 +1,6 @@
 #include "formats/codesignature/signaturereader.h"
 
+#include "formats/codesignature/signatureheads.h"
 #include "formats/fileattributes.h"
 #include "formats/udif/imagesignature.h"
 
@@ -64,19 +65,23 @@ SignedPart orDamage(Result<SignedPart> part)
     return damaged;
 }
 
-SignedPart partInFile(QIODevice &file, ByteRange place)
+SignedPart partInFile(QIODevice &file, ByteRange place, SignatureDepth depth)
 {
     if (place.length == 0)
         return {};
+    if (depth == SignatureDepth::Heads) {
+        auto heads = readSignatureHeads(file, place);
+        return orDamage(heads ? partWith(*std::move(heads)) : heads.failure());
+    }
     if (place.length > longestSignature)
         return orDamage(Error{u"the signature takes %1 bytes"_s.arg(place.length)});
     return orDamage(readSignedPart(bytesAt(file, place.offset, place.length)));
 }
 
-SignedPart partOfSlice(QIODevice &file, const MachOSlice &slice)
+SignedPart partOfSlice(QIODevice &file, const MachOSlice &slice, SignatureDepth depth)
 {
     const ByteRange data = slice.signature ? slice.signature->data : ByteRange();
-    SignedPart part = partInFile(file, {slice.place.offset + data.offset, data.length});
+    SignedPart part = partInFile(file, {slice.place.offset + data.offset, data.length}, depth);
     part.architecture = slice.architecture();
     return part;
 }
@@ -119,7 +124,7 @@ SignedPart partInSealFolder(const QString &folder)
     });
 }
 
-Result<SignedCode> readMachO(SignedCode code)
+Result<SignedCode> readMachO(SignedCode code, SignatureDepth depth)
 {
     QFile file(code.mainFile);
     if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
@@ -129,7 +134,7 @@ Result<SignedCode> readMachO(SignedCode code)
         return Error{text::badObject + u'\n' + image.error()};
     code.kind = CodeKind::MachO;
     for (const MachOSlice &slice : image->slices)
-        code.parts.append(partOfSlice(file, slice));
+        code.parts.append(partOfSlice(file, slice, depth));
     code.image = *std::move(image);
     return code;
 }
@@ -153,10 +158,10 @@ Result<SignedCode> readDiskImage(SignedCode code)
     return code;
 }
 
-Result<SignedCode> readFile(SignedCode code)
+Result<SignedCode> readFile(SignedCode code, SignatureDepth depth)
 {
     if (isSignedWithin(code.mainFile))
-        return readMachO(std::move(code));
+        return readMachO(std::move(code), depth);
     if (code.bundle) {
         code.parts.append(partInSealFolder(code.bundle->sealFolder()));
         return code;
@@ -248,7 +253,7 @@ bool isStoredRaw(quint32 slotNumber)
     return slotNumber == slot::cms || slotNumber == slot::resources;
 }
 
-Result<SignedCode> readSignedCode(const QString &path)
+Result<SignedCode> readSignedCode(const QString &path, SignatureDepth depth)
 {
     SignedCode code;
     code.path = path;
@@ -265,7 +270,7 @@ Result<SignedCode> readSignedCode(const QString &path)
     } else if (!item.isFile()) {
         return Error{text::badObject};
     }
-    return readFile(std::move(code));
+    return readFile(std::move(code), depth);
 }
 
 Result<SignedCode> readCodeSignature(const QString &path)

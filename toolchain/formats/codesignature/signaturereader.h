@@ -60,11 +60,18 @@ struct SignedCode {
     [[nodiscard]] QString formatText() const;
 };
 
+/// How much is read of a Mach-O file's signature.
+enum class SignatureDepth {
+    Whole,
+    Heads ///< without the digests of the code, and so without a hash of the code: see signatureheads.h
+};
+
 /// Reads what there is of an item's signature: of a Mach-O file, a bundle, a framework, a disk image or any
 /// other file. An item without a signature is no failure. The error is a sentence of codebundle.h or says
 /// what is damaged, without the item's name. Reads the whole signature, and of the code nothing but its head.
 /// Any thread.
-[[nodiscard]] platform::Result<SignedCode> readSignedCode(const QString &path);
+[[nodiscard]] platform::Result<SignedCode> readSignedCode(const QString &path,
+                                                          SignatureDepth depth = SignatureDepth::Whole);
 
 /// The same; an item that is not signed is a failure, with the text `text::notSigned`.
 [[nodiscard]] platform::Result<SignedCode> readCodeSignature(const QString &path);

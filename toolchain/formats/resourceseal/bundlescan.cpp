@@ -3,7 +3,6 @@
 #include "support/openfile.h"
 
 #include <QFile>
-#include <QSet>
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -81,15 +80,12 @@ private:
     void scanOne(const QByteArray &folder, QList<QByteArray> &waiting)
     {
         const std::vector<Name> names = namesIn(folder);
-        QSet<QByteArray> known;
-        for (const Name &name : names)
-            known.insert(name.name);
         for (const Name &name : names) {
             const QByteArray path = folder.isEmpty() ? name.name : folder + '/' + name.name;
             if (!m_error.isEmpty())
                 return;
             if (path == m_folder.executable || isOutsideOfSeals(path)
-                || isAttributesOfAnother(path, name, known))
+                || isAttributesOfAnother(path, name, names))
                 continue;
             if (name.type == EntryType::Folder && !isNestedFolder(path, name.name))
                 waiting.append(path);
@@ -118,10 +114,11 @@ private:
         }
         if (stream && errno != 0)
             failWithErrno(folder);
-        std::sort(names.begin(), names.end(),
-                  [](const Name &left, const Name &right) { return left.name < right.name; });
+        std::sort(names.begin(), names.end(), isBefore);
         return names;
     }
+
+    static bool isBefore(const Name &left, const Name &right) { return left.name < right.name; }
 
     static EntryType typeOf(const dirent &entry, int folder)
     {
@@ -132,9 +129,12 @@ private:
         return outcome == 0 ? seal::typeOf(information.st_mode) : EntryType::Other;
     }
 
-    bool isAttributesOfAnother(const QByteArray &path, const Name &name, const QSet<QByteArray> &known) const
+    /// `names` is all that lies in the folder, in the order of names.
+    bool isAttributesOfAnother(const QByteArray &path, const Name &name, const std::vector<Name> &names) const
     {
-        if (!name.name.startsWith("._") || name.type != EntryType::File || !known.contains(name.name.mid(2)))
+        const bool isSuspect = name.name.startsWith("._") && name.type == EntryType::File;
+        if (!isSuspect
+            || !std::binary_search(names.begin(), names.end(), Name{name.name.mid(2), {}}, isBefore))
             return false;
         const OpenFile file((m_base + '/' + path).toStdString());
         char first[4];

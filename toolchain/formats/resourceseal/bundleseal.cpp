@@ -1,7 +1,5 @@
 #include "formats/resourceseal/bundleseal.h"
 
-#include "formats/resourceseal/filedigests.h"
-
 #include <QFile>
 
 using namespace Qt::StringLiterals;
@@ -30,34 +28,35 @@ public:
     {
     }
 
-    platform::Result<QByteArray> make(const std::vector<ScannedItem> &items)
+    platform::Result<MadeSeal> make(std::vector<ScannedItem> items)
     {
-        for (const ScannedItem &item : items) {
+        m_files.reserve(items.size());
+        for (ScannedItem &item : items) {
             const QString problem = take(item);
             if (!problem.isEmpty())
                 return platform::Error{problem};
         }
-        const QString problem = takeDigests();
+        items = {};
+        const QString problem = digestAll();
         if (!problem.isEmpty())
             return platform::Error{problem};
-        return sealBytes(std::move(m_files), std::move(m_files2), firstRules(m_folder.layout),
-                         secondRules(m_folder.layout));
+        return MadeSeal(m_folder.layout, m_digests, std::move(m_files), std::move(m_others));
     }
 
 private:
-    QString take(const ScannedItem &item)
+    QString take(ScannedItem &item)
     {
         if (item.kind == ItemKind::NestedCode)
             return takeNested(item);
         if (item.kind == ItemKind::Link)
             return takeLink(item);
-        m_fileItems.push_back(&item);
-        m_jobs.push_back({item.path,
-                          item.first != Coverage::Omitted || m_digests != Digests::Sha256,
-                          item.second != Coverage::Omitted && m_digests != Digests::Sha1,
-                          {},
-                          {},
-                          {}});
+        SealedFile file;
+        file.path = std::move(item.path);
+        file.wantsSha1 = item.first != Coverage::Omitted || m_digests != Digests::Sha256;
+        file.wantsSha256 = item.second != Coverage::Omitted && m_digests != Digests::Sha1;
+        file.first = item.first;
+        file.second = item.second;
+        m_files.push_back(std::move(file));
         return {};
     }
 
@@ -70,7 +69,7 @@ private:
         Entry entry;
         entry.cdHash = code->cdHash;
         entry.requirement = code->requirement.isNull() ? u""_s : code->requirement;
-        m_files2.push_back({item.path, entry});
+        m_others.push_back({item.path, entry});
         return {};
     }
 
@@ -81,46 +80,25 @@ private:
         Entry entry;
         entry.linkTarget = item.linkTarget;
         entry.isOptional = item.second == Coverage::Optional;
-        m_files2.push_back({item.path, entry});
+        m_others.push_back({item.path, entry});
         return {};
     }
 
-    QString takeDigests()
+    QString digestAll()
     {
-        digestFiles(m_folder.base, m_jobs);
-        for (std::size_t number = 0; number < m_jobs.size(); ++number) {
-            const DigestJob &job = m_jobs[number];
-            if (!job.problem.isEmpty())
-                return fullPath(m_folder, job.path) + u": "_s + job.problem;
-            takeFile(*m_fileItems[number], job);
+        digestFiles(m_folder.base, m_files);
+        for (const SealedFile &file : m_files) {
+            if (!file.problem.isEmpty())
+                return fullPath(m_folder, file.path) + u": "_s + file.problem;
         }
         return {};
-    }
-
-    void takeFile(const ScannedItem &item, const DigestJob &job)
-    {
-        if (item.first != Coverage::Omitted) {
-            Entry entry;
-            entry.sha1 = job.sha1;
-            entry.isOptional = item.first == Coverage::Optional;
-            m_files.push_back({item.path, entry});
-        }
-        if (item.second != Coverage::Omitted) {
-            Entry entry;
-            entry.sha1 = m_digests == Digests::Sha256 ? QByteArray() : job.sha1;
-            entry.sha256 = job.sha256;
-            entry.isOptional = item.second == Coverage::Optional;
-            m_files2.push_back({item.path, entry});
-        }
     }
 
     const SealedFolder &m_folder;
     const Digests m_digests;
     const DescribeNested &m_describe;
-    std::vector<const ScannedItem *> m_fileItems; ///< one for each job
-    std::vector<DigestJob> m_jobs;
-    std::vector<NamedEntry> m_files;
-    std::vector<NamedEntry> m_files2;
+    std::vector<SealedFile> m_files;
+    std::vector<NamedEntry> m_others; ///< links and nested code
 };
 
 } // namespace
@@ -138,11 +116,20 @@ platform::Result<QList<QString>> nestedCodeIn(const SealedFolder &folder)
     return nested;
 }
 
+platform::Result<MadeSeal> collectSeal(const SealedFolder &folder, Digests digests,
+                                       const DescribeNested &describe)
+{
+    auto items = scanByUsualRules(folder);
+    if (!items)
+        return items.failure();
+    return SealMaker(folder, digests, describe).make(*std::move(items));
+}
+
 platform::Result<QByteArray> makeSeal(const SealedFolder &folder, Digests digests,
                                       const DescribeNested &describe)
 {
-    const auto items = scanByUsualRules(folder);
-    return items ? SealMaker(folder, digests, describe).make(*items) : items.failure();
+    const auto seal = collectSeal(folder, digests, describe);
+    return seal ? seal->bytes() : platform::Result<QByteArray>(seal.failure());
 }
 
 } // namespace toolchain::seal

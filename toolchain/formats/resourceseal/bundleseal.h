@@ -1,16 +1,13 @@
 #pragma once
 
 #include "formats/resourceseal/bundlescan.h"
-#include "formats/resourceseal/sealformat.h"
+#include "formats/resourceseal/madeseal.h"
 
 #include <QList>
 
 #include <functional>
 
 namespace toolchain::seal {
-
-/// Which digests the entries under "files2" carry; those under "files" are SHA-1 always.
-enum class Digests { Sha1, Sha256, Sha1AndSha256 };
 
 /// How a seal names nested code.
 struct NestedCode {
@@ -26,9 +23,13 @@ using DescribeNested = std::function<platform::Result<NestedCode>(const QString 
 /// have to be signed.
 [[nodiscard]] platform::Result<QList<QString>> nestedCodeIn(const SealedFolder &folder);
 
-/// The bytes of the bundle's `_CodeSignature/CodeResources`. Nothing is written. An error names the item;
+/// The bundle's seal, with all digests made, on all cores. Nothing is written. An error names the item;
 /// that of nested code is its text, a line end and "In subcomponent: PATH", as codesign prints it behind the
 /// bundle's path. A link that leads out of the bundle is an error.
+[[nodiscard]] platform::Result<MadeSeal> collectSeal(const SealedFolder &folder, Digests digests,
+                                                     const DescribeNested &describe);
+
+/// The same as the bytes of `_CodeSignature/CodeResources`.
 [[nodiscard]] platform::Result<QByteArray> makeSeal(const SealedFolder &folder, Digests digests,
                                                     const DescribeNested &describe);
 

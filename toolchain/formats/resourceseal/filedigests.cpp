@@ -66,9 +66,9 @@ private:
             return;
         }
         if (job.wantsSha1)
-            job.sha1 = resultOf(m_sha1);
+            finish(m_sha1, job.sha1);
         if (job.wantsSha256)
-            job.sha256 = resultOf(m_sha256);
+            finish(m_sha256, job.sha256);
     }
 
     void begin(const DigestJob &job)
@@ -94,12 +94,11 @@ private:
         }
     }
 
-    static QByteArray resultOf(const Context &context)
+    template <std::size_t Size>
+    static void finish(const Context &context, StoredDigest<Size> &digest)
     {
-        QByteArray result(EVP_MAX_MD_SIZE, Qt::Uninitialized);
-        unsigned length = 0;
-        EVP_DigestFinal_ex(context.get(), reinterpret_cast<unsigned char *>(result.data()), &length);
-        return result.first(qsizetype(length));
+        auto *place = reinterpret_cast<unsigned char *>(digest.bytes.data());
+        digest.isMade = EVP_DigestFinal_ex(context.get(), place, nullptr) == 1;
     }
 
     struct FreeAlgorithm {
@@ -116,21 +115,22 @@ private:
 
 } // namespace
 
-void digestFiles(const QString &base, std::vector<DigestJob> &jobs)
+void digestJobs(const QString &base, std::size_t count,
+                const std::function<DigestJob &(std::size_t number)> &jobAt)
 {
     const QByteArray folder = QFile::encodeName(base);
     std::atomic<std::size_t> next = 0;
     const auto work = [&] {
         Digester digester;
-        for (std::size_t from = next.fetch_add(jobsTakenAtOnce); from < jobs.size();
+        for (std::size_t from = next.fetch_add(jobsTakenAtOnce); from < count;
              from = next.fetch_add(jobsTakenAtOnce)) {
-            for (std::size_t job = from; job < std::min(from + jobsTakenAtOnce, jobs.size()); ++job)
-                digester.run(folder, jobs[job]);
+            for (std::size_t job = from; job < std::min(from + jobsTakenAtOnce, count); ++job)
+                digester.run(folder, jobAt(job));
         }
     };
     const std::size_t cores = std::max(1U, std::thread::hardware_concurrency());
     std::vector<std::jthread> others;
-    for (std::size_t core = 1; core < std::min(cores, jobs.size() / jobsTakenAtOnce + 1); ++core)
+    for (std::size_t core = 1; core < std::min(cores, count / jobsTakenAtOnce + 1); ++core)
         others.emplace_back(work);
     work();
 }

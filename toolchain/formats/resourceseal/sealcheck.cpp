@@ -112,7 +112,7 @@ private:
             const Entry &entry = *entries().constFind(job.path);
             if (!job.problem.isEmpty())
                 add(ProblemKind::Modified, job.path, invalidResource, job.problem);
-            else if (job.sha1 != entry.sha1 || job.sha256 != entry.sha256)
+            else if (!(job.sha1 == entry.sha1) || !(job.sha256 == entry.sha256))
                 add(ProblemKind::Modified, job.path);
         }
     }

@@ -4,6 +4,7 @@
 
 #include <QHash>
 
+#include <functional>
 #include <vector>
 
 namespace toolchain::seal {
@@ -37,6 +38,23 @@ struct CodeSeal {
 
 /// Whether a property list has the first key before the second one: by UTF-16 code units.
 [[nodiscard]] bool comesBefore(QByteArrayView left, QByteArrayView right);
+
+/// Takes the next bytes of a seal; false if it cannot.
+using SealSink = std::function<bool(QByteArrayView bytes)>;
+/// Calls the visitor with every entry of a list, in the order of `comesBefore`.
+using EntryVisitor = std::function<void(const QByteArray &path, const Entry &entry)>;
+using EntrySource = std::function<void(const EntryVisitor &visit)>;
+
+/// What a seal is to say. Paths and texts must be valid UTF-8 and hold what XML can hold.
+struct SealContents {
+    EntrySource files;
+    EntrySource files2;
+    const RuleSet &rules;
+    const RuleSet &rules2;
+};
+
+/// Writes a `CodeResources` file as codesign does, in blocks. Answers whether the sink has taken all of them.
+[[nodiscard]] bool writeSeal(const SealSink &sink, const SealContents &contents);
 
 /// The bytes of a `CodeResources` file as codesign writes them. Both lists may be in any order. The entries
 /// must be valid UTF-8 and hold what XML can hold.

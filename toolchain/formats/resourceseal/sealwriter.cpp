@@ -6,13 +6,16 @@ namespace toolchain::seal {
 
 namespace {
 
+constexpr qsizetype blockSize = 1 << 16; // bytes that are handed over at once
 constexpr qsizetype longestLine = 76; // columns of Apple's writer, a tab being eight of them
 
 /// Writes a property list with tabs, one element a line, as Apple's writer does.
 class ListWriter {
 public:
-    ListWriter()
+    explicit ListWriter(const SealSink &sink)
+        : m_sink(sink)
     {
+        m_bytes.reserve(blockSize + blockSize / 2);
         m_bytes = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
                   "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
                   "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
@@ -61,10 +64,26 @@ public:
         line("</data>");
     }
 
-    QByteArray finished() { return m_bytes + "</plist>\n"; }
+    /// Whether the sink has taken everything.
+    [[nodiscard]] bool finish()
+    {
+        m_bytes += "</plist>\n";
+        handOver();
+        return m_isTaken;
+    }
 
 private:
-    void indent() { m_bytes.append(m_depth, '\t'); }
+    void indent()
+    {
+        if (m_bytes.size() >= blockSize)
+            handOver();
+        m_bytes.append(m_depth, '\t');
+    }
+    void handOver()
+    {
+        m_isTaken = m_isTaken && m_sink(m_bytes);
+        m_bytes.truncate(0);
+    }
     void line(QByteArrayView content)
     {
         indent();
@@ -85,7 +104,9 @@ private:
         }
     }
 
-    QByteArray m_bytes;
+    const SealSink &m_sink;
+    QByteArray m_bytes; ///< that the sink has not got yet
+    bool m_isTaken = true;
     qsizetype m_depth = 0;
 };
 
@@ -123,22 +144,32 @@ void writeEntry(ListWriter &list, const Entry &entry)
     list.endDictionary();
 }
 
-void writeEntries(ListWriter &list, QByteArrayView key, std::vector<NamedEntry> &entries)
+void writeEntries(ListWriter &list, QByteArrayView key, const EntrySource &entries)
 {
     list.key(key);
-    if (entries.empty()) {
+    bool isEmpty = true;
+    entries([&](const QByteArray &path, const Entry &entry) {
+        if (isEmpty)
+            list.beginDictionary();
+        isEmpty = false;
+        list.key(path);
+        writeEntry(list, entry);
+    });
+    if (isEmpty)
         list.emptyDictionary();
-        return;
-    }
+    else
+        list.endDictionary();
+}
+
+EntrySource sourceOf(std::vector<NamedEntry> entries)
+{
     std::sort(entries.begin(), entries.end(), [](const NamedEntry &left, const NamedEntry &right) {
         return comesBefore(left.path, right.path);
     });
-    list.beginDictionary();
-    for (const NamedEntry &named : entries) {
-        list.key(named.path);
-        writeEntry(list, named.entry);
-    }
-    list.endDictionary();
+    return [entries = std::move(entries)](const EntryVisitor &visit) {
+        for (const NamedEntry &named : entries)
+            visit(named.path, named.entry);
+    };
 }
 
 /// A key of a rule whose value is true; the writer's keys come in their order: nested, omit, optional,
@@ -200,17 +231,28 @@ bool comesBefore(QByteArrayView left, QByteArrayView right)
     return ranks[0] != ranks[1] ? ranks[0] < ranks[1] : uchar(*one) < uchar(*other);
 }
 
+bool writeSeal(const SealSink &sink, const SealContents &contents)
+{
+    ListWriter list(sink);
+    list.beginDictionary();
+    writeEntries(list, "files", contents.files);
+    writeEntries(list, "files2", contents.files2);
+    writeRules(list, "rules", contents.rules);
+    writeRules(list, "rules2", contents.rules2);
+    list.endDictionary();
+    return list.finish();
+}
+
 QByteArray sealBytes(std::vector<NamedEntry> files, std::vector<NamedEntry> files2, const RuleSet &rules,
                      const RuleSet &rules2)
 {
-    ListWriter list;
-    list.beginDictionary();
-    writeEntries(list, "files", files);
-    writeEntries(list, "files2", files2);
-    writeRules(list, "rules", rules);
-    writeRules(list, "rules2", rules2);
-    list.endDictionary();
-    return list.finished();
+    QByteArray bytes;
+    const SealSink sink = [&bytes](QByteArrayView more) {
+        bytes.append(more);
+        return true;
+    };
+    (void)writeSeal(sink, {sourceOf(std::move(files)), sourceOf(std::move(files2)), rules, rules2});
+    return bytes;
 }
 
 } // namespace toolchain::seal
