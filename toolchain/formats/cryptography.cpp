@@ -57,6 +57,15 @@ private:
     std::map<QByteArray, Certificate> m_certificates;
 };
 
+/// The form that `derOf` writes. libcrypto tries every form that it knows unless it is told.
+Key keyInPkcs8(const QByteArray &der)
+{
+    const unsigned char *at = bytesOf(der);
+    const std::unique_ptr<PKCS8_PRIV_KEY_INFO, Freed<PKCS8_PRIV_KEY_INFO_free>> info(
+        d2i_PKCS8_PRIV_KEY_INFO(nullptr, &at, static_cast<long>(der.size())));
+    return Key(info ? EVP_PKCS82PKEY(info.get()) : nullptr);
+}
+
 } // namespace
 
 QString libraryError()
@@ -99,8 +108,10 @@ QByteArray derOf(EVP_PKEY *key)
 
 Key keyFrom(const QByteArray &der)
 {
+    Key key = keyInPkcs8(der);
     const unsigned char *at = bytesOf(der);
-    Key key(d2i_AutoPrivateKey(nullptr, &at, static_cast<long>(der.size())));
+    if (!key)
+        key.reset(d2i_AutoPrivateKey(nullptr, &at, static_cast<long>(der.size())));
     ERR_clear_error();
     return key;
 }

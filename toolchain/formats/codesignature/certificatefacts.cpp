@@ -1,6 +1,7 @@
 #include "formats/codesignature/certificatefacts.h"
 
 #include "formats/codesignature/digest.h"
+#include "formats/cryptography.h"
 
 #include <openssl/err.h>
 #include <openssl/x509v3.h>
@@ -21,17 +22,8 @@ struct Released {
         release(thing);
     }
 };
-using X509Pointer = std::unique_ptr<X509, Released<X509_free>>;
 using ObjectPointer = std::unique_ptr<ASN1_OBJECT, Released<ASN1_OBJECT_free>>;
 using PoliciesPointer = std::unique_ptr<CERTIFICATEPOLICIES, Released<CERTIFICATEPOLICIES_free>>;
-
-X509Pointer x509From(const QByteArray &der)
-{
-    auto bytes = reinterpret_cast<const unsigned char *>(der.constData());
-    X509Pointer certificate(d2i_X509(nullptr, &bytes, long(der.size())));
-    ERR_clear_error();
-    return certificate;
-}
 
 ObjectPointer objectOf(const QString &oid)
 {
@@ -64,13 +56,13 @@ QByteArray contentOf(const ASN1_OCTET_STRING *value)
 } // namespace
 
 struct CertificateFacts::Parsed {
-    X509Pointer certificate;
+    Certificate certificate;
 };
 
 const CertificateFacts::Parsed &CertificateFacts::parsed() const
 {
     if (!m_parsed)
-        m_parsed = std::make_shared<Parsed>(Parsed{x509From(m_der)});
+        m_parsed = std::make_shared<Parsed>(Parsed{certificateFrom(m_der)});
     return *m_parsed;
 }
 
