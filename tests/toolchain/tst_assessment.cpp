@@ -86,6 +86,18 @@ TEST_F(Assessment, ofThisMachineWithATicketIsAcceptedAsThat)
                   + u'\n');
 }
 
+TEST_F(Assessment, whatTheNotaryWouldRefuseForItsRuntimeIsTold)
+{
+    ToolFixture::makeIdentity();
+    bundlebuilder::makeApp(app(), u"com.example.app"_s);
+    ASSERT_EQ(run(codesign, {u"--deep"_s, u"-s"_s, identity, app()}).status, 0);
+    const ToolResult result = assess(app());
+    EXPECT_EQ(result.status, 3);
+    EXPECT_EQ(result.error.section(u'\n', 3, 3),
+              u"note=the hardened runtime is off, without which nothing is notarized"_s);
+    EXPECT_EQ(run(spctl, {u"-a"_s, app()}).error, app() + u": rejected\n"_s);
+}
+
 TEST_F(Assessment, withoutVerbosityOnlyTheVerdictIsTold)
 {
     signApp();

@@ -51,10 +51,10 @@ Assessment byTicket(const Signer &signer, const TicketJudgement &approval)
 {
     const QString origin = originOf(signer);
     if (approval.isGood())
-        return {true, named(u"Notarized Developer ID"_s, signer, approval.anchor), origin};
+        return {true, named(u"Notarized Developer ID"_s, signer, approval.anchor), origin, {}};
     if (isOlderThanTickets(signer))
-        return {true, named(u"Developer ID"_s, signer, Anchor::Apple), origin};
-    return {false, named(u"Unnotarized Developer ID"_s, signer, Anchor::Apple), origin};
+        return {true, named(u"Developer ID"_s, signer, Anchor::Apple), origin, {}};
+    return {false, named(u"Unnotarized Developer ID"_s, signer, Anchor::Apple), origin, {}};
 }
 
 quint8 hashTypeOf(const codesignature::SignedPart &part)
@@ -91,21 +91,36 @@ QString objectionTo(const CmsJudgement &signer)
     return isDeveloperIdForCode(signer.trust.chain) ? QString() : u"no Developer ID"_s;
 }
 
+/// What Gatekeeper itself does not ask for, and the notary does, so that no ticket can come.
+QString noteOn(const codesignature::SignedCode &code)
+{
+    for (qsizetype index = 0; code.image && index < code.image->slices.size(); ++index) {
+        const codesignature::SignedPart &part = code.parts[index];
+        const bool isProgram = code.image->slices[index].fileType == codesignature::MachOFileType::Executable;
+        if (isProgram && part.isSigned() && !(part.best().fields().flags & codesignature::codeflag::runtime))
+            return u"the hardened runtime is off, without which nothing is notarized"_s;
+    }
+    return {};
+}
+
 Assessment judged(const Verification &verification)
 {
     const bool isSigned = verification.code && verification.code->isSigned();
     if (!isSigned)
-        return {false, noUsableSignature, {}};
+        return {false, noUsableSignature, {}, {}};
     const QString origin = verification.signer ? originOf({verification.signer->trust, {}}) : QString();
     if (!verification.problem.isNone())
-        return {false, verification.problem.text, origin};
+        return {false, verification.problem.text, origin, {}};
     if (!verification.signer)
-        return {false, noUsableSignature, {}};
+        return {false, noUsableSignature, {}, {}};
     const QString objection = objectionTo(*verification.signer);
     if (!objection.isEmpty())
-        return {false, objection, origin};
-    return byTicket({verification.signer->trust, verification.signer->timestamp},
-                    approvalOfCode(*verification.code));
+        return {false, objection, origin, {}};
+    Assessment assessment = byTicket({verification.signer->trust, verification.signer->timestamp},
+                                     approvalOfCode(*verification.code));
+    if (!assessment.isAccepted)
+        assessment.note = noteOn(*verification.code);
+    return assessment;
 }
 
 Assessment assessCode(const QString &path, Use use)
@@ -113,7 +128,7 @@ Assessment assessCode(const QString &path, Use use)
     const auto code = codesignature::readSignedCode(path);
     const bool isImage = code && code->kind == codesignature::CodeKind::DiskImage;
     if (isImage && use != Use::Open)
-        return {false, noUsableSignature, {}};
+        return {false, noUsableSignature, {}, {}};
     return judged(codesignature::verifyCode(path, {}));
 }
 
@@ -121,13 +136,13 @@ Assessment assessPackage(const QString &path)
 {
     const auto archive = xar::Archive::open(path);
     if (!archive)
-        return {false, noUsableSignature, {}};
+        return {false, noUsableSignature, {}, {}};
     const auto judgement = package::judgePackage(*archive);
     const Signer signer{judgement.trust, judgement.timestamp};
     if (judgement.verdict == package::PackageJudgement::Verdict::NotSigned)
-        return {false, noUsableSignature, {}};
+        return {false, noUsableSignature, {}, {}};
     if (!judgement.isGood())
-        return {false, judgement.problem, originOf(signer)};
+        return {false, judgement.problem, originOf(signer), {}};
     if (judgement.ticket.isGood())
         return byTicket(signer, judgement.ticket);
     const auto target = ticket::StapleTarget::open(path);
@@ -147,7 +162,7 @@ Assessment assess(const QString &path, Use use, Context context)
     if (use == Use::Install)
         return assessPackage(path);
     if (use == Use::Open && context == Context::None && isDiskImage(path))
-        return {false, u"Insufficient Context"_s, {}};
+        return {false, u"Insufficient Context"_s, {}, {}};
     return assessCode(path, use);
 }
 

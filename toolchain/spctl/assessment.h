@@ -17,6 +17,7 @@ struct Assessment {
     bool isAccepted = false;
     QString source; ///< by which rule, in the words of the real program; or what speaks against it
     QString origin; ///< the common name of the signer; empty if there is none
+    QString note; ///< what keeps a rejected item from being notarized, as far as it shows; may be empty
 };
 
 /// Judges an item by its digests, signature, chain, dates, time stamp and ticket. A ticket that is not

@@ -39,6 +39,8 @@ int report(const QString &path, const spctl::Assessment &assessment, bool isVerb
         text += u"source="_s + assessment.source + u'\n';
     if (isVerbose && !assessment.origin.isEmpty())
         text += u"origin="_s + assessment.origin + u'\n';
+    if (isVerbose && !assessment.note.isEmpty())
+        text += u"note="_s + assessment.note + u'\n';
     printError(text.toStdString());
     return assessment.isAccepted ? 0 : rejectedStatus;
 }
