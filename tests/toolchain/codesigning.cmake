@@ -1,6 +1,8 @@
 # The tests of code signatures.
 target_sources(tst_toolchain PRIVATE
+    coveredbytes.cpp coveredbytes.h
     machobuilder.cpp machobuilder.h
+    tst_changedbytes.cpp
     tst_codesign.cpp
     tst_codesignature.cpp
     tst_codeverify.cpp)

@@ -1,8 +1,8 @@
 #include "formats/codesignature/verification.h"
+#include "toolchain/coveredbytes.h"
 #include "toolchain/machobuilder.h"
 #include "toolchain/toolfixture.h"
 
-#include <QDirIterator>
 #include <QFileInfo>
 
 #include <random>
@@ -61,48 +61,6 @@ void flipByteAt(const QString &path, qint64 offset)
     char byte = 0;
     ASSERT_TRUE(file.getChar(&byte) && file.seek(offset));
     ASSERT_TRUE(file.putChar(char(byte ^ 0x40)));
-}
-
-/// Bytes of a file that no signature covers: what stands behind the signature within its room, the length
-/// that is set aside, and of the CMS signature the certificates beside the signer's, the authority's part of
-/// a time stamp, and what frames them.
-QList<ByteRange> uncovered(const QString &path)
-{
-    QList<ByteRange> ranges;
-    const auto code = readSignedCode(path);
-    if (!code || !code->image)
-        return ranges;
-    for (qsizetype index = 0; index < code->parts.size(); ++index) {
-        const MachOSlice &slice = code->image->slices[index];
-        const ByteRange data = slice.signature->data;
-        const auto used = quint64(code->parts[index].blobs.size());
-        const auto cms = quint64(code->parts[index].blobs.blob(slot::cms).size());
-        const quint64 end = slice.place.offset + data.offset + used;
-        ranges.append({end - cms, data.length - used + cms});
-    }
-    if (code->image->isUniversal)
-        ranges.append({0, code->image->slices.first().place.offset});
-    for (qsizetype index = 1; index < code->parts.size(); ++index) {
-        const quint64 before = code->image->slices[index - 1].place.end();
-        ranges.append({before, code->image->slices[index].place.offset - before});
-    }
-    return ranges;
-}
-
-bool isCovered(const QList<ByteRange> &ranges, quint64 offset)
-{
-    return std::none_of(ranges.begin(), ranges.end(),
-                        [offset](ByteRange range) { return offset >= range.offset && offset < range.end(); });
-}
-
-QStringList filesBelow(const QString &folder)
-{
-    QStringList files;
-    QDirIterator entries(folder, QDir::Files | QDir::NoSymLinks | QDir::Hidden, QDirIterator::Subdirectories);
-    while (entries.hasNext())
-        files.append(entries.next());
-    files.sort();
-    return files;
 }
 
 } // namespace
@@ -304,20 +262,41 @@ TEST_F(CodeVerify, oldMetadataIsKeptOnDemand)
     EXPECT_EQ(code->native().entitlements(), readFile(path(u"E.plist"_s)));
 }
 
+TEST_F(CodeVerify, aSignatureCanBeReadWithoutTheDigestsOfTheCode)
+{
+    ASSERT_EQ(sign(app(), {u"-i"_s, u"com.example.other"_s}).status, 0);
+    const auto whole = readSignedCode(app());
+    const auto heads = readSignedCode(app(), SignatureDepth::Heads);
+    ASSERT_TRUE(whole && heads);
+    for (qsizetype index = 0; index < whole->parts.size(); ++index) {
+        const SignedPart &expected = whole->parts[index];
+        const SignedPart &read = heads->parts[index];
+        ASSERT_TRUE(read.isSigned()) << read.damage.toStdString();
+        EXPECT_EQ(read.directories.size(), expected.directories.size());
+        EXPECT_EQ(read.primary().fields().identifier, u"com.example.other"_s);
+        EXPECT_EQ(read.primary().fields().flags, expected.primary().fields().flags);
+        EXPECT_EQ(read.best().fields().runtime, expected.best().fields().runtime);
+        EXPECT_EQ(read.primary().specialSlot(1), expected.primary().specialSlot(1));
+        EXPECT_EQ(read.primary().codeSlotCount(), 0U);
+        EXPECT_EQ(read.requirements(), expected.requirements());
+        EXPECT_EQ(read.cms(), expected.cms());
+    }
+}
+
 TEST_F(CodeVerify, everySingleChangeInACoveredByteIsFound)
 {
     ASSERT_EQ(sign(app()).status, 0);
     ASSERT_TRUE(isFine(judge(app())));
-    const QStringList files = filesBelow(app());
+    const QStringList files = coveredbytes::filesBelow(app());
     QMap<QString, QList<ByteRange>> holes;
     for (const QString &file : files)
-        holes.insert(file, uncovered(file));
+        holes.insert(file, coveredbytes::uncovered(file));
     std::mt19937 random(20260117);
     int changes = 0;
     while (changes < 1000) {
         const QString &file = files[qsizetype(random() % quint32(files.size()))];
         const quint64 offset = random() % quint64(std::max<qint64>(QFileInfo(file).size(), 1));
-        const bool isLeftOut = file.endsWith(u".DS_Store"_s) || !isCovered(holes[file], offset);
+        const bool isLeftOut = file.endsWith(u".DS_Store"_s) || !coveredbytes::isCovered(holes[file], offset);
         if (isLeftOut)
             continue;
         ++changes;

@@ -2,6 +2,8 @@
 
 #include "formats/codesignature/timestamptoken.h"
 
+using namespace Qt::StringLiterals;
+
 namespace toolchain {
 
 namespace {
@@ -30,6 +32,8 @@ CmsJudgement judgeCms(const CmsSignature &signature, const SignedContent &conten
     judgeTimestamp(signature, store, judgement);
     judgement.trust = trustOf(signature.leaf, signature.certificates, purpose,
                               judgement.timestamp.value_or(QDateTime()), store);
+    if (judgement.problem.isEmpty() && !bringsItsChain(signature.certificates, judgement.trust))
+        judgement.problem = u"the certificates in the signature have been changed"_s;
     return judgement;
 }
 

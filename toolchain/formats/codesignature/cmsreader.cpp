@@ -8,6 +8,7 @@
 #include "formats/codesignature/attributereader.h"
 #include "formats/codesignature/berreader.h"
 #include "formats/codesignature/cmsattributes.h"
+#include "formats/codesignature/cmsform.h"
 
 using namespace Qt::StringLiterals;
 using platform::Error;
@@ -158,12 +159,15 @@ Result<CmsSignature> readCms(const QByteArray &bytes)
                            {},
                            signedAttributesIn(outer->whole),
                            value,
-                           {}},
+                           {},
+                           objectionToForm(outer->whole, derOf(leaf), CmsContent::Detached)},
                           signer);
 }
 
 QString objectionTo(const CmsSignature &signature, const SignedContent &content)
 {
+    if (!signature.formProblem.isEmpty())
+        return signature.formProblem;
     const QByteArray digest = content.digest(signature.algorithm);
     const bool hasAttributes = !signature.signedBytes.isEmpty();
     if (hasAttributes && signature.messageDigest != digest)

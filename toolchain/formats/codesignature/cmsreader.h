@@ -28,6 +28,7 @@ struct CmsSignature {
     QByteArray signedBytes; ///< the signed attributes as the signature is over them; empty if there are none
     QByteArray value; ///< of the signature
     QByteArray timestampToken; ///< in DER form; empty if there is none
+    QString formProblem; ///< what is wrong with the bytes that no signature covers; empty if nothing is
 };
 
 /// Reads a CMS in DER or in the half indefinite form. Zeros behind it are passed over. Fails for anything

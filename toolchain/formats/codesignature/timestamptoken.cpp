@@ -8,6 +8,7 @@
 #include "formats/codesignature/asn1time.h"
 #include "formats/codesignature/attributereader.h"
 #include "formats/codesignature/berreader.h"
+#include "formats/codesignature/cmsform.h"
 #include "formats/cryptography.h"
 
 using namespace Qt::StringLiterals;
@@ -115,11 +116,15 @@ QList<QByteArray> certificatesOf(const PKCS7 *token)
     return list;
 }
 
-Result<VerifiedTimestamp> trusted(PKCS7 *token, TS_TST_INFO *info, const TrustStore &store)
+Result<VerifiedTimestamp> trusted(const QByteArray &bytes, PKCS7 *token, TS_TST_INFO *info,
+                                  const TrustStore &store)
 {
     X509 *signer = verifiedSigner(token);
     if (!signer)
         return Error{u"the time stamp's own signature does not verify"_s};
+    const QString formProblem = objectionToForm(bytes, derOf(signer), CmsContent::TimeStamp);
+    if (!formProblem.isEmpty())
+        return Error{u"the time stamp is damaged: "_s + formProblem};
     const QDateTime time = momentOf(TS_TST_INFO_get_time(info));
     if (!time.isValid())
         return Error{u"the time stamp tells no time"_s};
@@ -127,6 +132,8 @@ Result<VerifiedTimestamp> trusted(PKCS7 *token, TS_TST_INFO *info, const TrustSt
         trustOf(derOf(signer), certificatesOf(token), TrustPurpose::Timestamping, time, store);
     if (!trust.isGood())
         return Error{u"the time stamp's signer is not accepted: "_s + trust.text()};
+    if (!bringsItsChain(certificatesOf(token), trust))
+        return Error{u"the time stamp's certificates have been changed"_s};
     return VerifiedTimestamp{time, trust.anchor, numberIn(TS_TST_INFO_get_nonce(info)),
                              numberIn(TS_TST_INFO_get_serial(info))};
 }
@@ -144,7 +151,7 @@ Result<VerifiedTimestamp> checkTimestamp(const QByteArray &token, const QByteArr
         return Error{u"the time stamp is damaged"_s};
     if (!isOver(info.get(), stamped))
         return Error{u"the time stamp is of something else"_s};
-    return trusted(cms.get(), info.get(), store);
+    return trusted(outer->whole, cms.get(), info.get(), store);
 }
 
 } // namespace toolchain

@@ -245,4 +245,11 @@ bool isDeveloperIdForPackages(const QList<QByteArray> &chain)
     return isDeveloperId(chain, developerIdInstaller);
 }
 
+bool bringsItsChain(const QList<QByteArray> &certificates, const Trust &trust)
+{
+    return !trust.isGood() || certificates.size() != trust.chain.size()
+        || std::all_of(trust.chain.begin(), trust.chain.end(),
+                       [&certificates](const QByteArray &member) { return certificates.contains(member); });
+}
+
 } // namespace toolchain

@@ -63,4 +63,9 @@ struct TrustStore {
 [[nodiscard]] bool isDeveloperIdForCode(const QList<QByteArray> &chain);
 [[nodiscard]] bool isDeveloperIdForPackages(const QList<QByteArray> &chain);
 
+/// Whether the certificates that came with a signature are those of its chain, as far as that can be told: a
+/// whole chain is byte for byte the one that is judged. The store knows the same chain, so that nothing else
+/// would tell of a certificate that has been changed.
+[[nodiscard]] bool bringsItsChain(const QList<QByteArray> &certificates, const Trust &trust);
+
 } // namespace toolchain

@@ -5,6 +5,7 @@
 #include <openssl/evp.h>
 #include <openssl/x509.h>
 
+#include <algorithm>
 #include <memory>
 
 using namespace Qt::StringLiterals;
@@ -198,6 +199,10 @@ platform::Result<SignedTicket> readTicket(const QByteArray &bytes)
     ticket.signature = rest.first(elementLength(rest)).toByteArray();
     if (ticket.certificates.isEmpty() || ticket.signature.isEmpty())
         return platform::Error{u"the ticket has no certificate or no signature"_s};
+    // Nothing vouches for what is behind the signature, so nothing may be there but what fills its place.
+    const QByteArrayView filling = rest.sliced(ticket.signature.size());
+    if (std::any_of(filling.begin(), filling.end(), [](char byte) { return byte != '\0'; }))
+        return platform::Error{u"there is something behind the ticket"_s};
     const auto body = QByteArrayView(ticket.signedBytes).last(qsizetype(bodyLength));
     return readBody(body, ticket);
 }

@@ -20,11 +20,21 @@ namespace {
 
 constexpr qsizetype smallestHeader = 28; // bytes
 constexpr qsizetype largestHeader = 4'096;
+constexpr qsizetype headerHasVersion = 6;
 constexpr qsizetype headerHasLengths = 8; // of the table packed and unpacked
+constexpr qsizetype headerHasAlgorithm = 24;
 constexpr quint64 longestTable = 64 << 20;
 constexpr quint64 mostPackedAtOnce = 16 << 20;
 constexpr quint64 bestRatio = 1'032; // of deflate
 const QString damaged = u"not a xar archive, or a damaged one"_s;
+
+/// XAR_CKSUM_… of <xar/xar.h>. What the numbers behind SHA-1 mean has changed with the library's versions.
+bool isNumberOf(QCryptographicHash::Algorithm algorithm, quint32 number)
+{
+    constexpr quint32 sha1 = 1;
+    constexpr quint32 largest = 4;
+    return algorithm == QCryptographicHash::Sha1 ? number == sha1 : number >= sha1 && number <= largest;
+}
 
 /// Empty if the bytes are not a zlib stream of just that length.
 QByteArray unpackedToc(const QByteArray &bytes, quint64 size)
@@ -132,6 +142,10 @@ QString Archive::readHead(QFile &file)
     if (!algorithm || *algorithm == QCryptographicHash::Md5)
         return damaged + u": the table's checksum is of the kind \"%1\""_s.arg(m_toc.checksumStyle.left(20));
     m_algorithm = *algorithm;
+    // The header is in front of all that is digested; it has to say what the table says.
+    if (bigEndianAt<quint16>(m_header, headerHasVersion) != 1
+        || !isNumberOf(m_algorithm, bigEndianAt<quint32>(m_header, headerHasAlgorithm)))
+        return damaged + u": its header does not agree with its table"_s;
     m_checksum = heapBytes(m_toc.checksum);
     const bool isTrue =
         m_toc.checksum.offset == 0 && m_checksum == QCryptographicHash::hash(m_packedToc, m_algorithm);
