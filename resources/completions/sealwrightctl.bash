@@ -29,7 +29,7 @@ _sealwrightctl()
     esac
 
     if ((cword == 1)); then
-        candidates="submit staple sign prepare history examine issues compare log clear-log documents windows
+        candidates="submit staple sign resume waiting prepare history examine issues compare log clear-log documents windows
             new get set cancel close open quit --help --version"
         mapfile -t COMPREPLY < <(compgen -W "$candidates" -- "$cur")
         return
@@ -40,7 +40,8 @@ _sealwrightctl()
         staple | sign) candidates=$work ;;
         prepare) candidates="--document --identity" ;;
         history) candidates="--document --page --xml --timeout --json --close" ;;
-        documents | windows) candidates=--json ;;
+        resume) candidates="--all --show-dialogs --follow --timeout --json --close" ;;
+        documents | windows | waiting) candidates=--json ;;
         examine) candidates="--document --json" ;;
         compare) candidates="--json" ;;
         get) candidates="--document --window" ;;
@@ -55,7 +56,7 @@ _sealwrightctl()
     esac
     mapfile -t COMPREPLY < <(compgen -W "$candidates" -- "$cur")
     case ${words[1]} in
-        submit | staple | sign | prepare | examine | compare | open)
+        submit | staple | sign | resume | prepare | examine | compare | open)
             [[ $cur == -* ]] || mapfile -t COMPREPLY < <(compgen -f -- "$cur")
             compopt -o filenames 2> /dev/null
             ;;

@@ -12,6 +12,7 @@
 #include "platform/updater.h"
 #include "platform/workspace.h"
 #include "run/item.h"
+#include "run/waits.h"
 #include "scripting/NSApplication+Scripting.h"
 #include "scripting/scripterrors.h"
 
@@ -76,6 +77,7 @@ void AppDelegate::applicationDidFinishLaunching()
     changeStatus(status::ready);
     m_host.distributedNotifications.addObserver(*this, configurationsChanged,
                                                 [this] { dropDMGConfigChange(); });
+    lookForWaits();
 }
 
 bool AppDelegate::findAltool()
@@ -116,7 +118,7 @@ void AppDelegate::applicationOpenFiles(const QStringList &paths)
 {
     QList<QUrl> urls;
     for (const QString &path : paths) {
-        if (submittableExtensions().contains(itempath::extension(path)))
+        if (submittableExtensions().contains(itempath::extension(path)) || waits::isFolderOfOne(m_host, path))
             urls.append(itempath::toUrl(path));
     }
     if (statusString() == status::loading) {
@@ -133,9 +135,36 @@ QList<DocumentPtr> AppDelegate::loadDroppedURLs(const QList<QUrl> &urls)
     for (const QUrl &url : urls) {
         const DocumentPtr document = addedDocument();
         documents.append(document);
-        document->commands().submit.prepareForDirectSubmit(url, {});
+        if (const QString path = itempath::fromUrl(url); waits::isFolderOfOne(m_host, path))
+            document->commands().resume.goOnInFolder(path);
+        else
+            document->commands().submit.prepareForDirectSubmit(url, {});
     }
     return documents;
+}
+
+QList<WaitRecord> AppDelegate::openWaits() const
+{
+    QList<WaitRecord> open = waits::all(m_host);
+    open.removeIf([this](const WaitRecord &wait) { return waits::isAttended(m_host, wait); });
+    return open;
+}
+
+void AppDelegate::lookForWaits()
+{
+    if (m_host.preferences.boolean(key::resumeWaiting))
+        return goOnWaiting();
+    QStringList folders;
+    for (const WaitRecord &wait : openWaits())
+        folders.append(wait.folder);
+    unattendedWaits.set(folders);
+}
+
+void AppDelegate::goOnWaiting()
+{
+    unattendedWaits.set({});
+    for (const WaitRecord &wait : openWaits())
+        addedDocument()->commands().resume.goOnByPerson(wait);
 }
 
 // Documents

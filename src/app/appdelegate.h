@@ -3,6 +3,7 @@
 #include "document/applicationinterface.h"
 #include "document/mainwincontroller.h"
 #include "platform/notifications.h"
+#include "run/waitrecord.h"
 
 #include <QList>
 #include <QUrl>
@@ -45,10 +46,15 @@ public:
     bool applicationShouldTerminateAfterLastWindowClosed() const { return false; }
 
     /// Takes files that were opened with the application or dropped on it; paths. Those with other extensions
-    /// than the five, compared exactly, are left out. Until launch has ended they wait.
+    /// than the five, compared exactly, are left out, but for folders that an upload has left. Until launch
+    /// has ended they wait.
     void applicationOpenFiles(const QStringList &paths) override;
-    /// A new document for each item, in direct-submit mode.
+    /// A new document for each item, in direct-submit mode. With a folder that an upload has left it goes on
+    /// waiting.
     QList<DocumentPtr> loadDroppedURLs(const QList<QUrl> &urls);
+
+    /// Goes on with every wait for a verdict that nobody attends to, each in a new document.
+    void goOnWaiting() override;
 
     // Documents
     /// A new document with its window on screen, the application brought to the front.
@@ -113,6 +119,8 @@ private:
     void append(const DocumentPtr &document);
     bool findAltool();
     void quitWithoutAltool();
+    QList<WaitRecord> openWaits() const;
+    void lookForWaits();
     void setConfigNames(const QStringList &names);
     void setNoConfigNames(const QString &placeholder);
 

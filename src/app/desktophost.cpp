@@ -21,6 +21,14 @@ QString inDataFolder(const QString &path)
     return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + u'/' + path;
 }
 
+/// As the XDG Base Directory Specification has it, which passes over a path that is not absolute.
+QString stateFolder()
+{
+    const QString set = qEnvironmentVariable("XDG_STATE_HOME");
+    const QString base = set.startsWith(u'/') ? QDir::cleanPath(set) : QDir::homePath() + u"/.local/state"_s;
+    return base + u"/Sealwright"_s;
+}
+
 /// Where the toolchain lies beside an installed application, and beside one that was only built.
 QStringList bundledToolchains(const QString &applicationFolder)
 {
@@ -44,6 +52,7 @@ QString examineProgram(const QString &applicationFolder)
 
 DesktopHost::DesktopHost(const QString &applicationFolder)
     : m_applicationFolder(applicationFolder)
+    , m_stateFolder(stateFolder())
     , m_preferences(inConfigFolder(u"Sealwright/Sealwright.conf"_s))
     , m_toolRoot(ToolRoot::chosen(m_preferences.string(key::toolRoot), bundledToolchains(applicationFolder)))
     , m_launcher([root = m_toolRoot](const QString &path) { return root.locate(path); },
@@ -72,7 +81,8 @@ platform::Host DesktopHost::services()
             .distributedNotifications = m_distributedNotifications,
             .userNotifications = m_userNotifications,
             .application = m_application,
-            .pasteboard = m_pasteboard};
+            .pasteboard = m_pasteboard,
+            .stateFolder = m_stateFolder};
 }
 
 AppDelegate::Configuration DesktopHost::configurationWithPrograms() const

@@ -43,6 +43,7 @@ public:
 
 private:
     const QString m_applicationFolder;
+    const QString m_stateFolder;
     platform::SettingsPreferences m_preferences;
     const ToolRoot m_toolRoot;
     platform::PosixProcessLauncher m_launcher;

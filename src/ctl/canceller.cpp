@@ -29,6 +29,6 @@ void Canceller::cancelOnce()
     if (m_cancel != Cancel::asked || m_follower.documentPath().isEmpty())
         return;
     m_cancel = Cancel::sent;
-    m_client.connection().send(
-        Client::method(m_follower.documentPath(), bus::documentInterface, u"Cancel"_s));
+    for (const QString &path : m_follower.documentPaths())
+        m_client.connection().send(Client::method(path, bus::documentInterface, u"Cancel"_s));
 }

@@ -10,7 +10,9 @@
 #include <QEventLoop>
 
 #include <limits>
+#include <memory>
 #include <optional>
+#include <vector>
 
 using namespace Qt::StringLiterals;
 
@@ -78,6 +80,13 @@ Answer failure(const QDBusError &error)
     return answer;
 }
 
+Answer answerIn(const QDBusMessage &reply)
+{
+    if (reply.type() == QDBusMessage::ReplyMessage)
+        return {ExitStatus::done, reply.arguments(), {}};
+    return failure(QDBusError(reply));
+}
+
 } // namespace
 
 Client::Client()
@@ -96,12 +105,26 @@ QDBusMessage Client::send(const QDBusMessage &method, int timeout) const
     return watcher.reply();
 }
 
+QList<Answer> Client::callAll(const QList<QDBusMessage> &methods, int timeout) const
+{
+    std::vector<std::unique_ptr<QDBusPendingCallWatcher>> watchers;
+    for (const QDBusMessage &method : methods)
+        watchers.push_back(
+            std::make_unique<QDBusPendingCallWatcher>(m_connection.asyncCall(method, timeout)));
+    QList<Answer> answers;
+    for (const auto &watcher : watchers) {
+        QEventLoop loop;
+        QObject::connect(watcher.get(), &QDBusPendingCallWatcher::finished, &loop, &QEventLoop::quit);
+        if (!watcher->isFinished())
+            loop.exec();
+        answers.append(answerIn(watcher->reply()));
+    }
+    return answers;
+}
+
 Answer Client::call(const QDBusMessage &method, int timeout) const
 {
-    const QDBusMessage reply = send(method, timeout);
-    if (reply.type() == QDBusMessage::ReplyMessage)
-        return {ExitStatus::done, reply.arguments(), {}};
-    Answer answer = failure(QDBusError(reply));
+    Answer answer = answerIn(send(method, timeout));
     if (answer.status == ExitStatus::error)
         answer.error += longErrorText();
     return answer;

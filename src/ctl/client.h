@@ -40,6 +40,9 @@ public:
     [[nodiscard]] Answer call(const QDBusMessage &method, int timeout) const;
     [[nodiscard]] Answer call(const QDBusMessage &method) const;
 
+    /// The same of several at once, which wait for each other's end and not for their turn. In their order.
+    [[nodiscard]] QList<Answer> callAll(const QList<QDBusMessage> &methods, int timeout) const;
+
     /// A call of a method; whether it starts an application that does not run yet.
     static QDBusMessage method(const QString &path, const QString &interface, const QString &name,
                                const QVariantList &arguments = {}, Start start = Start::never);

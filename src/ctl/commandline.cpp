@@ -20,9 +20,9 @@ struct Grammar {
     QStringList options; ///< beside --help and --version
 };
 
-const QStringList allOptions{u"document"_s, u"window"_s,  u"show-dialogs"_s, u"skip-stapling"_s,
-                             u"follow"_s,   u"timeout"_s, u"identity"_s,     u"page"_s,
-                             u"xml"_s,      u"unset"_s,   u"json"_s,         u"close"_s};
+const QStringList allOptions{u"document"_s, u"window"_s,   u"show-dialogs"_s, u"skip-stapling"_s, u"follow"_s,
+                             u"timeout"_s,  u"identity"_s, u"page"_s,         u"xml"_s,           u"unset"_s,
+                             u"json"_s,     u"close"_s,    u"all"_s};
 const QStringList workOptions{u"document"_s, u"show-dialogs"_s, u"follow"_s,
                               u"timeout"_s,  u"json"_s,         u"close"_s};
 
@@ -32,6 +32,8 @@ const QList<Grammar> &grammars()
         {u"submit"_s, 1, 1, workOptions + QStringList{u"skip-stapling"_s}},
         {u"staple"_s, 1, 1, workOptions},
         {u"sign"_s, 1, 1, workOptions},
+        {u"resume"_s, 0, 1, {u"all"_s, u"show-dialogs"_s, u"follow"_s, u"timeout"_s, u"json"_s, u"close"_s}},
+        {u"waiting"_s, 0, 0, {u"json"_s}},
         {u"prepare"_s, 1, 1, {u"document"_s, u"identity"_s}},
         {u"history"_s, 0, 0, {u"document"_s, u"page"_s, u"xml"_s, u"timeout"_s, u"json"_s, u"close"_s}},
         {u"examine"_s, 1, 1, {u"document"_s, u"json"_s}},
@@ -115,6 +117,13 @@ QString problemOfNew(const Request &request)
     return {};
 }
 
+QString problemOfResume(const Request &request)
+{
+    if (request.all && !request.operands.isEmpty())
+        return u"--all stands in place of a path"_s;
+    return {};
+}
+
 /// What is wrong with the values of the options or the operands; null if nothing is.
 QString problemOf(const Request &request, const QCommandLineParser &parser)
 {
@@ -134,6 +143,8 @@ QString problemOf(const Request &request, const QCommandLineParser &parser)
         return u"an argument of %1 is empty"_s.arg(request.command);
     if (request.command == "new"_L1)
         return problemOfNew(request);
+    if (request.command == "resume"_L1)
+        return problemOfResume(request);
     return {};
 }
 
@@ -149,6 +160,7 @@ Request readOptions(const Grammar &grammar, const QCommandLineParser &parser)
     request.follow = parser.isSet(u"follow"_s);
     request.unset = parser.isSet(u"unset"_s);
     request.json = parser.isSet(u"json"_s);
+    request.all = parser.isSet(u"all"_s);
     request.close = parser.isSet(u"close"_s);
     request.identity = parser.value(u"identity"_s);
     if (parser.isSet(u"page"_s))
@@ -270,6 +282,13 @@ is started if it does not run.
   staple PATH      Staples an item that has been submitted before. Prints the path of the item.
   sign PATH        Signs a copy of an app or a folder. Prints the path of the signed copy.
     --document ID, --show-dialogs, --follow, --timeout SECONDS, --json, --close   as above
+  resume [PATH]    Goes on with the wait for a verdict that was left when the application ended, or that was cancelled
+                   or given up. PATH is the folder "Foo - Submitted", something in it, or the item that was submitted;
+                   without it, the one submission that waits is meant. Prints the path of the finished item.
+    --all              with all that wait, side by side
+    --show-dialogs, --follow, --timeout SECONDS, --json, --close   as above
+  waiting          Lists what waits for a verdict: folder, identifier, since when (UTC), separated by tabs.
+    --json             as JSON
   prepare PATH     Makes the item ready to be submitted by a person.
     --document ID      in that document; otherwise in a new one
     --identity NAME    with that signing identity, if there is one of that name

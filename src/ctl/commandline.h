@@ -23,6 +23,7 @@ struct Request {
     bool json = false;
     bool follow = false;
     bool unset = false; ///< set to no value
+    bool all = false; ///< of what there is, in place of one
     bool close = false; ///< the document, when all is over
     int timeout = std::numeric_limits<int>::max(); ///< milliseconds; the greatest value is none
 };

@@ -4,6 +4,7 @@
 #include "ctl/looks.h"
 #include "ctl/output.h"
 #include "ctl/propertyvalue.h"
+#include "ctl/resuming.h"
 #include "ctl/work.h"
 #include "scripting/dbus/busnames.h"
 
@@ -265,6 +266,8 @@ const QHash<QString, Command> &commands()
          [](const Request &request, const Client &client) { return work(request, client, u"StapleOnly"_s); }},
         {u"sign"_s,
          [](const Request &request, const Client &client) { return work(request, client, u"SignOnly"_s); }},
+        {u"resume"_s, resume},
+        {u"waiting"_s, waiting},
         {u"prepare"_s, prepare},
         {u"examine"_s, examine},
         {u"issues"_s, issues},

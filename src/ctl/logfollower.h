@@ -14,11 +14,16 @@ class LogFollower : public QObject {
 public:
     using Entry = std::function<void(const QString &text)>;
 
-    /// Without a path it follows the document that the command makes.
-    LogFollower(const Client &client, const QString &documentPath, Entry entry);
+    /// Which of the documents that this connection's commands make are followed.
+    enum class Documents { first, all };
+
+    /// Without a path it follows what the command makes.
+    LogFollower(const Client &client, const QString &documentPath, Entry entry,
+                Documents documents = Documents::first);
 
     /// Empty until the document is known.
-    QString documentPath() const { return m_documentPath; }
+    QString documentPath() const { return m_documentPaths.value(0); }
+    const QStringList &documentPaths() const { return m_documentPaths; }
     /// Hands on what the document has logged up to now; after the command's answer.
     void finish();
 
@@ -31,5 +36,6 @@ private:
 
     const Client &m_client;
     const Entry m_entry;
-    QString m_documentPath;
+    const Documents m_documents;
+    QStringList m_documentPaths;
 };

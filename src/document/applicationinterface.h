@@ -48,6 +48,10 @@ public:
     Property<bool> hasDropDMG;
     ObservableProperty<QStringList> dropDMGConfigNames;
 
+    /// The folders of the waits for a verdict that no run attended to when they were last looked for; paths.
+    /// Empty once a person has said what is to become of them.
+    ObservableProperty<QStringList> unattendedWaits;
+
     /// The shared runners of a notary tool of major version 3 or less. Any thread may read.
     Property<SLWTaskMasterPtr> taskMaster;
     Property<SLWTaskMasterPtr> uploadTaskMaster;
@@ -72,6 +76,9 @@ public:
     virtual void removeWindowController(MainWinController &document) = 0;
     /// Takes files that were opened with the application or dropped on it; paths.
     virtual void applicationOpenFiles(const QStringList &paths) = 0;
+
+    /// Goes on with every wait for a verdict that no run attends to, each in a new document.
+    virtual void goOnWaiting() = 0;
 
     /// The error that a script gets for a report with these three texts. Any thread.
     virtual ScriptFailure scriptFailure(const QString &title, const QString &text,

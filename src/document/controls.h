@@ -129,6 +129,7 @@ enum class Action {
     doCancel,
     doStapleOnly,
     doStapleAgain,
+    doGoOnWaiting,
     doSignOnly,
     doSignAgain,
     doFetchHistory,

@@ -4,6 +4,7 @@
 #include "document/historycommands.h"
 #include "document/providersheet.h"
 #include "document/requestinfocommands.h"
+#include "document/resumecommands.h"
 #include "document/signonlycommands.h"
 #include "document/stapleonlycommands.h"
 #include "document/submitcommands.h"
@@ -16,6 +17,7 @@ struct DocumentCommands {
         , submit(document)
         , signOnly(document)
         , stapleOnly(document)
+        , resume(document)
         , requestInfo(document)
         , history(document)
         , providers(document)
@@ -26,6 +28,7 @@ struct DocumentCommands {
     SubmitCommands submit;
     SignOnlyCommands signOnly;
     StapleOnlyCommands stapleOnly;
+    ResumeCommands resume;
     RequestInfoCommands requestInfo;
     HistoryCommands history;
     ProviderSheet providers;

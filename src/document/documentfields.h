@@ -58,6 +58,7 @@ struct DocumentFields {
     Property<quint64> lastAction{nothingToRepeat};
     ObservableProperty<quint64> maxPageCount{1};
     Property<std::shared_ptr<platform::Timer>> staplingTimer; ///< the pending poll, or null
+    Property<QString> awaitedRequest; ///< the service's name for it; of the latest wait
     Property<quint64> infoFailureCount; ///< failures while polling
     Property<quint64> info239FailureCount; ///< failures with status 239 while polling
     Property<SLWTaskMasterPtr> ownTaskRunner; ///< null with a tool of major version 3 or less

@@ -161,6 +161,8 @@ void MainWinController::perform(Action action)
         return commands().stapleOnly.doStapleOnly();
     case Action::doStapleAgain:
         return commands().stapleOnly.doStapleAgain();
+    case Action::doGoOnWaiting:
+        return commands().resume.doGoOnWaiting();
     case Action::doSignOnly:
         return commands().signOnly.doSignOnly();
     case Action::doSignAgain:

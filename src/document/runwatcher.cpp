@@ -105,8 +105,9 @@ void RunWatcher::offersCancel(CancelOffer offer)
 
 // The wait for a verdict
 
-void RunWatcher::awaitsVerdict()
+void RunWatcher::awaitsVerdict(const QString &requestUUID)
 {
+    m_document->awaitedRequest.set(requestUUID);
     if (const auto command = m_document->currentCommand())
         command->setScriptErrorOffendingObjectDescriptor(m_document->appletURL());
 }

@@ -31,7 +31,7 @@ public:
     void claimed(std::shared_ptr<platform::FolderClaim> claim) override;
     void changedStatus(QStringView status) override;
     void offersCancel(CancelOffer offer) override;
-    void awaitsVerdict() override;
+    void awaitsVerdict(const QString &requestUUID) override;
     void countsFailures(quint64 ordinary, quint64 of239) override;
     void waits(const std::shared_ptr<platform::Timer> &timer, double seconds) override;
     void polls() override;

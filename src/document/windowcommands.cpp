@@ -3,6 +3,7 @@
 #include "document/applicationinterface.h"
 #include "platform/applicationhost.h"
 #include "platform/scriptcommand.h"
+#include "run/waitrecords.h"
 
 using namespace Qt::StringLiterals;
 
@@ -28,6 +29,7 @@ bool needsIdleDocument(Action action)
     case Action::doFetchHistory:
     case Action::doSubmit:
     case Action::doStapleOnly:
+    case Action::doGoOnWaiting:
     case Action::doSignOnly:
     case Action::doSubmitAgain:
     case Action::doStapleAgain:
@@ -51,6 +53,7 @@ void MainWinController::doCancel()
     logBoldString(u"Process cancelled..."_s);
     QString text;
     if (isPolling()) {
+        WaitRecords(host()).remove(awaitedRequest()); // nobody waits for it any more
         taskRunner()->terminateTaskFor(uniqueID);
         text = cancelledWhilePolling;
     } else {

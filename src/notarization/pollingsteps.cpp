@@ -25,9 +25,12 @@ QString textOfLog(const QByteArray &log)
     return orNull(decodedUtf8(log).value_or(QString()));
 }
 
+/// The verdict is still to come.
 Failure givenUp(const QString &line)
 {
-    return {u"Failed to Retrieve Info"_s, line, FolderFate::keepsItsName};
+    Failure failure{u"Failed to Retrieve Info"_s, line, FolderFate::keepsItsName};
+    failure.wait = WaitFate::staysOpen;
+    return failure;
 }
 
 void countFailure(Run &run, quint64 WaitState::*failures)
@@ -135,7 +138,7 @@ double beginWaiting(Run &run)
         limitedPollingDelay(static_cast<float>(run.host.preferences.number(key::pollingDelay)));
     run.log.logBoldString(
         u"Checking for the result of Apple's process. This usually takes several minutes, but could take even longer..."_s);
-    run.progress.awaitsVerdict();
+    run.progress.awaitsVerdict(run.requestUUID);
     return run.polling.delay;
 }
 

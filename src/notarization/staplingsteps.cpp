@@ -37,6 +37,7 @@ StepResult runStapler(Run &run)
         run.log.logError(
             u"The item has changed since it was uploaded: '%1'. The ticket is for what it was, and its signature may no longer hold."_s
                 .arg(run.folder.itemPlace()));
+    run.wait.forgetItemState(); // from here on the item changes
     const auto response = run.tools.run(xcrunTool, staplerArguments(run.folder.itemPlace()));
     if (run.log.isOpen())
         run.log.logToFile(response->fileLogString());

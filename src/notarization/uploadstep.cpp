@@ -2,7 +2,7 @@
 
 #include "notarization/altoolarguments.h"
 #include "notarization/pollinginfo.h"
-#include "platform/fileservice.h"
+#include "notarization/waitrecording.h"
 #include "platform/itempath.h"
 #include "run/run.h"
 #include "run/workingfoldernames.h"
@@ -33,15 +33,6 @@ Failure noIdentifier(Run &run, const SLWTaskResponse &response)
             FolderFate::keepsItsName};
 }
 
-void saveRequestUUID(Run &run)
-{
-    const QString path = run.folder.path(workingfolder::requestUUIDName);
-    const auto saved = run.host.files.writeFileAtomically(path, run.requestUUID.toUtf8());
-    if (!saved) // the service has the file all the same, and only the identifier leads back to it
-        run.log.logString(
-            u"The identifier of the request, %1, is not saved: %2"_s.arg(run.requestUUID, saved.error()));
-}
-
 bool isTooLong(const QString &name)
 {
     return QFile::encodeName(name).size() > longestName;
@@ -58,13 +49,12 @@ void chooseUpload(Run &run)
 
 StepResult accept(Run &run, const UploadReceipt &receipt)
 {
+    recordWait(run, receipt.requestUUID);
     run.live.uploadAccepted();
     if (!receipt.successMessage.isNull())
         run.log.logBoldString(u"Upload result: %1"_s.arg(receipt.successMessage));
-    run.nameFolder(workingfolder::submitted);
-    run.folder.rememberItem();
     run.requestUUID = receipt.requestUUID;
-    saveRequestUUID(run);
+    nameSubmittedFolder(run);
     if (run.live.skipsStapling())
         return EndsHere{};
     return Done{};
@@ -88,8 +78,11 @@ StepResult uploadForNotarizing(Run &run)
                 .arg(name)};
     run.log.logBoldString(
         u"Uploading file to Apple for notarizing. This can take a while, depending on file size, upload speed, and any other uploads in progress. Do not interrupt this process..."_s);
+    run.folder.rememberItem();
+    ReceiptListener listener(run);
     const auto response = run.tools.uploadAndLog(
-        altoolarguments::upload(run.folder.places().upload, run.identifier, run.inputs().credentials));
+        altoolarguments::upload(run.folder.places().upload, run.identifier, run.inputs().credentials),
+        [&listener](const QByteArray &output) { listener.hear(output); });
     run.folder.removeUpload();
     if (response->status() != 0)
         return failedUpload(run, *response);

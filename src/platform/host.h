@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QString>
+
 namespace platform {
 
 class AppleScript;
@@ -36,6 +38,9 @@ struct Host {
     ApplicationHost &application;
     Pasteboard &pasteboard;
     Updater *updater = nullptr; ///< null on a host that has none
+    /// Path of the folder for what lasts from one launch to the next and is no setting; empty where nothing
+    /// of that kind is to last.
+    const QString &stateFolder;
 };
 
 } // namespace platform

@@ -66,7 +66,8 @@ public:
     virtual void offersCancel(CancelOffer offer) = 0;
 
     // The wait for a verdict
-    virtual void awaitsVerdict() = 0;
+    /// On the request of that identifier.
+    virtual void awaitsVerdict(const QString &requestUUID) = 0;
     /// Failed polls so far, and of them those with status 239.
     virtual void countsFailures(quint64 ordinary, quint64 of239) = 0;
     /// The timer fires in so many seconds, at the earliest.

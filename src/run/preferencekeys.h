@@ -43,6 +43,8 @@ inline const QString isDebuggingTool = QStringLiteral("isDebuggingTool");
 inline const QString toolRoot = QStringLiteral("toolRoot");
 inline const QString toolPause =
     QStringLiteral("toolPause"); ///< seconds that a runner waits after a tool's end
+/// Whether launch goes on by itself with what still waits for a verdict.
+inline const QString resumeWaiting = QStringLiteral("resumeWaiting");
 /// "Dark" or absent; follows the desktop.
 inline const QString AppleInterfaceStyle = QStringLiteral("AppleInterfaceStyle");
 

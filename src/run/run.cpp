@@ -10,8 +10,10 @@ Run::Run(const platform::Host &runHost, RunInputs inputs, RunLog &runLog, ToolSe
           [told = watcher.get()](std::shared_ptr<platform::FolderClaim> claim) {
               told->claimed(std::move(claim));
           })
+    , wait(runHost)
     , live(*choices)
     , progress(*watcher)
+    , requestUUID(inputs.requestUUID.value_or(QString()))
     , m_inputs(std::move(inputs))
     , m_live(std::move(choices))
     , m_progress(std::move(watcher))

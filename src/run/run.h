@@ -8,6 +8,7 @@
 #include "run/runlog.h"
 #include "run/status.h"
 #include "run/toolsession.h"
+#include "run/waitrecords.h"
 
 #include <QVariantMap>
 
@@ -26,6 +27,7 @@ struct RunInputs {
 
     // What is asked of the service
     std::optional<QString> requestUUID; ///< nothing for the newest request
+    WaitRecord wait = {}; ///< what the run goes on with, where it is one that another has begun
     quint64 firstPage = 0; ///< of the history
     quint64 pageLimit = 0; ///< the first page that is not asked for
     OutputFormat format = OutputFormat::normal;
@@ -59,12 +61,13 @@ public:
     RunLog &log;
     ToolSession tools;
     RunFolder folder;
+    KeptWait wait;
     LiveChoices &live;
     Progress &progress;
 
     // What one step hands to the next
     QString identifier; ///< of the upload; null until one is known
-    QString requestUUID; ///< the service's name for the upload
+    QString requestUUID; ///< the service's name for the upload; null until one is known
     WaitState polling;
     std::optional<QVariant> answer; ///< what a query has found, for the script that has asked
     SLWTaskResponsePtr response; ///< the same, as the tool gave it

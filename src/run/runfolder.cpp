@@ -85,6 +85,18 @@ platform::Outcome RunFolder::create()
     return {};
 }
 
+platform::Outcome RunFolder::claim()
+{
+    auto claim = m_files.claimFolder(path());
+    if (!claim)
+        return platform::Outcome::failure(m_files.kind(path()).isDirectory
+                                              ? u"Another run works in '%1'."_s.arg(path())
+                                              : u"There is no folder '%1' any more."_s.arg(path()));
+    m_claim = claim;
+    m_claimed(std::move(claim));
+    return {};
+}
+
 /// The folder in which another run works that would have the names of this one; null if there is none.
 QString RunFolder::folderAtWork() const
 {

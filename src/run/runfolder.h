@@ -71,8 +71,15 @@ public:
     /// Puts the user's untouched item into the folder, after a success. Nothing is reported.
     void moveOriginalIn();
 
+    /// Has the folder that is there already, and everybody else know of it. Fails where another run works in
+    /// it, or where it has gone.
+    platform::Outcome claim();
+
     /// Keeps what the item is like, and tells whether it is still like that.
     void rememberItem();
+    /// The same with what another run has kept; empty for nothing.
+    void rememberItem(const QByteArray &state) { m_itemState = state; }
+    const QByteArray &itemState() const { return m_itemState; }
     bool hasItemChanged() const;
 
     /// Deletes the file that is uploaded, unless it is the item itself.

@@ -18,12 +18,19 @@ enum class FolderFate {
     isNamedFailed,
 };
 
+/// Whether a run that has failed has taken its wait for a verdict to its end.
+enum class WaitFate {
+    isOver,
+    staysOpen, ///< the verdict is still to come, and another run may go on
+};
+
 /// Why a step ends its run. The step reports nothing by itself: the driver does, from this.
 struct Failure {
     QString title; ///< of the alert; scripts know the failure's number by it
     QString logLine; ///< the full explanation
     FolderFate folder = FolderFate::isNamedFailed;
     QString text = seeTheLog.toString(); ///< of the alert
+    WaitFate wait = WaitFate::isOver;
 };
 
 /// The step has worked.

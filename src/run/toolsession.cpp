@@ -26,9 +26,13 @@ SLWTaskResponsePtr ToolSession::askServiceAndLog(const QStringList &args)
     return logged(askService(args));
 }
 
-SLWTaskResponsePtr ToolSession::uploadAndLog(const QStringList &args)
+SLWTaskResponsePtr ToolSession::uploadAndLog(const QStringList &args, SLWTaskMaster::Listener listener)
 {
-    return logged(runAltool(m_setup.uploadRunner, args));
+    const std::scoped_lock turn(m_setup.uploadRunner->monitor());
+    m_setup.uploadRunner->setListener(std::move(listener));
+    const auto response = runAltool(m_setup.uploadRunner, args);
+    m_setup.uploadRunner->setListener({});
+    return logged(response);
 }
 
 SLWTaskResponsePtr ToolSession::runAltool(const SLWTaskMasterPtr &runner, const QStringList &args)

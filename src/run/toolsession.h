@@ -26,12 +26,15 @@ public:
     /// Whether a log file is wanted for this run.
     bool logsToFile() const { return m_logsToFile; }
 
+    const QString &altoolPath() const { return m_setup.altoolPath; }
+
     SLWTaskResponsePtr run(const QString &path, const QStringList &args);
     SLWTaskResponsePtr runAndLog(const QString &path, const QStringList &args);
     /// The notary tool.
     SLWTaskResponsePtr askService(const QStringList &args);
     SLWTaskResponsePtr askServiceAndLog(const QStringList &args);
-    SLWTaskResponsePtr uploadAndLog(const QStringList &args);
+    /// The listener hears what the notary tool prints, piece by piece, while it still runs.
+    SLWTaskResponsePtr uploadAndLog(const QStringList &args, SLWTaskMaster::Listener listener = {});
 
 private:
     SLWTaskResponsePtr runAltool(const SLWTaskMasterPtr &runner, const QStringList &args);

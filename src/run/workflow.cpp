@@ -40,6 +40,7 @@ Driver::State Driver::proceed()
         if (!perform(m_workflow[m_next]))
             return m_state;
     }
+    m_run->wait.end();
     m_run->progress.ended(*m_run);
     m_state = State::ended;
     return m_state;
@@ -68,6 +69,7 @@ bool Driver::runStep(const Step &step)
                           [&](const Failure &failure) { return fail(failure); },
                           [&](const Again &again) { return waitAgain(step, again.seconds); },
                           [&](const EndsHere &) {
+                              m_run->wait.end();
                               m_run->progress.endedWithUpload();
                               return end(State::ended);
                           },
@@ -91,6 +93,8 @@ bool Driver::fail(const Failure &failure)
     m_run->progress.failed(failure);
     if (failure.folder == FolderFate::isNamedFailed)
         m_run->nameFolder(workingfolder::failed);
+    if (failure.wait == WaitFate::isOver)
+        m_run->wait.end();
     return end(State::failed);
 }
 

@@ -39,4 +39,9 @@ QString stapleOnlyBanner(const QString &itemPath)
     return u'\\' + rule + u"\nBeginning staple only of file at '"_s + itemPath + u"'\n"_s + rule + u'\n';
 }
 
+QString resumeBanner(const QString &itemPath)
+{
+    return rule + u"\nGoing on with the wait for the verdict on '"_s + itemPath + u"'\n"_s + rule + u'\n';
+}
+
 } // namespace workingfolder

@@ -26,5 +26,7 @@ inline constexpr QStringView requestUUIDName = u"RequestUUID.txt";
 [[nodiscard]] QString banner(const QString &copyPath);
 /// The head of what a run adds to the log file that only staples the item at the path.
 [[nodiscard]] QString stapleOnlyBanner(const QString &itemPath);
+/// The head of what a run adds to the log file that goes on with another's wait.
+[[nodiscard]] QString resumeBanner(const QString &itemPath);
 
 } // namespace workingfolder

@@ -76,6 +76,13 @@ void MainWinControllerScripting::startStapling(const ScriptCommandPtr &command)
     });
 }
 
+void MainWinControllerScripting::startResuming(const ScriptCommandPtr &command, const WaitRecord &wait)
+{
+    document.suppressDialogs.set(!command->evaluatedArguments().value(argument::showingDialogs).toBool());
+    suspendWorkflow(command,
+                    [&document = document, wait] { document.commands().resume.scriptedResume(wait); });
+}
+
 void MainWinControllerScripting::startSigning(const ScriptCommandPtr &command)
 {
     suspendWithItem(command, [&document = document](const QUrl &url) {

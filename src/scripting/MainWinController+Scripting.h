@@ -8,6 +8,7 @@
 #include <functional>
 
 class MainWinController;
+struct WaitRecord;
 
 /// What scripts reach on a document. On the thread of script delivery; the work is queued to the main thread.
 /// As short-lived as one wants: it refers to the document and holds nothing else.
@@ -55,6 +56,7 @@ public:
     // What a command asks for, after its checks. Each suspends the command until the work has ended.
     void startSubmission(const ScriptCommandPtr &command);
     void startStapling(const ScriptCommandPtr &command);
+    void startResuming(const ScriptCommandPtr &command, const WaitRecord &wait);
     void startSigning(const ScriptCommandPtr &command);
     void startHistory(const ScriptCommandPtr &command);
     /// The same for a person's submission to come, with an identity or, for a null one, the present one.

@@ -3,6 +3,7 @@
 #include "document/applicationinterface.h"
 #include "document/mainwincontroller.h"
 #include "platform/applicationhost.h"
+#include "run/waits.h"
 #include "scripting/MainWinController+Scripting.h"
 #include "scripting/commandchecks.h"
 #include "scripting/examining.h"
@@ -27,6 +28,13 @@ void NSApplicationScripting::AESignOnly(const ScriptCommandPtr &command)
 {
     if (commandchecks::signableItem(m_appDelegate.host().files, command) && checkStatusIsReady())
         addedDocument().startSigning(command);
+}
+
+void NSApplicationScripting::AEResume(const ScriptCommandPtr &command)
+{
+    const auto wait = commandchecks::openWait(m_appDelegate.host(), command);
+    if (wait && checkStatusIsReady())
+        addedDocument().startResuming(command, *wait);
 }
 
 void NSApplicationScripting::AEFetchHistory(const ScriptCommandPtr &command)
@@ -70,6 +78,14 @@ DocumentPtr NSApplicationScripting::newScriptingDocument(const QVariantMap &prop
 bool NSApplicationScripting::checkStatusIsReady() const
 {
     return commandchecks::isReady(m_appDelegate.statusString(), u"Application"_s);
+}
+
+QStringList NSApplicationScripting::waiting() const
+{
+    QStringList folders;
+    for (const WaitRecord &wait : waits::all(m_appDelegate.host()))
+        folders.append(wait.folder);
+    return folders;
 }
 
 QList<platform::Window *> NSApplicationScripting::orderedWindows() const

@@ -26,6 +26,8 @@ public:
     void AESubmitForNotarizing(const ScriptCommandPtr &command);
     void AEStapleOnly(const ScriptCommandPtr &command);
     void AESignOnly(const ScriptCommandPtr &command);
+    /// Goes on with the wait for the verdict on a submission. Answers as stapling does.
+    void AEResume(const ScriptCommandPtr &command);
     void AEFetchHistory(const ScriptCommandPtr &command);
     /// Leaves the document to a person, who then decides. Ends at once.
     void AEPrepareForNotarizing(const ScriptCommandPtr &command);
@@ -50,6 +52,10 @@ public:
     void setAEErrorRetryLimit(qint64 limit);
     /// A null identity, as none, is removed and reported as wrong as well.
     void setActiveIdentity(const QString &identity);
+
+    /// The folders of the submissions whose verdict is awaited, be it by a run or by nobody for now; paths,
+    /// the oldest first.
+    QStringList waiting() const;
 
     // Lists, front to back
     /// The document windows on screen; of a tab group the one that shows.

@@ -4,6 +4,7 @@
 #include "platform/itempath.h"
 #include "run/item.h"
 #include "run/status.h"
+#include "run/waits.h"
 #include "scripting/scripterrors.h"
 
 using namespace Qt::StringLiterals;
@@ -35,6 +36,14 @@ std::optional<QUrl> itemIf(bool isAllowed, const ScriptCommandPtr &command)
     return std::nullopt;
 }
 
+std::nullopt_t refused(const ScriptCommandPtr &command, qint64 number, const QString &text)
+{
+    command->setScriptErrorNumber(number);
+    if (!text.isNull())
+        command->setScriptErrorString(text);
+    return std::nullopt;
+}
+
 } // namespace
 
 namespace commandchecks {
@@ -51,6 +60,20 @@ std::optional<QUrl> signableItem(const platform::FileService &files, const Scrip
     const bool isAllowed =
         !path.isNull() && (itempath::lowerExtension(path) == "app"_L1 || isPlainFolder(files, path));
     return itemIf(isAllowed, command);
+}
+
+std::optional<WaitRecord> openWait(const platform::Host &host, const ScriptCommandPtr &command)
+{
+    const QVariant at = command->evaluatedArguments().value(argument::at);
+    const QString path = at.typeId() == QMetaType::QUrl ? itempath::fromUrl(at.toUrl()) : QString();
+    if (path.isEmpty())
+        return refused(command, scriptErrorArgument, {});
+    const auto wait = waits::at(host, path);
+    if (!wait)
+        return refused(command, scriptErrorArgument, wait.error());
+    if (waits::isAttended(host, *wait))
+        return refused(command, scriptErrorGeneral, u"Another run works in '%1'."_s.arg(wait->folder));
+    return *wait;
 }
 
 QString knownIdentity(const ScriptCommandPtr &command, const QStringList &identities)

@@ -1,6 +1,8 @@
 #pragma once
 
+#include "platform/host.h"
 #include "platform/scriptcommand.h"
+#include "run/waitrecord.h"
 
 #include <QUrl>
 
@@ -20,6 +22,10 @@ namespace commandchecks {
 /// The same for an item that can be signed alone: an app or a plain folder.
 [[nodiscard]] std::optional<QUrl> signableItem(const platform::FileService &files,
                                                const ScriptCommandPtr &command);
+
+/// The submission that a command's item stands for, if its verdict is awaited and no run attends to it;
+/// nothing, with the error set on the command, otherwise.
+[[nodiscard]] std::optional<WaitRecord> openWait(const platform::Host &host, const ScriptCommandPtr &command);
 
 /// The identity that a command names, with or without its prefix; null if it names none of the known ones,
 /// which is no error.

@@ -101,8 +101,12 @@ SLWTaskResponsePtr SLWTaskMaster::launchFailed(const SLWTaskResponsePtr &respons
 
 void SLWTaskMaster::waitForTool(platform::Process &task)
 {
-    task.waitUntilExit([this](const QByteArray &chunk) { append(*lastOutput, chunk); },
-                       [this](const QByteArray &whole) { append(*lastError, whole); });
+    const auto take = [this](const QByteArray &chunk) {
+        append(*lastOutput, chunk);
+        if (m_listener)
+            m_listener(chunk);
+    };
+    task.waitUntilExit(take, [this](const QByteArray &whole) { append(*lastError, whole); });
 }
 
 void SLWTaskMaster::readLateOutput(platform::Process &task, const SLWTaskResponsePtr &response)

@@ -3,6 +3,7 @@
 #include "platform/process.h"
 #include "tools/slwtaskresponse.h"
 
+#include <functional>
 #include <mutex>
 
 /// How long a runner waits, in seconds.
@@ -48,6 +49,11 @@ public:
     /// any effect, when nothing runs. Any thread; never blocks.
     bool terminateTaskFor(const QString &owner);
 
+    using Listener = std::function<void(const QByteArray &output)>;
+    /// What hears the standard output of the next runs, piece by piece as it comes and on their thread; empty
+    /// for nobody. Only for who holds the monitor.
+    void setListener(Listener listener) { m_listener = std::move(listener); }
+
     /// Held by whoever needs the buffers to stay as they are after a run.
     std::recursive_mutex &monitor() { return m_monitor; }
 
@@ -65,6 +71,7 @@ private:
     platform::ProcessLauncher &m_launcher;
     const RunnerPauses m_pauses;
     std::recursive_mutex m_monitor;
+    Listener m_listener;
     const std::shared_ptr<OutputBuffer> lastOutput;
     const std::shared_ptr<OutputBuffer> lastError;
 };

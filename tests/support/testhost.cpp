@@ -84,7 +84,8 @@ platform::Host TestHost::host(const Instead &instead)
             userNotifications,
             applicationHost,
             pasteboard,
-            &updater};
+            &updater,
+            stateFolder};
 }
 
 void TestHost::launch()

@@ -82,6 +82,7 @@ public:
     FakeUpdater updater;
     WatchedLauncher launcher;
     AppDelegate::Configuration configuration;
+    QString stateFolder; ///< what lasts from one launch to the next; empty, unless a test names a folder
 
 private:
     FakeWindowFactory m_fakeWindows;

@@ -38,6 +38,9 @@ BusAccessByKey properties()
         {u"name"_s, {[](const BusObject &) { return QCoreApplication::applicationName(); }}},
         {u"version"_s, {[](const BusObject &) { return QCoreApplication::applicationVersion(); }}},
         {u"isActive"_s, {[](const BusObject &) { return isActive(); }}},
+        {u"AEWaiting"_s,
+         {.read = [](const BusObject &object) { return scripting(object).waiting(); },
+          .whenAllAreRead = WhenAllAreRead::isLeftOut}}, // it reads files, and the list is older than it
         {u"lastErrorFrom"_s, {[](const BusObject &object) {
              const QVariant offending = object.objects.lastErrors().of(object.caller);
              return offending.isValid() ? QVariant::fromValue(QDBusVariant(busvalue::toBus(offending)))
@@ -148,6 +151,7 @@ QHash<QString, CommandHandler> commands()
     const CommandsOf<NSApplicationScripting> carriedOutBy(&scripting);
     QHash<QString, CommandHandler> all = carriedOutBy.shared();
     all.insert(u"AECompare:"_s, carriedOutBy(&NSApplicationScripting::AECompare));
+    all.insert(u"AEResume:"_s, carriedOutBy(&NSApplicationScripting::AEResume));
     return all;
 }
 

@@ -11,7 +11,7 @@ QList<BusProperty> propertiesOf(const scriptingdefinition::Class &definition, co
     QList<BusProperty> properties;
     for (const scriptingdefinition::Property &property : definition.properties) {
         if (const auto found = access.constFind(property.key); found != access.constEnd())
-            properties.append({property, found->read, found->write, found->takes});
+            properties.append({property, found->read, found->write, found->takes, found->whenAllAreRead});
     }
     return properties;
 }

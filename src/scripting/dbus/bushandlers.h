@@ -10,6 +10,7 @@ struct BusAccess {
     std::function<QVariant(const BusObject &)> read;
     std::function<void(const BusObject &, const QVariant &)> write = nullptr;
     Takes takes = Takes::value;
+    WhenAllAreRead whenAllAreRead = WhenAllAreRead::isRead;
 };
 using BusAccessByKey = QHash<QString, BusAccess>;
 

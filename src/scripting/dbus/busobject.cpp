@@ -41,6 +41,8 @@ QVariantMap readAllProperties(const BusObject &object, const BusInterface &inter
 {
     QVariantMap values;
     for (const BusProperty &property : interface.properties) {
+        if (property.whenAllAreRead == WhenAllAreRead::isLeftOut)
+            continue;
         const ScriptReply reply = scriptcalls::read(object, property);
         if (!reply.isError())
             values.insert(property.definition.busName, reply.result);

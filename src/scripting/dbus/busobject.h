@@ -31,12 +31,16 @@ struct BusArgument {
     QString type; ///< signature
 };
 
+/// Whether the answer with all properties has this one.
+enum class WhenAllAreRead { isRead, isLeftOut };
+
 struct BusProperty {
     scriptingdefinition::Property definition;
     /// As a `ScriptProperty` has them, on an object of the bus.
     std::function<QVariant(const BusObject &)> read;
     std::function<void(const BusObject &, const QVariant &)> write = nullptr;
     Takes takes = Takes::value;
+    WhenAllAreRead whenAllAreRead = WhenAllAreRead::isRead;
 };
 
 struct BusMethod {
