@@ -6,6 +6,7 @@
 #include "platform/itempath.h"
 #include "run/item.h"
 #include "run/status.h"
+#include "run/waits.h"
 #include "ui/commandbar.h"
 #include "ui/itemheader.h"
 #include "ui/logpane.h"
@@ -13,6 +14,7 @@
 #include "ui/outcomebanner.h"
 #include "ui/settingspane.h"
 #include "ui/sidepane.h"
+#include "ui/waitingbanner.h"
 
 #include <QBoxLayout>
 #include <QDropEvent>
@@ -27,12 +29,12 @@ using namespace Qt::StringLiterals;
 namespace {
 
 /// Of what is dragged, the items that would be taken.
-QStringList itemsOf(const QMimeData &data)
+QStringList itemsOf(const QMimeData &data, const platform::Host &host)
 {
     QStringList items;
     for (const QUrl &url : data.urls()) {
         const QString path = url.isLocalFile() ? itempath::fromUrl(url) : QString();
-        if (submittableExtensions().contains(itempath::extension(path)))
+        if (submittableExtensions().contains(itempath::extension(path)) || waits::isFolderOfOne(host, path))
             items.append(path);
     }
     return items;
@@ -58,6 +60,7 @@ DocumentPage::DocumentPage(MainWinController &document)
     auto *const rows = new QVBoxLayout(this);
     rows->addWidget(m_header);
     rows->addWidget(m_banner);
+    rows->addWidget(new WaitingBanner(document, this));
     rows->addWidget(makeParts(), 1);
     rows->addWidget(m_commands);
     setStatusWord(document.statusString());
@@ -126,7 +129,7 @@ void DocumentPage::printLog(QPagedPaintDevice &paper) const
 
 void DocumentPage::dragEnterEvent(QDragEnterEvent *event)
 {
-    if (itemsOf(*event->mimeData()).isEmpty())
+    if (itemsOf(*event->mimeData(), m_document.host()).isEmpty())
         return;
     acceptCopy(*event);
     m_dropOutline->setGeometry(rect());
@@ -143,12 +146,19 @@ void DocumentPage::dropEvent(QDropEvent *event)
 {
     m_dropOutline->hide();
     acceptCopy(*event);
-    QStringList items = itemsOf(*event->mimeData());
-    if (!items.isEmpty() && isWithoutItem()) {
-        m_document.commands().submit.prepareForDirectSubmit(itempath::toUrl(items.takeFirst()), {});
-    }
+    QStringList items = itemsOf(*event->mimeData(), m_document.host());
+    if (!items.isEmpty() && isWithoutItem())
+        takeHere(items.takeFirst());
     if (!items.isEmpty())
         m_document.appDelegate().applicationOpenFiles(items);
+}
+
+void DocumentPage::takeHere(const QString &path)
+{
+    if (waits::isFolderOfOne(m_document.host(), path))
+        m_document.commands().resume.goOnInFolder(path);
+    else
+        m_document.commands().submit.prepareForDirectSubmit(itempath::toUrl(path), {});
 }
 
 /// Whether an item that is dropped here can stay, with what has been typed for it.

@@ -45,6 +45,7 @@ protected:
 
 private:
     bool isWithoutItem() const;
+    void takeHere(const QString &path);
     QWidget *makeParts();
     QWidget *makeRun();
 

@@ -74,6 +74,7 @@ void MainMenu::addWorkflows(QMenu &menu)
     addCommand(menu, u"Si&gn Only…"_s, QKeySequence(u"Ctrl+Shift+Return"_s), Action::doSignOnly);
     // The button of that name has this key; two owners of one key would each keep it from the other.
     addCommand(menu, u"Staple &Only…\tCtrl+O"_s, {}, Action::doStapleOnly);
+    addCommand(menu, u"Go On Wa&iting…"_s, {}, Action::doGoOnWaiting);
     addAgainItem(menu);
     addCommand(menu, u"C&ancel\tCtrl+."_s, {}, Action::doCancel);
 }

@@ -1,9 +1,11 @@
 #include "ui/outcomebanner.h"
 
+#include "document/documentcommands.h"
 #include "document/mainwincontroller.h"
 #include "platform/fileservice.h"
 #include "platform/itempath.h"
 #include "platform/workspace.h"
+#include "run/waits.h"
 #include "run/workingfoldernames.h"
 #include "ui/named.h"
 
@@ -66,6 +68,7 @@ OutcomeBanner::OutcomeBanner(MainWinController &document, QWidget *parent)
         addButton(*row, u"outcomeShowInFolder"_s, u"Show in Folder"_s, &OutcomeBanner::showInFolder);
     m_copyIdentifier =
         addButton(*row, u"outcomeCopyIdentifier"_s, u"Copy Identifier"_s, &OutcomeBanner::copyIdentifier);
+    m_goOnWaiting = addButton(*row, u"outcomeGoOnWaiting"_s, u"Go On Waiting"_s, &OutcomeBanner::goOnWaiting);
     m_tryAgain = addButton(*row, u"outcomeTryAgain"_s, u"Try Again"_s, &OutcomeBanner::tryAgain);
     connect(&document.stepList, &Observable::changed, this, &OutcomeBanner::follow);
     connect(&document.progressIndicator, &Control::changed, this, &OutcomeBanner::showButtons);
@@ -149,6 +152,7 @@ void OutcomeBanner::showButtons()
         || m_outcome.kind == RunOutcome::Kind::refused || m_outcome.kind == RunOutcome::Kind::cancelled;
     m_showInFolder->setVisible(m_document.host().files.isReachable(folder()));
     m_copyIdentifier->setVisible(!identifier().isEmpty());
+    m_goOnWaiting->setVisible(isOver && hasGoneWrong && waits::isFolderOfOne(m_document.host(), folder()));
     m_tryAgain->setVisible(isOver && canRepeat && hasGoneWrong);
 }
 
@@ -174,6 +178,11 @@ void OutcomeBanner::showInFolder()
 void OutcomeBanner::copyIdentifier()
 {
     QApplication::clipboard()->setText(identifier());
+}
+
+void OutcomeBanner::goOnWaiting()
+{
+    m_document.commands().resume.goOnInFolder(folder());
 }
 
 void OutcomeBanner::tryAgain()

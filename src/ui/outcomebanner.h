@@ -35,6 +35,7 @@ private:
     void showButtons();
     void showInFolder();
     void copyIdentifier();
+    void goOnWaiting();
     void tryAgain();
     QString folder() const;
     QString identifier() const;
@@ -46,5 +47,6 @@ private:
     QLabel *m_sentence;
     QPushButton *m_showInFolder = nullptr;
     QPushButton *m_copyIdentifier = nullptr;
+    QPushButton *m_goOnWaiting = nullptr;
     QPushButton *m_tryAgain = nullptr;
 };

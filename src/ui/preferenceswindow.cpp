@@ -198,6 +198,9 @@ void PreferencesWindow::addNotarization(QBoxLayout &sections)
     bindings::bind(*limit, m_preferences, key::prefRetryLimitFor239Failure);
     section.addField(limit, *limit, u"&Give up after"_s,
                      u"Failures with code 239, which pass by themselves when the service is busy."_s);
+    section.addCheckbox(
+        m_preferences, key::resumeWaiting, u"Go on &waiting by itself at launch"_s,
+        u"For what an earlier launch has left. Otherwise the window says what still waits, and asks."_s);
     section.addCheckbox(m_preferences, key::userInfoShowWhenActive,
                         u"Notif&y me while Sealwright is in front"_s,
                         u"Otherwise a verdict is announced only while you work in another program."_s);

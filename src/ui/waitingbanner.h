@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QFrame>
+
+class MainWinController;
+class QBoxLayout;
+class QLabel;
+
+/// Says, in a document that has done nothing yet, what an earlier launch has left waiting for a verdict, and
+/// goes on with it at a press. Main thread.
+class WaitingBanner : public QFrame {
+    Q_OBJECT
+
+public:
+    explicit WaitingBanner(MainWinController &document, QWidget *parent = nullptr);
+
+private:
+    void addButton(QBoxLayout &row, const QString &name, const QString &title,
+                   void (WaitingBanner::*press)());
+    void follow();
+    void goOn();
+    void dismiss();
+
+    MainWinController &m_document;
+    QLabel *m_text;
+};
+
+/// "Foo still waits for…" and so on, by the names of the folders; paths. Empty for none.
+[[nodiscard]] QString waitingSentence(const QStringList &folders);
