@@ -61,9 +61,10 @@ public:
     /// How many cases have been held so far in this process.
     static inline int casesHeld = 0;
 
+    QString itemPath() const { return host.item(m_itemName); }
+
 private:
     void makeItem(const QString &path) const;
-    QString itemPath() const { return host.item(m_itemName); }
     QString originalInside(const QString &suffix) const;
 
     const RoadKind m_kind;
