@@ -2,14 +2,33 @@
 
 #include <QProxyStyle>
 
+class QStyleOptionGroupBox;
+
 /// The desktop's style, in which every control has an outline that can be seen on a light window and on a
-/// dark one. Main thread.
+/// dark one. Where the desktop has none of its own and the plain one of Qt stands in, the controls are drawn
+/// flat, with round corners, and grow with the font. Main thread.
 class ControlStyle : public QProxyStyle {
     Q_OBJECT
 
 public:
     void drawPrimitive(PrimitiveElement element, const QStyleOption *option, QPainter *painter,
                        const QWidget *widget) const override;
+    void drawControl(ControlElement element, const QStyleOption *option, QPainter *painter,
+                     const QWidget *widget) const override;
     void drawComplexControl(ComplexControl control, const QStyleOptionComplex *option, QPainter *painter,
                             const QWidget *widget) const override;
+    int pixelMetric(PixelMetric metric, const QStyleOption *option, const QWidget *widget) const override;
+    QSize sizeFromContents(ContentsType type, const QStyleOption *option, const QSize &contents,
+                           const QWidget *widget) const override;
+    QRect subControlRect(ComplexControl control, const QStyleOptionComplex *option, SubControl part,
+                         const QWidget *widget) const override;
+
+private:
+    bool isPlain() const;
+    void drawGroup(const QStyleOptionGroupBox &group, QPainter &painter) const;
+    bool drawPlain(PrimitiveElement element, const QStyleOption &option, QPainter &painter) const;
+    bool drawPlain(ControlElement element, const QStyleOption &option, QPainter &painter,
+                   const QWidget *widget) const;
+    bool drawPlain(ComplexControl control, const QStyleOptionComplex &option, QPainter &painter,
+                   const QWidget *widget) const;
 };

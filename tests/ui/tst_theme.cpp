@@ -8,7 +8,9 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QLineEdit>
+#include <QPushButton>
 #include <QStyleFactory>
+#include <QTest>
 
 #include <gtest/gtest.h>
 
@@ -80,6 +82,39 @@ TEST_P(Theme, anEmptyBoxAndAFieldCanBeSeen)
         EXPECT_GE(strongest(image, palette.color(QPalette::Window), 6), 3.0)
             << widget->metaObject()->className();
     }
+}
+
+TEST_P(Theme, whatIsWrittenOnAButtonCanBeRead)
+{
+    ControlStyle style;
+    for (const bool isDefault : {false, true}) {
+        QPushButton button(u"HHHHHHHH"_s);
+        QFont large = button.font(); // whose strokes are wider than a pixel
+        large.setPixelSize(40);
+        button.setFont(large);
+        button.setDefault(isDefault);
+        button.setStyle(&style);
+        button.setPalette(palette);
+        const QImage image = button.grab().toImage();
+        const QColor ground = image.pixelColor(5, image.height() / 2);
+        EXPECT_GE(strongest(image, ground, image.width()), 4.5) << isDefault;
+    }
+}
+
+TEST_P(Theme, whatHasTheKeyboardHasARingThatCanBeSeen)
+{
+    ControlStyle style;
+    QWidget window;
+    window.setPalette(palette);
+    QLineEdit field(&window);
+    field.setStyle(&style);
+    window.show();
+    window.activateWindow();
+    field.setFocus();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return field.hasFocus(); }));
+    const QImage image = field.grab().toImage();
+    EXPECT_GE(contrast(image.pixelColor(1, image.height() / 2), palette.color(QPalette::Window)), 3.0);
+    EXPECT_GE(contrast(image.pixelColor(1, image.height() / 2), palette.color(QPalette::Base)), 3.0);
 }
 
 TEST(Contrast, isThatOfThePublishedExamples)

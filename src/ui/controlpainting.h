@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QColor>
+#include <QPalette>
+#include <QRectF>
+
+class QPainter;
+class QStyleOption;
+class QStyleOptionComboBox;
+class QStyleOptionTab;
+
+/// How the controls look where the desktop has no style of its own: flat, with round corners and one colour
+/// for what is meant to be pressed. Each draws into the rectangle of its option. Main thread.
+namespace controlpainting {
+
+/// What a button stands for in its window.
+enum class Weight { ordinary, primary };
+
+void drawButton(QPainter &painter, const QStyleOption &option, Weight weight);
+void drawField(QPainter &painter, const QStyleOption &option);
+void drawCheckBox(QPainter &painter, const QStyleOption &option);
+/// The frame of the popup and its arrow, without the title.
+void drawComboBox(QPainter &painter, const QStyleOptionComboBox &option, const QRect &arrow);
+/// What is behind a group of controls.
+void drawCard(QPainter &painter, const QStyleOption &option);
+void drawTab(QPainter &painter, const QStyleOptionTab &option);
+void drawHeading(QPainter &painter, const QStyleOption &option);
+/// The piece of a scroll bar that is dragged.
+void drawSlider(QPainter &painter, const QStyleOption &option, const QRect &slider);
+/// A line round a frame's contents.
+void drawFrame(QPainter &painter, const QStyleOption &option);
+
+/// What is written on a button of that weight.
+[[nodiscard]] QColor textOf(const QStyleOption &option, Weight weight);
+
+} // namespace controlpainting
