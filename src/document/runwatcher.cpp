@@ -1,6 +1,7 @@
 #include "document/runwatcher.h"
 
 #include "document/applicationinterface.h"
+#include "document/recentwaits.h"
 #include "platform/itempath.h"
 #include "platform/scriptcommand.h"
 
@@ -48,6 +49,14 @@ void RunWatcher::began(const Step &step)
 {
     if (isLatest())
         m_document->dispatchToMain([&document = *m_document, step] { document.stepList.begin(step); });
+}
+
+void RunWatcher::advanced(qsizetype begun, qsizetype all)
+{
+    if (isLatest())
+        m_document->dispatchToMain([&document = *m_document, begun, all] {
+            document.stepList.advance({.done = begun, .all = all});
+        });
 }
 
 void RunWatcher::stopped()
@@ -141,5 +150,9 @@ void RunWatcher::serviceSaid(const QString &issues)
 
 void RunWatcher::verdictHasCome()
 {
-    m_document->dispatchToMain([&document = *m_document] { document.isPolling.set(false); });
+    m_document->dispatchToMain([&document = *m_document] {
+        document.isPolling.set(false);
+        if (const StepList::Row *const wait = document.stepList.running())
+            recentwaits::remember(document.host().preferences, document.stepList.duration(*wait));
+    });
 }

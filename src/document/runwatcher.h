@@ -23,6 +23,7 @@ public:
     bool skipsStapling() const override;
 
     void began(const Step &step) override;
+    void advanced(qsizetype begun, qsizetype all) override;
     void stopped() override;
     void failed(const Failure &failure) override;
     void ended(Run &run) override;

@@ -50,6 +50,13 @@ qint64 StepList::duration(const Row &row) const
     return std::max<qint64>(0, row.began.msecsTo(end) / millisecondsPerSecond); // a clock may be set back
 }
 
+qint64 StepList::secondsToPoll() const
+{
+    if (!m_wait || !m_wait->nextPoll.isValid())
+        return 0;
+    return std::max<qint64>(0, m_clock.now().msecsTo(m_wait->nextPoll) / millisecondsPerSecond);
+}
+
 void StepList::plan(const QList<Step> &steps)
 {
     m_rows.clear();
@@ -72,6 +79,15 @@ void StepList::finish(StepState state)
 {
     endRunning(state);
     skipWaiting(m_rows.size());
+    Q_EMIT changed();
+}
+
+void StepList::advance(const Parts &parts)
+{
+    const auto row = std::find_if(m_rows.begin(), m_rows.end(), has(StepState::running));
+    if (row == m_rows.end() || row->parts == parts)
+        return;
+    row->parts = parts;
     Q_EMIT changed();
 }
 

@@ -23,11 +23,22 @@ enum class StepState { waiting, running, done, failed, cancelled, skipped };
 /// and steers nothing: no workflow asks it. Main thread.
 class StepList : public Observable {
 public:
+    /// How far the work of a step is, where it has parts that can be counted.
+    struct Parts {
+        enum class Unit { files, bytes };
+
+        qint64 done = 0; ///< of files: the number of the one that is at work
+        qint64 all = 0; ///< 0 where nothing is known
+        Unit unit = Unit::files;
+        bool operator==(const Parts &) const = default;
+    };
+
     struct Row {
         Step step;
         StepState state = StepState::waiting;
         QDateTime began = {}; ///< invalid until the step begins
         QDateTime ended = {}; ///< invalid until it has ended
+        Parts parts = {}; ///< of the work that it does
         bool operator==(const Row &) const = default;
     };
 
@@ -51,6 +62,8 @@ public:
     const std::optional<Wait> &wait() const { return m_wait; }
     /// How long the step took, or has taken so far; whole seconds, 0 before it begins.
     qint64 duration(const Row &row) const;
+    /// Whole seconds until the next poll; 0 if none is due.
+    qint64 secondsToPoll() const;
 
     /// Begins the list of a new run.
     void plan(const QList<Step> &steps);
@@ -60,6 +73,8 @@ public:
     /// The run is over. The step that runs ends in that state, and what still waits is skipped. Of several
     /// endings of one run the first counts.
     void finish(StepState state);
+    /// The step that runs has done so much of its work. Without one nothing happens.
+    void advance(const Parts &parts);
     /// The next poll is due in so many seconds.
     void pollIn(double delay, quint64 failures);
     /// The poll that was due begins.

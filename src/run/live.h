@@ -51,6 +51,8 @@ public:
 
     /// The step runs from now on.
     virtual void began(const Step &step) = 0;
+    /// Of the files that the step works on, so many have been begun.
+    virtual void advanced(qsizetype begun, qsizetype all) = 0;
     /// The run has stopped between two steps, because a cancel was pressed, and says no more.
     virtual void stopped() = 0;
     virtual void failed(const Failure &failure) = 0;

@@ -70,7 +70,9 @@ StepResult signMember(Run &run, const QString &item)
 /// Without any test for a cancel between two members: where it finds no tool running, the next one is signed.
 StepResult signAll(Run &run, const QStringList &members)
 {
+    qsizetype begun = 0;
     for (const QString &member : members) {
+        run.progress.advanced(++begun, members.size());
         if (StepResult result = signMember(run, member); !std::holds_alternative<Done>(result))
             return result;
     }

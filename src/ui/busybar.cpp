@@ -1,5 +1,7 @@
 #include "ui/busybar.h"
 
+#include "ui/theme.h"
+
 #include <QPainter>
 
 namespace {
@@ -7,7 +9,8 @@ namespace {
 constexpr int interval = 250; // milliseconds between steps
 constexpr int steps = 8; // from one end to the other
 constexpr int partsOfWidth = 4; // of which the moving piece is one
-constexpr qreal thickness = 8; // pixels
+constexpr qreal thickness = 6; // pixels
+constexpr int mostParts = 1000; // that a bar of known length is divided into
 
 } // namespace
 
@@ -25,6 +28,34 @@ void BusyBar::makeStep()
     update();
 }
 
+void BusyBar::showParts(qint64 done, qint64 all)
+{
+    setRange(0, all > 0 ? mostParts : 0);
+    setValue(all > 0 ? int(double(done) / double(all) * mostParts) : 0);
+    m_timer.setIsWanted(!m_isStill && !isMeasured());
+    update();
+}
+
+void BusyBar::setIsStill(bool isStill)
+{
+    m_isStill = isStill;
+    m_timer.setIsWanted(!m_isStill && !isMeasured());
+    update();
+}
+
+QRectF BusyBar::pieceOf(const QRectF &groove) const
+{
+    QRectF piece = groove;
+    if (isMeasured()) {
+        piece.setWidth(qMax(thickness, groove.width() * value() / maximum()));
+        return piece;
+    }
+    piece.setWidth(groove.width() / partsOfWidth);
+    const int position = m_step <= steps ? m_step : 2 * steps - m_step;
+    piece.moveLeft(position * (groove.width() - piece.width()) / steps);
+    return piece;
+}
+
 void BusyBar::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
@@ -35,10 +66,7 @@ void BusyBar::paintEvent(QPaintEvent *)
         painter.setBrush(colour);
         painter.drawRoundedRect(bar, thickness / 2, thickness / 2);
     };
-    draw(groove, palette().color(QPalette::Midlight).darker(115));
-    QRectF piece = groove;
-    piece.setWidth(groove.width() / partsOfWidth);
-    const int position = m_step <= steps ? m_step : 2 * steps - m_step;
-    piece.moveLeft(position * (groove.width() - piece.width()) / steps);
-    draw(piece, palette().color(QPalette::Highlight));
+    draw(groove, theme::groundOf(theme::Meaning::quiet, palette()).darker(108));
+    if (!m_isStill)
+        draw(pieceOf(groove), theme::colourOf(theme::Meaning::underway, palette()));
 }

@@ -17,5 +17,6 @@ void ElidedLabel::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     const QString shown = fontMetrics().elidedText(text(), Qt::ElideMiddle, contentsRect().width());
-    painter.drawText(contentsRect(), Qt::AlignVCenter | Qt::TextSingleLine, shown);
+    const auto along = int(alignment() & Qt::AlignHorizontal_Mask);
+    painter.drawText(contentsRect(), along | Qt::AlignVCenter | Qt::TextSingleLine, shown);
 }

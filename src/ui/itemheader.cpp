@@ -2,6 +2,7 @@
 
 #include "document/mainwincontroller.h"
 #include "platform/itempath.h"
+#include "run/status.h"
 #include "ui/bindings.h"
 #include "ui/busybar.h"
 #include "ui/elidedlabel.h"
@@ -9,6 +10,8 @@
 #include "ui/itemicon.h"
 #include "ui/keepplace.h"
 #include "ui/named.h"
+#include "ui/progresstext.h"
+#include "ui/statuspill.h"
 
 #include <QBoxLayout>
 #include <QGridLayout>
@@ -20,8 +23,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-const QString widestWord = u"interacting"_s; // of the status words
-constexpr int progressWidth = 140;
+constexpr int charactersOfProgress = 24; // that the bar is as wide as
+constexpr int interval = 1000; // milliseconds between two looks at the time
 constexpr int linesOfIcon = 3; // that it is as tall as
 constexpr qreal itemNameScale = 1.35;
 
@@ -31,11 +34,12 @@ ItemHeader::ItemHeader(MainWinController &document, QWidget *parent)
     : QWidget(parent)
     , m_document(document)
     , m_icon(named(new QLabel(this), u"itemIcon"_s, u"Icon of the item"_s))
-    , m_statusWord(new QLabel(this))
+    , m_statusWord(new StatusPill(this))
+    , m_progressText(named(new ElidedLabel(this), u"progressText"_s, tr("What is going on")))
     , m_facts(named(new ElidedLabel(this), u"itemFacts"_s, u"About the item"_s))
+    , m_seconds(*this, interval, [this] { showProgress(); })
 {
     m_statusWord->setObjectName(u"statusString"_s);
-    m_statusWord->setTextFormat(Qt::PlainText);
     auto *const row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
     row->addWidget(m_icon);
@@ -59,9 +63,7 @@ QWidget *ItemHeader::makeLines()
     grid->addWidget(makeItemName(), 0, 0, 1, 2);
     grid->addWidget(m_statusWord, 1, 0);
     grid->addWidget(m_facts, 1, 1);
-    const QFontMetrics metrics = m_statusWord->fontMetrics();
-    m_statusWord->setMinimumWidth(metrics.horizontalAdvance(widestWord)
-                                  + metrics.averageCharWidth()); // nothing moves
+    grid->setHorizontalSpacing(fontMetrics().averageCharWidth() * 2);
     return lines;
 }
 
@@ -101,13 +103,38 @@ QWidget *ItemHeader::makeItemName()
     return name;
 }
 
-BusyBar *ItemHeader::makeProgress()
+QWidget *ItemHeader::makeProgress()
 {
-    auto *const progress = named(new BusyBar(this), u"progressIndicator"_s, u"Progress"_s);
-    progress->setFixedWidth(progressWidth);
-    keepPlace(*progress);
-    bindings::bind(*progress, m_document.progressIndicator);
-    return progress;
+    auto *const place = new QWidget(this);
+    place->setFixedWidth(fontMetrics().averageCharWidth() * charactersOfProgress);
+    m_progressText->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    m_progress = named(new BusyBar(place), u"progressIndicator"_s, u"Progress"_s);
+    keepPlace(*m_progress);
+    bindings::bind(*m_progress, m_document.progressIndicator);
+    auto *const rows = new QVBoxLayout(place);
+    rows->setContentsMargins(0, 0, 0, 0);
+    rows->setSpacing(2);
+    rows->addWidget(m_progressText);
+    rows->addWidget(m_progress);
+    connect(&m_document.stepList, &Observable::changed, this, &ItemHeader::showProgress);
+    connect(&m_document.progressIndicator, &Control::changed, this, &ItemHeader::showProgress);
+    showProgress();
+    return place;
+}
+
+/// A run that a cancel of an earlier one has stopped keeps its document busy; nothing goes on in it.
+void ItemHeader::showProgress()
+{
+    const StepList &steps = m_document.stepList;
+    const StepList::Row *const row = steps.running();
+    const bool hasStopped = !steps.rows().isEmpty() && !row
+        && steps.rows().first().state != StepState::waiting
+        && m_document.statusString() == status::submitting;
+    m_progressText->setText(m_document.progressIndicator.isAnimating() ? progresstext::present(steps)
+                                                                       : QString());
+    m_progress->showParts(row ? row->parts.done : 0, row ? row->parts.all : 0);
+    m_progress->setIsStill(hasStopped);
+    m_seconds.setIsWanted(steps.wait().has_value());
 }
 
 QPushButton *ItemHeader::makeCancelButton()

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ui/activewindowtimer.h"
+
 #include <QWidget>
 
 class BusyBar;
@@ -20,7 +22,8 @@ public:
 
 private:
     QWidget *makeItemName();
-    BusyBar *makeProgress();
+    QWidget *makeProgress();
+    void showProgress();
     QPushButton *makeCancelButton();
     QWidget *makeLines();
     void showItem();
@@ -28,5 +31,8 @@ private:
     MainWinController &m_document;
     QLabel *m_icon;
     QLabel *m_statusWord;
+    ElidedLabel *m_progressText;
     ElidedLabel *m_facts;
+    BusyBar *m_progress = nullptr;
+    ActiveWindowTimer m_seconds;
 };

@@ -1,5 +1,7 @@
 #include "ui/steplistmodel.h"
 
+#include "ui/progresstext.h"
+
 #include <QFont>
 
 #include <algorithm>
@@ -72,6 +74,8 @@ QVariant StepListModel::data(const QModelIndex &index, int role) const
         return QVariant::fromValue(row.state);
     case durationRole:
         return durationText(row);
+    case partsRole:
+        return partsText(row);
     default:
         return {};
     }
@@ -87,11 +91,21 @@ QString StepListModel::durationText(const StepList::Row &row) const
     return m_steps && row.began.isValid() ? ::durationText(m_steps->duration(row)) : QString();
 }
 
+/// Once a step is done, its time says more.
+QString StepListModel::partsText(const StepList::Row &row) const
+{
+    return m_steps && row.state != StepState::done ? progresstext::parts(row.parts, m_steps->duration(row))
+                                                   : QString();
+}
+
 QString StepListModel::spokenText(const StepList::Row &row) const
 {
-    const QString text = stepName(row.step) + u": "_s + stateName(row.state);
-    const QString duration = durationText(row);
-    return duration.isNull() ? text : text + u", "_s + duration;
+    QStringList texts{stepName(row.step) + u": "_s + stateName(row.state)};
+    for (const QString &more : {partsText(row), durationText(row)}) {
+        if (!more.isEmpty())
+            texts.append(more);
+    }
+    return texts.join(u", "_s);
 }
 
 QModelIndex StepListModel::running() const

@@ -13,7 +13,8 @@ class StepListModel : public QAbstractListModel {
 public:
     enum Role {
         stateRole = Qt::UserRole, ///< a StepState; invalid for the row about the polls
-        durationRole ///< "0:12"; null for a step that has not begun and for the row about the polls
+        durationRole, ///< "0:12"; null for a step that has not begun and for the row about the polls
+        partsRole ///< "12 of 57"; empty where nothing is known
     };
 
     explicit StepListModel(const StepList &steps, QObject *parent = nullptr);
@@ -30,6 +31,7 @@ private:
     void setWaitText(const QString &text);
     bool hasSameSteps() const;
     QString durationText(const StepList::Row &row) const;
+    QString partsText(const StepList::Row &row) const;
     QString spokenText(const StepList::Row &row) const;
     QVariant waitData(int role) const;
 

@@ -33,6 +33,7 @@ StepListView::StepListView(const StepList &steps, QWidget *parent)
     viewport()->setBackgroundRole(QPalette::Window);
     setSelectionMode(NoSelection);
     setEditTriggers(NoEditTriggers);
+    setVerticalScrollMode(ScrollPerPixel);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setWordWrap(true); // so that the rows are laid out anew at another width
     connect(&steps, &Observable::changed, this, [this, &steps] { follow(steps); });

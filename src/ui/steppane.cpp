@@ -1,11 +1,9 @@
 #include "ui/steppane.h"
 
 #include "document/mainwincontroller.h"
-#include "ui/settingrows.h"
 #include "ui/steplistview.h"
 
 #include <QBoxLayout>
-#include <QLabel>
 
 using namespace Qt::StringLiterals;
 
@@ -14,7 +12,6 @@ StepPane::StepPane(MainWinController &document, QWidget *parent)
 {
     auto *const steps = new StepListView(document.stepList, this);
     auto *const rows = new QVBoxLayout(this);
-    rows->setContentsMargins(rows->spacing(), 0, 0, 0); // clear of the handle before it
-    rows->addWidget(settingrows::makeHeading(this, u"Steps"_s, *steps));
+    rows->setContentsMargins(rows->spacing(), rows->spacing(), 0, 0); // clear of the handle before it
     rows->addWidget(steps, 1);
 }

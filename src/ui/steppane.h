@@ -4,7 +4,7 @@
 
 class MainWinController;
 
-/// The steps of a document's run under their caption, to stand beside the log.
+/// The steps of a document's run, to stand beside the log.
 class StepPane : public QWidget {
     Q_OBJECT
 

@@ -1,5 +1,6 @@
 #include "ui/steprowdelegate.h"
 
+#include "ui/runsign.h"
 #include "ui/steplistmodel.h"
 #include "ui/theme.h"
 
@@ -11,7 +12,6 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr qreal dimness = 0.35; // of what has not been done: how much of the background is in its colour
-constexpr qreal signStroke = 0.12; // of the sign's side
 constexpr int tallestRow = 10'000;
 
 QFont bold(QFont font)
@@ -36,7 +36,7 @@ struct RowLayout {
         name.setRight(duration.left() - 1 - (isStep ? gap : 0));
     }
 
-    int margin() const { return metrics.height() / 6; }
+    int margin() const { return metrics.height() / 5; }
 
     QFontMetrics metrics;
     int gap;
@@ -48,6 +48,13 @@ struct RowLayout {
 bool isStep(const QModelIndex &index)
 {
     return index.data(StepListModel::stateRole).isValid();
+}
+
+/// The name, and how much of the work is done.
+QString textOf(const QModelIndex &index)
+{
+    const QString parts = index.data(StepListModel::partsRole).toString();
+    return parts.isEmpty() ? index.data().toString() : index.data().toString() + u" · "_s + parts;
 }
 
 QColor dimmed(const QPalette &palette)
@@ -65,53 +72,30 @@ bool isDim(const QVariant &state)
         && (state.value<StepState>() == StepState::waiting || state.value<StepState>() == StepState::skipped);
 }
 
-QColor colourOf(StepState state, const QPalette &palette, const QColor &otherwise)
+StepState stateOf(const QModelIndex &index)
 {
-    switch (state) {
-    case StepState::running:
-        return theme::colourOf(theme::Meaning::underway, palette);
-    case StepState::done:
-        return theme::colourOf(theme::Meaning::good, palette);
-    case StepState::failed:
-        return theme::colourOf(theme::Meaning::bad, palette);
-    case StepState::cancelled:
-        return theme::colourOf(theme::Meaning::caution, palette);
-    case StepState::waiting:
-    case StepState::skipped:
-        break;
-    }
-    return otherwise;
+    return index.data(StepListModel::stateRole).value<StepState>();
 }
 
-void drawSign(QPainter &painter, const QRectF &place, StepState state, const QPalette &palette)
+/// The line that leads from the step before to this one, and on to the next.
+void drawLine(QPainter &painter, const QRectF &sign, const QRect &row, const QModelIndex &index,
+              const QPalette &palette)
 {
-    const qreal side = place.width();
-    const auto at = [&](qreal x, qreal y) { return place.topLeft() + QPointF(x, y) * side; };
-    const QRectF inner = place.adjusted(side / 6, side / 6, -side / 6, -side / 6);
-    const QColor colour = colourOf(state, palette, painter.pen().color());
-    painter.setPen(QPen(colour, qMax(1.0, side * signStroke), Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-    switch (state) {
-    case StepState::waiting:
-        painter.drawEllipse(inner);
-        break;
-    case StepState::running:
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(colour);
-        painter.drawEllipse(inner);
-        break;
-    case StepState::done:
-        painter.drawPolyline(QPolygonF({at(0.1, 0.55), at(0.38, 0.85), at(0.9, 0.2)}));
-        break;
-    case StepState::failed:
-        painter.drawLine(at(0.17, 0.17), at(0.83, 0.83));
-        painter.drawLine(at(0.17, 0.83), at(0.83, 0.17));
-        break;
-    case StepState::cancelled:
-        painter.drawRect(inner);
-        break;
-    case StepState::skipped:
-        painter.drawLine(at(0.2, 0.5), at(0.8, 0.5));
-        break;
+    const QModelIndex next = index.siblingAtRow(index.row() + 1);
+    const QColor quiet =
+        theme::groundOf(theme::Meaning::quiet, palette).darker(theme::isDark(palette) ? 70 : 115);
+    const auto pen = [&](bool isPassed) {
+        const QColor colour = isPassed ? theme::colourOf(theme::Meaning::good, palette) : quiet;
+        return QPen(colour, qMax(1.0, sign.width() * runsign::stroke));
+    };
+    const QPointF middle(sign.center().x(), 0);
+    if (index.row() > 0) {
+        painter.setPen(pen(runsign::isReached(stateOf(index))));
+        painter.drawLine(middle + QPointF(0, row.top()), middle + QPointF(0, sign.top()));
+    }
+    if (next.isValid() && isStep(next)) {
+        painter.setPen(pen(runsign::isReached(stateOf(next))));
+        painter.drawLine(middle + QPointF(0, sign.bottom()), middle + QPointF(0, row.bottom() + 1));
     }
 }
 
@@ -142,11 +126,15 @@ void StepRowDelegate::paint(QPainter *painter, const QStyleOptionViewItem &optio
     painter->setPen(colour);
     const int leading = QStyle::visualAlignment(option.direction, Qt::AlignLeft) | Qt::AlignTop;
     const int trailing = QStyle::visualAlignment(option.direction, Qt::AlignRight) | Qt::AlignTop;
-    painter->drawText(mirrored(layout.name), leading | Qt::TextWordWrap, index.data().toString());
+    painter->drawText(mirrored(layout.name), leading | Qt::TextWordWrap, textOf(index));
     painter->drawText(mirrored(layout.duration), trailing,
                       index.data(StepListModel::durationRole).toString());
-    if (state.isValid())
-        drawSign(*painter, mirrored(layout.sign), state.value<StepState>(), option.palette);
+    if (state.isValid()) {
+        painter->save();
+        drawLine(*painter, mirrored(layout.sign), option.rect, index, option.palette);
+        painter->restore();
+        runsign::draw(*painter, mirrored(layout.sign), state.value<StepState>(), option.palette);
+    }
     painter->restore();
     if (option.state.testFlag(QStyle::State_HasFocus))
         drawFocus(*painter, option);
@@ -158,7 +146,7 @@ QSize StepRowDelegate::sizeHint(const QStyleOptionViewItem &option, const QModel
     const int width = view ? view->viewport()->width() : option.rect.width();
     const RowLayout layout(option.font, {0, 0, width, tallestRow}, isStep(index));
     const QRect text =
-        layout.metrics.boundingRect(layout.name, Qt::AlignTop | Qt::TextWordWrap, index.data().toString());
+        layout.metrics.boundingRect(layout.name, Qt::AlignTop | Qt::TextWordWrap, textOf(index));
     return {0, text.height() + 2 * layout.margin()}; // the view makes a row as wide as itself
 }
 

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QLabel>
+
+/// A document's status word on a ground in the colour of what it means. Main thread.
+class StatusPill : public QLabel {
+    Q_OBJECT
+
+public:
+    explicit StatusPill(QWidget *parent = nullptr);
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override { return sizeHint(); }
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+};
