@@ -1,19 +1,24 @@
 #include "ui/outcomebanner.h"
 
+#include "app/appdelegate.h"
 #include "document/documentcommands.h"
 #include "document/mainwincontroller.h"
+#include "document/recentwaits.h"
 #include "platform/fileservice.h"
 #include "platform/itempath.h"
 #include "platform/workspace.h"
 #include "run/waits.h"
 #include "run/workingfoldernames.h"
 #include "ui/named.h"
+#include "ui/progresstext.h"
+#include "ui/runsign.h"
 
 #include <QApplication>
 #include <QBoxLayout>
 #include <QClipboard>
 #include <QEvent>
 #include <QLabel>
+#include <QPainter>
 #include <QPushButton>
 
 using namespace Qt::StringLiterals;
@@ -21,6 +26,27 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int edge = 4; // pixels of full colour at the leading end
+constexpr qreal radius = 8; // pixels, of a corner
+constexpr int interval = 1000; // milliseconds
+
+StepState stateOf(RunOutcome::Kind kind)
+{
+    switch (kind) {
+    case RunOutcome::Kind::notarized:
+    case RunOutcome::Kind::isSigned:
+        return StepState::done;
+    case RunOutcome::Kind::refused:
+    case RunOutcome::Kind::failed:
+        return StepState::failed;
+    case RunOutcome::Kind::cancelled:
+        return StepState::cancelled;
+    case RunOutcome::Kind::waiting:
+        return StepState::running;
+    case RunOutcome::Kind::none:
+        break;
+    }
+    return StepState::waiting;
+}
 
 QLabel *makeLabel(QWidget *parent, const QString &name)
 {
@@ -51,30 +77,43 @@ Action actionOf(quint64 lastAction)
 OutcomeBanner::OutcomeBanner(MainWinController &document, QWidget *parent)
     : QFrame(parent)
     , m_document(document)
+    , m_sign(new RunSign(this))
     , m_title(makeLabel(this, u"outcomeTitle"_s))
     , m_sentence(makeLabel(this, u"outcomeSentence"_s))
+    , m_recentWaits(makeLabel(this, u"outcomeRecentWaits"_s))
+    , m_seconds(*this, interval, [this] { follow(); })
 {
     named(this, u"outcomeBanner"_s, u"Outcome"_s);
-    setAutoFillBackground(true);
-    QFont font = m_title->font();
-    font.setBold(true);
-    m_title->setFont(font);
-    m_sentence->setWordWrap(true);
     auto *const row = new QHBoxLayout(this);
-    row->setContentsMargins(edge + row->spacing(), edge, row->spacing(), edge);
-    row->addWidget(m_title);
-    row->addWidget(m_sentence, 1);
+    row->setContentsMargins(2 * edge + row->spacing(), edge + 2, row->spacing() + 2, edge + 2);
+    row->addWidget(m_sign);
+    addTexts(*row);
     m_showInFolder =
         addButton(*row, u"outcomeShowInFolder"_s, u"Show in Folder"_s, &OutcomeBanner::showInFolder);
     m_copyIdentifier =
         addButton(*row, u"outcomeCopyIdentifier"_s, u"Copy Identifier"_s, &OutcomeBanner::copyIdentifier);
     m_goOnWaiting = addButton(*row, u"outcomeGoOnWaiting"_s, u"Go On Waiting"_s, &OutcomeBanner::goOnWaiting);
     m_tryAgain = addButton(*row, u"outcomeTryAgain"_s, u"Try Again"_s, &OutcomeBanner::tryAgain);
+    m_newDocument = addButton(*row, u"outcomeNewDocument"_s, tr("New Document"), &OutcomeBanner::newDocument);
     connect(&document.stepList, &Observable::changed, this, &OutcomeBanner::follow);
-    connect(&document.progressIndicator, &Control::changed, this, &OutcomeBanner::showButtons);
+    connect(&document.progressIndicator, &Control::changed, this, &OutcomeBanner::follow);
     connect(&document.statusTextView, &LogText::appended, this, &OutcomeBanner::heedLog);
     follow();
     setVisible(false);
+}
+
+void OutcomeBanner::addTexts(QBoxLayout &row)
+{
+    QFont font = m_title->font();
+    font.setBold(true);
+    m_title->setFont(font);
+    m_sentence->setWordWrap(true);
+    m_recentWaits->setWordWrap(true);
+    auto *const texts = new QVBoxLayout;
+    texts->setSpacing(1);
+    for (QLabel *const label : {m_title, m_sentence, m_recentWaits})
+        texts->addWidget(label);
+    row.addLayout(texts, 1);
 }
 
 QPushButton *OutcomeBanner::addButton(QBoxLayout &row, const QString &name, const QString &title,
@@ -107,7 +146,25 @@ void OutcomeBanner::follow()
     if (m_document.stepList.running() && !m_document.stepList.wait())
         m_words = {}; // of the run before
     m_words.item = m_document.originalFileName();
-    show(outcomeOf(m_document.stepList, m_words));
+    show(withAdvice(outcomeOf(m_document.stepList, m_words)));
+    m_seconds.setIsWanted(m_outcome.kind == RunOutcome::Kind::cancelled);
+}
+
+/// A cancel that found no tool running outlives its run, and stops the next one of the document.
+RunOutcome OutcomeBanner::withAdvice(RunOutcome outcome) const
+{
+    if (outcome.kind != RunOutcome::Kind::cancelled || !m_document.cancelPressed())
+        return outcome;
+    if (m_document.isBusy()) {
+        outcome.title = tr("This run has stopped");
+        outcome.sentence =
+            tr("The cancel before it has stopped it at its beginning, and nothing goes on here. "
+               "Close this document, and go on in a new one.");
+    } else {
+        outcome.sentence +=
+            u' ' + tr("Go on in a new document: this one stops its next run at its beginning.");
+    }
+    return outcome;
 }
 
 void OutcomeBanner::show(const RunOutcome &outcome)
@@ -116,7 +173,12 @@ void OutcomeBanner::show(const RunOutcome &outcome)
         return;
     m_outcome = outcome;
     m_title->setText(outcome.title);
-    m_sentence->setText(outcome.sentence);
+    m_sentence->setText(outcome.sentence.trimmed());
+    m_sentence->setVisible(!outcome.sentence.trimmed().isEmpty());
+    const bool isWaiting = outcome.kind == RunOutcome::Kind::waiting;
+    const QString waits = progresstext::recentWaits(recentwaits::range(m_document.host().preferences));
+    m_recentWaits->setText(isWaiting ? waits : QString());
+    m_recentWaits->setVisible(isWaiting && !waits.isEmpty());
     setAccessibleDescription(outcome.title + u". "_s + outcome.sentence);
     colour();
     showButtons();
@@ -127,14 +189,26 @@ void OutcomeBanner::colour()
 {
     const QPalette base = QApplication::palette(this);
     const theme::Meaning meaning = meaningOf(m_outcome.kind);
-    QPalette own;
-    own.setColor(QPalette::Window, theme::groundOf(meaning, base));
-    setPalette(own);
+    m_sign->showState(stateOf(m_outcome.kind));
+    update();
     QPalette title;
     title.setColor(
         QPalette::WindowText,
         theme::readable(theme::colourOf(meaning, base), theme::groundOf(meaning, base), theme::leastOfText));
     m_title->setPalette(title);
+}
+
+void OutcomeBanner::paintEvent(QPaintEvent *)
+{
+    const theme::Meaning meaning = meaningOf(m_outcome.kind);
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(theme::groundOf(meaning, palette()));
+    painter.drawRoundedRect(QRectF(rect()), radius, radius);
+    painter.setClipRect(QRect(0, 0, edge, height()));
+    painter.setBrush(theme::colourOf(meaning, palette()));
+    painter.drawRoundedRect(QRectF(rect()), radius, radius);
 }
 
 void OutcomeBanner::changeEvent(QEvent *event)
@@ -150,10 +224,12 @@ void OutcomeBanner::showButtons()
     const bool canRepeat = actionOf(m_document.lastAction()) != Action::none;
     const bool hasGoneWrong = m_outcome.kind == RunOutcome::Kind::failed
         || m_outcome.kind == RunOutcome::Kind::refused || m_outcome.kind == RunOutcome::Kind::cancelled;
+    const bool stopsNextRun = m_outcome.kind == RunOutcome::Kind::cancelled && m_document.cancelPressed();
+    m_newDocument->setVisible(stopsNextRun);
     m_showInFolder->setVisible(m_document.host().files.isReachable(folder()));
     m_copyIdentifier->setVisible(!identifier().isEmpty());
     m_goOnWaiting->setVisible(isOver && hasGoneWrong && waits::isFolderOfOne(m_document.host(), folder()));
-    m_tryAgain->setVisible(isOver && canRepeat && hasGoneWrong);
+    m_tryAgain->setVisible(isOver && canRepeat && hasGoneWrong && !stopsNextRun);
 }
 
 QString OutcomeBanner::folder() const
@@ -167,6 +243,12 @@ QString OutcomeBanner::identifier() const
     const auto text = m_document.host().files.readFile(
         itempath::appending(folder(), workingfolder::requestUUIDName.toString()));
     return text ? QString::fromUtf8(*text).trimmed() : QString();
+}
+
+void OutcomeBanner::newDocument()
+{
+    constexpr int asTheDesktopLikes = 0;
+    m_document.appDelegate().newDocument(asTheDesktopLikes);
 }
 
 void OutcomeBanner::showInFolder()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "document/controls.h"
+#include "ui/activewindowtimer.h"
 #include "ui/outcome.h"
 
 #include <QFrame>
@@ -10,6 +11,7 @@ class MainWinController;
 class QBoxLayout;
 class QLabel;
 class QPushButton;
+class RunSign;
 
 /// Says how the latest run has ended, or that it waits, in the colour of that, with what one may want to do
 /// next. It stays until the next run begins. Main thread.
@@ -19,11 +21,13 @@ class OutcomeBanner : public QFrame {
 public:
     explicit OutcomeBanner(MainWinController &document, QWidget *parent = nullptr);
 
+    const RunOutcome &outcome() const { return m_outcome; }
     /// What the sheet says that comes up now is the reason of whatever ends now.
     void heedSheet(const platform::Alert &alert);
 
 protected:
     void changeEvent(QEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
 
 private:
     QPushButton *addButton(QBoxLayout &row, const QString &name, const QString &title,
@@ -33,6 +37,9 @@ private:
     void show(const RunOutcome &outcome);
     void colour();
     void showButtons();
+    void addTexts(QBoxLayout &row);
+    RunOutcome withAdvice(RunOutcome outcome) const;
+    void newDocument();
     void showInFolder();
     void copyIdentifier();
     void goOnWaiting();
@@ -43,10 +50,14 @@ private:
     MainWinController &m_document;
     RunOutcome m_outcome;
     LastWords m_words;
+    RunSign *m_sign;
     QLabel *m_title;
     QLabel *m_sentence;
+    QLabel *m_recentWaits;
+    ActiveWindowTimer m_seconds; ///< for a cancel that is taken back a moment later, which nobody tells
     QPushButton *m_showInFolder = nullptr;
     QPushButton *m_copyIdentifier = nullptr;
     QPushButton *m_goOnWaiting = nullptr;
     QPushButton *m_tryAgain = nullptr;
+    QPushButton *m_newDocument = nullptr;
 };
