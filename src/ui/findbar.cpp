@@ -24,6 +24,15 @@ QToolButton *makeButton(QWidget *parent, const QString &text, const QString &nam
     return button;
 }
 
+/// The button within the field has neither name nor text of its own.
+void nameClearButton(const QLineEdit &field)
+{
+    for (auto *const button : field.findChildren<QToolButton *>()) {
+        button->setAccessibleName(FindBar::tr("Clear"));
+        button->setToolTip(FindBar::tr("Empties the field"));
+    }
+}
+
 } // namespace
 
 FindBar::FindBar(QPlainTextEdit &text, QWidget *parent)
@@ -34,6 +43,7 @@ FindBar::FindBar(QPlainTextEdit &text, QWidget *parent)
 {
     m_words->setPlaceholderText(u"Find in log"_s);
     m_words->setClearButtonEnabled(true);
+    nameClearButton(*m_words);
     m_words->setAcceptDrops(false);
     m_result->setObjectName(u"findResult"_s);
     auto *const previous =
@@ -118,6 +128,8 @@ void FindBar::find(Direction direction)
 void FindBar::tell(bool isFound)
 {
     m_result->setText(isFound ? placeText() : u"Not found"_s);
+    if (isFound)
+        Q_EMIT found();
 }
 
 /// "3 of 12": the place that is selected, among all. Beyond so many, only that there are more.

@@ -21,6 +21,10 @@ public:
     void findNext();
     void findPrevious();
 
+Q_SIGNALS:
+    /// The text's selection is a place that has been found.
+    void found();
+
 protected:
     void keyPressEvent(QKeyEvent *event) override;
 

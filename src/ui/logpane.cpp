@@ -5,9 +5,11 @@
 #include "ui/logview.h"
 #include "ui/named.h"
 #include "ui/settingrows.h"
+#include "ui/toplevel.h"
 
 #include <QBoxLayout>
 #include <QCheckBox>
+#include <QComboBox>
 #include <QLabel>
 #include <QToolButton>
 
@@ -15,7 +17,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int leastLogLines = 4;
+constexpr int leastLogLines = 8;
 
 } // namespace
 
@@ -32,7 +34,7 @@ LogPane::LogPane(MainWinController &document, QWidget *parent)
     };
     connect(&document.submitAppButton, &Control::changed, m_log, showHint);
     showHint();
-    m_log->setMinimumHeight(leastLogLines * m_log->fontMetrics().lineSpacing());
+    m_log->setMinimumHeight(m_log->heightOfLines(leastLogLines));
     auto *const rows = new QVBoxLayout(this);
     rows->setContentsMargins(0, 0, 0, 0);
     addCaption(*rows);
@@ -44,12 +46,31 @@ void LogPane::addCaption(QBoxLayout &rows)
 {
     auto *const row = new QHBoxLayout;
     row->addWidget(settingrows::makeHeading(this, u"Lo&g"_s, *m_log));
+    row->addWidget(makeFilter());
     row->addStretch(1);
     row->addWidget(settingrows::makeCheckbox(
         this, m_document,
         {&DocumentControls::dontClearCheckbox, u"dontClearCheckbox"_s, u"&Keep log between runs"_s, {}}));
     row->addWidget(makeClearButton());
     rows.addLayout(row);
+}
+
+QWidget *LogPane::makeFilter()
+{
+    auto *const filter = named(new QComboBox(this), u"logFilterPopup"_s, tr("Show in the log"));
+    filter->setToolTip(tr("Which lines are in sight; the log keeps all of them"));
+    filter->addItem(tr("All"), QVariant::fromValue(int(LogFilter::all)));
+    filter->addItem(tr("Steps"), QVariant::fromValue(int(LogFilter::steps)));
+    filter->addItem(tr("Errors"), QVariant::fromValue(int(LogFilter::errors)));
+    toplevel::leaveTheWheelToScrolling(*filter);
+    connect(filter, &QComboBox::currentIndexChanged, m_log,
+            [this, filter] { m_log->setFilter(static_cast<LogFilter>(filter->currentData().toInt())); });
+    // Who looks for something that is hidden gets it shown.
+    connect(m_findBar, &FindBar::found, m_log, [this, filter] {
+        m_log->revealCursor();
+        filter->setCurrentIndex(filter->findData(int(m_log->filter())));
+    });
+    return filter;
 }
 
 QWidget *LogPane::makeClearButton()

@@ -7,7 +7,8 @@ class LogView;
 class MainWinController;
 class QBoxLayout;
 
-/// A document's log with what belongs to it: its caption, whether it is kept, clearing it and searching it.
+/// A document's log with what belongs to it: its caption, what of it is shown, whether it is kept, clearing
+/// it and searching it.
 class LogPane : public QWidget {
     Q_OBJECT
 
@@ -19,6 +20,7 @@ public:
 
 private:
     void addCaption(QBoxLayout &rows);
+    QWidget *makeFilter();
     QWidget *makeClearButton();
 
     MainWinController &m_document;

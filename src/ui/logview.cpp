@@ -3,10 +3,13 @@
 #include "ui/outcome.h"
 #include "ui/theme.h"
 
-#include <QEvent>
+#include <QContextMenuEvent>
 #include <QFontDatabase>
+#include <QMenu>
+#include <QPainter>
 #include <QScrollBar>
 #include <QTextBlock>
+#include <QtMath>
 
 #include <memory>
 
@@ -14,7 +17,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int darkest = 128; // of the lightness of a dark background
+constexpr qreal foldMargin = 8; // pixels, beside what says that there is more
 constexpr int meaningProperty = QTextFormat::UserProperty;
 constexpr int timeMeaning = 1;
 
@@ -51,16 +54,23 @@ LogView::LogView(const LogText &log, QWidget *parent)
         append(run);
     connect(&log, &LogText::appended, this, &LogView::append);
     connect(&log, &LogText::cleared, this, &QPlainTextEdit::clear);
+    connect(&m_folds, &LogFolds::changed, this, [this] {
+        viewport()->update();
+        if (m_folds.isSettled() && std::exchange(m_isRevealing, false))
+            ensureCursorVisible();
+    });
 }
 
 void LogView::append(const LogText::Run &run)
 {
     QTextCursor end(document()); // one of its own: the reader keeps the selection
     end.movePosition(QTextCursor::End);
+    const int firstBlock = document()->blockCount() - 1;
     const qsizetype time = lengthOfTime(run.text);
     if (time > 0)
         end.insertText(run.text.left(time), formatOfTime(run));
     end.insertText(shown(run.text.mid(time)), formatFor(run));
+    m_folds.addEntry(firstBlock, run.style);
     scrollToEndSoon();
 }
 
@@ -73,6 +83,108 @@ void LogView::scrollToEndSoon()
         verticalScrollBar()->setValue(verticalScrollBar()->maximum());
     };
     QMetaObject::invokeMethod(this, scroll, Qt::QueuedConnection);
+}
+
+// Folded entries
+
+QString LogView::textOfFold(const QTextBlock &head)
+{
+    const int lines = LogFolds::linesBehind(head);
+    return LogFolds::isFolded(head) ? tr("▸ %n more line(s)", nullptr, lines).arg(lines) : tr("▾ Fold");
+}
+
+/// Behind the first line, or at its end where that is as wide as the view.
+QRectF LogView::placeOfFold(const QTextBlock &head) const
+{
+    const QRectF block = blockBoundingGeometry(head).translated(contentOffset());
+    const QTextLine line = head.layout()->lineAt(head.layout()->lineCount() - 1);
+    const QSizeF size(fontMetrics().horizontalAdvance(textOfFold(head)) + 2 * foldMargin,
+                      fontMetrics().height());
+    const qreal farthest = viewport()->width() - size.width() - foldMargin;
+    const qreal left = qMin(block.left() + line.naturalTextRect().right() + 2 * foldMargin, farthest);
+    return {QPointF(left, block.bottom() - (line.height() + size.height()) / 2), size};
+}
+
+void LogView::drawFold(QPainter &painter, const QTextBlock &head) const
+{
+    const QRectF place = placeOfFold(head);
+    const QColor ground = theme::groundOf(theme::Meaning::underway, palette());
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(ground);
+    painter.drawRoundedRect(place, place.height() / 2, place.height() / 2);
+    painter.setPen(
+        theme::readable(theme::colourOf(theme::Meaning::underway, palette()), ground, theme::leastOfText));
+    painter.drawText(place, Qt::AlignCenter, textOfFold(head));
+}
+
+void LogView::paintEvent(QPaintEvent *event)
+{
+    QPlainTextEdit::paintEvent(event);
+    QPainter painter(viewport());
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setFont(font());
+    const qreal bottom = viewport()->height();
+    for (QTextBlock block = firstVisibleBlock(); block.isValid(); block = block.next()) {
+        if (!block.isVisible())
+            continue;
+        if (blockBoundingGeometry(block).translated(contentOffset()).top() > bottom)
+            break;
+        if (LogFolds::linesBehind(block) > 0)
+            drawFold(painter, block);
+    }
+}
+
+QTextBlock LogView::foldAt(QPointF position) const
+{
+    const QTextBlock head = LogFolds::headOf(cursorForPosition(position.toPoint()).block());
+    const bool isThere =
+        LogFolds::linesBehind(head) > 0 && head.isVisible() && placeOfFold(head).contains(position);
+    return isThere ? head : QTextBlock();
+}
+
+void LogView::mouseReleaseEvent(QMouseEvent *event)
+{
+    const QTextBlock head = foldAt(event->position());
+    QPlainTextEdit::mouseReleaseEvent(event);
+    if (head.isValid() && event->button() == Qt::LeftButton && !textCursor().hasSelection())
+        m_folds.toggle(head);
+}
+
+void LogView::keyPressEvent(QKeyEvent *event)
+{
+    const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    const QTextBlock head = LogFolds::headOf(textCursor().block());
+    if (isReturn && !event->modifiers() && LogFolds::linesBehind(head) > 0)
+        m_folds.toggle(head);
+    else
+        QPlainTextEdit::keyPressEvent(event);
+}
+
+void LogView::contextMenuEvent(QContextMenuEvent *event)
+{
+    const std::unique_ptr<QMenu> menu(createStandardContextMenu(event->pos()));
+    const QTextBlock head = LogFolds::headOf(cursorForPosition(event->pos()).block());
+    if (LogFolds::linesBehind(head) > 0) {
+        menu->addSeparator();
+        menu->addAction(LogFolds::isFolded(head) ? tr("Show All of This Entry") : tr("Fold This Entry"), this,
+                        [this, head] { m_folds.toggle(head); });
+    }
+    menu->exec(event->globalPos());
+}
+
+int LogView::heightOfLines(int lines) const
+{
+    constexpr int pointSize = 12;
+    const QFontMetricsF metrics(QFont(m_fontFamily, pointSize));
+    return qCeil(lines * metrics.lineSpacing() + 2 * document()->documentMargin()) + 2 * frameWidth();
+}
+
+void LogView::revealCursor()
+{
+    if (textCursor().block().isVisible())
+        return;
+    m_isRevealing = true;
+    m_folds.reveal(textCursor().block());
 }
 
 void LogView::changeEvent(QEvent *event)
@@ -152,6 +264,5 @@ QColor LogView::grey() const
 
 QColor LogView::red() const
 {
-    const bool isDark = palette().color(QPalette::Base).lightness() < darkest;
-    return isDark ? QColor(0xff, 0x6b, 0x61) : QColor(0xc0, 0x1c, 0x28);
+    return theme::colourOf(theme::Meaning::bad, palette());
 }

@@ -48,6 +48,10 @@ void MainMenu::addFileMenu()
     file.addSeparator();
     addCloseItems(file);
     file.addSeparator();
+    addItem(file, tr("Sa&ve Log As…"), QKeySequence(u"Ctrl+S"_s), [this] {
+        if (!m_frame.selected().hasSheet())
+            m_frame.selected().saveLog();
+    });
     addCommand(file, u"Page Set&up…"_s, QKeySequence(u"Ctrl+Shift+P"_s), Action::doRunPageLayout);
     addCommand(file, u"&Print Log…"_s, QKeySequence(u"Ctrl+P"_s), Action::doPrint);
     file.addSeparator();

@@ -1,6 +1,8 @@
 #include "ui/widgetwindow.h"
 
+#include "document/mainwincontroller.h"
 #include "document/providersheet.h"
+#include "platform/fileservice.h"
 #include "ui/alertbox.h"
 #include "ui/framewindow.h"
 #include "ui/itempanel.h"
@@ -10,6 +12,7 @@
 #include "ui/windoworder.h"
 
 #include <QApplication>
+#include <QFileDialog>
 #include <QInputMethod>
 #include <QPrintDialog>
 #include <QPrinter>
@@ -17,6 +20,8 @@
 
 #include <algorithm>
 #include <limits>
+
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -222,4 +227,30 @@ void WidgetWindow::printLog()
         if (dialog->result() == QDialog::Accepted)
             m_page.printLog(*dialog->printer());
     });
+}
+
+void WidgetWindow::saveLog()
+{
+    if (m_isClosed)
+        return;
+    auto *const dialog = new QFileDialog(&m_page, QCoreApplication::translate("WidgetWindow", "Save Log As"),
+                                         m_panelFolder.path());
+    dialog->setObjectName(u"saveLogPanel"_s);
+    dialog->setOption(QFileDialog::DontUseNativeDialog);
+    dialog->setAcceptMode(QFileDialog::AcceptSave);
+    dialog->setDefaultSuffix(u"txt"_s);
+    dialog->selectFile(QString(title()).replace(u'/', u'-') + u" log.txt"_s);
+    m_sheets.begin(dialog, [this, dialog] {
+        if (dialog->result() == QDialog::Accepted && !dialog->selectedFiles().isEmpty())
+            writeLog(dialog->selectedFiles().first());
+    });
+}
+
+void WidgetWindow::writeLog(const QString &path)
+{
+    const QString text = m_document.statusTextView.string();
+    const auto written = m_document.host().files.writeFileAtomically(path, text.toUtf8());
+    if (!written)
+        beginSheet({QCoreApplication::translate("WidgetWindow", "The log is not saved"), written.error(), {}},
+                   [](int) {});
 }

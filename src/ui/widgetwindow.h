@@ -43,6 +43,8 @@ public:
     void beginOpenPanel(const platform::OpenPanel &panel,
                         std::function<void(const QUrl &)> completion) override;
     void printLog() override;
+    /// Asks where to, and writes the text of the log there, all of it whatever is in sight.
+    void saveLog();
     void setDelegate(Delegate delegate) override { m_delegate = std::move(delegate); }
 
     bool hasSheet() const { return !m_sheets.isEmpty(); }
@@ -50,6 +52,7 @@ public:
     QDialog *sheet() const { return m_sheets.current(); }
     const Sheets &sheets() const { return m_sheets; }
     DocumentPage &page() { return m_page; }
+    const DocumentPage &page() const { return m_page; }
     /// The frame that the page is in.
     FrameWindow *frameWindow() const;
     /// The same as a widget.
@@ -57,6 +60,7 @@ public:
 
 private:
     void insistOnSheet();
+    void writeLog(const QString &path);
     QRect place() const;
     void setPlace(const QRect &place);
 
