@@ -1,6 +1,7 @@
 #include "app/desktophost.h"
 #include "commit.h"
 #include "scripting/dbus/scriptingbus.h"
+#include "ui/launcherentry.h"
 
 #include <QApplication>
 #include <QIcon>
@@ -68,6 +69,7 @@ int runDesktopApplication()
     AppDelegate &delegate =
         *new AppDelegate(host.services(), host.windowFactory(), host.configurationWithPrograms());
     ScriptingBus bus(delegate);
+    const LauncherEntry launcher(delegate, QDBusConnection::sessionBus());
     host.application().setPendingOpens([&bus] { bus.takeArrivedCalls(); });
     const int status = takeTheBus(bus) ? launchAndRun(delegate, bus) : EXIT_SUCCESS;
     host.removeTemporaryItems();

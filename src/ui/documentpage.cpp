@@ -12,6 +12,7 @@
 #include "ui/logpane.h"
 #include "ui/logview.h"
 #include "ui/outcomebanner.h"
+#include "ui/progresstext.h"
 #include "ui/settingspane.h"
 #include "ui/sidepane.h"
 #include "ui/waitingbanner.h"
@@ -64,6 +65,7 @@ DocumentPage::DocumentPage(MainWinController &document)
     rows->addWidget(makeParts(), 1);
     rows->addWidget(m_commands);
     setStatusWord(document.statusString());
+    connect(&document.stepList, &Observable::changed, this, &DocumentPage::progressed); // after the banner
     findChild<QWidget *>(u"appleIDField"_s)->setFocus();
 }
 
@@ -106,6 +108,31 @@ void DocumentPage::pressPrimaryButton()
 void DocumentPage::setStatusWord(const QString &word)
 {
     m_header->setStatusWord(word);
+}
+
+std::optional<StepState> DocumentPage::runState() const
+{
+    const StepList &steps = m_document.stepList;
+    if (steps.running())
+        return StepState::running;
+    switch (m_banner->outcome().kind) {
+    case RunOutcome::Kind::notarized:
+    case RunOutcome::Kind::isSigned:
+        return StepState::done;
+    case RunOutcome::Kind::refused:
+    case RunOutcome::Kind::failed:
+        return StepState::failed;
+    case RunOutcome::Kind::cancelled:
+        return StepState::cancelled;
+    default:
+        return std::nullopt;
+    }
+}
+
+QString DocumentPage::progress() const
+{
+    const QString present = progresstext::present(m_document.stepList);
+    return present.isEmpty() && runState() ? m_banner->outcome().title : present;
 }
 
 void DocumentPage::rememberFocus()

@@ -1,7 +1,11 @@
 #pragma once
 
+#include "document/steplist.h"
+
 #include <QPointer>
 #include <QWidget>
+
+#include <optional>
 
 class CommandBar;
 class FindBar;
@@ -22,6 +26,10 @@ public:
 
     MainWinController &document() const { return m_document; }
     void setStatusWord(const QString &word);
+    /// How the latest run stands: that of the step that runs, or of its end. Nothing before the first run.
+    std::optional<StepState> runState() const;
+    /// What goes on, or how it has ended, in few words; empty before the first run.
+    QString progress() const;
     /// What names the item and holds the cancel.
     QWidget &header() const;
     /// What tells of the latest run.
@@ -36,6 +44,10 @@ public:
     void restoreFocus();
     /// Puts the text of the log on paper, as it looks here.
     void printLog(QPagedPaintDevice &paper) const;
+
+Q_SIGNALS:
+    /// The run has come further, or has ended.
+    void progressed();
 
 protected:
     void dragEnterEvent(QDragEnterEvent *event) override;

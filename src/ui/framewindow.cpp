@@ -2,6 +2,7 @@
 
 #include "ui/mainmenu.h"
 #include "ui/mnemonic.h"
+#include "ui/runsign.h"
 #include "ui/tabbar.h"
 #include "ui/toplevel.h"
 #include "ui/widgetwindow.h"
@@ -12,6 +13,7 @@
 #include <QMenuBar>
 #include <QScreen>
 #include <QStyle>
+#include <QWindow>
 
 #include <algorithm>
 
@@ -173,8 +175,10 @@ void FrameWindow::comeToFront()
 
 void FrameWindow::follow(WidgetWindow &window)
 {
-    connect(&window.page(), &QWidget::windowTitleChanged, this, &FrameWindow::showTabs);
-    connect(&window.sheets(), &Sheets::changed, this, &FrameWindow::showTabs);
+    const auto show = [this, &window] { showTab(int(m_windows.indexOf(&window))); };
+    connect(&window.page(), &QWidget::windowTitleChanged, this, show);
+    connect(&window.sheets(), &Sheets::changed, this, show);
+    connect(&window.page(), &DocumentPage::progressed, this, show);
 }
 
 void FrameWindow::showTabs()
@@ -183,19 +187,63 @@ void FrameWindow::showTabs()
         showTab(index);
 }
 
-/// A sheet hides with its page; the tab says that there is one.
+QString FrameWindow::describe(const WidgetWindow &window, bool isOnShow) const
+{
+    const QString progress = window.page().progress();
+    if (window.hasSheet() && !isOnShow)
+        return tr("%1 – waits for an answer").arg(window.title());
+    return progress.isEmpty() ? window.title() : tr("%1 – %2").arg(window.title(), progress);
+}
+
+/// A sheet hides with its page; the tab says that there is one, or else how the run stands.
+QIcon FrameWindow::signOf(const WidgetWindow &window, bool isOnShow) const
+{
+    if (window.hasSheet() && !isOnShow)
+        return style()->standardIcon(QStyle::SP_MessageBoxQuestion);
+    const auto state = window.page().runState();
+    const int side = style()->pixelMetric(QStyle::PM_TabBarIconSize, nullptr, m_tabs);
+    return state ? QIcon(runsign::pixmap(*state, palette(), side, devicePixelRatioF())) : QIcon();
+}
+
+/// What is as it was is left alone: each change lays out all tabs.
 void FrameWindow::showTab(int index)
 {
+    if (index < 0)
+        return;
     const WidgetWindow &window = *m_windows.at(index);
     const bool isOnShow = index == m_tabs->currentIndex();
+    const QString description = describe(window, isOnShow);
+    if (const QString text = withoutMnemonic(window.title()); m_tabs->tabText(index) != text)
+        m_tabs->setTabText(index, text);
+    showSign(index, window, isOnShow);
+    if (m_tabs->tabToolTip(index) != description) {
+        m_tabs->setTabToolTip(index, description);
+        m_tabs->tabs().setAccessibleTabName(index, description);
+    }
+    if (!isOnShow)
+        return;
+    setWindowTitle(window.title().replace(u"[*]"_s, u"[*][*]"_s)); // which would stand for a mark
+    if (windowHandle()) // for the desktop's list of windows; the title itself stays the document's
+        windowHandle()->setTitle(description);
+}
+
+void FrameWindow::showSign(int index, const WidgetWindow &window, bool isOnShow)
+{
     const bool waits = window.hasSheet() && !isOnShow;
-    const QString description = waits ? window.title() + u" – waits for an answer"_s : window.title();
-    m_tabs->setTabText(index, withoutMnemonic(window.title()));
-    m_tabs->setTabIcon(index, waits ? style()->standardIcon(QStyle::SP_MessageBoxQuestion) : QIcon());
-    m_tabs->setTabToolTip(index, description);
-    m_tabs->tabs().setAccessibleTabName(index, description);
-    if (isOnShow)
-        setWindowTitle(window.title().replace(u"[*]"_s, u"[*][*]"_s)); // which would stand for a mark
+    const auto state = window.page().runState();
+    const QString sign = waits ? u"question"_s : state ? stateName(*state) : QString();
+    if (m_tabs->tabs().tabData(index).toString() == sign)
+        return;
+    m_tabs->tabs().setTabData(index, sign);
+    m_tabs->setTabIcon(index, signOf(window, isOnShow));
+}
+
+void FrameWindow::drawSignsAnew()
+{
+    for (int index = 0; index < count(); ++index) {
+        m_tabs->tabs().setTabData(index, {});
+        showTab(index);
+    }
 }
 
 void FrameWindow::restoreFocus()
@@ -214,6 +262,8 @@ void FrameWindow::closeEvent(QCloseEvent *event)
 void FrameWindow::changeEvent(QEvent *event)
 {
     QMainWindow::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange)
+        drawSignsAnew();
     if (event->type() == QEvent::ActivationChange && isActiveWindow() && m_order.contains(*this))
         m_order.bringToFront(*this);
 }

@@ -59,6 +59,10 @@ private:
     void follow(WidgetWindow &window);
     void showTabs();
     void showTab(int index);
+    void showSign(int index, const WidgetWindow &window, bool isOnShow);
+    void drawSignsAnew();
+    QString describe(const WidgetWindow &window, bool isOnShow) const;
+    QIcon signOf(const WidgetWindow &window, bool isOnShow) const;
     void restoreFocus();
     bool takesTabsAt(QPoint globalPosition) const;
     qsizetype placeAt(QPoint globalPosition) const;

@@ -2,9 +2,35 @@
 
 #include <QApplication>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QMouseEvent>
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int widthOfPicture = 280; // pixels
+constexpr QPoint besidePointer{12, 12};
+constexpr qreal opacity = 0.85;
+
+/// The page that shows, made small, in a window that takes no input.
+QLabel *makePicture(const TabBar &tabs)
+{
+    const auto *const pages = qobject_cast<const QTabWidget *>(tabs.parentWidget());
+    QWidget *const page = pages ? pages->currentWidget() : nullptr;
+    if (!page)
+        return nullptr;
+    auto *const picture =
+        new QLabel(nullptr, Qt::ToolTip | Qt::FramelessWindowHint | Qt::WindowTransparentForInput);
+    picture->setObjectName(u"draggedTab"_s);
+    picture->setAttribute(Qt::WA_ShowWithoutActivating);
+    picture->setFrameShape(QFrame::StyledPanel);
+    picture->setWindowOpacity(opacity);
+    picture->setPixmap(page->grab().scaledToWidth(widthOfPicture, Qt::SmoothTransformation));
+    return picture;
+}
+
+} // namespace
 
 TabBar::TabBar(QWidget *parent)
     : QTabBar(parent)
@@ -34,7 +60,9 @@ void TabBar::mouseMoveEvent(QMouseEvent *event)
 {
     if (m_isTabPressed && !m_isDraggingOut && isOffTheBar(event->position().toPoint()))
         beginDraggingOut(*event);
-    if (!m_isDraggingOut)
+    if (m_isDraggingOut)
+        showPicture(event->globalPosition().toPoint());
+    else
         QTabBar::mouseMoveEvent(event);
 }
 
@@ -70,14 +98,24 @@ void TabBar::beginDraggingOut(const QMouseEvent &event)
                         Qt::NoButton, event.modifiers());
     QTabBar::mouseReleaseEvent(&release);
     setCursor(Qt::DragMoveCursor);
+    m_picture = makePicture(*this);
     grabKeyboard(); // for Escape
 }
 
 void TabBar::endDraggingOut()
 {
     m_isDraggingOut = false;
+    delete m_picture;
     releaseKeyboard();
     unsetCursor();
+}
+
+void TabBar::showPicture(QPoint globalPosition)
+{
+    if (!m_picture)
+        return;
+    m_picture->move(globalPosition + besidePointer);
+    m_picture->show();
 }
 
 TabWidget::TabWidget(QWidget *parent)

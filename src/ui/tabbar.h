@@ -1,9 +1,13 @@
 #pragma once
 
+#include <QPointer>
 #include <QTabBar>
 #include <QTabWidget>
 
-/// Tabs that can be moved along the bar and, by dragging them off it, out of it.
+class QLabel;
+
+/// Tabs that can be moved along the bar and, by dragging them off it, out of it. What is dragged out is seen
+/// beside the pointer.
 class TabBar : public QTabBar {
     Q_OBJECT
 
@@ -27,9 +31,11 @@ private:
     bool isOffTheBar(QPoint position) const;
     void beginDraggingOut(const QMouseEvent &event);
     void endDraggingOut();
+    void showPicture(QPoint globalPosition);
 
     bool m_isTabPressed = false;
     bool m_isDraggingOut = false;
+    QPointer<QLabel> m_picture; ///< of the page that is dragged out, while it is
 };
 
 /// Pages with such tabs. One page alone has no tab.

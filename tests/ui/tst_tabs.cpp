@@ -605,3 +605,23 @@ TEST_F(Tabs, theFocusIsWhereItWasInEachTab)
     press(frame(), Qt::Key_PageUp, Qt::ControlModifier);
     EXPECT_EQ(QApplication::focusWidget(), &field);
 }
+
+TEST_F(Tabs, aTabThatIsDraggedOutHasAPictureOfItselfBesideThePointer)
+{
+    const auto picture = [] {
+        for (QWidget *const top : QApplication::topLevelWidgets()) {
+            if (top->objectName() == "draggedTab"_L1)
+                return top;
+        }
+        return static_cast<QWidget *>(nullptr);
+    };
+    openTwoMore();
+    EXPECT_FALSE(picture());
+    const QPoint away(200, 300);
+    drag(frame(), 1, away);
+    ASSERT_TRUE(picture());
+    EXPECT_TRUE(picture()->isVisible());
+    EXPECT_FALSE(picture()->isActiveWindow());
+    letGo(frame(), away);
+    EXPECT_FALSE(picture());
+}
