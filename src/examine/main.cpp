@@ -1,5 +1,6 @@
 #include "examine/comparison.h"
 #include "examine/examiner.h"
+#include "support/confinement.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -93,6 +94,8 @@ int main(int argc, char **argv)
     if (parser.isSet(u"version"_s))
         return print("sealwright-examine " SEALWRIGHT_VERSION "\n", nothingRefused);
     const QStringList operands = parser.positionalArguments();
+    const toolchain::ReaderConfinement confinement;
+    confinement.tellComplaint("sealwright-examine");
     if (parser.isSet(u"compare"_s))
         return operands.size() == 2 ? compareTwo(operands[0], operands[1])
                                     : fail(wrongUse, u"two PATHs are needed."_s);

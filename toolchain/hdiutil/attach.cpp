@@ -4,13 +4,16 @@
 #include "formats/hfsplus/volumecopy.h"
 #include "formats/imagevolume.h"
 #include "hdiutil/attachedimages.h"
+#include "support/confinement.h"
 #include "support/console.h"
 #include "support/wholefile.h"
 
+#include <QFile>
 #include <QUuid>
 #include <QVariantMap>
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <cstring>
@@ -74,6 +77,53 @@ fs::path mountPointFor(const ParsedArguments &arguments, const AttachedImages &i
             / ("dmg." + QUuid::createUuid().toString(QUuid::Id128).left(6).toStdString());
     return freePath(images.volumesFolder(), plainName);
 }
+
+/// The folder that a person has chosen for the volume, or for its folder; empty if none is.
+fs::path chosenFolder(const ParsedArguments &arguments)
+{
+    for (const char *option : {"-mountpoint", "-mountroot", "-mountrandom"}) {
+        if (arguments.has(option))
+            return fullPath(arguments.value(option));
+    }
+    return {};
+}
+
+/// The chosen folder, made before the image is read, since who reads it may write into the folder alone. It
+/// goes again if it is not kept.
+class ChosenFolder {
+public:
+    explicit ChosenFolder(fs::path path)
+        : m_path(std::move(path))
+    {
+        std::error_code ignored; // whoever wants to write there tells what is wrong
+        m_isMade = !m_path.empty() && fs::create_directories(m_path, ignored);
+    }
+    ~ChosenFolder()
+    {
+        if (m_isMade && !m_isKept)
+            rmdir(m_path.c_str());
+    }
+    ChosenFolder(const ChosenFolder &) = delete;
+    ChosenFolder &operator=(const ChosenFolder &) = delete;
+
+    [[nodiscard]] bool isMade() const { return m_isMade; }
+    void keep() { m_isKept = true; }
+
+    [[nodiscard]] ConfinementPlaces places(const AttachedImages &images) const
+    {
+        ConfinementPlaces places{{QFile::decodeName(images.volumesFolder().parent_path().c_str())}, {}};
+        if (m_path.empty())
+            return places;
+        places.folders.append(QFile::decodeName(m_path.c_str()));
+        places.parents.append(QFile::decodeName(m_path.parent_path().c_str()));
+        return places;
+    }
+
+private:
+    const fs::path m_path;
+    bool m_isMade = false;
+    bool m_isKept = false;
+};
 
 std::string deviceLine(const std::string &device, const std::string &content, const std::string &mountPoint)
 {
@@ -184,6 +234,9 @@ std::string copyIntoPlace(AttachedImage &image, const Volume &volume, const Atta
 
 int attachAnew(AttachedImage &image, const ParsedArguments &arguments, const AttachedImages &images)
 {
+    ChosenFolder chosen(chosenFolder(arguments));
+    const ReaderConfinement confinement(chosen.places(images));
+    confinement.tellComplaint("hdiutil");
     ImageVolume source(image.image);
     if (source.error().empty() && !arguments.has("-noverify")) {
         tellDetail(arguments, "Verifying...");
@@ -199,12 +252,16 @@ int attachAnew(AttachedImage &image, const ParsedArguments &arguments, const Att
     image.scheme = source.scheme();
     image.content = volume.kind;
     image.mountPoint = mountPointFor(arguments, images, volume.name).string();
-    image.wasThere = fs::exists(image.mountPoint);
+    const bool isJustMade = chosen.isMade() && arguments.has("-mountpoint");
+    image.wasThere = !isJustMade && fs::exists(image.mountPoint);
     std::string problem = complaintAboutMountPoint(image);
     tellDetail(arguments, "Copying the volume to " + image.mountPoint);
     if (problem.empty())
         problem = copyIntoPlace(image, volume, images);
-    return problem.empty() ? tellAttached(image, arguments) : failVerb(verb, problem);
+    if (!problem.empty())
+        return failVerb(verb, problem);
+    chosen.keep();
+    return tellAttached(image, arguments);
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 #include "formats/imagevolume.h"
 #include "formats/udif/chunkpacking.h"
 #include "formats/udif/udifreader.h"
+#include "support/confinement.h"
 #include "support/console.h"
 
 #include <QVariantMap>
@@ -72,6 +73,8 @@ int verify(const VerbArguments &words)
     if (!arguments.error.empty() || arguments.operands.size() != 1)
         return refuseVerbArguments("verify",
                                    arguments.error.empty() ? "one image is needed" : arguments.error);
+    const ReaderConfinement confinement;
+    confinement.tellComplaint("hdiutil");
     const std::string &path = arguments.operands.front();
     UdifReader image(path);
     std::shared_ptr<ScratchFile> disk;
@@ -90,6 +93,8 @@ int imageInfo(const VerbArguments &words)
     if (!arguments.error.empty() || arguments.operands.size() != 1)
         return refuseVerbArguments("imageinfo",
                                    arguments.error.empty() ? "one image is needed" : arguments.error);
+    const ReaderConfinement confinement;
+    confinement.tellComplaint("hdiutil");
     const UdifReader image(arguments.operands.front());
     if (!image.error().empty())
         return failVerb("imageinfo", image.error());

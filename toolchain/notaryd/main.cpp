@@ -1,5 +1,6 @@
 #include "notaryd/replies.h"
 #include "notaryd/server.h"
+#include "notaryd/verdict.h"
 
 #include "formats/notary/localservice.h"
 #include "formats/statefolder.h"
@@ -308,6 +309,7 @@ int main(int argc, char **argv)
                                            {{"--control"}},
                                            {{"--foreground"}},
                                            {{"--on-demand"}},
+                                           {{reviewOption}, OptionValue::Required},
                                            {{"-h", "--help"}}});
     if (arguments.has("-h")) {
         print(usage);
@@ -317,6 +319,8 @@ int main(int argc, char **argv)
         return refuse(arguments.error.empty() ? u"unexpected argument '%1'"_s.arg(
                           QString::fromStdString(arguments.operands.front()))
                                               : QString::fromStdString(arguments.error));
+    if (arguments.has(reviewOption))
+        return reviewAlone(QFile::decodeName(arguments.value(reviewOption).c_str()));
     Options options;
     options.hasControl = arguments.has("--control");
     options.isInForeground = arguments.has("--foreground");

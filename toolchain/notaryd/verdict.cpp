@@ -4,8 +4,14 @@
 
 #include "formats/notaryreview.h"
 #include "formats/review/review.h"
+#include "support/confinement.h"
+#include "support/console.h"
 
 #include <QFile>
+#include <QProcess>
+
+#include <signal.h>
+#include <sys/prctl.h>
 
 #include <algorithm>
 
@@ -26,9 +32,7 @@ bool isCutShort(const QString &path)
     return !file.seek(std::max<qint64>(0, file.size() - farthest)) || !file.readAll().contains("PK\5\6");
 }
 
-} // namespace
-
-void decide(toolchain::NotaryRequest &request, const QString &path)
+void judge(toolchain::NotaryRequest &request, const QString &path)
 {
     const QByteArray digest = digestOfFile(path);
     if (digest != request.archiveDigest.toLower()) {
@@ -54,6 +58,57 @@ void decide(toolchain::NotaryRequest &request, const QString &path)
             {content.path, content.hashType, content.cdHash.toHex(), content.architecture});
     if (review.isAccepted())
         request.sealDigests = toolchain::reviewUpload(path, request.archiveName).sealDigests;
+}
+
+/// The reviewer ends with the service. The signals that end the service are blocked in it.
+void becomeReviewer()
+{
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    sigset_t none;
+    sigemptyset(&none);
+    sigprocmask(SIG_SETMASK, &none, nullptr);
+}
+
+std::optional<toolchain::NotaryRequest> decidedApart(const toolchain::NotaryRequest &request,
+                                                     const QString &path)
+{
+    QProcess reviewer;
+    reviewer.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    reviewer.setChildProcessModifier(becomeReviewer);
+    reviewer.start(u"/proc/self/exe"_s, {QLatin1String(reviewOption), path});
+    reviewer.write(jsonOf(request));
+    reviewer.closeWriteChannel();
+    constexpr int withoutLimit = -1;
+    if (!reviewer.waitForFinished(withoutLimit) || reviewer.exitStatus() != QProcess::NormalExit
+        || reviewer.exitCode() != 0)
+        return std::nullopt;
+    return toolchain::requestFromJson(reviewer.readAllStandardOutput());
+}
+
+} // namespace
+
+void decide(toolchain::NotaryRequest &request, const QString &path)
+{
+    if (const auto decided = decidedApart(request, path))
+        request = *decided;
+    else
+        request.issues.append(
+            {request.archiveName, u"The archive cannot be read: its review came to an early end."_s});
+}
+
+int reviewAlone(const QString &path)
+{
+    QFile input;
+    if (!input.open(stdin, QIODevice::ReadOnly))
+        return EXIT_FAILURE;
+    auto request = toolchain::requestFromJson(input.readAll());
+    if (!request)
+        return EXIT_FAILURE;
+    const toolchain::ReaderConfinement confinement;
+    confinement.tellComplaint("sealwright-notaryd");
+    judge(*request, path);
+    toolchain::print(jsonOf(*request).toStdString());
+    return EXIT_SUCCESS;
 }
 
 } // namespace notaryd

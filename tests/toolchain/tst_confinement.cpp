@@ -1,0 +1,187 @@
+// What a process that reads foreign files can still do to the outside.
+
+#include "support/confinement.h"
+#include "toolchain/bundlebuilder.h"
+#include "toolchain/diskimagefixture.h"
+#include "toolchain/lzfseimage.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+using bundlebuilder::readFile;
+using bundlebuilder::writeFile;
+
+namespace {
+
+/// The error number of what a confined child does; 0 if it works, -1 if the kernel confines nobody.
+int errorOfConfined(const std::function<bool()> &action)
+{
+    const pid_t child = fork();
+    if (child == 0) {
+        const bool isConfined = bool(toolchain::confineThisProcess({}));
+        _exit(!isConfined ? 255 : action() ? 0 : errno);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    return WEXITSTATUS(status) == 255 ? -1 : WEXITSTATUS(status);
+}
+
+class AConfinedProcess : public DiskImageFixture {
+protected:
+    void SetUp() override
+    {
+        DiskImageFixture::SetUp();
+        writeFile(path(u"inside/old"_s), "old");
+        writeFile(path(u"outside/old"_s), "old");
+    }
+
+    [[nodiscard]] std::function<void()> confinement() const
+    {
+        return [folder = path(u"inside"_s)] { (void)toolchain::confineThisProcess({{folder}, {}}); };
+    }
+
+    /// Works on "inside" or "outside" in every way that leaves a trace. Answers what has worked.
+    [[nodiscard]] QStringList tracesIn(const QString &folder, const std::function<void()> &inChild) const
+    {
+        const QString script = uR"(
+            cd "$0"
+            (echo x >new) 2>/dev/null && echo make
+            (echo x >>old) 2>/dev/null && echo change
+            mkdir folder 2>/dev/null && echo folder
+            ln -s /etc link 2>/dev/null && echo link
+            ln old hard 2>/dev/null && echo hardlink
+            mkfifo pipe 2>/dev/null && echo pipe
+            mv old moved 2>/dev/null && echo move
+            rm -f moved old 2>/dev/null && echo remove
+            exit 0)"_s;
+        const ToolResult result = run(u"/bin/sh"_s, {u"-c"_s, script, path(folder)}, {}, inChild);
+        EXPECT_EQ(result.status, 0) << result.error.toStdString();
+        return result.output.split(u'\n', Qt::SkipEmptyParts);
+    }
+
+    /// A program that writes `mark` and then does what the real one does.
+    [[nodiscard]] QString crafted(const QString &name, const QString &real) const
+    {
+        const QString program = path(u"crafted/"_s + name);
+        writeFile(program,
+                  u"#!/bin/sh\n(echo x >'%1') 2>/dev/null\n%2 \"$@\"\n"_s.arg(mark(), real).toUtf8());
+        EXPECT_TRUE(QFile::setPermissions(program, QFile::ReadOwner | QFile::ExeOwner));
+        (void)run(program, {});
+        EXPECT_TRUE(QFile::remove(mark())) << "the program does not even write when it may";
+        return program;
+    }
+    [[nodiscard]] QString mark() const { return path(u"mark"_s); }
+
+    /// An image that only 7z can read, and a 7z that writes where it should not.
+    [[nodiscard]] QString craftedImage() const
+    {
+        bundlebuilder::makeApp(path(u"My App.app"_s), u"com.example.app"_s);
+        writeLzfseImage(volumeOf(imageOf(path(u"My App.app"_s))), path(u"crafted.dmg"_s));
+        (void)crafted(u"7z"_s, u"/usr/bin/7z"_s);
+        return path(u"crafted.dmg"_s);
+    }
+    [[nodiscard]] std::function<void()> withCraftedReader() const
+    {
+        return [folder = path(u"crafted"_s)] { qputenv("PATH", folder.toLocal8Bit() + ":/usr/bin:/bin"); };
+    }
+};
+
+} // namespace
+
+TEST_F(AConfinedProcess, writesInItsFolderAndNowhereElse)
+{
+    const QStringList all{u"make"_s,     u"change"_s, u"folder"_s, u"link"_s,
+                          u"hardlink"_s, u"pipe"_s,   u"move"_s,   u"remove"_s};
+    EXPECT_EQ(tracesIn(u"inside"_s, confinement()), all);
+    EXPECT_EQ(tracesIn(u"outside"_s, confinement()), QStringList());
+    EXPECT_EQ(namesIn(path(u"outside"_s)), QStringList{u"old"_s});
+    EXPECT_EQ(readFile(path(u"outside/old"_s)), "old");
+    EXPECT_EQ(tracesIn(u"outside"_s, [] {}), all) << "the script would not have shown anything";
+}
+
+TEST_F(AConfinedProcess, movesNothingInOrOut)
+{
+    const auto move = [this](const QString &from, const QString &to) {
+        return run(u"/bin/mv"_s, {path(from), path(to)}, {}, confinement()).status;
+    };
+    EXPECT_NE(move(u"outside/old"_s, u"inside/taken"_s), 0);
+    EXPECT_NE(move(u"inside/old"_s, u"outside/brought"_s), 0);
+    EXPECT_EQ(namesIn(path(u"outside"_s)), QStringList{u"old"_s});
+    EXPECT_EQ(readFile(path(u"outside/old"_s)), "old");
+}
+
+TEST_F(AConfinedProcess, makesFoldersAndRemovesEmptyOnesWhereItMay)
+{
+    const auto inParent = [this] { (void)toolchain::confineThisProcess({{}, {path(u"outside"_s)}}); };
+    EXPECT_EQ(tracesIn(u"outside"_s, inParent), QStringList{u"folder"_s});
+    EXPECT_EQ(run(u"/bin/rmdir"_s, {path(u"outside/folder"_s)}, {}, inParent).status, 0);
+}
+
+TEST(AConfinedProcessOfItsOwn, opensNoSocket)
+{
+    for (const int family : {AF_INET, AF_INET6, AF_UNIX})
+        EXPECT_EQ(errorOfConfined([family] { return socket(family, SOCK_STREAM, 0) >= 0; }), EPERM);
+    EXPECT_EQ(errorOfConfined([] { return getpid() > 0; }), 0);
+}
+
+TEST_F(AConfinedProcess, mayStillWriteIntoNothing)
+{
+    const ToolResult result =
+        run(u"/bin/sh"_s, {u"-c"_s, u"echo x >/dev/null && echo done"_s}, {}, confinement());
+    EXPECT_EQ(result.output, u"done\n"_s) << result.error.toStdString();
+}
+
+TEST_F(AConfinedProcess, isThatOfAnExamination)
+{
+    const QString tool = crafted(u"file"_s, u"/usr/bin/file"_s);
+    bundlebuilder::makeApp(path(u"My App.app"_s), u"com.example.app"_s);
+    const QByteArray choices = QJsonDocument(QJsonObject{{u"fileTool"_s, tool}}).toJson();
+    const QString examine = QFileInfo(toolRoot()).path() + u"/sealwright-examine"_s;
+    const ToolResult result =
+        run(examine, {u"--choices"_s, QString::fromUtf8(choices), path(u"My App.app"_s)});
+    EXPECT_TRUE(result.status == 0 || result.status == 1) << result.error.toStdString();
+    EXPECT_EQ(result.error, QString());
+    EXPECT_FALSE(QFile::exists(mark()));
+}
+
+TEST_F(AConfinedProcess, isThatOfAnAttach)
+{
+    const QString image = craftedImage();
+    for (const QStringList &place :
+         {QStringList(), {u"-mountpoint"_s, path(u"chosen"_s)}, {u"-mountroot"_s, path(u"roots"_s)}}) {
+        const ToolResult result =
+            run(hdiutil, QStringList{u"attach"_s, image} + place, {}, withCraftedReader());
+        EXPECT_EQ(result.status, 0) << result.error.toStdString();
+        EXPECT_EQ(namesIn(mountPointIn(result)), QStringList{u"My App.app"_s});
+        EXPECT_FALSE(QFile::exists(mark()));
+        EXPECT_EQ(run(hdiutil, {u"detach"_s, mountPointIn(result)}).status, 0);
+    }
+    EXPECT_FALSE(QFile::exists(path(u"chosen"_s)));
+}
+
+TEST_F(AConfinedProcess, leavesNoFolderBehindThatNothingWasAttachedTo)
+{
+    writeFile(path(u"none.dmg"_s), QByteArray(8192, 'x'));
+    EXPECT_EQ(run(hdiutil, {u"attach"_s, path(u"none.dmg"_s), u"-mountpoint"_s, path(u"chosen"_s)}).status,
+              1);
+    EXPECT_FALSE(QFile::exists(path(u"chosen"_s)));
+}
+
+TEST_F(AConfinedProcess, isThatOfTheServicesReview)
+{
+    storePassword();
+    const QString image = craftedImage();
+    const QByteArray searched = qgetenv("PATH");
+    withCraftedReader()();
+    const ToolResult report = pollToTheEnd(uuidIn(upload(image)));
+    qputenv("PATH", searched);
+    EXPECT_TRUE(report.output.contains(u"Status: invalid"_s)) << report.output.toStdString();
+    EXPECT_FALSE(QFile::exists(mark()));
+}
