@@ -57,10 +57,10 @@ DesktopHost::DesktopHost(const QString &applicationFolder)
     , m_toolRoot(ToolRoot::chosen(m_preferences.string(key::toolRoot), bundledToolchains(applicationFolder)))
     , m_launcher([root = m_toolRoot](const QString &path) { return root.locate(path); },
                  m_toolRoot.searchFolders())
-    , m_workspace(m_toolRoot.applicationsFolder(), m_files, m_launcher)
+    , m_desktop(
+          platform::makeDesktopServices(m_toolRoot.applicationsFolder(), m_files, m_launcher, m_mainQueue))
     , m_appleScript(m_launcher)
-    , m_userNotifications(m_mainQueue)
-    , m_appearance(m_desktopAppearance, m_preferences, m_distributedNotifications)
+    , m_appearance(*m_desktop.appearance, m_preferences, *m_desktop.distributedNotifications)
     , m_windowFactory(m_windowOrder, m_logPrinter)
     , m_application(m_windowOrder, m_logPrinter)
 {
@@ -76,10 +76,10 @@ platform::Host DesktopHost::services()
             .files = m_files,
             .urls = m_urls,
             .preferences = m_preferences,
-            .workspace = m_workspace,
+            .workspace = *m_desktop.workspace,
             .appleScript = m_appleScript,
-            .distributedNotifications = m_distributedNotifications,
-            .userNotifications = m_userNotifications,
+            .distributedNotifications = *m_desktop.distributedNotifications,
+            .userNotifications = *m_desktop.userNotifications,
             .application = m_application,
             .pasteboard = m_pasteboard,
             .stateFolder = m_stateFolder};

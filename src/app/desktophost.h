@@ -1,13 +1,10 @@
 #pragma once
 
 #include "app/appdelegate.h"
+#include "platform/desktopservices.h"
 #include "platform/posix/posixfileservice.h"
 #include "platform/posix/posixprocesslauncher.h"
-#include "platform/qt/busdistributednotifications.h"
-#include "platform/qt/desktopappearance.h"
-#include "platform/qt/desktopnotificationcenter.h"
 #include "platform/qt/desktoppasteboard.h"
-#include "platform/qt/desktopworkspace.h"
 #include "platform/qt/osascript.h"
 #include "platform/qt/qtmainqueue.h"
 #include "platform/qt/qttimerservice.h"
@@ -52,12 +49,9 @@ private:
     platform::QtTimerService m_timers;
     platform::SystemClock m_clock;
     platform::QtUrlReader m_urls;
-    platform::DesktopWorkspace m_workspace;
+    platform::DesktopServices m_desktop;
     platform::OsaScript m_appleScript;
-    platform::BusDistributedNotifications m_distributedNotifications;
-    platform::DesktopNotificationCenter m_userNotifications;
     platform::DesktopPasteboard m_pasteboard;
-    platform::DesktopAppearance m_desktopAppearance;
     Appearance m_appearance;
     WindowOrder m_windowOrder;
     LogPrinter m_logPrinter;

@@ -11,7 +11,7 @@
 #include <QScopedValueRollback>
 #include <QStyle>
 
-using Scheme = platform::DesktopAppearance::Scheme;
+using Scheme = platform::SystemAppearance::Scheme;
 
 namespace {
 
@@ -55,13 +55,13 @@ QPalette lightPalette()
 
 } // namespace
 
-Appearance::Appearance(const platform::DesktopAppearance &desktop, platform::Preferences &preferences,
+Appearance::Appearance(const platform::SystemAppearance &desktop, platform::Preferences &preferences,
                        platform::DistributedNotifications &notifications)
     : m_desktop(desktop)
     , m_preferences(preferences)
     , m_notifications(notifications)
 {
-    connect(&desktop, &platform::DesktopAppearance::changed, this, &Appearance::follow);
+    connect(&desktop, &platform::SystemAppearance::changed, this, &Appearance::follow);
     if (!qobject_cast<ControlStyle *>(QApplication::style()))
         QApplication::setStyle(new ControlStyle);
     qApp->installEventFilter(this);

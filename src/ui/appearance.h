@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/qt/desktopappearance.h"
+#include "platform/systemappearance.h"
 
 #include <QPalette>
 
@@ -16,7 +16,7 @@ class Appearance : public QObject {
     Q_OBJECT
 
 public:
-    Appearance(const platform::DesktopAppearance &desktop, platform::Preferences &preferences,
+    Appearance(const platform::SystemAppearance &desktop, platform::Preferences &preferences,
                platform::DistributedNotifications &notifications);
 
     static bool isDark(const QPalette &palette);
@@ -29,7 +29,7 @@ private:
     void applyPalette();
     void remember(bool isDark);
 
-    const platform::DesktopAppearance &m_desktop;
+    const platform::SystemAppearance &m_desktop;
     platform::Preferences &m_preferences;
     platform::DistributedNotifications &m_notifications;
     bool m_isApplying = false;

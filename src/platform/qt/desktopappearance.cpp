@@ -41,7 +41,7 @@ void DesktopAppearance::ask(QDBusConnection &bus)
     connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer] {
         answer->deleteLater();
         if (const QDBusPendingReply<QDBusVariant> reply = *answer; reply.isValid())
-            setScheme(unwrapped(reply.value().variant()));
+            take(unwrapped(reply.value().variant()));
     });
 }
 
@@ -49,18 +49,17 @@ void DesktopAppearance::settingChanged(const QDBusMessage &signal)
 {
     const QVariantList arguments = signal.arguments(); // group, key, value
     if (arguments.value(0) == appearanceGroup && arguments.value(1) == colorSchemeKey)
-        setScheme(unwrapped(arguments.value(2)));
+        take(unwrapped(arguments.value(2)));
 }
 
-void DesktopAppearance::setScheme(const QVariant &value)
+void DesktopAppearance::take(const QVariant &value)
 {
     Scheme scheme = Scheme::noPreference; // also for a number that nobody knows yet
     if (value.toUInt() == 1)
         scheme = Scheme::dark;
     else if (value.toUInt() == 2)
         scheme = Scheme::light;
-    if (std::exchange(m_scheme, scheme) != scheme)
-        Q_EMIT changed();
+    setScheme(scheme);
 }
 
 } // namespace platform

@@ -1,0 +1,18 @@
+#include "platform/desktopservices.h"
+
+#include "platform/qt/busdistributednotifications.h"
+#include "platform/qt/desktopappearance.h"
+#include "platform/qt/desktopnotificationcenter.h"
+#include "platform/qt/desktopworkspace.h"
+
+namespace platform {
+
+DesktopServices makeDesktopServices(const QString &applications, FileService &files,
+                                    ProcessLauncher &launcher, MainQueue &mainQueue)
+{
+    return {std::make_unique<DesktopWorkspace>(applications, files, launcher),
+            std::make_unique<BusDistributedNotifications>(),
+            std::make_unique<DesktopNotificationCenter>(mainQueue), std::make_unique<DesktopAppearance>()};
+}
+
+} // namespace platform

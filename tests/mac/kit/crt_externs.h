@@ -1,0 +1,2 @@
+#pragma once
+extern "C" char ***_NSGetEnviron(void);

@@ -1,0 +1,2 @@
+#pragma once
+// This host has none.
