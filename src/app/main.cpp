@@ -85,13 +85,26 @@ int runDesktopApplication()
     std::_Exit(status);
 }
 
+/// What can be asked without anything being opened; null if that is not what the arguments ask.
+const char *answerTo(int argc, char **argv)
+{
+    const QByteArrayView question = argc == 2 ? QByteArrayView(argv[1]) : QByteArrayView();
+    if (question == "--version") // for whoever reports a fault
+        return "sealwright " SEALWRIGHT_VERSION " (" SEALWRIGHT_COMMIT ")";
+    if (question == "--help" || question == "-h")
+        return "Usage: sealwright [--version | --help]\n\n"
+               "Opens the application, or brings it to the front if it runs already. No other argument is "
+               "read:\n"
+               "items are opened by \"sealwrightctl open\", by the desktop, or by dropping them on a window.";
+    return nullptr;
+}
+
 } // namespace
 
 int main(int argc, char **argv)
 {
-    if (argc == 2 && qstrcmp(argv[1], "--version") == 0) // for whoever reports a fault; nothing is opened
-        return std::puts("sealwright " SEALWRIGHT_VERSION " (" SEALWRIGHT_COMMIT ")") < 0 ? EXIT_FAILURE
-                                                                                          : EXIT_SUCCESS;
+    if (const char *answer = answerTo(argc, argv))
+        return std::puts(answer) < 0 ? EXIT_FAILURE : EXIT_SUCCESS;
     choosePlatform();
     const QApplication application(argc, argv);
     describe();
