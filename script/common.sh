@@ -87,3 +87,12 @@ buildPreset() { # PRESET [TARGET ...]
 buildProgram() {
     buildPreset release src/all toolchain/all samples/all
 }
+
+versionOfSources() {
+    sed -nE 's/^project\(Sealwright VERSION ([0-9.]+).*/\1/p' CMakeLists.txt
+}
+
+# Packs the sources of a commit. The bytes depend on the commit alone.
+sourceArchive() { # COMMIT FILE
+    git archive --format=tar --prefix="sealwright-$(versionOfSources)/" "$1" | gzip --no-name --best >"$2"
+}
