@@ -1,8 +1,8 @@
+#pragma once
+// clang-format off
+
 // The part of Apple's Foundation that src/platform/mac uses, by its public documentation, so that its syntax and types
 // can be checked where Apple's kits are missing. Nothing of it is linked.
-#pragma once
-// clang-format off: Objective-C
-
 #include <cstdint>
 
 typedef signed char BOOL;

@@ -1,7 +1,7 @@
-// The part of Apple's UserNotifications that src/platform/mac uses; see Foundation.h beside it.
 #pragma once
-// clang-format off: Objective-C
+// clang-format off
 
+// The part of Apple's UserNotifications that src/platform/mac uses; see Foundation.h beside it.
 #import <Foundation/Foundation.h>
 
 @class UNNotification, UNNotificationTrigger, UNUserNotificationCenter;
