@@ -33,7 +33,7 @@ struct DocumentFields {
 
     /// The item being worked on: the copy in the working folder.
     Property<QUrl> appletURL;
-    /// The folder that holds it in truth, where that could not be given its last name; null otherwise.
+    /// The folder that really holds the item, if giving the folder its last name has failed; null otherwise.
     Property<QString> folderLeftIn;
     /// Tells others that this document's run works in its folder.
     Property<std::shared_ptr<platform::FolderClaim>> folderClaim;

@@ -13,9 +13,9 @@ public:
     /// The command of a person: from page 0 on, as many pages as the document allows.
     void doFetchHistory();
 
-    /// The same without a page. With one, that page alone for the current script command, which also says
-    /// whether it wants XML and gets the page as its result; of a page that names the one behind it as its
-    /// next the command gets no answer.
+    /// Without a page: the same. With one: only that page, in the form (text or XML) that the current script
+    /// command asks for, as that command's result. If the reply says that the next page is page + 1, the
+    /// command gets no answer.
     void fetchHistory(const std::optional<quint64> &page);
 
 private:

@@ -21,8 +21,8 @@ protected:
     void setOriginal(const Item &item, LastAction action);
     /// The item that the user chose last.
     [[nodiscard]] Item original() const;
-    /// Whether an item lies where the user's did. If it has gone, the one that a finished run has kept in the
-    /// folder with that suffix is copied back first.
+    /// Whether an item lies at the original's place. If there is none, the copy in the result folder with
+    /// that suffix, which a finished run has left, is copied back first.
     [[nodiscard]] bool recoverOriginal(QStringView suffix);
     /// Tells that nothing lies at the path any more; then there is nothing left to repeat.
     void reportFileNotFound(const QString &path);

@@ -112,7 +112,7 @@ public:
     /// The result that a script gets for a finished submission or stapling: the item, or with disk images on
     /// the file that was last uploaded, if there has been one.
     QUrl scriptResult() const;
-    /// The same file in the folder that really holds it, should that not have got its last name.
+    /// The same file in the folder that really holds it, if giving the folder its last name has failed.
     QUrl whereItLies(const QUrl &url) const;
     /// Answers the script command that waits for this workflow, if one does. Any thread.
     void resumeScript(const QVariant &result);

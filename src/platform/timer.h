@@ -10,8 +10,8 @@ class Timer {
 public:
     virtual ~Timer() = default;
 
-    /// Keeps the timer from firing. Called on the main thread, it is certain that the timer does not fire
-    /// afterwards; called twice or after the firing it does nothing.
+    /// Keeps the timer from firing: for certain if it is called on the main thread. A second call, or one
+    /// after the timer has fired, does nothing.
     virtual void invalidate() = 0;
 };
 
