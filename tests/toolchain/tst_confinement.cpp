@@ -33,6 +33,13 @@ int errorOfConfined(const std::function<bool()> &action)
     return WEXITSTATUS(status) == 255 ? -1 : WEXITSTATUS(status);
 }
 
+bool kernelConfines()
+{
+    static const bool does = errorOfConfined([] { return true; }) == 0;
+    return does;
+}
+
+/// On a kernel that confines nobody there is nothing to see but that the readers say so.
 class AConfinedProcess : public DiskImageFixture {
 protected:
     void SetUp() override
@@ -40,6 +47,12 @@ protected:
         DiskImageFixture::SetUp();
         writeFile(path(u"inside/old"_s), "old");
         writeFile(path(u"outside/old"_s), "old");
+    }
+
+    void expectComplaint() const
+    {
+        const QString examine = QFileInfo(toolRoot()).path() + u"/sealwright-examine"_s;
+        EXPECT_TRUE(run(examine, {path(u"inside"_s)}).error.contains(u"reads without a sandbox: "_s));
     }
 
     [[nodiscard]] std::function<void()> confinement() const
@@ -97,6 +110,8 @@ protected:
 
 TEST_F(AConfinedProcess, writesInItsFolderAndNowhereElse)
 {
+    if (!kernelConfines())
+        return expectComplaint();
     const QStringList all{u"make"_s,     u"change"_s, u"folder"_s, u"link"_s,
                           u"hardlink"_s, u"pipe"_s,   u"move"_s,   u"remove"_s};
     EXPECT_EQ(tracesIn(u"inside"_s, confinement()), all);
@@ -108,6 +123,8 @@ TEST_F(AConfinedProcess, writesInItsFolderAndNowhereElse)
 
 TEST_F(AConfinedProcess, movesNothingInOrOut)
 {
+    if (!kernelConfines())
+        return expectComplaint();
     const auto move = [this](const QString &from, const QString &to) {
         return run(u"/bin/mv"_s, {path(from), path(to)}, {}, confinement()).status;
     };
@@ -119,20 +136,25 @@ TEST_F(AConfinedProcess, movesNothingInOrOut)
 
 TEST_F(AConfinedProcess, makesFoldersAndRemovesEmptyOnesWhereItMay)
 {
+    if (!kernelConfines())
+        return expectComplaint();
     const auto inParent = [this] { (void)toolchain::confineThisProcess({{}, {path(u"outside"_s)}}); };
     EXPECT_EQ(tracesIn(u"outside"_s, inParent), QStringList{u"folder"_s});
     EXPECT_EQ(run(u"/bin/rmdir"_s, {path(u"outside/folder"_s)}, {}, inParent).status, 0);
 }
 
-TEST(AConfinedProcessOfItsOwn, opensNoSocket)
+TEST_F(AConfinedProcess, opensNoSocket)
 {
+    if (!kernelConfines())
+        return expectComplaint();
     for (const int family : {AF_INET, AF_INET6, AF_UNIX})
         EXPECT_EQ(errorOfConfined([family] { return socket(family, SOCK_STREAM, 0) >= 0; }), EPERM);
-    EXPECT_EQ(errorOfConfined([] { return getpid() > 0; }), 0);
 }
 
 TEST_F(AConfinedProcess, mayStillWriteIntoNothing)
 {
+    if (!kernelConfines())
+        return expectComplaint();
     const ToolResult result =
         run(u"/bin/sh"_s, {u"-c"_s, u"echo x >/dev/null && echo done"_s}, {}, confinement());
     EXPECT_EQ(result.output, u"done\n"_s) << result.error.toStdString();
@@ -140,6 +162,8 @@ TEST_F(AConfinedProcess, mayStillWriteIntoNothing)
 
 TEST_F(AConfinedProcess, isThatOfAnExamination)
 {
+    if (!kernelConfines())
+        return expectComplaint();
     const QString tool = crafted(u"file"_s, u"/usr/bin/file"_s);
     bundlebuilder::makeApp(path(u"My App.app"_s), u"com.example.app"_s);
     const QByteArray choices = QJsonDocument(QJsonObject{{u"fileTool"_s, tool}}).toJson();
@@ -153,6 +177,8 @@ TEST_F(AConfinedProcess, isThatOfAnExamination)
 
 TEST_F(AConfinedProcess, isThatOfAnAttach)
 {
+    if (!kernelConfines())
+        return expectComplaint();
     const QString image = craftedImage();
     for (const QStringList &place :
          {QStringList(), {u"-mountpoint"_s, path(u"chosen"_s)}, {u"-mountroot"_s, path(u"roots"_s)}}) {
@@ -176,6 +202,8 @@ TEST_F(AConfinedProcess, leavesNoFolderBehindThatNothingWasAttachedTo)
 
 TEST_F(AConfinedProcess, isThatOfTheServicesReview)
 {
+    if (!kernelConfines())
+        return expectComplaint();
     storePassword();
     const QString image = craftedImage();
     const QByteArray searched = qgetenv("PATH");
