@@ -307,6 +307,38 @@ TEST_F(CodeVerify, everySingleChangeInACoveredByteIsFound)
     EXPECT_TRUE(isFine(judge(app())));
 }
 
+TEST_F(CodeVerify, aChangedCertificateInAnySliceIsFound)
+{
+    ASSERT_EQ(sign(app()).status, 0);
+    const auto code = readCodeSignature(app());
+    ASSERT_TRUE(code);
+    for (qsizetype slice = 0; slice < code->parts.size(); ++slice) {
+        const auto cms = readCms(code->parts[slice].cms());
+        ASSERT_TRUE(cms);
+        const auto from = qsizetype(code->image->slices[slice].place.offset);
+        for (const QByteArray &certificate : cms->certificates) {
+            const qsizetype at = readFile(executable()).indexOf(certificate, from);
+            ASSERT_GT(at, from);
+            flipByteAt(executable(), at + certificate.size() - 1);
+            EXPECT_FALSE(isFine(judge(app()))) << slice << ' ' << at;
+            flipByteAt(executable(), at + certificate.size() - 1);
+        }
+    }
+    EXPECT_TRUE(isFine(judge(app())));
+}
+
+TEST_F(CodeVerify, aCodeDirectoryThatHasBeenTakenOutOfTheIndexIsMissed)
+{
+    writeFile(path(u"code"_s), bundlebuilder::thinMachO(bundlebuilder::arm64));
+    ASSERT_EQ(sign(path(u"code"_s)).status, 0);
+    const QByteArray bytes = readFile(path(u"code"_s));
+    const qsizetype alternate =
+        bytes.indexOf(QByteArray::fromHex("00001000"), bytes.indexOf(QByteArray::fromHex("fade0cc0")));
+    ASSERT_GT(alternate, 0);
+    flipByteAt(path(u"code"_s), alternate + 2);
+    EXPECT_FALSE(isFine(judge(path(u"code"_s))));
+}
+
 TEST_F(CodeVerify, changesWithinTheCmsSignatureAreFoundWhereItsSignerVouches)
 {
     writeFile(path(u"code"_s), bundlebuilder::thinMachO(bundlebuilder::arm64));

@@ -177,6 +177,21 @@ TEST_F(XarArchives, aTicketStandsBehindTheHeapBetweenTwoTrailers)
     EXPECT_EQ(QFileInfo(path(u"in.pkg"_s)).size(), before.size() + 32 + 13);
 }
 
+TEST_F(XarArchives, aTicketBehindAChangedTrailerIsNone)
+{
+    const QByteArray whole = bundlebuilder::readFile(QStringLiteral(PACKAGE_FILE));
+    const qsizetype first = whole.lastIndexOf("t8lr", whole.lastIndexOf("t8lr") - 1);
+    ASSERT_GT(first, 0);
+    for (const qsizetype place : {first, first + 5, first + 7, first + 8, first + 15, whole.size() - 1}) {
+        QByteArray changed = whole;
+        changed[place] = char(changed[place] ^ 0x20);
+        bundlebuilder::writeFile(path(u"changed.pkg"_s), changed);
+        const auto archive = xar::Archive::open(path(u"changed.pkg"_s));
+        ASSERT_TRUE(archive);
+        EXPECT_TRUE(archive->ticket().isEmpty()) << place;
+    }
+}
+
 TEST_F(XarArchives, theTicketOfARealPackageIsPutBackByteForByte)
 {
     const QByteArray whole = readFile(realPackage);

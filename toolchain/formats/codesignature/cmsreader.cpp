@@ -5,6 +5,8 @@
 #include <openssl/err.h>
 #include <openssl/pkcs7.h>
 
+#include <algorithm>
+
 #include "formats/codesignature/attributereader.h"
 #include "formats/codesignature/berreader.h"
 #include "formats/codesignature/cmsattributes.h"
@@ -118,6 +120,18 @@ bool agrees(const QList<DirectoryDigest> &told, const DirectoryDigest &directory
     return true;
 }
 
+/// A directory that the signature is over must not be missing: the others would stand for it.
+bool areAllThere(const CmsSignature &signature, const QList<DirectoryDigest> &directories)
+{
+    const auto isThere = [&directories](const DirectoryDigest &told) {
+        return std::any_of(directories.begin(), directories.end(), [&told](const DirectoryDigest &directory) {
+            return digestOfHashType(told.hashType) == digestOfHashType(directory.hashType);
+        });
+    };
+    return std::all_of(signature.directories.begin(), signature.directories.end(), isThere)
+        && signature.codeHashes.size() <= directories.size();
+}
+
 QString objectionToDirectories(const CmsSignature &signature, const SignedContent &content)
 {
     constexpr qsizetype codeHashSize = 20;
@@ -130,7 +144,10 @@ QString objectionToDirectories(const CmsSignature &signature, const SignedConten
         if (!isListed || !agrees(signature.directories, directory))
             return u"the signature is over other code directories"_s;
     }
-    return {};
+    const bool isOfCode = !content.directories.isEmpty();
+    return isOfCode && !areAllThere(signature, content.directories)
+        ? u"a code directory that the signature is over is missing"_s
+        : QString();
 }
 
 } // namespace

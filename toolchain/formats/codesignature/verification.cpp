@@ -62,6 +62,15 @@ QString rootProblem(const CodeBundle &bundle)
     return {};
 }
 
+/// Whether one slice meets the designated requirement in its own signature.
+bool meetsItsOwn(SignedCode code, qsizetype part, const std::optional<CmsJudgement> &signer)
+{
+    code.parts = {code.parts[part]};
+    code.image.reset();
+    const auto designated = designatedRequirementOf(code);
+    return designated && isMet(*designated, requirementSubject(code, signer));
+}
+
 /// Strict: no resource fork and no Finder information on what is signed.
 QString detritusProblem(const SignedCode &code)
 {
@@ -107,16 +116,30 @@ private:
         checkPartAt(code.nativeIndex());
         for (qsizetype part = 0; part < code.parts.size(); ++part) {
             if (m_result.problem.isNone() && part != code.nativeIndex())
-                checkPartAt(part);
+                checkOtherPart(part);
         }
     }
 
-    void checkPartAt(qsizetype part)
+    std::optional<CmsJudgement> checkPartAt(qsizetype part)
     {
         std::optional<CmsJudgement> signer;
         m_result.problem = checkPart(*m_result.code, part, m_order, signer);
         if (part == m_result.code->nativeIndex())
             m_result.signer = signer;
+        return signer;
+    }
+
+    /// Where the machine's own slice is what its requirement says, the others must be what theirs say: else
+    /// nothing tells of a change in their certificates.
+    void checkOtherPart(qsizetype part)
+    {
+        const SignedCode &code = *m_result.code;
+        const auto signer = checkPartAt(part);
+        if (!m_result.problem.isNone() || !meetsItsOwn(code, code.nativeIndex(), m_result.signer)
+            || meetsItsOwn(code, part, signer))
+            return;
+        m_result.problem = problemWith(text::requirementFailed);
+        m_result.problem.architecture = code.parts[part].architecture;
     }
 
     void checkRoot()

@@ -163,7 +163,7 @@ QByteArray Archive::ticket() const
     const qint64 start = file.size() - trailerSize - length;
     const bool isTicket = length > 0 && length <= longestTicket
         && last == trailer(TrailerKind::Ticket, length) && start - trailerSize >= heapEnd()
-        && file.seek(start);
+        && file.seek(start - trailerSize) && file.read(trailerSize) == trailer(TrailerKind::End, 0);
     return isTicket ? file.read(length) : QByteArray();
 }
 
