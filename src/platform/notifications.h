@@ -10,6 +10,13 @@ class QObject;
 
 namespace platform {
 
+/// What becomes of a notification that comes while another of its name is being handled, or has waited for
+/// that.
+enum class Repeats {
+    areHandled, ///< each calls the handler
+    areMerged, ///< all that have waited call it once
+};
+
 /// Messages that applications post to each other by a name.
 class DistributedNotifications {
 public:
@@ -17,7 +24,8 @@ public:
 
     /// Calls the handler on the main thread for each notification of that name, whoever posts it. One handler
     /// for an observer and a name.
-    virtual void addObserver(const QObject &observer, const QString &name, std::function<void()> handler) = 0;
+    virtual void addObserver(const QObject &observer, const QString &name, std::function<void()> handler,
+                             Repeats repeats = Repeats::areHandled) = 0;
     /// Calls none of the observer's handlers from now on.
     virtual void removeObserver(const QObject &observer) = 0;
     /// Tells all applications, this one among them. Returns at once.

@@ -110,9 +110,11 @@ protected:
     }
 
     /// Returns once the bus has taken all that the application asked of it.
-    void settle()
+    void settle() { roundTrip(application); }
+
+    static void roundTrip(const QDBusConnection &connection)
     {
-        const QDBusMessage reply = application.call(QDBusMessage::createMethodCall(
+        const QDBusMessage reply = connection.call(QDBusMessage::createMethodCall(
             u"org.freedesktop.DBus"_s, u"/org/freedesktop/DBus"_s, u"org.freedesktop.DBus"_s, u"GetId"_s));
         ASSERT_EQ(reply.type(), QDBusMessage::ReplyMessage);
     }
@@ -255,6 +257,31 @@ TEST_F(Desktop, aNotificationOfAnySenderCallsItsHandlerAlone)
     sendPosted(u"last"_s);
     ASSERT_TRUE(waitFor([&] { return calls.contains(u"last"_s); }));
     EXPECT_EQ(calls, (QStringList{u"changed"_s, u"changed"_s, u"last"_s}));
+}
+
+TEST_F(Desktop, whatHasWaitedForASlowHandlerCallsItOnce)
+{
+    BusDistributedNotifications notifications(application);
+    const QObject observer;
+    settle();
+    int calls = 0;
+    bool isOver = false;
+    const auto slow = [&] {
+        if (++calls > 1)
+            return;
+        for (int repeats = 0; repeats < 300; ++repeats)
+            sendPosted(u"changed"_s);
+        sendPosted(u"over"_s);
+        roundTrip(desktop); // the bus has all of them
+        settle(); // and so have we
+    };
+    notifications.addObserver(observer, u"changed"_s, slow, platform::Repeats::areMerged);
+    notifications.addObserver(observer, u"over"_s, [&] { isOver = true; });
+    sendPosted(u"changed"_s);
+    ASSERT_TRUE(waitFor([&] { return isOver && calls > 1; }));
+    EXPECT_EQ(calls, 2);
+    sendPosted(u"changed"_s);
+    EXPECT_TRUE(waitFor([&] { return calls == 3; })) << "the next one is heard at once";
 }
 
 TEST_F(Desktop, withoutObserversNoHandlerIsCalled)

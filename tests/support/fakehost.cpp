@@ -307,7 +307,7 @@ platform::AppleScriptResult FakeAppleScript::execute(const QString &source)
 }
 
 void FakeDistributedNotifications::addObserver(const QObject &observer, const QString &name,
-                                               std::function<void()> handler)
+                                               std::function<void()> handler, platform::Repeats)
 {
     handlers.insert(name, std::move(handler));
     m_namesOfObservers.insert(&observer, name);
@@ -422,6 +422,7 @@ FakeWindow::~FakeWindow()
 void FakeWindow::show()
 {
     m_application.tokenWhenShown = m_application.activationToken;
+    m_application.activationsWhenShown = m_application.activations;
     modesWhenShown.append(tabbingModes.isEmpty() ? platform::TabbingMode::automatic : tabbingModes.last());
     auto &onScreen = m_application.onScreen;
     const bool isNew = group->windows().size() == 1 && !onScreen.contains(this);

@@ -197,7 +197,8 @@ public:
 
 class FakeDistributedNotifications : public platform::DistributedNotifications {
 public:
-    void addObserver(const QObject &observer, const QString &name, std::function<void()> handler) override;
+    void addObserver(const QObject &observer, const QString &name, std::function<void()> handler,
+                     platform::Repeats repeats = platform::Repeats::areHandled) override;
     void removeObserver(const QObject &observer) override;
     void post(const QString &name) override;
     QHash<QString, std::function<void()>> handlers; ///< each name has one observer here
@@ -243,6 +244,7 @@ public:
 
     QString activationToken; ///< the latest
     QString tokenWhenShown; ///< what it was when a window was last shown
+    int activationsWhenShown = 0; ///< how many there had been then
     int activations = 0;
     bool isTerminated = false;
     bool optionKey = false;

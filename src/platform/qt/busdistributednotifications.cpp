@@ -2,6 +2,9 @@
 
 #include <QDBusMessage>
 
+#include <algorithm>
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace platform {
@@ -21,12 +24,12 @@ BusDistributedNotifications::BusDistributedNotifications(QDBusConnection bus)
 }
 
 void BusDistributedNotifications::addObserver(const QObject &observer, const QString &name,
-                                              std::function<void()> handler)
+                                              std::function<void()> handler, Repeats repeats)
 {
     m_observations.removeIf([&](const Observation &observation) {
         return observation.observer == &observer && observation.name == name;
     });
-    m_observations.append({&observer, name, std::move(handler)});
+    m_observations.append({&observer, name, std::move(handler), repeats});
 }
 
 void BusDistributedNotifications::removeObserver(const QObject &observer)
@@ -48,16 +51,45 @@ void BusDistributedNotifications::posted(const QString &name)
     const QList<Observation> present = m_observations; // since a handler may remove itself or another
     for (const Observation &observation : present) {
         if (observation.name == name)
-            callHandler(observation.observer, name);
+            notify(observation.observer, name);
     }
 }
 
-void BusDistributedNotifications::callHandler(const QObject *observer, const QString &name)
+BusDistributedNotifications::Observation *BusDistributedNotifications::find(const QObject *observer,
+                                                                            const QString &name)
 {
-    for (const Observation &observation : QList(m_observations)) {
-        if (observation.observer == observer && observation.name == name)
-            return observation.handler();
+    const auto found =
+        std::find_if(m_observations.begin(), m_observations.end(), [&](const Observation &observation) {
+            return observation.observer == observer && observation.name == name;
+        });
+    return found == m_observations.end() ? nullptr : &*found;
+}
+
+void BusDistributedNotifications::notify(const QObject *observer, const QString &name)
+{
+    Observation *const observation = find(observer, name);
+    if (!observation)
+        return;
+    if (observation->isCatchingUp) {
+        observation->isMissing = true;
+        return;
     }
+    observation->isCatchingUp = observation->repeats == Repeats::areMerged;
+    const auto handler = observation->handler;
+    handler();
+    // Behind all that has come while the handler ran.
+    QMetaObject::invokeMethod(
+        this, [this, observer, name] { catchUp(observer, name); }, Qt::QueuedConnection);
+}
+
+void BusDistributedNotifications::catchUp(const QObject *observer, const QString &name)
+{
+    Observation *const observation = find(observer, name);
+    if (!observation)
+        return;
+    observation->isCatchingUp = false;
+    if (std::exchange(observation->isMissing, false))
+        notify(observer, name);
 }
 
 } // namespace platform

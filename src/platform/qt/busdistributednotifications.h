@@ -17,7 +17,8 @@ class BusDistributedNotifications : public QObject, public DistributedNotificati
 public:
     explicit BusDistributedNotifications(QDBusConnection bus = QDBusConnection::sessionBus());
 
-    void addObserver(const QObject &observer, const QString &name, std::function<void()> handler) override;
+    void addObserver(const QObject &observer, const QString &name, std::function<void()> handler,
+                     Repeats repeats = Repeats::areHandled) override;
     void removeObserver(const QObject &observer) override;
     /// Without a bus only this application is told.
     void post(const QString &name) override;
@@ -30,9 +31,14 @@ private:
         const QObject *observer;
         QString name;
         std::function<void()> handler;
+        Repeats repeats;
+        bool isCatchingUp = false; ///< what waited behind the latest call may still come
+        bool isMissing = false; ///< and some of it has
     };
 
-    void callHandler(const QObject *observer, const QString &name);
+    Observation *find(const QObject *observer, const QString &name);
+    void notify(const QObject *observer, const QString &name);
+    void catchUp(const QObject *observer, const QString &name);
 
     QDBusConnection m_bus;
     QList<Observation> m_observations;
