@@ -2,6 +2,7 @@
 
 #include "app/appdelegate.h"
 #include "app/discovery.h"
+#include "app/logging.h"
 #include "platform/applescript.h"
 #include "platform/fileservice.h"
 #include "platform/workspace.h"
@@ -45,7 +46,7 @@ bool AppDelegate::checkForTransporter()
     if (transporter.isNull())
         return false;
     const QString tool = transporter + discovery::altoolInTransporter.toString();
-    if (!m_host.files.isReachable(tool))
+    if (!m_host.files.exists(tool))
         return false;
     altoolPath.set(tool);
     return true;
@@ -55,6 +56,8 @@ void AppDelegate::findVersionNumberOfAltool()
 {
     const auto response = taskMaster()->runAltoolAt(altoolPath(), {u"-h"_s}, probeOwner);
     altoolVersionNumber.set(discovery::altoolMajorVersion(response->text()));
+    qCDebug(appLogging).noquote() << "the notary tool is" << altoolPath() << "of version"
+                                  << altoolVersionNumber();
 }
 
 void AppDelegate::checkForDropDMG()

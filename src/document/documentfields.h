@@ -45,9 +45,9 @@ struct DocumentFields {
     Property<QString> dropDMGConfiguration;
     /// Path of the file that is uploaded; null until a workflow sets it.
     Property<QString> submitFilePath;
-    /// The extra entitlements file; empty if there is none.
     /// What the service's log of the latest verdict tells, as JSON: a list of objects.
     ObservableProperty<QString> serviceIssues{QStringLiteral("[]")};
+    /// The extra entitlements file; empty if there is none.
     ObservableProperty<QUrl> extraEntitlementsURL;
     /// Paths that the signer skips, relative to the item's own.
     Property<QStringList> skipPaths;

@@ -1,7 +1,10 @@
 #include "document/mainwincontroller.h"
 
 #include "document/applicationinterface.h"
+#include "document/logging.h"
+#include "platform/invariant.h"
 #include "platform/itempath.h"
+#include "platform/mainqueue.h"
 #include "platform/scriptcommand.h"
 #include "platform/workspace.h"
 
@@ -11,6 +14,7 @@ void MainWinController::changeStatus(QStringView newStatus)
 {
     if (newStatus.isNull() || statusString() == newStatus)
         return;
+    qCDebug(documentLogging) << uniqueID << "is" << newStatus;
     statusString.set(newStatus.toString());
     dispatchToMain([this, word = newStatus.toString()] { window().setSubtitle(word); });
 }
@@ -29,6 +33,8 @@ void MainWinController::dispatchFinalAlertOrMessage(const QString &title, const 
 void MainWinController::finalAlertOrMessage(const QString &title, const QString &text,
                                             const QString &logError)
 {
+    if (!platform::holds(host().mainQueue.isMainThread(), "a final report is made on the main thread"))
+        return dispatchToMain([=, this] { finalAlertOrMessage(title, text, logError); });
     stepList.finish(StepState::failed);
     logErrorMain(logError);
     closeLog();

@@ -1,6 +1,7 @@
 #include "notarization/pollingsteps.h"
 
 #include "notarization/altoolarguments.h"
+#include "notarization/logging.h"
 #include "notarization/pollinginfo.h"
 #include "notarization/servicelog.h"
 #include "platform/notifications.h"
@@ -152,6 +153,7 @@ StepResult askForVerdict(Run &run)
     if (report.isNull())
         return Again{run.polling.delay}; // no news, and no cost
     const QString word = verdict(report);
+    qCDebug(notarizationLogging).noquote() << "the service says of" << run.requestUUID << word;
     if (word == "success"_L1)
         return acceptVerdict(run, report);
     if (word == "in progress"_L1)

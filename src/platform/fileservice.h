@@ -60,6 +60,9 @@ public:
     /// Whether there is an item at the path. A link counts, wherever it leads.
     virtual bool isReachable(const QString &path) const = 0;
 
+    /// Whether there is an item at the path, or where a link at the path leads.
+    virtual bool exists(const QString &path) const = 0;
+
     /// Whether the calling user may read the file.
     virtual bool isReadable(const QString &path) const = 0;
 

@@ -1,6 +1,7 @@
 #include "run/runfolder.h"
 
 #include "platform/fileservice.h"
+#include "platform/invariant.h"
 #include "platform/itempath.h"
 #include "run/workingfoldernames.h"
 
@@ -73,6 +74,8 @@ platform::Outcome RunFolder::remove()
 
 platform::Outcome RunFolder::create()
 {
+    if (!platform::holds(!m_places.fileName.isEmpty(), "a run's folder is named for an item"))
+        return platform::Outcome::failure(u"there is no item"_s);
     if (const QString busy = folderAtWork(); !busy.isNull())
         return platform::Outcome::failure(u"another run works in '%1'"_s.arg(busy));
     if (auto created = m_files.createDirectory(path()); !created)

@@ -1,5 +1,6 @@
 #include "run/workflow.h"
 
+#include "platform/invariant.h"
 #include "platform/timer.h"
 #include "platform/workerqueue.h"
 #include "run/logging.h"
@@ -35,6 +36,9 @@ void Driver::start()
 
 Driver::State Driver::proceed()
 {
+    const bool isOver = m_state == State::stopped || m_state == State::failed || m_state == State::ended;
+    if (!platform::holds(!isOver, "a run that is over is not taken on"))
+        return m_state;
     m_state = State::atWork;
     while (m_next < m_workflow.size()) {
         if (!perform(m_workflow[m_next]))

@@ -1,6 +1,7 @@
 #include "scripting/scripterrors.h"
 
 #include "platform/scriptcommand.h"
+#include "scripting/logging.h"
 
 #include <algorithm>
 #include <iterator>
@@ -47,6 +48,7 @@ constexpr Record records[] = {
 
 void setScriptError(qint64 number, const QString &text)
 {
+    qCDebug(scriptingLogging) << "refused:" << number << text;
     const auto command = ScriptCommand::executingCommand();
     if (!command)
         return;

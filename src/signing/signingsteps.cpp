@@ -7,6 +7,7 @@
 #include "run/run.h"
 #include "run/workingfoldernames.h"
 #include "signing/bundlescanner.h"
+#include "signing/logging.h"
 #include "signing/signingarguments.h"
 #include "tools/failureline.h"
 
@@ -51,7 +52,9 @@ QStringList membersInSigningOrder(Run &run)
     QSet<QString> setToSubtract;
     BundleScanner(run).parseDirectory(run.itemPath(), signableSet, setToSubtract,
                                       pathsToPassOver(run.itemPath(), run.inputs().skipPaths));
-    return signingOrder(signableSet, setToSubtract);
+    QStringList members = signingOrder(signableSet, setToSubtract);
+    qCDebug(signingLogging).noquote() << "to be signed:" << members;
+    return members;
 }
 
 StepResult signMember(Run &run, const QString &item)

@@ -1,5 +1,7 @@
 #include "tools/slwtaskmaster.h"
 
+#include "tools/logging.h"
+
 #include <chrono>
 #include <thread>
 
@@ -47,7 +49,8 @@ void pause(double seconds)
 
 SLWTaskMaster::SLWTaskMaster(platform::ProcessLauncher &launcher, RunnerPauses pauses)
     : m_launcher(launcher)
-    , m_pauses(pauses)
+    , m_pauseAfterExit(pauses.afterExit)
+    , m_altoolRetryPause(pauses.altoolRetry)
     , lastOutput(newBuffer())
     , lastError(newBuffer())
 {
@@ -72,6 +75,7 @@ SLWTaskResponsePtr SLWTaskMaster::runTool(const QString &path, const QStringList
         response->status.set(statusSkipped);
         return response;
     }
+    qCDebug(toolsLogging).noquote() << "runs:" << path << "for" << forOwner;
     const auto task = m_launcher.process(path, withArgs);
     currentTask.set(task);
     if (const auto launched = task->launch(); !launched)
@@ -81,6 +85,7 @@ SLWTaskResponsePtr SLWTaskMaster::runTool(const QString &path, const QStringList
     currentTask.set(nullptr);
     response->setData(lastOutput, lastError);
     ownerID.set({});
+    qCDebug(toolsLogging).noquote() << "ended:" << path << "with" << response->status();
     return response;
 }
 
@@ -111,13 +116,13 @@ void SLWTaskMaster::waitForTool(platform::Process &task)
 
 void SLWTaskMaster::readLateOutput(platform::Process &task, const SLWTaskResponsePtr &response)
 {
-    pause(m_pauses.afterExit);
+    pause(m_pauseAfterExit);
     response->status.set(task.terminationStatus());
     appendLateBytes(*lastOutput, task.readOutputToEnd());
     if (response->status() == 0 && response->args.contains(altoolName)) {
         // The notary tool at times ends before its report is in the pipe.
         for (int retry = 0; retry < altoolRetries && (*lastOutput)().isEmpty(); ++retry) {
-            pause(m_pauses.altoolRetry);
+            pause(m_altoolRetryPause);
             appendLateBytes(*lastOutput, task.readOutputToEnd());
         }
     }

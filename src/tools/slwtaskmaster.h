@@ -3,6 +3,7 @@
 #include "platform/process.h"
 #include "tools/slwtaskresponse.h"
 
+#include <atomic>
 #include <functional>
 #include <mutex>
 
@@ -54,6 +55,11 @@ public:
     /// for nobody. Only for who holds the monitor.
     void setListener(Listener listener) { m_listener = std::move(listener); }
 
+    /// The seconds that this runner waits after a tool has ended. Any thread; a run in progress may still
+    /// wait as before.
+    double pauseAfterExit() const { return m_pauseAfterExit; }
+    void setPauseAfterExit(double seconds) { m_pauseAfterExit = seconds; }
+
     /// Held by whoever needs the buffers to stay as they are after a run.
     std::recursive_mutex &monitor() { return m_monitor; }
 
@@ -69,7 +75,8 @@ private:
     void appendLateBytes(OutputBuffer &buffer, const QByteArray &bytes);
 
     platform::ProcessLauncher &m_launcher;
-    const RunnerPauses m_pauses;
+    std::atomic<double> m_pauseAfterExit;
+    const double m_altoolRetryPause;
     std::recursive_mutex m_monitor;
     Listener m_listener;
     const std::shared_ptr<OutputBuffer> lastOutput;

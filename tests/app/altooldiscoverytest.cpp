@@ -228,6 +228,15 @@ TEST_F(NotaryTool, aTransporterWithoutTheToolIsNone)
     EXPECT_EQ(host.application().altoolPath(), u"as it was"_s);
 }
 
+TEST_F(NotaryTool, aTransporterWhoseToolIsALinkToNothingIsNone)
+{
+    const QString place = host.item(u"Transporter.app"_s);
+    host.workspace.installed.insert(transporter, place);
+    host.preferences.setValue(key::preferXcodeAltool, false);
+    items::makeLink(place + discovery::altoolInTransporter.toString(), u"/no/such/tool"_s);
+    EXPECT_FALSE(host.application().checkForTransporter());
+}
+
 TEST_F(NotaryTool, theToolInTransporterIsRunByItsOwnPath)
 {
     const QString inside =

@@ -51,6 +51,10 @@ TEST_F(Files, anItemIsReachableAndALinkIsWhereverItLeads)
     EXPECT_TRUE(files.isReachable(folder.path()));
     EXPECT_TRUE(files.isReachable(folder.link(u"dangling"_s, u"/no/such/item"_s)));
     EXPECT_FALSE(files.isReachable(folder.path(u"missing"_s)));
+    EXPECT_TRUE(files.exists(folder.path(u"file"_s)));
+    EXPECT_TRUE(files.exists(folder.link(u"link"_s, folder.path(u"file"_s))));
+    EXPECT_FALSE(files.exists(folder.path(u"dangling"_s)));
+    EXPECT_FALSE(files.exists(folder.path(u"missing"_s)));
 }
 
 TEST_F(Files, aMissingFileIsNotReadable)

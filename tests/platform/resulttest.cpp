@@ -1,5 +1,7 @@
 #include "platform/result.h"
 
+#include "platform/invariant.h"
+
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -81,4 +83,18 @@ TEST(AnOutcome, thatIsIgnoredIsNotedWhereThatIsWanted)
     QLoggingCategory::setFilterRules({});
     qInstallMessageHandler(before);
     EXPECT_EQ(noted, QStringList{u"ignored: Foo: not there"_s});
+}
+
+TEST(AnInvariant, thatIsBrokenIsNamedWithItsPlaceInAnyCase)
+{
+    noted.clear();
+    const auto before = qInstallMessageHandler(note);
+    const bool whatHolds = platform::holds(true, "one and one is two");
+    const bool whatBreaks = platform::holds(false, "a circle has corners");
+    qInstallMessageHandler(before);
+    EXPECT_TRUE(whatHolds);
+    EXPECT_FALSE(whatBreaks);
+    ASSERT_EQ(noted.size(), 1);
+    EXPECT_TRUE(noted.first().startsWith(u"broken: a circle has corners ("_s)) << noted.first().toStdString();
+    EXPECT_TRUE(noted.first().contains(u"resulttest.cpp:"_s));
 }

@@ -134,6 +134,12 @@ bool PosixFileService::isReachable(const QString &path) const
     return lstat(nativePath(path).constData(), &state) == 0;
 }
 
+bool PosixFileService::exists(const QString &path) const
+{
+    const QByteArray native = nativePath(path);
+    return isAllowed({AT_FDCWD, native.constData()}, F_OK);
+}
+
 bool PosixFileService::isReadable(const QString &path) const
 {
     const QByteArray native = nativePath(path);

@@ -9,6 +9,7 @@ namespace platform {
 class PosixFileService : public FileService {
 public:
     bool isReachable(const QString &path) const override;
+    bool exists(const QString &path) const override;
     bool isReadable(const QString &path) const override;
     FileKind kind(const QString &path) const override;
     std::optional<bool> isPackage(const QString &path) const override;

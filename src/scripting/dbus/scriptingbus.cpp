@@ -7,6 +7,7 @@
 #include "scripting/dbus/busvalue.h"
 #include "scripting/dbus/documentsignals.h"
 #include "scripting/dbus/lasterrors.h"
+#include "scripting/logging.h"
 
 #include <QCoreApplication>
 #include <QDBusConnectionInterface>
@@ -212,6 +213,7 @@ void ScriptingBus::serve(const BusCall &call)
 
 void ScriptingBus::serveNow(const BusCall &call)
 {
+    qCDebug(scriptingLogging).noquote() << call.caller() << "calls" << call.member() << "of" << call.path();
     const auto object = m_objects.find(call.path(), call.caller());
     if (!object)
         return call.replyWithError(buserror::unknownObject, u"There is no object %1."_s.arg(call.path()));

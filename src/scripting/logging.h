@@ -1,0 +1,11 @@
+#pragma once
+
+#include <QLoggingCategory>
+
+/// What scripts ask, and what they are refused.
+/// Off unless `QT_LOGGING_RULES` turns `sealwright.scripting.debug` on. Any thread.
+inline const QLoggingCategory &scriptingLogging()
+{
+    static const QLoggingCategory category("sealwright.scripting", QtCriticalMsg);
+    return category;
+}

@@ -1,0 +1,11 @@
+#pragma once
+
+#include <QLoggingCategory>
+
+/// What is found to be signed.
+/// Off unless `QT_LOGGING_RULES` turns `sealwright.signing.debug` on. Any thread.
+inline const QLoggingCategory &signingLogging()
+{
+    static const QLoggingCategory category("sealwright.signing", QtCriticalMsg);
+    return category;
+}
