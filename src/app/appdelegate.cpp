@@ -1,6 +1,7 @@
 #include "app/appdelegate.h"
 
 #include "about/aboutcontroller.h"
+#include "app/logging.h"
 #include "app/preferencekeys.h"
 #include "document/documentcommands.h"
 #include "document/documentdefaults.h"
@@ -75,8 +76,8 @@ void AppDelegate::applicationDidFinishLaunching()
     if (m_droppedURLs)
         loadDroppedURLs(*m_droppedURLs);
     changeStatus(status::ready);
-    m_host.distributedNotifications.addObserver(*this, configurationsChanged,
-                                                [this] { dropDMGConfigChange(); });
+    m_host.distributedNotifications.addObserver(
+        *this, configurationsChanged, [this] { dropDMGConfigChange(); }, platform::Repeats::areMerged);
     lookForWaits();
 }
 
@@ -106,6 +107,17 @@ void AppDelegate::applicationWillTerminate()
     m_host.distributedNotifications.removeObserver(*this);
 }
 
+void AppDelegate::endBySignal(const QString &signal)
+{
+    for (const DocumentPtr &document : m_allControllers) {
+        if (!document->isBusy())
+            continue;
+        document->logErrorMain(u"Sealwright has been ended by %1 while this was going on."_s.arg(signal));
+        document->closeLog();
+    }
+    m_host.application.terminate();
+}
+
 SLWTaskMasterPtr AppDelegate::newTaskMaster() const
 {
     return std::make_shared<SLWTaskMaster>(
@@ -116,6 +128,7 @@ SLWTaskMasterPtr AppDelegate::newTaskMaster() const
 
 void AppDelegate::applicationOpenFiles(const QStringList &paths)
 {
+    qCDebug(appLogging).noquote() << "opens:" << paths;
     QList<QUrl> urls;
     for (const QString &path : paths) {
         if (submittableExtensions().contains(itempath::extension(path)) || waits::isFolderOfOne(m_host, path))

@@ -41,6 +41,9 @@ public:
     void applicationWillFinishLaunching();
     void applicationDidFinishLaunching();
     void applicationWillTerminate();
+    /// The host ends the application by the signal of that name: each log of a run says so as its last line,
+    /// and the application quits. No tool is cancelled or waited for, as at any quitting.
+    void endBySignal(const QString &signal);
     /// Whether there is no notary tool: the application is about to quit, and nothing may open a document.
     bool hasLaunchFailed() const { return m_hasLaunchFailed; }
     bool applicationShouldTerminateAfterLastWindowClosed() const { return false; }

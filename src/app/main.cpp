@@ -1,5 +1,6 @@
 #include "app/desktophost.h"
 #include "commit.h"
+#include "platform/posix/endsignals.h"
 #include "scripting/dbus/scriptingbus.h"
 #include "ui/launcherentry.h"
 
@@ -59,6 +60,8 @@ int launchAndRun(AppDelegate &delegate, ScriptingBus &bus)
     delegate.applicationWillFinishLaunching();
     bus.takeArrivedCalls(); // a client that looks at the objects first may open files before launch has ended
     delegate.applicationDidFinishLaunching();
+    const platform::EndSignals endSignals(
+        [&delegate](int signal) { delegate.endBySignal(platform::nameOfEndSignal(signal)); });
     return QApplication::exec();
 }
 
@@ -82,6 +85,8 @@ int runDesktopApplication()
 {
     QCoreApplication::sendPostedEvents(nullptr, QEvent::UpdateRequest); // writes settings not yet on disk
     std::fflush(nullptr);
+    if (const int signal = platform::EndSignals::arrived(); signal != 0)
+        platform::EndSignals::endBy(signal);
     std::_Exit(status);
 }
 

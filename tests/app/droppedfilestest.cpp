@@ -94,6 +94,15 @@ TEST_F(DroppedFiles, aDropAfterLaunchMakesItsDocumentsAtOnceAndComesToTheFront)
     EXPECT_EQ(host.applicationHost.activations, activations + 2 + 1) << "once a document, once at the end";
 }
 
+TEST_F(DroppedFiles, aDropAfterLaunchComesToTheFrontBehindItsDocuments)
+{
+    host.launch();
+    const int activations = host.applicationHost.activations;
+    host.application().applicationOpenFiles({u"/items/Foo.app"_s});
+    EXPECT_EQ(host.applicationHost.activationsWhenShown, activations + 1) << "that of the document itself";
+    EXPECT_EQ(host.applicationHost.activations, activations + 2);
+}
+
 TEST_F(DroppedFiles, aRefusedDropAfterLaunchStillComesToTheFront)
 {
     host.launch();

@@ -73,6 +73,17 @@ TEST_F(Launch, isStillLoadingWhenTheEmptyDocumentIsThere)
               QStringList{u"com.c-command.DropDMG.ConfigurationsChanged"_s});
 }
 
+TEST_F(Launch, comesToTheFrontBeforeItsDocumentIsShown)
+{
+    host.launch();
+    EXPECT_EQ(host.applicationHost.activationsWhenShown, 1);
+    host.application().newDocument(0);
+    EXPECT_EQ(host.applicationHost.activations, 1)
+        << "a document of the menu's own brings nothing to the front";
+    host.application().addedDocument();
+    EXPECT_EQ(host.applicationHost.activationsWhenShown, 2);
+}
+
 TEST_F(Launch, loadsDroppedFilesAfterTheUpdaterHasBeenAsked)
 {
     host.updater.onCall = [&] { EXPECT_TRUE(host.application().allControllers().isEmpty()); };
@@ -211,6 +222,23 @@ TEST_F(Launch, closingAllWindowsLeavesTheApplicationRunning)
     EXPECT_TRUE(host.application().allControllers().isEmpty());
     EXPECT_FALSE(host.application().applicationShouldTerminateAfterLastWindowClosed());
     EXPECT_FALSE(host.applicationHost.isTerminated);
+}
+
+TEST_F(Launch, aSignalThatEndsItIsTheLastLineOfALogThatIsOpen)
+{
+    host.launch();
+    host.application().newDocument(0);
+    MainWinController &busy = host.document();
+    busy.isBusy.set(true);
+    busy.loggingToFile.set(true);
+    busy.openLog(host.item(u"log.txt"_s), u"head"_s);
+    host.application().endBySignal(u"SIGTERM"_s);
+    busy.logString(u"a worker's late line"_s);
+    EXPECT_TRUE(host.text(u"log.txt"_s)
+                    .endsWith(u": Sealwright has been ended by SIGTERM while this was going on.\n"_s));
+    EXPECT_TRUE(host.application().allControllers().first()->statusTextView.string().isEmpty())
+        << "of an idle document there is nothing to say";
+    EXPECT_TRUE(host.applicationHost.isTerminated);
 }
 
 TEST_F(Launch, terminationStopsWatchingDropDMG)

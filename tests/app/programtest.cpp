@@ -9,6 +9,8 @@
 #include <QDir>
 #include <QRegularExpression>
 
+#include <csignal>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -123,6 +125,29 @@ TEST_F(BuiltProgram, quitsAtOnceAndLeavesARunningToolToItself)
     host.tools.release(u"codesign"_s, 1);
     host.runUntil([this] { return host.tools.hasGoneOn(u"codesign"_s, 1); });
 }
+
+class EndingSignal : public BuiltProgram, public testing::WithParamInterface<int> { };
+
+TEST_P(EndingSignal, isTheLastThingThatTheLogOfARunTells)
+{
+    items::makeBundle(host.item(u"Foo.app"_s));
+    host.tools.answerRun(u"codesign"_s, 1, {.hangs = true});
+    startAndWait();
+    const QDBusPendingCall lost =
+        client.beginSubmit({{u"at"_s, QUrl::fromLocalFile(host.item(u"Foo.app"_s)).toString()}});
+    host.runUntil([this] { return !host.tools.callsOf(u"codesign"_s).isEmpty(); });
+    ::kill(static_cast<pid_t>(process.processId()), GetParam());
+    EXPECT_EQ(end(process), -1) << "whoever waits for it sees the signal";
+    const QString name = GetParam() == SIGTERM ? u"SIGTERM"_s : u"SIGINT"_s;
+    const QString log = host.text(u"Foo - Working/Submission Log.txt"_s);
+    EXPECT_TRUE(log.endsWith(u": Sealwright has been ended by %1 while this was going on.\n"_s.arg(name)))
+        << log.toStdString();
+    host.tools.release(u"codesign"_s, 1);
+    host.runUntil([this] { return host.tools.hasGoneOn(u"codesign"_s, 1); });
+}
+
+INSTANTIATE_TEST_SUITE_P(Signals, EndingSignal, testing::Values(SIGTERM, SIGINT),
+                         [](const auto &row) { return row.param == SIGTERM ? "SIGTERM" : "SIGINT"; });
 
 TEST_F(BuiltProgram, runsTheToolsBelowTheRootThatThePreferencesName)
 {
