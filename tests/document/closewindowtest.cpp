@@ -165,6 +165,17 @@ TEST_F(CloseWindow, endsAnEditInProgress)
     EXPECT_FALSE(isOpen());
 }
 
+TEST_F(CloseWindow, endsTheEditBeforeTheApplicationForgetsTheDocument)
+{
+    const DocumentPtr held = host.application().allControllers().first();
+    const int before = host.window().editsEnded;
+    int whenForgotten = before;
+    QObject::connect(&host.application(), &AppDelegate::documentRemoved, &host.application(),
+                     [&](MainWinController *gone) { whenForgotten = host.window(*gone).editsEnded; });
+    held->windowWillClose();
+    EXPECT_EQ(whenForgotten, before + 1);
+}
+
 TEST_F(CloseWindow, twiceWhileTheQuestionIsUpAsksAgain)
 {
     document().isBusy.set(true);

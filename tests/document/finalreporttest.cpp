@@ -252,6 +252,35 @@ TEST_F(FinalReport, afterACancelIsSwallowedOnceAndWithoutATrace)
     EXPECT_EQ(replies, 1);
 }
 
+TEST_F(FinalReport, looksForACancelWhenItsTurnComesAndNotWhenItIsQueued)
+{
+    work(false, false);
+    document().dispatchFinalAlertOrMessage(title, seeLog, u"codesign was ended"_s);
+    document().cancelPressed.set(true);
+    host.settle();
+    EXPECT_FALSE(document().cancelPressed());
+    EXPECT_TRUE(host.log().isEmpty()) << "the cancel came between";
+
+    document().cancelPressed.set(true);
+    document().dispatchFinalAlertOrMessage(title, seeLog, u"ditto failed"_s);
+    document().cancelPressed.set(false);
+    host.settle();
+    EXPECT_EQ(host.log(LogStyle::error), QStringList{u"ditto failed"_s});
+}
+
+TEST_F(FinalReport, closesTheLogFileBeforeAScriptHearsOfIt)
+{
+    std::optional<bool> isOpenAtTheReply;
+    document().currentCommand.set(std::make_shared<ScriptCommand>(
+        QVariantMap(), [&](const ScriptReply &) { isOpenAtTheReply = document().logHandle() != nullptr; }));
+    work(true, true);
+    document().loggingToFile.set(true);
+    document().openLog(host.item(u"log.txt"_s), u"head"_s);
+    document().finalAlertOrMessage(title, seeLog, u"ditto failed"_s);
+    EXPECT_EQ(isOpenAtTheReply, false);
+    EXPECT_TRUE(host.text(u"log.txt"_s).endsWith(u": ditto failed\n"_s));
+}
+
 // A script's result
 
 TEST_F(FinalReport, theResultOfASuccessIsTheItemOrItsDiskImage)

@@ -6,6 +6,10 @@
 
 #include <gtest/gtest.h>
 
+#include <sched.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -59,6 +63,58 @@ TEST_F(TwoDocuments, ofVersionThreeTakeTurns)
     host.settle();
     EXPECT_EQ(host.tools.order(), (QStringList{u"xattr"_s, u"ditto"_s}));
     EXPECT_EQ(answerOfA->outputString(), u"a's text"_s) << "the next run may not empty what a document reads";
+    EXPECT_EQ(answerOfB->status(), 0);
+}
+
+namespace {
+
+/// Has the calling thread run on the first processor alone, so that of two such threads the one that gives
+/// way is behind the other one.
+void keepToOneProcessor()
+{
+#ifdef __linux__
+    cpu_set_t allowed;
+    sched_getaffinity(0, sizeof allowed, &allowed);
+    int first = 0;
+    while (!CPU_ISSET(first, &allowed))
+        ++first;
+    cpu_set_t one;
+    CPU_ZERO(&one);
+    CPU_SET(first, &one);
+    sched_setaffinity(0, sizeof one, &one);
+#endif
+}
+
+void giveWay()
+{
+#ifdef __linux__
+    setpriority(PRIO_PROCESS, static_cast<id_t>(gettid()), 19);
+#endif
+}
+
+} // namespace
+
+TEST_F(TwoDocuments, ofVersionThreeHaveTheirOutputBeforeTheNextRunEmptiesIt)
+{
+    launchWithVersion("3.2.1");
+    host.tools.answer(u"xattr"_s, {.output = "a's text", .hangs = true});
+    std::atomic<int> atTheRunner = 0;
+    QString textOfA;
+    a->dispatchToWorker([&] {
+        keepToOneProcessor();
+        giveWay();
+        textOfA = SingleSteps(*a).tools.run(xattr, {})->outputString();
+    });
+    host.runUntil([this] { return !host.tools.calls().isEmpty(); });
+    b->dispatchToWorker([&] { // is awake before the slower thread has done anything more
+        keepToOneProcessor();
+        ++atTheRunner;
+        answerOfB = SingleSteps(*b).tools.run(ditto, {host.item(u"x"_s)});
+    });
+    host.runUntil([&] { return atTheRunner > 0; });
+    host.tools.release(u"xattr"_s);
+    host.settle();
+    EXPECT_EQ(textOfA, u"a's text"_s);
     EXPECT_EQ(answerOfB->status(), 0);
 }
 

@@ -2,12 +2,15 @@
 
 #include "app/preferencekeys.h"
 #include "document/mainwincontroller.h"
+#include "platform/qt/systemclock.h"
 #include "platform/scriptcommand.h"
 #include "support/items.h"
 #include "support/singlesteps.h"
 #include "support/testhost.h"
 
 #include <gtest/gtest.h>
+
+#include <ctime>
 
 using namespace Qt::StringLiterals;
 
@@ -48,6 +51,34 @@ TEST_F(SubmissionLog, theTimeHasAllItsDigits)
     document().logString(u"hello"_s);
     host.settle();
     EXPECT_EQ(windowLog(), u"01:02:03.004: hello\n"_s);
+}
+
+TEST_F(SubmissionLog, theTimeIsThatOfTheLineAndNotOfItsWayToTheWindow)
+{
+    openLog();
+    document().logString(u"hello"_s);
+    document().logBoldString(u"heading"_s);
+    host.clock.time = host.clock.time.addSecs(5);
+    host.settle();
+    EXPECT_EQ(windowLog(), stamp + u"hello\n"_s + stamp + u"heading\n"_s);
+    EXPECT_EQ(fileLog(), stamp + u"head\n"_s + windowLog());
+}
+
+TEST_F(SubmissionLog, theTimeIsThatOfThePersonsOwnZone)
+{
+    const QByteArray zone = qgetenv("TZ");
+    qputenv("TZ", "JST-9");
+    tzset();
+    host.clock.time = QDateTime(QDate(2026, 11, 20), QTime(5, 6, 7, 89), Qt::UTC).toLocalTime();
+    document().logString(u"hello"_s);
+    host.settle();
+    EXPECT_EQ(windowLog(), u"14:06:07.089: hello\n"_s);
+    EXPECT_EQ(platform::SystemClock().now().offsetFromUtc(), 9 * 60 * 60);
+    if (zone.isNull())
+        qunsetenv("TZ");
+    else
+        qputenv("TZ", zone);
+    tzset();
 }
 
 TEST_F(SubmissionLog, aMessageThatEndsALineGetsASecondEnd)

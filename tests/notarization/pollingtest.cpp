@@ -80,6 +80,27 @@ TEST_F(Polling, theQueryNamesTheProviderIfThereIsOne)
               (QStringList{u"--asc-provider"_s, u"ExampleTeam"_s}));
 }
 
+TEST_F(Polling, aVerdictIsLoggedBeforeTheWordChangesAndTheWordBeforeThePersonIsTold)
+{
+    host.tools.answer(infoTool, success());
+    wait();
+    int changes = 0;
+    const QObject watcher;
+    QObject::connect(
+        &host.document().statusString, &Observable::changed, &watcher,
+        [&] {
+            if (host.document().statusString() != status::stapling)
+                return;
+            ++changes;
+            EXPECT_EQ(fileLines(u"Foo - Submitted"_s, u"notarized and will now be stapled"_s).size(), 1);
+            EXPECT_TRUE(host.userNotifications.delivered.isEmpty());
+        },
+        Qt::DirectConnection); // on the thread of the run
+    poll();
+    EXPECT_EQ(changes, 1);
+    EXPECT_EQ(host.userNotifications.delivered.size(), 1);
+}
+
 TEST_F(Polling, inProgressAsksAgainAfterTheNormalDelay)
 {
     host.preferences.setValue(key::pollingDelay, 45.0);

@@ -69,6 +69,12 @@ TEST_F(Issues, withNumbersAndNestedObjectsAloneGiveTheSeparatorLineAlone)
     EXPECT_EQ(host.log(LogStyle::error), QStringList{u"\n----------"_s});
 }
 
+TEST_F(Issues, withoutAnyEntryGiveTheSeparatorLineAsWell)
+{
+    finishWithLog(R"({"issues": [{}, {"message": "unsigned"}]})");
+    EXPECT_EQ(host.log(LogStyle::error), QStringList{u"\n----------\nmessage: unsigned\n----------"_s});
+}
+
 TEST_F(Issues, inALogThatIsNoJsonAreNone)
 {
     finishWithLog("<html>");

@@ -130,6 +130,14 @@ TEST_F(Stapling, withoutAnOriginalBesideTheFolderMakesNoFolderForItAndRenames)
     EXPECT_FALSE(host.listing(u"Foo - Notarized"_s).contains(u"Foo - Unmodified Original"_s));
 }
 
+TEST_F(Stapling, namesThePlaceOfTheOriginalWhetherItLiesThereOrNot)
+{
+    ASSERT_TRUE(host.files.removeItem(host.item(u"Foo.app"_s)));
+    items::makeBundle(host.item(u"Foo - Submitted/Foo.app"_s));
+    stapleWhereItLies(host.item(u"Foo - Submitted/Foo.app"_s));
+    EXPECT_EQ(host.document().originalAppletURL(), itempath::toUrl(host.item(u"Foo.app"_s)));
+}
+
 TEST_F(Stapling, thatCannotMoveTheOriginalLeavesItAndRemovesTheEmptyFolder)
 {
     host.files.failure = [](const QString &operation, const QString &path) {

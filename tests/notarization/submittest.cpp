@@ -57,6 +57,31 @@ void Submit::offerInstallerIdentity()
                                  "2) BB \"Developer ID Installer: Example Corp (A1B2C3D4E5)\"\n"});
 }
 
+TEST_F(Submit, forgetsWhatWasUploadedBeforeUntilThereIsAnUpload)
+{
+    host.tools.answerRun(historyTool, 1, {.hangs = true});
+    launched().submitFilePath.set(u"/earlier/Foo.dmg"_s);
+    begin();
+    EXPECT_TRUE(host.document().submitFilePath().isNull());
+    host.runUntil([this] { return !host.tools.callsOf(historyTool).isEmpty(); });
+    host.tools.release(historyTool, 1);
+    host.settle();
+    EXPECT_EQ(host.document().submitFilePath(), host.item(u"Foo - Submitted/Foo.zip"_s));
+}
+
+TEST_F(Submit, checksTheCredentialsOnTheRunnerOfOrdinaryTools)
+{
+    shareRunners();
+    host.tools.answerRun(historyTool, 1, {.hangs = true});
+    launched();
+    begin();
+    host.runUntil([this] { return !host.tools.callsOf(historyTool).isEmpty(); });
+    EXPECT_TRUE(host.application().taskMaster()->currentTask());
+    EXPECT_FALSE(host.application().uploadTaskMaster()->currentTask());
+    host.tools.release(historyTool, 1);
+    host.settle();
+}
+
 // The panel
 
 TEST_F(Submit, byThePanelAsksForTheFiveKinds)

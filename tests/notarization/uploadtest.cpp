@@ -106,6 +106,33 @@ TEST_F(UploadTest, withoutASuccessMessageTellsNoResult)
     EXPECT_EQ(host.text(u"Foo - Submitted/RequestUUID.txt"_s), u"abc"_s);
 }
 
+TEST_F(UploadTest, withASuccessMessageOfNoLettersTellsIt)
+{
+    prepareArchive();
+    host.tools.answer(
+        uploadTool(),
+        {.output = "<plist version=\"1.0\"><dict><key>notarization-upload</key><dict><key>RequestUUID</key>"
+                   "<string>abc</string></dict><key>success-message</key><string></string></dict></plist>"});
+    EXPECT_TRUE(upload());
+    EXPECT_EQ(host.log(LogStyle::bold).mid(1),
+              (QStringList{uploadingLine, u"Upload result: "_s, waitingLine}));
+}
+
+TEST_F(UploadTest, givesTheFolderItsNameBeforeItWritesTheIdentifier)
+{
+    prepareArchive();
+    QStringList operations;
+    host.files.failure = [&](const QString &operation, const QString &path) {
+        if (operation == "moveItem"_L1 || operation == "writeFileAtomically"_L1)
+            operations.append(operation + u' ' + path);
+        return QString();
+    };
+    EXPECT_TRUE(upload());
+    EXPECT_EQ(operations,
+              (QStringList{u"moveItem "_s + host.item(u"Foo - Submitted"_s),
+                           u"writeFileAtomically "_s + host.item(u"Foo - Submitted/RequestUUID.txt"_s)}));
+}
+
 TEST_F(UploadTest, writesTheIdentifierExactlyAsItCame)
 {
     prepareArchive();

@@ -80,6 +80,21 @@ TEST_F(CancelWhileSigning, betweenTwoMembersStopsOnlyTheStepsThatFollow)
     EXPECT_TRUE(document().cancelPressed());
 }
 
+TEST_F(CancelWhileSigning, behindTheToolOfAMemberStopsNoMemberThatFollows)
+{
+    host.launcher.afterRun = [this](const QString &path) {
+        if (path.endsWith(u"/codesign"_s))
+            document().cancelPressed.set(true);
+    };
+    host.launch();
+    host.submit(host.item(u"Foo.app"_s));
+    const auto lines = host.tools.callsOf(u"codesign"_s);
+    ASSERT_EQ(lines.size(), 2) << "both members, and not the item";
+    EXPECT_TRUE(lines[1].last().endsWith(u"/P.app"_s));
+    expectNoReport();
+    EXPECT_EQ(host.listing(), (QStringList{u"Foo - Working"_s, u"Foo.app"_s}));
+}
+
 TEST_F(CancelWhileSigning, leavesTheToolAloneWhereTheRunnersAreShared)
 {
     host.tools.answer(u"altool-h"_s, {.output = "Version 3.9.9 (1)\n"});
