@@ -153,7 +153,9 @@ protected:
             if (road.host.timers.armed().size() == 1)
                 road.host.timers.fireNext();
             // Until the launch has returned, the signal of a cancel might come after the release.
-            return road.host.tools.callsOf(tool).size() == run && !road.host.launcher.isLaunching();
+            // And what the run has queued before the tool decides to which runner a cancel goes.
+            return road.host.tools.callsOf(tool).size() == run && !road.host.launcher.isLaunching()
+                && road.host.mainQueue.isEmpty();
         });
         road.host.document().doCancel();
         road.host.tools.release(tool, run);
