@@ -12,16 +12,36 @@ namespace {
 constexpr int documents = 50;
 constexpr int watched = 40; // seconds; each document asks twice
 
-using Clients = std::vector<std::unique_ptr<QProcess>>;
+/// They wait for a verdict that never comes, and are ended with whoever holds them.
+class Clients {
+public:
+    Clients() = default;
+    Clients(Clients &&) = default;
+    Clients &operator=(Clients &&) = delete;
+    ~Clients()
+    {
+        for (const auto &client : m_clients)
+            client->kill();
+        for (const auto &client : m_clients)
+            client->waitForFinished(-1);
+    }
+
+    void start(const QStringList &arguments)
+    {
+        m_clients.push_back(std::make_unique<QProcess>());
+        m_clients.back()->start(QStringLiteral(SEALWRIGHT_CLIENT), arguments);
+    }
+
+private:
+    std::vector<std::unique_ptr<QProcess>> m_clients;
+};
 
 /// Submits all items and comes back when all wait.
 Clients submitAll(const LiveApplication &application)
 {
     Clients clients;
-    for (int document = 0; document < documents; ++document) {
-        clients.push_back(std::make_unique<QProcess>());
-        clients.back()->start(QStringLiteral(SEALWRIGHT_CLIENT), {u"submit"_s, application.item(document)});
-    }
+    for (int document = 0; document < documents; ++document)
+        clients.start({u"submit"_s, application.item(document)});
     LiveApplication::until(
         [] { return LiveApplication::outputOf({u"documents"_s}).count("\twaiting\t") == documents; });
     return clients;
