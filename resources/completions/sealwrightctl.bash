@@ -11,7 +11,7 @@ _sealwrightctl()
         cur=${words[cword]}
         prev=${words[cword - 1]}
     fi
-    local work="--document --show-dialogs --follow --timeout --json --close"
+    local work="--document --show-dialogs --follow --timeout --tool-pause --json --close"
     local candidates=
 
     case $prev in
@@ -25,7 +25,7 @@ _sealwrightctl()
             mapfile -t COMPREPLY < <(compgen -W "$candidates" -- "$cur")
             return
             ;;
-        --timeout | --page | --identity) return ;;
+        --timeout | --page | --identity | --tool-pause) return ;;
     esac
 
     if ((cword == 1)); then
@@ -39,7 +39,7 @@ _sealwrightctl()
         submit) candidates="$work --skip-stapling" ;;
         staple | sign) candidates=$work ;;
         prepare) candidates="--document --identity" ;;
-        history) candidates="--document --page --xml --timeout --json --close" ;;
+        history) candidates="--document --page --xml --timeout --tool-pause --json --close" ;;
         resume) candidates="--all --show-dialogs --follow --timeout --json --close" ;;
         documents | windows | waiting) candidates=--json ;;
         examine) candidates="--document --json" ;;

@@ -22,9 +22,9 @@ struct Grammar {
 
 const QStringList allOptions{u"document"_s, u"window"_s,   u"show-dialogs"_s, u"skip-stapling"_s, u"follow"_s,
                              u"timeout"_s,  u"identity"_s, u"page"_s,         u"xml"_s,           u"unset"_s,
-                             u"json"_s,     u"close"_s,    u"all"_s};
-const QStringList workOptions{u"document"_s, u"show-dialogs"_s, u"follow"_s,
-                              u"timeout"_s,  u"json"_s,         u"close"_s};
+                             u"json"_s,     u"close"_s,    u"all"_s,          u"tool-pause"_s};
+const QStringList workOptions{u"document"_s, u"show-dialogs"_s, u"follow"_s,    u"timeout"_s,
+                              u"json"_s,     u"close"_s,        u"tool-pause"_s};
 
 const QList<Grammar> &grammars()
 {
@@ -35,7 +35,10 @@ const QList<Grammar> &grammars()
         {u"resume"_s, 0, 1, {u"all"_s, u"show-dialogs"_s, u"follow"_s, u"timeout"_s, u"json"_s, u"close"_s}},
         {u"waiting"_s, 0, 0, {u"json"_s}},
         {u"prepare"_s, 1, 1, {u"document"_s, u"identity"_s}},
-        {u"history"_s, 0, 0, {u"document"_s, u"page"_s, u"xml"_s, u"timeout"_s, u"json"_s, u"close"_s}},
+        {u"history"_s,
+         0,
+         0,
+         {u"document"_s, u"page"_s, u"xml"_s, u"timeout"_s, u"json"_s, u"close"_s, u"tool-pause"_s}},
         {u"examine"_s, 1, 1, {u"document"_s, u"json"_s}},
         {u"issues"_s, 1, 1, {u"json"_s}},
         {u"compare"_s, 2, 2, {u"json"_s}},
@@ -58,7 +61,8 @@ enum class Options { anywhere, beforeOperands };
 
 QCommandLineOption option(const QString &name)
 {
-    const QStringList optionsWithValue{u"document"_s, u"window"_s, u"timeout"_s, u"identity"_s, u"page"_s};
+    const QStringList optionsWithValue{u"document"_s, u"window"_s, u"timeout"_s,
+                                       u"identity"_s, u"page"_s,   u"tool-pause"_s};
     return {name, {}, optionsWithValue.contains(name) ? u"value"_s : QString()};
 }
 
@@ -86,6 +90,14 @@ int milliseconds(const QString &seconds)
         return 0;
     return static_cast<int>(
         std::clamp<double>(value, 1, static_cast<double>(std::numeric_limits<int>::max())));
+}
+
+/// Below 0 for a text that is no pause.
+double pause(const QString &seconds)
+{
+    bool isNumber = false;
+    const double value = seconds.toDouble(&isNumber);
+    return isNumber && value >= 0 ? value : -1;
 }
 
 /// Below 0 for a text that is no page.
@@ -135,6 +147,8 @@ QString problemOf(const Request &request, const QCommandLineParser &parser)
         return u"--document and --window exclude each other"_s;
     if (request.timeout == 0)
         return u"--timeout takes a number of seconds above 0"_s;
+    if (parser.isSet(u"tool-pause"_s) && request.toolPause < 0)
+        return u"--tool-pause takes a number of seconds from 0 up"_s;
     if (request.page < 0)
         return u"--page takes a whole number from 0 up"_s;
     if (request.command == "set"_L1)
@@ -166,6 +180,8 @@ Request readOptions(const Grammar &grammar, const QCommandLineParser &parser)
     if (parser.isSet(u"page"_s))
         request.page = page(parser.value(u"page"_s));
     request.xml = parser.isSet(u"xml"_s);
+    if (parser.isSet(u"tool-pause"_s))
+        request.toolPause = pause(parser.value(u"tool-pause"_s));
     if (parser.isSet(u"timeout"_s))
         request.timeout = milliseconds(parser.value(u"timeout"_s));
     return request;
@@ -276,12 +292,13 @@ is started if it does not run.
     --skip-stapling    ends when the upload is done, without waiting for the verdict
     --follow           prints the log to standard error as it comes; an interrupt cancels
     --timeout SECONDS  how long to wait; without it, there is no limit
+    --tool-pause SECONDS   has the document wait so long after each tool, in place of what is set; 0 is quickest
     --json             prints the document, its status, its log and the result or the error as JSON
     --close            closes the document when the answer is there. Without it a document of its own stays
                        open; whoever submits often wants it
   staple PATH      Staples an item that has been submitted before. Prints the path of the item.
   sign PATH        Signs a copy of an app or a folder. Prints the path of the signed copy.
-    --document ID, --show-dialogs, --follow, --timeout SECONDS, --json, --close   as above
+    --document ID, --show-dialogs, --follow, --timeout SECONDS, --tool-pause SECONDS, --json, --close   as above
   resume [PATH]    Goes on with the wait for a verdict that was left when the application ended, or that was cancelled
                    or given up. PATH is the folder "Foo - Submitted", something in it, or the item that was submitted;
                    without it, the one submission that waits is meant. Prints the path of the finished item.
@@ -293,7 +310,7 @@ is started if it does not run.
     --document ID      in that document; otherwise in a new one
     --identity NAME    with that signing identity, if there is one of that name
   history          Prints a page of the account's submissions.
-    --document ID, --timeout SECONDS, --json, --close   as above
+    --document ID, --timeout SECONDS, --tool-pause SECONDS, --json, --close   as above
     --page N           that page; otherwise page 0
     --xml              as a property list
   examine PATH     Tells what a run would do with the item and what would be refused. Changes nothing.

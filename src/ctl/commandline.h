@@ -25,6 +25,7 @@ struct Request {
     bool unset = false; ///< set to no value
     bool all = false; ///< of what there is, in place of one
     bool close = false; ///< the document, when all is over
+    double toolPause = -1; ///< seconds; below 0 for that of the preferences
     int timeout = std::numeric_limits<int>::max(); ///< milliseconds; the greatest value is none
 };
 

@@ -1,6 +1,7 @@
 #include "ctl/work.h"
 
 #include "ctl/canceller.h"
+#include "ctl/logfollower.h"
 #include "ctl/output.h"
 #include "scripting/dbus/busnames.h"
 
@@ -50,9 +51,23 @@ QString Work::documentPath() const
     return m_request.document.isEmpty() ? QString() : Client::documentPath(m_request.document);
 }
 
-QDBusMessage Work::message(const QString &name, const QVariantMap &arguments) const
+/// A document of its own for a pause of its own: a command makes its document with what is set.
+Answer Work::giveToolPause(const LogFollower &follower) const
 {
+    const QVariantMap pause{{u"ToolPause"_s, m_request.toolPause}};
     if (const QString document = documentPath(); !document.isEmpty())
+        return m_client.call(
+            Client::setProperty(document, bus::documentInterface, pause.firstKey(), pause.first()));
+    const Answer made = m_client.call(Client::method(bus::applicationPath, bus::applicationInterface,
+                                                     u"MakeDocument"_s, {pause}, Client::Start::onDemand));
+    if (!made && !follower.documentPath().isEmpty())
+        closeDocument(follower.documentPath());
+    return made;
+}
+
+QDBusMessage Work::message(const QString &document, const QString &name, const QVariantMap &arguments) const
+{
+    if (!document.isEmpty())
         return Client::method(document, bus::documentInterface, name, {arguments});
     return Client::method(bus::applicationPath, bus::applicationInterface, name, {arguments},
                           Client::Start::onDemand);
@@ -67,12 +82,17 @@ Answer Work::carryOut(const QString &name, const QVariantMap &arguments, Show sh
         if (m_request.follow)
             output::printError(entry);
     });
+    if (m_request.toolPause >= 0) {
+        if (const Answer given = giveToolPause(follower); !given)
+            return given;
+    }
+    const QString document = m_request.toolPause >= 0 ? follower.documentPath() : documentPath();
     std::unique_ptr<Canceller> canceller;
     if (m_request.follow)
         canceller = std::make_unique<Canceller>(m_client, follower,
                                                 name == "StapleOnly"_L1 ? Canceller::Effect::isIgnored
                                                                         : Canceller::Effect::cancels);
-    const Answer answer = m_client.call(message(name, arguments), m_request.timeout);
+    const Answer answer = m_client.call(message(document, name, arguments), m_request.timeout);
     if (m_request.follow || m_request.json || m_request.close)
         follower.finish();
     if (m_request.json)

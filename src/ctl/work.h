@@ -5,6 +5,8 @@
 
 #include <QVariantMap>
 
+class LogFollower;
+
 /// A command that a document works on for a while, in the document that the request names, and otherwise in a
 /// new one of its own: it may be followed, told as JSON, and its document closed at its end.
 class Work {
@@ -19,7 +21,8 @@ public:
 
 private:
     QString documentPath() const;
-    QDBusMessage message(const QString &name, const QVariantMap &arguments) const;
+    Answer giveToolPause(const LogFollower &follower) const;
+    QDBusMessage message(const QString &document, const QString &name, const QVariantMap &arguments) const;
     QJsonObject described(const Answer &answer, const QString &document, const QStringList &log,
                           Show show) const;
     void closeDocument(const QString &path) const;

@@ -42,6 +42,8 @@ public:
     /// Makes the writes one after the other, also when one of them is an error. Main thread.
     void setScriptingProperties(const QVariantMap &valuesByKey);
     void setAEActiveIdentity(const QString &identity);
+    /// Of the document's own runner, in seconds.
+    void setToolPause(double seconds);
     /// Takes the URL of a property list, and has an error for that, too.
     void setAEExtraEntitlements(const QVariant &url);
     /// With DropDMG missing, turning it on turns it off for documents that are made later.

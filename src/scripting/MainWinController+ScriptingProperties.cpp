@@ -62,6 +62,12 @@ QVariant activeIdentity(Document &document)
     return title == noIdentitiesPlaceholder ? QVariant() : title;
 }
 
+QVariant toolPause(Document &document)
+{
+    const auto own = document.controller().ownTaskRunner();
+    return own ? QVariant(own->pauseAfterExit()) : QVariant();
+}
+
 QList<DocumentProperty> stateProperties()
 {
     return {
@@ -85,6 +91,9 @@ QList<DocumentProperty> stateProperties()
 QList<DocumentProperty> signingProperties()
 {
     return {
+        {u"toolPause"_s, toolPause, whenReady<Document>([](Document &document, const QVariant &value) {
+             document.setToolPause(value.toDouble());
+         })},
         checkbox(u"AESkipEnclosures"_s, &Controls::dontSignEnclosuresCheckbox),
         {u"AEPathsToSkip"_s, [](Document &document) { return document.controller().skipPaths(); },
          whenReady<Document>([](Document &document, const QVariant &value) {
@@ -161,6 +170,17 @@ void MainWinControllerScripting::setAEActiveIdentity(const QString &identity)
         document.identitiesPopup.selectItemWithTitle(identity);
     else
         setScriptError(scriptErrorArgument);
+}
+
+void MainWinControllerScripting::setToolPause(double seconds)
+{
+    constexpr double longest = 60;
+    const auto own = document.ownTaskRunner();
+    if (!own)
+        return setScriptError(scriptErrorArgument, u"Documents share their runners with this notary tool."_s);
+    if (!(seconds >= 0 && seconds <= longest))
+        return setScriptError(scriptErrorArgument, u"A pause lasts from 0 to 60 seconds."_s);
+    own->setPauseAfterExit(seconds);
 }
 
 void MainWinControllerScripting::setAEExtraEntitlements(const QVariant &url)

@@ -37,6 +37,16 @@ TEST(CommandLine, withoutOptionsThereIsNoLimitOfTime)
     EXPECT_EQ(request.timeout, std::numeric_limits<int>::max());
 }
 
+TEST(CommandLine, aPauseIsANumberOfSecondsFromNoneUp)
+{
+    EXPECT_EQ(parse(u"sign Foo.app --tool-pause 0"_s).toolPause, 0);
+    EXPECT_EQ(parse(u"submit Foo.app --tool-pause 0.5"_s).toolPause, 0.5);
+    EXPECT_LT(parse(u"submit Foo.app"_s).toolPause, 0);
+    for (const QString &line : {u"sign Foo.app --tool-pause -1"_s, u"sign Foo.app --tool-pause soon"_s,
+                                u"sign Foo.app --tool-pause nan"_s, u"prepare Foo.app --tool-pause 1"_s})
+        EXPECT_EQ(parse(line).kind, Request::Kind::wrongUse) << line.toStdString();
+}
+
 TEST(CommandLine, theHistoryTakesAPageAndItsForm)
 {
     const Request request = parse(u"history --page 12 --xml"_s);

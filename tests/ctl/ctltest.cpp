@@ -319,6 +319,27 @@ TEST_F(Client, theDocumentOfACommandIsClosedIfThatIsWanted)
     host.runUntil([this] { return documentCount() == 1; });
 }
 
+TEST_F(Client, aDocumentOfACommandHasThePauseThatIsAskedFor)
+{
+    appURL();
+    EXPECT_EQ(run({u"sign"_s, host.item(u"Foo.app"_s), u"--tool-pause"_s, u"0.001"_s}), 0)
+        << error.toStdString();
+    EXPECT_EQ(output, host.item(u"Foo - Signed/Foo.app"_s) + u'\n');
+    ASSERT_EQ(documentCount(), 2) << "one of its own";
+    EXPECT_EQ(host.document().ownTaskRunner()->pauseAfterExit(), 0.001);
+    host.tools.answer(u"altool--notarization-history"_s, {.output = "a page\n"});
+    EXPECT_EQ(run({u"history"_s, u"--tool-pause"_s, u"0.002"_s, u"--document"_s, element()}), 0);
+    EXPECT_EQ(host.document().ownTaskRunner()->pauseAfterExit(), 0.002);
+}
+
+TEST_F(Client, aPauseThatTheApplicationRefusesLeavesNoDocument)
+{
+    appURL();
+    EXPECT_EQ(run({u"sign"_s, host.item(u"Foo.app"_s), u"--tool-pause"_s, u"61"_s}), 1);
+    EXPECT_EQ(error, u"sealwrightctl: error 6: A pause lasts from 0 to 60 seconds.\n"_s);
+    host.runUntil([this] { return documentCount() == 1; });
+}
+
 TEST_F(Client, anInterruptOfAStaplingSaysThatItCannotBeCancelled)
 {
     host.tools.answer(u"spctl"_s, {.hangs = true});

@@ -5,6 +5,8 @@
 
 #include "document/documentcommands.h"
 
+#include <limits>
+
 using namespace Qt::StringLiterals;
 
 // Checkboxes
@@ -284,3 +286,26 @@ INSTANTIATE_TEST_SUITE_P(Objects, MissingNames,
                                                      u"RememberAppPassword"_s, u"RememberProviderName"_s},
                                                     {u"MakeDocument"_s}}),
                          [](const auto &row) { return std::string(row.param.object); });
+
+// The pause behind each tool
+
+TEST_F(DocumentProperties, aDocumentsOwnRunnerWaitsAsLongAsItIsTold)
+{
+    EXPECT_EQ(get(u"ToolPause"_s), QVariant(0.0)) << "as it is set";
+    expectTaken(u"ToolPause"_s, 0.25);
+    EXPECT_EQ(get(u"ToolPause"_s), QVariant(0.25));
+    EXPECT_EQ(host.document().ownTaskRunner()->pauseAfterExit(), 0.25);
+    for (const double wrong : {-0.1, 60.5, std::numeric_limits<double>::quiet_NaN()})
+        EXPECT_EQ(failureOf(set(u"ToolPause"_s, wrong)), u"N6 A pause lasts from 0 to 60 seconds."_s);
+    EXPECT_EQ(get(u"ToolPause"_s), QVariant(0.25));
+    host.document().changeStatus(status::waiting);
+    expectBusy(u"ToolPause"_s, 1.0);
+}
+
+TEST_F(DocumentProperties, runnersThatAreSharedHaveNoPauseOfADocuments)
+{
+    host.document().ownTaskRunner.set(nullptr);
+    EXPECT_TRUE(isNoValue(get(u"ToolPause"_s)));
+    EXPECT_EQ(failureOf(set(u"ToolPause"_s, 1.0)),
+              u"N6 Documents share their runners with this notary tool."_s);
+}
