@@ -5,6 +5,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QGuiApplication>
 #include <QStandardPaths>
 
 using namespace Qt::StringLiterals;
@@ -64,6 +65,8 @@ DesktopHost::DesktopHost(const QString &applicationFolder)
     , m_windowFactory(m_windowOrder, m_logPrinter)
     , m_application(m_windowOrder, m_logPrinter)
 {
+    if (QGuiApplication::platformName() == "offscreen"_L1)
+        m_application.paintNothing();
 }
 
 platform::Host DesktopHost::services()

@@ -6,6 +6,7 @@
 #include "ui/windoworder.h"
 
 #include <QApplication>
+#include <QWidget>
 
 #include <cstdio>
 #include <cstdlib>
@@ -79,6 +80,10 @@ QList<platform::Window *> WidgetApplication::windowsFrontToBack() const
 // The application would close its windows first, and stay if one of them did.
 bool WidgetApplication::eventFilter(QObject *watched, QEvent *event)
 {
+    if (m_paintsNothing && event->type() == QEvent::Polish) {
+        if (auto *const widget = qobject_cast<QWidget *>(watched); widget && widget->isWindow())
+            widget->setUpdatesEnabled(false);
+    }
     if (watched != qApp || event->type() != QEvent::Quit)
         return QObject::eventFilter(watched, event);
     event->accept();

@@ -19,6 +19,10 @@ public:
     /// What delivers the files that were opened while launch kept the main thread busy.
     void setPendingOpens(std::function<void()> deliver) { m_pendingOpens = std::move(deliver); }
 
+    /// Has no window that is shown from now on paint itself: where nobody can see one its pixels cost memory
+    /// and time alone.
+    void paintNothing() { m_paintsNothing = true; }
+
     void deliverPendingOpens() override;
     /// The token goes to the environment, from where the Wayland platform takes it when a window is
     /// activated. The X11 platform has no place for one after its start.
@@ -39,4 +43,5 @@ private:
     LogPrinter &m_printer;
     std::function<void()> m_pendingOpens;
     int m_exitStatus = 0;
+    bool m_paintsNothing = false;
 };

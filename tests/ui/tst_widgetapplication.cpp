@@ -5,10 +5,23 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QWindow>
 
 using namespace Qt::StringLiterals;
 
 namespace {
+
+/// How often a widget has painted itself.
+class Paints : public QObject {
+public:
+    explicit Paints(QWidget &widget) { widget.installEventFilter(this); }
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        count += event->type() == QEvent::Paint ? 1 : 0;
+        return false;
+    }
+    int count = 0;
+};
 
 class WidgetApplicationTest : public WindowTest {
 protected:
@@ -25,6 +38,29 @@ TEST_F(WidgetApplicationTest, theWindowThatWasShownLastIsInFront)
     EXPECT_EQ(application.windowsFrontToBack(), (QList{&third, &second, &first}));
     first.show();
     EXPECT_EQ(application.windowsFrontToBack(), (QList{&first, &third, &second}));
+}
+
+TEST_F(WidgetApplicationTest, aWindowThatNobodyCanSeePaintsNothing)
+{
+    QWidget seen;
+    const Paints ofSeen(seen);
+    seen.show();
+    until([&] { return ofSeen.count > 0; });
+    application.paintNothing();
+    QWidget unseen;
+    QWidget inside(&unseen);
+    const Paints ofUnseen(unseen);
+    const Paints ofInside(inside);
+    unseen.show();
+    until([&] { return unseen.windowHandle()->isExposed(); });
+    inside.update();
+    unseen.update();
+    const int before = ofSeen.count;
+    seen.update(); // which comes behind them
+    until([&] { return ofSeen.count > before; });
+    EXPECT_EQ(ofUnseen.count, 0);
+    EXPECT_EQ(ofInside.count, 0);
+    EXPECT_TRUE(unseen.isVisible());
 }
 
 TEST_F(WidgetApplicationTest, aWindowThatAPersonActivatesComesToTheFront)
