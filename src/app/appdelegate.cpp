@@ -17,6 +17,8 @@
 #include "scripting/NSApplication+Scripting.h"
 #include "scripting/scripterrors.h"
 
+#include <QSet>
+
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
@@ -219,9 +221,9 @@ void AppDelegate::newDocument(int tag)
 QString AppDelegate::uniqueWindowNameFrom(const QString &base) const
 {
     const QString name = base.isNull() ? u"Untitled"_s : base;
-    QStringList taken;
+    QSet<QString> taken; // of thousands, a list would be looked through a hundred times
     for (const DocumentPtr &document : m_allControllers)
-        taken.append(document->window().title());
+        taken.insert(document->window().title());
     if (!taken.contains(name))
         return name;
     for (int number = 2; number <= lastTitleNumber; ++number) {

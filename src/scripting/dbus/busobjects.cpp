@@ -3,8 +3,6 @@
 #include "document/mainwincontroller.h"
 #include "scripting/dbus/busnames.h"
 
-#include <algorithm>
-
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -24,13 +22,25 @@ BusObjects::BusObjects(AppDelegate &application, std::shared_ptr<LastErrors> las
 
 void BusObjects::add(MainWinController &document, const QString &caller)
 {
-    m_entries.append(
-        {&document, bus::pathElement(document.uniqueID), QString::number(++m_lastWindowNumber), caller});
+    const auto entry = std::make_shared<const Entry>(
+        Entry{&document, &document.window(), path(document).path(),
+              below(bus::windowsPath, QString::number(++m_lastWindowNumber)), caller});
+    m_entries.append(entry);
+    for (const QString &path : {entry->path, entry->windowPath})
+        m_byPath.insert(path, entry);
+    m_byObject.insert(entry->document, entry);
+    m_byObject.insert(entry->window, entry);
 }
 
 void BusObjects::remove(MainWinController &document)
 {
-    m_entries.removeIf([&document](const Entry &entry) { return entry.document == &document; });
+    const EntryPtr entry = m_byObject.take(&document);
+    if (!entry)
+        return;
+    m_byObject.remove(entry->window);
+    for (const QString &path : {entry->path, entry->windowPath})
+        m_byPath.remove(path);
+    m_entries.removeOne(entry);
 }
 
 std::optional<BusObject> BusObjects::find(const QString &path, const QString &caller) const
@@ -45,16 +55,14 @@ std::optional<BusObject> BusObjects::find(const QString &path, const QString &ca
     }
     if (path == bus::documentsPath || path == bus::windowsPath) {
         BusObject found = object(nullptr, {}, caller);
-        found.children = elements(path == bus::documentsPath ? &Entry::element : &Entry::windowElement);
+        found.children = elements(path == bus::documentsPath ? &Entry::path : &Entry::windowPath);
         return found;
     }
-    for (const Entry &entry : m_entries) {
-        if (path == below(bus::documentsPath, entry.element))
-            return object(entry.document, {&documentInterface(), &propertiesInterface()}, caller);
-        if (path == below(bus::windowsPath, entry.windowElement))
-            return object(entry.document, {&windowInterface(), &propertiesInterface()}, caller);
-    }
-    return std::nullopt;
+    const EntryPtr entry = entryAt(path);
+    if (!entry)
+        return std::nullopt;
+    const BusInterface &own = path == entry->path ? documentInterface() : windowInterface();
+    return object(entry->document, {&own, &propertiesInterface()}, caller);
 }
 
 BusObject BusObjects::object(MainWinController *document, const QList<const BusInterface *> &interfaces,
@@ -68,27 +76,20 @@ BusObject BusObjects::object(MainWinController *document, const QList<const BusI
             .caller = caller};
 }
 
-QStringList BusObjects::elements(QString Entry::*element) const
+QStringList BusObjects::elements(QString Entry::*path) const
 {
     QStringList all;
-    for (const Entry &entry : m_entries)
-        all.append(entry.*element);
+    for (const EntryPtr &entry : m_entries)
+        all.append(((*entry).*path).section(u'/', -1));
     return all;
 }
 
 QList<QDBusObjectPath> BusObjects::managedPaths() const
 {
     QList<QDBusObjectPath> all;
-    for (const Entry &entry : m_entries)
-        all << path(*entry.document) << path(entry.document->window());
+    for (const EntryPtr &entry : m_entries)
+        all << QDBusObjectPath(entry->path) << QDBusObjectPath(entry->windowPath);
     return all;
-}
-
-const BusObjects::Entry *BusObjects::entry(const MainWinController &document) const
-{
-    const auto found = std::find_if(m_entries.cbegin(), m_entries.cend(),
-                                    [&document](const Entry &each) { return each.document == &document; });
-    return found == m_entries.cend() ? nullptr : &*found;
 }
 
 QDBusObjectPath BusObjects::path(const MainWinController &document) const
@@ -98,11 +99,8 @@ QDBusObjectPath BusObjects::path(const MainWinController &document) const
 
 QDBusObjectPath BusObjects::path(const platform::Window &window) const
 {
-    const auto found = std::find_if(m_entries.cbegin(), m_entries.cend(), [&window](const Entry &each) {
-        return &each.document->window() == &window;
-    });
-    return found == m_entries.cend() ? QDBusObjectPath(u"/"_s)
-                                     : QDBusObjectPath(below(bus::windowsPath, found->windowElement));
+    const EntryPtr entry = m_byObject.value(&window);
+    return QDBusObjectPath(entry ? entry->windowPath : u"/"_s);
 }
 
 QList<QDBusObjectPath> BusObjects::paths(const QList<MainWinController *> &documents) const
@@ -123,22 +121,18 @@ QList<QDBusObjectPath> BusObjects::paths(const QList<platform::Window *> &window
 
 platform::Window *BusObjects::window(const QDBusObjectPath &path) const
 {
-    const auto found = std::find_if(m_entries.cbegin(), m_entries.cend(), [&path](const Entry &each) {
-        return path.path() == below(bus::windowsPath, each.windowElement);
-    });
-    return found == m_entries.cend() ? nullptr : &found->document->window();
+    const EntryPtr entry = entryAt(path.path());
+    return entry && path.path() == entry->windowPath ? &entry->document->window() : nullptr;
 }
 
 MainWinController *BusObjects::document(const QDBusObjectPath &path) const
 {
-    const auto found = std::find_if(m_entries.cbegin(), m_entries.cend(), [&path](const Entry &each) {
-        return path.path() == below(bus::documentsPath, each.element);
-    });
-    return found == m_entries.cend() ? nullptr : found->document;
+    const EntryPtr entry = entryAt(path.path());
+    return entry && path.path() == entry->path ? entry->document : nullptr;
 }
 
 QString BusObjects::callerOf(const MainWinController &document) const
 {
-    const Entry *const found = entry(document);
-    return found ? found->caller : QString();
+    const EntryPtr entry = m_byObject.value(&document);
+    return entry ? entry->caller : QString();
 }

@@ -3,6 +3,7 @@
 #include "scripting/dbus/busobject.h"
 
 #include <QDBusObjectPath>
+#include <QHash>
 
 #include <memory>
 #include <optional>
@@ -41,18 +42,22 @@ public:
 private:
     struct Entry {
         MainWinController *document;
-        QString element; ///< of the document's path
-        QString windowElement; ///< of its window's path; never used again
+        const platform::Window *window;
+        QString path;
+        QString windowPath; ///< never used again
         QString caller;
     };
+    using EntryPtr = std::shared_ptr<const Entry>;
 
-    const Entry *entry(const MainWinController &document) const;
+    EntryPtr entryAt(const QString &path) const { return m_byPath.value(path); }
     BusObject object(MainWinController *document, const QList<const BusInterface *> &interfaces,
                      const QString &caller) const;
-    QStringList elements(QString Entry::*element) const;
+    QStringList elements(QString Entry::*path) const;
 
     AppDelegate &m_application;
     std::shared_ptr<LastErrors> m_lastErrors;
-    QList<Entry> m_entries;
+    QList<EntryPtr> m_entries;
+    QHash<QString, EntryPtr> m_byPath; ///< each under both of its paths: there may be thousands
+    QHash<const void *, EntryPtr> m_byObject; ///< and under its document and its window
     quint64 m_lastWindowNumber = 0;
 };
