@@ -6,11 +6,10 @@ namespace platform {
 
 const QByteArray &PipeReader::readChunk()
 {
-    constexpr qsizetype pipeCapacity = 64 * 1024;
-    m_chunk.resize(pipeCapacity);
+    m_chunk.resize(capacity);
     ssize_t count = 0;
     do {
-        count = m_readEnd ? read(m_readEnd.get(), m_chunk.data(), pipeCapacity) : 0;
+        count = m_readEnd ? read(m_readEnd.get(), m_chunk.data(), static_cast<size_t>(capacity)) : 0;
     } while (count < 0 && errno == EINTR);
     m_chunk.resize(qMax<qsizetype>(count, 0));
     if (m_chunk.isEmpty())

@@ -9,6 +9,10 @@ namespace platform {
 /// Reads one stream of a child. One thread.
 class PipeReader {
 public:
+    /// How much a pipe is to hold, in bytes: a tool that prints much waits less often for its reader than
+    /// with the usual 64 KiB, and fifty tools at once stay below what a user's pipes may hold together.
+    static constexpr qsizetype capacity = 256LL * 1024;
+
     PipeReader() = default;
     explicit PipeReader(UniqueDescriptor readEnd)
         : m_readEnd(std::move(readEnd))

@@ -3,6 +3,7 @@
 #include "platform/posix/hostcalls.h"
 #include "platform/posix/portablecalls.h"
 
+#include <fcntl.h>
 #include <poll.h>
 #include <sys/wait.h>
 
@@ -13,6 +14,20 @@
 using namespace Qt::StringLiterals;
 
 namespace platform {
+
+namespace {
+
+/// Where the host refuses, the pipe holds what it held before.
+void enlarge(const Pipe &pipe)
+{
+#ifdef F_SETPIPE_SZ
+    fcntl(pipe.writeEnd.get(), F_SETPIPE_SZ, static_cast<int>(PipeReader::capacity));
+#else
+    Q_UNUSED(pipe)
+#endif
+}
+
+} // namespace
 
 PosixProcess::PosixProcess(Program program)
     : m_program(std::move(program))
@@ -45,6 +60,7 @@ Outcome PosixProcess::spawnWithPipes(pid_t *child)
     auto error = makePipe();
     if (!output || !error)
         return launchFailure(qt_error_string(errno));
+    enlarge(*output);
     Outcome spawned =
         spawn(m_program, {output->writeEnd.get(), error->writeEnd.get()}, SpawnAs::group, child);
     if (spawned) {
