@@ -40,7 +40,7 @@ public:
     {
         events.append(offer == CancelOffer::made ? u"cancel offered"_s : u"cancel withdrawn"_s);
     }
-    void awaitsVerdict() override { }
+    void awaitsVerdict(const QString &) override { }
     void countsFailures(quint64, quint64) override { }
     void waits(const std::shared_ptr<platform::Timer> &, double seconds) override
     {
