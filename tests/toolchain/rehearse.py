@@ -12,7 +12,9 @@ arguments.add_argument("--seed", type=int, default=1)
 options = arguments.parse_args()
 
 identity = "Developer ID Application: Rehearsal (A1B2C3D4E5)"
-longest = {"upload": 40, "question": 30}  # seconds, with waits shortened
+# Seconds, with waits shortened: every call has 15 for its tries, an upload may be begun twice, and a log be asked for
+# three times.
+longest = {"upload": 90, "question": 120}
 calls = ["/submissions$", "/submissions/", "^/s3/", "/logs$", "^/artifacts/", ""]
 trouble = [{"fault": "status", "value": code} for code in (500, 502, 503, 504)] + [
     {"fault": "status", "value": {"code": 429, "retryAfter": 2}}, {"fault": "close"}, {"fault": "reset"},
@@ -100,13 +102,13 @@ class Rehearsal:
         self.control("reset")
         self.control("faults", json.dumps(faults).encode())
         try:
-            self.walk(item, verdict, cancel)
+            self.walk(item, verdict, cancel, dice)
         finally:
             left = [path for path in self.folder.rglob(".*.??????") if path.is_file()]
             assert hashlib.sha256(item.read_bytes()).hexdigest() == digest, "the item was changed"
             assert not left, f"left behind: {left}"
 
-    def walk(self, item, verdict, cancel):
+    def walk(self, item, verdict, cancel, dice):
         status, output, error = self.altool(["--notarize-app", "-f", item, "--primary-bundle-id", "a.b"],
                                             longest["upload"], cancel)
         if status is None:
@@ -117,8 +119,9 @@ class Rehearsal:
         identifier = re.search("RequestUUID = (.*)", output)[1]
         failures = 0
         for _ in range(400):
-            status, output, error = self.altool(["--notarization-info", identifier], longest["question"])
-            if status == 239:
+            cancel = dice.uniform(0, 0.2) if dice.random() < 0.05 else None
+            status, output, error = self.altool(["--notarization-info", identifier], longest["question"], cancel)
+            if status in (None, 239):
                 continue
             if status != 0:
                 failures += 1
