@@ -73,7 +73,6 @@ protected:
                                {u"primaryBundleID"_s, u"com.example.app"_s},
                                {u"uploaded"_s, uploaded.toString(Qt::ISODate)},
                                {u"issues"_s, QJsonArray()},
-                               {u"seals"_s, QJsonArray()},
                                {u"polls"_s, 3}};
         // Named against the order in which they were uploaded.
         writeFile(statePath(u"notary/requests/%1.json"_s.arg(uuidOf(999 - number))),

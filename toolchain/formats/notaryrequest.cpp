@@ -39,22 +39,6 @@ QList<NotaryIssue> issuesFrom(const QJsonArray &form)
     return issues;
 }
 
-QJsonArray sealDigestsForm(const NotaryRequest &request)
-{
-    QJsonArray form;
-    for (const QByteArray &digest : request.sealDigests)
-        form.append(QString::fromLatin1(digest));
-    return form;
-}
-
-QList<QByteArray> sealDigestsFrom(const QJsonArray &form)
-{
-    QList<QByteArray> digests;
-    for (const QJsonValue &digest : form)
-        digests.append(digest.toString().toLatin1());
-    return digests;
-}
-
 QJsonArray ticketForm(const NotaryRequest &request)
 {
     QJsonArray form;
@@ -151,9 +135,9 @@ QByteArray jsonOf(const NotaryRequest &request)
         {u"phase"_s, phaseNames.at(std::size_t(request.phase))},
         {u"decided"_s, request.decided.toString(Qt::ISODateWithMs)},
         {u"webhook"_s, request.webhook},
+        {u"team"_s, request.team},
         {u"ticket"_s, ticketForm(request)},
         {u"issues"_s, issuesForm(request)},
-        {u"seals"_s, sealDigestsForm(request)},
         {u"polls"_s, request.polls},
     };
     return QJsonDocument(form).toJson();
@@ -171,12 +155,12 @@ std::optional<NotaryRequest> requestFromJson(const QByteArray &json)
     request.phase = phaseFrom(form[u"phase"]);
     request.decided = QDateTime::fromString(form[u"decided"].toString(), Qt::ISODateWithMs);
     request.webhook = form[u"webhook"].toString();
+    request.team = form[u"team"].toString();
     request.ticketContents = ticketFrom(form[u"ticket"].toArray());
     request.issues = issuesFrom(form[u"issues"].toArray());
-    request.sealDigests = sealDigestsFrom(form[u"seals"].toArray());
     request.polls = form[u"polls"].toInt(-1);
     const bool isWhole = !QUuid::fromString(request.uuid).isNull() && request.uploaded.isValid()
-        && request.polls >= 0 && form[u"issues"].isArray() && form[u"seals"].isArray();
+        && request.polls >= 0 && form[u"issues"].isArray();
     return isWhole ? std::optional(request) : std::nullopt;
 }
 

@@ -39,12 +39,12 @@ struct NotaryRequest {
     QString bundleIdentifier; ///< as the sender gave it
     QDateTime uploaded; ///< UTC
     QList<NotaryIssue> issues; ///< none of severity "error" means approved
-    QList<QByteArray> sealDigests; ///< of the archive's bundles, as `sealDigest` has them
     QList<TicketEntry> ticketContents; ///< of what was approved
     int polls = 0; ///< how often the sender has asked
     Phase phase = Phase::Reviewed;
     QDateTime decided; ///< UTC; not valid before
     QString webhook; ///< address that is told of the end; mostly empty
+    QString team; ///< whose key has submitted it
 
     [[nodiscard]] bool isApproved() const;
 

@@ -89,17 +89,6 @@ NotaryHistory NotaryState::history() const
     return history;
 }
 
-std::optional<NotaryRequest> NotaryState::approvalOf(const QByteArray &sealDigest) const
-{
-    if (sealDigest.isEmpty())
-        return std::nullopt;
-    for (const NotaryRequest &request : history().requests) {
-        if (request.verdict() == Verdict::Success && request.sealDigests.contains(sealDigest))
-            return request;
-    }
-    return std::nullopt;
-}
-
 QString NotaryState::logPath(const QString &uuid) const
 {
     return m_folder + u"/logs/"_s + uuid + u".json"_s;

@@ -34,9 +34,6 @@ public:
 
     [[nodiscard]] NotaryHistory history() const;
 
-    /// The approved request whose archive held a bundle with this seal; nothing if there is none.
-    [[nodiscard]] std::optional<NotaryRequest> approvalOf(const QByteArray &sealDigest) const;
-
     [[nodiscard]] QString logPath(const QString &uuid) const;
 
 private:

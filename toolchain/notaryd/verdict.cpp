@@ -2,10 +2,10 @@
 
 #include "notaryd/filedigest.h"
 
-#include "formats/notaryreview.h"
 #include "formats/review/review.h"
 #include "support/confinement.h"
 #include "support/console.h"
+#include "formats/udif/imagesignature.h"
 
 #include <QFile>
 #include <QProcess>
@@ -20,6 +20,14 @@ using namespace Qt::StringLiterals;
 namespace notaryd {
 
 namespace {
+
+/// What an upload is shows in its bytes: in the storage it has no name that would tell.
+bool canBeReviewed(const QString &path)
+{
+    QFile file(path);
+    const QByteArray head = file.open(QIODevice::ReadOnly) ? file.read(4) : QByteArray();
+    return head == "PK\3\4" || head == "PK\5\6" || head == "xar!" || toolchain::udif::endsAsDiskImage(path);
+}
 
 /// A zip archive ends in a record of its directory, behind which a comment of 64 KiB may stand
 /// (APPNOTE.TXT, 4.3.16). Whoever reads an archive from its beginning would not miss it.
@@ -41,7 +49,7 @@ void judge(toolchain::NotaryRequest &request, const QString &path)
              u"The uploaded file is not the one that was announced: its SHA-256 differs."_s});
         return;
     }
-    if (!toolchain::canBeReviewed(path)) {
+    if (!canBeReviewed(path)) {
         request.issues.append(
             {request.archiveName, u"The file is no zip archive, no disk image and no installer package."_s});
         return;
@@ -56,8 +64,6 @@ void judge(toolchain::NotaryRequest &request, const QString &path)
     for (const auto &content : review.ticketContents)
         request.ticketContents.append(
             {content.path, content.hashType, content.cdHash.toHex(), content.architecture});
-    if (review.isAccepted())
-        request.sealDigests = toolchain::reviewUpload(path, request.archiveName).sealDigests;
 }
 
 /// The reviewer ends with the service. The signals that end the service are blocked in it.

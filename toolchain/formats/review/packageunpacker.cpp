@@ -1,15 +1,12 @@
 #include "formats/review/packageunpacker.h"
 
-#include "formats/bigendian.h"
 #include "formats/package/expansion.h"
 #include "formats/review/streamunpacker.h"
-#include "formats/xar/xartable.h"
+#include "formats/xar/archive.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-
-#include <zlib.h>
 
 using namespace Qt::StringLiterals;
 using platform::Error;
@@ -19,22 +16,6 @@ namespace toolchain::review {
 
 namespace {
 
-constexpr quint64 longestTable = 64 << 20;
-
-Error notAPackage()
-{
-    return {u"not a package, or a damaged one"_s};
-}
-
-QByteArray inflated(const QByteArray &bytes, quint64 size)
-{
-    QByteArray result(qsizetype(size), Qt::Uninitialized);
-    auto length = uLongf(result.size());
-    const int outcome = uncompress(reinterpret_cast<Bytef *>(result.data()), &length,
-                                   reinterpret_cast<const Bytef *>(bytes.constData()), uLong(bytes.size()));
-    return outcome == Z_OK && length == size ? result : QByteArray();
-}
-
 bool isArchiveOfFiles(const QString &path)
 {
     const QString name = QFileInfo(path).fileName();
@@ -43,8 +24,8 @@ bool isArchiveOfFiles(const QString &path)
 
 class PackageUnpacker {
 public:
-    PackageUnpacker(const QString &package, QString folder, UnpackBudget &budget)
-        : m_file(package)
+    PackageUnpacker(const xar::Archive &package, QString folder, UnpackBudget &budget)
+        : m_package(package)
         , m_folder(std::move(folder))
         , m_budget(budget)
     {
@@ -52,47 +33,36 @@ public:
 
     Result<void> run()
     {
-        if (!m_file.open(QIODevice::ReadOnly))
-            return Error{m_file.errorString()};
-        const auto table = readTable();
-        if (!table)
-            return notAPackage();
-        for (const xar::Piece &piece : table->pieces) {
-            if (auto laid = lay(piece); !laid)
+        for (const xar::TocFile &file : m_package.toc().files) {
+            if (--m_budget.entries < 0)
+                return tooMuch();
+            auto laid = file.data ? lay(file) : Result<void>();
+            if (!laid)
                 return laid;
         }
         return {};
     }
 
 private:
-    std::optional<xar::Table> readTable()
+    /// What the path is if no link lies on it below the folder.
+    [[nodiscard]] QString canonical(const QString &path) const
     {
-        constexpr qint64 shortestHeader = 28;
-        const QByteArray header = m_file.read(shortestHeader);
-        if (header.size() < shortestHeader || !header.startsWith("xar!"))
-            return {};
-        const auto headerSize = bigEndianAt<quint16>(header, 4);
-        const auto packedSize = bigEndianAt<quint64>(header, 8);
-        const auto size = bigEndianAt<quint64>(header, 16);
-        if (packedSize > longestTable || size > longestTable || !m_file.seek(headerSize))
-            return {};
-        m_heap = headerSize + qint64(packedSize);
-        return xar::readTable(inflated(m_file.read(qint64(packedSize)), size));
+        return QFileInfo(m_folder).canonicalFilePath() + path.mid(m_folder.size());
     }
 
-    Result<void> lay(const xar::Piece &piece)
+    static Error tooMuch() { return {u"unpacks to more than can be looked at"_s}; }
+
+    Result<void> lay(const xar::TocFile &file)
     {
-        m_budget.bytes -= qint64(piece.place.size);
-        if (--m_budget.entries < 0 || m_budget.bytes < 0)
-            return Error{u"unpacks to more than can be looked at"_s};
-        const QString place = QDir::cleanPath(m_folder + u'/' + piece.path);
-        if (!place.startsWith(m_folder + u'/'))
-            return Error{u"\"%1\" leads out of the package"_s.arg(piece.path)};
-        QDir().mkpath(QFileInfo(place).path());
+        const QString place = m_folder + u'/' + file.path;
+        const QString parent = QFileInfo(place).path();
+        QDir().mkpath(parent);
+        if (QFileInfo(parent).canonicalFilePath() != canonical(parent)) // a payload's link is in the way
+            return Error{u"\"%1\" leads out of the package"_s.arg(file.path)};
         if (!isArchiveOfFiles(place))
-            return copy(piece, place);
+            return copy(file, place);
         const QString packed = place + u".packed"_s;
-        auto copied = copy(piece, packed);
+        auto copied = copy(file, packed);
         if (!copied)
             return copied;
         QDir().mkpath(place);
@@ -101,26 +71,20 @@ private:
         return unpacked;
     }
 
-    Result<void> copy(const xar::Piece &piece, const QString &place)
+    Result<void> copy(const xar::TocFile &file, const QString &place)
     {
         QFile out(place);
-        if (!out.open(QIODevice::WriteOnly) || !m_file.seek(m_heap + qint64(piece.place.offset)))
-            return Error{u"\"%1\" cannot be unpacked"_s.arg(piece.path)};
-        qint64 left = qint64(piece.place.size);
-        constexpr qint64 blockSize = 1 << 18;
-        while (left > 0) {
-            const QByteArray block = m_file.read(qMin(left, blockSize));
-            if (block.isEmpty() || out.write(block) != block.size())
-                return Error{u"\"%1\" is cut short"_s.arg(piece.path)};
-            left -= block.size();
-        }
-        return {};
+        if (!out.open(QIODevice::WriteOnly))
+            return Error{u"\"%1\" cannot be unpacked"_s.arg(file.path)};
+        return m_package.unpack(file, [this, &out](QByteArrayView bytes) {
+            m_budget.bytes -= bytes.size();
+            return m_budget.bytes >= 0 && out.write(bytes.data(), bytes.size()) == bytes.size();
+        });
     }
 
-    QFile m_file;
+    const xar::Archive &m_package;
     const QString m_folder;
     UnpackBudget &m_budget;
-    qint64 m_heap = 0; ///< where the files' bytes begin
 };
 
 } // namespace
@@ -136,7 +100,7 @@ Result<void> unpackPackage(const QString &package, const QString &folder, Unpack
     // Payloads may hold links to places on the disk they are installed to, which nobody follows here.
     QDir(folder).removeRecursively();
     QDir().mkpath(folder);
-    return PackageUnpacker(package, folder, budget).run();
+    return PackageUnpacker(*archive, folder, budget).run();
 }
 
 } // namespace toolchain::review
