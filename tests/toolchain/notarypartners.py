@@ -2,7 +2,7 @@
 
 usage: notarypartners.py SERVICE.JSON <ITEM     where ITEM is what the password item holds
 """
-import hashlib, json, os, ssl, sys, time, urllib.error, urllib.request
+import base64, hashlib, http.server, json, os, queue, ssl, sys, threading, time, urllib.error, urllib.request
 
 import boto3
 import jwt
@@ -96,6 +96,49 @@ def multipart():
     client.complete_multipart_upload(**where, UploadId=upload, MultipartUpload={"Parts": done})
 
 
-for partner in (tokens, uploads, multipart):
+def webhook():
+    from cryptography import x509
+    from cryptography.hazmat.primitives import hashes
+    from cryptography.hazmat.primitives.asymmetric import ec
+    told = queue.Queue()
+
+    class Listener(http.server.BaseHTTPRequestHandler):
+        def do_POST(self):
+            told.put(json.loads(self.rfile.read(int(self.headers["Content-Length"]))))
+            self.send_response(503 if told.qsize() == 1 else 200)  # the first is told once more
+            self.send_header("Content-Length", "0")
+            self.end_headers()
+
+        def log_message(self, *words):
+            pass
+
+    server = http.server.HTTPServer(("127.0.0.1", 0), Listener)
+    threading.Thread(target=server.serve_forever, daemon=True).start()
+    data = b"PK\3\4" + os.urandom(2000)
+    form = {"submissionName": "told.zip", "sha256": hashlib.sha256(data).hexdigest()}
+    for target in ("http://example.com/", "ftp://127.0.0.1/", ""):
+        assert call("/submissions", {**form, "notifications": [{"channel": "webhook", "target": target}]})[0] == 400
+    target = f"http://127.0.0.1:{server.server_port}/told"
+    status, reply = call("/submissions", {**form, "notifications": [{"channel": "webhook", "target": target}]})
+    assert status == 200, status
+    place = reply["data"]["attributes"]
+    storage(place).put_object(Bucket=place["bucket"], Key=place["object"], Body=data)
+    while told.qsize() < 2:
+        time.sleep(0.02)
+    for message in (told.get(), told.get()):
+        pem = base64.b64decode(message["cert_chain"]).decode()
+        leaf = x509.load_pem_x509_certificate(pem[:pem.index("-----END") + 26].encode())
+        leaf.public_key().verify(base64.b64decode(message["signature"]), message["payload"].encode(),
+                                 ec.ECDSA(hashes.SHA256()))
+        payload = json.loads(message["payload"])
+        assert payload["event"] == "processing-complete", payload
+        assert payload["submission_id"] == reply["data"]["id"], payload
+        assert payload["team_id"] == key["key_id"], payload
+        assert payload["start_time"] <= payload["completed_time"], payload
+        assert "status" not in message["payload"].lower(), payload
+    server.shutdown()
+
+
+for partner in (tokens, uploads, multipart, webhook):
     partner()
 print("all agreed")

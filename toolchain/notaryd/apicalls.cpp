@@ -71,6 +71,7 @@ private:
         request.archiveName = form[u"submissionName"].toString();
         request.archiveDigest = form[u"sha256"].toString().toLower().toLatin1();
         request.uploaded = QDateTime::currentDateTimeUtc();
+        request.team = keyIdIn(m_request.headers.value("authorization")); // a key of this machine is a team's
         if (!isJson || request.archiveName.isEmpty() || request.archiveName.size() > longestName
             || !digest.match(form[u"sha256"].toString()).hasMatch() || !readNotifications(form, request))
             return refused();

@@ -1,5 +1,6 @@
 #include "notaryd/connection.h"
 
+#include "notaryd/query.h"
 #include "notaryd/replies.h"
 
 #include <QLocale>
@@ -31,23 +32,6 @@ MHD_Result keepHeader(void *user, MHD_ValueKind, const char *name, const char *v
 {
     static_cast<Request *>(user)->headers.insert(QByteArray(name).toLower(), QByteArray(value));
     return MHD_YES;
-}
-
-QByteArray decoded(QByteArray text)
-{
-    return QByteArray::fromPercentEncoding(text.replace('+', "%20"));
-}
-
-QList<QPair<QByteArray, QByteArray>> queryIn(const QByteArray &text)
-{
-    QList<QPair<QByteArray, QByteArray>> query;
-    for (const QByteArray &part : text.split('&')) {
-        const qsizetype sign = part.indexOf('=');
-        if (!part.isEmpty())
-            query.append({decoded(sign < 0 ? part : part.left(sign)),
-                          sign < 0 ? QByteArray() : decoded(part.mid(sign + 1))});
-    }
-    return query;
 }
 
 bool isLoopbackPeer(MHD_Connection *connection)
@@ -119,7 +103,7 @@ void Connection::reset() const
 
 MHD_Result Connection::tearDown()
 {
-    m_service.record(m_request, 0); // before its sender knows
+    m_service.recordAnswer(m_number, 0);
     if (is(u"reset"))
         reset();
     m_stage = Stage::Done;
@@ -131,7 +115,7 @@ void Connection::readRequest(const char *method)
     const qsizetype mark = m_target.indexOf('?');
     m_request.method = method;
     m_request.path = mark < 0 ? m_target : m_target.left(mark);
-    m_request.query = mark < 0 ? QList<QPair<QByteArray, QByteArray>>() : queryIn(m_target.mid(mark + 1));
+    m_request.query = mark < 0 ? Query() : queryIn(m_target.mid(mark + 1));
     MHD_get_connection_values(m_connection, MHD_HEADER_KIND, keepHeader, &m_request);
     m_request.isFromLoopback = isLoopbackPeer(m_connection);
 }
@@ -163,6 +147,7 @@ MHD_Result Connection::proceed(MHD_Connection *connection, const char *method, c
 MHD_Result Connection::begin(const char *method)
 {
     readRequest(method);
+    m_number = m_service.recordQuestion(m_request);
     m_stage = Stage::Body;
     if (!m_request.path.startsWith("/control/")) {
         m_fault = m_service.faults().outcome(m_request);
@@ -219,7 +204,7 @@ MHD_Result Connection::answer(Response response)
     if (m_fault)
         response = spoilt(std::move(response), *m_fault);
     m_stage = Stage::Done;
-    m_service.record(m_request, response.status);
+    m_service.recordAnswer(m_number, response.status);
     return send(response);
 }
 

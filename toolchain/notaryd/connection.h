@@ -49,6 +49,7 @@ private:
     std::optional<Fault> m_slowRead;
     std::optional<Fault> m_delay;
     Stage m_stage = Stage::Fresh;
+    qint64 m_number = 0; ///< among the recorded questions
     qint64 m_received = 0;
     Response m_reply; ///< while its bytes are held back
     bool m_hasStalled = false;

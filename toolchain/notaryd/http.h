@@ -1,5 +1,7 @@
 #pragma once
 
+#include "notaryd/query.h"
+
 #include <QByteArray>
 #include <QJsonObject>
 #include <QList>
@@ -14,7 +16,7 @@ namespace notaryd {
 struct Request {
     QByteArray method;
     QByteArray path; ///< in the percent form of the request line, without the query
-    QList<QPair<QByteArray, QByteArray>> query; ///< decoded, in the order of the request line
+    Query query;
     QMap<QByteArray, QByteArray> headers; ///< names in lower case
     bool isFromLoopback = false;
 

@@ -232,8 +232,10 @@ int serve(const Options &options, Starter starter)
     starter.tell(((unpublished.isEmpty() ? u"+"_s + origin : u"-"_s + unpublished) + u"\n"_s).toUtf8());
     if (!unpublished.isEmpty())
         return starter.isInBackground() ? 1 : fail(unpublished);
-    if (options.isInForeground)
+    if (options.isInForeground) {
         print(origin.toStdString() + "\n");
+        static_cast<void>(std::fflush(stdout)); // whoever reads it from a pipe waits for it
+    }
     waitForEnd(options, *lock, server, service);
     return 0;
 }

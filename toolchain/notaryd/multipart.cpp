@@ -1,10 +1,11 @@
 #include "notaryd/multipart.h"
 
+#include "notaryd/partlist.h"
+
 #include <QDir>
 #include <QFileInfo>
 #include <QRegularExpression>
 #include <QUuid>
-#include <QXmlStreamReader>
 
 #include <fcntl.h>
 #include <sys/sendfile.h>
@@ -29,36 +30,6 @@ bool isIdentifier(const QByteArray &text)
 {
     static const QRegularExpression form(uR"(\A[0-9a-f]{32}\z)"_s);
     return form.match(QString::fromLatin1(text)).hasMatch();
-}
-
-MultipartUpload::Part partFrom(QXmlStreamReader &reader)
-{
-    MultipartUpload::Part part;
-    while (reader.readNextStartElement()) {
-        const QString name = reader.name().toString();
-        const QString text = reader.readElementText(QXmlStreamReader::SkipChildElements);
-        if (name == u"PartNumber"_s)
-            part.number = text.toInt();
-        else if (name == u"ETag"_s)
-            part.etag = QString(text).remove(u'"').toLatin1();
-    }
-    return part;
-}
-
-/// The parts that the sender names; nothing for what is no such list.
-std::optional<QList<MultipartUpload::Part>> partsIn(const QByteArray &list)
-{
-    QXmlStreamReader reader(list);
-    QList<MultipartUpload::Part> parts;
-    if (!reader.readNextStartElement() || reader.name() != u"CompleteMultipartUpload"_s)
-        return std::nullopt;
-    while (reader.readNextStartElement()) {
-        if (reader.name() == u"Part"_s)
-            parts.append(partFrom(reader));
-        else
-            reader.skipCurrentElement();
-    }
-    return reader.hasError() || parts.isEmpty() ? std::nullopt : std::optional(parts);
 }
 
 bool appendFile(int target, const QString &path)

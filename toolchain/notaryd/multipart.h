@@ -1,7 +1,7 @@
 #pragma once
 
-#include <QByteArray>
-#include <QList>
+#include "notaryd/partlist.h"
+
 #include <QString>
 
 namespace notaryd {
@@ -10,11 +10,7 @@ namespace notaryd {
 /// (https://docs.aws.amazon.com/AmazonS3/latest/userguide/mpuoverview.html).
 class MultipartUpload {
 public:
-    struct Part {
-        int number = 0;
-        QByteArray etag;
-        qint64 size = 0;
-    };
+    using Part = UploadedPart;
 
     /// Answers the new upload's identifier; empty on failure.
     [[nodiscard]] static QByteArray begin(const QString &objectFolder);

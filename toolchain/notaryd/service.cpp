@@ -23,7 +23,8 @@ std::unique_ptr<Handler> answering(const Response &response)
 } // namespace
 
 Service::Service(QString notaryFolder)
-    : m_submissions(std::move(notaryFolder), decide)
+    : m_submissions(std::move(notaryFolder), decide,
+                    [this](const NotaryRequest &request) { m_webhook.tell(request); })
 {
 }
 
@@ -58,23 +59,36 @@ qint64 Service::countQuestion(const QString &kind, const QString &thing)
     return ++m_questions[kind + u' ' + thing];
 }
 
-void Service::record(const Request &request, int status)
+qint64 Service::recordQuestion(const Request &request)
 {
-    if (request.path.startsWith("/control/"))
-        return;
     const std::scoped_lock lock(m_recordMutex);
+    if (request.path.startsWith("/control/"))
+        return 0;
     if (m_recorded.size() >= mostRecorded)
-        m_recorded.removeFirst();
-    m_recorded.append(QJsonObject{{u"method"_s, QString::fromUtf8(request.method)},
-                                  {u"path"_s, QString::fromUtf8(request.path)},
-                                  {u"status"_s, status},
-                                  {u"time"_s, QDateTime::currentDateTimeUtc().toString(Qt::ISODateWithMs)}});
+        m_recorded.erase(m_recorded.begin());
+    m_recorded.insert(++m_lastRecorded,
+                      {{u"method"_s, QString::fromUtf8(request.method)},
+                       {u"path"_s, QString::fromUtf8(request.path)},
+                       {u"status"_s, QJsonValue::Null},
+                       {u"time"_s, QDateTime::currentDateTimeUtc().toString(Qt::ISODateWithMs)}});
+    return m_lastRecorded;
+}
+
+void Service::recordAnswer(qint64 number, int status)
+{
+    const std::scoped_lock lock(m_recordMutex);
+    const auto question = m_recorded.find(number);
+    if (question != m_recorded.end())
+        question->insert(u"status"_s, status);
 }
 
 QJsonArray Service::recorded()
 {
     const std::scoped_lock lock(m_recordMutex);
-    return m_recorded;
+    QJsonArray list;
+    for (const QJsonObject &question : m_recorded)
+        list.append(question);
+    return list;
 }
 
 void Service::forgetRecorded()

@@ -3,6 +3,7 @@
 #include "notaryd/faults.h"
 #include "notaryd/submissions.h"
 #include "notaryd/vouching.h"
+#include "notaryd/webhook.h"
 
 #include <QJsonArray>
 
@@ -41,8 +42,11 @@ public:
 
     [[nodiscard]] Vouching &vouching() { return m_vouching; }
 
-    /// Keeps what has been asked, without its query and its headers; the oldest go first.
-    void record(const Request &request, int status);
+    /// Keeps what is asked, without its query and its headers; the oldest go first. Answers the number by
+    /// which its end is told.
+    [[nodiscard]] qint64 recordQuestion(const Request &request);
+    /// The status of the reply, 0 where the connection is torn down instead. Before its sender knows.
+    void recordAnswer(qint64 number, int status);
     [[nodiscard]] QJsonArray recorded();
     void forgetRecorded();
 
@@ -53,10 +57,12 @@ private:
     ServiceFacts m_facts;
     Faults m_faults;
     Vouching m_vouching;
+    Webhook m_webhook;
     Submissions m_submissions;
     std::mutex m_recordMutex;
     QHash<QString, qint64> m_questions;
-    QJsonArray m_recorded;
+    QMap<qint64, QJsonObject> m_recorded; ///< by their numbers
+    qint64 m_lastRecorded = 0;
 };
 
 /// Deals with a request whose body is small; answers 413 to a larger one.

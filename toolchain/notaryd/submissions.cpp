@@ -37,10 +37,11 @@ QByteArray randomLetters(int count)
 
 } // namespace
 
-Submissions::Submissions(QString notaryFolder, Reviewer review)
+Submissions::Submissions(QString notaryFolder, Reviewer review, Watcher reviewed)
     : m_folder(std::move(notaryFolder))
     , m_state(m_folder)
     , m_review(std::move(review))
+    , m_reviewed(std::move(reviewed))
 {
     resume();
     m_worker = std::thread([this] { work(); });
@@ -217,6 +218,7 @@ void Submissions::review(const QString &id)
         static_cast<void>(m_state.store(*request));
     }
     QDir(folderOf(id)).removeRecursively();
+    m_reviewed(*request);
 }
 
 } // namespace notaryd

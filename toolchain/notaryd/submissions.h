@@ -31,7 +31,10 @@ class Submissions {
 public:
     using Reviewer = std::function<void(NotaryRequest &request, const QString &path)>;
 
-    Submissions(QString notaryFolder, Reviewer review);
+    /// Is told of each request once its review is over and written down, from the reviewing thread.
+    using Watcher = std::function<void(const NotaryRequest &request)>;
+
+    Submissions(QString notaryFolder, Reviewer review, Watcher reviewed);
     ~Submissions();
     Submissions(const Submissions &) = delete;
     Submissions &operator=(const Submissions &) = delete;
@@ -72,6 +75,7 @@ private:
     const QString m_folder;
     const toolchain::NotaryState m_state;
     const Reviewer m_review;
+    const Watcher m_reviewed;
     std::mutex m_mutex;
     std::mutex m_stateMutex; ///< of what stands on disk
     std::condition_variable m_changed;

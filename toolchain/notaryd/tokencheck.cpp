@@ -121,4 +121,9 @@ QString objectionToToken(const QByteArray &authorization, const QString &keyFold
     return objectionToTimes(claims, now);
 }
 
+QString keyIdIn(const QByteArray &authorization)
+{
+    return objectIn(authorization.mid(7).split('.').first())[u"kid"].toString();
+}
+
 } // namespace notaryd

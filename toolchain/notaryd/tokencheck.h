@@ -11,4 +11,7 @@ namespace notaryd {
 [[nodiscard]] QString objectionToToken(const QByteArray &authorization, const QString &keyFolder,
                                        const QDateTime &now);
 
+/// The identifier of the key that the header's token names, which may be any text; empty if it names none.
+[[nodiscard]] QString keyIdIn(const QByteArray &authorization);
+
 } // namespace notaryd
