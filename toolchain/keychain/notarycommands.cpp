@@ -8,6 +8,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
+#include <QUuid>
 
 using namespace Qt::StringLiterals;
 using toolchain::notary::ApiKey;
@@ -45,6 +46,17 @@ QString keyIdIn(const QString &path)
     return form.match(QFileInfo(path).fileName()).captured(1);
 }
 
+/// What is wrong with the identifiers of a key; empty if nothing is.
+QString objectionTo(const ApiKey &key)
+{
+    static const QRegularExpression form(uR"(\A[A-Za-z0-9]{0,40}\z)"_s);
+    if (!form.match(key.keyId).hasMatch())
+        return u"a key's identifier has letters and digits only, and not '%1'"_s.arg(key.keyId);
+    if (!key.issuerId.isEmpty() && QUuid::fromString(key.issuerId).isNull())
+        return u"an issuer is a UUID, and not '%1'"_s.arg(key.issuerId);
+    return {};
+}
+
 int addApiKey(const ParsedArguments &arguments)
 {
     const QString item = QString::fromStdString(arguments.operands.at(1));
@@ -59,6 +71,9 @@ int addApiKey(const ParsedArguments &arguments)
                {}};
     if (key.keyId.isEmpty())
         key.keyId = keyIdIn(path);
+    const QString wrong = objectionTo(key);
+    if (!wrong.isEmpty())
+        return fail(wrong);
     if (key.keyId.isEmpty())
         return fail(path + u": its name is not AuthKey_ID.p8; tell the key's identifier by --key-id"_s);
     if (!notary::privateKeyOf(key))

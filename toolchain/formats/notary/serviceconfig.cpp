@@ -101,6 +101,23 @@ void applyEnvironment(ServiceConfig &config)
     config.api = withoutSlash(config.api);
 }
 
+/// The addresses that the service of this machine has written down, if it ever ran.
+ServiceConfig serviceOfThisMachine()
+{
+    QFile file(serviceFolder() + u"/address.json"_s);
+    if (!file.open(QIODevice::ReadOnly))
+        return localService();
+    const auto config = serviceConfigFrom(file.read(largestFile));
+    return config && config->isLocal ? *config : localService();
+}
+
+/// No secret has its place in an address, and no query in that of a service.
+bool canBeChosen(const QUrl &address)
+{
+    return address.isValid() && !address.host().isEmpty() && isAcceptable(address)
+        && address.userInfo().isEmpty() && !address.hasQuery() && !address.hasFragment();
+}
+
 /// A service that a variable alone names has the layout that its address suggests.
 void fillIn(ServiceConfig &config)
 {
@@ -198,16 +215,20 @@ ServiceConfig serviceAt(const QString &origin)
 QString chooseService(const QString &choice)
 {
     const auto before = readServiceConfig();
-    ServiceConfig config = localService();
+    const ServiceConfig own = serviceOfThisMachine();
+    ServiceConfig config = own;
     if (choice == u"apple"_s) {
         config = appleService();
     } else if (choice != u"local"_s) {
         const QUrl address(withoutSlash(choice), QUrl::StrictMode);
-        if (!address.isValid() || address.host().isEmpty() || !isAcceptable(address))
-            return u"'%1' is neither apple nor local nor the https address of a service"_s.arg(choice);
-        config = serviceAt(address.toString(QUrl::RemovePath | QUrl::RemoveQuery | QUrl::RemoveFragment));
+        if (!canBeChosen(address))
+            return u"'%1' is neither apple nor local nor the https address of a service"_s.arg(
+                address.toString(QUrl::RemoveUserInfo));
+        config = serviceAt(address.toString(QUrl::RemovePath));
         if (!address.path().isEmpty())
             config.api = address.toString();
+        if (hostAndPort(config.api) == hostAndPort(own.api))
+            config.ca = own.ca;
     }
     config.proxy = before ? before->proxy : QString();
     const QString problem = makePrivateFolder(notaryFolder());
