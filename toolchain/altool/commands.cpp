@@ -273,7 +273,7 @@ std::string argumentProblem(const ParsedArguments &arguments)
 std::string altoolHelp()
 {
     // The application that runs this tool reads the version out of such a line, so it stands on one.
-    return "altool of Sealwright's toolchain. This is not Apple's program; it stands in for\n"
+    return "altool of Sealwright's toolchain. This is not Apple's program; it takes the arguments of\n"
            "altool, Copyright (c) 2009-2019, Apple Inc. Version "
         + toolVersion().toStdString() + "\n\n" + std::string(usage) + std::string(details);
 }

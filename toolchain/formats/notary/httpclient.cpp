@@ -18,6 +18,7 @@ using Clock = std::chrono::steady_clock;
 
 constexpr qint64 largestHeaders = 256 * 1024;
 constexpr long connectSeconds = 20;
+constexpr qint64 leastInvitationSeconds = 10; // for the service to ask for the body, or to refuse it
 constexpr long uploadBuffer = 512 * 1024;
 
 /// One request under way; what the callbacks of libcurl work on.
@@ -193,7 +194,9 @@ private:
         curl_easy_setopt(m_curl, CURLOPT_NOSIGNAL, 1L);
         curl_easy_setopt(m_curl, CURLOPT_CONNECTTIMEOUT_MS, long(connect));
         curl_easy_setopt(m_curl, CURLOPT_TIMEOUT_MS, long(std::max<qint64>(1, request.wholeLimit.count())));
-        curl_easy_setopt(m_curl, CURLOPT_EXPECT_100_TIMEOUT_MS, long(request.idleLimit.count() / 2));
+        const auto invitation =
+            std::max<qint64>(leastInvitationSeconds * 1000, request.idleLimit.count() / 2);
+        curl_easy_setopt(m_curl, CURLOPT_EXPECT_100_TIMEOUT_MS, long(invitation));
         curl_easy_setopt(m_curl, CURLOPT_TCP_KEEPALIVE, 1L);
         curl_easy_setopt(m_curl, CURLOPT_UPLOAD_BUFFERSIZE, uploadBuffer);
     }
@@ -245,8 +248,16 @@ private:
         if (code == CURLE_OK)
             exchange.reply.status = int(status);
         else
-            exchange.reply.problem = problemOf(code, exchange);
+            exchange.reply.problem = problemWith(code, exchange);
         return exchange.reply;
+    }
+
+    [[nodiscard]] QString problemWith(CURLcode code, const Exchange &exchange) const
+    {
+        long connected = 0;
+        curl_easy_getinfo(m_curl, CURLINFO_HTTP_CONNECTCODE, &connected);
+        return connected >= 300 ? u"the proxy refuses the connection (HTTP %1)"_s.arg(connected)
+                                : problemOf(code, exchange);
     }
 
     /// A service may answer and close before it has read the body; what it said counts, not that the rest of

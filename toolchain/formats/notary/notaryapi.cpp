@@ -1,10 +1,8 @@
 #include "formats/notary/notaryapi.h"
 
-#include <QJsonArray>
 #include <QJsonDocument>
-#include <QRegularExpression>
+#include <QJsonObject>
 
-#include <algorithm>
 #include <cstdlib>
 
 using namespace Qt::StringLiterals;
@@ -23,60 +21,10 @@ ServiceFailure notUnderstood(const QString &what)
     return {u"The service's reply was not understood: %1."_s.arg(what), 200};
 }
 
-Submission submissionFrom(const QJsonValue &data)
+template <auto read>
+bool isReadable(const QByteArray &body)
 {
-    const QJsonValue attributes = data[u"attributes"];
-    return {data[u"id"].toString(), attributes[u"name"].toString(),
-            QDateTime::fromString(attributes[u"createdDate"].toString(), Qt::ISODateWithMs).toUTC(),
-            attributes[u"status"].toString()};
-}
-
-QJsonObject objectOf(const HttpReply &reply)
-{
-    return QJsonDocument::fromJson(reply.body).object();
-}
-
-bool isLog(const QByteArray &bytes, const QString &id)
-{
-    return QJsonDocument::fromJson(bytes).object()[u"jobId"].toString().compare(id, Qt::CaseInsensitive) == 0;
-}
-
-QByteArray bytesOf(const QJsonValue &value)
-{
-    return value.toString().toUtf8();
-}
-
-UploadPlace placeFrom(const QJsonObject &reply)
-{
-    const QJsonValue data = reply[u"data"];
-    const QJsonValue attributes = data[u"attributes"];
-    return {data[u"id"].toString(),
-            bytesOf(attributes[u"bucket"]),
-            bytesOf(attributes[u"object"]),
-            {bytesOf(attributes[u"awsAccessKeyId"]), bytesOf(attributes[u"awsSecretAccessKey"]),
-             bytesOf(attributes[u"awsSessionToken"])}};
-}
-
-bool namesPlace(const QJsonObject &reply)
-{
-    const UploadPlace place = placeFrom(reply);
-    return isRequestId(place.id) && !place.bucket.isEmpty() && !place.object.isEmpty()
-        && !place.credentials.accessKey.isEmpty() && !place.credentials.secretKey.isEmpty();
-}
-
-bool holdsList(const QJsonObject &reply)
-{
-    return reply[u"data"].isArray();
-}
-
-bool holdsStatus(const QJsonObject &reply)
-{
-    return !reply[u"data"][u"attributes"][u"status"].toString().isEmpty();
-}
-
-bool namesLog(const QJsonObject &reply)
-{
-    return isAcceptable(QUrl(reply[u"data"][u"attributes"][u"developerLogUrl"].toString()));
+    return read(body).has_value();
 }
 
 } // namespace
@@ -92,12 +40,6 @@ void ServiceClock::learn(const HttpReply &reply)
         m_offset = offset;
 }
 
-bool isRequestId(const QString &text)
-{
-    static const QRegularExpression form(uR"(\A[0-9A-Fa-f]{8}(-[0-9A-Fa-f]{4}){3}-[0-9A-Fa-f]{12}\z)"_s);
-    return form.match(text).hasMatch();
-}
-
 NotaryApi::NotaryApi(const ServiceConfig &config, ApiKey key)
     : m_config(config)
     , m_key(std::move(key))
@@ -110,7 +52,7 @@ NextStep NotaryApi::judge(const HttpReply &reply, IsUsable isUsable)
     m_clock.learn(reply);
     if (reply.status == 401)
         return NextStep::TryAtOnce; // with a new token, and by the service's own clock
-    if (reply.status == 200 && !isUsable(objectOf(reply)))
+    if (reply.status == 200 && !isUsable(reply.body))
         return NextStep::TryLater; // a gateway's page, or half a reply
     return mayPass(reply) ? NextStep::TryLater : NextStep::Take;
 }
@@ -133,47 +75,41 @@ HttpReply NotaryApi::call(const QByteArray &method, const QString &path, IsUsabl
 Answer<UploadPlace> NotaryApi::submit(const QString &name, const QByteArray &sha256)
 {
     const QJsonObject form{{u"submissionName"_s, name}, {u"sha256"_s, QString::fromLatin1(sha256)}};
-    const HttpReply reply =
-        call("POST", u"/submissions"_s, namesPlace, QJsonDocument(form).toJson(QJsonDocument::Compact));
+    const HttpReply reply = call("POST", u"/submissions"_s, isReadable<readPlace>,
+                                 QJsonDocument(form).toJson(QJsonDocument::Compact));
     if (reply.status != 200 && reply.status != 201)
         return failureOf(reply);
-    if (!namesPlace(objectOf(reply)))
+    const auto place = readPlace(reply.body);
+    if (!place)
         return notUnderstood(u"it does not say which submission this is and where its file goes"_s);
-    return placeFrom(objectOf(reply));
+    return *place;
 }
 
 Answer<QList<Submission>> NotaryApi::history()
 {
-    const HttpReply reply = call("GET", u"/submissions"_s, holdsList);
+    const HttpReply reply = call("GET", u"/submissions"_s, isReadable<readHistory>);
     if (reply.status == 404)
         return QList<Submission>();
     if (reply.status != 200)
         return failureOf(reply);
-    const QJsonObject form = objectOf(reply);
-    if (!form[u"data"].isArray())
+    const auto submissions = readHistory(reply.body);
+    if (!submissions)
         return notUnderstood(u"it holds no list"_s);
-    QList<Submission> submissions;
-    for (const QJsonValue &entry : form[u"data"].toArray()) {
-        if (isRequestId(entry[u"id"].toString()))
-            submissions.append(submissionFrom(entry));
-    }
-    std::stable_sort(submissions.begin(), submissions.end(),
-                     [](const Submission &a, const Submission &b) { return a.created > b.created; });
-    return submissions;
+    return *submissions;
 }
 
 Answer<std::optional<Submission>> NotaryApi::status(const QString &id)
 {
-    const HttpReply reply = call("GET", u"/submissions/"_s + id, holdsStatus);
+    const HttpReply reply = call("GET", u"/submissions/"_s + id, isReadable<readStatus>);
     if (reply.status == 404)
         return std::optional<Submission>();
     if (reply.status != 200)
         return failureOf(reply);
-    Submission submission = submissionFrom(objectOf(reply)[u"data"]);
-    if (submission.status.isEmpty())
+    auto submission = readStatus(reply.body);
+    if (!submission)
         return notUnderstood(u"it holds no status"_s); // which is no refusal
-    submission.id = id;
-    return std::optional(submission);
+    submission->id = id;
+    return submission;
 }
 
 Answer<QByteArray> NotaryApi::fetchLog(const QByteArray &url)
@@ -197,18 +133,17 @@ Answer<QByteArray> NotaryApi::log(const QString &id)
     for (int attempt = 0; attempt < logTries; ++attempt) {
         if (attempt > 0)
             sleepFor(scaled(logPause));
-        const HttpReply reply = call("GET", u"/submissions/%1/logs"_s.arg(id), namesLog);
+        const HttpReply reply = call("GET", u"/submissions/%1/logs"_s.arg(id), isReadable<readLogAddress>);
         if (reply.status != 200) {
             failure = failureOf(reply);
             if (reply.status != 404) // which says that it is not there yet
                 return failure;
             continue;
         }
-        const QUrl url(objectOf(reply)[u"data"][u"attributes"][u"developerLogUrl"].toString());
-        const auto log =
-            namesLog(objectOf(reply)) ? fetchLog(url.toEncoded()) : notUnderstood(u"it names no log"_s);
+        const auto url = readLogAddress(reply.body);
+        const auto log = url ? fetchLog(url->toEncoded()) : notUnderstood(u"it names no log"_s);
         const auto *bytes = std::get_if<QByteArray>(&log);
-        if (bytes && isLog(*bytes, id))
+        if (bytes && isLogOf(id, *bytes))
             return *bytes;
         failure =
             bytes ? notUnderstood(u"the log is not this submission's"_s) : std::get<ServiceFailure>(log);

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QDateTime>
-#include <QJsonObject>
 #include <QList>
 #include <QString>
 
@@ -9,8 +8,8 @@
 #include <variant>
 
 #include "formats/notary/apikey.h"
-#include "formats/notary/awssignature.h"
 #include "formats/notary/httpclient.h"
+#include "formats/notary/replyreader.h"
 #include "formats/notary/retries.h"
 #include "formats/notary/serviceerror.h"
 
@@ -32,27 +31,8 @@ private:
     bool m_wasCorrected = false;
 };
 
-/// One entry of the history, and the answer to a question for a request.
-struct Submission {
-    QString id; ///< as the service gave it
-    QString name;
-    QDateTime created; ///< UTC; not valid if the service gave none
-    QString status; ///< in the service's words
-};
-
-/// Where a new submission's file goes.
-struct UploadPlace {
-    QString id; ///< passed `isRequestId`
-    QByteArray bucket;
-    QByteArray object;
-    UploadCredentials credentials;
-};
-
 template <typename T>
 using Answer = std::variant<T, ServiceFailure>;
-
-/// Eight, four, four, four and twelve hexadecimal digits.
-[[nodiscard]] bool isRequestId(const QString &text);
 
 /// The service's calls (https://developer.apple.com/documentation/notaryapi), each with its own retries.
 /// Blocks. For one thread at a time.
@@ -73,7 +53,7 @@ public:
     [[nodiscard]] HttpClient &http() { return m_http; }
 
 private:
-    using IsUsable = bool (*)(const QJsonObject &reply);
+    using IsUsable = bool (*)(const QByteArray &body);
     [[nodiscard]] HttpReply call(const QByteArray &method, const QString &path, IsUsable isUsable,
                                  const QByteArray &body = {});
     [[nodiscard]] NextStep judge(const HttpReply &reply, IsUsable isUsable);

@@ -1,7 +1,6 @@
 #include "formats/notary/upload.h"
 
 #include <QCryptographicHash>
-#include <QXmlStreamReader>
 
 using namespace Qt::StringLiterals;
 
@@ -11,7 +10,6 @@ namespace {
 
 constexpr qint64 slowestBytesInMillisecond = 50; // below that a transfer is given up in the end
 const QByteArray nothingsDigest = "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855";
-constexpr qsizetype longestUploadId = 4096;
 
 QByteArray addressOf(const ServiceConfig &config, const UploadPlace &place)
 {
@@ -32,20 +30,6 @@ QByteArray hostOf(const QByteArray &address)
 {
     const QByteArray rest = address.mid(address.indexOf("://") + 3);
     return rest.split('/').first();
-}
-
-/// The text of one element of the storage's XML; empty if there is none.
-QByteArray elementIn(const QByteArray &xml, QStringView name)
-{
-    QXmlStreamReader reader(xml);
-    if (!reader.readNextStartElement())
-        return {};
-    while (reader.readNextStartElement()) {
-        if (reader.name() == name)
-            return reader.readElementText(QXmlStreamReader::SkipChildElements).toUtf8();
-        reader.skipCurrentElement();
-    }
-    return {};
 }
 
 QByteArray partEntry(qsizetype number, const QByteArray &etag)
@@ -106,8 +90,8 @@ std::optional<ServiceFailure> Upload::sendInParts(const UploadPlace &place)
         call(place, {"POST", {{"uploads", {}}}, {{"content-type", "application/octet-stream"}}, {}});
     if (!begun.isWhole() || isError(begun))
         return failure(begun);
-    const QByteArray uploadId = elementIn(begun.body, u"UploadId");
-    if (uploadId.isEmpty() || uploadId.size() > longestUploadId)
+    const QByteArray uploadId = uploadIdIn(begun.body);
+    if (uploadId.isEmpty())
         return ServiceFailure{u"The upload failed: the storage's reply was not understood."_s, begun.status};
     QByteArray partList;
     const auto problem = sendParts(place, uploadId, partList);

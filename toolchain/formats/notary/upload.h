@@ -27,6 +27,7 @@ public:
 private:
     UploadFile(QString path, int descriptor);
     [[nodiscard]] QString readWhole();
+    [[nodiscard]] QString readPieces();
 
     const QString m_path;
     const int m_descriptor;
