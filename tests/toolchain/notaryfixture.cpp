@@ -4,6 +4,7 @@
 
 #include <QFile>
 #include <QJsonDocument>
+#include <QRegularExpression>
 
 using namespace Qt::StringLiterals;
 using namespace toolchain::notary;
@@ -60,6 +61,35 @@ QJsonArray NotaryFixture::requests() const
 void NotaryFixture::forgetRequests() const
 {
     EXPECT_EQ(ask("POST", u"/control/reset"_s).status, 200);
+}
+
+QByteArray faultAt(const NotaryCall &call, const char *name, int count, const QByteArray &value)
+{
+    return QByteArray("[{\"fault\":\"") + name + "\",\"path\":\"" + call.pattern + "\",\"method\":\""
+        + call.method + "\",\"count\":" + QByteArray::number(count)
+        + (value.isEmpty() ? "" : ",\"value\":" + value) + "}]";
+}
+
+int NotaryFixture::requestsTo(const NotaryCall &call) const
+{
+    const QRegularExpression pattern(QString::fromLatin1(call.pattern));
+    int count = 0;
+    for (const QJsonValue &request : requests()) {
+        const bool fits = pattern.match(request[u"path"].toString()).hasMatch();
+        count += fits && request[u"method"].toString() == QLatin1StringView(call.method) ? 1 : 0;
+    }
+    return count;
+}
+
+QStringList NotaryFixture::commandFor(const NotaryCall &call, const QString &archive,
+                                      const QString &uuid) const
+{
+    QStringList words{u"altool"_s, u"-u"_s, u"me"_s, u"-p"_s, u"@keychain:item"_s};
+    if (call.pattern == listing.pattern && call.method == QByteArrayView("GET"))
+        return words << u"--notarization-history"_s << u"0"_s;
+    if (call.method != QByteArrayView("GET"))
+        return words << u"--notarize-app"_s << u"-f"_s << archive << u"--primary-bundle-id"_s << u"a.b"_s;
+    return words << u"--notarization-info"_s << uuid;
 }
 
 QString NotaryFixture::makeArchive(const QString &name, qint64 size) const

@@ -6,6 +6,24 @@
 #include <QJsonArray>
 #include <QJsonObject>
 
+/// One of the requests that the client makes.
+struct NotaryCall {
+    const char *name;
+    const char *pattern; ///< over the path
+    const char *method;
+};
+
+inline constexpr NotaryCall listing{"the history", "/submissions$", "GET"};
+inline constexpr NotaryCall submitting{"the submission", "/submissions$", "POST"};
+inline constexpr NotaryCall putting{"the upload", "^/s3/", "PUT"};
+inline constexpr NotaryCall asking{"the question", "/submissions/[^/]+$", "GET"};
+inline constexpr NotaryCall logging{"the log's address", "/logs$", "GET"};
+inline constexpr NotaryCall reading{"the log", "^/artifacts/", "GET"};
+
+/// A list of one fault; the value is JSON.
+[[nodiscard]] QByteArray faultAt(const NotaryCall &call, const char *name, int count,
+                                 const QByteArray &value = {});
+
 /// A notary service of the test's own that can be made to misbehave, and a key for it under the name "item".
 class NotaryFixture : public ToolFixture {
 protected:
@@ -27,6 +45,13 @@ protected:
     /// What has been asked since the last reset.
     [[nodiscard]] QJsonArray requests() const;
     void forgetRequests() const;
+
+    /// How many of them were this call, answered or not.
+    [[nodiscard]] int requestsTo(const NotaryCall &call) const;
+
+    /// The arguments of xcrun with which altool makes such a call.
+    [[nodiscard]] QStringList commandFor(const NotaryCall &call, const QString &archive,
+                                         const QString &uuid) const;
 
     /// A file that is taken as an archive, and refused by the review.
     [[nodiscard]] QString makeArchive(const QString &name = QStringLiteral("Some.zip"),

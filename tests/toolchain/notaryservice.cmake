@@ -4,7 +4,10 @@ sealwright_test(tst_notary
     machobuilder.cpp machobuilder.h
     notaryfixture.cpp notaryfixture.h
     toolfixture.cpp toolfixture.h
-    tst_notaryservice.cpp)
+    relay.cpp relay.h
+    tst_notaryfaults.cpp
+    tst_notaryservice.cpp
+    tst_notaryways.cpp)
 target_link_libraries(tst_notary PRIVATE Qt6::Core slw_propertylist tool_notaryclient)
 target_compile_definitions(tst_notary PRIVATE TOOLCHAIN_ROOT="${SEALWRIGHT_TOOLCHAIN}"
     PARTNERS_SCRIPT="${CMAKE_CURRENT_SOURCE_DIR}/notarypartners.py"

@@ -18,134 +18,9 @@ using bundlebuilder::writeFile;
 
 namespace {
 
-/// One of the requests that the client makes.
-struct Call {
-    const char *name;
-    const char *pattern; ///< over the path
-    const char *method;
-};
-
-constexpr Call listing{"the history", "/submissions$", "GET"};
-constexpr Call submitting{"the submission", "/submissions$", "POST"};
-constexpr Call putting{"the upload", "^/s3/", "PUT"};
-constexpr Call asking{"the question", "/submissions/[^/]+$", "GET"};
-constexpr Call logging{"the log's address", "/logs$", "GET"};
-constexpr Call reading{"the log", "^/artifacts/", "GET"};
-
-QByteArray fault(const char *name, const Call &call, int count, const QByteArray &value = {})
-{
-    return QByteArray("[{\"fault\":\"") + name + "\",\"path\":\"" + call.pattern + "\",\"method\":\""
-        + call.method + "\",\"count\":" + QByteArray::number(count)
-        + (value.isEmpty() ? "" : ",\"value\":" + value) + "}]";
-}
-
-/// What may pass by itself.
-struct Passing {
-    const char *name;
-    const char *value;
-};
-constexpr Passing passing[] = {
-    {"status", "500"},
-    {"status", "502"},
-    {"status", "503"},
-    {"status", "504"},
-    {"status", R"({"code":429,"retryAfter":3})"},
-    {"close", ""},
-    {"reset", ""},
-    {"cut", "10"},
-    {"cut", "0"},
-};
-constexpr Passing spoiling[] = {{"not-json", ""}, {"huge", "6000000"}};
-
-class NotaryService : public NotaryFixture {
-protected:
-    /// Runs what makes the call, and answers whether it came to its right end.
-    bool succeeds(const Call &call)
-    {
-        if (call.pattern == listing.pattern && call.method == QByteArrayView("GET"))
-            return altool({u"--notarization-history"_s, u"0"_s}).status == 0;
-        if (call.method == QByteArrayView("POST") || call.method == QByteArrayView("PUT"))
-            return !uuidIn(upload(makeArchive())).isEmpty();
-        const ToolResult report = info(m_decided);
-        return report.status == 0 && report.output.contains(u"Status: invalid\n"_s)
-            && report.output.contains(u"LogFileURL: file:///"_s);
-    }
-
-    /// Every third pair of a trouble and a call, unless SEALWRIGHT_WHOLE_MATRIX asks for all.
-    static bool isAmongThoseTried()
-    {
-        static int number = 0;
-        return number++ % 3 == 0 || qEnvironmentVariableIsSet("SEALWRIGHT_WHOLE_MATRIX");
-    }
-
-    void expectToPass(const Call &call, const Passing &trouble, int count)
-    {
-        if (!isAmongThoseTried())
-            return;
-        ASSERT_EQ(setFaults(fault(trouble.name, call, count, trouble.value)), 200);
-        EXPECT_TRUE(succeeds(call)) << trouble.name << ' ' << trouble.value << " at " << call.name << ", "
-                                    << count << " times";
-    }
-
-    [[nodiscard]] int requestsTo(const Call &call) const
-    {
-        int count = 0;
-        for (const QJsonValue &request : requests()) {
-            const bool fits = QRegularExpression(QString::fromLatin1(call.pattern))
-                                  .match(request[u"path"].toString())
-                                  .hasMatch();
-            count += fits && request[u"method"].toString() == QLatin1StringView(call.method) ? 1 : 0;
-        }
-        return count;
-    }
-
-    QString m_decided;
-};
+class NotaryService : public NotaryFixture { };
 
 } // namespace
-
-TEST_F(NotaryService, troubleThatPassesCostsNothingAtAnyCall)
-{
-    m_decided = decidedRequest();
-    for (const Call &call : {listing, submitting, putting, asking, logging, reading}) {
-        for (const Passing &trouble : passing)
-            expectToPass(call, trouble, 3);
-        if (call.method == QByteArrayView("GET")) {
-            for (const Passing &trouble : spoiling)
-                expectToPass(call, trouble, 1);
-        }
-    }
-}
-
-TEST_F(NotaryService, anErrorOfTheStorageThatPassesCostsNothing)
-{
-    for (const char *code : {"InternalError", "SlowDown", "RequestTimeout"}) {
-        for (const char *late : {"true", "false"}) {
-            const QByteArray value = QByteArray("{\"code\":\"") + code + "\",\"late\":" + late + "}";
-            ASSERT_EQ(setFaults(fault("s3-error", putting, 3, value)), 200);
-            EXPECT_TRUE(succeeds(putting)) << value.toStdString();
-        }
-    }
-    for (const char *code : {"ExpiredToken", "RequestTimeTooSkewed"}) {
-        ASSERT_EQ(setFaults(fault("s3-error", putting, 1, QByteArray("\"") + code + '"')), 200);
-        EXPECT_TRUE(succeeds(putting)) << code;
-    }
-}
-
-TEST_F(NotaryService, troubleForEverEndsTheRunAfterFourTries)
-{
-    m_decided = decidedRequest();
-    for (const Call &call : {listing, submitting, putting, asking}) {
-        for (const Passing &trouble : passing) {
-            if (!isAmongThoseTried())
-                continue;
-            forgetRequests();
-            ASSERT_EQ(setFaults(fault(trouble.name, call, -1, trouble.value)), 200);
-            EXPECT_FALSE(succeeds(call)) << trouble.name << " at " << call.name;
-            EXPECT_EQ(requestsTo(call), 4) << trouble.name << ' ' << trouble.value << " at " << call.name;
-        }
-    }
-}
 
 TEST_F(NotaryService, aRefusalIsFinalAndSaysWhy)
 {
@@ -160,7 +35,7 @@ TEST_F(NotaryService, aRefusalIsFinalAndSaysWhy)
         {"400", u"HTTP status 400", 1}};
     for (const auto &refusal : refusals) {
         forgetRequests();
-        ASSERT_EQ(setFaults(fault("status", listing, -1, refusal.value)), 200);
+        ASSERT_EQ(setFaults(faultAt(listing, "status", -1, refusal.value)), 200);
         const ToolResult reply = altool({u"--notarization-history"_s, u"0"_s});
         EXPECT_EQ(reply.status, 1);
         EXPECT_EQ(reply.output, QString());
@@ -172,7 +47,7 @@ TEST_F(NotaryService, aRefusalIsFinalAndSaysWhy)
 
 TEST_F(NotaryService, aSilentServiceIsGivenUp)
 {
-    ASSERT_EQ(setFaults(fault("stall", listing, -1)), 200);
+    ASSERT_EQ(setFaults(faultAt(listing, "stall", -1)), 200);
     EXPECT_EQ(altool({u"--notarization-history"_s, u"0"_s}).status, 1);
 }
 
@@ -203,7 +78,7 @@ TEST_F(NotaryService, aReplyWithoutAStatusIsAFailureAndNoVerdict)
 {
     const QString uuid = decidedRequest();
     for (const char *field : {"status", "attributes", "data"}) {
-        ASSERT_EQ(setFaults(fault("missing-field", asking, -1, QByteArray("\"") + field + '"')), 200);
+        ASSERT_EQ(setFaults(faultAt(asking, "missing-field", -1, QByteArray("\"") + field + '"')), 200);
         const ToolResult report = info(uuid);
         EXPECT_EQ(report.status, 1) << field;
         EXPECT_FALSE(report.output.contains(u"Status:"_s));
@@ -355,7 +230,7 @@ TEST_F(NotaryService, aTicketIsLookedUpAsTheRealDatabaseIs)
 TEST_F(NotaryService, noSecretStandsWhereOthersCouldReadIt)
 {
     const QString uuid = decidedRequest();
-    ASSERT_EQ(setFaults(fault("s3-error", putting, -1, "\"AccessDenied\"")), 200);
+    ASSERT_EQ(setFaults(faultAt(putting, "s3-error", -1, "\"AccessDenied\"")), 200);
     const ToolResult refused = upload(makeArchive());
     const ToolResult report = info(uuid);
     static const QRegularExpression secret(
