@@ -32,6 +32,7 @@ constexpr Row table[] = {
     {"package", rows::packageSigning},
     {"large-signature", rows::signingOfALargeFile},
     {"signatures", rows::signingOfManyItems},
+    {"notary", rows::notarization},
 };
 
 /// Prints the figure; false if it is over its bar.

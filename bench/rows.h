@@ -21,5 +21,6 @@ namespace rows {
 [[nodiscard]] QList<Figure> packageSigning();
 [[nodiscard]] QList<Figure> signingOfALargeFile();
 [[nodiscard]] QList<Figure> signingOfManyItems();
+[[nodiscard]] QList<Figure> notarization();
 
 } // namespace rows
