@@ -34,6 +34,14 @@ MHD_Result keepHeader(void *user, MHD_ValueKind, const char *name, const char *v
     return MHD_YES;
 }
 
+/// The storage's objects have addresses of two kinds, and one of them names the bucket in the host
+/// (https://docs.aws.amazon.com/AmazonS3/latest/userguide/VirtualHosting.html).
+QByteArray placeOf(const Request &request)
+{
+    const bool namesBucket = request.headers.value("host").startsWith(Submissions::bucket + '.');
+    return namesBucket ? "/s3/" + Submissions::bucket + request.askedPath : request.askedPath;
+}
+
 bool isLoopbackPeer(MHD_Connection *connection)
 {
     const auto *info = MHD_get_connection_info(connection, MHD_CONNECTION_INFO_CLIENT_ADDRESS);
@@ -114,9 +122,10 @@ void Connection::readRequest(const char *method)
 {
     const qsizetype mark = m_target.indexOf('?');
     m_request.method = method;
-    m_request.path = mark < 0 ? m_target : m_target.left(mark);
+    m_request.askedPath = mark < 0 ? m_target : m_target.left(mark);
     m_request.query = mark < 0 ? Query() : queryIn(m_target.mid(mark + 1));
     MHD_get_connection_values(m_connection, MHD_HEADER_KIND, keepHeader, &m_request);
+    m_request.path = placeOf(m_request);
     m_request.isFromLoopback = isLoopbackPeer(m_connection);
 }
 

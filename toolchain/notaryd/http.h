@@ -15,7 +15,9 @@ namespace notaryd {
 /// A request whose headers have been read.
 struct Request {
     QByteArray method;
-    QByteArray path; ///< in the percent form of the request line, without the query
+    QByteArray
+        path; ///< in percent form, without the query; that of a bucket's own host begins with its bucket
+    QByteArray askedPath; ///< as it stands in the request line
     Query query;
     QMap<QByteArray, QByteArray> headers; ///< names in lower case
     bool isFromLoopback = false;

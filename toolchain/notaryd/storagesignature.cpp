@@ -45,7 +45,7 @@ QByteArray canonicalPath(const QByteArray &path)
 SignableRequest signedPartOf(const Request &request, const Claim &claim)
 {
     SignableRequest part{request.method,
-                         canonicalPath(request.path),
+                         canonicalPath(request.askedPath),
                          request.query,
                          {},
                          request.headers.value("x-amz-content-sha256")};

@@ -78,7 +78,7 @@ Result<UploadSession> Submissions::begin(const NotaryRequest &announced, const Q
     request.uuid = QUuid::createUuid().toString(QUuid::WithoutBraces);
     request.phase = Phase::Announced;
     const UploadSession session{request.uuid,
-                                "notary-submissions-local",
+                                bucket,
                                 "prod/AROA" + randomLetters(17) + ':' + request.uuid.toLatin1(),
                                 {"ASIA" + randomLetters(16), randomText(30), randomText(96)},
                                 now.addSecs(credentialsLifetime)};

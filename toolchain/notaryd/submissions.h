@@ -29,6 +29,8 @@ struct UploadSession {
 /// be uploaded in memory. A thread of its own reviews them one after the other. Any thread may call.
 class Submissions {
 public:
+    static inline const QByteArray bucket = "notary-submissions-local";
+
     using Reviewer = std::function<void(NotaryRequest &request, const QString &path)>;
 
     /// Is told of each request once its review is over and written down, from the reviewing thread.
