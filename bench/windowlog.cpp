@@ -4,12 +4,15 @@
 #include "support/testhost.h"
 
 #include "platform/qt/qtmainqueue.h"
+#include "ui/historymodel.h"
 #include "ui/logprinter.h"
+#include "ui/logview.h"
 #include "ui/widgetwindow.h"
 #include "ui/windoworder.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
+#include <QTableView>
 #include <QTimer>
 
 using namespace Qt::StringLiterals;
@@ -67,6 +70,58 @@ Flood flood(int lines)
     return {seconds, longest};
 }
 
+/// The longest stall while all of a long log is hidden and shown again.
+qint64 stallOfTheFilter()
+{
+    LogText log;
+    LogView view(log);
+    view.resize(800, 600);
+    view.show();
+    for (int line = 0; line < manyLines; ++line)
+        log.append({u"line %1 of what a tool has printed\n"_s.arg(line),
+                    line % 10 == 0 ? LogStyle::bold : LogStyle::plain,
+                    {u"Menlo"_s, 12}});
+    QCoreApplication::processEvents();
+    const Stall stall;
+    for (const LogFilter filter : {LogFilter::errors, LogFilter::steps, LogFilter::all}) {
+        view.setFilter(filter);
+        while (!view.isSettled())
+            QCoreApplication::processEvents();
+    }
+    return stall.milliseconds();
+}
+
+/// The longest stall while thousands of submissions come into the table, are sorted and searched.
+qint64 stallOfTheHistory()
+{
+    constexpr int submissions = 5000;
+    QList<HistoryEntry> entries;
+    for (int number = 0; number < submissions; ++number)
+        entries.append({u"2019-06-%1 10:00:00 +0000"_s.arg(number % 28 + 1, 2, 10, u'0'),
+                        QString::number(number * 7919 % submissions), u"success"_s, u"0"_s,
+                        u"Package Approved"_s});
+    HistoryModel history;
+    SortedHistory shown(history);
+    QTableView table;
+    table.setModel(&shown);
+    table.setSortingEnabled(true);
+    table.show();
+    QElapsedTimer clock;
+    qint64 longest = 0;
+    const auto measure = [&](const std::function<void()> &work) {
+        clock.start();
+        work();
+        QCoreApplication::processEvents();
+        longest = qMax(longest, clock.elapsed());
+    };
+    measure([&] { history.take(entries); });
+    measure([&] { table.sortByColumn(HistoryModel::identifier, Qt::AscendingOrder); });
+    measure([&] { table.sortByColumn(HistoryModel::date, Qt::DescendingOrder); });
+    measure([&] { shown.setFilterFixedString(u"499"_s); });
+    measure([&] { shown.setFilterFixedString({}); });
+    return longest;
+}
+
 } // namespace
 
 QList<Figure> rows::windowLog()
@@ -77,5 +132,9 @@ QList<Figure> rows::windowLog()
     return {{u"a line among 100,000 in the window log, over one among 25,000"_s, growth, 1.5, {}},
             {u"    the longest stall of the main thread meanwhile"_s, static_cast<double>(many.stall), 50,
              u"ms"_s},
-            {u"    100,000 lines altogether"_s, many.seconds * millisecondsInSecond, 10'000, u"ms"_s}};
+            {u"    100,000 lines altogether"_s, many.seconds * millisecondsInSecond, 10'000, u"ms"_s},
+            {u"the longest stall while 100,000 lines are hidden and shown"_s,
+             static_cast<double>(stallOfTheFilter()), 50, u"ms"_s},
+            {u"the longest stall of a history of 5,000 submissions"_s,
+             static_cast<double>(stallOfTheHistory()), 50, u"ms"_s}};
 }

@@ -2,6 +2,7 @@
 
 #include "document/mainwincontroller.h"
 #include "ui/examinepane.h"
+#include "ui/historypane.h"
 #include "ui/issuetable.h"
 #include "ui/named.h"
 #include "ui/steppane.h"
@@ -16,4 +17,5 @@ SidePane::SidePane(MainWinController &document, QWidget *parent)
     addTab(new StepPane(document, this), u"Steps"_s);
     addTab(new ExaminePane(document, this), u"Examine"_s);
     addTab(new IssueTable(document, this), u"Issues"_s);
+    addTab(new HistoryPane(document, this), tr("History"));
 }

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+
+/// One submission of the account, as the notary tool prints it in a line of its history. Texts may be empty.
+struct HistoryEntry {
+    QString date; ///< "2018-06-24 01:14:21 +0000": sorts by time as it stands
+    QString identifier;
+    QString status; ///< "success", "invalid", "in progress"
+    QString code;
+    QString message;
+
+    bool operator==(const HistoryEntry &) const = default;
+};
+
+/// The entries of a page of the history in the notary tool's plain form, in its order: columns, headed by a
+/// rule of hyphens that tells how wide they are. Nothing where there is no such rule. Pure.
+[[nodiscard]] QList<HistoryEntry> historyEntries(const QString &reply);
