@@ -3,6 +3,7 @@
 #include "platform/posix/endsignals.h"
 #include "scripting/dbus/scriptingbus.h"
 #include "ui/launcherentry.h"
+#include "ui/uploadprogress.h"
 
 #include <QApplication>
 #include <QIcon>
@@ -67,6 +68,7 @@ int launchAndRun(AppDelegate &delegate, ScriptingBus &bus)
 
 int runDesktopApplication()
 {
+    uploadprogress::askFor();
     DesktopHost &host = *new DesktopHost(QApplication::applicationDirPath());
     AppDelegate::initialize(host.services().preferences);
     AppDelegate &delegate =

@@ -149,7 +149,11 @@ int notarizeApp(const ParsedArguments &arguments, Session &session)
     printError("altool: uploading to the notary service at "
                + notary::hostAndPort(session.config.api).toStdString() + "\n");
     ProgressLine progress;
-    const auto show = [&progress](qint64 sent, qint64 size) { progress.show(sent, size); };
+    ProgressFile forPrograms(path);
+    const auto show = [&](qint64 sent, qint64 size) {
+        progress.show(sent, size);
+        forPrograms.show(sent, size);
+    };
     const auto uploaded = notary::Upload(session.api, session.config, **file, show).run();
     if (const auto *failure = std::get_if<ServiceFailure>(&uploaded))
         return fail(arguments, *failure);

@@ -2,7 +2,9 @@
 
 #include "support/console.h"
 
-#include <QString>
+#include <QCryptographicHash>
+#include <QFile>
+#include <QFileInfo>
 
 #include <unistd.h>
 
@@ -14,6 +16,16 @@ namespace {
 
 constexpr auto pause = std::chrono::milliseconds(200);
 constexpr double mebibyte = 1 << 20;
+
+QString progressPath(const QString &uploadedFile)
+{
+    const QString folder = qEnvironmentVariable("SEALWRIGHT_UPLOAD_PROGRESS");
+    if (folder.isEmpty())
+        return {};
+    const QByteArray path = QFile::encodeName(QFileInfo(uploadedFile).absoluteFilePath());
+    return folder + u'/'
+        + QString::fromLatin1(QCryptographicHash::hash(path, QCryptographicHash::Sha1).toHex());
+}
 
 } // namespace
 
@@ -41,6 +53,28 @@ void ProgressLine::show(qint64 sent, qint64 size)
                                            QString::number(double(size) / mebibyte, 'f', 1),
                                            QString::number(double(sent) / mebibyte / seconds, 'f', 1));
     printError(line.toStdString());
+}
+
+ProgressFile::ProgressFile(const QString &uploadedFile)
+    : m_path(progressPath(uploadedFile))
+{
+}
+
+ProgressFile::~ProgressFile()
+{
+    if (!m_path.isNull())
+        QFile::remove(m_path);
+}
+
+void ProgressFile::show(qint64 sent, qint64 size)
+{
+    const auto now = Clock::now();
+    if (m_path.isNull() || (now - m_shown < pause && sent < size))
+        return;
+    m_shown = now;
+    QFile file(m_path);
+    if (file.open(QIODevice::WriteOnly | QIODevice::Truncate))
+        file.write(QByteArray::number(sent) + ' ' + QByteArray::number(size) + '\n');
 }
 
 } // namespace toolchain

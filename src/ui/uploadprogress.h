@@ -1,0 +1,36 @@
+#pragma once
+
+#include "document/steplist.h"
+
+#include <QTimer>
+
+#include <optional>
+
+class MainWinController;
+
+/// What a notary tool tells of its uploads, where it is one that does: a file for each in a folder of this
+/// session, which the environment variable SEALWRIGHT_UPLOAD_PROGRESS names to the tools.
+namespace uploadprogress {
+
+/// Has the tools that are started from now on tell. Before the first of them; without a folder of the session
+/// nothing happens.
+void askFor();
+/// Nothing if no tool tells of an upload of that file, given by its absolute path.
+[[nodiscard]] std::optional<StepList::Parts> of(const QString &uploadedFile);
+
+} // namespace uploadprogress
+
+/// Keeps a document's steps told of its upload, once a second. Main thread.
+class UploadProgress : public QObject {
+    Q_OBJECT
+
+public:
+    UploadProgress(MainWinController &document, QObject *parent);
+
+private:
+    void follow();
+    void look();
+
+    MainWinController &m_document;
+    QTimer m_timer;
+};
