@@ -15,6 +15,7 @@
 #include "ui/progresstext.h"
 #include "ui/settingspane.h"
 #include "ui/sidepane.h"
+#include "ui/uploadprogress.h"
 #include "ui/waitingbanner.h"
 
 #include <QBoxLayout>
@@ -54,15 +55,16 @@ DocumentPage::DocumentPage(MainWinController &document)
     : m_document(document)
     , m_header(new ItemHeader(document, this))
     , m_banner(new OutcomeBanner(document, this))
-    , m_commands(new CommandBar(document, this))
     , m_dropOutline(new QRubberBand(QRubberBand::Rectangle, this))
 {
     setAcceptDrops(true);
+    new UploadProgress(document, this);
     auto *const rows = new QVBoxLayout(this);
     rows->addWidget(m_header);
     rows->addWidget(m_banner);
     rows->addWidget(new WaitingBanner(document, this));
     rows->addWidget(makeParts(), 1);
+    m_commands = new CommandBar(document, this); // after what stands above it: the keyboard goes that way
     rows->addWidget(m_commands);
     setStatusWord(document.statusString());
     connect(&document.stepList, &Observable::changed, this, &DocumentPage::progressed); // after the banner

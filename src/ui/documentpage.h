@@ -65,7 +65,7 @@ private:
     ItemHeader *m_header;
     OutcomeBanner *m_banner;
     LogPane *m_logPane = nullptr;
-    CommandBar *m_commands;
+    CommandBar *m_commands = nullptr;
     QRubberBand *m_dropOutline; ///< on show while files that can be dropped are over the page
     QPointer<QWidget> m_lastFocus;
 };

@@ -64,6 +64,11 @@ FindBar::FindBar(QPlainTextEdit &text, QWidget *parent)
     hide();
 }
 
+QWidget *FindBar::words() const
+{
+    return m_words;
+}
+
 void FindBar::open()
 {
     const QString selected = m_text.textCursor().selectedText();

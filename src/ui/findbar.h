@@ -14,6 +14,8 @@ class FindBar : public QWidget {
 public:
     explicit FindBar(QPlainTextEdit &text, QWidget *parent = nullptr);
 
+    /// Where the words are typed, the first of its parts.
+    QWidget *words() const;
     /// Comes up with what is selected in the text, if that lies in one line.
     void open();
     /// Selects the next place behind the selection; after the last one the first. The other way round before

@@ -51,8 +51,11 @@ void LogPane::addCaption(QBoxLayout &rows)
     row->addWidget(settingrows::makeCheckbox(
         this, m_document,
         {&DocumentControls::dontClearCheckbox, u"dontClearCheckbox"_s, u"&Keep log between runs"_s, {}}));
-    row->addWidget(makeClearButton());
+    QWidget *const clear = makeClearButton();
+    row->addWidget(clear);
     rows.addLayout(row);
+    setTabOrder(clear, m_log); // which stands below them
+    setTabOrder(m_log, m_findBar->words());
 }
 
 QWidget *LogPane::makeFilter()

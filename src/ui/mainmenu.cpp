@@ -97,7 +97,7 @@ void MainMenu::addAgainItem(QMenu &menu)
         document().appDelegate().menuNeedsUpdate(*present);
         return present->action != Action::none && isOffered(present->action);
     };
-    QAction *const item = addItem(menu, {}, QKeySequence(u"Ctrl+R"_s), [this, present, isPossible] {
+    QAction *const item = addItem(menu, u"Submit Again"_s, QKeySequence(u"Ctrl+R"_s), [this, present, isPossible] {
         if (isPossible())
             document().perform(present->action);
     });

@@ -38,6 +38,13 @@ StepListView::StepListView(const StepList &steps, QWidget *parent)
     setWordWrap(true); // so that the rows are laid out anew at another width
     connect(&steps, &Observable::changed, this, [this, &steps] { follow(steps); });
     m_timer.setIsWanted(m_model->running().isValid());
+    offerToKeyboard();
+}
+
+/// Without a step there is nothing to go to.
+void StepListView::offerToKeyboard()
+{
+    setFocusPolicy(m_model->rowCount() > 0 ? Qt::StrongFocus : Qt::NoFocus);
 }
 
 QSize StepListView::sizeFor(const QString &name, int rows) const
@@ -61,6 +68,7 @@ void StepListView::follow(const StepList &steps)
 {
     scrollTo(steps.wait() ? m_model->index(m_model->rowCount() - 1) : m_model->running());
     m_timer.setIsWanted(m_model->running().isValid());
+    offerToKeyboard();
 }
 
 bool StepListView::event(QEvent *event)

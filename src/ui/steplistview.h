@@ -25,6 +25,7 @@ protected:
 
 private:
     void follow(const StepList &steps);
+    void offerToKeyboard();
     QSize sizeFor(const QString &name, int rows) const;
 
     StepListModel *m_model;

@@ -42,6 +42,15 @@ TabBar::TabBar(QWidget *parent)
     setElideMode(Qt::ElideMiddle);
 }
 
+void TabBar::tabInserted(int index)
+{
+    QTabBar::tabInserted(index);
+    for (const ButtonPosition side : {LeftSide, RightSide}) {
+        if (QWidget *const button = tabButton(index, side))
+            button->setAccessibleName(tr("Close Tab"));
+    }
+}
+
 int TabBar::placeAt(QPoint position) const
 {
     const int tab = tabAt(position);

@@ -22,6 +22,7 @@ Q_SIGNALS:
     void tabDraggedOut(int index, QPoint globalPosition);
 
 protected:
+    void tabInserted(int index) override;
     void mousePressEvent(QMouseEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;

@@ -294,3 +294,15 @@ TEST_F(StepListViewTest, isNotForChoosingOrEditing)
     EXPECT_EQ(view.selectionMode(), QAbstractItemView::NoSelection);
     EXPECT_EQ(view.editTriggers(), QAbstractItemView::NoEditTriggers);
 }
+
+TEST(StepListWithoutSteps, isNoStopOfTheTabKey)
+{
+    const ManualClock clock;
+    StepList steps(clock);
+    const StepListView view(steps);
+    EXPECT_EQ(view.focusPolicy(), Qt::NoFocus);
+    steps.plan({step::staple});
+    EXPECT_TRUE(view.focusPolicy() & Qt::TabFocus);
+    steps.plan({});
+    EXPECT_EQ(view.focusPolicy(), Qt::NoFocus);
+}

@@ -625,3 +625,14 @@ TEST_F(Tabs, aTabThatIsDraggedOutHasAPictureOfItselfBesideThePointer)
     letGo(frame(), away);
     EXPECT_FALSE(picture());
 }
+
+TEST_F(Tabs, theButtonThatClosesATabSaysSo)
+{
+    openTwoMore();
+    for (int index = 0; index < bar(frame()).count(); ++index) {
+        const QWidget *const left = bar(frame()).tabButton(index, QTabBar::LeftSide);
+        const QWidget *const right = bar(frame()).tabButton(index, QTabBar::RightSide);
+        ASSERT_TRUE(left || right);
+        EXPECT_EQ((left ? left : right)->accessibleName(), u"Close Tab"_s);
+    }
+}

@@ -13,6 +13,7 @@
 #include <QApplication>
 #include <QLineEdit>
 #include <QPlainTextEdit>
+#include <QTextBlock>
 
 using namespace Qt::StringLiterals;
 
@@ -169,6 +170,44 @@ TEST_F(ByKeysAlone, anItemIsSubmittedNotarizedAndStapledAndItsWindowClosed)
     EXPECT_EQ(document().appleIDField.stringValue(), u"release@example.com"_s);
     press(Qt::Key_W, Qt::ControlModifier);
     until([this] { return host.application().allControllers().isEmpty(); });
+}
+
+TEST_F(ByKeysAlone, theTabKeyGoesDownThePage)
+{
+    tabTo(u"appleIDField"_s);
+    QStringList reached;
+    constexpr int more = 100; // than there are controls
+    for (int presses = 0; presses < more && !reached.contains(focused()); ++presses) {
+        reached.append(focused());
+        press(Qt::Key_Tab);
+    }
+    const QStringList downThePage{u"appleIDField"_s,   u"appPassField"_s,       u"identitiesPopup"_s,
+                                  u"eventsCheckbox"_s, u"logFilterPopup"_s,     u"clearLogButton"_s,
+                                  u"statusTextView"_s, u"fetchHistoryButton"_s, u"historyMaxPagesField"_s,
+                                  u"submitAppButton"_s};
+    qsizetype before = -1;
+    for (const QString &name : downThePage) {
+        EXPECT_GT(reached.indexOf(name), before) << name.toStdString();
+        before = reached.indexOf(name);
+    }
+}
+
+TEST_F(ByKeysAlone, thereAreEightLinesOfTheLogAlsoWithAFontTwiceTheSize)
+{
+    const QFont usual = QApplication::font();
+    QFont large = usual;
+    large.setPointSizeF(2 * usual.pointSizeF());
+    QApplication::setFont(large);
+    host.application().addedDocument();
+    widget().resize(1024, 768);
+    QCoreApplication::processEvents();
+    EXPECT_LE(widget().height(), 768);
+    auto &view = part<QPlainTextEdit>(u"statusTextView"_s);
+    document().statusTextView.append({u"line\n"_s, LogStyle::plain, {u"Menlo"_s, 12}});
+    QCoreApplication::processEvents();
+    const QRect first = view.cursorRect(QTextCursor(view.document()->begin()));
+    EXPECT_GE(view.viewport()->height(), 8 * first.height());
+    QApplication::setFont(usual);
 }
 
 TEST_F(ByAccessibilityAlone, anItemIsSubmittedNotarizedAndStapled)
