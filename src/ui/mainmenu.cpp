@@ -97,10 +97,11 @@ void MainMenu::addAgainItem(QMenu &menu)
         document().appDelegate().menuNeedsUpdate(*present);
         return present->action != Action::none && isOffered(present->action);
     };
-    QAction *const item = addItem(menu, u"Submit Again"_s, QKeySequence(u"Ctrl+R"_s), [this, present, isPossible] {
-        if (isPossible())
-            document().perform(present->action);
-    });
+    QAction *const item =
+        addItem(menu, u"Submit Again"_s, QKeySequence(u"Ctrl+R"_s), [this, present, isPossible] {
+            if (isPossible())
+                document().perform(present->action);
+        });
     item->setObjectName(u"doAgainMenuItem"_s);
     offerWhileOpen(menu, *item, isPossible);
     connect(&menu, &QMenu::aboutToShow, item, [item, present] { item->setText(present->title); });

@@ -3,9 +3,9 @@
 #include "notaryd/filedigest.h"
 
 #include "formats/review/review.h"
+#include "formats/udif/imagesignature.h"
 #include "support/confinement.h"
 #include "support/console.h"
-#include "formats/udif/imagesignature.h"
 
 #include <QFile>
 #include <QProcess>
