@@ -29,6 +29,7 @@ public:
     bool skipsStapling() const override { return false; }
 
     void began(const Step &step) override { events.append(u"begins "_s + step.name.toString()); }
+    void advanced(qsizetype, qsizetype) override { }
     void stopped() override { events.append(u"stopped"_s); }
     void failed(const Failure &failure) override { events.append(u"failed "_s + failure.title); }
     void ended(Run &) override { events.append(u"ended"_s); }
