@@ -12,7 +12,8 @@ public:
     MacDistributedNotifications();
     ~MacDistributedNotifications() override;
 
-    void addObserver(const QObject &observer, const QString &name, std::function<void()> handler) override;
+    void addObserver(const QObject &observer, const QString &name, std::function<void()> handler,
+                     Repeats repeats = Repeats::areHandled) override;
     void removeObserver(const QObject &observer) override;
     void post(const QString &name) override;
 

@@ -2,9 +2,49 @@
 
 #import <Foundation/Foundation.h>
 
+#include <utility>
 #include <vector>
 
 namespace platform {
+
+namespace {
+
+/// Calls a handler once for all that has come while it ran. Main thread.
+class Merged : public std::enable_shared_from_this<Merged> {
+public:
+    explicit Merged(std::function<void()> handler)
+        : m_handler(std::move(handler))
+    {
+    }
+
+    void call()
+    {
+        if (m_isCatchingUp) {
+            m_isMissing = true;
+            return;
+        }
+        m_isCatchingUp = true;
+        m_handler();
+        const auto self = shared_from_this();
+        [NSOperationQueue.mainQueue addOperationWithBlock:^{ // behind what waits there
+            self->catchUp();
+        }];
+    }
+
+private:
+    void catchUp()
+    {
+        m_isCatchingUp = false;
+        if (std::exchange(m_isMissing, false))
+            call();
+    }
+
+    const std::function<void()> m_handler;
+    bool m_isCatchingUp = false;
+    bool m_isMissing = false;
+};
+
+} // namespace
 
 class MacDistributedNotifications::Observations {
 public:
@@ -66,8 +106,10 @@ MacDistributedNotifications::MacDistributedNotifications()
 MacDistributedNotifications::~MacDistributedNotifications() = default;
 
 void MacDistributedNotifications::addObserver(const QObject &observer, const QString &name,
-                                              std::function<void()> handler)
+                                              std::function<void()> handler, Repeats repeats)
 {
+    if (repeats == Repeats::areMerged)
+        handler = [merged = std::make_shared<Merged>(std::move(handler))] { merged->call(); };
     m_observations->add(&observer, name, std::move(handler));
 }
 
