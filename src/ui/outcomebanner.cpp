@@ -96,7 +96,10 @@ OutcomeBanner::OutcomeBanner(MainWinController &document, QWidget *parent)
     m_tryAgain = addButton(*row, u"outcomeTryAgain"_s, u"Try Again"_s, &OutcomeBanner::tryAgain);
     m_newDocument = addButton(*row, u"outcomeNewDocument"_s, tr("New Document"), &OutcomeBanner::newDocument);
     connect(&document.stepList, &Observable::changed, this, &OutcomeBanner::follow);
-    connect(&document.progressIndicator, &Control::changed, this, &OutcomeBanner::follow);
+    connect(&document.progressIndicator, &Control::changed, this, [this] {
+        follow();
+        showButtons(); // also where the outcome stays as it was
+    });
     connect(&document.statusTextView, &LogText::appended, this, &OutcomeBanner::heedLog);
     follow();
     setVisible(false);
@@ -155,7 +158,7 @@ RunOutcome OutcomeBanner::withAdvice(RunOutcome outcome) const
 {
     if (outcome.kind != RunOutcome::Kind::cancelled || !m_document.cancelPressed())
         return outcome;
-    if (m_document.isBusy()) {
+    if (m_document.progressIndicator.isAnimating()) {
         outcome.title = tr("This run has stopped");
         outcome.sentence =
             tr("The cancel before it has stopped it at its beginning, and nothing goes on here. "

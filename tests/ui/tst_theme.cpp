@@ -1,4 +1,5 @@
 #include "ui/appearance.h"
+#include "ui/controlpainting.h"
 #include "ui/controlstyle.h"
 #include "ui/theme.h"
 
@@ -8,8 +9,9 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QLineEdit>
-#include <QPushButton>
+#include <QPainter>
 #include <QStyleFactory>
+#include <QStyleOption>
 #include <QTest>
 
 #include <gtest/gtest.h>
@@ -86,18 +88,17 @@ TEST_P(Theme, anEmptyBoxAndAFieldCanBeSeen)
 
 TEST_P(Theme, whatIsWrittenOnAButtonCanBeRead)
 {
-    ControlStyle style;
-    for (const bool isDefault : {false, true}) {
-        QPushButton button(u"HHHHHHHH"_s);
-        QFont large = button.font(); // whose strokes are wider than a pixel
-        large.setPixelSize(40);
-        button.setFont(large);
-        button.setDefault(isDefault);
-        button.setStyle(&style);
-        button.setPalette(palette);
-        const QImage image = button.grab().toImage();
-        const QColor ground = image.pixelColor(5, image.height() / 2);
-        EXPECT_GE(strongest(image, ground, image.width()), 4.5) << isDefault;
+    using controlpainting::Weight;
+    for (const Weight weight : {Weight::ordinary, Weight::primary}) {
+        QStyleOption button;
+        button.palette = palette;
+        button.rect = {0, 0, 60, 30};
+        button.state = QStyle::State_Enabled;
+        QImage image(button.rect.size(), QImage::Format_RGB32);
+        QPainter painter(&image);
+        controlpainting::drawButton(painter, button, weight);
+        const QColor ground = image.pixelColor(image.rect().center());
+        EXPECT_GE(contrast(controlpainting::textOf(button, weight), ground), 4.5) << int(weight);
     }
 }
 
