@@ -2,6 +2,7 @@
 
 #import <Foundation/Foundation.h>
 
+#include <memory>
 #include <utility>
 #include <vector>
 

@@ -70,6 +70,7 @@ __attribute__((objc_root_class))
 
 @interface NSOperationQueue : NSObject
 @property(class, readonly, strong) NSOperationQueue *mainQueue;
+- (void)addOperationWithBlock:(void (^)(void))block;
 @end
 
 @interface NSNotificationCenter : NSObject
