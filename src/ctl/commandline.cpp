@@ -20,9 +20,10 @@ struct Grammar {
     QStringList options; ///< beside --help and --version
 };
 
-const QStringList allOptions{u"document"_s, u"window"_s,   u"show-dialogs"_s, u"skip-stapling"_s, u"follow"_s,
-                             u"timeout"_s,  u"identity"_s, u"page"_s,         u"xml"_s,           u"unset"_s,
-                             u"json"_s,     u"close"_s,    u"all"_s,          u"tool-pause"_s};
+const QStringList allOptions{u"document"_s, u"window"_s,     u"show-dialogs"_s, u"skip-stapling"_s,
+                             u"follow"_s,   u"timeout"_s,    u"identity"_s,     u"page"_s,
+                             u"xml"_s,      u"unset"_s,      u"json"_s,         u"close"_s,
+                             u"all"_s,      u"tool-pause"_s, u"junit"_s,        u"sarif"_s};
 const QStringList workOptions{u"document"_s, u"show-dialogs"_s, u"follow"_s,    u"timeout"_s,
                               u"json"_s,     u"close"_s,        u"tool-pause"_s};
 
@@ -39,8 +40,8 @@ const QList<Grammar> &grammars()
          0,
          0,
          {u"document"_s, u"page"_s, u"xml"_s, u"timeout"_s, u"json"_s, u"close"_s, u"tool-pause"_s}},
-        {u"examine"_s, 1, 1, {u"document"_s, u"json"_s}},
-        {u"issues"_s, 1, 1, {u"json"_s}},
+        {u"examine"_s, 1, 1, {u"document"_s, u"json"_s, u"junit"_s, u"sarif"_s}},
+        {u"issues"_s, 1, 1, {u"json"_s, u"junit"_s, u"sarif"_s}},
         {u"compare"_s, 2, 2, {u"json"_s}},
         {u"log"_s, 1, 1, {}},
         {u"clear-log"_s, 1, 1, {}},
@@ -145,6 +146,8 @@ QString problemOf(const Request &request, const QCommandLineParser &parser)
     }
     if (!request.document.isEmpty() && !request.window.isEmpty())
         return u"--document and --window exclude each other"_s;
+    if (int(request.json) + int(request.junit) + int(request.sarif) > 1)
+        return u"--json, --junit and --sarif exclude each other"_s;
     if (request.timeout == 0)
         return u"--timeout takes a number of seconds above 0"_s;
     if (parser.isSet(u"tool-pause"_s) && request.toolPause < 0)
@@ -175,6 +178,8 @@ Request readOptions(const Grammar &grammar, const QCommandLineParser &parser)
     request.unset = parser.isSet(u"unset"_s);
     request.json = parser.isSet(u"json"_s);
     request.all = parser.isSet(u"all"_s);
+    request.junit = parser.isSet(u"junit"_s);
+    request.sarif = parser.isSet(u"sarif"_s);
     request.close = parser.isSet(u"close"_s);
     request.identity = parser.value(u"identity"_s);
     if (parser.isSet(u"page"_s))
@@ -316,8 +321,9 @@ is started if it does not run.
   examine PATH     Tells what a run would do with the item and what would be refused. Changes nothing.
     --document ID      with the settings of that document; otherwise with those of a new one
     --json             as JSON
+    --junit, --sarif   in the form that build servers read: JUnit's results, or SARIF 2.1.0
   issues ID        Lists what the notary service said of a document's item: severity, path, architecture, message.
-    --json             as JSON
+    --json, --junit, --sarif   as above
   compare OLD NEW  Tells in what two items differ. A folder that a run has left stands for the item in it.
     --json             as JSON
   log ID           Prints the log of a document. A command that the document works for loses its answer.

@@ -21,6 +21,8 @@ struct Request {
     qint64 page = 0; ///< of the history
     bool xml = false;
     bool json = false;
+    bool junit = false;
+    bool sarif = false;
     bool follow = false;
     bool unset = false; ///< set to no value
     bool all = false; ///< of what there is, in place of one

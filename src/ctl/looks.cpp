@@ -1,5 +1,6 @@
 #include "ctl/looks.h"
 
+#include "ctl/lookforms.h"
 #include "ctl/lookreport.h"
 #include "ctl/output.h"
 #include "ctl/propertyvalue.h"
@@ -57,7 +58,12 @@ Answer examine(const Request &request, const Client &client)
         return asNotLookedAt(answer);
     const QString json = textIn(answer);
     const QJsonObject examination = QJsonDocument::fromJson(json.toUtf8()).object();
-    print(request, json, lookreport::examinationLines(examination));
+    if (request.junit)
+        output::printText(lookforms::junitOfExamination(examination));
+    else if (request.sarif)
+        output::printText(lookforms::sarifOfExamination(examination));
+    else
+        print(request, json, lookreport::examinationLines(examination));
     return withStatus(examination.value("refused"_L1).toBool() ? ExitStatus::error : ExitStatus::done);
 }
 
@@ -68,7 +74,13 @@ Answer issues(const Request &request, const Client &client)
     if (!answer)
         return answer;
     const QString json = textIn(answer);
-    print(request, json, lookreport::issueLines(QJsonDocument::fromJson(json.toUtf8()).array()));
+    const QJsonArray found = QJsonDocument::fromJson(json.toUtf8()).array();
+    if (request.junit)
+        output::printText(lookforms::junitOfIssues(request.operands.first(), found));
+    else if (request.sarif)
+        output::printText(lookforms::sarifOfIssues(found));
+    else
+        print(request, json, lookreport::issueLines(found));
     return answer;
 }
 
