@@ -24,6 +24,7 @@ RunPtr MainWinController::makeRun(const RunInputs &inputs, std::function<void(Ru
     m_runCount.increment();
     folderClaim.set(nullptr);
     folderLeftIn.set({});
+    serviceIssues.set(u"[]"_s);
     const auto watcher =
         std::make_shared<RunWatcher>(shared_from_this(), m_runCount(), inputs.places, std::move(atEnd));
     const ToolSession::Setup tools{.runner = taskRunner(),
