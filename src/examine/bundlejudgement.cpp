@@ -45,84 +45,96 @@ bool leadsIntoCurrentVersion(const QString &link)
     return info.isSymLink() && QFile::symLinkTarget(link).contains("/Versions/"_L1);
 }
 
+bool hasDescription(const QString &bundle)
+{
+    static const QStringList places{u"Contents/Info.plist"_s, u"Resources/Info.plist"_s, u"Info.plist"_s};
+    return std::any_of(places.cbegin(), places.cend(),
+                       [&bundle](const QString &place) { return QFileInfo(bundle + u'/' + place).isFile(); });
+}
+
 } // namespace
 
 void Judgement::judgeBundles()
 {
-    for (const QString &item : m_prediction.order) {
-        if (QFileInfo(item).isDir() && !QFileInfo(item).isSymLink())
-            judgeBundle(item);
-    }
+    for (const auto &[path, read] : m_prediction.bundles)
+        judgeBundle(path, read);
 }
 
-void Judgement::judgeBundle(const QString &item)
+void Judgement::judgeBundle(const QString &item, const ReadBundle &read)
+{
+    judgeRoot(item);
+    if (!read.bundle)
+        return judgeUnreadBundle(item, read.bundle.error());
+    if (read.bundle->info.value(u"CFBundleIdentifier"_s).toString().isEmpty())
+        find(rule::missingIdentifier, Severity::warning, relative(item), u"The bundle has no identifier."_s);
+    judgeContents(item, read);
+}
+
+void Judgement::judgeUnreadBundle(const QString &item, const QString &problem)
 {
     const QString path = relative(item);
-    judgeRoot(item);
-    const auto bundle = signing::readCodeBundle(item);
-    if (bundle) {
-        if (bundle->info.value(u"CFBundleIdentifier"_s).toString().isEmpty())
-            find(rule::missingIdentifier, Severity::warning, path, u"The bundle has no identifier."_s);
-        return judgeContents(item, bundle->base, bundle->executable,
-                             bundle->layout == signing::BundleLayout::Flat);
-    }
-    if (bundle.error() == signing::text::ambiguousBundle)
-        return find(rule::ambiguousBundle, Severity::error, path, bundle.error());
-    const bool hasInfo = QFileInfo(item + u"/Contents/Info.plist"_s).isFile()
-        || QFileInfo(item + u"/Resources/Info.plist"_s).isFile()
-        || QFileInfo(item + u"/Info.plist"_s).isFile();
-    const bool namesExecutable = hasInfo
-        && std::any_of(m_examination.code.cbegin(), m_examination.code.cend(), [&](const CodeEntry &entry) {
-                                     return entry.path == path && !entry.mainExecutable.isEmpty();
-                                 });
-    find(namesExecutable ? rule::missingExecutable : rule::invalidInfoPlist, Severity::error, path,
-         bundle.error());
+    if (problem == signing::text::ambiguousBundle)
+        return void(find(rule::ambiguousBundle, Severity::error, path, problem));
+    const auto &code = m_examination.code;
+    const bool namesExecutable =
+        hasDescription(item) && std::any_of(code.cbegin(), code.cend(), [&path](const CodeEntry &entry) {
+            return entry.path == path && !entry.mainExecutable.isEmpty();
+        });
+    find(namesExecutable ? rule::missingExecutable : rule::invalidInfoPlist, Severity::error, path, problem);
 }
 
-void Judgement::judgeContents(const QString &item, const QString &base, const QString &executable,
-                              bool isFlat)
+void Judgement::judgeContents(const QString &item, const ReadBundle &read)
 {
-    const seal::Layout layout = isFlat ? seal::Layout::Flat : seal::Layout::WithResources;
-    const seal::SealedFolder folder{base, layout, QFile::encodeName(executable)};
-    const auto scanned = seal::scanFolder(folder, seal::firstRules(layout), seal::secondRules(layout));
-    if (!scanned) {
-        const auto isUnreadable = [](const Finding &finding) { return finding.rule == rule::unreadable; };
-        if (std::none_of(m_examination.findings.cbegin(), m_examination.findings.cend(), isUnreadable))
-            find(rule::unreadable, Severity::error, relative(item), scanned.error());
-        return;
-    }
-    for (const seal::ScannedItem &found : *scanned) {
-        const QString place = base + u'/' + QFile::decodeName(found.path);
+    if (!read.scanError.isEmpty())
+        return judgeUnreadContents(item, read.scanError);
+    const seal::SealedFolder folder = sealedFolder(*read.bundle);
+    for (const seal::ScannedItem &found : read.items) {
+        const QString place = folder.base + u'/' + QFile::decodeName(found.path);
         if (found.kind == seal::ItemKind::NestedCode)
             judgeNested(place);
-        else if (found.kind == seal::ItemKind::Link && seal::leadsOut(folder, found.path, found.linkTarget)
-                 && !hasErrorAt(relative(place)))
+        else if (seal::leadsOut(folder, found.path, found.linkTarget) && !hasErrorAt(relative(place)))
             find(rule::linkLeavesItem, Severity::error, relative(place), signing::text::badLink);
     }
+}
+
+/// What cannot be sealed has mostly been told where it lies.
+void Judgement::judgeUnreadContents(const QString &item, const QString &problem)
+{
+    const auto tellsWhy = [](const Finding &finding) {
+        return finding.rule == rule::unreadable || finding.rule == rule::pathTooLong;
+    };
+    if (std::none_of(m_examination.findings.cbegin(), m_examination.findings.cend(), tellsWhy))
+        find(rule::unreadable, Severity::error, relative(item), problem);
 }
 
 /// Nested code must have a signature before what it lies in is signed: its own, or one of this run.
 /// Attributes, where files that are no Mach-O files have theirs, are cleared by the run.
 void Judgement::judgeNested(const QString &nested)
 {
-    if (isSignedByRun(nested)
+    const QString path = relative(nested);
+    if (isSignedByRun(nested) || hasErrorBelow(path)
         || m_prediction.passedOver.value(nested, PassedOver::noCode) == PassedOver::leftover)
         return;
     const auto code = signing::readSignedCode(nested);
-    if (code && code->isSigned() && code->kind == signing::CodeKind::MachO)
+    if (code && (isSignedWithParent(path) || (code->isSigned() && code->kind == signing::CodeKind::MachO)))
         return;
-    const QString path = relative(nested);
-    const QString below = path + u'/';
-    for (const QString &known : std::as_const(m_errors)) {
-        if (known == path || known.startsWith(below))
-            return;
-    }
-    CodeEntry entry;
-    entry.path = path;
     const QString what = code ? signing::text::notSigned : code.error();
     if (!code && namesMissingExecutable(nested))
-        return find(rule::missingExecutable, Severity::error, path, what);
-    find(isSkipped(entry) ? rule::skippedCode : rule::unsignedCode, Severity::error, path, what);
+        return void(find(rule::missingExecutable, Severity::error, path, what));
+    CodeEntry entry;
+    entry.path = path;
+    if (isSkipped(entry))
+        return void(find(rule::skippedCode, Severity::error, path, what));
+    find(rule::unsignedCode, Severity::error, path, what).advice =
+        u"Only code may lie in this folder, and this is none that can be signed. Move it to Contents/Resources, or leave it out of the item."_s;
+}
+
+/// Of the path, or of something in it.
+bool Judgement::hasErrorBelow(const QString &path) const
+{
+    const QString below = path + u'/';
+    return std::any_of(m_errors.cbegin(), m_errors.cend(),
+                       [&](const QString &known) { return known == path || known.startsWith(below); });
 }
 
 bool Judgement::isSignedByRun(const QString &absolutePath) const

@@ -6,6 +6,8 @@
 #include "formats/review/judge.h"
 #include "formats/review/verifying.h"
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 using toolchain::review::CodeFacts;
 using toolchain::review::Objection;
@@ -54,7 +56,7 @@ void Judgement::judgeCode()
                 find(rule::unknownArchitecture, Severity::warning, entry.path,
                      u"No Mac runs this architecture."_s, slice.architecture);
         }
-        if (entry.order)
+        if (entry.order || isSignedWithParent(entry.path))
             judgeSigned(entry);
         else
             judgeKept(entry);
@@ -63,10 +65,28 @@ void Judgement::judgeCode()
 
 void Judgement::judgeSigned(const CodeEntry &entry)
 {
+    if (!m_choices.replacesSignatures && entry.order)
+        judgeOldSignature(entry);
     for (const SliceFacts &slice : entry.facts.slices) {
         for (const Objection objection : objectionsOnceSigned(slice))
             find(ruleFor(objection, {}), Severity::error, entry.path, message(objection), slice.architecture);
     }
+}
+
+/// Without --force codesign leaves what is signed alone, and the run ends there.
+void Judgement::judgeOldSignature(const CodeEntry &entry)
+{
+    const auto isSigned = [](const auto &signature) {
+        return signature.state != SignatureState::None && signature.state != SignatureState::Linker;
+    };
+    const auto &slices = entry.facts.slices;
+    const bool isSignedAlready =
+        std::any_of(slices.cbegin(), slices.cend(),
+                    [&](const SliceFacts &slice) { return isSigned(slice.signature); })
+        || (entry.ownSignature && isSigned(*entry.ownSignature));
+    if (isSignedAlready)
+        find(rule::unsignedCode, Severity::error, entry.path, u"is already signed"_s).advice =
+            u"Let the settings replace signatures that are there, or take the old one off with codesign --remove-signature."_s;
 }
 
 void Judgement::judgeKept(const CodeEntry &entry)
@@ -74,18 +94,16 @@ void Judgement::judgeKept(const CodeEntry &entry)
     if (absolute(entry.path) == m_prediction.droppedMember)
         return; // told with the reason why the item takes its place
     const QString unsignedRule = ruleForUnsigned(entry);
-    const bool isOneFinding = unsignedRule == rule::codeInArchive;
     CodeFacts facts = entry.facts;
     const bool isOnDisk = !m_collected.isInArchive(entry.path) && m_examination.kind != ItemKind::package
         && m_examination.kind != ItemKind::diskImage;
     if (isOnDisk)
         toolchain::review::verifySignatures(absolute(entry.path), facts,
                                             toolchain::TrustStore::ofThisMachine());
-    for (const SliceFacts &slice : std::as_const(facts.slices)) {
+    for (const SliceFacts &slice : std::as_const(facts.slices))
         judgeKeptSlice(entry, slice, unsignedRule);
-        if (isOneFinding && hasErrorAt(entry.path))
-            return;
-    }
+    if (isOnDisk)
+        judgeTeam(entry);
 }
 
 void Judgement::judgeKeptSlice(const CodeEntry &entry, const SliceFacts &slice, const QString &unsignedRule)
@@ -94,17 +112,52 @@ void Judgement::judgeKeptSlice(const CodeEntry &entry, const SliceFacts &slice, 
     if (objections.isEmpty())
         return;
     const SignatureState state = slice.signature.state;
-    if (state == SignatureState::Linker) {
-        // A linker's signature is no better than none, though the service has other words for it.
-        find(unsignedRule, Severity::error, entry.path, message(Objection::NotDeveloperId),
-             slice.architecture);
-        return;
+    if (state == SignatureState::Linker) // no better than none, though the service has other words for it
+        return objectToUnsigned(entry, slice, Objection::NotDeveloperId, unsignedRule);
+    const bool wouldDo = objections == QList{Objection::OldSdk};
+    if (unsignedRule == rule::skippedCode && state != SignatureState::None && !wouldDo)
+        objectToUnsigned(entry, slice, objections.first(), unsignedRule);
+    for (const Objection objection : objections) {
+        if (objection == Objection::NotSigned)
+            objectToUnsigned(entry, slice, objection, unsignedRule);
+        else
+            find(ruleFor(objection, unsignedRule), Severity::error, entry.path, message(objection),
+                 slice.architecture);
     }
-    if (unsignedRule == rule::skippedCode && state == SignatureState::AdHoc)
-        find(unsignedRule, Severity::error, entry.path, message(objections.first()), slice.architecture);
-    for (const Objection objection : objections)
-        find(ruleFor(objection, unsignedRule), Severity::error, entry.path, message(objection),
-             slice.architecture);
+}
+
+/// A file in an archive is told of once, whatever it is made for.
+void Judgement::objectToUnsigned(const CodeEntry &entry, const SliceFacts &slice, Objection objection,
+                                 const QString &ruleName)
+{
+    const bool isOneFinding = ruleName == rule::codeInArchive;
+    if (isOneFinding && hasErrorAt(entry.path))
+        return;
+    const bool isForAll = isOneFinding && entry.facts.slices.size() > 1;
+    Finding &finding = find(ruleName, Severity::error, entry.path, message(objection),
+                            isForAll ? QString() : slice.architecture);
+    if (ruleName != rule::unsignedCode)
+        return;
+    if (const QString better = advice(reasonFor(entry)); !better.isEmpty())
+        finding.advice = better;
+}
+
+/// The hardened runtime lets an app load only what its own team or Apple has signed.
+void Judgement::judgeTeam(const CodeEntry &entry)
+{
+    const bool mayLoadAll =
+        m_choices.entitlements.value(u"com.apple.security.cs.disable-library-validation"_s).toBool();
+    if (m_choices.team.isEmpty() || mayLoadAll)
+        return;
+    for (const SliceFacts &slice : entry.facts.slices) {
+        const auto &signature = slice.signature;
+        const bool isOfOthers = signature.state == SignatureState::Signed && !signature.team.isEmpty()
+            && signature.team != m_choices.team;
+        if (isOfOthers && slice.mustBeSigned() && !slice.isExecutable())
+            return void(find(rule::libraryValidation, Severity::warning, entry.path,
+                             u"The library is signed by the team %1 and what loads it by %2."_s.arg(
+                                 signature.team, m_choices.team)));
+    }
 }
 
 QString Judgement::ruleForUnsigned(const CodeEntry &entry) const

@@ -8,6 +8,8 @@
 
 #include <QSet>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 using toolchain::review::CodeFacts;
 using toolchain::review::LinkTarget;
@@ -60,6 +62,22 @@ QString joined(const WalkPlace &place, const QString &rest)
     return place.path == "."_L1 ? rest : place.path + u'/' + rest;
 }
 
+/// Seals are property lists. What is not UTF-8 has become the sign for that.
+bool isHeldByLists(QChar character)
+{
+    const char16_t unit = character.unicode();
+    const bool isControl = unit < 0x20 && unit != u'\t' && unit != u'\n' && unit != u'\r';
+    return !isControl && character != QChar::ReplacementCharacter;
+}
+
+/// Whether no other name of the same folder can be the same to macOS.
+bool isPlain(const QString &name)
+{
+    return std::none_of(name.cbegin(), name.cend(), [](QChar character) {
+        return character.unicode() >= 0x80 || (character >= u'A' && character <= u'Z');
+    });
+}
+
 /// What macOS's usual file systems take for the same name.
 QString folded(const QString &name)
 {
@@ -87,6 +105,8 @@ bool Collector::isInArchive(const QString &path) const
 void Collector::folder(const WalkPlace &place, const QStringList &names)
 {
     checkNames(place, names);
+    if (!place.isInArchive())
+        checkCharacters(place, names);
     checkLength(place);
     if (place.isInArchive()) {
         const auto bundle = toolchain::review::bundleAt(place.file, names);
@@ -243,6 +263,8 @@ void Collector::damagedArchive(const WalkFile &file, const QString &reason)
 
 void Collector::checkNames(const WalkPlace &place, const QStringList &names)
 {
+    if (std::all_of(names.cbegin(), names.cend(), isPlain))
+        return;
     QSet<QString> known;
     for (const QString &name : names) {
         const QString key = folded(name);
@@ -254,8 +276,23 @@ void Collector::checkNames(const WalkPlace &place, const QStringList &names)
     }
 }
 
+void Collector::checkCharacters(const WalkPlace &place, const QStringList &names)
+{
+    for (const QString &name : names) {
+        if (!std::all_of(name.cbegin(), name.cend(), isHeldByLists))
+            find(
+                rule::pathTooLong, Severity::error, joined(place, name),
+                u"The name is not UTF-8 or has control characters, so neither a seal nor macOS can hold it."_s,
+                u"Rename it."_s);
+    }
+}
+
 void Collector::checkLength(const WalkPlace &place)
 {
+    constexpr qsizetype mostBytesOfAUnit = 3; // of UTF-16, in UTF-8
+    if ((place.path.size() + 1 + m_examination.item.size()) * mostBytesOfAUnit
+        <= toolchain::review::longestPath)
+        return;
     const qsizetype length =
         place.path.toUtf8().size() + 1 + itempath::lastComponent(m_examination.item).toUtf8().size();
     if (length > toolchain::review::longestPath)
@@ -273,9 +310,11 @@ void Collector::checkAttributes(const WalkFile &file)
              u"resource fork, Finder information, or similar detritus not allowed"_s);
 }
 
-void Collector::find(const QString &ruleName, Severity severity, const QString &path, const QString &message)
+void Collector::find(const QString &ruleName, Severity severity, const QString &path, const QString &message,
+                     const QString &advice)
 {
-    m_examination.findings.append({ruleName, severity, path, {}, message, rule::advice(ruleName)});
+    m_examination.findings.append(
+        {ruleName, severity, path, {}, message, advice.isEmpty() ? rule::advice(ruleName) : advice});
 }
 
 } // namespace examine

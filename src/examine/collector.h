@@ -35,9 +35,11 @@ private:
     void addBundle(const toolchain::review::WalkPlace &place, const QString &kind, const QString &executable);
     void take(const toolchain::review::WalkFile &file);
     void checkNames(const toolchain::review::WalkPlace &place, const QStringList &names);
+    void checkCharacters(const toolchain::review::WalkPlace &place, const QStringList &names);
     void checkLength(const toolchain::review::WalkPlace &place);
     void checkAttributes(const toolchain::review::WalkFile &file);
-    void find(const QString &rule, Severity severity, const QString &path, const QString &message);
+    void find(const QString &rule, Severity severity, const QString &path, const QString &message,
+              const QString &advice = {});
 
     Examination &m_examination;
     const platform::FileService &m_files;

@@ -2,6 +2,7 @@
 
 #include "examine/collector.h"
 #include "examine/judgement.h"
+#include "examine/rules.h"
 #include "formats/codesignature/signaturereader.h"
 #include "formats/package/packagejudgement.h"
 #include "formats/review/signer.h"
@@ -10,6 +11,8 @@
 
 #include <QDir>
 #include <QFileInfo>
+
+#include <future>
 
 using namespace Qt::StringLiterals;
 using platform::Error;
@@ -62,8 +65,17 @@ std::optional<SignatureFacts> ownSignature(const Examination &examination)
 void addOwnSignature(Examination &examination)
 {
     const bool isFile = examination.kind == ItemKind::diskImage || examination.kind == ItemKind::package;
-    if (isFile && !examination.code.isEmpty() && examination.code.first().path == "."_L1)
+    if (!isFile)
+        return;
+    if (!examination.code.isEmpty() && examination.code.first().path == "."_L1)
         examination.code.first().ownSignature = ownSignature(examination);
+    else if (examination.findings.isEmpty()) // by its contents it is no archive at all
+        examination.findings.append({rule::damagedCode,
+                                     Severity::error,
+                                     u"."_s,
+                                     {},
+                                     u"The archive cannot be read: it is no disk image and no package."_s,
+                                     rule::advice(rule::damagedCode)});
 }
 
 Result<Examination> begin(const QString &item)
@@ -74,6 +86,8 @@ Result<Examination> begin(const QString &item)
     if (!kind)
         return kind.failure();
     examination.kind = *kind;
+    if (QFileInfo(examination.item).isSymLink()) // a run works on what it leads to
+        examination.item = QFileInfo(examination.item).canonicalFilePath();
     if (!QFileInfo(examination.item).isReadable())
         return Error{u"\"%1\" cannot be read."_s.arg(examination.item)};
     return examination;
@@ -105,9 +119,14 @@ Result<Examination> examineItem(const QString &item, const Choices &choices)
     if (!examination)
         return examination;
     const platform::PosixFileService files;
-    const Prediction prediction = predict(examination->item, examination->kind, choices, files);
+    // What a run would do is found out beside what there is: neither needs the other.
+    auto foretold = std::async(std::launch::async,
+                               [item = examination->item, kind = examination->kind, &choices, &files] {
+                                   return predict(item, kind, choices, files);
+                               });
     Collector collected(*examination, files);
     collect(*examination, collected);
+    const Prediction prediction = foretold.get();
     Judgement(*examination, prediction, choices, collected).run();
     return examination;
 }

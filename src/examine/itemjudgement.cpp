@@ -3,6 +3,7 @@
 #include "examine/judgement.h"
 
 #include "examine/rules.h"
+#include "formats/codesignature/entitlementsder.h"
 #include "formats/fileattributes.h"
 #include "formats/review/judge.h"
 #include "platform/bundle.h"
@@ -98,6 +99,8 @@ void Judgement::judgeEntitlements()
         find(rule::invalidEntitlements, Severity::error, u"."_s, m_choices.entitlementsError);
     if (isFileKind(m_examination.kind))
         return;
+    if (const auto der = toolchain::codesignature::entitlementsAsDer(m_choices.entitlements); !der)
+        find(rule::invalidEntitlements, Severity::error, u"."_s, der.error());
     const auto &code = m_examination.code;
     const bool signsExecutable = std::any_of(code.cbegin(), code.cend(), [](const CodeEntry &entry) {
         return entry.order && entry.facts.isExecutable();
@@ -124,8 +127,10 @@ void Judgement::judgeCollisions()
         if (finding.rule != rule::nameCollision || m_collected.isInArchive(finding.path))
             continue;
         if (m_choices.packing == Packing::diskImage || hasOtherSpelling(absolute(finding.path)))
-            find(rule::pathTooLong, Severity::error, finding.path,
-                 u"macOS takes its name for the same as that of another file in its folder."_s);
+            find(
+                rule::pathTooLong, Severity::error, finding.path,
+                u"macOS takes its name for the same as that of another file in its folder, so the item cannot be packed."_s)
+                .advice = rule::advice(rule::nameCollision);
     }
 }
 

@@ -11,32 +11,6 @@ namespace examine {
 
 namespace {
 
-QString text(PassedOver reason)
-{
-    switch (reason) {
-    case PassedOver::pathToSkip:
-        return u"is among the paths to skip"_s;
-    case PassedOver::currentVersion:
-        return u"is reached by the version that it leads to"_s;
-    case PassedOver::noVersionFolder:
-        return u"is no folder among a framework's versions"_s;
-    case PassedOver::packageMark:
-    case PassedOver::seal:
-        return u"has a name that is never signed"_s;
-    case PassedOver::leftover:
-        return u"is a leftover that is deleted from the copy"_s;
-    case PassedOver::kindNeverExamined:
-        return u"has an extension of texts, which are never examined"_s;
-    case PassedOver::notRegular:
-        return u"is no regular file"_s;
-    case PassedOver::notExecutable:
-        return u"is not executable"_s;
-    case PassedOver::noCode:
-        return u"is no code for x86_64 or arm64"_s;
-    }
-    return {};
-}
-
 QString kindOfUnlisted(const QString &path)
 {
     const QString extension = itempath::lowerExtension(path);
@@ -82,12 +56,13 @@ QString Judgement::absolute(const QString &path) const
     return path == "."_L1 ? m_examination.item : m_examination.item + u'/' + path;
 }
 
-void Judgement::find(const QString &ruleName, Severity severity, const QString &path, const QString &message,
-                     const QString &architecture)
+Finding &Judgement::find(const QString &ruleName, Severity severity, const QString &path,
+                         const QString &message, const QString &architecture)
 {
     m_examination.findings.append({ruleName, severity, path, architecture, message, rule::advice(ruleName)});
     if (severity == Severity::error)
         m_errors.insert(path);
+    return m_examination.findings.last();
 }
 
 bool Judgement::hasErrorAt(const QString &path) const
@@ -103,12 +78,10 @@ void Judgement::number()
     for (const QString &item : m_prediction.order)
         m_order.insert(relative(item), next++);
     for (CodeEntry &entry : m_examination.code) {
-        if (m_collected.isInArchive(entry.path))
-            entry.reason = u"lies in an archive"_s;
-        else if (const auto place = m_order.constFind(entry.path); place != m_order.cend())
+        if (const auto place = m_order.constFind(entry.path); place != m_order.cend())
             entry.order = *place;
         else
-            entry.reason = reasonFor(entry);
+            entry.reason = text(reasonFor(entry));
     }
 }
 
@@ -128,47 +101,58 @@ void Judgement::addEntriesOfTheRun()
     }
 }
 
-QString Judgement::reasonFor(const CodeEntry &entry) const
+Unsigned Judgement::reasonFor(const CodeEntry &entry) const
 {
+    const bool isItem = entry.path == "."_L1;
     if (m_examination.kind == ItemKind::package || m_examination.kind == ItemKind::diskImage)
-        return entry.path == "."_L1 ? u"is signed by productsign"_s : u"lies in an archive"_s;
+        return isItem ? Unsigned::isPackage : Unsigned::liesInArchive;
+    if (m_collected.isInArchive(entry.path))
+        return Unsigned::liesInArchive;
+    if (isSignedWithParent(entry.path))
+        return Unsigned::isSignedWithParent;
     if (absolute(entry.path) == m_prediction.droppedMember)
-        return u"is left out in the place of the item, whose own executable is missing"_s;
+        return Unsigned::isDropped;
     if (m_prediction.unsignedMembers.contains(absolute(entry.path)))
-        return u"only the item itself is to be signed"_s;
-    const QString byPath = reasonByPath(entry.path);
-    if (!byPath.isEmpty())
-        return byPath;
-    if (entry.kind == "archive"_L1)
-        return u"is no code itself"_s;
-    if (entry.kind == "script"_L1)
-        return text(PassedOver::noCode);
-    if (!entry.mainExecutable.isEmpty() || entry.kind == "app"_L1 || entry.kind == "bundle"_L1)
-        return u"has no file at its CFBundleExecutable"_s;
-    const auto isNamed = [](const auto &slice) {
-        return slice.architecture.startsWith("x86_64"_L1) || slice.architecture.startsWith("arm64"_L1);
-    };
-    const auto &slices = entry.facts.slices;
-    if (std::none_of(slices.cbegin(), slices.cend(), isNamed))
-        return text(PassedOver::noCode);
-    return text(PassedOver::notExecutable);
+        return Unsigned::onlyItemIsSigned;
+    return reasonByPath(entry.path).value_or(reasonByKind(entry));
 }
 
 /// A reason that is in the path itself, or in a folder above.
-QString Judgement::reasonByPath(const QString &path) const
+std::optional<Unsigned> Judgement::reasonByPath(const QString &path) const
 {
     QString above;
     for (const QString &name : path.split(u'/')) {
         above += above.isEmpty() ? name : u'/' + name;
         if (name.startsWith(u'.') && name != "."_L1)
-            return u"is hidden, and hidden files are not looked at"_s;
+            return Unsigned::isHidden;
         const auto passed = m_prediction.passedOver.constFind(absolute(above));
         if (passed != m_prediction.passedOver.cend())
-            return text(*passed);
+            return unsignedBecause(*passed);
         if (itempath::lowerExtension(itempath::folder(above)) == "framework"_L1 && above == path)
-            return u"lies at the top of a framework without versions"_s;
+            return Unsigned::liesInFlatFramework;
     }
     return {};
+}
+
+Unsigned Judgement::reasonByKind(const CodeEntry &entry)
+{
+    if (entry.kind == "archive"_L1)
+        return Unsigned::isArchive;
+    if (entry.kind == "script"_L1)
+        return Unsigned::isForOtherProcessors;
+    if (!entry.mainExecutable.isEmpty() || entry.kind == "app"_L1 || entry.kind == "bundle"_L1)
+        return Unsigned::hasNoExecutable;
+    const auto &slices = entry.facts.slices;
+    const bool isNamed = std::any_of(slices.cbegin(), slices.cend(), [](const auto &slice) {
+        return slice.architecture.startsWith("x86_64"_L1) || slice.architecture.startsWith("arm64"_L1);
+    });
+    return isNamed ? Unsigned::isNotExecutable : Unsigned::isForOtherProcessors;
+}
+
+/// With --deep codesign signs the nested code of each bundle, whether the run finds it or not.
+bool Judgement::isSignedWithParent(const QString &path) const
+{
+    return m_prediction.signedWithParents.contains(absolute(path));
 }
 
 bool Judgement::isSkipped(const CodeEntry &entry) const

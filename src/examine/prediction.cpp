@@ -45,10 +45,8 @@ void leaveMainToItsStep(const QString &item, Prediction &prediction)
         prediction.droppedMember = last;
 }
 
-} // namespace
-
-Prediction predict(const QString &item, ItemKind kind, const Choices &choices,
-                   const platform::FileService &files)
+Prediction predictOrder(const QString &item, ItemKind kind, const Choices &choices,
+                        const platform::FileService &files)
 {
     Prediction prediction;
     if (kind == ItemKind::package)
@@ -71,6 +69,39 @@ Prediction predict(const QString &item, ItemKind kind, const Choices &choices,
         leaveMainToItsStep(item, prediction);
     }
     prediction.order.append(item);
+    return prediction;
+}
+
+/// As codesign walks with --deep.
+void addNested(Prediction &prediction)
+{
+    QStringList waiting;
+    for (const auto &[path, read] : prediction.bundles)
+        waiting.append(path);
+    while (!waiting.isEmpty()) {
+        const QStringList nested = nestedCodeOf(prediction.bundles.at(waiting.takeLast()));
+        for (const QString &path : nested)
+            prediction.signedWithParents.insert(path);
+        for (const auto &[path, read] : readBundles(nested)) {
+            if (read.bundle)
+                prediction.signedWithParents.insert(read.bundle->base); // of a framework
+            if (prediction.bundles.emplace(path, read).second)
+                waiting.append(path);
+        }
+    }
+}
+
+} // namespace
+
+Prediction predict(const QString &item, ItemKind kind, const Choices &choices,
+                   const platform::FileService &files)
+{
+    Prediction prediction = predictOrder(item, kind, choices, files);
+    if (kind == ItemKind::diskImage)
+        return prediction;
+    prediction.bundles = readBundles(prediction.order);
+    if (choices.signsDeep)
+        addNested(prediction);
     return prediction;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "examine/bundlereading.h"
 #include "examine/choices.h"
 #include "platform/fileservice.h"
 #include "signing/scandecisions.h"
@@ -19,6 +20,8 @@ struct Prediction {
     QHash<QString, PassedOver> passedOver;
     QSet<QString> mainExecutables; ///< of bundles, which are signed with them
     QStringList unsignedMembers; ///< found, and left out since only the item itself is to be signed
+    QSet<QString> signedWithParents; ///< by codesign, as nested code of what the run hands to it
+    std::map<QString, ReadBundle> bundles; ///< those of the order, and of the set before
     QString droppedMember; ///< found last, and left out in the place of the item; empty if there is none
 };
 

@@ -47,7 +47,9 @@ QString teamOf(const QString &identity)
 
 void addPreferences(const ApplicationInterface &application, examine::Choices &choices)
 {
-    choices.signsDeep = application.host().preferences.boolean(key::prefCodesignDeep);
+    const auto &preferences = application.host().preferences;
+    choices.signsDeep = preferences.boolean(key::prefCodesignDeep);
+    choices.replacesSignatures = preferences.boolean(key::prefCodesignForce);
     choices.fileTool = application.fileTool();
 }
 

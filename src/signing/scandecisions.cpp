@@ -4,6 +4,7 @@
 #include "platform/itempath.h"
 
 #include <algorithm>
+#include <array>
 #include <optional>
 
 using namespace Qt::StringLiterals;
@@ -31,12 +32,13 @@ bool isSignedUntested(const QString &lowerExtension)
 
 bool isNeverExamined(const QString &lowerExtension)
 {
-    static const QSet<QString> extensions{u"txt"_s, u"h"_s, u"strings"_s, u"rtf"_s, u"scpt"_s, u"rtfd"_s};
-    return extensions.contains(lowerExtension);
+    static constexpr std::array extensions{"txt"_L1, "h"_L1, "strings"_L1, "rtf"_L1, "scpt"_L1, "rtfd"_L1};
+    return std::find(extensions.begin(), extensions.end(), lowerExtension) != extensions.end();
 }
 
 /// Why a file is left alone before anything asks what is in it.
-std::optional<PassedOver> reasonByEntry(const QString &file, const platform::FolderEntry &entry)
+std::optional<PassedOver> reasonByEntry(const QString &file, const platform::FolderEntry &entry,
+                                        const QString &lowerExtension)
 {
     if (entry.name == "PkgInfo"_L1)
         return PassedOver::packageMark;
@@ -44,7 +46,7 @@ std::optional<PassedOver> reasonByEntry(const QString &file, const platform::Fol
         return PassedOver::seal;
     if (isLeftover(file, entry.name))
         return PassedOver::leftover;
-    if (isNeverExamined(itempath::lowerExtension(entry.name)))
+    if (isNeverExamined(lowerExtension))
         return PassedOver::kindNeverExamined;
     if (!entry.kind.isRegularFile)
         return PassedOver::notRegular;
@@ -125,9 +127,10 @@ void ScanDecisions::checkBundle(const QString &directory)
 
 void ScanDecisions::parseFile(const QString &file, const platform::FolderEntry &entry)
 {
-    if (isSignedUntested(itempath::lowerExtension(entry.name)))
+    const QString extension = itempath::lowerExtension(entry.name);
+    if (isSignedUntested(extension))
         return m_watcher.signable(file);
-    if (const auto reason = reasonByEntry(file, entry))
+    if (const auto reason = reasonByEntry(file, entry, extension))
         return m_watcher.passedOver(file, *reason);
     if (m_watcher.isCode(file))
         m_watcher.signable(file);

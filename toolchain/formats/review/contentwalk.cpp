@@ -134,7 +134,7 @@ public:
         const QList<Name> names = namesIn(folder.number());
         QStringList texts;
         for (const Name &name : names)
-            texts.append(QFile::decodeName(name.bytes));
+            texts.append(QString::fromUtf8(name.bytes));
         m_visitor.folder(place, texts);
         for (qsizetype i = 0; i < names.size(); ++i)
             walkEntry(below(place, texts[i]), folder.number(), names[i]);
@@ -148,13 +148,11 @@ public:
             return m_visitor.unreadable(place, systemText(errno));
         if (!S_ISREG(status.st_mode))
             return m_visitor.special(place);
-        WalkFile found{place, status.st_mode, status.st_size,
-                       QByteArray(qsizetype(tellingBytes), Qt::Uninitialized)};
-        const auto length = pread(file.number(), found.beginning.data(), std::size_t(tellingBytes), 0);
+        char beginning[tellingBytes];
+        const auto length = pread(file.number(), beginning, sizeof beginning, 0);
         if (length < 0)
             return m_visitor.unreadable(place, systemText(errno));
-        found.beginning.truncate(qsizetype(length));
-        tell(found);
+        tell({place, status.st_mode, status.st_size, QByteArray::fromRawData(beginning, qsizetype(length))});
     }
 
 private:

@@ -28,7 +28,7 @@ struct WalkFile {
     WalkPlace place;
     mode_t mode = 0;
     qint64 size = 0; ///< in bytes
-    QByteArray beginning; ///< `tellingBytes` at most
+    QByteArray beginning; ///< `tellingBytes` at most; lasts as long as the visit
 };
 
 /// Is told what the walk finds, in the order of names, a folder before what is in it. All but `machO` may be

@@ -6,8 +6,8 @@
 #include "formats/review/streamunpacker.h"
 #include "formats/udif/imagesignature.h"
 
-#include <QFileInfo>
-#include <QSet>
+#include <algorithm>
+#include <array>
 
 using namespace Qt::StringLiterals;
 using platform::Error;
@@ -17,10 +17,12 @@ namespace toolchain::review {
 
 namespace {
 
-bool isNamedAsImage(const QString &path)
+bool isNamedAsImage(QStringView path)
 {
-    static const QSet<QString> extensions{u"dmg"_s, u"img"_s, u"cdr"_s, u"smi"_s};
-    return extensions.contains(QFileInfo(path).suffix().toLower());
+    static const std::array extensions{u".dmg"_s, u".img"_s, u".cdr"_s, u".smi"_s};
+    return std::any_of(extensions.begin(), extensions.end(), [path](const QString &extension) {
+        return path.endsWith(extension, Qt::CaseInsensitive);
+    });
 }
 
 bool isTar(QByteArrayView beginning)

@@ -1,0 +1,63 @@
+#include "examine/bundlereading.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <algorithm>
+
+namespace signing = toolchain::codesignature;
+namespace seal = toolchain::seal;
+
+namespace examine {
+
+namespace {
+
+ReadBundle readBundle(const QString &path)
+{
+    ReadBundle read{signing::readCodeBundle(path), {}, {}};
+    if (!read.bundle)
+        return read;
+    const seal::SealedFolder folder = sealedFolder(*read.bundle);
+    auto scanned =
+        seal::scanFolder(folder, seal::firstRules(folder.layout), seal::secondRules(folder.layout));
+    if (!scanned) {
+        read.scanError = scanned.error();
+        return read;
+    }
+    std::copy_if(std::make_move_iterator(scanned->begin()), std::make_move_iterator(scanned->end()),
+                 std::back_inserter(read.items),
+                 [](const seal::ScannedItem &item) { return item.kind != seal::ItemKind::File; });
+    return read;
+}
+
+} // namespace
+
+seal::SealedFolder sealedFolder(const signing::CodeBundle &bundle)
+{
+    const bool isFlat = bundle.layout == signing::BundleLayout::Flat;
+    return {bundle.base, isFlat ? seal::Layout::Flat : seal::Layout::WithResources,
+            QFile::encodeName(bundle.executable)};
+}
+
+QStringList nestedCodeOf(const ReadBundle &read)
+{
+    QStringList paths;
+    for (const seal::ScannedItem &item : read.items) {
+        if (item.kind == seal::ItemKind::NestedCode)
+            paths.append(read.bundle->base + u'/' + QFile::decodeName(item.path));
+    }
+    return paths;
+}
+
+std::map<QString, ReadBundle> readBundles(const QStringList &paths)
+{
+    std::map<QString, ReadBundle> bundles;
+    for (const QString &path : paths) {
+        const QFileInfo info(path);
+        if (info.isDir() && !info.isSymLink())
+            bundles.emplace(path, readBundle(path));
+    }
+    return bundles;
+}
+
+} // namespace examine

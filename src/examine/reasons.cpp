@@ -1,0 +1,99 @@
+#include "examine/reasons.h"
+
+using namespace Qt::StringLiterals;
+
+namespace examine {
+
+Unsigned unsignedBecause(PassedOver reason)
+{
+    switch (reason) {
+    case PassedOver::pathToSkip:
+        return Unsigned::isSkipped;
+    case PassedOver::currentVersion:
+        return Unsigned::isCurrentVersion;
+    case PassedOver::noVersionFolder:
+        return Unsigned::isNoVersionFolder;
+    case PassedOver::packageMark:
+    case PassedOver::seal:
+        return Unsigned::hasFixedName;
+    case PassedOver::leftover:
+        return Unsigned::isLeftover;
+    case PassedOver::kindNeverExamined:
+        return Unsigned::isText;
+    case PassedOver::notRegular:
+        return Unsigned::isIrregular;
+    case PassedOver::notExecutable:
+        return Unsigned::isNotExecutable;
+    case PassedOver::noCode:
+        break;
+    }
+    return Unsigned::isForOtherProcessors;
+}
+
+QString text(Unsigned reason)
+{
+    switch (reason) {
+    case Unsigned::isPackage:
+        return u"is signed by productsign"_s;
+    case Unsigned::liesInArchive:
+        return u"lies in an archive"_s;
+    case Unsigned::isDropped:
+        return u"is left out in the place of the item, whose own executable is missing"_s;
+    case Unsigned::onlyItemIsSigned:
+        return u"only the item itself is to be signed"_s;
+    case Unsigned::isSkipped:
+        return u"is among the paths to skip"_s;
+    case Unsigned::isHidden:
+        return u"is hidden, and hidden files are not looked at"_s;
+    case Unsigned::isCurrentVersion:
+        return u"is reached by the version that it leads to"_s;
+    case Unsigned::isNoVersionFolder:
+        return u"is no folder among a framework's versions"_s;
+    case Unsigned::hasFixedName:
+        return u"has a name that is never signed"_s;
+    case Unsigned::isLeftover:
+        return u"is a leftover that is deleted from the copy"_s;
+    case Unsigned::isText:
+        return u"has an extension of texts, which are never examined"_s;
+    case Unsigned::isIrregular:
+        return u"is no regular file"_s;
+    case Unsigned::liesInFlatFramework:
+        return u"lies at the top of a framework without versions"_s;
+    case Unsigned::isArchive:
+        return u"is no code itself"_s;
+    case Unsigned::hasNoExecutable:
+        return u"has no file at its CFBundleExecutable"_s;
+    case Unsigned::isForOtherProcessors:
+        return u"is no code for x86_64 or arm64"_s;
+    case Unsigned::isNotExecutable:
+        return u"is not executable"_s;
+    case Unsigned::isSignedWithParent:
+        return u"is signed with what it lies in"_s;
+    }
+    return {};
+}
+
+QString advice(Unsigned reason)
+{
+    switch (reason) {
+    case Unsigned::isHidden:
+        return u"Its name, or that of a folder above it, begins with a dot, and what is hidden is never signed. Rename it without the dot, or leave it out of the item."_s;
+    case Unsigned::hasFixedName:
+        return u"Files called PkgInfo or CodeResources are never signed. Give it another name, or leave it out of the item."_s;
+    case Unsigned::isText:
+        return u"Its name ends as that of a text (txt, h, strings, rtf, rtfd, scpt), and texts are never signed. Give it another ending, or leave it out of the item."_s;
+    case Unsigned::liesInFlatFramework:
+        return u"The framework has no folder Versions, so its code is not signed. Build it as a framework with versions, or put the library into Contents/Frameworks without one."_s;
+    case Unsigned::isForOtherProcessors:
+        return u"It is code for processors other than x86_64 and arm64, such as i386, and only code for these two is signed. Build it for one of them, or leave it out of the item."_s;
+    case Unsigned::isNotExecutable:
+        return u"It is not executable (no x among its permissions), so it is not signed. Make it executable with chmod +x, or leave it out of the item."_s;
+    case Unsigned::isDropped:
+    case Unsigned::hasNoExecutable:
+        return u"The bundle is not signed, since the file that CFBundleExecutable in its Info.plist names is missing. Build that file, or mend the name."_s;
+    default:
+        return {};
+    }
+}
+
+} // namespace examine
