@@ -56,12 +56,15 @@ protected:
         return name + u": "_s + QString::fromUtf8(process.readAllStandardError()).trimmed();
     }
 
-    static QString sign(const QString &path, const QString &entitlements)
+    static QString sign(const QString &path, const QString &entitlements, const examine::Choices &choices)
     {
+        const QStringList deep = choices.signsDeep ? QStringList{u"--deep"_s} : QStringList();
         return tool(u"codesign"_s,
-                    {u"--force"_s, u"-o"_s, u"runtime"_s, u"--timestamp="_s + s_server->url(),
-                     u"--entitlements"_s, entitlements, u"--verbose=4"_s, u"-s"_s,
-                     u"Developer ID Application: "_s + holder, u"--digest-algorithm=sha1,sha256"_s, path});
+                    deep
+                        + QStringList{u"--force"_s, u"-o"_s, u"runtime"_s,
+                                      u"--timestamp="_s + s_server->url(), u"--entitlements"_s, entitlements,
+                                      u"--verbose=4"_s, u"-s"_s, u"Developer ID Application: "_s + holder,
+                                      u"--digest-algorithm=sha1,sha256"_s, path});
     }
 
     /// Does with the item itself what a run does with its copy.
@@ -81,7 +84,7 @@ protected:
         file.write(platform::xmlPropertyListData(item.choices.entitlements).data);
         file.close();
         for (const QString &path : prediction.order) {
-            if (const QString problem = sign(path, entitlements); !problem.isNull())
+            if (const QString problem = sign(path, entitlements, item.choices); !problem.isNull())
                 return {true, problem};
         }
         return review(item);

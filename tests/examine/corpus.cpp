@@ -2,6 +2,7 @@
 
 #include "examine/codefiles.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 
@@ -363,6 +364,28 @@ void addLinksAndNames(Corpus &corpus)
                },
                {u"path-too-long Contents/Resources/readme"_s},
                {u"name-collision Contents/Resources/readme"_s});
+    corpus.add(u"a name with a control character"_s,
+               [](ItemMaker &item) { item.file(u"Contents/Resources/a\x01z"_s, "text"); },
+               {u"path-too-long Contents/Resources/a\x01z"_s});
+    corpus.add(u"an entitlement of a kind that signatures have not"_s,
+               [](ItemMaker &item) {
+                   item.choices.entitlements.insert(u"com.example.since"_s,
+                                                    QDateTime(QDate(2026, 1, 1), QTime(), Qt::UTC));
+               },
+               {u"invalid-entitlements ."_s});
+    corpus.add(u"code that is not executable and is signed with its app"_s, [](ItemMaker &item) {
+        item.file(u"Contents/Helpers/tool"_s, codefiles::executable(u"arm64"_s));
+        item.choices.signsDeep = true;
+    });
+    corpus.add(u"a setting in MacOS that is signed with its app"_s, [](ItemMaker &item) {
+        item.file(u"Contents/MacOS/app.ini"_s, "a=b");
+        item.choices.signsDeep = true;
+    });
+    corpus.add(u"code to skip that is signed with its app"_s, [](ItemMaker &item) {
+        item.bundle(u"Contents/PlugIns/Bar.plugin"_s, codefiles::loadable(u"x86_64"_s));
+        item.choices.skipPaths = {u"Contents/PlugIns"_s};
+        item.choices.signsDeep = true;
+    });
     corpus.add(u"an entitlement that needs a profile"_s,
                [](ItemMaker &item) {
                    item.choices.entitlements.insert(u"com.apple.developer.icloud-services"_s, true);

@@ -5,6 +5,7 @@
 #include "examine/examiner.h"
 #include "examine/itemmaker.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
@@ -12,7 +13,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
-#include <QStandardPaths>
+#include <QTemporaryDir>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -24,6 +25,7 @@
 using namespace Qt::StringLiterals;
 using testing::Contains;
 using testing::IsEmpty;
+using testing::Not;
 
 namespace {
 
@@ -77,6 +79,24 @@ QJsonObject entryAt(const QJsonObject &examination, const QString &path)
             return entry.toObject();
     }
     return {};
+}
+
+QStringList rulesOf(const ItemMaker &item)
+{
+    QStringList rules;
+    const auto examination = examine::examineItem(item.item(), item.choices);
+    EXPECT_TRUE(examination);
+    for (const examine::Finding &finding : examination->findings)
+        rules.append(finding.rule + u' ' + finding.path);
+    return rules;
+}
+
+void runTool(const QString &name, const QStringList &arguments)
+{
+    QProcess process;
+    process.start(QString::fromUtf8(TOOLCHAIN_ROOT) + u"/usr/bin/"_s + name, arguments);
+    EXPECT_TRUE(process.waitForFinished());
+    EXPECT_EQ(process.exitCode(), 0) << process.readAllStandardError().toStdString();
 }
 
 QStringList whats(const QList<examine::Difference> &differences)
@@ -164,6 +184,93 @@ TEST(ALook, takesNoPipeForAFile)
     ASSERT_TRUE(examination);
     ASSERT_EQ(examination->findings.size(), 1);
     EXPECT_EQ(examination->findings.first().rule, u"unreadable"_s);
+}
+
+TEST(ALook, waitsForNoPipeInTheDescriptionsPlace)
+{
+    ItemMaker item;
+    item.remove(u"Contents/Info.plist"_s);
+    ASSERT_EQ(mkfifo(QFile::encodeName(item.path(u"Contents/Info.plist"_s)).constData(), 0600), 0);
+    EXPECT_THAT(rulesOf(item), Contains(u"unreadable Contents/Info.plist"_s));
+}
+
+TEST(ALook, goesToWhatALinkInTheItemsPlaceLeadsTo)
+{
+    ItemMaker item;
+    ASSERT_TRUE(QFile::link(item.item(), item.folder() + u"/Link.app"_s));
+    EXPECT_EQ(run({item.folder() + u"/Link.app"_s}).status, 0);
+}
+
+TEST(ALook, refusesAFileThatIsNoImageAndNoPackage)
+{
+    for (const QString &name : {u"/a.dmg"_s, u"/a.pkg"_s}) {
+        const ItemMaker item;
+        QFile file(item.folder() + name);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write("text");
+        file.close();
+        const Ended ended = run({file.fileName()});
+        EXPECT_EQ(ended.status, 1);
+        EXPECT_TRUE(ended.output.contains("damaged-code"));
+    }
+}
+
+TEST(ALook, tellsOfASignatureThatARunMayNotReplace)
+{
+    ItemMaker item;
+    runTool(u"codesign"_s, {u"-f"_s, u"-s"_s, u"-"_s, item.item()});
+    EXPECT_THAT(rulesOf(item), IsEmpty());
+    item.choices.replacesSignatures = false;
+    EXPECT_THAT(rulesOf(item), Contains(u"unsigned-code ."_s));
+}
+
+TEST(ALook, saysWhatIsSignedWithItsAppWhereCodesignGoesDeep)
+{
+    ItemMaker item;
+    item.file(u"Contents/Helpers/tool"_s, codefiles::executable(u"arm64"_s));
+    item.choices.signsDeep = true;
+    const auto examination = examine::examineItem(item.item(), item.choices);
+    ASSERT_TRUE(examination);
+    ASSERT_EQ(examination->code.size(), 2);
+    EXPECT_FALSE(examination->code.last().order);
+    EXPECT_EQ(examination->code.last().reason, u"is signed with what it lies in"_s);
+}
+
+TEST(ALook, warnsOfALibraryThatAnotherTeamHasSigned)
+{
+    const QTemporaryDir state;
+    qputenv("SEALWRIGHT_TOOLCHAIN_STATE", state.path().toUtf8());
+    runTool(u"sealwright-keychain"_s, {u"make-identity"_s, u"--name"_s, u"Other Corp (B1B2C3D4E5)"_s});
+    ItemMaker item;
+    const QString name = u"Contents/Frameworks/libx.dylib"_s;
+    item.file(name, codefiles::library(u"arm64"_s));
+    runTool(u"codesign"_s,
+            {u"-f"_s, u"-s"_s, u"Developer ID Application: Other Corp (B1B2C3D4E5)"_s, u"--timestamp=none"_s,
+             item.path(name)});
+    item.choices.skipPaths = {name};
+    item.choices.team = u"A1B2C3D4E5"_s;
+    EXPECT_THAT(rulesOf(item), Contains(u"library-validation "_s + name));
+    item.choices.entitlements.insert(u"com.apple.security.cs.disable-library-validation"_s, true);
+    EXPECT_THAT(rulesOf(item), Not(Contains(u"library-validation "_s + name)));
+    item.choices.entitlements.clear();
+    item.choices.team = u"B1B2C3D4E5"_s;
+    EXPECT_THAT(rulesOf(item), Not(Contains(u"library-validation "_s + name)));
+    qunsetenv("SEALWRIGHT_TOOLCHAIN_STATE");
+}
+
+TEST(Choices, comeBackAsTheyWere)
+{
+    examine::Choices choices;
+    choices.entitlements = {{u"since"_s, QDateTime(QDate(2026, 1, 1), QTime(), Qt::UTC)}, {u"on"_s, true}};
+    choices.skipPaths = {u"a/b"_s};
+    choices.replacesSignatures = false;
+    const auto read = examine::choicesFromJson(toJson(choices));
+    ASSERT_TRUE(read);
+    EXPECT_EQ(read->entitlements, choices.entitlements);
+    EXPECT_EQ(read->skipPaths, choices.skipPaths);
+    EXPECT_FALSE(read->replacesSignatures);
+    EXPECT_TRUE(examine::choicesFromJson("{}")->replacesSignatures);
+    EXPECT_FALSE(examine::choicesFromJson("[]"));
 }
 
 TEST(AFolder, isSignedByWhatItHolds)

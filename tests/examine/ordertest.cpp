@@ -2,44 +2,19 @@
 
 #include "examine/codefiles.h"
 #include "examine/itemmaker.h"
+#include "examine/session.h"
 
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QMap>
-#include <QProcess>
 
 #include <gtest/gtest.h>
 
 using namespace Qt::StringLiterals;
 
 namespace {
-
-/// Starts the application on a bus of its own, with a tool root whose codesign writes down what it is given
-/// and signs nothing; looks at an item, has it signed, and leaves both answers in files.
-const QByteArray script = R"SCRIPT(set -eu
-export XDG_RUNTIME_DIR=$W/run XDG_CONFIG_HOME=$W/config XDG_DATA_HOME=$W/data XDG_STATE_HOME=$W/state
-export QT_QPA_PLATFORM=offscreen SEALWRIGHT_TOOLCHAIN_STATE=$W/toolchain
-mkdir -p "$XDG_CONFIG_HOME/Sealwright"; mkdir -m 700 "$XDG_RUNTIME_DIR"
-cp -a "$TOOLCHAIN" "$W/root"
-cat > "$W/root/usr/bin/codesign" <<END
-#!/bin/sh
-for last; do :; done
-printf '%s\n' "\$last" >> "$W/signed"
-END
-cat > "$W/root/usr/bin/security" <<'END'
-#!/bin/sh
-echo '  1) 0123456789012345678901234567890123456789 "Developer ID Application: Example Corp (A1B2C3D4E5)"'
-END
-chmod +x "$W/root/usr/bin/codesign" "$W/root/usr/bin/security"
-printf '[General]\ntoolRoot=%s\ntoolPause=0\n' "$W/root" > "$XDG_CONFIG_HOME/Sealwright/Sealwright.conf"
-"$BIN/sealwright" > "$W/log" 2>&1 & application=$!
-trap 'kill $application' EXIT
-for try in $(seq 300); do "$BIN/sealwrightctl" documents > "$W/documents" 2>&1 && break; sleep 0.1; done
-"$BIN/sealwrightctl" examine "$W/Foo.app" --json > "$W/look" || [ $? = 1 ]
-"$BIN/sealwrightctl" sign "$W/Foo.app" --timeout 120 > "$W/result"
-)SCRIPT";
 
 QByteArray readFile(const QString &path)
 {
@@ -93,16 +68,11 @@ TEST(TheOrderOfARun, isTheOneThatALookTells)
 {
     const ItemMaker item;
     fill(item);
-    QProcess process;
-    auto environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(u"W"_s, item.folder());
-    environment.insert(u"BIN"_s, QString::fromUtf8(PROGRAMS));
-    environment.insert(u"TOOLCHAIN"_s, QString::fromUtf8(TOOLCHAIN_ROOT));
-    process.setProcessEnvironment(environment);
-    process.start(u"dbus-run-session"_s, {u"--"_s, u"bash"_s, u"-c"_s, QString::fromUtf8(script)});
-    ASSERT_TRUE(process.waitForFinished(200'000));
-    ASSERT_EQ(process.exitCode(), 0) << process.readAllStandardError().toStdString()
-                                     << readFile(item.folder() + u"/log"_s).toStdString();
+    const session::Ended ended = session::run(item.folder(), R"SCRIPT(
+"$BIN/sealwrightctl" examine "$W/Foo.app" --json > "$W/look" || [ $? = 1 ]
+"$BIN/sealwrightctl" sign "$W/Foo.app" --timeout 120
+)SCRIPT");
+    ASSERT_EQ(ended.status, 0) << ended.error.toStdString();
     const QStringList told = foretold(readFile(item.folder() + u"/look"_s));
     EXPECT_GE(told.size(), 12);
     EXPECT_EQ(
