@@ -42,12 +42,12 @@ _sealwrightctl()
         history) candidates="--document --page --xml --timeout --tool-pause --json --close" ;;
         resume) candidates="--all --show-dialogs --follow --timeout --json --close" ;;
         documents | windows | waiting) candidates=--json ;;
-        examine) candidates="--document --json" ;;
+        examine) candidates="--document --json --junit --sarif" ;;
         compare) candidates="--json" ;;
         get) candidates="--document --window" ;;
         set) candidates="--document --window --unset" ;;
         issues)
-            candidates="--json"
+            candidates="--json --junit --sarif"
             [[ $cur != -* ]] && candidates=$(sealwrightctl documents 2> /dev/null | cut -f 1)
             ;;
         log | clear-log | cancel | close)
