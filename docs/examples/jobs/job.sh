@@ -4,7 +4,8 @@
 #
 # usage: job.sh ITEM [RESULTS]
 #
-# RESULTS   a folder (results) for what is worth keeping: findings.json, log.txt, issues.json and the run's folder
+# RESULTS   a folder (results) for what is worth keeping: findings.json, .xml (JUnit) and .sarif, log.txt, issues.json and the
+#           run's folder
 # NOTARY    apple, or local: practise with the service of this machine, which needs no keys and which nobody believes
 # KEYS      a folder with the keys; where systemd starts the job, that of its credentials. In it:
 #             identity.p12, p12-passphrase   the Developer ID certificate with its key
@@ -47,6 +48,8 @@ document=$(sealwrightctl new AppleID=release@example.com AppPassword=notary)
 # What would be refused is told in a second, before anything is uploaded.
 status=0
 sealwrightctl examine "$item" --document "$document" --json >"$results/findings.json" || status=$?
+sealwrightctl examine "$item" --document "$document" --junit >"$results/findings.xml" || true
+sealwrightctl examine "$item" --document "$document" --sarif >"$results/findings.sarif" || true
 [[ $status == 0 ]] || { echo "job: see $results/findings.json" >&2; exit "$status"; }
 
 sealwrightctl submit "$item" --document "$document" --follow --timeout "${LIMIT:-7200}" \
