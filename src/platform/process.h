@@ -18,8 +18,14 @@ public:
 
     virtual ~Process() = default;
 
-    /// Starts the program with two pipes of its own for its output streams. Environment, working directory
-    /// and standard input are the application's. Fails with the reason when the program cannot be started.
+    /// What the program reads as its standard input, before that ends; at most `mostInput` bytes, or the
+    /// launch fails. For secrets, which other programs can see in neither the arguments nor the environment.
+    /// Without this call standard input is the application's. Comes before the launch.
+    virtual void setInput(const QByteArray &bytes) = 0;
+    static constexpr qsizetype mostInput = 4096;
+
+    /// Starts the program with two pipes of its own for its output streams. Environment and working directory
+    /// are the application's. Fails with the reason when the program cannot be started.
     virtual Outcome launch() = 0;
 
     /// Blocks until the program has ended. Meanwhile it hands over standard output chunk by chunk as it

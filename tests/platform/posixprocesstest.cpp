@@ -408,3 +408,34 @@ TEST_F(PosixProcess, aMissingProgramCannotBeDetached)
     EXPECT_EQ(launcher.launchDetached(u"/no/such/tool"_s, {}).error(),
               u"Cannot launch '/no/such/tool': No such file or directory"_s);
 }
+
+// Its input
+
+TEST_F(PosixProcess, readsTheInputThatItWasGivenUpToItsEnd)
+{
+    ToolRun run{launcher.process(u"/bin/cat"_s, {}), {}, {}, 0};
+    const QByteArray most(Process::mostInput, 'x');
+    run.process->setInput(most);
+    ASSERT_TRUE(run.process->launch());
+    run.wait();
+    EXPECT_EQ(run.output + run.process->readOutputToEnd(), most);
+    EXPECT_EQ(run.process->terminationStatus(), 0);
+}
+
+TEST_F(PosixProcess, readsNothingFromAnEmptyInput)
+{
+    ToolRun run{launcher.process(u"/bin/cat"_s, {}), {}, {}, 0};
+    run.process->setInput({});
+    ASSERT_TRUE(run.process->launch());
+    run.wait();
+    EXPECT_EQ(run.process->terminationStatus(), 0) << "it does not wait for the application's own input";
+}
+
+TEST_F(PosixProcess, isNotLaunchedWithAnInputThatIsTooLong)
+{
+    const auto process = launcher.process(u"/bin/cat"_s, {});
+    process->setInput(QByteArray(Process::mostInput + 1, 'x'));
+    const Outcome launched = process->launch();
+    ASSERT_FALSE(launched);
+    EXPECT_EQ(launched.error(), u"Cannot launch '/bin/cat': its input is longer than 4096 bytes"_s);
+}

@@ -33,6 +33,7 @@ public:
     {
     }
 
+    void setInput(const QByteArray &) override { }
     platform::Outcome launch() override
     {
         m_answer = m_tools.takeAnswer(m_tool);

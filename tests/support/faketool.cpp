@@ -9,7 +9,8 @@
 //
 // In a folder of an answer: stdout, stderr, status, signal (kills itself by it), hang (waits while it is
 // there, and then makes a file released beside it), and content (written to the path in the file target,
-// where "{last}" is the last argument).
+// where "{last}" is the last argument). Where there is reads-input, the tool keeps its standard input in
+// $SEALWRIGHT_FAKE_ROOT/inputs/NAME first.
 
 #include <csignal>
 #include <cstdio>
@@ -130,6 +131,10 @@ int main(int argc, char **argv)
             target = arguments.back();
         std::filesystem::copy_file(answer / "content", target,
                                    std::filesystem::copy_options::overwrite_existing);
+    }
+    if (std::filesystem::exists(answer / "reads-input")) {
+        std::filesystem::create_directories(root / "inputs");
+        std::ofstream(root / "inputs" / name, std::ios::binary) << contents("/dev/stdin");
     }
     if (std::filesystem::exists(root / "kills" / name / std::to_string(run)))
         kill(getppid(), SIGKILL);

@@ -93,12 +93,20 @@ void FakeTools::answerRun(const QString &tool, int run, const ToolAnswer &answer
     write(folder + u"status"_s, QByteArray::number(answer.status));
     if (answer.signal)
         write(folder + u"signal"_s, QByteArray::number(answer.signal));
+    if (answer.readsInput)
+        write(folder + u"reads-input"_s, {});
     if (answer.hangs)
         write(folder + u"hang"_s, {});
     if (!answer.content.isNull()) {
         write(folder + u"content"_s, answer.content);
         write(folder + u"target"_s, answer.target.toUtf8());
     }
+}
+
+QByteArray FakeTools::inputOf(const QString &tool) const
+{
+    QFile file(m_root + u"/inputs/"_s + tool);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 QList<ToolCall> FakeTools::calls() const

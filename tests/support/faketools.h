@@ -14,6 +14,7 @@ struct ToolAnswer {
     bool hangs = false; ///< waits until it is ended or released
     QByteArray content = {}; ///< not null: written to `target`
     QString target = QStringLiteral("{last}"); ///< a path, or "{last}" for the path in the last argument
+    bool readsInput = false; ///< to its end, before anything else
 };
 
 struct ToolCall {
@@ -45,6 +46,8 @@ public:
     /// Takes the tool away from the root.
     void remove(const QString &path);
 
+    /// What the latest run of the tool that was to read its input has read.
+    QByteArray inputOf(const QString &tool) const;
     QList<ToolCall> calls() const;
     /// The calls of one tool.
     QList<QStringList> callsOf(const QString &tool) const;

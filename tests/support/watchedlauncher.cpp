@@ -12,6 +12,7 @@ public:
     {
     }
 
+    void setInput(const QByteArray &bytes) override { m_process->setInput(bytes); }
     platform::Outcome launch() override
     {
         ++m_launching;

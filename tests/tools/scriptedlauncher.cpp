@@ -14,6 +14,8 @@ public:
     {
     }
 
+    void setInput(const QByteArray &) override { }
+
     platform::Outcome launch() override
     {
         return m_run.launchError.isNull() ? platform::Outcome::success()

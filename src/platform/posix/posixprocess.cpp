@@ -61,13 +61,30 @@ Outcome PosixProcess::spawnWithPipes(pid_t *child)
     if (!output || !error)
         return launchFailure(qt_error_string(errno));
     enlarge(*output);
-    Outcome spawned =
-        spawn(m_program, {output->writeEnd.get(), error->writeEnd.get()}, SpawnAs::group, child);
+    const auto input = makeInput();
+    if (!input)
+        return launchFailure(input.error());
+    Outcome spawned = spawn(m_program, {output->writeEnd.get(), error->writeEnd.get(), input->get()},
+                            SpawnAs::group, child);
     if (spawned) {
         m_output = PipeReader(std::move(output->readEnd));
         m_error = PipeReader(std::move(error->readEnd));
     }
     return spawned;
+}
+
+/// A pipe that holds all that the program is to read; none where that is the application's own input.
+Result<UniqueDescriptor> PosixProcess::makeInput() const
+{
+    if (!m_input)
+        return UniqueDescriptor();
+    if (m_input->size() > mostInput) // a pipe has room for so much at least, with nobody reading yet
+        return Error{u"its input is longer than %1 bytes"_s.arg(mostInput)};
+    auto pipe = makePipe();
+    const auto length = static_cast<size_t>(m_input->size());
+    if (!pipe || !writeFully(pipe->writeEnd.get(), m_input->constData(), length))
+        return Error{qt_error_string(errno)};
+    return std::move(pipe->readEnd);
 }
 
 /// For a child whose end could not be noticed.

@@ -5,6 +5,7 @@
 #include "platform/process.h"
 
 #include <mutex>
+#include <optional>
 
 namespace platform {
 
@@ -17,6 +18,7 @@ public:
     PosixProcess(const PosixProcess &) = delete;
     PosixProcess &operator=(const PosixProcess &) = delete;
 
+    void setInput(const QByteArray &bytes) override { m_input = bytes; }
     Outcome launch() override;
     void waitUntilExit(const DataHandler &output, const DataHandler &error) override;
     QByteArray readOutputToEnd() override;
@@ -26,6 +28,7 @@ public:
 
 private:
     Outcome spawnWithPipes(pid_t *child);
+    Result<UniqueDescriptor> makeInput() const;
     Outcome launchFailure(const QString &reason) const;
     Outcome abandon(pid_t child, int error) const;
     void adopt(pid_t child);
@@ -34,6 +37,7 @@ private:
     void sendTermination() const;
 
     const Program m_program;
+    std::optional<QByteArray> m_input;
     PipeReader m_output;
     PipeReader m_error;
     QByteArray m_collectedError; // until its end of file

@@ -35,7 +35,7 @@ public:
 #endif
         posix_spawnattr_setflags(&attributes, static_cast<short>(flags));
         setSignals();
-        setStream(STDIN_FILENO, -1);
+        setStream(STDIN_FILENO, streams.input);
         setStream(STDOUT_FILENO, streams.output);
         setStream(STDERR_FILENO, streams.error);
     }

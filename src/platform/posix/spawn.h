@@ -22,6 +22,7 @@ struct Program {
 struct SpawnStreams {
     int output = -1;
     int error = -1;
+    int input = -1;
 };
 
 /// Either way the child can be signalled apart from the application: as a group of its own, or in a session
