@@ -103,13 +103,31 @@ int useNotary(const ParsedArguments &arguments)
     return 0;
 }
 
+/// The word that would choose the present service again.
+QString choiceOf(const notary::ServiceConfig &config)
+{
+    if (config.isLocal)
+        return u"local"_s;
+    const bool isApples = config.api == notary::appleService().api;
+    return isApples ? u"apple"_s : config.api.chopped(config.api.endsWith(u"/notary/v2"_s) ? 10 : 0);
+}
+
+int tellNotary()
+{
+    const auto config = notary::readServiceConfig();
+    if (!config)
+        return fail(config.error());
+    print(choiceOf(*config).toStdString() + "\n");
+    return 0;
+}
+
 } // namespace
 
 std::string_view notaryUsage()
 {
     return R"(       sealwright-keychain add-api-key ITEM [--key-id ID] [--issuer UUID] [--team ID] FILE.p8
        sealwright-keychain make-api-key ITEM
-       sealwright-keychain use-notary apple | local | URL
+       sealwright-keychain use-notary [apple | local | URL]
 )";
 }
 
@@ -119,7 +137,7 @@ std::string_view notaryDetails()
                   AuthKey_ID.p8, if it is not told; without an issuer it is an individual key
   make-api-key    make a key for the notary service of this machine and keep it under the name ITEM
   use-notary      say which service altool, stapler, spctl and codesign ask: Apple's, that of this machine (as
-                  without any choice), or the one at an address
+                  without any choice), or the one at an address. Without a word: print the present choice
 )";
 }
 
@@ -140,6 +158,8 @@ std::optional<int> runNotaryCommand(const ParsedArguments &arguments)
         return makeApiKey(arguments);
     if (command == "use-notary" && words.size() == 2)
         return useNotary(arguments);
+    if (command == "use-notary" && words.size() == 1)
+        return tellNotary();
     return std::nullopt;
 }
 
