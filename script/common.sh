@@ -8,7 +8,7 @@ root=$PWD
 
 # Debian's packages; docs/dependencies.md tells what each is for.
 buildPackages=(g++ cmake ninja-build qt6-base-dev libarchive-dev libssl-dev libcurl4-openssl-dev qtkeychain-qt6-dev
-    libmicrohttpd-dev zlib1g-dev libbz2-dev liblzma-dev libgtest-dev libgmock-dev clang lld llvm)
+    libmicrohttpd-dev qt6-tools-dev qt6-l10n-tools zlib1g-dev libbz2-dev liblzma-dev libgtest-dev libgmock-dev clang lld llvm)
 runPackages=(file dbus-daemon ca-certificates)
 testPackages=(openssl gnome-keyring softhsm2 libengine-pkcs11-openssl zip unzip dmg2img libfshfs-utils p7zip-full systemd libglib2.0-bin python3-dbus python3-boto3 python3-jwt
     python3-cryptography)

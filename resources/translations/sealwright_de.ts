@@ -357,6 +357,14 @@
         <translation>Wählen Sie App, Image, .pkg, .plugin oder .fmplugin, woran angeheftet werden soll</translation>
     </message>
     <message>
+        <source>Choose the “Submitted” folder of the item, or the RequestUUID.txt in it</source>
+        <translation>Wählen Sie den Ordner „Submitted“ des Objekts oder die Datei RequestUUID.txt darin</translation>
+    </message>
+    <message>
+        <source>Cannot Go On Waiting</source>
+        <translation>Weiterwarten nicht möglich</translation>
+    </message>
+    <message>
         <source>App-Specific Password</source>
         <translation>Anwendungsspezifisches Passwort</translation>
     </message>
@@ -552,7 +560,9 @@ wurde bewegt oder gelöscht.</translation>
         <source>Are you sure that is the version of the app copied and submitted for notarizing, and not the original un-signed version? It should normally be found inside a folder called &apos;%1&apos;.
 
 Press Continue if you think you have the correct version.</source>
-        <translation>Ist das sicher die Version der App, die kopiert und zur Beglaubigung eingereicht wurde, und nicht die ursprüngliche, unsignierte? Normalerweise liegt sie in einem Ordner namens „[Name] - Submitted“.</translation>
+        <translation>Ist das sicher die Version der App, die kopiert und zur Beglaubigung eingereicht wurde, und nicht die ursprüngliche, unsignierte? Normalerweise liegt sie in einem Ordner namens „%1“.
+
+Klicken Sie auf „Fortfahren“, wenn es die richtige Version ist.</translation>
     </message>
     <message>
         <source>Xcode or Transporter Not Found</source>
@@ -942,6 +952,68 @@ Sealwright wird jetzt beendet.</translation>
     </message>
 </context>
 <context>
+    <name>HistoryModel</name>
+    <message>
+        <source>Date</source>
+        <translation>Datum</translation>
+    </message>
+    <message>
+        <source>Status</source>
+        <translation>Status</translation>
+    </message>
+    <message>
+        <source>Message</source>
+        <translation>Meldung</translation>
+    </message>
+    <message>
+        <source>Identifier</source>
+        <translation>Kennung</translation>
+    </message>
+</context>
+<context>
+    <name>HistoryPane</name>
+    <message>
+        <source>Search the history</source>
+        <translation>Verlauf durchsuchen</translation>
+    </message>
+    <message>
+        <source>History</source>
+        <translation>Verlauf</translation>
+    </message>
+    <message>
+        <source>Search</source>
+        <translation>Suchen</translation>
+    </message>
+    <message>
+        <source>Report</source>
+        <translation>Bericht</translation>
+    </message>
+    <message>
+        <source>Prints what the service has on record</source>
+        <translation>Gibt aus, was der Dienst gespeichert hat</translation>
+    </message>
+    <message>
+        <source>Log</source>
+        <translation>Protokoll</translation>
+    </message>
+    <message>
+        <source>Opens the service&apos;s log in the browser</source>
+        <translation>Öffnet das Protokoll des Dienstes im Browser</translation>
+    </message>
+    <message>
+        <source>Copy Identifier</source>
+        <translation>Kennung kopieren</translation>
+    </message>
+    <message>
+        <source>Staple</source>
+        <translation>Anheften</translation>
+    </message>
+    <message>
+        <source>Staples the item, which lies in a folder of this document</source>
+        <translation>Heftet das Ticket an das Objekt an, das in einem Ordner dieses Dokuments liegt</translation>
+    </message>
+</context>
+<context>
     <name>ImportForm</name>
     <message>
         <source>&amp;Certificate with its key</source>
@@ -1268,8 +1340,16 @@ Sealwright wird jetzt beendet.</translation>
         <translation>Nur an&amp;heften …	Ctrl+O</translation>
     </message>
     <message>
+        <source>Go On Wa&amp;iting…</source>
+        <translation>&amp;Weiter warten …</translation>
+    </message>
+    <message>
         <source>C&amp;ancel	Ctrl+.</source>
         <translation>&amp;Abbrechen	Ctrl+.</translation>
+    </message>
+    <message>
+        <source>Submit Again</source>
+        <translation>Erneut einreichen</translation>
     </message>
     <message>
         <source>&amp;Close</source>
@@ -1424,6 +1504,10 @@ Sealwright wird jetzt beendet.</translation>
     <message>
         <source>Copy Identifier</source>
         <translation>Kennung kopieren</translation>
+    </message>
+    <message>
+        <source>Go On Waiting</source>
+        <translation>Weiter warten</translation>
     </message>
     <message>
         <source>Try Again</source>
@@ -1589,6 +1673,14 @@ Sealwright wird jetzt beendet.</translation>
     <message>
         <source>Failures with code 239, which pass by themselves when the service is busy.</source>
         <translation>Fehler mit dem Code 239, die von selbst vergehen, wenn der Dienst beschäftigt ist.</translation>
+    </message>
+    <message>
+        <source>Go on &amp;waiting by itself at launch</source>
+        <translation>Beim Start von selbst &amp;weiter warten</translation>
+    </message>
+    <message>
+        <source>For what an earlier launch has left. Otherwise the window says what still waits, and asks.</source>
+        <translation>Für das, was ein früherer Start übrig gelassen hat. Sonst sagt das Fenster, was noch wartet, und fragt.</translation>
     </message>
     <message>
         <source>Notif&amp;y me while Sealwright is in front</source>
@@ -1842,6 +1934,22 @@ Sealwright wird jetzt beendet.</translation>
         <source>, %1 failed</source>
         <translation>, %1 fehlgeschlagen</translation>
     </message>
+    <message>
+        <source>%1 and %2</source>
+        <translation>%1 und %2</translation>
+    </message>
+    <message>
+        <source>%1 more</source>
+        <translation>%1 weitere</translation>
+    </message>
+    <message>
+        <source>%1 still waits for Apple&apos;s verdict.</source>
+        <translation>%1 wartet noch auf Apples Ergebnis.</translation>
+    </message>
+    <message>
+        <source>%1 still wait for Apple&apos;s verdict.</source>
+        <translation>%1 warten noch auf Apples Ergebnis.</translation>
+    </message>
 </context>
 <context>
     <name>SettingsSection</name>
@@ -1958,6 +2066,10 @@ Sealwright wird jetzt beendet.</translation>
         <source>Issues</source>
         <translation>Mängel</translation>
     </message>
+    <message>
+        <source>History</source>
+        <translation>Verlauf</translation>
+    </message>
 </context>
 <context>
     <name>SigningGroup</name>
@@ -2022,6 +2134,10 @@ Sealwright wird jetzt beendet.</translation>
         <source>Tabs</source>
         <translation>Tabs</translation>
     </message>
+    <message>
+        <source>Close Tab</source>
+        <translation>Tab schließen</translation>
+    </message>
 </context>
 <context>
     <name>ToolFolderRow</name>
@@ -2051,6 +2167,21 @@ Sealwright wird jetzt beendet.</translation>
     </message>
 </context>
 <context>
+    <name>WaitingBanner</name>
+    <message>
+        <source>Waiting</source>
+        <translation>Wartet</translation>
+    </message>
+    <message>
+        <source>Go On Waiting</source>
+        <translation>Weiter warten</translation>
+    </message>
+    <message>
+        <source>Not Now</source>
+        <translation>Nicht jetzt</translation>
+    </message>
+</context>
+<context>
     <name>WidgetWindow</name>
     <message>
         <source>Save Log As</source>
@@ -2059,75 +2190,6 @@ Sealwright wird jetzt beendet.</translation>
     <message>
         <source>The log is not saved</source>
         <translation>Das Protokoll ist nicht gesichert</translation>
-    </message>
-</context>
-<context>
-    <name>HistoryModel</name>
-    <message>
-        <source>Date</source>
-        <translation>Datum</translation>
-    </message>
-    <message>
-        <source>Status</source>
-        <translation>Status</translation>
-    </message>
-    <message>
-        <source>Message</source>
-        <translation>Meldung</translation>
-    </message>
-    <message>
-        <source>Identifier</source>
-        <translation>Kennung</translation>
-    </message>
-</context>
-<context>
-    <name>HistoryPane</name>
-    <message>
-        <source>Search the history</source>
-        <translation>Verlauf durchsuchen</translation>
-    </message>
-    <message>
-        <source>History</source>
-        <translation>Verlauf</translation>
-    </message>
-    <message>
-        <source>Search</source>
-        <translation>Suchen</translation>
-    </message>
-    <message>
-        <source>Report</source>
-        <translation>Bericht</translation>
-    </message>
-    <message>
-        <source>Prints what the service has on record</source>
-        <translation>Gibt aus, was der Dienst gespeichert hat</translation>
-    </message>
-    <message>
-        <source>Log</source>
-        <translation>Protokoll</translation>
-    </message>
-    <message>
-        <source>Opens the service&apos;s log in the browser</source>
-        <translation>Öffnet das Protokoll des Dienstes im Browser</translation>
-    </message>
-    <message>
-        <source>Copy Identifier</source>
-        <translation>Kennung kopieren</translation>
-    </message>
-    <message>
-        <source>Staple</source>
-        <translation>Anheften</translation>
-    </message>
-    <message>
-        <source>Staples the item, which lies in a folder of this document</source>
-        <translation>Heftet das Ticket an das Objekt an, das in einem Ordner dieses Dokuments liegt</translation>
-    </message>
-</context>
-<context>
-    <name>SidePane</name>
-    <message>
-        <source>History</source>
-        <translation>Verlauf</translation>
     </message>
 </context>
 </TS>

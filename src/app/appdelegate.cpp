@@ -95,13 +95,24 @@ void AppDelegate::quitWithoutAltool()
 {
     m_hasLaunchFailed = true; // before the word that ends the waiting of calls
     changeStatus(status::interacting);
-    const platform::Alert alert{
+    platform::Alert alert{
         u"Xcode or Transporter Not Found"_s,
         u"Notarization cannot be performed without either Xcode.app 10.2 or later installed and running, or Transporter.app 1.1 or later installed. Both are free downloads from the Apple Store. You should install one or the other and run it at least once before trying to run Sealwright again.\n\nSealwright will now quit."_s,
         {}};
+    alert.remedy = u"Settings…"_s; // or a wrong folder of tools could not be mended but by hand
     m_host.application.beep();
-    m_host.application.runModal(alert);
-    m_host.application.terminate();
+    if (m_host.application.runModal(alert) == platform::alertSecondButton && hasMendedToolRoot())
+        m_host.application.relaunch();
+    else
+        m_host.application.terminate();
+}
+
+/// Lets the person set where the tools are; whether it is elsewhere now.
+bool AppDelegate::hasMendedToolRoot()
+{
+    const QString before = m_host.preferences.string(key::toolRoot);
+    m_host.application.runToolSettings(m_host.preferences);
+    return m_host.preferences.string(key::toolRoot) != before;
 }
 
 void AppDelegate::applicationWillTerminate()

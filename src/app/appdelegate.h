@@ -29,6 +29,8 @@ public:
         QString buildDate; ///< as "MMM d yyyy", in English
         QString examineProgram = {}; ///< path of the program that looks at items
         QString fileTool = {}; ///< path of the tool root's own file tool; empty where there is none
+        QString profilesFolder = {}; ///< path of the folder that keeps the profiles
+        QString keychainProgram = {}; ///< path of what manages the tool root's keychain; empty: nothing does
     };
 
     AppDelegate(const platform::Host &host, WindowFactory &windowFactory, Configuration configuration);
@@ -109,6 +111,8 @@ public:
     WindowFactory &windowFactory() const override { return m_windowFactory; }
     QString examineProgram() const override { return m_configuration.examineProgram; }
     QString fileTool() const override { return m_configuration.fileTool; }
+    QString keychainProgram() const override { return m_configuration.keychainProgram; }
+    QString profilesFolder() const override { return m_configuration.profilesFolder; }
     NSApplicationScripting &scripting() const { return *m_scripting; }
     ScriptFailure scriptFailure(const QString &title, const QString &text,
                                 const QString &logError) const override;
@@ -124,6 +128,7 @@ private:
     void quitWithoutAltool();
     QList<WaitRecord> openWaits() const;
     void lookForWaits();
+    bool hasMendedToolRoot();
     void setConfigNames(const QStringList &names);
     void setNoConfigNames(const QString &placeholder);
 

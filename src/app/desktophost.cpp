@@ -90,12 +90,19 @@ platform::Host DesktopHost::services()
 
 AppDelegate::Configuration DesktopHost::configurationWithPrograms() const
 {
-    const QString file = u"/usr/bin/file"_s;
-    const QString ownFile = m_toolRoot.locate(file);
     AppDelegate::Configuration complete = configuration();
     complete.examineProgram = examineProgram(m_applicationFolder);
-    complete.fileTool = ownFile == file ? QString() : ownFile;
+    complete.fileTool = ownTool(u"/usr/bin/file"_s);
+    complete.profilesFolder = inConfigFolder(u"Sealwright/Profiles"_s);
+    complete.keychainProgram = ownTool(u"/usr/bin/sealwright-keychain"_s);
     return complete;
+}
+
+/// Where the tool root has the tool; empty if it has none.
+QString DesktopHost::ownTool(const QString &path) const
+{
+    const QString own = m_toolRoot.locate(path);
+    return own == path ? QString() : own;
 }
 
 AppDelegate::Configuration DesktopHost::configuration()

@@ -39,6 +39,8 @@ public:
     void removeTemporaryItems() { m_files.removeReplacementDirectories(); }
 
 private:
+    QString ownTool(const QString &path) const;
+
     const QString m_applicationFolder;
     const QString m_stateFolder;
     platform::SettingsPreferences m_preferences;

@@ -2,14 +2,19 @@
 #include "commit.h"
 #include "platform/posix/endsignals.h"
 #include "scripting/dbus/scriptingbus.h"
+#include "ui/language.h"
 #include "ui/launcherentry.h"
 #include "ui/uploadprogress.h"
 
 #include <QApplication>
+#include <QFile>
 #include <QIcon>
+#include <QLocale>
 
 #include <cstdio>
 #include <cstdlib>
+
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -66,7 +71,12 @@ int launchAndRun(AppDelegate &delegate, ScriptingBus &bus)
     return QApplication::exec();
 }
 
-int runDesktopApplication()
+struct Ending {
+    int status = EXIT_SUCCESS;
+    bool isNewStartWanted = false;
+};
+
+Ending runDesktopApplication()
 {
     uploadprogress::askFor();
     DesktopHost &host = *new DesktopHost(QApplication::applicationDirPath());
@@ -78,18 +88,22 @@ int runDesktopApplication()
     host.application().setPendingOpens([&bus] { bus.takeArrivedCalls(); });
     const int status = takeTheBus(bus) ? launchAndRun(delegate, bus) : EXIT_SUCCESS;
     host.removeTemporaryItems();
-    return status;
+    return {status, host.application().isRelaunching()};
 }
 
 /// Ends the process without waiting for the tools that still run, and so without an end for anything that
-/// their workflows use.
-[[noreturn]] void quit(int status)
+/// their workflows use. Where a new start is wanted, the same process begins again as the program that lies
+/// there now, under the number that whoever started it knows.
+[[noreturn]] void quit(const Ending &ending, char **arguments)
 {
     QCoreApplication::sendPostedEvents(nullptr, QEvent::UpdateRequest); // writes settings not yet on disk
     std::fflush(nullptr);
     if (const int signal = platform::EndSignals::arrived(); signal != 0)
         platform::EndSignals::endBy(signal);
-    std::_Exit(status);
+    const QByteArray program = QFile::encodeName(QCoreApplication::applicationFilePath());
+    if (ending.isNewStartWanted && execv(program.constData(), arguments) < 0)
+        std::perror("sealwright: cannot start anew");
+    std::_Exit(ending.status);
 }
 
 /// What can be asked without anything being opened; null if that is not what the arguments ask.
@@ -115,5 +129,6 @@ int main(int argc, char **argv)
     choosePlatform();
     const QApplication application(argc, argv);
     describe();
-    quit(runDesktopApplication());
+    language::use(QLocale(), u":/translations"_s);
+    quit(runDesktopApplication(), argv);
 }

@@ -63,6 +63,10 @@ public:
     /// Path of the program that looks at items, and of the tool root's file tool; empty for the host's own.
     virtual QString examineProgram() const = 0;
     virtual QString fileTool() const = 0;
+    /// Path of the program that manages the keychain; empty where the host has a keychain of its own.
+    virtual QString keychainProgram() const = 0;
+    /// Path of the folder that keeps the profiles.
+    virtual QString profilesFolder() const = 0;
 
     // Documents
     /// Every open document, in the order of adding; this list is what keeps them alive.

@@ -20,6 +20,16 @@ bool refuse(MainWinController &document, const QString &title, const QString &te
 
 } // namespace
 
+bool isMissingAppleID(const QString &appleID)
+{
+    return appleID.trimmed().size() <= longestTooShortAppleID;
+}
+
+bool isMissingPasswordKey(const QString &passwordKey)
+{
+    return passwordKey.trimmed().size() <= longestTooShortPasswordKey;
+}
+
 Credentials enteredCredentials(const MainWinController &document)
 {
     return {.appleID = document.appleIDField.stringValue(),
@@ -30,10 +40,10 @@ Credentials enteredCredentials(const MainWinController &document)
 bool checkCredentialFields(MainWinController &document)
 {
     const Credentials credentials = enteredCredentials(document);
-    if (credentials.appleID.trimmed().size() <= longestTooShortAppleID)
+    if (isMissingAppleID(credentials.appleID))
         return refuse(document, u"Missing Apple ID"_s, u"You need to enter your Apple ID."_s,
                       document.appleIDField);
-    if (credentials.passwordKey.size() <= longestTooShortPasswordKey)
+    if (isMissingPasswordKey(credentials.passwordKey))
         return refuse(
             document, u"Missing Password"_s,
             u"You need to enter the key to an application-specific password you have added to your login Keychain."_s,

@@ -8,6 +8,10 @@ class MainWinController;
 /// the rest as typed. Main thread.
 [[nodiscard]] Credentials enteredCredentials(const MainWinController &document);
 
+/// Whether what stands there would be refused as none.
+[[nodiscard]] bool isMissingAppleID(const QString &appleID);
+[[nodiscard]] bool isMissingPasswordKey(const QString &passwordKey);
+
 /// Whether Apple ID and password key are there. False after a report, with the focus in the field that lacks
 /// something. Main thread.
 [[nodiscard]] bool checkCredentialFields(MainWinController &document);

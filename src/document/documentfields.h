@@ -52,6 +52,9 @@ struct DocumentFields {
     /// Paths that the signer skips, relative to the item's own.
     Property<QStringList> skipPaths;
 
+    /// The name of the profile that the document was last set to; empty if there is none.
+    ObservableProperty<QString> profile;
+
     /// The script command that waits for this document's answer, or has got it. Never cleared.
     Property<std::shared_ptr<ScriptCommand>> currentCommand;
     ObservableProperty<QString> statusString;

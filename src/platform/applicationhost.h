@@ -6,6 +6,8 @@
 
 namespace platform {
 
+class Preferences;
+
 /// The application as the desktop sees it. Main thread.
 class ApplicationHost {
 public:
@@ -21,6 +23,10 @@ public:
     virtual void activate() = 0;
     /// Ends the application, once the event loop comes to it.
     virtual void terminate() = 0;
+    /// Ends the application in the same way, and has it start anew. A host that cannot do that only ends it.
+    virtual void relaunch() { terminate(); }
+    /// Shows the settings of where the tools are, and holds up the whole application until they are closed.
+    virtual void runToolSettings(Preferences &preferences) = 0;
     /// Whether the Option key, or the host's counterpart of it, is held down now.
     virtual bool isOptionKeyDown() const = 0;
     virtual void beep() = 0;

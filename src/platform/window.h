@@ -18,6 +18,9 @@ struct Alert {
     QString messageText;
     QString informativeText;
     QStringList buttons; ///< empty: the one default button
+    /// The title of a further button, the last, for an alert that nothing but the end follows: what might
+    /// mend the trouble. Empty: there is none.
+    QString remedy = {};
 };
 
 struct OpenPanel {

@@ -3,6 +3,7 @@
 #include "document/applicationinterface.h"
 #include "document/entitlementswitches.h"
 #include "document/mainwincontroller.h"
+#include "document/profiles.h"
 #include "platform/itempath.h"
 #include "platform/preferences.h"
 #include "run/preferencekeys.h"
@@ -80,6 +81,12 @@ QList<DocumentProperty> stateProperties()
         {u"AEDocStatus"_s, [](Document &document) { return document.controller().statusString(); },
          refuseWrite, Takes::anything},
         {u"issues"_s, [](Document &document) { return document.controller().serviceIssues(); }},
+        // Before those that it sets, so that a new document's own values stand over those of its profile.
+        {u"profile"_s, [](Document &document) { return document.controller().profile(); },
+         whenReady<Document>([](Document &document, const QVariant &value) {
+             if (const auto used = profiles::use(document.controller(), value.toString()); !used)
+                 setScriptError(scriptErrorArgument, used.error());
+         })},
         {u"AEWindowTab"_s,
          [](Document &document) {
              return QVariant::fromValue(document.controller().window().tabGroup().selectedWindow());

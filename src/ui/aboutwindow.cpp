@@ -35,7 +35,7 @@ QLabel *makeLabel(QWidget *parent, TextField &field, const QString &name)
 
 AboutWindow::AboutWindow(AboutController &controller)
 {
-    setWindowTitle(u"About Sealwright"_s);
+    setWindowTitle(tr("About Sealwright"));
     auto *const columns = new QHBoxLayout(this);
     columns->setContentsMargins(margin, margin, margin, margin);
     columns->setSpacing(margin);
@@ -66,7 +66,7 @@ QWidget *AboutWindow::makeTitle(AboutController &controller)
 
 QWidget *AboutWindow::makeCredits(AboutController &controller)
 {
-    auto *const credits = named(new QTextEdit(this), u"mCreditsView"_s, u"Credits"_s);
+    auto *const credits = named(new QTextEdit(this), u"mCreditsView"_s, tr("Credits"));
     credits->setReadOnly(true);
     credits->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     credits->setTabChangesFocus(true);

@@ -1,6 +1,7 @@
 #include "ui/alertbox.h"
 
 #include "ui/letterbutton.h"
+#include "ui/shown.h"
 
 #include <QApplication>
 #include <QIcon>
@@ -32,10 +33,13 @@ AlertBox::AlertBox(const platform::Alert &alert, QWidget *parent)
     setWindowModality(parent ? Qt::NonModal : Qt::ApplicationModal); // a sheet holds up its document alone
     setWindowTitle(QApplication::applicationDisplayName());
     setIconPixmap(QApplication::windowIcon().pixmap(iconSize));
-    setText(alert.messageText);
-    setInformativeText(alert.informativeText);
+    setText(shown(alert.messageText));
+    setInformativeText(shown(alert.informativeText));
     styleText();
-    addButtons(alert.buttons.isEmpty() ? QStringList{u"OK"_s} : alert.buttons);
+    QStringList titles = alert.buttons.isEmpty() ? QStringList{u"OK"_s} : alert.buttons;
+    if (!alert.remedy.isEmpty())
+        titles.append(alert.remedy);
+    addButtons(titles);
 }
 
 void AlertBox::styleText()
@@ -57,7 +61,7 @@ void AlertBox::styleText()
 void AlertBox::addButtons(const QStringList &titles)
 {
     for (const QString &title : titles) {
-        auto *const button = new LetterButton(title, this);
+        auto *const button = new LetterButton(shown(title), this);
         addButton(button, title == cancelTitle ? RejectRole : AcceptRole);
         m_buttons.append(button);
     }

@@ -1,6 +1,7 @@
 #include "ui/bindings.h"
 
 #include "ui/mnemonic.h"
+#include "ui/shown.h"
 #include "ui/toplevel.h"
 
 #include <QCheckBox>
@@ -37,7 +38,7 @@ QStringList itemTitles(const QComboBox &box)
 {
     QStringList titles;
     for (int index = 0; index < box.count(); ++index)
-        titles.append(box.itemText(index));
+        titles.append(box.itemData(index).toString());
     return titles;
 }
 
@@ -77,7 +78,7 @@ void bindings::bind(QLabel &label, TextField &field)
     label.setTextFormat(Qt::PlainText);
     follow(label, field, [&label, &field] {
         showAvailability(label, field);
-        label.setText(field.stringValue());
+        label.setText(shown(field.stringValue()));
         if (const auto colour = field.textColor())
             colourText(label, *colour);
     });
@@ -121,12 +122,14 @@ void bindings::bind(QComboBox &box, Popup &popup)
         showAvailability(box, popup);
         if (itemTitles(box) != popup.itemTitles()) {
             box.clear();
-            box.addItems(popup.itemTitles());
+            for (const QString &title : popup.itemTitles())
+                box.addItem(shown(title), title);
         }
-        if (box.currentText() != popup.titleOfSelectedItem())
+        if (box.currentData().toString() != popup.titleOfSelectedItem())
             box.setCurrentIndex(static_cast<int>(popup.itemTitles().indexOf(popup.titleOfSelectedItem())));
     });
-    QObject::connect(&box, &QComboBox::currentTextChanged, &popup, &Popup::selectItemWithTitle);
+    QObject::connect(&box, &QComboBox::currentIndexChanged, &popup,
+                     [&box, &popup] { popup.selectItemWithTitle(box.currentData().toString()); });
 }
 
 void bindings::bind(QProgressBar &bar, ProgressIndicator &indicator)
@@ -141,9 +144,9 @@ void bindings::bind(QPushButton &push, Button &button, std::function<void(Action
 {
     follow(push, button, [&push, &button] {
         showAvailability(push, button);
-        push.setText(withoutMnemonic(button.title()));
-        push.setAccessibleName(button.title());
-        push.setToolTip(button.toolTip());
+        push.setText(withoutMnemonic(shown(button.title())));
+        push.setAccessibleName(shown(button.title()));
+        push.setToolTip(shown(button.toolTip()));
         const QString key = button.keyEquivalent();
         push.setShortcut(key.isEmpty() ? QKeySequence() : QKeySequence(u"Ctrl+"_s + key));
     });

@@ -5,6 +5,7 @@
 #include "ui/keepplace.h"
 #include "ui/named.h"
 #include "ui/settingrows.h"
+#include "ui/shown.h"
 
 #include <QBoxLayout>
 #include <QIntValidator>
@@ -40,7 +41,7 @@ void makeRoomFor(QPushButton &push, const QStringList &titles)
     const QFontMetrics metrics = push.fontMetrics();
     const int border = push.sizeHint().width() - metrics.horizontalAdvance(push.text());
     for (const QString &title : titles)
-        push.setMinimumWidth(qMax(push.minimumWidth(), metrics.horizontalAdvance(title) + border));
+        push.setMinimumWidth(qMax(push.minimumWidth(), metrics.horizontalAdvance(shown(title)) + border));
 }
 
 } // namespace
@@ -90,9 +91,9 @@ void CommandBar::addHistory(QBoxLayout &row)
 
 QLineEdit *CommandBar::makePages()
 {
-    auto *const pages =
-        named(new QLineEdit(this), u"historyMaxPagesField"_s, m_document.historyMaxPagesLabel.stringValue());
-    pages->setToolTip(u"More pages of the history than this are not asked for. Return fetches it."_s);
+    auto *const pages = named(new QLineEdit(this), u"historyMaxPagesField"_s,
+                              shown(m_document.historyMaxPagesLabel.stringValue()));
+    pages->setToolTip(tr("More pages of the history than this are not asked for. Return fetches it."));
     pages->setValidator(new PagesValidator(m_document, pages));
     pages->setFixedWidth(pages->fontMetrics().horizontalAdvance(u'0') * digitsAcross);
     pages->setAcceptDrops(false);

@@ -78,6 +78,8 @@ const QStringList &coreTexts()
         QT_TRANSLATE_NOOP("Core", "Choose the RequestUUID.txt file"),
         QT_TRANSLATE_NOOP("Core", "Choose an app or a directory to copy and sign with the hardened runtime"),
         QT_TRANSLATE_NOOP("Core", "Choose an app, disk image, .pkg, .plugin or .fmplugin to try to staple"),
+        QT_TRANSLATE_NOOP("Core", "Choose the “Submitted” folder of the item, or the RequestUUID.txt in it"),
+        QT_TRANSLATE_NOOP("Core", "Cannot Go On Waiting"),
         QT_TRANSLATE_NOOP("Core", "App-Specific Password"),
         QT_TRANSLATE_NOOP("Core", "Provider Short Name"),
         QT_TRANSLATE_NOOP("Core", "Extra Entitlements"),

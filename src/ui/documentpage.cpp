@@ -14,6 +14,7 @@
 #include "ui/outcomebanner.h"
 #include "ui/progresstext.h"
 #include "ui/settingspane.h"
+#include "ui/setupbanner.h"
 #include "ui/sidepane.h"
 #include "ui/uploadprogress.h"
 #include "ui/waitingbanner.h"
@@ -54,6 +55,7 @@ void acceptCopy(QDropEvent &event)
 DocumentPage::DocumentPage(MainWinController &document)
     : m_document(document)
     , m_header(new ItemHeader(document, this))
+    , m_setupBanner(new SetupBanner(document, this))
     , m_banner(new OutcomeBanner(document, this))
     , m_dropOutline(new QRubberBand(QRubberBand::Rectangle, this))
 {
@@ -61,6 +63,7 @@ DocumentPage::DocumentPage(MainWinController &document)
     new UploadProgress(document, this);
     auto *const rows = new QVBoxLayout(this);
     rows->addWidget(m_header);
+    rows->addWidget(m_setupBanner);
     rows->addWidget(m_banner);
     rows->addWidget(new WaitingBanner(document, this));
     rows->addWidget(makeParts(), 1);

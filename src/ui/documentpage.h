@@ -15,6 +15,7 @@ class MainWinController;
 class OutcomeBanner;
 class QPagedPaintDevice;
 class QRubberBand;
+class SetupBanner;
 
 /// The widgets of one document, bound to its controls. Its window title is the document's. Opening, closing
 /// and sheets are its owner's task.
@@ -34,6 +35,8 @@ public:
     QWidget &header() const;
     /// What tells of the latest run.
     OutcomeBanner &banner() const { return *m_banner; }
+    /// What leads to the first steps.
+    SetupBanner &setupBanner() const { return *m_setupBanner; }
     /// What searches the log.
     FindBar &findBar() const;
     /// Presses the button that Return stands for, if it is on.
@@ -63,6 +66,7 @@ private:
 
     MainWinController &m_document;
     ItemHeader *m_header;
+    SetupBanner *m_setupBanner;
     OutcomeBanner *m_banner;
     LogPane *m_logPane = nullptr;
     CommandBar *m_commands = nullptr;

@@ -18,10 +18,11 @@ EditCommands::EditCommands(FrameWindow &frame, QMenu &menu)
     : QObject(&menu)
     , m_frame(frame)
 {
-    add(menu, u"Cu&t"_s, QKeySequence::Cut, "cut", [this] { return isEditable() && hasSelection(); });
-    add(menu, u"&Copy"_s, QKeySequence::Copy, "copy", [this] { return hasSelection(); });
-    add(menu, u"&Paste"_s, QKeySequence::Paste, "paste", [this] { return isEditable() && canBePasted(); });
-    add(menu, u"Select &All"_s, QKeySequence::SelectAll, "selectAll", [this] { return editor() != nullptr; });
+    add(menu, tr("Cu&t"), QKeySequence::Cut, "cut", [this] { return isEditable() && hasSelection(); });
+    add(menu, tr("&Copy"), QKeySequence::Copy, "copy", [this] { return hasSelection(); });
+    add(menu, tr("&Paste"), QKeySequence::Paste, "paste", [this] { return isEditable() && canBePasted(); });
+    add(menu, tr("Select &All"), QKeySequence::SelectAll, "selectAll",
+        [this] { return editor() != nullptr; });
     connect(qApp, &QApplication::focusChanged, this, [this](QWidget *, QWidget *now) {
         const bool isText = qobject_cast<QLineEdit *>(now) || qobject_cast<QPlainTextEdit *>(now);
         if (isText && now->window() == &m_frame)

@@ -6,6 +6,7 @@
 #include "ui/bindings.h"
 #include "ui/elidedlabel.h"
 #include "ui/settingrows.h"
+#include "ui/shown.h"
 
 #include <QBoxLayout>
 #include <QCheckBox>
@@ -38,7 +39,7 @@ public:
             if (row.kind != kind)
                 continue;
             auto *const box = settingrows::makeCheckbox(
-                parent, document, {row.control, row.controlName, row.label, row.entitlement});
+                parent, document, {row.control, row.controlName, shown(row.label), row.entitlement});
             box->setAccessibleDescription(title);
             m_grid.addWidget(box, m_row++, m_column);
         }
@@ -53,7 +54,7 @@ private:
 } // namespace
 
 EntitlementsGroup::EntitlementsGroup(MainWinController &document, QWidget *parent)
-    : QGroupBox(u"Entitlements"_s, parent)
+    : QGroupBox(tr("Entitlements"), parent)
     , m_document(document)
 {
     auto *const rows = new QVBoxLayout(this);
@@ -67,10 +68,10 @@ EntitlementsGroup::EntitlementsGroup(MainWinController &document, QWidget *paren
 void EntitlementsGroup::addKinds(QGridLayout &grid)
 {
     Column left(grid, 0);
-    left.add(m_document, u"Resource access"_s, Kind::resourceAccess);
+    left.add(m_document, tr("Resource access"), Kind::resourceAccess);
     Column right(grid, 1);
-    right.add(m_document, u"Hardened runtime exceptions"_s, Kind::runtimeException);
-    right.add(m_document, u"Debugging"_s, Kind::debugging);
+    right.add(m_document, tr("Hardened runtime exceptions"), Kind::runtimeException);
+    right.add(m_document, tr("Debugging"), Kind::debugging);
     grid.setColumnStretch(1, 1);
 }
 
@@ -82,15 +83,15 @@ QWidget *EntitlementsGroup::makeExtra()
     row->setContentsMargins(0, 0, 0, 0);
     auto *const extra = settingrows::makeCheckbox(
         line, m_document,
-        {&Controls::extraEntitlementsButton, u"extraEntitlementsButton"_s, u"E&xtra entitlements"_s,
-         u"Asks for a property list, whose entries override the settings above"_s});
+        {&Controls::extraEntitlementsButton, u"extraEntitlementsButton"_s, tr("E&xtra entitlements"),
+         tr("Asks for a property list, whose entries override the settings above")});
     connect(extra, &QCheckBox::clicked, &m_document,
             [this] { m_document.perform(Action::doExtraEntitlements); });
     settingrows::offerWhenIdle(*extra, m_document.extraEntitlementsButton, m_document);
     row->addWidget(extra);
     row->addWidget(makeExtraFileName(), 1);
     row->addWidget(settingrows::makeHelpButton(line, m_document, Action::doExtraEntitlementsHelp,
-                                               u"extraEntitlementsHelpButton"_s, u"Extra entitlements"_s));
+                                               u"extraEntitlementsHelpButton"_s, tr("Extra entitlements")));
     return line;
 }
 

@@ -69,8 +69,8 @@ QTreeWidgetItem *findingEntry(const QJsonObject &finding)
 QString detailOf(const QJsonObject &code)
 {
     const QJsonValue order = code.value("order"_L1);
-    const QString place = order.isDouble() ? u"signed as number %1"_s.arg(order.toInt())
-                                           : u"not signed: "_s + textOf(code, "reason"_L1);
+    const QString place = order.isDouble() ? QObject::tr("signed as number %1").arg(order.toInt())
+                                           : QObject::tr("not signed: %1").arg(textOf(code, "reason"_L1));
     const QStringList parts{textOf(code, "kind"_L1), joined(code.value("architectures"_L1).toArray()),
                             textOf(code.value("signature"_L1).toObject(), "state"_L1), place};
     QStringList told;
@@ -100,16 +100,16 @@ bool showMatches(QTreeWidgetItem &entry, const QString &text)
 ExaminePane::ExaminePane(MainWinController &document, QWidget *parent)
     : QWidget(parent)
     , m_document(document)
-    , m_summary(named(new QLabel(this), u"examineSummary"_s, u"Examination"_s))
-    , m_search(named(new QLineEdit(this), u"examineSearch"_s, u"Search the examination"_s))
-    , m_tree(named(new QTreeWidget(this), u"examineTree"_s, u"Findings and code"_s))
+    , m_summary(named(new QLabel(this), u"examineSummary"_s, tr("Examination")))
+    , m_search(named(new QLineEdit(this), u"examineSearch"_s, tr("Search the examination")))
+    , m_tree(named(new QTreeWidget(this), u"examineTree"_s, tr("Findings and code")))
 {
     m_summary->setTextFormat(Qt::PlainText);
     m_summary->setWordWrap(true);
-    m_search->setPlaceholderText(u"Search"_s);
+    m_search->setPlaceholderText(tr("Search"));
     m_search->setClearButtonEnabled(true);
     m_tree->setColumnCount(2);
-    m_tree->setHeaderLabels({u"Item"_s, u"What is found"_s});
+    m_tree->setHeaderLabels({tr("Item"), tr("What is found")});
     m_tree->setUniformRowHeights(true);
     m_tree->header()->setStretchLastSection(true);
     auto *const rows = new QVBoxLayout(this);
@@ -148,7 +148,7 @@ void ExaminePane::look()
     m_item = itempath::fromUrl(m_document.originalAppletURL());
     if (m_item.isEmpty())
         return;
-    m_summary->setText(u"Looking at the item…"_s);
+    m_summary->setText(tr("Looking at the item…"));
     const auto &application = m_document.appDelegate();
     application.host().workers.post([pane = QPointer(this), &application, item = m_item, number = ++m_looks,
                                      choices = examining::choicesOf(m_document)] {
@@ -171,14 +171,14 @@ void ExaminePane::setExamination(const QJsonObject &examination)
 {
     m_tree->clear();
     if (examination.isEmpty())
-        return m_summary->setText(u"Choose or drop an item to see what would be refused."_s);
+        return m_summary->setText(tr("Choose or drop an item to see what would be refused."));
     m_item = textOf(examination, "item"_L1);
     addFindings(examination);
     addCode(examination);
     m_tree->resizeColumnToContents(0);
     m_summary->setText(examination.value("refused"_L1).toBool()
-                           ? u"The item would be refused."_s
-                           : u"Nothing was found that would be refused."_s);
+                           ? tr("The item would be refused.")
+                           : tr("Nothing was found that would be refused."));
     filter(m_search->text());
 }
 
@@ -186,7 +186,7 @@ void ExaminePane::addFindings(const QJsonObject &examination)
 {
     const QJsonArray findings = examination.value("findings"_L1).toArray();
     auto *const group = new QTreeWidgetItem(
-        m_tree, {u"Findings"_s, findings.isEmpty() ? u"none"_s : QString::number(findings.size())});
+        m_tree, {tr("Findings"), findings.isEmpty() ? tr("none") : QString::number(findings.size())});
     // What would be refused comes before what is only worth a thought.
     for (const QString &severity : {u"error"_s, u"warning"_s}) {
         for (const auto &finding : findings) {

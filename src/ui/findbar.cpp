@@ -38,18 +38,18 @@ void nameClearButton(const QLineEdit &field)
 FindBar::FindBar(QPlainTextEdit &text, QWidget *parent)
     : QWidget(parent)
     , m_text(text)
-    , m_words(named(new QLineEdit(this), u"findField"_s, u"Find in log"_s))
+    , m_words(named(new QLineEdit(this), u"findField"_s, tr("Find in log")))
     , m_result(new QLabel(this))
 {
-    m_words->setPlaceholderText(u"Find in log"_s);
+    m_words->setPlaceholderText(tr("Find in log"));
     m_words->setClearButtonEnabled(true);
     nameClearButton(*m_words);
     m_words->setAcceptDrops(false);
     m_result->setObjectName(u"findResult"_s);
     auto *const previous =
-        makeButton(this, u"Previous"_s, u"findPreviousButton"_s, u"The place before (Shift+F3)"_s);
-    auto *const next = makeButton(this, u"Next"_s, u"findNextButton"_s, u"The next place (F3)"_s);
-    auto *const done = makeButton(this, u"Done"_s, u"findDoneButton"_s, u"Puts the search away (Esc)"_s);
+        makeButton(this, tr("Previous"), u"findPreviousButton"_s, tr("The place before (Shift+F3)"));
+    auto *const next = makeButton(this, tr("Next"), u"findNextButton"_s, tr("The next place (F3)"));
+    auto *const done = makeButton(this, tr("Done"), u"findDoneButton"_s, tr("Puts the search away (Esc)"));
     auto *const row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
     row->addWidget(m_words, 1);
@@ -132,7 +132,7 @@ void FindBar::find(Direction direction)
 
 void FindBar::tell(bool isFound)
 {
-    m_result->setText(isFound ? placeText() : u"Not found"_s);
+    m_result->setText(isFound ? placeText() : tr("Not found"));
     if (isFound)
         Q_EMIT found();
 }
@@ -149,7 +149,8 @@ QString FindBar::placeText() const
         if (place.selectionStart() == m_text.textCursor().selectionStart())
             selected = count;
     }
-    return count > mostCounted ? u"more than %1"_s.arg(mostCounted) : u"%1 of %2"_s.arg(selected).arg(count);
+    return count > mostCounted ? tr("more than %1").arg(mostCounted)
+                               : tr("%1 of %2").arg(selected).arg(count);
 }
 
 void FindBar::putAway()

@@ -64,13 +64,13 @@ void FrameWindow::addTabCommands()
         connect(this, &FrameWindow::tabsChanged, action, [this, action] { action->setEnabled(count() > 1); });
         addAction(action);
     };
-    add(u"Show &Previous Tab"_s, {QKeySequence(u"Ctrl+PgUp"_s), QKeySequence(u"Ctrl+Shift+Tab"_s)},
+    add(tr("Show &Previous Tab"), {QKeySequence(u"Ctrl+PgUp"_s), QKeySequence(u"Ctrl+Shift+Tab"_s)},
         &FrameWindow::selectPreviousTab);
-    add(u"Show &Next Tab"_s, {QKeySequence(u"Ctrl+PgDown"_s), QKeySequence(u"Ctrl+Tab"_s)},
+    add(tr("Show &Next Tab"), {QKeySequence(u"Ctrl+PgDown"_s), QKeySequence(u"Ctrl+Tab"_s)},
         &FrameWindow::selectNextTab);
-    add(u"Move Tab &Left"_s, {QKeySequence(u"Ctrl+Shift+PgUp"_s)}, &FrameWindow::moveTabLeft);
-    add(u"Move Tab &Right"_s, {QKeySequence(u"Ctrl+Shift+PgDown"_s)}, &FrameWindow::moveTabRight);
-    add(u"&Move Tab to New Window"_s, {}, &FrameWindow::moveTabToOwnFrame);
+    add(tr("Move Tab &Left"), {QKeySequence(u"Ctrl+Shift+PgUp"_s)}, &FrameWindow::moveTabLeft);
+    add(tr("Move Tab &Right"), {QKeySequence(u"Ctrl+Shift+PgDown"_s)}, &FrameWindow::moveTabRight);
+    add(tr("&Move Tab to New Window"), {}, &FrameWindow::moveTabToOwnFrame);
 }
 
 // The group

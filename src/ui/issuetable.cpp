@@ -24,11 +24,11 @@ struct Column {
 
 const QList<Column> &columns()
 {
-    static const QList<Column> all{{u"severity"_s, u"Severity"_s},
-                                   {u"path"_s, u"Path"_s},
-                                   {u"architecture"_s, u"Architecture"_s},
-                                   {u"message"_s, u"Message"_s},
-                                   {u"docUrl"_s, u"Link"_s}};
+    static const QList<Column> all{{u"severity"_s, QObject::tr("Severity")},
+                                   {u"path"_s, QObject::tr("Path")},
+                                   {u"architecture"_s, QObject::tr("Architecture")},
+                                   {u"message"_s, QObject::tr("Message")},
+                                   {u"docUrl"_s, QObject::tr("Link")}};
     return all;
 }
 
@@ -45,7 +45,7 @@ QStringList headings()
 IssueTable::IssueTable(MainWinController &document, QWidget *parent)
     : QWidget(parent)
     , m_document(document)
-    , m_table(named(new QTableWidget(this), u"issueTable"_s, u"What the service said"_s))
+    , m_table(named(new QTableWidget(this), u"issueTable"_s, tr("What the service said")))
 {
     m_table->setColumnCount(int(columns().size()));
     m_table->setHorizontalHeaderLabels(headings());
@@ -54,7 +54,7 @@ IssueTable::IssueTable(MainWinController &document, QWidget *parent)
     m_table->setSelectionBehavior(QAbstractItemView::SelectRows);
     m_table->setEditTriggers(QAbstractItemView::NoEditTriggers);
     m_table->setTabKeyNavigation(false);
-    auto *const copy = new QAction(u"Copy"_s, m_table);
+    auto *const copy = new QAction(tr("Copy"), m_table);
     copy->setShortcut(QKeySequence::Copy);
     copy->setShortcutContext(Qt::WidgetShortcut);
     connect(copy, &QAction::triggered, this, &IssueTable::copySelection);

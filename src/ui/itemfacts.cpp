@@ -4,6 +4,7 @@
 #include "platform/bundle.h"
 #include "platform/fileservice.h"
 #include "run/item.h"
+#include "ui/shown.h"
 
 using namespace Qt::StringLiterals;
 
@@ -13,18 +14,18 @@ QString nameOf(ItemKind kind)
 {
     switch (kind) {
     case ItemKind::app:
-        return u"Application"_s;
+        return QObject::tr("Application");
     case ItemKind::plugin:
     case ItemKind::fmplugin:
-        return u"Plug-in"_s;
+        return QObject::tr("Plug-in");
     case ItemKind::pkg:
-        return u"Installer package"_s;
+        return QObject::tr("Installer package");
     case ItemKind::dmg:
-        return u"Disk image"_s;
+        return QObject::tr("Disk image");
     case ItemKind::other:
         break;
     }
-    return u"Item"_s;
+    return QObject::tr("Item");
 }
 
 } // namespace
@@ -38,16 +39,16 @@ QString itemfacts::describe(const platform::FileService &files, const QString &p
         facts.append(identifier);
     const QString version = platform::informationText(files, path, u"CFBundleShortVersionString"_s);
     if (!version.isEmpty())
-        facts.append(u"version "_s + version);
+        facts.append(QObject::tr("version %1").arg(version));
     return facts.join(u" · "_s);
 }
 
 QString itemfacts::intention(MainWinController &document, const QString &path)
 {
-    const QString signedBy = u"will be signed by "_s + document.identitiesPopup.titleOfSelectedItem();
+    const QString identity = shown(document.identitiesPopup.titleOfSelectedItem());
     if (!isBundleKind(itemKind(path)))
-        return signedBy + u" and uploaded as it is"_s;
-    return signedBy
-        + (document.createDiskImageCheckbox.isOn() ? u" and uploaded as a disk image"_s
-                                                   : u" and uploaded as a zip archive"_s);
+        return QObject::tr("will be signed by %1 and uploaded as it is").arg(identity);
+    if (document.createDiskImageCheckbox.isOn())
+        return QObject::tr("will be signed by %1 and uploaded as a disk image").arg(identity);
+    return QObject::tr("will be signed by %1 and uploaded as a zip archive").arg(identity);
 }

@@ -10,6 +10,7 @@
 #include "ui/itemicon.h"
 #include "ui/keepplace.h"
 #include "ui/named.h"
+#include "ui/profilebutton.h"
 #include "ui/progresstext.h"
 #include "ui/statuspill.h"
 
@@ -33,10 +34,10 @@ constexpr qreal itemNameScale = 1.35;
 ItemHeader::ItemHeader(MainWinController &document, QWidget *parent)
     : QWidget(parent)
     , m_document(document)
-    , m_icon(named(new QLabel(this), u"itemIcon"_s, u"Icon of the item"_s))
+    , m_icon(named(new QLabel(this), u"itemIcon"_s, tr("Icon of the item")))
     , m_statusWord(new StatusPill(this))
     , m_progressText(named(new ElidedLabel(this), u"progressText"_s, tr("What is going on")))
-    , m_facts(named(new ElidedLabel(this), u"itemFacts"_s, u"About the item"_s))
+    , m_facts(named(new ElidedLabel(this), u"itemFacts"_s, tr("About the item")))
     , m_seconds(*this, interval, [this] { showProgress(); })
 {
     m_statusWord->setObjectName(u"statusString"_s);
@@ -44,6 +45,7 @@ ItemHeader::ItemHeader(MainWinController &document, QWidget *parent)
     row->setContentsMargins(0, 0, 0, 0);
     row->addWidget(m_icon);
     row->addWidget(makeLines(), 1);
+    row->addWidget(new ProfileButton(document, this));
     row->addWidget(makeProgress());
     row->addWidget(makeCancelButton());
     for (Control *const control :
@@ -86,12 +88,12 @@ void ItemHeader::setStatusWord(const QString &word)
 
 QWidget *ItemHeader::makeItemName()
 {
-    auto *const name = named(new QLineEdit(this), u"appletNameField"_s, u"Item"_s);
+    auto *const name = named(new QLineEdit(this), u"appletNameField"_s, tr("Item"));
     name->setReadOnly(true);
     name->setFrame(false);
     name->setFocusPolicy(Qt::ClickFocus); // nothing can be typed there
     name->setAcceptDrops(false);
-    name->setPlaceholderText(u"No item chosen"_s);
+    name->setPlaceholderText(tr("No item chosen"));
     QPalette palette = name->palette();
     palette.setColor(QPalette::Base, Qt::transparent);
     name->setPalette(palette);
@@ -108,7 +110,7 @@ QWidget *ItemHeader::makeProgress()
     auto *const place = new QWidget(this);
     place->setFixedWidth(fontMetrics().averageCharWidth() * charactersOfProgress);
     m_progressText->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    m_progress = named(new BusyBar(place), u"progressIndicator"_s, u"Progress"_s);
+    m_progress = named(new BusyBar(place), u"progressIndicator"_s, tr("Progress"));
     keepPlace(*m_progress);
     bindings::bind(*m_progress, m_document.progressIndicator);
     auto *const rows = new QVBoxLayout(place);
@@ -139,8 +141,8 @@ void ItemHeader::showProgress()
 
 QPushButton *ItemHeader::makeCancelButton()
 {
-    auto *const cancel = named(new QPushButton(u"Cancel"_s, this), u"cancelButton"_s, u"Cancel"_s);
-    cancel->setToolTip(u"Stops the run in progress (Ctrl+.)"_s);
+    auto *const cancel = named(new QPushButton(tr("Cancel"), this), u"cancelButton"_s, tr("Cancel"));
+    cancel->setToolTip(tr("Stops the run in progress (Ctrl+.)"));
     cancel->setShortcut(QKeySequence(u"Ctrl+."_s));
     cancel->setAutoDefault(false);
     keepPlace(*cancel);

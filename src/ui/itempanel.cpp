@@ -1,6 +1,7 @@
 #include "ui/itempanel.h"
 
 #include "platform/itempath.h"
+#include "ui/shown.h"
 
 #include <QApplication>
 #include <QFileSystemModel>
@@ -50,7 +51,7 @@ private:
 } // namespace
 
 ItemPanel::ItemPanel(const platform::OpenPanel &panel, const QString &folder, QWidget *parent)
-    : QFileDialog(parent, panel.message, folder)
+    : QFileDialog(parent, shown(panel.message), folder)
     , m_panel(panel)
 {
     setOption(DontUseNativeDialog);

@@ -5,6 +5,7 @@
 #include "ui/logview.h"
 #include "ui/named.h"
 #include "ui/settingrows.h"
+#include "ui/shown.h"
 #include "ui/toplevel.h"
 
 #include <QBoxLayout>
@@ -24,13 +25,14 @@ constexpr int leastLogLines = 8;
 LogPane::LogPane(MainWinController &document, QWidget *parent)
     : QWidget(parent)
     , m_document(document)
-    , m_log(named(new LogView(document.statusTextView, this), u"statusTextView"_s, u"Log"_s))
+    , m_log(named(new LogView(document.statusTextView, this), u"statusTextView"_s, tr("Log")))
     , m_findBar(new FindBar(*m_log, this))
 {
     m_log->setAcceptDrops(false); // files that are dropped here are for the window
     const auto showHint = [this] {
-        m_log->setPlaceholderText(u"Drop an app, plug-in, package or disk image on this window, or press "_s
-                                  + m_document.submitAppButton.title());
+        m_log->setPlaceholderText(
+            tr("Drop an app, plug-in, package or disk image on this window, or press %1")
+                .arg(shown(m_document.submitAppButton.title())));
     };
     connect(&document.submitAppButton, &Control::changed, m_log, showHint);
     showHint();
@@ -45,12 +47,12 @@ LogPane::LogPane(MainWinController &document, QWidget *parent)
 void LogPane::addCaption(QBoxLayout &rows)
 {
     auto *const row = new QHBoxLayout;
-    row->addWidget(settingrows::makeHeading(this, u"Lo&g"_s, *m_log));
+    row->addWidget(settingrows::makeHeading(this, tr("Lo&g"), *m_log));
     row->addWidget(makeFilter());
     row->addStretch(1);
     row->addWidget(settingrows::makeCheckbox(
         this, m_document,
-        {&DocumentControls::dontClearCheckbox, u"dontClearCheckbox"_s, u"&Keep log between runs"_s, {}}));
+        {&DocumentControls::dontClearCheckbox, u"dontClearCheckbox"_s, tr("&Keep log between runs"), {}}));
     QWidget *const clear = makeClearButton();
     row->addWidget(clear);
     rows.addLayout(row);
@@ -78,9 +80,9 @@ QWidget *LogPane::makeFilter()
 
 QWidget *LogPane::makeClearButton()
 {
-    auto *const clear = named(new QToolButton(this), u"clearLogButton"_s, u"Clear"_s);
-    clear->setText(u"Clear"_s);
-    clear->setToolTip(u"Empties the log of this window, not the one in the item's folder"_s);
+    auto *const clear = named(new QToolButton(this), u"clearLogButton"_s, tr("Clear"));
+    clear->setText(tr("Clear"));
+    clear->setToolTip(tr("Empties the log of this window, not the one in the item's folder"));
     clear->setFocusPolicy(Qt::TabFocus);
     connect(clear, &QToolButton::clicked, this, [this] { m_document.perform(Action::doClearStatus); });
     return clear;

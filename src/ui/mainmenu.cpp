@@ -5,9 +5,11 @@
 #include "ui/editcommands.h"
 #include "ui/findbar.h"
 #include "ui/framewindow.h"
+#include "ui/keychainwindow.h"
 #include "ui/menuitems.h"
 #include "ui/preferenceswindow.h"
 #include "ui/settingrows.h"
+#include "ui/shown.h"
 #include "ui/widgetwindow.h"
 
 #include <QAction>
@@ -41,7 +43,7 @@ MainMenu::MainMenu(FrameWindow &frame)
 
 void MainMenu::addFileMenu()
 {
-    QMenu &file = addMenu(u"&File"_s, u"fileMenu"_s);
+    QMenu &file = addMenu(tr("&File"), u"fileMenu"_s);
     addNewItems(file);
     file.addSeparator();
     addWorkflows(file);
@@ -52,10 +54,10 @@ void MainMenu::addFileMenu()
         if (!m_frame.selected().hasSheet())
             m_frame.selected().saveLog();
     });
-    addCommand(file, u"Page Set&up…"_s, QKeySequence(u"Ctrl+Shift+P"_s), Action::doRunPageLayout);
-    addCommand(file, u"&Print Log…"_s, QKeySequence(u"Ctrl+P"_s), Action::doPrint);
+    addCommand(file, tr("Page Set&up…"), QKeySequence(u"Ctrl+Shift+P"_s), Action::doRunPageLayout);
+    addCommand(file, tr("&Print Log…"), QKeySequence(u"Ctrl+P"_s), Action::doPrint);
     file.addSeparator();
-    addItem(file, u"&Quit"_s, QKeySequence(u"Ctrl+Q"_s),
+    addItem(file, tr("&Quit"), QKeySequence(u"Ctrl+Q"_s),
             [this] { document().host().application.terminate(); });
 }
 
@@ -66,21 +68,22 @@ void MainMenu::addNewItems(QMenu &menu)
             addItem(menu, text, shortcut, [this, tag] { document().appDelegate().newDocument(tag); });
         item->setData(tag);
     };
-    add(u"&New"_s, QKeySequence(u"Ctrl+N"_s), asTheDesktopLikes);
-    add(u"New &Window"_s, QKeySequence(u"Ctrl+Shift+N"_s), asSeparateWindow);
-    add(u"New &Tab"_s, QKeySequence(u"Ctrl+T"_s), asTab);
+    add(tr("&New"), QKeySequence(u"Ctrl+N"_s), asTheDesktopLikes);
+    add(tr("New &Window"), QKeySequence(u"Ctrl+Shift+N"_s), asSeparateWindow);
+    add(tr("New &Tab"), QKeySequence(u"Ctrl+T"_s), asTab);
 }
 
 void MainMenu::addWorkflows(QMenu &menu)
 {
-    QAction *const submit = addCommand(menu, u"&Submit…"_s, QKeySequence(u"Ctrl+Return"_s), Action::doSubmit);
+    QAction *const submit =
+        addCommand(menu, tr("&Submit…"), QKeySequence(u"Ctrl+Return"_s), Action::doSubmit);
     connect(submit, &QAction::triggered, this, &MainMenu::submitDroppedItem);
-    addCommand(menu, u"Si&gn Only…"_s, QKeySequence(u"Ctrl+Shift+Return"_s), Action::doSignOnly);
+    addCommand(menu, tr("Si&gn Only…"), QKeySequence(u"Ctrl+Shift+Return"_s), Action::doSignOnly);
     // The button of that name has this key; two owners of one key would each keep it from the other.
-    addCommand(menu, u"Staple &Only…\tCtrl+O"_s, {}, Action::doStapleOnly);
-    addCommand(menu, u"Go On Wa&iting…"_s, {}, Action::doGoOnWaiting);
+    addCommand(menu, tr("Staple &Only…\tCtrl+O"), {}, Action::doStapleOnly);
+    addCommand(menu, tr("Go On Wa&iting…"), {}, Action::doGoOnWaiting);
     addAgainItem(menu);
-    addCommand(menu, u"C&ancel\tCtrl+."_s, {}, Action::doCancel);
+    addCommand(menu, tr("C&ancel\tCtrl+."), {}, Action::doCancel);
 }
 
 /// While a dropped item waits the menu's item is off, but its key goes on standing for the button.
@@ -98,20 +101,20 @@ void MainMenu::addAgainItem(QMenu &menu)
         return present->action != Action::none && isOffered(present->action);
     };
     QAction *const item =
-        addItem(menu, u"Submit Again"_s, QKeySequence(u"Ctrl+R"_s), [this, present, isPossible] {
+        addItem(menu, tr("Submit Again"), QKeySequence(u"Ctrl+R"_s), [this, present, isPossible] {
             if (isPossible())
                 document().perform(present->action);
         });
     item->setObjectName(u"doAgainMenuItem"_s);
     offerWhileOpen(menu, *item, isPossible);
-    connect(&menu, &QMenu::aboutToShow, item, [item, present] { item->setText(present->title); });
+    connect(&menu, &QMenu::aboutToShow, item, [item, present] { item->setText(shown(present->title)); });
 }
 
 void MainMenu::addCloseItems(QMenu &menu)
 {
-    addItem(menu, u"&Close"_s, QKeySequence(u"Ctrl+W"_s), [this] { m_frame.selected().performClose(); });
-    addCommand(menu, u"Close All Ta&bs"_s, QKeySequence(u"Ctrl+Shift+W"_s), Action::doCloseWindow);
-    addItem(menu, u"Close A&ll"_s, QKeySequence(u"Ctrl+Alt+W"_s),
+    addItem(menu, tr("&Close"), QKeySequence(u"Ctrl+W"_s), [this] { m_frame.selected().performClose(); });
+    addCommand(menu, tr("Close All Ta&bs"), QKeySequence(u"Ctrl+Shift+W"_s), Action::doCloseWindow);
+    addItem(menu, tr("Close A&ll"), QKeySequence(u"Ctrl+Alt+W"_s),
             [this] { document().appDelegate().doCloseAll(); });
 }
 
@@ -119,30 +122,33 @@ void MainMenu::addCloseItems(QMenu &menu)
 
 void MainMenu::addEditMenu()
 {
-    QMenu &edit = addMenu(u"&Edit"_s, u"editMenu"_s);
+    QMenu &edit = addMenu(tr("&Edit"), u"editMenu"_s);
     new EditCommands(m_frame, edit);
     edit.addSeparator();
     addFindItems(edit);
-    addCommand(edit, u"C&lear Log"_s, QKeySequence(u"Ctrl+K"_s), Action::doClearStatus);
+    addCommand(edit, tr("C&lear Log"), QKeySequence(u"Ctrl+K"_s), Action::doClearStatus);
     edit.addSeparator();
     addDefaultsItems(edit);
     edit.addSeparator();
-    addItem(edit, u"Settin&gs…"_s, QKeySequence(u"Ctrl+,"_s),
-            [this] { PreferencesWindow::present(document().host().preferences); });
+    addItem(edit, tr("Settin&gs…"), QKeySequence(u"Ctrl+,"_s), [this] {
+        PreferencesWindow::present(
+            document().host().preferences,
+            KeychainTools(document().host(), document().appDelegate().keychainProgram()));
+    });
 }
 
 void MainMenu::addFindItems(QMenu &menu)
 {
     const auto findBar = [this]() -> FindBar & { return m_frame.selected().page().findBar(); };
-    addItem(menu, u"&Find…"_s, QKeySequence(u"Ctrl+F"_s), [findBar] { findBar().open(); });
-    addItem(menu, u"Find &Next"_s, QKeySequence(u"F3"_s), [findBar] { findBar().findNext(); });
-    addItem(menu, u"Find Pre&vious"_s, QKeySequence(u"Shift+F3"_s), [findBar] { findBar().findPrevious(); });
+    addItem(menu, tr("&Find…"), QKeySequence(u"Ctrl+F"_s), [findBar] { findBar().open(); });
+    addItem(menu, tr("Find &Next"), QKeySequence(u"F3"_s), [findBar] { findBar().findNext(); });
+    addItem(menu, tr("Find Pre&vious"), QKeySequence(u"Shift+F3"_s), [findBar] { findBar().findPrevious(); });
 }
 
 void MainMenu::addDefaultsItems(QMenu &menu)
 {
-    addCommand(menu, u"&Set Document Defaults…"_s, {}, Action::doSetDocumentDefaults);
-    addItem(menu, u"&Reset Document Defaults…"_s, {},
+    addCommand(menu, tr("&Set Document Defaults…"), {}, Action::doSetDocumentDefaults);
+    addItem(menu, tr("&Reset Document Defaults…"), {},
             [this] { document().appDelegate().doResetDocumentDefaults(); });
 }
 
@@ -150,40 +156,58 @@ void MainMenu::addDefaultsItems(QMenu &menu)
 
 void MainMenu::addAccountMenu()
 {
-    QMenu &account = addMenu(u"&Account"_s, u"accountMenu"_s);
-    addCommand(account, u"Fetch &History"_s, QKeySequence(u"Ctrl+H"_s), Action::doFetchHistory);
+    QMenu &account = addMenu(tr("&Account"), u"accountMenu"_s);
+    addCommand(account, tr("Fetch &History"), QKeySequence(u"Ctrl+H"_s), Action::doFetchHistory);
     account.addSeparator();
-    addCommand(account, u"Info for the &Last Upload"_s, QKeySequence(u"Ctrl+I"_s),
+    addCommand(account, tr("Info for the &Last Upload"), QKeySequence(u"Ctrl+I"_s),
                Action::doInfoForUUIDOfLastUpload);
-    addCommand(account, u"Info for the UUID on the &Clipboard"_s, QKeySequence(u"Ctrl+Shift+I"_s),
+    addCommand(account, tr("Info for the UUID on the &Clipboard"), QKeySequence(u"Ctrl+Shift+I"_s),
                Action::doInfoForUUIDOnClipboard);
-    addCommand(account, u"Info for the UUID in a &File…"_s, {}, Action::doInfoForUUIDInFile);
+    addCommand(account, tr("Info for the UUID in a &File…"), {}, Action::doInfoForUUIDInFile);
     account.addSeparator();
-    addCommand(account, u"Choose &Provider Short Name…"_s, {}, Action::doListProviderShortnames);
+    addCommand(account, tr("Choose &Provider Short Name…"), {}, Action::doListProviderShortnames);
+    addKeychainItems(account);
+}
+
+/// Only where the keychain is the tool root's: others have programs of their own.
+void MainMenu::addKeychainItems(QMenu &account)
+{
+    QAction *const separator = account.addSeparator();
+    QAction *const setUp = addItem(account, tr("Set &Up…"), {}, [this] {
+        if (!m_frame.selected().hasSheet())
+            m_frame.selected().beginSetup(SetupRoad::practice);
+    });
+    QAction *const keychain = addItem(account, tr("&Keychain…"), {}, [this] {
+        KeychainWindow::present(document().host(), document().appDelegate().keychainProgram());
+    });
+    connect(&account, &QMenu::aboutToShow, this, [this, separator, setUp, keychain] {
+        for (QAction *const item : {separator, setUp, keychain})
+            item->setVisible(!document().appDelegate().keychainProgram().isEmpty());
+    });
 }
 
 // Window and help
 
 void MainMenu::addWindowMenu()
 {
-    QMenu &window = addMenu(u"&Window"_s, u"windowMenu"_s);
+    QMenu &window = addMenu(tr("&Window"), u"windowMenu"_s);
     window.addActions(m_frame.actions());
-    window.addAction(u"M&erge All Windows"_s, &m_frame, &FrameWindow::mergeAllFrames);
+    window.addAction(tr("M&erge All Windows"), &m_frame, &FrameWindow::mergeAllFrames);
 }
 
 void MainMenu::addHelpMenu()
 {
-    QMenu &help = addMenu(u"&Help"_s, u"helpMenu"_s);
-    addCommand(help, u"&App-Specific Password"_s, {}, Action::doAppPassHelp);
-    addCommand(help, u"&Provider Short Name"_s, {}, Action::doTeamProviderHelp);
-    addCommand(help, u"&Extra Entitlements"_s, {}, Action::doExtraEntitlementsHelp);
-    addCommand(help, u"&Disk Image Options"_s, {}, Action::doDropDMGHelp);
+    QMenu &help = addMenu(tr("&Help"), u"helpMenu"_s);
+    addCommand(help, tr("&App-Specific Password"), {}, Action::doAppPassHelp);
+    addCommand(help, tr("&Provider Short Name"), {}, Action::doTeamProviderHelp);
+    addCommand(help, tr("&Extra Entitlements"), {}, Action::doExtraEntitlementsHelp);
+    addCommand(help, tr("&Disk Image Options"), {}, Action::doDropDMGHelp);
     help.addSeparator();
-    addItem(help, u"&Website"_s, {}, [this] { document().appDelegate().doVisitOurWebsite(); });
-    addItem(help, u"Users' &Forum"_s, {}, [this] { document().appDelegate().doShowUsersForum(); });
-    addItem(help, u"&Send Us Email"_s, {}, [this] { document().appDelegate().doSendUsEmail(); });
+    addItem(help, tr("&Website"), {}, [this] { document().appDelegate().doVisitOurWebsite(); });
+    addItem(help, tr("Users' &Forum"), {}, [this] { document().appDelegate().doShowUsersForum(); });
+    addItem(help, tr("&Send Us Email"), {}, [this] { document().appDelegate().doSendUsEmail(); });
     help.addSeparator();
-    addItem(help, u"A&bout Sealwright"_s, {}, [this] { document().appDelegate().doShowAboutPanel(); });
+    addItem(help, tr("A&bout Sealwright"), {}, [this] { document().appDelegate().doShowAboutPanel(); });
     auto *const key = new QShortcut(QKeySequence::HelpContents, &m_frame);
     connect(key, &QShortcut::activated, this, [this, &help] { showHelp(help); });
 }

@@ -30,6 +30,7 @@ private:
     void addFindItems(QMenu &menu);
     void addDefaultsItems(QMenu &menu);
     void addAccountMenu();
+    void addKeychainItems(QMenu &account);
     void addWindowMenu();
     void addHelpMenu();
     void showHelp(QMenu &all);

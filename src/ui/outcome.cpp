@@ -32,7 +32,7 @@ QString reasonOf(const LastWords &words)
 
 RunOutcome waiting(const StepList &steps)
 {
-    return {RunOutcome::Kind::waiting, u"Waiting for Apple's verdict"_s, waitText(*steps.wait())};
+    return {RunOutcome::Kind::waiting, QObject::tr("Waiting for Apple's verdict"), waitText(*steps.wait())};
 }
 
 RunOutcome failure(const StepList::Row &row, const LastWords &words)
@@ -46,8 +46,9 @@ RunOutcome failure(const StepList::Row &row, const LastWords &words)
 RunOutcome success(const StepList &steps, const LastWords &words)
 {
     if (steps.rows().last().step == step::staple)
-        return {RunOutcome::Kind::notarized, u"Notarized"_s, words.item + u" is notarized and stapled."_s};
-    return {RunOutcome::Kind::isSigned, u"Signed"_s, words.item + u" is signed."_s};
+        return {RunOutcome::Kind::notarized, QObject::tr("Notarized"),
+                QObject::tr("%1 is notarized and stapled.").arg(words.item)};
+    return {RunOutcome::Kind::isSigned, QObject::tr("Signed"), QObject::tr("%1 is signed.").arg(words.item)};
 }
 
 } // namespace
@@ -61,7 +62,7 @@ RunOutcome outcomeOf(const StepList &steps, const LastWords &words)
     if (const StepList::Row *const failed = firstIn(steps, StepState::failed))
         return failure(*failed, words);
     if (firstIn(steps, StepState::cancelled))
-        return {RunOutcome::Kind::cancelled, u"Cancelled"_s, words.alertText};
+        return {RunOutcome::Kind::cancelled, QObject::tr("Cancelled"), words.alertText};
     if (steps.rows().last().state == StepState::done)
         return success(steps, words);
     return {};

@@ -12,6 +12,7 @@
 #include "ui/named.h"
 #include "ui/progresstext.h"
 #include "ui/runsign.h"
+#include "ui/shown.h"
 
 #include <QApplication>
 #include <QBoxLayout>
@@ -83,17 +84,18 @@ OutcomeBanner::OutcomeBanner(MainWinController &document, QWidget *parent)
     , m_recentWaits(makeLabel(this, u"outcomeRecentWaits"_s))
     , m_seconds(*this, interval, [this] { follow(); })
 {
-    named(this, u"outcomeBanner"_s, u"Outcome"_s);
+    named(this, u"outcomeBanner"_s, tr("Outcome"));
     auto *const row = new QHBoxLayout(this);
     row->setContentsMargins(2 * edge + row->spacing(), edge + 2, row->spacing() + 2, edge + 2);
     row->addWidget(m_sign);
     addTexts(*row);
     m_showInFolder =
-        addButton(*row, u"outcomeShowInFolder"_s, u"Show in Folder"_s, &OutcomeBanner::showInFolder);
+        addButton(*row, u"outcomeShowInFolder"_s, tr("Show in Folder"), &OutcomeBanner::showInFolder);
     m_copyIdentifier =
-        addButton(*row, u"outcomeCopyIdentifier"_s, u"Copy Identifier"_s, &OutcomeBanner::copyIdentifier);
-    m_goOnWaiting = addButton(*row, u"outcomeGoOnWaiting"_s, u"Go On Waiting"_s, &OutcomeBanner::goOnWaiting);
-    m_tryAgain = addButton(*row, u"outcomeTryAgain"_s, u"Try Again"_s, &OutcomeBanner::tryAgain);
+        addButton(*row, u"outcomeCopyIdentifier"_s, tr("Copy Identifier"), &OutcomeBanner::copyIdentifier);
+    m_goOnWaiting =
+        addButton(*row, u"outcomeGoOnWaiting"_s, tr("Go On Waiting"), &OutcomeBanner::goOnWaiting);
+    m_tryAgain = addButton(*row, u"outcomeTryAgain"_s, tr("Try Again"), &OutcomeBanner::tryAgain);
     m_newDocument = addButton(*row, u"outcomeNewDocument"_s, tr("New Document"), &OutcomeBanner::newDocument);
     connect(&document.stepList, &Observable::changed, this, &OutcomeBanner::follow);
     connect(&document.progressIndicator, &Control::changed, this, [this] {
@@ -175,14 +177,14 @@ void OutcomeBanner::show(const RunOutcome &outcome)
     if (outcome == m_outcome)
         return;
     m_outcome = outcome;
-    m_title->setText(outcome.title);
-    m_sentence->setText(outcome.sentence.trimmed());
+    m_title->setText(shown(outcome.title));
+    m_sentence->setText(shown(outcome.sentence.trimmed()));
     m_sentence->setVisible(!outcome.sentence.trimmed().isEmpty());
     const bool isWaiting = outcome.kind == RunOutcome::Kind::waiting;
     const QString waits = progresstext::recentWaits(recentwaits::range(m_document.host().preferences));
     m_recentWaits->setText(isWaiting ? waits : QString());
     m_recentWaits->setVisible(isWaiting && !waits.isEmpty());
-    setAccessibleDescription(outcome.title + u". "_s + outcome.sentence);
+    setAccessibleDescription(m_title->text() + u". "_s + m_sentence->text());
     colour();
     showButtons();
     setVisible(outcome.kind != RunOutcome::Kind::none);

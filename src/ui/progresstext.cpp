@@ -1,5 +1,6 @@
 #include "ui/progresstext.h"
 
+#include "ui/shown.h"
 #include "ui/steplistmodel.h"
 
 #include <QCoreApplication>
@@ -13,20 +14,16 @@ constexpr qint64 bytesPerMegabyte = 1'000'000;
 constexpr double bytesOfARate = 1e6;
 constexpr qint64 secondsPerMinute = 60;
 
-QString translated(const char *text)
-{
-    return QCoreApplication::translate("Progress", text);
-}
-
 QString megabytes(const StepList::Parts &parts, qint64 seconds)
 {
-    const QString sizes = translated("%1 of %2 MB")
+    const QString sizes = QCoreApplication::translate("Progress", "%1 of %2 MB")
                               .arg(parts.done / bytesPerMegabyte)
                               .arg((parts.all + bytesPerMegabyte - 1) / bytesPerMegabyte);
     if (seconds <= 0 || parts.done == 0)
         return sizes;
     const double rate = double(parts.done) / double(seconds) / bytesOfARate;
-    return translated("%1 at %2 MB/s").arg(sizes, QLocale().toString(rate, 'f', rate < 10 ? 1 : 0));
+    return QCoreApplication::translate("Progress", "%1 at %2 MB/s")
+        .arg(sizes, QLocale().toString(rate, 'f', rate < 10 ? 1 : 0));
 }
 
 qint64 minutes(qint64 seconds)
@@ -40,8 +37,9 @@ QString progresstext::parts(const StepList::Parts &parts, qint64 seconds)
 {
     if (parts.all <= 0)
         return {};
-    return parts.unit == StepList::Parts::Unit::bytes ? megabytes(parts, seconds)
-                                                      : translated("%1 of %2").arg(parts.done).arg(parts.all);
+    return parts.unit == StepList::Parts::Unit::bytes
+        ? megabytes(parts, seconds)
+        : QCoreApplication::translate("Progress", "%1 of %2").arg(parts.done).arg(parts.all);
 }
 
 QString progresstext::present(const StepList &steps)
@@ -50,9 +48,12 @@ QString progresstext::present(const StepList &steps)
     if (!row)
         return {};
     if (steps.wait() && steps.wait()->nextPoll.isValid())
-        return translated("Next check in %1").arg(durationText(steps.secondsToPoll()));
+        return QCoreApplication::translate("Progress", "Next check in %1")
+            .arg(durationText(steps.secondsToPoll()));
     const QString known = parts(row->parts, steps.duration(*row));
-    return known.isEmpty() ? stepName(row->step) : translated("%1, %2").arg(stepName(row->step), known);
+    return known.isEmpty()
+        ? shown(stepName(row->step))
+        : QCoreApplication::translate("Progress", "%1, %2").arg(shown(stepName(row->step)), known);
 }
 
 QString progresstext::recentWaits(const std::optional<recentwaits::Range> &range)
@@ -62,7 +63,10 @@ QString progresstext::recentWaits(const std::optional<recentwaits::Range> &range
     const qint64 from = minutes(range->shortest);
     const qint64 to = minutes(range->longest);
     if (from == to)
-        return from == 1 ? translated("Such waits took about a minute lately.")
-                         : translated("Such waits took about %1 minutes lately.").arg(from);
-    return translated("Such waits took %1 to %2 minutes lately.").arg(from).arg(to);
+        return from == 1
+            ? QCoreApplication::translate("Progress", "Such waits took about a minute lately.")
+            : QCoreApplication::translate("Progress", "Such waits took about %1 minutes lately.").arg(from);
+    return QCoreApplication::translate("Progress", "Such waits took %1 to %2 minutes lately.")
+        .arg(from)
+        .arg(to);
 }

@@ -43,7 +43,7 @@ ProviderNameSheet::ProviderNameSheet(MainWinController &document, QWidget *paren
     : QDialog(parent)
     , m_document(document)
 {
-    setWindowTitle(u"Provider Short Name"_s);
+    setWindowTitle(tr("Provider Short Name"));
     named(this, u"providerSheetWindow"_s, windowTitle());
     setMinimumWidth(fontMetrics().averageCharWidth() * charactersAcross);
     m_pages = new QStackedWidget(this);
@@ -71,7 +71,7 @@ void ProviderNameSheet::reject()
 
 QWidget *ProviderNameSheet::makeWaitingPage()
 {
-    const QString label = u"Asking Apple for your development teams…"_s;
+    const QString label = tr("Asking Apple for your development teams…");
     auto *const page = new QWidget(m_pages);
     auto *const rows = new QVBoxLayout(page);
     auto *const progress = named(new BusyBar(page), u"providerSheetProgress"_s, label);
@@ -84,7 +84,7 @@ QWidget *ProviderNameSheet::makeWaitingPage()
 
 QWidget *ProviderNameSheet::makeChoicePage()
 {
-    const QString label = u"Development team"_s;
+    const QString label = tr("Development team");
     auto *const page = new QWidget(m_pages);
     auto *const rows = new QVBoxLayout(page);
     m_popup = named(new QComboBox(page), u"providerSheetPopup"_s, label);
@@ -116,8 +116,8 @@ QWidget *ProviderNameSheet::makeMessagePage()
 QDialogButtonBox *ProviderNameSheet::makeButtons()
 {
     auto *const buttons = new QDialogButtonBox(this);
-    m_ok = named(new LetterButton(u"OK"_s, buttons), u"providerSheetOK"_s, u"OK"_s);
-    m_cancel = named(new LetterButton(u"Cancel"_s, buttons), u"providerSheetCancel"_s, u"Cancel"_s);
+    m_ok = named(new LetterButton(tr("OK"), buttons), u"providerSheetOK"_s, tr("OK"));
+    m_cancel = named(new LetterButton(tr("Cancel"), buttons), u"providerSheetCancel"_s, tr("Cancel"));
     buttons->addButton(m_ok, QDialogButtonBox::AcceptRole);
     buttons->addButton(m_cancel, QDialogButtonBox::RejectRole);
     connect(buttons, &QDialogButtonBox::accepted, this, &ProviderNameSheet::accept);
@@ -132,7 +132,7 @@ void ProviderNameSheet::showButtonsOfPage(int page)
     if (page == choicePage)
         m_popup->setFocus(); // Return then takes the choice
     (page == choicePage ? m_ok : m_cancel)->setDefault(true);
-    m_cancel->setText(page == messagePage ? u"Close"_s : u"Cancel"_s);
+    m_cancel->setText(page == messagePage ? tr("Close") : tr("Cancel"));
     m_cancel->setAccessibleName(m_cancel->text());
     LetterButton::assignLetters({m_ok, m_cancel});
 }

@@ -38,7 +38,7 @@ QLineEdit *settingrows::makeTextField(QWidget *parent, MainWinController &docume
 QToolButton *settingrows::makeHelpButton(QWidget *parent, MainWinController &document, Action help,
                                          const QString &name, const QString &subject)
 {
-    auto *const button = named(new QToolButton(parent), name, u"Help: "_s + subject);
+    auto *const button = named(new QToolButton(parent), name, QObject::tr("Help: %1").arg(subject));
     button->setText(u"?"_s);
     button->setToolTip(button->accessibleName() + u" (F1)"_s);
     button->setFocusPolicy(Qt::TabFocus);

@@ -12,10 +12,10 @@ using namespace Qt::StringLiterals;
 SidePane::SidePane(MainWinController &document, QWidget *parent)
     : QTabWidget(parent)
 {
-    named(this, u"sidePane"_s, u"Steps and findings"_s);
+    named(this, u"sidePane"_s, tr("Steps and findings"));
     setDocumentMode(true);
-    addTab(new StepPane(document, this), u"Steps"_s);
-    addTab(new ExaminePane(document, this), u"Examine"_s);
-    addTab(new IssueTable(document, this), u"Issues"_s);
+    addTab(new StepPane(document, this), tr("Steps"));
+    addTab(new ExaminePane(document, this), tr("Examine"));
+    addTab(new IssueTable(document, this), tr("Issues"));
     addTab(new HistoryPane(document, this), tr("History"));
 }

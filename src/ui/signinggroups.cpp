@@ -1,7 +1,11 @@
 #include "ui/signinggroups.h"
 
+#include "app/keychaintools.h"
+#include "document/applicationinterface.h"
+#include "document/credentialfields.h"
 #include "document/mainwincontroller.h"
 #include "ui/bindings.h"
+#include "ui/fieldhint.h"
 #include "ui/settingrows.h"
 #include "ui/toplevel.h"
 
@@ -52,35 +56,85 @@ QComboBox *makePopup(QWidget *parent, Popup &popup, const QString &name)
 // Credentials
 
 CredentialsGroup::CredentialsGroup(MainWinController &document, QWidget *parent)
-    : QGroupBox(u"Credentials"_s, parent)
+    : QGroupBox(tr("Credentials"), parent)
     , m_document(document)
 {
     QFormLayout &form = *makeForm(this);
-    const settingrows::TextRow appleID{&DocumentControls::appleIDField, u"appleIDField"_s, u"Apple &ID"_s,
+    const settingrows::TextRow appleID{&DocumentControls::appleIDField, u"appleIDField"_s, tr("Apple &ID"),
                                        u"name@example.com"_s};
     QLineEdit *const field = settingrows::makeTextField(this, document, appleID);
-    form.addRow(settingrows::makeCaption(this, appleID.label, *field), field);
+    m_appleIDHint = new FieldHint(
+        *field,
+        [](const QString &text) {
+            return isMissingAppleID(text) ? tr("Needed for a submission.") : QString();
+        },
+        this);
+    form.addRow(settingrows::makeCaption(this, appleID.label, *field), withHint(field, *m_appleIDHint));
     addPassword(form);
     addProvider(form);
+    connect(&document.submitAppButton, &Control::changed, this, [this] {
+        if (m_document.submitAppButton.action() != Action::doDirectSubmit)
+            return;
+        m_appleIDHint->insist(); // an item waits for them
+        m_passwordHint->insist();
+    });
+}
+
+/// The line with the hint below it.
+QWidget *CredentialsGroup::withHint(QWidget *line, FieldHint &hint)
+{
+    auto *const both = new QWidget(this);
+    auto *const rows = new QVBoxLayout(both);
+    rows->setContentsMargins(0, 0, 0, 0);
+    rows->setSpacing(2);
+    rows->addWidget(line);
+    rows->addWidget(&hint);
+    return both;
 }
 
 void CredentialsGroup::addPassword(QFormLayout &form)
 {
     const settingrows::TextRow row{&DocumentControls::appPassField, u"appPassField"_s,
-                                   u"App-specific &password"_s, u"Name of its keychain item"_s};
+                                   tr("App-specific &password"), tr("Name of its keychain item")};
     QLineEdit *const field = settingrows::makeTextField(this, m_document, row);
-    form.addRow(settingrows::makeCaption(this, row.label, *field),
-                sideBySide(this, Action::doAppPassHelp,
-                           {field,
-                            settingrows::makeHelpButton(this, m_document, Action::doAppPassHelp,
-                                                        u"appPassHelpButton"_s,
-                                                        settingrows::plainLabel(row.label))}));
+    QWidget *const line =
+        sideBySide(this, Action::doAppPassHelp,
+                   {field,
+                    settingrows::makeHelpButton(this, m_document, Action::doAppPassHelp,
+                                                u"appPassHelpButton"_s, settingrows::plainLabel(row.label))});
+    m_passwordHint = new FieldHint(
+        *field,
+        [](const QString &text) {
+            return isMissingPasswordKey(text) ? tr("Needed for a submission: the name of a keychain item.")
+                                              : QString();
+        },
+        this);
+    connect(m_passwordHint, &FieldHint::settled, this, &CredentialsGroup::lookUp);
+    form.addRow(settingrows::makeCaption(this, row.label, *field), withHint(line, *m_passwordHint));
+}
+
+/// Says whether the keychain has such an item, where that is the tool root's.
+void CredentialsGroup::lookUp(const QString &item)
+{
+    const KeychainTools keychain(m_document.host(), m_document.appDelegate().keychainProgram());
+    if (!keychain.isThere())
+        return;
+    const auto tell = [this, item](const KeychainTools::Answer &answer) {
+        if (m_document.appPassField.stringValue() != item)
+            return; // something else has been typed meanwhile
+        if (answer)
+            m_passwordHint->tell(u"✓ "_s + tr("In the keychain."), theme::Meaning::good);
+        else
+            m_passwordHint->tell(tr("Not found in the keychain. Account > Keychain… can add it."),
+                                 theme::Meaning::caution);
+    };
+    keychain.run(keychain::findPassword(item.trimmed()), *this, tell);
 }
 
 void CredentialsGroup::addProvider(QFormLayout &form)
 {
     const settingrows::TextRow row{&DocumentControls::providerNameField, u"providerNameField"_s,
-                                   u"Provider short &name"_s, u"For members of several teams"_s};
+                                   tr("Provider short &name"), tr("For members of several teams")};
     QLineEdit *const field = settingrows::makeTextField(this, m_document, row);
     auto *const choose = new QPushButton(this);
     choose->setObjectName(u"chooseProviderButton"_s);
@@ -99,7 +153,7 @@ void CredentialsGroup::addProvider(QFormLayout &form)
 // Signing
 
 SigningGroup::SigningGroup(MainWinController &document, QWidget *parent)
-    : QGroupBox(u"Signing and Upload"_s, parent)
+    : QGroupBox(tr("Signing and Upload"), parent)
     , m_document(document)
 {
     QFormLayout &form = *makeForm(this);
@@ -110,12 +164,30 @@ SigningGroup::SigningGroup(MainWinController &document, QWidget *parent)
 void SigningGroup::addIdentity(QFormLayout &form)
 {
     QComboBox *const identities = makePopup(this, m_document.identitiesPopup, u"identitiesPopup"_s);
-    form.addRow(settingrows::makeCaption(this, u"Signing iden&tity"_s, *identities), identities);
+    form.addRow(settingrows::makeCaption(this, tr("Signing iden&tity"), *identities), identities);
+    form.addRow(makeIdentityHint());
     form.addRow(settingrows::makeCheckbox(
         this, m_document,
         {&DocumentControls::dontSignEnclosuresCheckbox, u"dontSignEnclosuresCheckbox"_s,
-         u"Sign &main item only"_s,
-         u"Leaves the code that an app or plug-in contains as it is signed now"_s}));
+         tr("Sign &main item only"),
+         tr("Leaves the code that an app or plug-in contains as it is signed now")}));
+}
+
+/// Speaks while no identity can be chosen.
+QWidget *SigningGroup::makeIdentityHint()
+{
+    auto *const hint = new QLabel(tr("There is no Developer ID to sign with."), this);
+    hint->setObjectName(u"identitiesPopupHint"_s);
+    hint->setWordWrap(true);
+    QPalette palette;
+    palette.setColor(QPalette::WindowText, theme::colourOf(theme::Meaning::caution, this->palette()));
+    hint->setPalette(palette);
+    const auto show = [this, hint] {
+        hint->setVisible(m_document.identitiesPopup.titleOfSelectedItem() == noIdentitiesPlaceholder);
+    };
+    connect(&m_document.identitiesPopup, &Control::changed, hint, show);
+    show();
+    return hint;
 }
 
 void SigningGroup::addDiskImage(QFormLayout &form)
@@ -123,12 +195,12 @@ void SigningGroup::addDiskImage(QFormLayout &form)
     QCheckBox *const create =
         settingrows::makeCheckbox(this, m_document,
                                   {&DocumentControls::createDiskImageCheckbox, u"createDiskImageCheckbox"_s,
-                                   u"&Upload as a disk image"_s,
-                                   u"Staples a disk image for distribution, in place of the item itself"_s});
+                                   tr("&Upload as a disk image"),
+                                   tr("Staples a disk image for distribution, in place of the item itself")});
     form.addRow(sideBySide(this, Action::doDropDMGHelp,
                            {create,
                             settingrows::makeHelpButton(this, m_document, Action::doDropDMGHelp,
-                                                        u"dropDMGHelpButton"_s, u"Disk image options"_s)}));
+                                                        u"dropDMGHelpButton"_s, tr("Disk image options"))}));
     QWidget *const dropDMG = makeDropDMG();
     settingrows::setHelp(*dropDMG, Action::doDropDMGHelp);
     form.addRow(dropDMG);
@@ -140,8 +212,8 @@ QWidget *SigningGroup::makeDropDMG()
 {
     QCheckBox *const use = settingrows::makeCheckbox(
         this, m_document,
-        {&DocumentControls::useDropDMGCheckbox, u"useDropDMGCheckbox"_s, u"Made by &DropDMG with"_s,
-         u"Has DropDMG make the disk image to one of its configurations"_s});
+        {&DocumentControls::useDropDMGCheckbox, u"useDropDMGCheckbox"_s, tr("Made by &DropDMG with"),
+         tr("Has DropDMG make the disk image to one of its configurations")});
     QComboBox *const configurations =
         makePopup(this, m_document.dropDMGConfigsPopup, u"dropDMGConfigsPopup"_s);
     configurations->setAccessibleName(use->accessibleName()); // whose words lead to it

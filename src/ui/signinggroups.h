@@ -2,6 +2,7 @@
 
 #include <QGroupBox>
 
+class FieldHint;
 class MainWinController;
 class QFormLayout;
 
@@ -13,10 +14,14 @@ public:
     explicit CredentialsGroup(MainWinController &document, QWidget *parent = nullptr);
 
 private:
+    QWidget *withHint(QWidget *line, FieldHint &hint);
     void addPassword(QFormLayout &form);
     void addProvider(QFormLayout &form);
+    void lookUp(const QString &item);
 
     MainWinController &m_document;
+    FieldHint *m_appleIDHint = nullptr;
+    FieldHint *m_passwordHint = nullptr;
 };
 
 /// With what an item is signed, and in what it is uploaded.
@@ -28,6 +33,7 @@ public:
 
 private:
     void addIdentity(QFormLayout &form);
+    QWidget *makeIdentityHint();
     void addDiskImage(QFormLayout &form);
     QWidget *makeDropDMG();
 

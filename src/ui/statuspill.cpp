@@ -1,6 +1,7 @@
 #include "ui/statuspill.h"
 
 #include "run/status.h"
+#include "ui/shown.h"
 #include "ui/theme.h"
 
 #include <QPainter>
@@ -30,7 +31,7 @@ StatusPill::StatusPill(QWidget *parent)
 
 QSize StatusPill::sizeHint() const
 {
-    return {fontMetrics().horizontalAdvance(widestWord) + 2 * sideRoom, fontMetrics().height() + 4};
+    return {fontMetrics().horizontalAdvance(shown(widestWord)) + 2 * sideRoom, fontMetrics().height() + 4};
 }
 
 void StatusPill::paintEvent(QPaintEvent *)
@@ -43,5 +44,5 @@ void StatusPill::paintEvent(QPaintEvent *)
     painter.setBrush(ground);
     painter.drawRoundedRect(QRectF(rect()), height() / 2.0, height() / 2.0);
     painter.setPen(theme::readable(theme::colourOf(meaning, palette()), ground, theme::leastOfText));
-    painter.drawText(rect(), Qt::AlignCenter, text());
+    painter.drawText(rect(), Qt::AlignCenter, shown(text()));
 }

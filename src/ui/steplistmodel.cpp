@@ -1,6 +1,7 @@
 #include "ui/steplistmodel.h"
 
 #include "ui/progresstext.h"
+#include "ui/shown.h"
 
 #include <QFont>
 
@@ -32,12 +33,13 @@ QString durationText(qint64 seconds)
 QString waitText(const StepList::Wait &wait)
 {
     const QString next = wait.nextPoll.isValid()
-        ? u"Next check at %1"_s.arg(wait.nextPoll.toString(u"HH:mm:ss"_s))
-        : u"Checking now"_s;
+        ? QObject::tr("Next check at %1").arg(wait.nextPoll.toString(u"HH:mm:ss"_s))
+        : QObject::tr("Checking now");
     if (wait.polls == 0)
         return next;
-    const QString checks = wait.polls == 1 ? u"1 check"_s : u"%1 checks"_s.arg(wait.polls);
-    const QString failed = wait.failures == 0 ? QString() : u", %1 failed"_s.arg(wait.failures);
+    const QString checks =
+        wait.polls == 1 ? QObject::tr("1 check") : QObject::tr("%1 checks").arg(wait.polls);
+    const QString failed = wait.failures == 0 ? QString() : QObject::tr(", %1 failed").arg(wait.failures);
     return next + u" · "_s + checks + failed;
 }
 
@@ -65,11 +67,11 @@ QVariant StepListModel::data(const QModelIndex &index, int role) const
     const StepList::Row &row = m_rows.at(index.row());
     switch (role) {
     case Qt::DisplayRole:
-        return stepName(row.step);
+        return shown(stepName(row.step));
     case Qt::AccessibleTextRole:
         return spokenText(row);
     case Qt::ToolTipRole:
-        return row.began.isValid() ? u"Began at %1"_s.arg(row.began.toString(u"HH:mm:ss"_s)) : QVariant();
+        return row.began.isValid() ? tr("Began at %1").arg(row.began.toString(u"HH:mm:ss"_s)) : QVariant();
     case stateRole:
         return QVariant::fromValue(row.state);
     case durationRole:
@@ -100,7 +102,7 @@ QString StepListModel::partsText(const StepList::Row &row) const
 
 QString StepListModel::spokenText(const StepList::Row &row) const
 {
-    QStringList texts{stepName(row.step) + u": "_s + stateName(row.state)};
+    QStringList texts{shown(stepName(row.step)) + u": "_s + shown(stateName(row.state))};
     for (const QString &more : {partsText(row), durationText(row)}) {
         if (!more.isEmpty())
             texts.append(more);

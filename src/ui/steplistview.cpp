@@ -26,7 +26,7 @@ StepListView::StepListView(const StepList &steps, QWidget *parent)
     // A new picture and no more: nobody wants to be told of each second.
     , m_timer(*this, interval, [this] { update(m_model->running()); })
 {
-    named(this, u"stepList"_s, u"Steps"_s);
+    named(this, u"stepList"_s, tr("Steps"));
     setModel(m_model);
     setItemDelegate(new StepRowDelegate(this));
     setFrameShape(QFrame::NoFrame);

@@ -36,7 +36,7 @@ TabBar::TabBar(QWidget *parent)
     : QTabBar(parent)
 {
     setObjectName(u"tabBar"_s);
-    setAccessibleName(u"Tabs"_s);
+    setAccessibleName(tr("Tabs"));
     setMovable(true);
     setTabsClosable(true);
     setElideMode(Qt::ElideMiddle);

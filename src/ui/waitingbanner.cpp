@@ -26,7 +26,7 @@ QString nameOf(const QString &folder)
 QString listed(QStringList names)
 {
     const QString last = names.takeLast();
-    return names.isEmpty() ? last : names.join(u", "_s) + u" and "_s + last;
+    return names.isEmpty() ? last : QObject::tr("%1 and %2").arg(names.join(u", "_s), last);
 }
 
 } // namespace
@@ -39,9 +39,9 @@ QString waitingSentence(const QStringList &folders)
     for (const QString &folder : folders.first(std::min(mostNames, folders.size())))
         names.append(nameOf(folder));
     if (folders.size() > mostNames)
-        names.append(u"%1 more"_s.arg(folders.size() - mostNames));
-    return folders.size() == 1 ? u"%1 still waits for Apple's verdict."_s.arg(names.first())
-                               : u"%1 still wait for Apple's verdict."_s.arg(listed(names));
+        names.append(QObject::tr("%1 more").arg(folders.size() - mostNames));
+    return folders.size() == 1 ? QObject::tr("%1 still waits for Apple's verdict.").arg(names.first())
+                               : QObject::tr("%1 still wait for Apple's verdict.").arg(listed(names));
 }
 
 WaitingBanner::WaitingBanner(MainWinController &document, QWidget *parent)
@@ -49,7 +49,7 @@ WaitingBanner::WaitingBanner(MainWinController &document, QWidget *parent)
     , m_document(document)
     , m_text(new QLabel(this))
 {
-    named(this, u"waitingBanner"_s, u"Waiting"_s);
+    named(this, u"waitingBanner"_s, tr("Waiting"));
     setAutoFillBackground(true);
     m_text->setObjectName(u"waitingText"_s);
     m_text->setTextFormat(Qt::PlainText);
@@ -57,8 +57,8 @@ WaitingBanner::WaitingBanner(MainWinController &document, QWidget *parent)
     auto *const row = new QHBoxLayout(this);
     row->setContentsMargins(row->spacing(), row->spacing() / 2, row->spacing(), row->spacing() / 2);
     row->addWidget(m_text, 1);
-    addButton(*row, u"waitingGoOn"_s, u"Go On Waiting"_s, &WaitingBanner::goOn);
-    addButton(*row, u"waitingDismiss"_s, u"Not Now"_s, &WaitingBanner::dismiss);
+    addButton(*row, u"waitingGoOn"_s, tr("Go On Waiting"), &WaitingBanner::goOn);
+    addButton(*row, u"waitingDismiss"_s, tr("Not Now"), &WaitingBanner::dismiss);
     connect(&document.appDelegate().unattendedWaits, &Observable::changed, this, &WaitingBanner::follow);
     connect(&document.stepList, &Observable::changed, this, &WaitingBanner::follow);
     follow();

@@ -3,9 +3,12 @@
 #include "platform/posix/spawn.h"
 #include "ui/alertbox.h"
 #include "ui/logprinter.h"
+#include "ui/preferenceswindow.h"
+#include "ui/toplevel.h"
 #include "ui/windoworder.h"
 
 #include <QApplication>
+#include <QEventLoop>
 #include <QWidget>
 
 #include <cstdio>
@@ -42,6 +45,23 @@ void WidgetApplication::terminate()
 {
     QMetaObject::invokeMethod(
         qApp, [status = m_exitStatus] { QCoreApplication::exit(status); }, Qt::QueuedConnection);
+}
+
+void WidgetApplication::relaunch()
+{
+    m_isRelaunching = true;
+    terminate();
+}
+
+void WidgetApplication::runToolSettings(platform::Preferences &preferences)
+{
+    PreferencesWindow settings(preferences);
+    settings.setWindowModality(Qt::ApplicationModal);
+    settings.showPage(PreferencesWindow::Page::tools);
+    QEventLoop untilClosed;
+    QObject::connect(&settings, &PreferencesWindow::closed, &untilClosed, &QEventLoop::quit);
+    toplevel::bringToFront(settings);
+    untilClosed.exec();
 }
 
 bool WidgetApplication::isOptionKeyDown() const

@@ -29,6 +29,10 @@ public:
     void setActivationToken(const QString &token) override;
     void activate() override;
     void terminate() override;
+    void relaunch() override;
+    /// Whether the application is to start anew when it has ended.
+    bool isRelaunching() const { return m_isRelaunching; }
+    void runToolSettings(platform::Preferences &preferences) override;
     bool isOptionKeyDown() const override;
     void beep() override;
     int runModal(const platform::Alert &alert) override;
@@ -44,4 +48,5 @@ private:
     std::function<void()> m_pendingOpens;
     int m_exitStatus = 0;
     bool m_paintsNothing = false;
+    bool m_isRelaunching = false;
 };

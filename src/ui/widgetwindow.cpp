@@ -9,6 +9,7 @@
 #include "ui/logprinter.h"
 #include "ui/outcomebanner.h"
 #include "ui/providernamesheet.h"
+#include "ui/setupdialog.h"
 #include "ui/windoworder.h"
 
 #include <QApplication>
@@ -51,6 +52,8 @@ WidgetWindow::WidgetWindow(MainWinController &document, WindowOrder &order, LogP
     , m_page(document)
 {
     m_sheets.leaveUncovered(m_page.header()); // where a run can be cancelled, whatever is asked
+    QObject::connect(&m_page.setupBanner(), &SetupBanner::wanted, &m_page,
+                     [this](SetupRoad road) { beginSetup(road); });
     (new FrameWindow(order))->insertWindow(*this, 0);
 }
 
@@ -216,6 +219,16 @@ void WidgetWindow::beginOpenPanel(const platform::OpenPanel &panel,
         m_panelFolder.remember(dialog->chosenItem());
         completion(dialog->chosenItem());
     });
+}
+
+void WidgetWindow::beginSetup(SetupRoad road)
+{
+    beginDialog(*new SetupDialog(m_document, road, &m_page), [] {});
+}
+
+void WidgetWindow::beginDialog(QDialog &dialog, std::function<void()> completion)
+{
+    m_sheets.begin(&dialog, std::move(completion));
 }
 
 void WidgetWindow::printLog()

@@ -4,6 +4,7 @@
 #include "ui/aboutwindow.h"
 #include "ui/documentpage.h"
 #include "ui/panelfolder.h"
+#include "ui/setupbanner.h"
 #include "ui/sheets.h"
 
 #include <QPointer>
@@ -45,6 +46,10 @@ public:
     void printLog() override;
     /// Asks where to, and writes the text of the log there, all of it whatever is in sight.
     void saveLog();
+    /// Leads the person to what a first submission needs.
+    void beginSetup(SetupRoad road);
+    /// Attaches a dialog of this window's own, which it takes over.
+    void beginDialog(QDialog &dialog, std::function<void()> completion);
     void setDelegate(Delegate delegate) override { m_delegate = std::move(delegate); }
 
     bool hasSheet() const { return !m_sheets.isEmpty(); }

@@ -189,6 +189,38 @@ TEST_F(Launch, withoutANotaryToolSaysSoAndQuits)
     EXPECT_FALSE(host.updater.sendsSystemProfile);
 }
 
+TEST_F(Launch, withoutANotaryToolOffersTheSettingsAndStartsAnewWithAnotherFolderOfTools)
+{
+    host.workspace.running.clear();
+    host.applicationHost.answerModal = [] { return platform::alertSecondButton; };
+    host.applicationHost.whileInToolSettings = [](platform::Preferences &preferences) {
+        preferences.setValue(key::toolRoot, u"/opt/tools"_s);
+    };
+    host.launch();
+    EXPECT_EQ(host.applicationHost.modalAlerts.first().remedy, u"Settings…"_s);
+    EXPECT_EQ(host.applicationHost.toolSettings, 1);
+    EXPECT_TRUE(host.applicationHost.isRelaunched);
+    EXPECT_TRUE(host.application().hasLaunchFailed()) << "and scripts are told so until then";
+}
+
+TEST_F(Launch, withoutANotaryToolQuitsFromSettingsThatWereLeftAsTheyAre)
+{
+    host.workspace.running.clear();
+    host.applicationHost.answerModal = [] { return platform::alertSecondButton; };
+    host.launch();
+    EXPECT_EQ(host.applicationHost.toolSettings, 1);
+    EXPECT_FALSE(host.applicationHost.isRelaunched);
+    EXPECT_TRUE(host.applicationHost.isTerminated);
+}
+
+TEST_F(Launch, withoutANotaryToolAnOKOpensNoSettings)
+{
+    host.workspace.running.clear();
+    host.launch();
+    EXPECT_EQ(host.applicationHost.toolSettings, 0);
+    EXPECT_FALSE(host.applicationHost.isRelaunched);
+}
+
 namespace {
 
 class AlertAnswer : public Launch, public testing::WithParamInterface<int> { };

@@ -4,6 +4,8 @@
 #include "scripting/MainWinController+Scripting.h"
 
 #include "document/documentcommands.h"
+#include "document/profiles.h"
+#include "run/preferencekeys.h"
 
 #include <limits>
 
@@ -308,4 +310,25 @@ TEST_F(DocumentProperties, runnersThatAreSharedHaveNoPauseOfADocuments)
     EXPECT_TRUE(isNoValue(get(u"ToolPause"_s)));
     EXPECT_EQ(failureOf(set(u"ToolPause"_s, 1.0)),
               u"N6 Documents share their runners with this notary tool."_s);
+}
+
+// Profiles
+
+TEST_F(DocumentProperties, aProfileIsUsedByItsName)
+{
+    const ProfileStore store(host.files, host.configuration.profilesFolder);
+    Profile profile = profiles::profileOf(host.document());
+    profile.insert(key::appleIDValue, u"release@example.com"_s);
+    ASSERT_TRUE(store.save(u"Product"_s, profile));
+    EXPECT_EQ(get(u"Profile"_s), QVariant(QString()));
+    expectTaken(u"Profile"_s, u"Product"_s);
+    EXPECT_EQ(get(u"AppleID"_s), QVariant(u"release@example.com"_s));
+    EXPECT_EQ(errorOf(set(u"Profile"_s, u"Nobody"_s)), u"org.sealwright.Error.N6"_s);
+    EXPECT_EQ(get(u"Profile"_s), QVariant(u"Product"_s));
+}
+
+TEST_F(DocumentProperties, aProfileIsNotUsedWhileTheDocumentIsBusy)
+{
+    host.document().changeStatus(status::waiting);
+    expectBusy(u"Profile"_s, u"Product"_s);
 }

@@ -8,11 +8,14 @@
 #include "document/documentcommands.h"
 #include "platform/itempath.h"
 #include "support/desktopsignal.h"
+#include "ui/keychainwindow.h"
 #include "ui/preferenceswindow.h"
+#include "ui/setupdialog.h"
 
 #include <QApplication>
 #include <QFile>
 #include <QIcon>
+#include <QTabWidget>
 #include <QTemporaryDir>
 
 using namespace Qt::StringLiterals;
@@ -88,16 +91,49 @@ void tabs()
     scene.draw(u"tabs.png"_s);
 }
 
+void firstStart()
+{
+    Scene scene(Scene::Keychain::empty);
+    scene.window().resize(1024, 600);
+    scene.draw(u"first-start.png"_s);
+    auto &window = dynamic_cast<WidgetWindow &>(scene.document().window());
+    window.beginSetup(SetupRoad::practice);
+    scene.draw(u"first-start-practice.png"_s);
+    window.sheet()->reject();
+    scene.settle();
+    window.beginSetup(SetupRoad::developerID);
+    scene.draw(u"first-start-developer-id.png"_s);
+}
+
+void keychainPages()
+{
+    Scene scene;
+    scene.host.tools.add(u"/usr/bin/sealwright-keychain"_s);
+    scene.host.tools.answer(u"sealwright-keychain"_s,
+                            {.output = "store: file, under a passphrase\nstate: unlocked\n"});
+    KeychainWindow window(scene.host.host(), u"/usr/bin/sealwright-keychain"_s);
+    window.show();
+    auto &pages = *window.findChild<QTabWidget *>(u"keychainPages"_s);
+    for (int page = 0; page < pages.count(); ++page) {
+        pages.setCurrentIndex(page);
+        scene.settle();
+        Scene::draw(window, u"keychain-%1.png"_s.arg(page + 1));
+    }
+}
+
 void panels()
 {
     Scene scene;
     QFile::copy(QStringLiteral(RESOURCES "/Credits.rtf"), scene.host.creditsFile());
     scene.host.preferences.remove(key::toolPause); // which tests do without
-    PreferencesWindow::present(scene.host.preferences);
+    PreferencesWindow::present(scene.host.preferences, KeychainTools(scene.host.host(), u"keychain"_s));
+    scene.settle();
     scene.host.application().doShowAboutPanel();
     for (QWidget *const top : QApplication::topLevelWidgets()) {
-        if (qobject_cast<PreferencesWindow *>(top))
-            Scene::draw(*top, u"settings.png"_s);
+        if (auto *const settings = qobject_cast<PreferencesWindow *>(top)) {
+            settings->showPage(PreferencesWindow::Page::notarization);
+            Scene::draw(*settings, u"settings.png"_s);
+        }
         if (qobject_cast<AboutWindow *>(top))
             Scene::draw(*top, u"about.png"_s);
     }
@@ -127,7 +163,7 @@ int main(int argc, char **argv)
     FakeDistributedNotifications notifications;
     const Appearance appearance(desktop, preferences, notifications);
     sayColourScheme(desktop, arguments.contains(u"dark"_s) ? 1 : 2);
-    for (const auto &scene :
-         {emptyDocument, running, waitingAndSuccess, failure, directSubmit, providers, tabs, panels})
+    for (const auto &scene : {emptyDocument, running, waitingAndSuccess, failure, directSubmit, providers,
+                              tabs, panels, firstStart, keychainPages})
         scene();
 }

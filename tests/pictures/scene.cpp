@@ -20,7 +20,7 @@ QString outputFolder()
 
 } // namespace
 
-Scene::Scene()
+Scene::Scene(Keychain keychain)
 {
     // So that paths are shown as short as people have them.
     qputenv("HOME", QFileInfo(QFileInfo(host.item(u"x"_s)).path()).path().toUtf8());
@@ -30,6 +30,10 @@ Scene::Scene()
                                  "  3) 89AB \"Developer ID Application: Jane Doe (FGHIJ67890)\"\n"});
     host.preferences.setValue(key::appPassValue, u"notary"_s);
     host.preferences.setValue(key::appleIDValue, u"release@example.com"_s);
+    if (keychain == Keychain::empty)
+        host.tools.answer(u"security"_s, {.output = "     0 valid identities found\n"});
+    host.configuration.keychainProgram = u"/usr/bin/sealwright-keychain"_s;
+    host.takeConfiguration();
     if (Appearance::isDark(QApplication::palette()))
         host.preferences.setValue(key::AppleInterfaceStyle, darkInterfaceStyle.toString());
     host.launch();

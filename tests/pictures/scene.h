@@ -9,7 +9,8 @@
 /// An application on a faked host whose windows are drawn into files.
 class Scene {
 public:
-    Scene();
+    enum class Keychain { filled, empty };
+    explicit Scene(Keychain keychain = Keychain::filled);
     ~Scene();
 
     MainWinController &document() { return host.document(); }

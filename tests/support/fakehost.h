@@ -236,6 +236,13 @@ public:
     void setActivationToken(const QString &token) override { activationToken = token; }
     void activate() override { ++activations; }
     void terminate() override { isTerminated = true; }
+    void relaunch() override { isRelaunched = isTerminated = true; }
+    void runToolSettings(platform::Preferences &preferences) override
+    {
+        ++toolSettings;
+        if (whileInToolSettings)
+            whileInToolSettings(preferences);
+    }
     bool isOptionKeyDown() const override { return optionKey; }
     void beep() override { ++beeps; }
     int runModal(const platform::Alert &alert) override;
@@ -247,6 +254,9 @@ public:
     int activationsWhenShown = 0; ///< how many there had been then
     int activations = 0;
     bool isTerminated = false;
+    bool isRelaunched = false;
+    int toolSettings = 0; ///< how often they were opened
+    std::function<void(platform::Preferences &)> whileInToolSettings;
     bool optionKey = false;
     int beeps = 0;
     QList<platform::Alert> modalAlerts;

@@ -45,11 +45,17 @@ TestHost::TestHost(WindowFactory *windowFactory)
     , m_workers(std::make_unique<TestWorkerQueue>())
 {
     madeFolder(m_folder.filePath(u"items"_s));
+    configuration.profilesFolder = m_folder.filePath(u"Profiles"_s);
     AppDelegate::initialize(preferences);
     preferences.setValue(key::toolPause, 0);
     preferences.setValue(key::appleIDValue, u"dev@example.com"_s);
     preferences.setValue(key::appPassValue, u"notary"_s);
     workspace.running.insert(u"com.apple.dt.Xcode"_s);
+    takeConfiguration();
+}
+
+void TestHost::takeConfiguration()
+{
     m_application = std::make_unique<AppDelegate>(host(), m_windowFactory, configuration);
 }
 

@@ -16,6 +16,8 @@ public:
     explicit TestHost(WindowFactory *windowFactory = nullptr);
     ~TestHost();
 
+    /// Makes the application anew, with a configuration that a test has changed. Before the launch.
+    void takeConfiguration();
     /// Runs both steps of launch. Credentials that pass the checks are in the preferences, unless a test
     /// changed them.
     void launch();

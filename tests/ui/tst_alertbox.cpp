@@ -101,3 +101,22 @@ TEST(AlertBox, itsButtonsReadLetterForLetterAllTheSame)
         EXPECT_EQ(keys, QStringList{button->text() == "OK"_L1 ? u"Alt+O"_s : u"Alt+S"_s});
     }
 }
+
+TEST(AlertBox, aRemedyIsTheLastButtonAndNeitherReturnNorEscapePressesIt)
+{
+    for (const auto key : {Qt::Key_Return, Qt::Key_Escape}) {
+        platform::Alert alert{u"Title"_s, u"Text"_s, {}};
+        alert.remedy = u"Settings…"_s;
+        AlertBox box(alert);
+        EXPECT_EQ(titles(box), (QStringList{u"OK"_s, u"Settings…"_s}));
+        box.open();
+        QTest::keyClick(&box, key);
+        EXPECT_EQ(box.answer(), platform::alertFirstButton);
+    }
+    platform::Alert alert{u"Title"_s, u"Text"_s, {}};
+    alert.remedy = u"Settings…"_s;
+    AlertBox box(alert);
+    box.open();
+    press(box, u"Settings…"_s);
+    EXPECT_EQ(box.answer(), platform::alertSecondButton);
+}

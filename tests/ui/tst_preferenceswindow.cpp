@@ -3,10 +3,12 @@
 #include "app/appdelegate.h"
 #include "app/preferencekeys.h"
 #include "support/fakehost.h"
+#include "support/testhost.h"
 
 #include <QAbstractItemView>
 #include <QApplication>
 #include <QCheckBox>
+#include <QComboBox>
 #include <QCompleter>
 #include <QDialogButtonBox>
 #include <QDir>
@@ -14,10 +16,12 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListView>
+#include <QListWidget>
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollArea>
 #include <QSpinBox>
+#include <QStackedWidget>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -52,7 +56,17 @@ protected:
         auto *const found = window().findChild<Widget *>(name);
         if (!found)
             throw std::runtime_error("no such part: " + name.toStdString());
+        turnTo(*found);
         return *found;
+    }
+    /// Turns to the page that the part is on.
+    void turnTo(const QWidget &part)
+    {
+        auto &pages = *window().findChild<QStackedWidget *>();
+        for (int index = 0; index < pages.count(); ++index) {
+            if (pages.widget(index)->isAncestorOf(&part))
+                window().findChild<QListWidget *>(u"settingsPages"_s)->setCurrentRow(index);
+        }
     }
     /// Types a text in place of the one that a field has, and ends the edit.
     template <class Field>
@@ -236,10 +250,15 @@ TEST_F(PreferencesWindowTest, eachSettingHasALabelAndALineThatExplainsIt)
 TEST_F(PreferencesWindowTest, theTabKeyReachesEverySetting)
 {
     QSet<QString> reached;
-    part<QWidget>(key::prefCodesignForce).setFocus();
-    for (int presses = 0; presses < 40; ++presses) {
-        reached.insert(QApplication::focusWidget()->objectName());
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    auto &list = part<QListWidget>(u"settingsPages"_s);
+    list.setFocus();
+    for (int page = 0; page < list.count(); ++page) {
+        for (int presses = 0; presses < 12 || !list.hasFocus(); ++presses) {
+            ASSERT_LT(presses, 30) << "the keyboard does not come back to the list";
+            reached.insert(QApplication::focusWidget()->objectName());
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        }
+        QTest::keyClick(&list, Qt::Key_Down);
     }
     for (const QString &key : checkboxKeys + fieldKeys)
         EXPECT_TRUE(reached.contains(key)) << key.toStdString();
@@ -247,6 +266,7 @@ TEST_F(PreferencesWindowTest, theTabKeyReachesEverySetting)
 
 TEST_F(PreferencesWindowTest, aLabelsLetterWithAltLeadsToItsSetting)
 {
+    turnTo(part<QSpinBox>(key::prefRetryLimitFor239Failure));
     QTest::keyClick(&window(), Qt::Key_G, Qt::AltModifier);
     EXPECT_TRUE(part<QSpinBox>(key::prefRetryLimitFor239Failure).hasFocus());
 }
@@ -282,8 +302,26 @@ TEST_F(PreferencesWindowTest, withAVeryLargeFontItStillFitsTheScreen)
     QApplication::setFont(usual);
 }
 
+TEST_F(PreferencesWindowTest, fitsASmallScreenWithEverySettingInSight)
+{
+    window().resize(1024, 560); // 600 lines less a title bar
+    for (const QString &key : checkboxKeys + fieldKeys) {
+        const auto &setting = part<QWidget>(key);
+        QCoreApplication::processEvents();
+        EXPECT_EQ(setting.visibleRegion().boundingRect().size(), setting.size()) << key.toStdString();
+    }
+    EXPECT_LE(window().minimumSizeHint().width(), 1024);
+    EXPECT_LE(window().minimumSizeHint().height(), 560);
+}
+
+TEST_F(PreferencesWindowTest, withoutAKeychainThereIsNoChoiceOfTheService)
+{
+    EXPECT_EQ(window().findChild<QComboBox *>(u"notaryService"_s), nullptr);
+}
+
 TEST_F(PreferencesWindowTest, thereIsOneAndEscapeClosesIt)
 {
+    TestHost host;
     const auto open = [] {
         QList<QWidget *> windows;
         for (QWidget *const top : QApplication::topLevelWidgets()) {
@@ -292,8 +330,8 @@ TEST_F(PreferencesWindowTest, thereIsOneAndEscapeClosesIt)
         }
         return windows;
     };
-    PreferencesWindow::present(preferences);
-    PreferencesWindow::present(preferences);
+    PreferencesWindow::present(preferences, KeychainTools(host.host(), {}));
+    PreferencesWindow::present(preferences, KeychainTools(host.host(), {}));
     ASSERT_EQ(open().size(), 1);
     ASSERT_TRUE(QTest::qWaitForWindowActive(open().first()));
     QTest::keyClick(open().first(), Qt::Key_Escape);

@@ -1,10 +1,13 @@
+#include "app/preferencekeys.h"
 #include "notarization/stapleonlyworkflow.h"
+#include "ui/preferenceswindow.h"
 #include "ui/widgetapplication.h"
 
 #include "windowtest.h"
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QLineEdit>
 #include <QWindow>
 
 using namespace Qt::StringLiterals;
@@ -195,4 +198,29 @@ TEST_F(WidgetApplicationTest, whereNobodyCanDismissAnAlertItGoesToStandardErrorA
     EXPECT_EQ(written, "Nothing Found\nThe application will now quit.\n");
     application.terminate();
     EXPECT_EQ(QApplication::exec(), 1);
+}
+
+TEST_F(WidgetApplicationTest, theSettingsOfToolsHoldUpTheApplicationUntilTheyAreClosed)
+{
+    const auto mend = [] {
+        auto *const settings = qobject_cast<PreferencesWindow *>(QApplication::activeModalWidget());
+        ASSERT_TRUE(settings);
+        auto *const folder = settings->findChild<QLineEdit *>(key::toolRoot);
+        EXPECT_TRUE(folder->isVisible()) << "it opens where the tools are set";
+        EXPECT_TRUE(QTest::qWaitForWindowActive(settings));
+        folder->setFocus();
+        QTest::keyClicks(folder, u"/opt/tools"_s);
+        settings->close();
+    };
+    QMetaObject::invokeMethod(qApp, mend, Qt::QueuedConnection);
+    application.runToolSettings(host.preferences);
+    EXPECT_EQ(host.preferences.string(key::toolRoot), u"/opt/tools"_s) << "also what is typed without Return";
+}
+
+TEST_F(WidgetApplicationTest, aNewStartEndsTheApplicationFirst)
+{
+    EXPECT_FALSE(application.isRelaunching());
+    application.relaunch();
+    EXPECT_EQ(QApplication::exec(), 0);
+    EXPECT_TRUE(application.isRelaunching());
 }

@@ -1,0 +1,126 @@
+#include "ui/keychainform.h"
+
+#include "ui/named.h"
+#include "ui/settingrows.h"
+#include "ui/statetext.h"
+
+#include <QBoxLayout>
+#include <QDir>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QFormLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+
+using namespace Qt::StringLiterals;
+
+KeychainForm::KeychainForm(KeychainTools keychain, QWidget *parent)
+    : QWidget(parent)
+    , m_keychain(std::move(keychain))
+    , m_rows(new QFormLayout(this))
+    , m_state(new QLabel(this))
+{
+    m_rows->setContentsMargins(0, 0, 0, 0);
+    m_rows->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
+    m_state->setTextFormat(Qt::PlainText);
+    m_state->setWordWrap(true);
+    m_state->setVisible(false);
+}
+
+QLineEdit *KeychainForm::addField(const Field &field)
+{
+    auto *const edit = new QLineEdit(this);
+    edit->setObjectName(field.name);
+    edit->setPlaceholderText(field.hint);
+    edit->setToolTip(field.toolTip);
+    m_rows->addRow(settingrows::makeCaption(this, field.label, *edit), edit);
+    connect(edit, &QLineEdit::textChanged, this, &KeychainForm::showState);
+    connect(edit, &QLineEdit::returnPressed, this, &KeychainForm::press);
+    return edit;
+}
+
+QLineEdit *KeychainForm::addSecret(const Field &field)
+{
+    QLineEdit *const edit = addField(field);
+    edit->setEchoMode(QLineEdit::Password);
+    return edit;
+}
+
+QLineEdit *KeychainForm::addFile(const Field &field, const QString &filter)
+{
+    QLineEdit *const edit = addField(field);
+    auto *const choose = named(new QPushButton(tr("Choose…"), this), field.name + u"Button"_s,
+                               tr("Choose: %1").arg(settingrows::plainLabel(field.label)));
+    choose->setAutoDefault(false);
+    connect(choose, &QPushButton::clicked, this, [this, edit, filter] { chooseFile(*edit, filter); });
+    auto *const row = new QHBoxLayout;
+    const QFormLayout::TakeRowResult taken = m_rows->takeRow(edit);
+    row->addWidget(edit, 1);
+    row->addWidget(choose);
+    m_rows->addRow(taken.labelItem->widget(), row);
+    delete taken.labelItem;
+    delete taken.fieldItem;
+    return edit;
+}
+
+void KeychainForm::chooseFile(QLineEdit &field, const QString &filter)
+{
+    auto *const panel = new QFileDialog(this, tr("Choose a file"), QDir::homePath(), filter);
+    panel->setAttribute(Qt::WA_DeleteOnClose);
+    panel->setFileMode(QFileDialog::ExistingFile);
+    connect(panel, &QFileDialog::fileSelected, &field, &QLineEdit::setText);
+    panel->open();
+}
+
+void KeychainForm::addButton(const QString &name, const QString &title)
+{
+    m_rows->addRow(m_state);
+    m_button = named(new QPushButton(title, this), name, settingrows::plainLabel(title));
+    m_button->setAutoDefault(false);
+    connect(m_button, &QPushButton::clicked, this, &KeychainForm::press);
+    auto *const row = new QHBoxLayout;
+    row->addStretch(1);
+    row->addWidget(m_button);
+    m_rows->addRow(row);
+    m_state->setObjectName(name + u"State"_s);
+    m_button->setEnabled(lacks().isEmpty());
+    m_state->setVisible(false); // nobody has typed anything
+}
+
+void KeychainForm::showState()
+{
+    if (m_button)
+        m_button->setEnabled(lacks().isEmpty() && !m_isAtWork);
+    statetext::put(*m_state, lacks(), theme::Meaning::quiet);
+}
+
+void KeychainForm::press()
+{
+    if (m_isAtWork || !lacks().isEmpty())
+        return showState();
+    m_isAtWork = true;
+    m_button->setEnabled(false);
+    statetext::put(*m_state, tr("At work…"), theme::Meaning::underway);
+    m_keychain.runAll(commands(), *this, [this](const KeychainTools::Answer &answer) { finish(answer); });
+}
+
+void KeychainForm::finish(const KeychainTools::Answer &answer)
+{
+    m_isAtWork = false;
+    m_button->setEnabled(lacks().isEmpty());
+    if (!answer)
+        return tellFailure(answer.error());
+    tellSuccess(tr("Done."));
+    Q_EMIT added();
+}
+
+void KeychainForm::tellFailure(const QString &text)
+{
+    statetext::put(*m_state, text, theme::Meaning::bad);
+}
+
+void KeychainForm::tellSuccess(const QString &text)
+{
+    statetext::put(*m_state, text, theme::Meaning::good);
+}

@@ -1,0 +1,226 @@
+#include "ui/keychainwindow.h"
+
+#include "platform/applicationhost.h"
+#include "ui/keychainforms.h"
+#include "ui/named.h"
+#include "ui/settingrows.h"
+#include "ui/statetext.h"
+#include "ui/toplevel.h"
+
+#include <QApplication>
+#include <QBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QTabWidget>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr QSize firstSize{640, 480};
+constexpr int leastRows = 4; // of the list
+
+} // namespace
+
+void KeychainWindow::present(const platform::Host &host, const QString &program)
+{
+    QWidget *window = nullptr;
+    for (QWidget *const top : QApplication::topLevelWidgets()) {
+        if (qobject_cast<KeychainWindow *>(top))
+            window = top;
+    }
+    if (!window) {
+        window = new KeychainWindow(host, program);
+        window->setAttribute(Qt::WA_DeleteOnClose);
+    }
+    toplevel::bringToFront(*window);
+    window->activateWindow();
+}
+
+KeychainWindow::KeychainWindow(const platform::Host &host, const QString &program)
+    : m_host(host)
+    , m_keychain(host, program)
+    , m_pages(named(new QTabWidget(this), u"keychainPages"_s, tr("Pages")))
+    , m_answer(new QLabel(this))
+{
+    setWindowTitle(tr("Keychain"));
+    m_pages->setDocumentMode(true);
+    m_pages->addTab(makeIdentities(), tr("Identities"));
+    m_pages->addTab(makePasswords(), tr("Keys and Passwords"));
+    m_pages->addTab(makeProtection(), tr("Protection"));
+    m_answer->setObjectName(u"keychainAnswer"_s);
+    m_answer->setTextFormat(Qt::PlainText);
+    m_answer->setWordWrap(true);
+    auto *const rows = new QVBoxLayout(this);
+    rows->addWidget(m_pages, 1);
+    rows->addWidget(m_answer);
+    auto *const anew = makeButton(this, u"keychainStartAnew"_s, tr("Start Sealwright Anew"),
+                                  [this] { m_host.application.relaunch(); });
+    auto *const foot = new QHBoxLayout;
+    auto *const hint = new QLabel(tr("Sealwright reads the identities when it starts."), this);
+    hint->setForegroundRole(QPalette::PlaceholderText);
+    hint->setWordWrap(true);
+    foot->addWidget(hint, 1);
+    foot->addWidget(anew);
+    rows->addLayout(foot);
+    toplevel::closeByKeys(*this);
+    resize(firstSize);
+    listIdentities();
+    showStatus();
+}
+
+// Identities
+
+QWidget *KeychainWindow::makeIdentities()
+{
+    auto *const page = new QWidget(m_pages);
+    m_identities = named(new QListWidget(page), u"keychainIdentities"_s, tr("Identities"));
+    m_identities->setMinimumHeight(leastRows * m_identities->fontMetrics().lineSpacing());
+    m_delete = makeButton(page, u"keychainDelete"_s, tr("&Delete"), [this] { deleteIdentity(); });
+    m_delete->setEnabled(false);
+    connect(m_identities, &QListWidget::itemSelectionChanged, this,
+            [this] { m_delete->setEnabled(!m_identities->selectedItems().isEmpty()); });
+    auto *const ways = named(new QTabWidget(page), u"keychainIdentityWays"_s, tr("Add an identity"));
+    auto *const import = new ImportForm(m_keychain, ways);
+    auto *const make = new PracticeForm(m_keychain, PracticeForm::Extent::identityAlone, ways);
+    ways->addTab(import, tr("Import"));
+    ways->addTab(make, tr("Make One to Practise"));
+    for (const KeychainForm *const form : std::initializer_list<KeychainForm *>{import, make})
+        connect(form, &KeychainForm::added, this, &KeychainWindow::listIdentities);
+    auto *const rows = new QVBoxLayout(page);
+    rows->addWidget(m_identities, 1);
+    rows->addWidget(m_delete, 0, Qt::AlignRight);
+    rows->addWidget(ways);
+    return page;
+}
+
+void KeychainWindow::listIdentities()
+{
+    m_keychain.run(keychain::listIdentities(), *this, [this](const KeychainTools::Answer &answer) {
+        m_identities->clear();
+        for (const keychain::Identity &identity : keychain::identitiesIn(answer.valueOr({}))) {
+            auto *const item = new QListWidgetItem(identity.name, m_identities);
+            item->setData(Qt::UserRole, identity.sha1);
+            item->setToolTip(u"SHA-1 "_s + identity.sha1);
+        }
+        if (!answer)
+            tell(answer);
+    });
+}
+
+void KeychainWindow::deleteIdentity()
+{
+    const auto selected = m_identities->selectedItems();
+    if (!selected.isEmpty())
+        change(keychain::deleteIdentity(selected.first()->data(Qt::UserRole).toString()),
+               [this] { listIdentities(); });
+}
+
+// Keys and passwords
+
+QWidget *KeychainWindow::makePasswords()
+{
+    auto *const page = new QWidget(m_pages);
+    auto *const ways = named(new QTabWidget(page), u"keychainItemWays"_s, tr("Add a key or a password"));
+    ways->addTab(new ApiKeyForm(m_keychain, ways), tr("API key"));
+    ways->addTab(new PasswordForm(m_keychain, ways), tr("App-specific password"));
+    auto *const rows = new QVBoxLayout(page);
+    rows->addWidget(ways);
+    rows->addWidget(makeLookup(page));
+    rows->addStretch(1);
+    return page;
+}
+
+/// The keychain does not list its items; it tells of one by its name.
+QWidget *KeychainWindow::makeLookup(QWidget *parent)
+{
+    auto *const line = new QWidget(parent);
+    auto *const row = new QHBoxLayout(line);
+    row->setContentsMargins(0, 0, 0, 0);
+    m_item = new QLineEdit(line);
+    m_item->setObjectName(u"keychainItem"_s);
+    row->addWidget(settingrows::makeCaption(line, tr("Item by its &name"), *m_item));
+    row->addWidget(m_item, 1);
+    const auto look = [this] {
+        const QString item = m_item->text();
+        m_keychain.run(keychain::findPassword(item), *this, [this, item](const KeychainTools::Answer &found) {
+            tell(found ? KeychainTools::Answer(tr("“%1” is in the keychain.").arg(item)) : found);
+        });
+    };
+    connect(m_item, &QLineEdit::returnPressed, this, look);
+    row->addWidget(makeButton(line, u"keychainFind"_s, tr("&Look Up"), look));
+    row->addWidget(makeButton(line, u"keychainDeleteItem"_s, tr("D&elete"), [this] {
+        change(keychain::deletePassword(m_item->text()), [this] { m_item->clear(); });
+    }));
+    return line;
+}
+
+// Protection
+
+QWidget *KeychainWindow::makeProtection()
+{
+    auto *const page = new QWidget(m_pages);
+    m_status = named(new QLabel(page), u"keychainStatus"_s, tr("State of the keychain"));
+    m_status->setTextFormat(Qt::PlainText);
+    m_status->setWordWrap(true);
+    m_passphrase = new QLineEdit(page);
+    m_passphrase->setObjectName(u"keychainPassphrase"_s);
+    m_passphrase->setEchoMode(QLineEdit::Password);
+    auto *const field = new QHBoxLayout;
+    field->addWidget(settingrows::makeCaption(page, tr("&Passphrase"), *m_passphrase));
+    field->addWidget(m_passphrase, 1);
+    auto *const buttons = new QHBoxLayout;
+    const auto add = [this, page, buttons](const QString &name, const QString &title, auto command) {
+        buttons->addWidget(makeButton(page, name, title, [this, command] {
+            change(command(m_passphrase->text()), [this] { showStatus(); });
+            m_passphrase->clear();
+        }));
+    };
+    buttons->addStretch(1);
+    add(u"keychainUnlock"_s, tr("&Unlock"), &keychain::unlock);
+    add(u"keychainLock"_s, tr("L&ock"), [](const QString &) { return keychain::lock(); });
+    add(u"keychainSetPassphrase"_s, tr("&Set as New Passphrase"), &keychain::setPassphrase);
+    auto *const rows = new QVBoxLayout(page);
+    rows->addWidget(m_status);
+    rows->addLayout(field);
+    rows->addLayout(buttons);
+    rows->addStretch(1);
+    return page;
+}
+
+void KeychainWindow::showStatus()
+{
+    m_keychain.run(keychain::status(), *this, [this](const KeychainTools::Answer &answer) {
+        m_status->setText(answer ? answer->trimmed() : answer.error());
+    });
+}
+
+// What all of them use
+
+QPushButton *KeychainWindow::makeButton(QWidget *parent, const QString &name, const QString &title,
+                                        std::function<void()> press)
+{
+    auto *const button = named(new QPushButton(title, parent), name, settingrows::plainLabel(title));
+    button->setAutoDefault(false);
+    connect(button, &QPushButton::clicked, this, std::move(press));
+    return button;
+}
+
+/// Has the program change something, and tells how that went.
+void KeychainWindow::change(const keychain::Command &command, std::function<void()> then)
+{
+    m_keychain.run(command, *this, [this, then = std::move(then)](const KeychainTools::Answer &answer) {
+        tell(answer);
+        if (answer)
+            then();
+    });
+}
+
+void KeychainWindow::tell(const KeychainTools::Answer &answer)
+{
+    const QString printed = answer ? answer->trimmed() : answer.error();
+    statetext::put(*m_answer, printed.isEmpty() ? tr("Done.") : printed,
+                   answer ? theme::Meaning::good : theme::Meaning::bad);
+}

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "app/keychaintools.h"
+
+#include <QWidget>
+
+#include <functional>
+
+class MainWinController;
+class QLabel;
+class QLineEdit;
+class QListWidget;
+class QPushButton;
+class QTabWidget;
+
+/// Manages what the tools sign and upload with: identities, keys and passwords, and what protects them. What
+/// is told here comes from the programs of the keychain. Escape closes it. Main thread.
+class KeychainWindow : public QWidget {
+    Q_OBJECT
+
+public:
+    KeychainWindow(const platform::Host &host, const QString &program);
+
+    /// Brings the one window to the front, made anew if none is open.
+    static void present(const platform::Host &host, const QString &program);
+
+private:
+    QWidget *makeIdentities();
+    QWidget *makePasswords();
+    QWidget *makeLookup(QWidget *parent);
+    QWidget *makeProtection();
+    QPushButton *makeButton(QWidget *parent, const QString &name, const QString &title,
+                            std::function<void()> press);
+    void listIdentities();
+    void deleteIdentity();
+    void showStatus();
+    void change(const keychain::Command &command, std::function<void()> then);
+    void tell(const KeychainTools::Answer &answer);
+
+    const platform::Host m_host;
+    const KeychainTools m_keychain;
+    QTabWidget *const m_pages;
+    QListWidget *m_identities = nullptr;
+    QPushButton *m_delete = nullptr;
+    QLabel *m_status = nullptr;
+    QLineEdit *m_item = nullptr;
+    QLineEdit *m_passphrase = nullptr;
+    QLabel *const m_answer;
+};

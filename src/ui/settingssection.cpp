@@ -1,0 +1,97 @@
+#include "ui/settingssection.h"
+
+#include "ui/named.h"
+#include "ui/preferencebindings.h"
+#include "ui/settingrows.h"
+#include "ui/toplevel.h"
+
+#include <QBoxLayout>
+#include <QCheckBox>
+#include <QLabel>
+#include <QSpinBox>
+#include <QStyle>
+
+namespace {
+
+constexpr int captionCharacters = 28;
+
+} // namespace
+
+SettingsSection::SettingsSection(platform::Preferences &preferences, QWidget *parent)
+    : QWidget(parent)
+    , m_preferences(preferences)
+    , m_rows(new QVBoxLayout(this))
+{
+}
+
+void SettingsSection::addCheckbox(const QString &key, const QString &label, const QString &explanation)
+{
+    auto *const box = named(new QCheckBox(label, this), key, settingrows::plainLabel(label));
+    bindings::bind(*box, m_preferences, key);
+    beginSetting();
+    m_rows->addWidget(box);
+    explain(*box, explanation);
+}
+
+void SettingsSection::addField(QWidget *field, QWidget &setting, const QString &label,
+                               const QString &explanation)
+{
+    auto *const row = new QHBoxLayout;
+    QWidget *const caption = settingrows::makeCaption(this, label, setting);
+    caption->setMinimumWidth(caption->fontMetrics().averageCharWidth() * captionCharacters);
+    row->addWidget(caption);
+    row->addWidget(field, field == &setting ? 0 : 1);
+    if (field == &setting)
+        row->addStretch(1);
+    beginSetting();
+    m_rows->addLayout(row);
+    explain(setting, explanation);
+}
+
+void SettingsSection::addNumber(const QString &key, const QString &label, const Range &range,
+                                const QString &unit, const QString &explanation)
+{
+    auto *const box = new QSpinBox(this);
+    box->setObjectName(key);
+    box->setRange(static_cast<int>(range.least), static_cast<int>(range.most));
+    box->setSuffix(u' ' + unit);
+    toplevel::leaveTheWheelToScrolling(*box);
+    bindings::bind(*box, m_preferences, key);
+    addField(box, *box, label, explanation);
+}
+
+void SettingsSection::addSeconds(const QString &key, const QString &label, const Range &range,
+                                 const QString &explanation)
+{
+    auto *const box = new QDoubleSpinBox(this);
+    box->setObjectName(key);
+    box->setDecimals(range.decimals);
+    box->setRange(range.least, range.most);
+    box->setSingleStep(range.step);
+    box->setSuffix(u' ' + tr("seconds"));
+    toplevel::leaveTheWheelToScrolling(*box);
+    bindings::bind(*box, m_preferences, key);
+    addField(box, *box, label, explanation);
+}
+
+void SettingsSection::fillUp()
+{
+    m_rows->addStretch(1);
+}
+
+void SettingsSection::beginSetting()
+{
+    if (m_rows->count() > 0)
+        m_rows->addSpacing(m_rows->spacing());
+}
+
+void SettingsSection::explain(QWidget &setting, const QString &explanation)
+{
+    auto *const text = new QLabel(explanation, this);
+    text->setWordWrap(true);
+    text->setForegroundRole(QPalette::PlaceholderText);
+    text->setIndent(style()->pixelMetric(QStyle::PM_IndicatorWidth)
+                    + style()->pixelMetric(QStyle::PM_CheckBoxLabelSpacing));
+    setting.setAccessibleDescription(explanation);
+    m_rows->addWidget(text);
+}

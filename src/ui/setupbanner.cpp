@@ -1,0 +1,86 @@
+#include "ui/setupbanner.h"
+
+#include "document/applicationinterface.h"
+#include "document/mainwincontroller.h"
+#include "platform/host.h"
+#include "platform/preferences.h"
+#include "ui/named.h"
+#include "ui/theme.h"
+
+#include <QApplication>
+#include <QBoxLayout>
+#include <QEvent>
+#include <QLabel>
+#include <QPushButton>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int edge = 6; // pixels between the frame and what stands in it
+
+/// Set once a person wants to hear no more of it.
+const QString setupDismissed = u"setupDismissed"_s;
+
+} // namespace
+
+SetupBanner::SetupBanner(MainWinController &document, QWidget *parent)
+    : QFrame(parent)
+    , m_document(document)
+{
+    named(this, u"setupBanner"_s, tr("First steps"));
+    setAutoFillBackground(true);
+    auto *const text = new QLabel(
+        tr("<b>Welcome.</b> To sign and submit, Sealwright needs a signing identity and a key of the notary "
+           "service."),
+        this);
+    text->setObjectName(u"setupText"_s);
+    text->setWordWrap(true);
+    auto *const row = new QHBoxLayout(this);
+    row->setContentsMargins(2 * edge, edge, edge, edge);
+    row->addWidget(text, 1);
+    addButton(*row, u"setupPractice"_s, tr("Practise on This Machine…"),
+              [this] { Q_EMIT wanted(SetupRoad::practice); });
+    addButton(*row, u"setupDeveloperID"_s, tr("Use My Developer ID…"),
+              [this] { Q_EMIT wanted(SetupRoad::developerID); });
+    addButton(*row, u"setupNotNow"_s, tr("Not Now"), [this] { dismiss(); });
+    colour();
+    setVisible(isNeeded());
+}
+
+bool SetupBanner::isNeeded() const
+{
+    const ApplicationInterface &application = m_document.appDelegate();
+    return !application.keychainProgram().isEmpty()
+        && application.identities().contains(noIdentitiesPlaceholder)
+        && !m_document.host().preferences.boolean(setupDismissed);
+}
+
+void SetupBanner::addButton(QBoxLayout &row, const QString &name, const QString &title,
+                            std::function<void()> press)
+{
+    auto *const button = named(new QPushButton(title, this), name, title);
+    button->setAutoDefault(false);
+    connect(button, &QPushButton::clicked, this, std::move(press));
+    row.addWidget(button);
+}
+
+void SetupBanner::colour()
+{
+    QPalette own;
+    own.setColor(QPalette::Window, theme::groundOf(theme::Meaning::underway, QApplication::palette(this)));
+    setPalette(own);
+}
+
+void SetupBanner::changeEvent(QEvent *event)
+{
+    QFrame::changeEvent(event);
+    if (event->type() == QEvent::ApplicationPaletteChange)
+        colour();
+}
+
+void SetupBanner::dismiss()
+{
+    m_document.host().preferences.setValue(setupDismissed, true);
+    hide();
+}

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QFrame>
+
+#include <functional>
+
+class MainWinController;
+class QBoxLayout;
+
+/// The two ways to what a first submission needs.
+enum class SetupRoad { practice, developerID };
+
+/// Says at a first start what is missing before anything can be signed and submitted, and offers the ways to
+/// it. Not where the keychain is managed elsewhere, nor once a person has waved it away. Main thread.
+class SetupBanner : public QFrame {
+    Q_OBJECT
+
+public:
+    explicit SetupBanner(MainWinController &document, QWidget *parent = nullptr);
+
+Q_SIGNALS:
+    void wanted(SetupRoad road);
+
+protected:
+    void changeEvent(QEvent *event) override;
+
+private:
+    bool isNeeded() const;
+    void addButton(QBoxLayout &row, const QString &name, const QString &title, std::function<void()> press);
+    void colour();
+    void dismiss();
+
+    MainWinController &m_document;
+};

@@ -1,0 +1,190 @@
+#include "ui/setupdialog.h"
+
+#include "app/discovery.h"
+#include "app/preferencekeys.h"
+#include "document/applicationinterface.h"
+#include "document/mainwincontroller.h"
+#include "platform/applicationhost.h"
+#include "platform/preferences.h"
+#include "ui/keychainforms.h"
+#include "ui/named.h"
+#include "ui/statetext.h"
+
+#include <QBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QTabWidget>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int charactersAcross = 72;
+
+QLabel *makeText(QWidget *parent, const QString &text)
+{
+    auto *const label = new QLabel(text, parent);
+    label->setWordWrap(true);
+    return label;
+}
+
+} // namespace
+
+SetupDialog::SetupDialog(MainWinController &document, SetupRoad road, QWidget *parent)
+    : QDialog(parent)
+    , m_document(document)
+    , m_keychain(document.host(), document.appDelegate().keychainProgram())
+    , m_roads(named(new QTabWidget(this), u"setupRoads"_s, tr("What to set up")))
+    , m_end(new QLabel(this))
+{
+    setWindowTitle(tr("Set Up"));
+    auto *const rows = new QVBoxLayout(this);
+    rows->addWidget(m_roads);
+    m_roads->addTab(makePractice(), tr("Practise on this machine"));
+    m_roads->addTab(makeDeveloperID(), tr("My Developer ID"));
+    m_roads->setCurrentIndex(road == SetupRoad::practice ? 0 : 1);
+    m_end->setObjectName(u"setupEnd"_s);
+    m_end->setWordWrap(true);
+    m_end->setVisible(false);
+    rows->addWidget(m_end);
+    auto *const cancel = named(new QPushButton(tr("Close"), this), u"setupClose"_s, tr("Close"));
+    cancel->setAutoDefault(false);
+    connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
+    rows->addWidget(cancel, 0, Qt::AlignRight);
+    setMinimumWidth(fontMetrics().averageCharWidth() * charactersAcross);
+    checkIdentity();
+}
+
+QWidget *SetupDialog::makePractice()
+{
+    auto *const page = new QWidget(m_roads);
+    auto *const rows = new QVBoxLayout(page);
+    rows->addWidget(makeText(
+        page,
+        tr("Makes a signing identity and a key of a notary service that runs on this machine. Nothing "
+           "leaves it, no account is needed, and what you notarize is accepted here alone.")));
+    auto *const form = new PracticeForm(m_keychain, PracticeForm::Extent::forAll, page);
+    connect(form, &KeychainForm::added, this, [this, form] {
+        m_identity.clear();
+        checkIdentity(form->identity());
+        checkCredentials({PracticeForm::item(), PracticeForm::appleID()}, {});
+    });
+    rows->addWidget(form);
+    rows->addStretch(1);
+    return page;
+}
+
+QWidget *SetupDialog::makeDeveloperID()
+{
+    auto *const page = new QWidget(m_roads);
+    auto *const rows = new QVBoxLayout(page);
+    m_identityState = makeState(page, u"setupIdentityState"_s);
+    m_credentialState = makeState(page, u"setupCredentialState"_s);
+    auto *const import = new ImportForm(m_keychain, page);
+    connect(import, &KeychainForm::added, this, [this] { checkIdentity(); });
+    rows->addWidget(
+        makeText(page, tr("<b>1. Signing identity</b>: a Developer ID certificate with its key")));
+    rows->addWidget(import);
+    rows->addWidget(m_identityState);
+    rows->addWidget(makeText(page,
+                             tr("<b>2. Key or password</b> for Apple's notary service, which takes keys "
+                                "only by now")));
+    rows->addWidget(makeCredentialForms(page));
+    rows->addWidget(m_credentialState);
+    statetext::put(*m_credentialState, tr("None yet."), theme::Meaning::quiet);
+    return page;
+}
+
+QWidget *SetupDialog::makeCredentialForms(QWidget *parent)
+{
+    auto *const forms = named(new QTabWidget(parent), u"setupCredentials"_s, tr("Key or password"));
+    forms->setDocumentMode(true);
+    auto *const key = new ApiKeyForm(m_keychain, forms);
+    auto *const password = new PasswordForm(m_keychain, forms);
+    forms->addTab(key, tr("API key"));
+    forms->addTab(password, tr("App-specific password"));
+    follow(*key);
+    follow(*password);
+    return forms;
+}
+
+QLabel *SetupDialog::makeState(QWidget *parent, const QString &name)
+{
+    auto *const state = new QLabel(parent);
+    state->setObjectName(name);
+    state->setTextFormat(Qt::PlainText);
+    state->setWordWrap(true);
+    return state;
+}
+
+void SetupDialog::follow(CredentialForm &form)
+{
+    connect(&form, &KeychainForm::added, this, [this, &form] {
+        checkCredentials({form.item(), form.appleID()}, {keychain::useNotary(u"apple"_s)});
+    });
+}
+
+/// Looks whether the keychain has an identity that signs: the wanted one, or any.
+void SetupDialog::checkIdentity(const QString &wanted)
+{
+    m_keychain.run(keychain::listIdentities(), *this, [this, wanted](const KeychainTools::Answer &answer) {
+        heedIdentities(discovery::identitiesInListing(answer.valueOr({})).applications, wanted);
+    });
+}
+
+void SetupDialog::heedIdentities(const QStringList &names, const QString &wanted)
+{
+    const bool isWanted =
+        wanted.isEmpty() ? !names.contains(noIdentitiesPlaceholder) : names.contains(wanted);
+    m_identity = isWanted ? (wanted.isEmpty() ? names.last() : wanted) : QString();
+    if (m_identity.isEmpty())
+        statetext::put(*m_identityState,
+                       tr("None yet: the keychain has no valid Developer ID Application identity."),
+                       theme::Meaning::quiet);
+    else
+        statetext::put(*m_identityState, u"✓ "_s + m_identity, theme::Meaning::good);
+    finishIfComplete();
+}
+
+/// Looks whether the keychain has the item; then lets the programs do the rest.
+void SetupDialog::checkCredentials(const Credentials &credentials, const QList<keychain::Command> &more)
+{
+    m_keychain.runAll(
+        QList{keychain::findPassword(credentials.item)} + more, *this,
+        [this, credentials](const KeychainTools::Answer &answer) {
+            m_credentials = answer ? credentials : Credentials();
+            const QString text =
+                answer ? u"✓ "_s + tr("“%1” is in the keychain.").arg(credentials.item) : answer.error();
+            statetext::put(*m_credentialState, text, answer ? theme::Meaning::good : theme::Meaning::bad);
+            finishIfComplete();
+        });
+}
+
+void SetupDialog::finishIfComplete()
+{
+    if (m_identity.isEmpty() || m_credentials.item.isEmpty())
+        return;
+    auto &preferences = m_document.host().preferences;
+    preferences.setValue(key::lastUsedIdentity, m_identity);
+    preferences.setValue(key::appPassValue, m_credentials.item);
+    preferences.setValue(key::appleIDValue, m_credentials.appleID);
+    if (isAnyBusy())
+        return tell(tr("All is set up. Start Sealwright anew when its runs have ended."));
+    tell(tr("All is set up. Sealwright starts anew…"));
+    m_document.host().application.relaunch();
+}
+
+bool SetupDialog::isAnyBusy() const
+{
+    const auto &documents = m_document.appDelegate().allControllers();
+    return std::any_of(documents.cbegin(), documents.cend(),
+                       [](const auto &document) { return document->isBusy(); });
+}
+
+void SetupDialog::tell(const QString &text)
+{
+    m_end->setText(text);
+    m_end->setVisible(true);
+}

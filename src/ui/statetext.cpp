@@ -1,0 +1,13 @@
+#include "ui/statetext.h"
+
+#include <QApplication>
+#include <QLabel>
+
+void statetext::put(QLabel &line, const QString &text, theme::Meaning meaning)
+{
+    QPalette palette;
+    palette.setColor(QPalette::WindowText, theme::colourOf(meaning, QApplication::palette(&line)));
+    line.setPalette(palette);
+    line.setText(text);
+    line.setVisible(!text.isEmpty());
+}

@@ -1,0 +1,168 @@
+// The windows in German: nothing is missing, and scripts and logs go on in English.
+
+#include "ui/shown.h"
+
+#include "document/credentialfields.h"
+#include "windowtest.h"
+
+#include <QAction>
+#include <QDirIterator>
+#include <QLabel>
+#include <QMenu>
+#include <QMenuBar>
+#include <QProcess>
+#include <QPushButton>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <QTranslator>
+#include <QXmlStreamReader>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString sources = QStringLiteral(SOURCES);
+const QString tsFile = sources + u"/resources/translations/sealwright_de.ts"_s;
+
+struct Message {
+    QString source;
+    QString german;
+    bool isFinished = false;
+};
+
+QList<Message> messagesIn(const QString &path)
+{
+    QFile file(path);
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << path.toStdString();
+    QXmlStreamReader reader(&file);
+    QList<Message> messages;
+    while (!reader.atEnd()) {
+        reader.readNext();
+        if (!reader.isStartElement())
+            continue;
+        if (reader.name() == "message"_L1)
+            messages.append(Message{});
+        else if (reader.name() == "source"_L1)
+            messages.last().source = reader.readElementText();
+        else if (reader.name() == "translation"_L1) {
+            messages.last().isFinished = !reader.attributes().hasAttribute("type"_L1);
+            messages.last().german = reader.readElementText(QXmlStreamReader::IncludeChildElements);
+        }
+    }
+    EXPECT_FALSE(reader.hasError());
+    return messages;
+}
+
+QStringList placesIn(const QString &text)
+{
+    static const QRegularExpression place(u"%\\d"_s);
+    QStringList places;
+    for (auto match = place.globalMatch(text); match.hasNext();)
+        places.append(match.next().captured());
+    places.sort();
+    return places;
+}
+
+/// An application whose windows speak German.
+class German {
+protected:
+    German()
+    {
+        EXPECT_TRUE(translator.load(u"sealwright_de"_s, QStringLiteral(TRANSLATIONS)));
+        QCoreApplication::installTranslator(&translator);
+    }
+    ~German() { QCoreApplication::removeTranslator(&translator); }
+
+private:
+    QTranslator translator;
+};
+
+class GermanWindow : protected German, public WindowTest { };
+
+} // namespace
+
+TEST(GermanTexts, areThereForEachTextOfTheSources)
+{
+    const QTemporaryDir folder;
+    const QString copy = folder.filePath(u"sealwright_de.ts"_s);
+    ASSERT_TRUE(QFile::copy(tsFile, copy));
+    QProcess update;
+    update.start(QStringLiteral(LUPDATE),
+                 {sources + u"/src"_s, u"-I"_s, sources + u"/src"_s, u"-silent"_s, u"-locations"_s, u"none"_s,
+                  u"-no-obsolete"_s, u"-ts"_s, copy});
+    ASSERT_TRUE(update.waitForFinished(-1));
+    ASSERT_EQ(update.exitCode(), 0) << update.readAllStandardError().constData();
+    const QList<Message> messages = messagesIn(copy);
+    EXPECT_GT(messages.size(), 400);
+    for (const Message &message : messages)
+        EXPECT_TRUE(message.isFinished && !message.german.isEmpty()) << message.source.toStdString();
+}
+
+TEST(GermanTexts, takeWhatIsPutInAndHaveALetterWhereTheEnglishDoes)
+{
+    for (const Message &message : messagesIn(tsFile)) {
+        EXPECT_EQ(placesIn(message.german), placesIn(message.source)) << message.source.toStdString();
+        EXPECT_EQ(message.german.count(u'&'), message.source.count(u'&')) << message.source.toStdString();
+    }
+}
+
+TEST(GermanTexts, ofTheCoreAreThoseThatTheCoreHas)
+{
+    QString core;
+    QDirIterator files(sources + u"/src"_s, {u"*.cpp"_s, u"*.h"_s}, QDir::Files,
+                       QDirIterator::Subdirectories);
+    while (files.hasNext()) {
+        QFile file(files.next());
+        if (file.fileName().contains(u"/src/ui/"_s) || !file.open(QIODevice::ReadOnly))
+            continue;
+        core += QString::fromUtf8(file.readAll());
+    }
+    for (QString text : coreTexts()) {
+        text.replace(u'\n', u"\\n"_s).replace(u'"', u"\\\""_s);
+        EXPECT_TRUE(core.contains(u"u\""_s + text + u'"')) << text.toStdString();
+    }
+}
+
+TEST_F(GermanWindow, hasGermanMenusWithALetterOfItsOwnForEachItem)
+{
+    auto &menus = *widget().findChild<QMenuBar *>();
+    EXPECT_EQ(menus.actions().first()->text(), u"&Datei"_s);
+    QList<QList<QAction *>> groups{menus.actions()};
+    for (const QAction *const top : menus.actions())
+        groups.append(top->menu()->actions());
+    for (const QList<QAction *> &group : groups) {
+        QString letters;
+        for (const QAction *const action : group) {
+            const qsizetype mark = action->text().indexOf(u'&');
+            const QChar letter = mark < 0 ? QChar() : action->text().at(mark + 1).toLower();
+            EXPECT_FALSE(!letter.isNull() && letters.contains(letter)) << action->text().toStdString();
+            letters += letter;
+        }
+    }
+}
+
+TEST_F(GermanWindow, showsAlertsAndStatesInGermanAndLogsAndReportsThemInEnglish)
+{
+    EXPECT_EQ(part<QPushButton>(u"submitAppButton"_s).text(), u"Einreichen …"_s);
+    EXPECT_EQ(document().submitAppButton.title(), u"Submit…"_s);
+    EXPECT_EQ(document().statusString(), u"ready"_s);
+    document().appleIDField.setStringValue(u""_s);
+    EXPECT_FALSE(checkCredentialFields(document()));
+    EXPECT_EQ(awaitSheet().text(), u"Apple-ID fehlt"_s);
+    EXPECT_EQ(awaitSheet().informativeText(), u"Sie müssen Ihre Apple-ID eingeben."_s);
+    EXPECT_EQ(host.log(LogStyle::error).last(), u"You need to enter your Apple ID."_s);
+    answer(u"OK"_s);
+}
+
+TEST_F(GermanWindow, putsNamesIntoGermanSentences)
+{
+    EXPECT_EQ(shown(u"The file 'Foo %2 & Bar.app' is now ready for distribution."_s),
+              u"Die Datei „Foo %2 & Bar.app“ kann jetzt verteilt werden."_s);
+    EXPECT_EQ(shown(u"what a tool says"_s), u"what a tool says"_s);
+}
+
+TEST(ShownText, isTheCoresOwnInEnglish)
+{
+    for (const QString &text : coreTexts())
+        EXPECT_EQ(shown(text), text);
+}
