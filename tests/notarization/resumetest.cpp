@@ -107,6 +107,29 @@ TEST_F(Resuming, theRecordHasWhatTheEndNeedsAndIsForTheUserAlone)
               QFile::Permissions());
 }
 
+TEST_F(Resuming, theRecordIsThereBeforeTheNotaryToolHasEnded)
+{
+    host.tools.answerRun(u"altool--notarize-app"_s, 1, {.output = FakeTools::uploadReply(), .hangs = true});
+    host.launch();
+    host.document().commands().submit.submitURL(itempath::toUrl(host.item(u"Foo.app"_s)));
+    host.runUntil([this] { return !record().isEmpty(); });
+    EXPECT_EQ(in(u"folder"_s), host.item(u"Foo - Working"_s));
+    EXPECT_EQ(waiting(), QStringList{host.item(u"Foo - Working"_s)});
+    EXPECT_TRUE(waits::isAttended(host.host(), waits::all(host.host()).first()));
+    host.tools.release(u"altool--notarize-app"_s, 1);
+    host.settle();
+    EXPECT_EQ(in(u"folder"_s), host.item(u"Foo - Submitted"_s));
+}
+
+TEST_F(Resuming, anUploadThatFailsAfterItsReceiptIsNotOnRecord)
+{
+    host.tools.answer(u"altool--notarize-app"_s, {.status = 1, .output = FakeTools::uploadReply()});
+    host.launch();
+    host.submit(host.item(u"Foo.app"_s));
+    EXPECT_EQ(host.listing(), (QStringList{u"Foo - Failed"_s, u"Foo.app"_s}));
+    EXPECT_EQ(records(), QStringList());
+}
+
 TEST_F(Resuming, aRefusalEndsTheRecordToo)
 {
     waitAndEnd();

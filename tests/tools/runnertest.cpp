@@ -67,6 +67,25 @@ TEST_F(Runner, longOutputOnBothStreamsIsCollectedWhole)
     EXPECT_EQ(response->errorData(), QByteArray(2000000, 'y'));
 }
 
+TEST_F(Runner, aListenerHearsTheOutputWhileTheToolRuns)
+{
+    QByteArray heard;
+    bool wasRunning = false;
+    {
+        const std::scoped_lock turn(runner.monitor());
+        runner.setListener([&](const QByteArray &output) {
+            heard += output;
+            wasRunning = runner.currentTask() != nullptr;
+        });
+        EXPECT_EQ(shell(u"echo out; echo wrong >&2"_s)->outputString(), u"out\n"_s);
+        runner.setListener({});
+    }
+    EXPECT_EQ(heard, "out\n");
+    EXPECT_TRUE(wasRunning);
+    EXPECT_EQ(shell(u"echo more"_s)->outputString(), u"more\n"_s);
+    EXPECT_EQ(heard, "out\n");
+}
+
 TEST_F(Runner, aToolThatDiesOfASignalHasItsNumberAsTheStatus)
 {
     const auto response = shell(u"echo out; kill -SEGV $$"_s);
