@@ -117,6 +117,18 @@ bool fits(int algorithm, int digest, const QByteArray &certificate)
     return isCombined ? combinedDigest == digest && combinedKey == ofKey : algorithm == ofKey;
 }
 
+/// Whether the certificate's own signature fills its bytes. One that leaves out bits which are zero anyway
+/// verifies all the same, so that the number of them could be changed unseen.
+bool hasWholeSignature(const QByteArray &certificate)
+{
+    constexpr long unusedBits = 7; // of ASN1_STRING's flags, as <openssl/asn1.h> has them
+    const Certificate leaf = certificateFrom(certificate);
+    const ASN1_BIT_STRING *signature = nullptr;
+    if (leaf)
+        X509_get0_signature(&signature, nullptr, leaf.get());
+    return signature && (signature->flags & unusedBits) == 0;
+}
+
 /// Issuer and serial number, byte for byte as in the certificate.
 bool names(const QByteArray &content, const QByteArray &certificate)
 {
@@ -142,8 +154,9 @@ bool areUnsignedAttributes(const QByteArray &content)
     return list && std::all_of(list->begin(), list->end(), [](const BerValue &attribute) {
                Values values(attribute.content);
                values.takeExactly(timeStampTokenAttribute);
-               (void)values.take(setTag);
-               return attribute.whole.startsWith(sequenceTag) && values.isDone();
+               Values tokens(values.contentOf(setTag));
+               (void)tokens.take(sequenceTag);
+               return attribute.whole.startsWith(sequenceTag) && values.isDone() && tokens.isDone();
            });
 }
 
@@ -152,7 +165,7 @@ int digestOfSigner(const QByteArray &content, const QByteArray &leaf)
 {
     Values values(content);
     values.takeExactly(versionOne);
-    bool isGood = names(values.contentOf(sequenceTag), leaf);
+    bool isGood = names(values.contentOf(sequenceTag), leaf) && hasWholeSignature(leaf);
     const int digest = algorithmIn(values.contentOf(sequenceTag));
     values.skipAll(firstContext);
     isGood = fits(algorithmIn(values.contentOf(sequenceTag)), digest, leaf) && isGood;

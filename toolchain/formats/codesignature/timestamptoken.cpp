@@ -9,6 +9,7 @@
 #include "formats/codesignature/attributereader.h"
 #include "formats/codesignature/berreader.h"
 #include "formats/codesignature/cmsform.h"
+#include "formats/codesignature/cmsreader.h"
 #include "formats/cryptography.h"
 
 using namespace Qt::StringLiterals;
@@ -90,6 +91,24 @@ bool namesItsSigner(PKCS7 *token, X509 *signer)
     return isNamed;
 }
 
+/// Whether the signature is over the token's attributes as they stand; libcrypto digests what it has made of
+/// them.
+bool isOverWhatStandsThere(const QByteArray &bytes, const PKCS7 *token)
+{
+    const ASN1_TYPE *content = token->d.sign->contents->d.other;
+    auto signature = readCms(bytes);
+    if (!signature || !content || content->type != V_ASN1_OCTET_STRING)
+        return false;
+    signature->formProblem.clear(); // it is told for a detached signature
+    const QByteArray stamped(
+        reinterpret_cast<const char *>(ASN1_STRING_get0_data(content->value.octet_string)),
+        ASN1_STRING_length(content->value.octet_string));
+    const auto digest = [&stamped](QCryptographicHash::Algorithm algorithm) {
+        return QCryptographicHash::hash(stamped, algorithm);
+    };
+    return objectionTo(*signature, {digest, {}}).isEmpty();
+}
+
 bool hasOneSigner(PKCS7 *token)
 {
     return PKCS7_type_is_signed(token) && token->d.sign && token->d.sign->cert
@@ -120,7 +139,7 @@ Result<VerifiedTimestamp> trusted(const QByteArray &bytes, PKCS7 *token, TS_TST_
                                   const TrustStore &store)
 {
     X509 *signer = verifiedSigner(token);
-    if (!signer)
+    if (!signer || !isOverWhatStandsThere(bytes, token))
         return Error{u"the time stamp's own signature does not verify"_s};
     const QString formProblem = objectionToForm(bytes, derOf(signer), CmsContent::TimeStamp);
     if (!formProblem.isEmpty())
