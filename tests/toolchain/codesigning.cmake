@@ -2,10 +2,10 @@
 target_sources(tst_toolchain PRIVATE
     coveredbytes.cpp coveredbytes.h
     machobuilder.cpp machobuilder.h
-    tst_changedbytes.cpp
-    tst_codesign.cpp
-    tst_codesignature.cpp
-    tst_codeverify.cpp)
+    changedbytestest.cpp
+    codesigntest.cpp
+    codesignaturetest.cpp
+    codeverifytest.cpp)
 target_link_libraries(tst_toolchain PRIVATE tool_codesignature tool_codeverification)
 
 # Not a test: script/verify compares what it makes of other signers' files.

@@ -5,9 +5,9 @@ sealwright_test(tst_notary
     notaryfixture.cpp notaryfixture.h
     toolfixture.cpp toolfixture.h
     relay.cpp relay.h
-    tst_notaryfaults.cpp
-    tst_notaryservice.cpp
-    tst_notaryways.cpp)
+    notaryfaultstest.cpp
+    notaryservicetest.cpp
+    notarywaystest.cpp)
 target_link_libraries(tst_notary PRIVATE Qt6::Core slw_propertylist tool_notaryclient)
 target_compile_definitions(tst_notary PRIVATE TOOLCHAIN_ROOT="${SEALWRIGHT_TOOLCHAIN}"
     PARTNERS_SCRIPT="${CMAKE_CURRENT_SOURCE_DIR}/notarypartners.py"

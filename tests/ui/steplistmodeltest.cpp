@@ -1,7 +1,7 @@
 // The list of steps as rows of text.
 
-#include "support/allsteps.h"
 #include "ui/steplistmodel.h"
+#include "support/allsteps.h"
 
 #include "support/fakehost.h"
 

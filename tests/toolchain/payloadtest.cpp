@@ -1,6 +1,6 @@
+#include "formats/package/payload.h"
 #include "formats/package/bom.h"
 #include "formats/package/expansion.h"
-#include "formats/package/payload.h"
 #include "toolchain/bundlebuilder.h"
 #include "toolchain/cpiobuilder.h"
 #include "toolchain/toolfixture.h"

@@ -1,7 +1,7 @@
+#include "ui/theme.h"
 #include "ui/appearance.h"
 #include "ui/controlpainting.h"
 #include "ui/controlstyle.h"
-#include "ui/theme.h"
 
 #include "support/desktopsignal.h"
 #include "support/fakehost.h"

@@ -1,5 +1,5 @@
-#include "support/allsteps.h"
 #include "ui/outcomebanner.h"
+#include "support/allsteps.h"
 #include "windowtest.h"
 
 #include "support/fakehost.h"

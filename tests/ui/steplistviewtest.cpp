@@ -1,5 +1,5 @@
-#include "support/allsteps.h"
 #include "ui/steplistview.h"
+#include "support/allsteps.h"
 
 #include "document/steplist.h"
 #include "support/fakehost.h"

@@ -178,4 +178,4 @@ TEST_F(DropDmg, saysOnTheBusWhenAConfigurationComesOrGoes)
     daemon.waitForFinished();
 }
 
-#include "tst_dropdmg.moc"
+#include "dropdmgtest.moc"

@@ -1,10 +1,10 @@
 // What still waits for a verdict, as a person sees it and goes on with it.
 
+#include "ui/waitingbanner.h"
 #include "platform/itempath.h"
 #include "run/waitrecords.h"
 #include "support/items.h"
 #include "ui/outcomebanner.h"
-#include "ui/waitingbanner.h"
 #include "windowtest.h"
 
 #include <QDragEnterEvent>

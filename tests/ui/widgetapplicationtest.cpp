@@ -1,7 +1,7 @@
+#include "ui/widgetapplication.h"
 #include "app/preferencekeys.h"
 #include "notarization/stapleonlyworkflow.h"
 #include "ui/preferenceswindow.h"
-#include "ui/widgetapplication.h"
 
 #include "windowtest.h"
 
