@@ -110,7 +110,7 @@ public:
         const WalkPlace place{u"."_s, path, 0};
         const auto archive = xar::Archive::open(path);
         if (!archive)
-            return; // told where it was to be unpacked
+            return; // told where it is to be unpacked
         const auto judgement = package::judgePackage(*archive);
         using Verdict = package::PackageJudgement::Verdict;
         if (judgement.verdict == Verdict::NotSigned)
@@ -185,10 +185,11 @@ ItemReview reviewItem(const QString &path, const QString &archiveName)
     Reviewer reviewer(archiveName, review);
     UnpackBudget budget;
     if (isUpload(path)) {
-        walkContents(path, budget, reviewer);
+        // The item's own signature comes first: where it does not hold, damage within follows from that.
         reviewer.judgeImage(path);
         if (xar::Archive::looksLikeOne(path))
             reviewer.judgePackage(path);
+        walkContents(path, budget, reviewer);
     } else {
         reviewer.damage(u"it is neither a zip archive nor a disk image nor a flat package"_s);
     }
