@@ -8,25 +8,25 @@ using namespace Qt::StringLiterals;
 
 TEST(Item, isNamedByItsPath)
 {
-    const Item item(u"/work/My.Tool.pkg"_s);
+    const Item item(u"/items/My.Tool.pkg"_s);
     EXPECT_EQ(item.fileName(), u"My.Tool.pkg"_s);
     EXPECT_EQ(item.base(), u"My.Tool"_s) << "the last extension goes alone";
-    EXPECT_EQ(item.folder(), u"/work"_s);
-    EXPECT_EQ(item.url(), QUrl(u"file:///work/My.Tool.pkg"_s));
-    EXPECT_EQ(Item(u"/work/tool"_s).base(), u"tool"_s);
+    EXPECT_EQ(item.folder(), u"/items"_s);
+    EXPECT_EQ(item.url(), QUrl(u"file:///items/My.Tool.pkg"_s));
+    EXPECT_EQ(Item(u"/items/tool"_s).base(), u"tool"_s);
 }
 
 TEST(Item, ofAFoldersUrlLosesTheSlashAtItsEnd)
 {
-    EXPECT_EQ(Item::fromUrl(QUrl(u"file:///work/Foo.app/"_s)).path(), u"/work/Foo.app"_s);
-    EXPECT_EQ(Item::fromUrl(QUrl(u"file:///work/B%C3%A4r.app"_s)).path(), u"/work/B\u00e4r.app"_s);
+    EXPECT_EQ(Item::fromUrl(QUrl(u"file:///items/Foo.app/"_s)).path(), u"/items/Foo.app"_s);
+    EXPECT_EQ(Item::fromUrl(QUrl(u"file:///items/B%C3%A4r.app"_s)).path(), u"/items/B\u00e4r.app"_s);
 }
 
 TEST(Item, ofNoUrlIsNone)
 {
     EXPECT_TRUE(Item().isNone());
     EXPECT_TRUE(Item::fromUrl({}).isNone());
-    EXPECT_FALSE(Item(u"/work/Foo.app"_s).isNone());
+    EXPECT_FALSE(Item(u"/items/Foo.app"_s).isNone());
 }
 
 struct KindRow {
@@ -41,7 +41,7 @@ TEST_P(KindOfAnItem, isTheExtensionInAnyLetterCase)
 {
     const QString extension = QString::fromLatin1(GetParam().name);
     for (const QString &written : {extension, extension.toUpper()}) {
-        const Item item(u"/work/Foo."_s + written);
+        const Item item(u"/items/Foo."_s + written);
         EXPECT_EQ(item.kind(), GetParam().kind) << written.toStdString();
         EXPECT_EQ(item.isBundle(), GetParam().isBundle);
         EXPECT_EQ(item.isApp(), GetParam().kind == ItemKind::app);
