@@ -9,15 +9,12 @@
 #include <QFileInfo>
 #include <QFileSystemWatcher>
 #include <QMap>
-#include <QRandomGenerator>
 #include <QTimer>
 
 #include <archive.h>
 #include <archive_entry.h>
 
 #include <fcntl.h>
-#include <signal.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -55,22 +52,6 @@ QMap<QString, Entry> readZip(const QString &path)
     }
     archive_read_free(zip);
     return entries;
-}
-
-void limitFileSize()
-{
-    signal(SIGXFSZ, SIG_IGN);
-    const rlimit limit{64 << 10, 64 << 10};
-    setrlimit(RLIMIT_FSIZE, &limit);
-}
-
-QByteArray randomBytes(int count)
-{
-    QByteArray bytes(count, '\0');
-    QRandomGenerator generator(1);
-    for (char &byte : bytes)
-        byte = static_cast<char>(generator.generate());
-    return bytes;
 }
 
 class Ditto : public ToolFixture {

@@ -11,35 +11,17 @@
 #include <QEventLoop>
 #include <QFileInfo>
 #include <QFileSystemWatcher>
-#include <QRandomGenerator>
 #include <QTimer>
 #include <QVariantMap>
 
 #include <fcntl.h>
 #include <signal.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
 namespace {
-
-void limitFileSize()
-{
-    signal(SIGXFSZ, SIG_IGN);
-    const rlimit limit{64 << 10, 64 << 10};
-    setrlimit(RLIMIT_FSIZE, &limit);
-}
-
-QByteArray randomBytes(int count)
-{
-    QByteArray bytes(count, '\0');
-    QRandomGenerator generator(1);
-    for (char &byte : bytes)
-        byte = static_cast<char>(generator.generate());
-    return bytes;
-}
 
 class HdiutilAttach : public DiskImageFixture {
 protected:

@@ -7,13 +7,11 @@
 #include <QEventLoop>
 #include <QFileInfo>
 #include <QFileSystemWatcher>
-#include <QRandomGenerator>
 #include <QTimer>
 #include <QVariantMap>
 #include <QtEndian>
 
 #include <fcntl.h>
-#include <signal.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -23,15 +21,6 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-
-QByteArray randomBytes(int count)
-{
-    QByteArray bytes(count, '\0');
-    QRandomGenerator generator(1);
-    for (char &byte : bytes)
-        byte = static_cast<char>(generator.generate());
-    return bytes;
-}
 
 /// The CRC-32 that Ethernet and zip files use, bit by bit.
 quint32 crc32Of(const QByteArray &bytes)
@@ -49,13 +38,6 @@ template <typename Number>
 Number numberAt(const QByteArray &bytes, qsizetype offset)
 {
     return qFromBigEndian<Number>(bytes.constData() + offset);
-}
-
-void limitFileSize()
-{
-    signal(SIGXFSZ, SIG_IGN);
-    const rlimit limit{64 << 10, 64 << 10};
-    setrlimit(RLIMIT_FSIZE, &limit);
 }
 
 void limitMemory()

@@ -7,10 +7,12 @@
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QProcessEnvironment>
+#include <QRandomGenerator>
 #include <QThread>
 #include <QVariantMap>
 
 #include <signal.h>
+#include <sys/resource.h>
 
 using namespace Qt::StringLiterals;
 
@@ -60,6 +62,22 @@ bool ToolFixture::waitUntil(const std::function<bool()> &isSo)
         QThread::msleep(10);
     }
     return true;
+}
+
+QByteArray ToolFixture::randomBytes(int count)
+{
+    QByteArray bytes(count, '\0');
+    QRandomGenerator generator(1);
+    for (char &byte : bytes)
+        byte = static_cast<char>(generator.generate());
+    return bytes;
+}
+
+void ToolFixture::limitFileSize()
+{
+    signal(SIGXFSZ, SIG_IGN);
+    const rlimit limit{64 << 10, 64 << 10};
+    setrlimit(RLIMIT_FSIZE, &limit);
 }
 
 QString ToolFixture::toolRoot()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QProcess>
 #include <QStringList>
 #include <QTemporaryDir>
@@ -46,6 +47,12 @@ protected:
 
     /// False only if that is not so after minutes.
     [[nodiscard]] static bool waitUntil(const std::function<bool()> &isSo);
+
+    /// Bytes that do not pack; the same each time.
+    [[nodiscard]] static QByteArray randomBytes(int count);
+
+    /// For a tool's process: no file of it may become longer than 64 KiB.
+    static void limitFileSize();
 
     /// The folder of the built tools.
     [[nodiscard]] static QString toolRoot();
