@@ -25,11 +25,6 @@ constexpr qsizetype headOfLog = 64 * 1024; // bytes
 constexpr qint64 daysKept = 30; // for a folder that may come back
 const QString endOfSubmitted = u" - Submitted"_s;
 
-platform::FileService &filesOf(const platform::Host &host)
-{
-    return host.files;
-}
-
 // The identifier
 
 /// It becomes an argument of the notary tool, which must not take it for an option.
@@ -43,7 +38,7 @@ bool canBeIdentifier(const QString &text)
 QString identifierIn(const platform::Host &host, const QString &folder)
 {
     const auto bytes =
-        filesOf(host).readFile(itempath::appending(folder, workingfolder::requestUUIDName.toString()));
+        host.files.readFile(itempath::appending(folder, workingfolder::requestUUIDName.toString()));
     return bytes ? QString::fromUtf8(*bytes).trimmed() : QString();
 }
 
@@ -58,14 +53,14 @@ QString sibling(const WaitRecord &record, QStringView suffix)
 /// Whether the folder is the record's: by its identifier, or while it has none yet by the item in it.
 bool isFolderOf(const platform::Host &host, const WaitRecord &record, const QString &folder)
 {
-    if (!filesOf(host).kind(folder).isDirectory)
+    if (!host.files.kind(folder).isDirectory)
         return false;
     const QString identifier = identifierIn(host, folder);
     if (!identifier.isEmpty())
         return identifier == record.identifier.trimmed();
     const QString item = itempath::appending(folder, record.item);
-    return filesOf(host).isReachable(item)
-        && (record.itemState.isEmpty() || filesOf(host).stateOf(item) == record.itemState);
+    return host.files.isReachable(item)
+        && (record.itemState.isEmpty() || host.files.stateOf(item) == record.itemState);
 }
 
 /// The record with the name that its folder has now. Its last name but one may not be on record.
@@ -94,7 +89,7 @@ bool isOver(const platform::Host &host, const WaitRecord &record)
 bool isForgotten(const platform::Host &host, const WaitRecord &record)
 {
     return record.since.isValid() && record.since.daysTo(host.clock.now()) > daysKept
-        && filesOf(host).kind(itempath::folder(record.folder)).isDirectory;
+        && host.files.kind(itempath::folder(record.folder)).isDirectory;
 }
 
 // A folder by itself
@@ -115,7 +110,7 @@ bool isSubmittable(const QString &name)
 QString itemIn(const platform::Host &host, const QString &folder, const QString &base)
 {
     QStringList images;
-    for (const QString &name : filesOf(host).contentsOfDirectory(folder, platform::FolderLink::leaveAlone)) {
+    for (const QString &name : host.files.contentsOfDirectory(folder, platform::FolderLink::leaveAlone)) {
         if (isSubmittable(name) && itempath::withoutExtension(name) == base)
             return name;
         if (itempath::lowerExtension(name) == "dmg"_L1)
@@ -128,7 +123,7 @@ QString itemIn(const platform::Host &host, const QString &folder, const QString 
 QString originalInLog(const platform::Host &host, const QString &folder, const QString &base)
 {
     static const QRegularExpression line(u"Beginning processing of \\S* at '([^\\n]+)'\\n"_s);
-    const auto bytes = filesOf(host).readFile(itempath::appending(folder, workingfolder::logName.toString()));
+    const auto bytes = host.files.readFile(itempath::appending(folder, workingfolder::logName.toString()));
     const QString head =
         bytes ? QString::fromUtf8(bytes->first(std::min(bytes->size(), headOfLog))) : QString();
     const QString name = itempath::lastComponent(line.match(head).captured(1));
@@ -144,7 +139,7 @@ QString originalOf(const platform::Host &host, const QString &folder, const QStr
     const QString likeItem = base + u'.' + itempath::extension(item);
     for (const QString &extension : QStringList{itempath::extension(item)} + submittableExtensions()) {
         const QString name = base + u'.' + extension;
-        if (filesOf(host).isReachable(itempath::appending(itempath::folder(folder), name)))
+        if (host.files.isReachable(itempath::appending(itempath::folder(folder), name)))
             return name;
     }
     return likeItem;
@@ -183,7 +178,7 @@ QString folderFor(const platform::Host &host, const QString &path)
         itempath::appending(itempath::folder(path),
                             workingfolder::name(itempath::withoutExtension(itempath::lastComponent(path)),
                                                 workingfolder::submitted));
-    return isSubmittable(path) && filesOf(host).kind(beside).isDirectory ? beside : QString();
+    return isSubmittable(path) && host.files.kind(beside).isDirectory ? beside : QString();
 }
 
 } // namespace
@@ -208,7 +203,7 @@ platform::Result<WaitRecord> at(const platform::Host &host, const QString &path)
         if (wait.folder == path || wait.folder == folder)
             return wait;
     }
-    if (!filesOf(host).isReachable(path))
+    if (!host.files.isReachable(path))
         return platform::Error{u"There is no item at '%1'."_s.arg(path)};
     if (folder.isNull())
         return platform::Error{u"'%1' is no folder that an upload has left."_s.arg(path)};
@@ -217,13 +212,13 @@ platform::Result<WaitRecord> at(const platform::Host &host, const QString &path)
 
 bool isFolderOfOne(const platform::Host &host, const QString &path)
 {
-    return !baseOf(path).isNull() && filesOf(host).kind(path).isDirectory
+    return !baseOf(path).isNull() && host.files.kind(path).isDirectory
         && canBeIdentifier(identifierIn(host, path));
 }
 
 bool isAttended(const platform::Host &host, const WaitRecord &wait)
 {
-    return filesOf(host).isClaimed(wait.folder);
+    return host.files.isClaimed(wait.folder);
 }
 
 } // namespace waits
