@@ -120,18 +120,10 @@ std::optional<StepState> DocumentPage::runState() const
     const StepList &steps = m_document.stepList;
     if (steps.running())
         return StepState::running;
-    switch (m_banner->outcome().kind) {
-    case RunOutcome::Kind::notarized:
-    case RunOutcome::Kind::isSigned:
-        return StepState::done;
-    case RunOutcome::Kind::refused:
-    case RunOutcome::Kind::failed:
-        return StepState::failed;
-    case RunOutcome::Kind::cancelled:
-        return StepState::cancelled;
-    default:
+    const RunOutcome::Kind kind = m_banner->outcome().kind;
+    if (kind == RunOutcome::Kind::none || kind == RunOutcome::Kind::waiting)
         return std::nullopt;
-    }
+    return stateOf(kind);
 }
 
 QString DocumentPage::progress() const

@@ -87,6 +87,25 @@ theme::Meaning meaningOf(RunOutcome::Kind kind)
     return theme::Meaning::quiet;
 }
 
+StepState stateOf(RunOutcome::Kind kind)
+{
+    switch (kind) {
+    case RunOutcome::Kind::notarized:
+    case RunOutcome::Kind::isSigned:
+        return StepState::done;
+    case RunOutcome::Kind::refused:
+    case RunOutcome::Kind::failed:
+        return StepState::failed;
+    case RunOutcome::Kind::cancelled:
+        return StepState::cancelled;
+    case RunOutcome::Kind::waiting:
+        return StepState::running;
+    case RunOutcome::Kind::none:
+        break;
+    }
+    return StepState::waiting;
+}
+
 qsizetype lengthOfTime(QStringView line)
 {
     static const QRegularExpression time(u"^\\d\\d:\\d\\d:\\d\\d[.,]\\d+: "_s);

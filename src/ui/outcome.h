@@ -28,6 +28,8 @@ struct LastWords {
 /// Nothing while a run goes on, but for the wait for the verdict. Pure.
 [[nodiscard]] RunOutcome outcomeOf(const StepList &steps, const LastWords &words);
 [[nodiscard]] theme::Meaning meaningOf(RunOutcome::Kind kind);
+/// The state of a step whose sign the outcome has.
+[[nodiscard]] StepState stateOf(RunOutcome::Kind kind);
 /// A line of the log without the time that it begins with.
 [[nodiscard]] QString withoutTime(QStringView line);
 /// How many characters of the line are its time, with what stands between it and the rest; 0 if it has none.

@@ -30,25 +30,6 @@ constexpr int edge = 4; // pixels of full colour at the leading end
 constexpr qreal radius = 8; // pixels, of a corner
 constexpr int interval = 1000; // milliseconds
 
-StepState stateOf(RunOutcome::Kind kind)
-{
-    switch (kind) {
-    case RunOutcome::Kind::notarized:
-    case RunOutcome::Kind::isSigned:
-        return StepState::done;
-    case RunOutcome::Kind::refused:
-    case RunOutcome::Kind::failed:
-        return StepState::failed;
-    case RunOutcome::Kind::cancelled:
-        return StepState::cancelled;
-    case RunOutcome::Kind::waiting:
-        return StepState::running;
-    case RunOutcome::Kind::none:
-        break;
-    }
-    return StepState::waiting;
-}
-
 QLabel *makeLabel(QWidget *parent, const QString &name)
 {
     auto *const label = new QLabel(parent);
