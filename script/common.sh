@@ -77,7 +77,7 @@ buildPreset() { # PRESET [TARGET ...]
     if [[ -z ${CMAKE_CXX_COMPILER_LAUNCHER-} ]] && command -v ccache >/dev/null; then
         export CMAKE_CXX_COMPILER_LAUNCHER=ccache
         # Without these it keeps nothing that was compiled with precompiled headers.
-        export CCACHE_SLOPPINESS=${CCACHE_SLOPPINESS-pch_defines,time_macros,include_file_mtime,include_file_ctime}
+        export CCACHE_SLOPPINESS=${CCACHE_SLOPPINESS-pch_defines,time_macros}
     fi
     say "Building $preset"
     quietly cmake --preset "$preset" || fail "the preset $preset could not be configured"
