@@ -97,7 +97,7 @@ qint64 stallOfTheHistory()
     constexpr int submissions = 5000;
     QList<HistoryEntry> entries;
     for (int number = 0; number < submissions; ++number)
-        entries.append({u"2019-06-%1 10:00:00 +0000"_s.arg(number % 28 + 1, 2, 10, u'0'),
+        entries.append({u"2019-06-%1 10:00:00 +0000"_s.arg(number % 28 + 1, 2, 10, QChar(u'0')),
                         QString::number(number * 7919 % submissions), u"success"_s, u"0"_s,
                         u"Package Approved"_s});
     HistoryModel history;
