@@ -7,9 +7,6 @@
 #include <QRandomGenerator>
 #include <QTemporaryDir>
 
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
 #include <zlib.h>
 
 #include <algorithm>
@@ -60,24 +57,8 @@ void packByZlib(const QString &path)
 /// The most memory that a program had, in MiB.
 double peakOf(const QStringList &command)
 {
-    std::vector<QByteArray> words;
-    std::vector<char *> arguments;
-    for (const QString &word : command)
-        words.push_back(QFile::encodeName(word));
-    std::transform(words.begin(), words.end(), std::back_inserter(arguments),
-                   [](QByteArray &word) { return word.data(); });
-    arguments.push_back(nullptr);
-    const pid_t child = fork();
-    if (child == 0) {
-        execv(arguments.front(), arguments.data());
-        _exit(1);
-    }
-    int status = 0;
-    struct rusage usage = {};
-    if (child < 0 || wait4(child, &status, 0, &usage) != child || status != 0)
-        qFatal("%s failed", arguments.front());
-    constexpr double kilobytesInMebibyte = 1024;
-    return double(usage.ru_maxrss) / kilobytesInMebibyte;
+    constexpr double bytesInMebibyte = 1024 * 1024;
+    return double(measuring::peakMemoryOf(command)) / bytesInMebibyte;
 }
 
 } // namespace

@@ -67,6 +67,22 @@ void runDiscarding(const QStringList &command)
         qFatal("%s failed", qPrintable(command.first()));
 }
 
+// What a process had before it became the program counts as the program's: a small one starts it.
+qint64 peakMemoryOf(const QStringList &command)
+{
+    const QString starter = uR"(
+import resource, subprocess, sys
+subprocess.run(sys.argv[1:], stdout=subprocess.DEVNULL, check=True)
+print(resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss)
+)"_s;
+    QProcess process;
+    process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    process.start(u"/usr/bin/python3"_s, QStringList{u"-c"_s, starter} + command);
+    if (!process.waitForFinished(-1) || process.exitCode() != 0)
+        qFatal("%s failed", qPrintable(command.first()));
+    return process.readAllStandardOutput().trimmed().toLongLong() * bytesInKilobyte;
+}
+
 qint64 residentMemory()
 {
     return accountOf("VmRSS:");

@@ -18,6 +18,9 @@ namespace measuring {
 /// Starts a program, throws its output away and waits for its end. A failure ends the process.
 void runDiscarding(const QStringList &command);
 
+/// The most memory that a program had until its end; bytes. A failure ends the process.
+[[nodiscard]] qint64 peakMemoryOf(const QStringList &command);
+
 /// Bytes of this process that are in memory now, and that were at most since the peak was forgotten.
 [[nodiscard]] qint64 residentMemory();
 [[nodiscard]] qint64 peakMemory();

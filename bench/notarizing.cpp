@@ -13,10 +13,6 @@
 #include <QTemporaryDir>
 #include <QUrl>
 
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <csignal>
 #include <memory>
 #include <vector>
@@ -167,23 +163,7 @@ void uploadByCurl(const Service &service, const QString &archive)
 /// The most memory that a program had, in MiB.
 double memoryOf(const QString &program, const QStringList &arguments)
 {
-    std::vector<QByteArray> words{QFile::encodeName(program)};
-    for (const QString &argument : arguments)
-        words.push_back(argument.toUtf8());
-    std::vector<char *> pointers;
-    for (QByteArray &word : words)
-        pointers.push_back(word.data());
-    pointers.push_back(nullptr);
-    const pid_t process = fork();
-    if (process == 0) {
-        execv(pointers.front(), pointers.data());
-        _exit(127);
-    }
-    int status = 0;
-    rusage usage = {};
-    if (process < 0 || wait4(process, &status, 0, &usage) != process || status != 0)
-        qFatal("%s failed", qPrintable(program));
-    return double(usage.ru_maxrss) / 1024;
+    return double(measuring::peakMemoryOf(QStringList{program} + arguments)) / mebibyte;
 }
 
 /// Runs all at once, and answers what each printed.
