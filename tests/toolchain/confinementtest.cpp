@@ -10,7 +10,9 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include <fcntl.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -106,7 +108,84 @@ protected:
     }
 };
 
+/// The folders of readers that went before, all of them old.
+class TheFolderOfAReader : public DiskImageFixture {
+protected:
+    void SetUp() override
+    {
+        DiskImageFixture::SetUp();
+        ASSERT_TRUE(QDir().mkpath(path(u"temporary"_s)));
+        m_chosen = qgetenv("TMPDIR");
+        qputenv("TMPDIR", path(u"temporary"_s).toLocal8Bit());
+    }
+    void TearDown() override
+    {
+        m_chosen.isEmpty() ? qunsetenv("TMPDIR") : qputenv("TMPDIR", m_chosen);
+        DiskImageFixture::TearDown();
+    }
+
+    /// Answers its path.
+    [[nodiscard]] QByteArray leave(const QString &name) const
+    {
+        const QString folder = path(u"temporary/"_s + name);
+        writeFile(folder + u"/inside/file"_s, "of before");
+        constexpr timespec longAgo[] = {{1, 0}, {1, 0}};
+        EXPECT_EQ(utimensat(AT_FDCWD, QFile::encodeName(folder), longAgo, 0), 0);
+        return QFile::encodeName(folder);
+    }
+    [[nodiscard]] QStringList left() const { return namesIn(path(u"temporary"_s)); }
+
+private:
+    QByteArray m_chosen;
+};
+
 } // namespace
+
+TEST_F(TheFolderOfAReader, goesWithItsReader)
+{
+    {
+        const toolchain::ReaderFolder folder;
+        EXPECT_EQ(QFileInfo(folder.path()).path(), path(u"temporary"_s));
+        writeFile(folder.path() + u"/inside/file"_s, "of now");
+    }
+    EXPECT_EQ(left(), QStringList());
+}
+
+TEST_F(TheFolderOfAReader, thatWasKilledIsRemovedByALaterOne)
+{
+    (void)leave(u"sealwright-reader-abcdef"_s);
+    const toolchain::ReaderFolder folder;
+    EXPECT_EQ(left(), QStringList{QFileInfo(folder.path()).fileName()});
+}
+
+TEST_F(TheFolderOfAReader, thatIsAtWorkStays)
+{
+    const toolchain::ReaderFolder working;
+    constexpr timespec longAgo[] = {{1, 0}, {1, 0}};
+    ASSERT_EQ(utimensat(AT_FDCWD, QFile::encodeName(working.path()), longAgo, 0), 0);
+    const toolchain::ReaderFolder folder;
+    EXPECT_TRUE(QFileInfo::exists(working.path()));
+}
+
+TEST_F(TheFolderOfAReader, thatMayHaveNoLockYetStays)
+{
+    const QString young = path(u"temporary/sealwright-reader-abcdef"_s);
+    ASSERT_TRUE(QDir().mkpath(young));
+    const toolchain::ReaderFolder folder;
+    EXPECT_TRUE(QFileInfo::exists(young));
+}
+
+TEST_F(TheFolderOfAReader, isToldFromWhatOthersLeft)
+{
+    const QByteArray longer = leave(u"sealwright-reader-abcdefg"_s);
+    const QByteArray other = leave(u"sealwright-backup"_s);
+    ASSERT_TRUE(QFile::link(QString::fromLocal8Bit(other), path(u"temporary/sealwright-reader-linked"_s)));
+    const toolchain::ReaderFolder folder;
+    EXPECT_EQ(left().size(), 4);
+    EXPECT_TRUE(left().contains(u"sealwright-reader-linked"_s));
+    EXPECT_EQ(readFile(QString::fromLocal8Bit(longer) + u"/inside/file"_s), "of before");
+    EXPECT_EQ(readFile(QString::fromLocal8Bit(other) + u"/inside/file"_s), "of before");
+}
 
 TEST_F(AConfinedProcess, writesInItsFolderAndNowhereElse)
 {

@@ -164,12 +164,6 @@ QString keepToCalls()
     return isSet ? QString() : u"seccomp: %1"_s.arg(QString::fromLocal8Bit(strerror(errno)));
 }
 
-QString folderForTemporaryFiles()
-{
-    const QString chosen = qEnvironmentVariable("TMPDIR");
-    return chosen.isEmpty() ? u"/var/tmp"_s : chosen;
-}
-
 } // namespace
 
 platform::Result<void> confineThisProcess(const ConfinementPlaces &places)
@@ -182,12 +176,11 @@ platform::Result<void> confineThisProcess(const ConfinementPlaces &places)
 }
 
 ReaderConfinement::ReaderConfinement(ConfinementPlaces places)
-    : m_temporary(folderForTemporaryFiles() + u"/sealwright-XXXXXX"_s)
 {
-    if (m_temporary.isValid()) {
-        qputenv("TMPDIR", QFile::encodeName(m_temporary.path()));
-        places.folders.append(m_temporary.path());
-        places.parents.append(QFileInfo(m_temporary.path()).path());
+    if (const QString temporary = m_temporary.path(); !temporary.isEmpty()) {
+        qputenv("TMPDIR", QFile::encodeName(temporary));
+        places.folders.append(temporary);
+        places.parents.append(QFileInfo(temporary).path());
     }
     if (const auto confined = confineThisProcess(places); !confined)
         m_complaint = confined.error();

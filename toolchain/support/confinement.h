@@ -1,10 +1,10 @@
 #pragma once
 
 #include "platform/result.h"
+#include "support/readerfolder.h"
 
 #include <QString>
 #include <QStringList>
-#include <QTemporaryDir>
 
 namespace toolchain {
 
@@ -21,8 +21,8 @@ struct ConfinementPlaces {
 [[nodiscard]] platform::Result<void> confineThisProcess(const ConfinementPlaces &places);
 
 /// For a program that is about to read files that nobody vouches for: confines it to `places` and to a folder
-/// of its own for temporary files, which TMPDIR names from now on and which goes with this. That folder is
-/// made in TMPDIR, else in /var/tmp. Once in a process, before any thread is started.
+/// of its own for temporary files, which TMPDIR names from now on. Once in a process, before any thread is
+/// started.
 class ReaderConfinement {
 public:
     explicit ReaderConfinement(ConfinementPlaces places = {});
@@ -34,7 +34,7 @@ public:
     void tellComplaint(const char *program) const;
 
 private:
-    QTemporaryDir m_temporary;
+    ReaderFolder m_temporary;
     QString m_complaint;
 };
 
