@@ -61,42 +61,52 @@ double peakOf(const QStringList &command)
     return double(measuring::peakMemoryOf(command)) / bytesInMebibyte;
 }
 
+/// A folder with a file of those bytes, on a disk.
+struct Material {
+    Material()
+    {
+        if (!QDir().mkpath(folder))
+            qFatal("the material cannot be written");
+        writeMaterial(file);
+    }
+
+    const QTemporaryDir place{u"/var/tmp/sealwright-bench-XXXXXX"_s};
+    const QString folder = place.filePath(u"material"_s);
+    const QString file = folder + u"/bytes"_s;
+};
+
+std::function<void()> runner(const QStringList &command)
+{
+    return [command] { measuring::runDiscarding(command); };
+}
+
 } // namespace
 
 QList<Figure> rows::diskImages()
 {
-    const QTemporaryDir place(u"/var/tmp/sealwright-bench-XXXXXX"_s);
-    const QString folder = place.filePath(u"material"_s);
-    const QString image = place.filePath(u"image.dmg"_s);
-    const QString archive = place.filePath(u"archive.zip"_s);
-    const QString other = place.filePath(u"other.zip"_s);
-    if (!QDir().mkpath(folder))
-        qFatal("the material cannot be written");
-    const QString material = folder + u"/bytes"_s;
-    writeMaterial(material);
-    const QStringList create{tool(u"hdiutil"_s), u"create"_s,     image, u"-ov"_s,
-                             u"-quiet"_s,        u"-srcfolder"_s, folder};
+    const Material material;
+    const QString image = material.place.filePath(u"image.dmg"_s);
+    const QStringList create{tool(u"hdiutil"_s), u"create"_s,     image,          u"-ov"_s,
+                             u"-quiet"_s,        u"-srcfolder"_s, material.folder};
     const QStringList verify{tool(u"hdiutil"_s), u"verify"_s, u"-quiet"_s, image};
-    const QStringList pack{tool(u"ditto"_s), u"-c"_s, u"-k"_s, folder, archive};
-    const auto runner = [](const QStringList &command) {
-        return [command] { measuring::runDiscarding(command); };
-    };
-    const auto zip = [&] {
+    const double creation = measuring::ratio(rounds, runner(create), [&] { packByZlib(material.file); });
+    const double reading =
+        measuring::ratio(rounds, runner(verify), runner({u"/usr/bin/7z"_s, u"t"_s, image}));
+    return {{u"an image of 1 GiB, over one thread of zlib"_s, creation, 0.65, {}},
+            {u"the memory that takes"_s, peakOf(create), 128, u"MiB"_s},
+            {u"reading it with all checksums, over 7z t"_s, reading, 1 / 1.5, {}}};
+}
+
+QList<Figure> rows::archives()
+{
+    const Material material;
+    const QString archive = material.place.filePath(u"archive.zip"_s);
+    const QString other = material.place.filePath(u"other.zip"_s);
+    const QStringList pack{tool(u"ditto"_s), u"-c"_s, u"-k"_s, material.folder, archive};
+    const double packing = measuring::ratio(rounds, runner(pack), [&] {
         QFile::remove(other);
-        measuring::runDiscarding({u"/usr/bin/zip"_s, u"-q"_s, u"-r"_s, u"-6"_s, other, folder});
-    };
-    QList<Figure> figures;
-    figures.append({u"an image of 1 GiB, over one thread of zlib"_s,
-                    measuring::ratio(rounds, runner(create), [&] { packByZlib(material); }),
-                    0.65,
-                    {}});
-    figures.append({u"the memory that takes"_s, peakOf(create), 128, u"MiB"_s});
-    figures.append({u"reading it with all checksums, over 7z t"_s,
-                    measuring::ratio(rounds, runner(verify), runner({u"/usr/bin/7z"_s, u"t"_s, image})),
-                    1 / 1.5,
-                    {}});
-    figures.append(
-        {u"an archive of 1 GiB, over zip -r -6"_s, measuring::ratio(rounds, runner(pack), zip), 0.65, {}});
-    figures.append({u"the memory that takes"_s, peakOf(pack), 128, u"MiB"_s});
-    return figures;
+        measuring::runDiscarding({u"/usr/bin/zip"_s, u"-q"_s, u"-r"_s, u"-6"_s, other, material.folder});
+    });
+    return {{u"an archive of 1 GiB, over zip -r -6"_s, packing, 0.65, {}},
+            {u"the memory that takes"_s, peakOf(pack), 128, u"MiB"_s}};
 }

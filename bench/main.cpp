@@ -28,6 +28,7 @@ constexpr Row table[] = {
     {"waiting", rows::waitingDocuments},
     {"scripted", rows::scriptedSubmissions},
     {"images", rows::diskImages},
+    {"archives", rows::archives},
     {"seal", rows::bundleSeal},
     {"package", rows::packageSigning},
     {"large-signature", rows::signingOfALargeFile},

@@ -17,6 +17,7 @@ namespace rows {
 [[nodiscard]] QList<Figure> waitingDocuments();
 [[nodiscard]] QList<Figure> scriptedSubmissions();
 [[nodiscard]] QList<Figure> diskImages();
+[[nodiscard]] QList<Figure> archives();
 [[nodiscard]] QList<Figure> bundleSeal();
 [[nodiscard]] QList<Figure> packageSigning();
 [[nodiscard]] QList<Figure> signingOfALargeFile();
