@@ -5,6 +5,9 @@
 
 #include <QRegularExpression>
 
+#include <iterator>
+#include <vector>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -22,53 +25,127 @@ struct Trouble {
     const char *value;
     Cure cure;
     QList<const NotaryCall *> calls;
+    const char16_t *told; ///< what stands in the line that tells of a failure
 };
 
 const QList<const NotaryCall *> api{&listing, &submitting, &asking, &logging};
-const QList<const NotaryCall *> all{&listing, &submitting, &putting, &asking, &logging, &reading};
-const QList<const NotaryCall *> storage{&putting};
+const QList<const NotaryCall *> storage{&putting, &beginningParts, &puttingPart, &completingParts};
+const QList<const NotaryCall *> all = api + storage + QList<const NotaryCall *>{&reading};
 
-const QList<Trouble> &troubles()
+/// The fault that concerns it alone passes the beginning by itself.
+constexpr NotaryCall ending{"the end of parts", "^/s3/", "POST", 0, true};
+
+const char16_t *const brokeOff = u" could not be reached or broke off: ";
+const char16_t *const notUnderstood = u"reply was not understood: ";
+
+/// What a gateway, a network or a service in trouble does.
+const QList<Trouble> &troublesOfTheWay()
 {
     static const QList<Trouble> list{
-        {"status", "500", Cure::Waiting, all},
-        {"status", "502", Cure::Waiting, all},
-        {"status", "503", Cure::Waiting, all},
-        {"status", "504", Cure::Waiting, all},
-        {"status", R"({"code":429,"retryAfter":3})", Cure::Waiting, all},
-        {"status", "429", Cure::Waiting, all},
-        {"close", "", Cure::Waiting, all},
-        {"reset", "", Cure::Waiting, all},
-        {"cut", "10", Cure::Waiting, all},
-        {"cut", "0", Cure::Waiting, all},
-        {"not-json", "", Cure::Waiting, api},
-        {"huge", "6000000", Cure::Waiting, api},
-        {"missing-field", R"("data")", Cure::Waiting, api},
-        {"s3-error", R"("SlowDown")", Cure::Waiting, storage},
-        {"s3-error", R"("InternalError")", Cure::Waiting, storage},
-        {"s3-error", R"({"code":"RequestTimeout","late":true})", Cure::Waiting, storage},
-        {"s3-error", R"({"code":"InternalError","late":true})", Cure::Waiting, storage},
-        {"delay", "0.05", Cure::Nothing, all},
-        {"stall", "0.05", Cure::Nothing, all},
-        {"drip", "50000", Cure::Nothing, all},
-        {"slow-read", "1000000", Cure::Nothing, all},
-        {"status", "401", Cure::Remedy, api},
-        {"s3-error", R"("ExpiredToken")", Cure::Remedy, storage},
-        {"s3-error", R"({"code":"ExpiredToken","late":true})", Cure::Remedy, storage},
-        {"s3-error", R"("RequestTimeTooSkewed")", Cure::Remedy, storage},
-        {"status", "400", Cure::None, all},
-        {"status", R"({"code":403,"kind":"agreement"})", Cure::None, all},
-        {"status", R"({"code":403,"kind":"provider"})", Cure::None, api},
-        {"status", R"({"code":400,"kind":"html"})", Cure::None, api},
-        {"status", "404", Cure::None, {&submitting, &asking}},
-        {"s3-error", R"("AccessDenied")", Cure::None, storage},
-        {"s3-error", R"("SignatureDoesNotMatch")", Cure::None, storage},
-        {"s3-error", R"("InvalidAccessKeyId")", Cure::None, storage},
-        {"s3-error", R"("BadDigest")", Cure::None, storage},
-        {"s3-error", R"("EntityTooLarge")", Cure::None, storage},
-        {"s3-error", R"({"code":"XAmzContentSHA256Mismatch","late":true})", Cure::None, storage},
-        {"s3-error", R"("PermanentRedirect")", Cure::None, storage},
+        {"status", "500", Cure::Waiting, all, u"HTTP status 500"},
+        {"status", R"({"code":500,"kind":"html"})", Cure::Waiting, all, u"HTTP status 500"},
+        {"status", "502", Cure::Waiting, all, u"HTTP status 502"},
+        {"status", "503", Cure::Waiting, all, u"HTTP status 503"},
+        {"status", R"({"code":503,"kind":"json"})", Cure::Waiting, all, u"HTTP status 503"},
+        {"status", "504", Cure::Waiting, all, u"HTTP status 504"},
+        {"status", R"({"code":504,"kind":"text"})", Cure::Waiting, all, u"HTTP status 504"},
+        {"status", R"({"code":429,"retryAfter":3})", Cure::Waiting, all, u"429"},
+        {"status", "429", Cure::Waiting, all, u"429"},
+        {"close", "", Cure::Waiting, all, brokeOff},
+        {"reset", "", Cure::Waiting, all, brokeOff},
+        {"reset", "1000", Cure::Waiting, {&putting, &puttingPart}, brokeOff},
+        {"cut", "10", Cure::Waiting, all, brokeOff},
+        {"cut", "0", Cure::Waiting, all, brokeOff},
+        {"delay", "0.05", Cure::Nothing, all, u""},
+        {"stall", "0.05", Cure::Nothing, all, u""},
+        {"drip", "50000", Cure::Nothing, all, u""},
+        {"slow-read", "1000000", Cure::Nothing, api, u""},
+        {"slow-read", "1000000", Cure::Nothing, {&putting, &reading}, u""},
+        {"clock", "1500", Cure::Nothing, api + storage, u""},
+        {"clock", "-1500", Cure::Nothing, api + storage, u""},
     };
+    return list;
+}
+
+/// What the service itself answers.
+const QList<Trouble> &troublesOfTheService()
+{
+    static const QList<Trouble> list{
+        {"not-json", "", Cure::Waiting, api, notUnderstood},
+        {"huge", "6000000", Cure::Waiting, api, u"the reply has more than 5000000 bytes"},
+        {"huge", "6000000", Cure::Nothing, {&reading}, u""},
+        {"missing-field", R"("data")", Cure::Waiting, api, notUnderstood},
+        {"missing-field", R"("attributes")", Cure::Waiting, {&submitting, &asking, &logging}, notUnderstood},
+        {"missing-field", R"("status")", Cure::Waiting, {&asking}, notUnderstood},
+        {"missing-field", R"("status")", Cure::Nothing, {&listing}, u""},
+        {"missing-field", R"("createdDate")", Cure::Nothing, {&listing, &asking}, u""},
+        {"missing-field", R"("id")", Cure::Nothing, {&listing, &asking, &logging}, u""},
+        {"missing-field", R"("id")", Cure::Waiting, {&submitting}, notUnderstood},
+        {"missing-field", R"("bucket")", Cure::Waiting, {&submitting}, notUnderstood},
+        {"missing-field", R"("object")", Cure::Waiting, {&submitting}, notUnderstood},
+        {"missing-field", R"("awsAccessKeyId")", Cure::Waiting, {&submitting}, notUnderstood},
+        {"missing-field", R"("awsSecretAccessKey")", Cure::Waiting, {&submitting}, notUnderstood},
+        {"missing-field", R"("awsSessionToken")", Cure::None, {&submitting}, u"InvalidToken"},
+        {"missing-field", R"("developerLogUrl")", Cure::Waiting, {&logging}, notUnderstood},
+        {"missing-field", R"("jobId")", Cure::None, {&reading}, notUnderstood},
+        {"log-not-json", "", Cure::None, {&reading}, notUnderstood},
+        {"status", "401", Cure::Remedy, api, u"did not accept the API key (HTTP 401)"},
+        {"status", R"({"code":401,"kind":"json"})", Cure::Remedy, api,
+         u"did not accept the API key (HTTP 401)"},
+        {"status", R"({"code":401,"kind":"html"})", Cure::Remedy, api,
+         u"did not accept the API key (HTTP 401)"},
+        {"status", "400", Cure::None, all, u"HTTP status 400"},
+        {"status", R"({"code":400,"kind":"json"})", Cure::None, all, u"HTTP status 400"},
+        {"status", R"({"code":403,"kind":"agreement"})", Cure::None, api,
+         u"A required agreement is missing or has expired."},
+        {"status", R"({"code":403,"kind":"provider"})", Cure::None, api, u"This provider does not exist."},
+        {"status", R"({"code":403,"kind":"html"})", Cure::None, all, u"403"},
+        {"status", "404", Cure::None, {&submitting}, u"HTTP status 404"},
+        {"status", "404", Cure::None, {&asking}, u"Could not find the RequestUUID."},
+        {"status", "404", Cure::Nothing, {&listing}, u""},
+        {"status", "404", Cure::None, storage + QList<const NotaryCall *>{&reading}, u"HTTP status 404"},
+        {"status", "401", Cure::None, storage + QList<const NotaryCall *>{&reading}, u"401"},
+    };
+    return list;
+}
+
+/// What the storage answers, before it has read a body or after.
+const QList<Trouble> &troublesOfTheStorage()
+{
+    struct Code {
+        const char *name;
+        Cure cure;
+        const char16_t *told;
+    };
+    static const Code codes[] = {
+        {"SlowDown", Cure::Waiting, u"the storage asks to slow down"},
+        {"InternalError", Cure::Waiting, u"the storage has an internal error"},
+        {"RequestTimeout", Cure::Waiting, u"waited too long for the file's bytes"},
+        {"ExpiredToken", Cure::Remedy, u"the upload's credentials have expired"},
+        {"NoSuchUpload", Cure::Remedy, u"does not know the upload any more"},
+        {"RequestTimeTooSkewed", Cure::Remedy, u"differs from the storage's by more than 15 minutes"},
+        {"AccessDenied", Cure::None, u"the storage denies the access"},
+        {"SignatureDoesNotMatch", Cure::None, u"does not accept the request's signature"},
+        {"InvalidAccessKeyId", Cure::None, u"does not know the upload's credentials"},
+        {"BadDigest", Cure::None, u"the file was changed while it was being uploaded"},
+        {"XAmzContentSHA256Mismatch", Cure::None, u"the file was changed while it was being uploaded"},
+        {"EntityTooLarge", Cure::None, u"the file is too large for the storage"},
+        {"PermanentRedirect", Cure::None, u"the storage is at another address or in another region"},
+        {"TemporaryRedirect", Cure::None, u"the storage is at another address or in another region"},
+    };
+    static const QList<Trouble> list = [] {
+        QList<Trouble> made;
+        static QList<QByteArray> values; // the troubles point into them
+        values.reserve(qsizetype(std::size(codes)) * 2);
+        for (const Code &code : codes) {
+            values.append('"' + QByteArray(code.name) + '"');
+            made.append({"s3-error", values.last().constData(), code.cure, storage, code.told});
+            made.append({"complete-error", values.last().constData(), code.cure, {&ending}, code.told});
+            values.append(R"({"code":")" + QByteArray(code.name) + R"(","late":true})");
+            made.append({"s3-error", values.last().constData(), code.cure, storage, code.told});
+        }
+        return made;
+    }();
     return list;
 }
 
@@ -84,6 +161,13 @@ bool isOfLog(const NotaryCall &call)
     return &call == &logging || &call == &reading;
 }
 
+/// A call's tries, of which a log's address has three times as many; a part that fails is one of three, and
+/// an upload may begin anew.
+int mostRequests(const NotaryCall &call)
+{
+    return isOfLog(call) || call.isOfParts ? 12 : 4;
+}
+
 class NotaryFaults : public NotaryFixture {
 protected:
     void SetUp() override
@@ -92,14 +176,28 @@ protected:
         m_decided = decidedRequest();
         m_archive = makeArchive();
         m_bytes = bundlebuilder::readFile(m_archive);
+        m_large = makeArchive(u"Large.zip"_s, (128LL << 20) + 1);
     }
 
-    /// Each seventh, so that every trouble and every call has its turn, unless SEALWRIGHT_WHOLE_MATRIX asks
-    /// for all.
-    static bool isAmongThoseTried()
+    /// One of so many, so that every trouble and every call has its turn, unless SEALWRIGHT_WHOLE_MATRIX asks
+    /// for all. Parts cost most.
+    bool isAmongThoseTried(const NotaryCall &call)
     {
-        static int number = 0;
-        return number++ % 7 == 0 || qEnvironmentVariableIsSet("SEALWRIGHT_WHOLE_MATRIX");
+        int &number = call.isOfParts ? m_numberOfParts : m_number;
+        return number++ % (call.isOfParts ? 37 : 11) == 0
+            || qEnvironmentVariableIsSet("SEALWRIGHT_WHOLE_MATRIX");
+    }
+
+    void meetAll(const QList<Trouble> &troubles)
+    {
+        for (const Trouble &trouble : troubles) {
+            for (const NotaryCall *call : trouble.calls) {
+                for (const int count : {1, 3, -1}) {
+                    if (isAmongThoseTried(*call))
+                        meet(trouble, *call, count);
+                }
+            }
+        }
     }
 
     void meet(const Trouble &trouble, const NotaryCall &call, int count)
@@ -108,14 +206,32 @@ protected:
                      + std::to_string(count) + " times");
         forgetRequests();
         ASSERT_EQ(setFaults(faultAt(call, trouble.fault, count, trouble.value)), 200);
-        const ToolResult result = run(xcrun, commandFor(call, m_archive, m_decided));
+        const bool isGood = passes(trouble.cure, call, count);
+        const ToolResult result =
+            run(xcrun, commandFor(call, call.isOfParts ? m_large : m_archive, m_decided));
         if (isOfLog(call))
-            expectVerdict(result, passes(trouble.cure, call, count));
+            expectVerdict(result, isGood);
         else
-            expectEnd(result, passes(trouble.cure, call, count));
-        EXPECT_LE(requestsTo(call), isOfLog(call) ? 12 : 4);
+            expectEnd(result, isGood);
+        EXPECT_TRUE(isGood || failureIn(result).contains(QString::fromUtf16(trouble.told)))
+            << result.error.toStdString();
+        EXPECT_LE(requestsTo(call), mostRequests(call));
         EXPECT_EQ(bundlebuilder::readFile(m_archive), m_bytes);
         expectNoSecretIn(result);
+    }
+
+    /// After the last byte, or in the time that the whole call has.
+    static bool saysThatNothingCame(const ToolResult &result)
+    {
+        return failureIn(result).contains(u"nothing came for "_s)
+            || failureIn(result).contains(u"no whole reply came in time"_s);
+    }
+
+    /// The line that tells of a failure.
+    static QString failureIn(const ToolResult &result)
+    {
+        static const QRegularExpression line(u"(?m)^altool.*( \\*\\*\\* Error: |warning: the log ).*$"_s);
+        return line.match(result.error).captured();
     }
 
     /// The verdict stands whatever becomes of the log.
@@ -146,20 +262,66 @@ protected:
     QString m_decided;
     QString m_archive;
     QByteArray m_bytes;
+    QString m_large; ///< goes in parts
+    int m_number = 0;
+    int m_numberOfParts = 0;
 };
 
 } // namespace
 
-TEST_F(NotaryFaults, endAsTheyAreToAtEveryCallOnceThriceAndForEver)
+TEST_F(NotaryFaults, ofTheWayEndAsTheyAreToAtEveryCallOnceThriceAndForEver)
 {
-    for (const Trouble &trouble : troubles()) {
-        for (const NotaryCall *call : trouble.calls) {
-            for (const int count : {1, 3, -1}) {
-                if (isAmongThoseTried())
-                    meet(trouble, *call, count);
-            }
-        }
+    meetAll(troublesOfTheWay());
+}
+
+TEST_F(NotaryFaults, ofTheServiceEndAsTheyAreToAtEveryCallOnceThriceAndForEver)
+{
+    meetAll(troublesOfTheService());
+}
+
+TEST_F(NotaryFaults, ofTheStorageEndAsTheyAreToAtEveryCallOnceThriceAndForEver)
+{
+    meetAll(troublesOfTheStorage());
+}
+
+/// All wait at the same time, each on a call of its own.
+TEST_F(NotaryFaults, silenceAtEveryCallIsGivenUp)
+{
+    const QString reported = decidedRequest();
+    const QString logged = decidedRequest();
+    const QByteArray asked = "/submissions/" + m_decided.toLatin1() + '$';
+    const QByteArray addressed = "/submissions/" + reported.toLatin1() + "/logs$";
+    const QByteArray read = "^/artifacts/" + logged.toLatin1();
+    const NotaryCall ask{asking.name, asked.constData(), "GET"};
+    const NotaryCall address{logging.name, addressed.constData(), "GET"};
+    const NotaryCall log{reading.name, read.constData(), "GET"};
+    const NotaryCall submitLater{submitting.name, submitting.pattern, "POST", 1}; // the upload's goes before
+    QByteArrayList faults;
+    for (const NotaryCall *call : {&listing, &putting, &submitLater, &ask, &address, &log})
+        faults.append(faultAt(*call, "stall", -1).chopped(1).sliced(1));
+    forgetRequests();
+    ASSERT_EQ(setFaults('[' + faults.join(',') + ']'), 200);
+    std::vector<std::unique_ptr<QProcess>> ordinary;
+    ordinary.push_back(start(xcrun, commandFor(putting, m_archive, {})));
+    ASSERT_TRUE(waitUntil([this] { return requestsTo(putting) > 0; }));
+    ordinary.push_back(start(xcrun, commandFor(submitting, m_archive, {})));
+    ordinary.push_back(start(xcrun, commandFor(listing, {}, {})));
+    ordinary.push_back(start(xcrun, commandFor(asking, {}, m_decided)));
+    const auto ofAddress = start(xcrun, commandFor(logging, {}, reported));
+    const auto ofLog = start(xcrun, commandFor(reading, {}, logged));
+    for (const auto &process : ordinary) {
+        const ToolResult result = finish(*process);
+        expectEnd(result, false);
+        EXPECT_TRUE(saysThatNothingCame(result)) << result.error.toStdString();
     }
+    for (QProcess *process : {ofAddress.get(), ofLog.get()}) {
+        const ToolResult result = finish(*process);
+        expectVerdict(result, false);
+        EXPECT_TRUE(saysThatNothingCame(result)) << result.error.toStdString();
+    }
+    for (const NotaryCall *call : {&listing, &putting, &ask, &address, &log})
+        EXPECT_LE(requestsTo(*call), 4) << call->name;
+    EXPECT_LE(requestsTo(submitting), 5);
 }
 
 TEST_F(NotaryFaults, troubleForEverIsMetFourTimes)

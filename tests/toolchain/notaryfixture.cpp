@@ -66,8 +66,8 @@ void NotaryFixture::forgetRequests() const
 QByteArray faultAt(const NotaryCall &call, const char *name, int count, const QByteArray &value)
 {
     return QByteArray("[{\"fault\":\"") + name + "\",\"path\":\"" + call.pattern + "\",\"method\":\""
-        + call.method + "\",\"count\":" + QByteArray::number(count)
-        + (value.isEmpty() ? "" : ",\"value\":" + value) + "}]";
+        + call.method + "\",\"skip\":" + QByteArray::number(call.skip)
+        + ",\"count\":" + QByteArray::number(count) + (value.isEmpty() ? "" : ",\"value\":" + value) + "}]";
 }
 
 int NotaryFixture::requestsTo(const NotaryCall &call) const

@@ -11,11 +11,16 @@ struct NotaryCall {
     const char *name;
     const char *pattern; ///< over the path
     const char *method;
+    int skip = 0; ///< so many requests of this kind are another call's
+    bool isOfParts = false; ///< of an upload that goes in parts
 };
 
 inline constexpr NotaryCall listing{"the history", "/submissions$", "GET"};
 inline constexpr NotaryCall submitting{"the submission", "/submissions$", "POST"};
 inline constexpr NotaryCall putting{"the upload", "^/s3/", "PUT"};
+inline constexpr NotaryCall beginningParts{"the beginning of parts", "^/s3/", "POST", 0, true};
+inline constexpr NotaryCall puttingPart{"a part", "^/s3/", "PUT", 1, true};
+inline constexpr NotaryCall completingParts{"the end of parts", "^/s3/", "POST", 1, true};
 inline constexpr NotaryCall asking{"the question", "/submissions/[^/]+$", "GET"};
 inline constexpr NotaryCall logging{"the log's address", "/logs$", "GET"};
 inline constexpr NotaryCall reading{"the log", "^/artifacts/", "GET"};

@@ -7,7 +7,9 @@ sealwright_test(tst_notary
     relay.cpp relay.h
     notaryfaultstest.cpp
     notaryservicetest.cpp
-    notarywaystest.cpp)
+    notarywaystest.cpp
+    notaryusetest.cpp
+    ticketfaultstest.cpp)
 target_link_libraries(tst_notary PRIVATE Qt6::Core slw_propertylist tool_notaryclient)
 target_compile_definitions(tst_notary PRIVATE TOOLCHAIN_ROOT="${SEALWRIGHT_TOOLCHAIN}"
     PARTNERS_SCRIPT="${CMAKE_CURRENT_SOURCE_DIR}/notarypartners.py"

@@ -52,7 +52,8 @@ service's protocol of today, with an API key; passwords are taken by that servic
   --output-format FORMAT   normal (the default), or xml for a property list
 
 The history is all that the service tells, the 100 newest requests, on page 0.
-Exit status: 0 done, 1 failed, 64 wrong arguments, 239 a RequestUUID that the service does not know.
+Exit status: 0 done, 1 failed, 2 an option that is not built, 64 wrong arguments, 239 a RequestUUID that the service does
+not know.
 )";
 
 constexpr int failedStatus = 1;
@@ -76,10 +77,21 @@ void warn(const QString &text)
     printError("altool: warning: " + text.toStdString() + "\n");
 }
 
+/// On one line, whatever a file is called.
+QString onOneLine(QString text)
+{
+    for (QChar &character : text) {
+        if (character.category() == QChar::Other_Control)
+            character = u' ';
+    }
+    return text;
+}
+
 /// The process in brackets is the tool's old habit: its readers cut a text behind the first closing bracket.
 void printFailure(const QString &message)
 {
-    printError("altool[" + std::to_string(getpid()) + "] *** Error: " + message.toStdString() + "\n");
+    printError("altool[" + std::to_string(getpid()) + "] *** Error: " + onOneLine(message).toStdString()
+               + "\n");
 }
 
 int fail(const ParsedArguments &arguments, const ServiceFailure &failure)
@@ -119,7 +131,7 @@ void warnOfClock(const NotaryApi &api)
     const qint64 offset = api.clock().offset();
     if (std::abs(offset) > farOffSeconds)
         warn(u"this machine's clock is %1 minutes %2 the service's"_s.arg(
-            QString::number(std::abs(offset) / 60), offset > 0 ? u"behind"_s : u"ahead of"_s));
+            QString::number((std::abs(offset) + 30) / 60), offset > 0 ? u"behind"_s : u"ahead of"_s));
 }
 
 /// Whether a file begins or ends as one that the service takes: a zip archive, a package, a disk image.

@@ -16,7 +16,9 @@ int main(int argc, char **argv)
         print(altoolHelp());
         return 0;
     }
+    const bool isUnknown = arguments.error.starts_with("unrecognized");
     if (!arguments.error.empty())
-        return refuseArguments("altool", arguments.error, "Run altool --help for the commands.\n");
+        return refuseArguments("altool", arguments.error, "Run altool --help for the commands.\n",
+                               isUnknown ? notBuiltStatus : usageStatus);
     return runAltool(arguments);
 }

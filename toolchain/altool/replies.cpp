@@ -31,6 +31,18 @@ QString logUrl(const QString &logPath)
     return QUrl::fromLocalFile(logPath).toString(QUrl::FullyEncoded);
 }
 
+/// A path as a property list can hold it: XML knows no other control characters than these
+/// (https://www.w3.org/TR/xml/#charsets).
+QString inXml(QString text)
+{
+    for (QChar &character : text) {
+        const bool isSpace = character == u'\t' || character == u'\n' || character == u'\r';
+        if (!isSpace && (character < u' ' || character == QChar(0xfffe) || character == QChar(0xffff)))
+            character = QChar::ReplacementCharacter;
+    }
+    return text;
+}
+
 Reply xmlReply(QVariantMap entries)
 {
     entries.insert(u"tool-version"_s, toolVersion());
@@ -139,7 +151,7 @@ Reply uploadReply(const QString &id, const QString &archive, OutputFormat format
     if (format == OutputFormat::Normal)
         return {(uploadMessage(archive) + u"\nRequestUUID = "_s + id + u'\n').toUtf8(), {}};
     return xmlReply({{u"notarization-upload"_s, QVariantMap{{u"RequestUUID"_s, id}}},
-                     {u"success-message"_s, uploadMessage(archive)}});
+                     {u"success-message"_s, inXml(uploadMessage(archive))}});
 }
 
 Reply infoReply(const InfoReport &report, OutputFormat format)
@@ -170,8 +182,9 @@ Reply providersReply(const Provider &provider, OutputFormat format)
     return xmlReply({{u"providers"_s, QVariantList{entry}}});
 }
 
-Reply failureReply(const QString &message, int code)
+Reply failureReply(const QString &text, int code)
 {
+    const QString message = inXml(text);
     const QVariantMap details{{u"NSLocalizedDescription"_s, message},
                               {u"NSLocalizedFailureReason"_s, u"Apple Services operation failed."_s},
                               {u"NSLocalizedRecoverySuggestion"_s, message}};

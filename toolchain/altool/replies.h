@@ -52,7 +52,7 @@ struct StatusTexts {
 [[nodiscard]] Reply providersReply(const Provider &provider, OutputFormat format);
 
 /// A failure as a property list.
-[[nodiscard]] Reply failureReply(const QString &message, int code);
+[[nodiscard]] Reply failureReply(const QString &text, int code);
 
 /// "4.1.0"
 [[nodiscard]] QString toolVersion();

@@ -1,6 +1,7 @@
 #include "formats/identities.h"
 #include "formats/passwords.h"
 #include "formats/statefolder.h"
+#include "keychain/commandline.h"
 #include "keychain/notarycommands.h"
 #include "keychain/vaultcommands.h"
 #include "support/arguments.h"
@@ -15,12 +16,13 @@ using namespace toolchain;
 
 namespace {
 
-constexpr std::string_view usage =
+constexpr std::string_view usageLines =
     R"(Usage: sealwright-keychain make-identity --name NAME [--kind application|installer]
        sealwright-keychain add-password ITEM
        sealwright-keychain path
-       sealwright-keychain --help
+)";
 
+constexpr std::string_view details = R"(
 Keeps the keychain that this toolchain's security, codesign and altool read.
 
   make-identity   have the authority of this machine make a key and a certificate with Apple's extensions for
@@ -29,9 +31,19 @@ Keeps the keychain that this toolchain's security, codesign and altool read.
                   Developer ID Installer: NAME. Does nothing if that identity is there already.
   add-password    keep the first line of standard input under the name ITEM
   path            print where the folder is
-
-Nobody but this toolchain on this machine trusts such an identity, and every answer about it says so.
 )";
+
+constexpr std::string_view ending = R"(
+Nobody but this toolchain on this machine trusts an identity that was made here, and every answer about it says so.
+Exit status: 0 done, 1 failed, 2 an option that is not built, 64 wrong use.
+)";
+
+/// All commands, without what each does.
+std::string shortUsage()
+{
+    return std::string(usageLines) + std::string(vaultUsage()) + std::string(notaryUsage())
+        + "       sealwright-keychain --help\n";
+}
 
 /// A certificate's common name holds 64 characters at most (X.520, ub-common-name).
 constexpr qsizetype longestCommonName = 64;
@@ -96,11 +108,11 @@ int makeIdentityFrom(const ParsedArguments &arguments)
 {
     const auto kind = kindFrom(arguments);
     if (!kind)
-        return refuseArguments("sealwright-keychain", "--kind is application or installer", usage);
+        return refuseArguments("sealwright-keychain", "--kind is application or installer", shortUsage());
     const QString name = QString::fromStdString(arguments.value("--name"));
     const QString objection = objectionTo(name, *kind);
     if (!objection.isEmpty())
-        return refuseArguments("sealwright-keychain", objection.toStdString(), usage);
+        return refuseArguments("sealwright-keychain", objection.toStdString(), shortUsage());
     return makeNamedIdentity(name, *kind);
 }
 
@@ -117,28 +129,25 @@ int addPassword(const std::string &name)
     return 0;
 }
 
+int tellPath()
+{
+    print(keychainFolder().toStdString() + "\n");
+    return 0;
+}
+
 int run(const ParsedArguments &arguments)
 {
-    const auto &words = arguments.operands;
-    const std::string command = words.empty() ? "" : words.front();
-    const auto notaryStatus = runNotaryCommand(arguments);
-    if (notaryStatus)
+    const std::string problem = commandLineProblem(arguments);
+    if (!problem.empty())
+        return refuseArguments("sealwright-keychain", problem, shortUsage());
+    if (const auto notaryStatus = runNotaryCommand(arguments))
         return *notaryStatus;
     if (const auto vaultStatus = runVaultCommand(arguments))
         return *vaultStatus;
-    const bool isMaking = command == "make-identity";
-    if (!isMaking && (arguments.has("--name") || arguments.has("--kind")))
-        return refuseArguments("sealwright-keychain", "--name and --kind belong to make-identity", usage);
-    if (isMaking && words.size() == 1)
+    const std::string &command = arguments.operands.front();
+    if (command == "make-identity")
         return makeIdentityFrom(arguments);
-    if (command == "add-password" && words.size() == 2 && !words[1].empty())
-        return addPassword(words[1]);
-    if (command == "path" && words.size() == 1) {
-        print(keychainFolder().toStdString() + "\n");
-        return 0;
-    }
-    return refuseArguments("sealwright-keychain",
-                           "this is no command: \"" + command + "\", or not all of one", usage);
+    return command == "path" ? tellPath() : addPassword(arguments.operands[1]);
 }
 
 } // namespace
@@ -154,12 +163,11 @@ int main(int argc, char **argv)
     const auto arguments = parseArguments(wordsOf(argc, argv), options);
     const bool isUnknown = arguments.error.starts_with("unrecognized");
     if (!arguments.error.empty())
-        return refuseArguments("sealwright-keychain", arguments.error, usage,
+        return refuseArguments("sealwright-keychain", arguments.error, shortUsage(),
                                isUnknown ? notBuiltStatus : usageStatus);
     if (arguments.has("-h")) {
-        print(usage);
-        print("\n" + std::string(vaultUsage()) + "\n" + std::string(vaultDetails()));
-        print("\n" + std::string(notaryUsage()) + "\n" + std::string(notaryDetails()));
+        print(shortUsage() + std::string(details) + std::string(notaryDetails()) + std::string(vaultDetails())
+              + std::string(ending));
         return 0;
     }
     return run(arguments);

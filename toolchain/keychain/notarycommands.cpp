@@ -126,7 +126,7 @@ int tellNotary()
 std::string_view notaryUsage()
 {
     return R"(       sealwright-keychain add-api-key ITEM [--key-id ID] [--issuer UUID] [--team ID] FILE.p8
-       sealwright-keychain make-api-key ITEM
+       sealwright-keychain make-api-key ITEM [--team ID]
        sealwright-keychain use-notary [apple | local | URL]
 )";
 }
@@ -151,15 +151,13 @@ std::vector<Option> notaryOptions()
 std::optional<int> runNotaryCommand(const ParsedArguments &arguments)
 {
     const auto &words = arguments.operands;
-    const std::string command = words.empty() ? "" : words.front();
-    if (command == "add-api-key" && words.size() == 3 && !words[1].empty())
+    const std::string &command = words.front();
+    if (command == "add-api-key")
         return addApiKey(arguments);
-    if (command == "make-api-key" && words.size() == 2 && !words[1].empty())
+    if (command == "make-api-key")
         return makeApiKey(arguments);
-    if (command == "use-notary" && words.size() == 2)
-        return useNotary(arguments);
-    if (command == "use-notary" && words.size() == 1)
-        return tellNotary();
+    if (command == "use-notary")
+        return words.size() == 2 ? useNotary(arguments) : tellNotary();
     return std::nullopt;
 }
 

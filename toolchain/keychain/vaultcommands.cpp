@@ -164,19 +164,18 @@ std::vector<Option> vaultOptions()
 std::optional<int> runVaultCommand(const ParsedArguments &arguments)
 {
     const auto &words = arguments.operands;
-    const std::string command = words.empty() ? "" : words.front();
-    const std::size_t count = words.size();
-    if (command == "status" && count == 1)
+    const std::string &command = words.front();
+    if (command == "status")
         return showStatus();
-    if (command == "lock" && count == 1)
+    if (command == "lock")
         return ended(Vault(keychainFolder()).lock(), u"locked"_s);
-    if (command == "unlock" && count == 1)
+    if (command == "unlock")
         return unlock(arguments);
-    if (command == "set-passphrase" && count == 1)
+    if (command == "set-passphrase")
         return setPassphrase(arguments);
-    if (command == "use-store" && count == 2)
+    if (command == "use-store")
         return useStore(words[1]);
-    if (command == "import-token" && count == 2)
+    if (command == "import-token")
         return importToken(arguments);
     return std::nullopt;
 }

@@ -76,7 +76,7 @@ private:
             || !digest.match(form[u"sha256"].toString()).hasMatch() || !readNotifications(form, request))
             return refused();
         const auto session = m_service.submissions().begin(request, m_service.now(m_request));
-        return session ? placeReply(*session) : statusReply(500);
+        return session ? placeReply(*session) : failedReply(session.error());
     }
 
     static bool readNotifications(const QJsonObject &form, NotaryRequest &request)

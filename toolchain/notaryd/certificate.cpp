@@ -82,6 +82,11 @@ QByteArray namesFor(const QString &address)
 
 } // namespace
 
+QString authorityFile()
+{
+    return toolchain::notary::serviceFolder() + u"/ca.pem"_s;
+}
+
 Result<ServerCertificate> serverCertificate(const QString &address)
 {
     const Key authorityKey(EVP_EC_gen("P-256"), EVP_PKEY_free);
@@ -102,11 +107,10 @@ Result<ServerCertificate> serverCertificate(const QString &address)
     extend(server.get(), authority.get(), NID_subject_alt_name, namesFor(address));
     extend(server.get(), authority.get(), NID_authority_key_identifier, "keyid");
     X509_sign(server.get(), authorityKey.get(), EVP_sha256());
-    const QString file = toolchain::notary::serviceFolder() + u"/ca.pem"_s;
-    const QString problem = toolchain::notary::writePrivateFile(file, pemOf(authority.get()));
+    const QString problem = toolchain::notary::writePrivateFile(authorityFile(), pemOf(authority.get()));
     if (!problem.isEmpty())
         return Error{problem};
-    return ServerCertificate{pemOf(key.get()), pemOf(server.get()), file};
+    return ServerCertificate{pemOf(key.get()), pemOf(server.get())};
 }
 
 } // namespace notaryd

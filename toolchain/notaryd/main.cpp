@@ -1,3 +1,5 @@
+#include "notaryd/activation.h"
+#include "notaryd/background.h"
 #include "notaryd/replies.h"
 #include "notaryd/server.h"
 #include "notaryd/verdict.h"
@@ -11,15 +13,15 @@
 #include <QJsonDocument>
 #include <QRandomGenerator>
 
-#include <fcntl.h>
+#include <arpa/inet.h>
 #include <signal.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <array>
 #include <clocale>
+#include <cstdio>
 #include <thread>
-#include <utility>
 
 using namespace Qt::StringLiterals;
 using namespace notaryd;
@@ -43,14 +45,15 @@ makes tickets that this machine's tools accept. Nothing that it accepts is known
 
 The first line of output is the address, which stands in notary/service.json of the state folder as well unless another
 service has been chosen there. A service that runs already is asked to end first. altool, stapler, spctl and codesign
-start the service by themselves; that one ends when nobody has asked it anything for ten minutes.
+start the service by themselves; that one ends when nobody has asked it anything for ten minutes, and so does one at a
+socket of systemd's.
 Exit status: 0 done, 1 failed, 2 wrong arguments.
 )";
 
 constexpr int argumentsStatus = 2;
 constexpr auto idleEnd = std::chrono::minutes(10);
 constexpr auto lookPause = std::chrono::seconds(1);
-constexpr int takeOverLooks = 400;
+constexpr int takeOverLooks = 130;
 constexpr auto takeOverPause = std::chrono::milliseconds(50);
 
 struct Options {
@@ -58,28 +61,8 @@ struct Options {
     QList<Fault> faults;
     bool hasControl = false;
     bool isInForeground = false;
-    bool isOnDemand = false;
-};
-
-/// Tells whoever started the service how that went, and lets go of them.
-class Starter {
-public:
-    explicit Starter(int descriptor)
-        : m_descriptor(descriptor)
-    {
-    }
-    void tell(const QByteArray &text)
-    {
-        if (m_descriptor < 0)
-            return;
-        static_cast<void>(!write(m_descriptor, text.constData(), std::size_t(text.size())));
-        close(std::exchange(m_descriptor, -1));
-    }
-    [[nodiscard]] bool isInBackground() const { return m_isInBackground; }
-
-private:
-    int m_descriptor;
-    const bool m_isInBackground = m_descriptor >= 0;
+    bool isOnDemand = false; ///< goes when another one runs, and ends when nobody asks
+    bool isAnnouncement = false; ///< only writes down where systemd listens
 };
 
 int fail(const QString &text)
@@ -94,19 +77,27 @@ int refuse(const QString &text)
     return argumentsStatus;
 }
 
+bool isNumber(const QString &host)
+{
+    in6_addr number = {};
+    const QByteArray text = host.toLatin1();
+    return inet_pton(AF_INET, text.constData(), &number) == 1
+        || inet_pton(AF_INET6, text.constData(), &number) == 1;
+}
+
 std::optional<ListenAddress> addressFrom(const QString &text)
 {
     const qsizetype colon = text.lastIndexOf(u':');
-    bool isNumber = false;
-    const int port = text.mid(colon + 1).toInt(&isNumber);
+    bool isPort = false;
+    const int port = text.mid(colon + 1).toInt(&isPort);
     QString host = text.left(colon);
     if (host.startsWith(u'[') && host.endsWith(u']'))
         host = host.mid(1, host.size() - 2);
     if (host == u"localhost"_s)
         host = u"127.0.0.1"_s;
-    if (colon <= 0 || !isNumber || port < 0 || port > 65535)
+    if (!isNumber(host) || !isPort || port < 0 || port > 65535)
         return std::nullopt;
-    return ListenAddress{host, quint16(port)};
+    return ListenAddress{host, quint16(port), -1};
 }
 
 platform::Result<QList<Fault>> faultsOf(const QString &path)
@@ -126,11 +117,17 @@ pid_t runningProcess()
                                           : 0;
 }
 
-/// A service that a person starts goes before the one that runs.
+/// A service that a person or systemd starts goes before the one that runs.
+bool goesBeforeOthers(const Options &options)
+{
+    return !options.isOnDemand || options.address.socket >= 0;
+}
+
 std::unique_ptr<notary::ServiceLock> takeOver(const Options &options)
 {
     auto lock = std::make_unique<notary::ServiceLock>();
-    for (int look = 0; !lock->isHeld() && !options.isOnDemand && look < takeOverLooks; ++look) {
+    const auto isTaken = [&lock] { return !lock->isHeld() && lock->problem().isEmpty(); };
+    for (int look = 0; isTaken() && goesBeforeOthers(options) && look < takeOverLooks; ++look) {
         const pid_t process = runningProcess();
         if (process > 1)
             kill(process, SIGTERM);
@@ -158,21 +155,29 @@ quint16 earlierPort()
 QString listen(Server &server, ListenAddress address, const ServerCertificate &certificate)
 {
     const quint16 earlier = address.port == 0 ? earlierPort() : 0;
-    if (earlier != 0 && server.listen({address.host, earlier}, certificate).isEmpty())
+    if (earlier != 0 && server.listen({address.host, earlier, -1}, certificate).isEmpty())
         return {};
     return server.listen(address, certificate);
 }
 
-QString publish(const QString &origin, const QString &authority)
+/// Where a service listens, and which process it is (0: none yet); whether systemd keeps the place for it.
+struct Publication {
+    QString origin;
+    pid_t process = 0;
+    bool isActivated = false;
+};
+
+QString publish(const Publication &what)
 {
-    notary::ServiceConfig config = notary::serviceAt(origin);
-    config.ca = authority;
+    notary::ServiceConfig config = notary::serviceAt(what.origin);
+    config.ca = authorityFile();
     config.isLocal = true;
     QJsonObject form = QJsonDocument::fromJson(notary::jsonOf(config)).object();
-    form.insert(u"pid"_s, qint64(getpid()));
+    form.insert(u"pid"_s, qint64(what.process));
+    if (what.isActivated)
+        form.insert(u"activated"_s, true);
     const QByteArray bytes = QJsonDocument(form).toJson();
     const QString problem = notary::writePrivateFile(notary::serviceFolder() + u"/address.json"_s, bytes);
-    const auto chosen = notary::readServiceConfig();
     QFile file(notary::serviceFile());
     const auto kept = file.open(QIODevice::ReadOnly) ? notary::serviceConfigFrom(file.readAll())
                                                      : platform::Result<notary::ServiceConfig>(config);
@@ -213,25 +218,45 @@ QByteArray newSecret()
     return secret;
 }
 
-/// What came of the start goes to the starter: "+ADDRESS" or "-REASON".
+int failToStart(const QString &reason, Starter &starter)
+{
+    starter.tell((u"-"_s + reason + u'\n').toUtf8());
+    return starter.isInBackground() ? 1 : fail(reason);
+}
+
+/// Systemd has begun to listen, and starts the service when somebody connects. One that runs until then is
+/// known by its process still, so that it can be asked to end.
+int announce(const ListenAddress &address)
+{
+    const notary::ServiceLock lock;
+    const pid_t process = lock.isHeld() ? 0 : runningProcess();
+    const QString problem = publish({originOf(address, address.port), process, true});
+    return problem.isEmpty() ? 0 : fail(problem);
+}
+
 int serve(const Options &options, Starter starter)
 {
     const auto lock = takeOver(options);
-    if (!lock->isHeld()) {
-        starter.tell(options.isOnDemand ? "+" : "-another service runs and does not end");
-        return options.isOnDemand ? 0 : 1;
+    if (!lock->isHeld() && lock->problem().isEmpty() && !goesBeforeOthers(options)) {
+        starter.tell("+");
+        return 0;
     }
+    if (!lock->isHeld())
+        return failToStart(lock->problem().isEmpty() ? u"another service runs and does not end"_s
+                                                     : lock->problem(),
+                           starter);
     const auto certificate = serverCertificate(options.address.host);
     Service service(notaryFolder());
     service.faults().replace(options.faults);
     Server server(service);
     const QString problem = certificate ? listen(server, options.address, *certificate) : certificate.error();
-    const QString origin = originOf(options.address, server.port());
+    const bool isHanded = options.address.socket >= 0;
+    const QString origin = originOf(options.address, isHanded ? options.address.port : server.port());
     service.setFacts({origin, newSecret(), options.hasControl});
-    const QString unpublished = problem.isEmpty() ? publish(origin, certificate->authority) : problem;
-    starter.tell(((unpublished.isEmpty() ? u"+"_s + origin : u"-"_s + unpublished) + u"\n"_s).toUtf8());
+    const QString unpublished = problem.isEmpty() ? publish({origin, getpid(), isHanded}) : problem;
     if (!unpublished.isEmpty())
-        return starter.isInBackground() ? 1 : fail(unpublished);
+        return failToStart(unpublished, starter);
+    starter.tell((u"+"_s + origin + u'\n').toUtf8());
     if (options.isInForeground) {
         print(origin.toStdString() + "\n");
         static_cast<void>(std::fflush(stdout)); // whoever reads it from a pipe waits for it
@@ -240,63 +265,17 @@ int serve(const Options &options, Starter starter)
     return 0;
 }
 
-void letGoOfTerminal()
-{
-    setsid();
-    if (chdir("/") != 0)
-        return;
-    const int null = open("/dev/null", O_RDWR | O_CLOEXEC);
-    for (const int descriptor : {0, 1, 2})
-        dup2(null, descriptor);
-    close(null);
-}
-
-/// What the starter had open is no business of the service's.
-void closeInherited(int kept)
-{
-    const int moved = dup2(kept, 3);
-    close_range(unsigned(moved) + 1, ~0U, 0);
-}
-
-/// Waits until the service in the background listens, and says what it said.
-int reportStart(int descriptor)
-{
-    QByteArray text;
-    std::array<char, 4096> block;
-    ssize_t length = 0;
-    while (!text.contains('\n') && (length = read(descriptor, block.data(), block.size())) > 0)
-        text.append(block.data(), length);
-    if (!text.startsWith('+'))
-        return fail(text.isEmpty() ? u"the service ended at once"_s
-                                   : QString::fromUtf8(text.mid(1)).trimmed());
-    print(text.mid(1).toStdString());
-    return 0;
-}
-
-int serveInBackground(const Options &options)
-{
-    std::array<int, 2> ends{};
-    if (pipe2(ends.data(), O_CLOEXEC) != 0)
-        return fail(u"no pipe can be made"_s);
-    const pid_t child = fork();
-    if (child < 0)
-        return fail(u"no process can be made"_s);
-    if (child > 0) {
-        close(ends[1]);
-        return reportStart(ends[0]);
-    }
-    letGoOfTerminal();
-    closeInherited(ends[1]);
-    _exit(serve(options, Starter(3)));
-}
-
 int run(const Options &options)
 {
     const QString problem = makePrivateFolder(notary::serviceFolder());
     if (!problem.isEmpty())
         return fail(problem);
+    if (options.isAnnouncement)
+        return announce(options.address);
     blockSignals();
-    return options.isInForeground ? serve(options, Starter(-1)) : serveInBackground(options);
+    return options.isInForeground
+        ? serve(options, Starter(-1))
+        : serveInBackground([&options](Starter starter) { return serve(options, starter); });
 }
 
 } // namespace
@@ -311,6 +290,7 @@ int main(int argc, char **argv)
                                            {{"--control"}},
                                            {{"--foreground"}},
                                            {{"--on-demand"}},
+                                           {{"--announce"}},
                                            {{reviewOption}, OptionValue::Required},
                                            {{"-h", "--help"}}});
     if (arguments.has("-h")) {
@@ -327,11 +307,17 @@ int main(int argc, char **argv)
     options.hasControl = arguments.has("--control");
     options.isInForeground = arguments.has("--foreground");
     options.isOnDemand = arguments.has("--on-demand");
+    options.isAnnouncement = arguments.has("--announce");
     if (arguments.has("--listen")) {
         const auto address = addressFrom(QString::fromStdString(arguments.value("--listen")));
         if (!address)
-            return refuse(u"--listen needs ADDRESS:PORT"_s);
+            return refuse(u"--listen needs ADDRESS:PORT, the address as a number, and not '%1'"_s.arg(
+                QString::fromStdString(arguments.value("--listen"))));
         options.address = *address;
+    }
+    if (const auto handed = handedSocket()) {
+        options.address = *handed;
+        options.isInForeground = options.isOnDemand = true;
     }
     if (arguments.has("--faults")) {
         const auto faults = faultsOf(QString::fromStdString(arguments.value("--faults")));

@@ -127,6 +127,13 @@ Response statusReply(int status, const QString &kind)
     return errorReply(status, textsOf(status, form));
 }
 
+Response failedReply(const QString &detail)
+{
+    ErrorTexts texts = textsOf(500, {});
+    texts.detail = detail;
+    return errorReply(500, texts);
+}
+
 Response unknownReply(const QString &type, const QString &id)
 {
     return errorReply(404,

@@ -10,6 +10,9 @@ namespace notaryd {
 [[nodiscard]] Response statusReply(int status, const QString &kind = {});
 
 /// Of the call for a thing that the service does not have.
+/// Status 500 with what has gone wrong on this machine.
+[[nodiscard]] Response failedReply(const QString &detail);
+
 [[nodiscard]] Response unknownReply(const QString &type, const QString &id);
 
 [[nodiscard]] Response jsonReply(const QJsonObject &form);

@@ -5,6 +5,7 @@
 #include <arpa/inet.h>
 #include <netinet/in.h>
 
+#include <array>
 #include <atomic>
 #include <csignal>
 #include <cstring>
@@ -79,6 +80,17 @@ SocketAddress socketAddress(const ListenAddress &address)
     return result;
 }
 
+using ListenOptions = std::array<MHD_OptionItem, 2>;
+
+/// An address to listen at, or a socket that listens already.
+ListenOptions optionsOf(const ListenAddress &address, SocketAddress &place)
+{
+    const MHD_OptionItem end{MHD_OPTION_END, 0, nullptr};
+    if (address.socket >= 0)
+        return {MHD_OptionItem{MHD_OPTION_LISTEN_SOCKET, address.socket, nullptr}, end};
+    return {MHD_OptionItem{MHD_OPTION_SOCK_ADDR, 0, &place.storage}, end};
+}
+
 void ignoreText(void *, const char *, va_list) { }
 
 } // namespace
@@ -99,15 +111,16 @@ QString Server::listen(const ListenAddress &address, const ServerCertificate &ce
 {
     std::signal(SIGPIPE, SIG_IGN);
     noteUse();
-    const SocketAddress place = socketAddress(address);
+    SocketAddress place = socketAddress(address);
     if (!place.isNumber)
         return u"'%1' is no address of this machine"_s.arg(address.host);
     const unsigned flags = MHD_USE_INTERNAL_POLLING_THREAD | MHD_USE_THREAD_PER_CONNECTION | MHD_USE_POLL
         | MHD_USE_TLS | MHD_USE_SUPPRESS_DATE_NO_CLOCK | MHD_USE_ITC
         | (place.isSix ? unsigned(MHD_USE_IPv6) : 0U);
+    const auto listening = optionsOf(address, place);
     m_daemon = MHD_start_daemon(flags, 0, nullptr, nullptr, proceed, nullptr, //
                                 MHD_OPTION_EXTERNAL_LOGGER, ignoreText, nullptr, //
-                                MHD_OPTION_SOCK_ADDR, &place.storage, //
+                                MHD_OPTION_ARRAY, listening.data(), //
                                 MHD_OPTION_HTTPS_MEM_KEY, certificate.key.constData(), //
                                 MHD_OPTION_HTTPS_MEM_CERT, certificate.chain.constData(), //
                                 MHD_OPTION_URI_LOG_CALLBACK, startRequest, &m_service, //

@@ -12,6 +12,7 @@ namespace notaryd {
 struct ListenAddress {
     QString host; ///< a number
     quint16 port = 0; ///< 0: a free one
+    int socket = -1; ///< one that listens there already
 };
 
 /// The sockets of the service (libmicrohttpd), one thread for each connection.

@@ -106,8 +106,8 @@ private:
                         QFile::encodeName(m_service.submissions().objectOf(m_session.id)).constData())
             != 0)
             return storageError(u"InternalError"_s);
-        m_service.submissions().received(m_session.id);
-        return done(etag);
+        const QString problem = m_service.submissions().received(m_session.id);
+        return problem.isEmpty() ? done(etag) : storageError(u"InternalError"_s, problem);
     }
 
     static Response done(const QByteArray &etag)
@@ -164,7 +164,7 @@ private:
             return begin(session, folder);
         MultipartUpload upload(folder, m_request.queryValue("uploadId"));
         if (m_request.method == "POST" && upload.isCompleted())
-            return completed(session, upload); // asked again, since the reply was lost
+            return kept(session, upload); // asked again, since the reply was lost
         if (!upload.isOpen())
             return storageError(u"NoSuchUpload"_s);
         if (m_request.method == "DELETE") {
@@ -192,8 +192,13 @@ private:
         const QString problem = upload.complete(body, m_service.submissions().objectOf(session.id));
         if (!problem.isEmpty())
             return storageError(problem);
-        m_service.submissions().received(session.id);
-        return completed(session, upload);
+        return kept(session, upload);
+    }
+
+    Response kept(const UploadSession &session, const MultipartUpload &upload)
+    {
+        const QString problem = m_service.submissions().received(session.id);
+        return problem.isEmpty() ? completed(session, upload) : storageError(u"InternalError"_s, problem);
     }
 
     static Response completed(const UploadSession &session, const MultipartUpload &upload)

@@ -17,7 +17,8 @@ namespace notaryd {
 
 namespace {
 
-constexpr auto reviewPause = std::chrono::seconds(10);
+constexpr toolchain::notary::Milliseconds reviewPause{10'000};
+constexpr toolchain::notary::Milliseconds leastPause{1'000}; // between reviews whose verdict cannot be kept
 constexpr qint64 credentialsLifetime = 12 * 60 * 60; // seconds
 
 QByteArray randomText(int bytes)
@@ -124,18 +125,21 @@ bool Submissions::isOpen(const QString &id)
     return request && request->phase != Phase::Reviewed;
 }
 
-void Submissions::received(const QString &id)
+QString Submissions::received(const QString &id)
 {
     {
         const std::scoped_lock lock(m_mutex, m_stateMutex);
         NotaryLookup lookup = m_state.find(id);
         if (!lookup.request)
-            return;
+            return lookup.error.isEmpty() ? u"there is no such submission"_s : lookup.error;
         lookup.request->phase = Phase::Uploaded;
-        static_cast<void>(m_state.store(*lookup.request));
+        const QString problem = m_state.store(*lookup.request);
+        if (!problem.isEmpty())
+            return problem;
         m_waiting.insert(id, Clock::now() + toolchain::notary::scaled(reviewPause));
     }
     m_changed.notify_all();
+    return {};
 }
 
 std::optional<NotaryRequest> Submissions::ask(const QString &id)
@@ -197,17 +201,19 @@ void Submissions::work()
         m_waiting.remove(id);
         m_underReview = id;
         lock.unlock();
-        review(id);
+        const bool isKept = review(id);
         lock.lock();
         m_underReview.clear();
+        if (!isKept) // the archive is still there, and there may be room for its verdict later
+            m_waiting.insert(id, Clock::now() + toolchain::notary::scaledLimit(reviewPause, leastPause));
     }
 }
 
-void Submissions::review(const QString &id)
+bool Submissions::review(const QString &id)
 {
     auto request = find(id);
     if (!request)
-        return;
+        return true;
     m_review(*request, objectOf(id));
     {
         const std::scoped_lock lock(m_stateMutex);
@@ -215,10 +221,12 @@ void Submissions::review(const QString &id)
         request->polls = now ? now->polls : request->polls;
         request->phase = Phase::Reviewed;
         request->decided = QDateTime::currentDateTimeUtc();
-        static_cast<void>(m_state.store(*request));
+        if (!m_state.store(*request).isEmpty())
+            return false;
     }
     QDir(folderOf(id)).removeRecursively();
     m_reviewed(*request);
+    return true;
 }
 
 } // namespace notaryd

@@ -46,8 +46,9 @@ public:
 
     /// Whether bytes may (still) be put at the submission's object.
     [[nodiscard]] bool isOpen(const QString &id);
-    /// The object is whole. Its review begins with the first question for it, or a while later.
-    void received(const QString &id);
+    /// The object is whole. Its review begins with the first question for it, or a while later. Answers why
+    /// that cannot be written down, or an empty text.
+    [[nodiscard]] QString received(const QString &id);
 
     /// Counts a question.
     [[nodiscard]] std::optional<NotaryRequest> ask(const QString &id);
@@ -71,7 +72,8 @@ private:
     void work();
     void resume();
     [[nodiscard]] QString nextDue(std::unique_lock<std::mutex> &lock);
-    void review(const QString &id);
+    /// False if the verdict cannot be kept.
+    [[nodiscard]] bool review(const QString &id);
     void forgetAbandoned();
 
     const QString m_folder;

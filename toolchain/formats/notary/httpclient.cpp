@@ -104,6 +104,8 @@ QString problemOf(CURLcode code, const Exchange &exchange)
         return u"nothing came for %1 seconds"_s.arg(double(exchange.request.idleLimit.count()) / 1000);
     if (exchange.isUnreadable)
         return u"the file became shorter while it was being sent"_s;
+    if (code == CURLE_OPERATION_TIMEDOUT)
+        return u"no whole reply came in time"_s;
     if (code == CURLE_PEER_FAILED_VERIFICATION)
         return u"the service's certificate is not trusted"_s;
     return QString::fromUtf8(curl_easy_strerror(code));
@@ -157,6 +159,7 @@ public:
     HttpReply perform(const HttpRequest &request)
     {
         Exchange exchange{.request = request, .reply = {}};
+        exchange.reply.peer = hostAndPort(QString::fromUtf8(request.url));
         curl_easy_reset(m_curl);
         setAddress(request);
         setLimits(request);

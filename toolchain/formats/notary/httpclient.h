@@ -57,6 +57,7 @@ struct HttpReply {
     QByteArray body;
     int transportError = 0; ///< a CURLcode; 0 for a whole reply
     QString problem; ///< of the transport, for a person; no address and no secret in it
+    QString peer; ///< "HOST:PORT" that was asked
 
     [[nodiscard]] bool isWhole() const { return transportError == 0; }
     /// The Date header; not valid if there is none.

@@ -2,10 +2,16 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QJsonDocument>
+#include <QJsonObject>
 
+#include <arpa/inet.h>
 #include <fcntl.h>
+#include <netinet/in.h>
+#include <signal.h>
 #include <spawn.h>
 #include <sys/file.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -17,6 +23,7 @@
 #include <optional>
 #include <string>
 #include <thread>
+#include <utility>
 
 #include "formats/statefolder.h"
 
@@ -35,6 +42,8 @@ using Clock = std::chrono::steady_clock;
 constexpr auto startLimit = std::chrono::seconds(20);
 constexpr auto lookPause = std::chrono::milliseconds(10);
 constexpr int levelsAbove = 12;
+constexpr int lockLooks = 20; // a client that looks whether a service runs holds the lock for a moment
+constexpr auto lockPause = std::chrono::milliseconds(5);
 
 QByteArray lockPath()
 {
@@ -43,7 +52,7 @@ QByteArray lockPath()
 
 bool isRunning()
 {
-    const int descriptor = ::open(lockPath().constData(), O_RDWR | O_CLOEXEC);
+    const int descriptor = ::open(lockPath().constData(), O_RDONLY | O_CLOEXEC);
     if (descriptor < 0)
         return false;
     const bool isFree = flock(descriptor, LOCK_SH | LOCK_NB) == 0;
@@ -110,14 +119,37 @@ QString startProgram(const QString &program)
     return WIFEXITED(status) && WEXITSTATUS(status) == 0 ? QString() : text;
 }
 
-/// What the service has left about itself; nothing while it is on the way up.
-std::optional<ServiceConfig> addressOfRunning()
+/// What the latest service has left about itself.
+QJsonObject writtenAddress()
 {
     QFile file(serviceFolder() + u"/address.json"_s);
-    if (!file.open(QIODevice::ReadOnly))
-        return std::nullopt;
-    const auto config = serviceConfigFrom(file.readAll());
-    return config && config->isLocal && !config->api.isEmpty() ? std::optional(*config) : std::nullopt;
+    return file.open(QIODevice::ReadOnly) ? QJsonDocument::fromJson(file.readAll()).object() : QJsonObject();
+}
+
+/// Where the running service listens; nothing while it is on the way up.
+std::optional<ServiceConfig> addressOfRunning()
+{
+    const QJsonObject written = writtenAddress();
+    const auto process = pid_t(written[u"pid"].toInteger());
+    const auto config = serviceConfigFrom(QJsonDocument(written).toJson());
+    const bool isPresent = process > 0 && (kill(process, 0) == 0 || errno == EPERM);
+    return isPresent && config && config->isLocal && !config->api.isEmpty() ? std::optional(*config)
+                                                                            : std::nullopt;
+}
+
+int connectionTo(const QString &host, quint16 port)
+{
+    sockaddr_in four = {};
+    four.sin_family = AF_INET;
+    four.sin_port = htons(port);
+    if (inet_pton(AF_INET, host.toLatin1().constData(), &four.sin_addr) != 1)
+        return -1;
+    const int descriptor = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    if (descriptor >= 0 && connect(descriptor, reinterpret_cast<sockaddr *>(&four), sizeof four) == 0)
+        return descriptor;
+    if (descriptor >= 0)
+        close(descriptor);
+    return -1;
 }
 
 Result<ServiceConfig> waitForAddress()
@@ -133,6 +165,28 @@ Result<ServiceConfig> waitForAddress()
     return Error{u"The local notary service does not say where it listens."_s};
 }
 
+/// Connects to the address at which systemd waits in the service's place, if it does. Whoever connects has it
+/// started (systemd.socket(5)).
+int connectionToSystemd()
+{
+    const QJsonObject written = writtenAddress();
+    const QUrl api(written[u"api"].toString());
+    const bool isKept = written[u"activated"].toBool() && isLoopback(api.host());
+    return isKept ? connectionTo(api.host(), quint16(api.port(0))) : -1;
+}
+
+/// Whether systemd has started the service for us.
+bool isWoken()
+{
+    const int connection = connectionToSystemd();
+    const auto deadline = Clock::now() + startLimit;
+    while (connection >= 0 && !isRunning() && Clock::now() < deadline)
+        std::this_thread::sleep_for(lookPause);
+    if (connection >= 0)
+        close(connection);
+    return connection >= 0 && isRunning();
+}
+
 QString start()
 {
     const QString problem = makePrivateFolder(serviceFolder());
@@ -144,7 +198,9 @@ QString start()
     if (isRunning())
         return {};
     const QString program = serviceProgram();
-    return program.isEmpty() ? u"there is no sealwright-notaryd beside this tool"_s : startProgram(program);
+    if (program.isEmpty())
+        return u"there is no sealwright-notaryd beside this tool"_s;
+    return isWoken() ? QString() : startProgram(program);
 }
 
 } // namespace
@@ -163,9 +219,12 @@ Result<ServiceConfig> ensureService()
 ServiceLock::ServiceLock()
     : m_descriptor(::open(lockPath().constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0600))
 {
-    if (m_descriptor >= 0 && flock(m_descriptor, LOCK_EX | LOCK_NB) != 0) {
-        close(m_descriptor);
-        m_descriptor = -1;
+    if (m_descriptor < 0)
+        m_problem = QFile::decodeName(lockPath()) + u": "_s + QString::fromLocal8Bit(std::strerror(errno));
+    for (int look = 0; m_descriptor >= 0 && flock(m_descriptor, LOCK_EX | LOCK_NB) != 0; ++look) {
+        std::this_thread::sleep_for(lockPause);
+        if (look + 1 == lockLooks)
+            close(std::exchange(m_descriptor, -1));
     }
 }
 

@@ -9,8 +9,7 @@ namespace toolchain::notary {
 /// it listens. Any number of processes may do so at once; one service comes of it.
 [[nodiscard]] platform::Result<ServiceConfig> ensureService();
 
-/// Holds the lock by which the running service is known, from when it begins until its process ends. Null if
-/// another one runs.
+/// Holds the lock by which the running service is known, from when it begins until its process ends.
 class ServiceLock {
 public:
     ServiceLock();
@@ -18,13 +17,17 @@ public:
     ServiceLock(const ServiceLock &) = delete;
     ServiceLock &operator=(const ServiceLock &) = delete;
 
+    /// False if another service runs, or if there is a problem.
     [[nodiscard]] bool isHeld() const { return m_descriptor >= 0; }
+    /// Why no service can hold it at all; empty if one can.
+    [[nodiscard]] QString problem() const { return m_problem; }
     /// Whether the lock's file still is the one in the state folder; a folder that was removed is nobody's
     /// state.
     [[nodiscard]] bool isInPlace() const;
 
 private:
     int m_descriptor = -1;
+    QString m_problem;
 };
 
 } // namespace toolchain::notary

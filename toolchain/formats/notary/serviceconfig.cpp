@@ -4,6 +4,7 @@
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QRegularExpression>
 
 #include <arpa/inet.h>
 #include <sys/stat.h>
@@ -114,8 +115,16 @@ ServiceConfig serviceOfThisMachine()
 /// No secret has its place in an address, and no query in that of a service.
 bool canBeChosen(const QUrl &address)
 {
-    return address.isValid() && !address.host().isEmpty() && isAcceptable(address)
+    return address.isValid() && !address.host().isEmpty() && address.port() != 0 && isAcceptable(address)
         && address.userInfo().isEmpty() && !address.hasQuery() && !address.hasFragment();
+}
+
+/// What a person has typed in the place of an address, without what may be a secret in it.
+QString harmless(const QString &typed)
+{
+    static const QRegularExpression secrets(u"(?<=//)[^/]*@|[?#].*"_s,
+                                            QRegularExpression::DotMatchesEverythingOption);
+    return QString(typed).remove(secrets);
 }
 
 /// A service that a variable alone names has the layout that its address suggests.
@@ -220,10 +229,11 @@ QString chooseService(const QString &choice)
     if (choice == u"apple"_s) {
         config = appleService();
     } else if (choice != u"local"_s) {
-        const QUrl address(withoutSlash(choice), QUrl::StrictMode);
+        const QUrl address =
+            QUrl(withoutSlash(choice), QUrl::StrictMode).adjusted(QUrl::NormalizePathSegments);
         if (!canBeChosen(address))
             return u"'%1' is neither apple nor local nor the https address of a service"_s.arg(
-                address.toString(QUrl::RemoveUserInfo));
+                harmless(choice));
         config = serviceAt(address.toString(QUrl::RemovePath));
         if (!address.path().isEmpty())
             config.api = address.toString();

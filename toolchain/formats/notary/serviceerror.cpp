@@ -14,6 +14,7 @@ namespace toolchain::notary {
 namespace {
 
 constexpr qsizetype longestText = 500;
+constexpr qsizetype longestCode = 100;
 constexpr qsizetype readOfError = 64 * 1024;
 
 /// The storage's errors are known by their codes; these say more than their messages do.
@@ -34,7 +35,23 @@ constexpr Meaning meanings[] = {
     {"NoSuchUpload", u"the storage does not know the upload any more"},
     {"InternalError", u"the storage has an internal error"},
     {"SlowDown", u"the storage asks to slow down"},
+    {"PermanentRedirect", u"the storage is at another address or in another region"},
+    {"TemporaryRedirect", u"the storage is at another address or in another region"},
 };
+
+/// The text of an element in the storage's XML error; empty if there is none.
+QString childOfError(const QByteArray &body, const QString &name)
+{
+    QXmlStreamReader reader(body.left(readOfError));
+    if (!reader.readNextStartElement() || reader.name() != u"Error"_s)
+        return {};
+    while (reader.readNextStartElement()) {
+        if (reader.name() == name)
+            return reader.readElementText(QXmlStreamReader::SkipChildElements);
+        reader.skipCurrentElement();
+    }
+    return {};
+}
 
 QString withRequestId(QString text, const HttpReply &reply)
 {
@@ -94,8 +111,16 @@ QString statusText(int status)
 
 ServiceFailure transportFailure(const HttpReply &reply, const QString &who)
 {
-    return {u"%1 could not be reached or broke off: %2."_s.arg(who, reply.problem),
+    return {u"%1 at %2 could not be reached or broke off: %3."_s.arg(who, reply.peer, reply.problem),
             -(1000 + reply.transportError)};
+}
+
+/// What the storage says besides the code; without the names of keys.
+QString storageMessage(const QByteArray &body, const QByteArray &code)
+{
+    static const QRegularExpression key(u"\\bA[KS]IA[A-Z0-9]+"_s);
+    const QString message = printable(childOfError(body, u"Message"_s).remove(key));
+    return message.isEmpty() || message == QString::fromUtf8(code) ? QString() : u": "_s + message;
 }
 
 QString storageText(const QByteArray &code)
@@ -130,12 +155,8 @@ QByteArray storageErrorCode(const QByteArray &body)
     QXmlStreamReader reader(body.left(readOfError));
     if (!reader.readNextStartElement() || reader.name() != u"Error"_s)
         return {};
-    while (reader.readNextStartElement()) {
-        if (reader.name() == u"Code"_s)
-            return reader.readElementText(QXmlStreamReader::SkipChildElements).left(100).toUtf8();
-        reader.skipCurrentElement();
-    }
-    return "Unknown";
+    const QString code = childOfError(body, u"Code"_s).left(longestCode);
+    return code.isEmpty() ? "Unknown" : code.toUtf8();
 }
 
 ServiceFailure storageFailureOf(const HttpReply &reply)
@@ -146,8 +167,9 @@ ServiceFailure storageFailureOf(const HttpReply &reply)
     if (code.isEmpty())
         return {u"The upload failed: the storage answered with HTTP status %1."_s.arg(reply.status),
                 reply.status};
-    return {u"The upload failed: %1 (%2, HTTP status %3)."_s.arg(
-                storageText(code), printable(QString::fromUtf8(code)), QString::number(reply.status)),
+    return {u"The upload failed: %1 (%2, HTTP status %3%4)."_s.arg(
+                storageText(code), printable(QString::fromUtf8(code)), QString::number(reply.status),
+                storageMessage(reply.body, code)),
             reply.status};
 }
 
