@@ -13,5 +13,6 @@ sealwright_test(tst_notary
 target_link_libraries(tst_notary PRIVATE Qt6::Core slw_propertylist tool_notaryclient)
 target_compile_definitions(tst_notary PRIVATE TOOLCHAIN_ROOT="${SEALWRIGHT_TOOLCHAIN}"
     PARTNERS_SCRIPT="${CMAKE_CURRENT_SOURCE_DIR}/notarypartners.py"
+    SECRETS_SCRIPT="${CMAKE_CURRENT_SOURCE_DIR}/notarysecrets.py"
     RECOMPUTE_SCRIPT="${CMAKE_CURRENT_SOURCE_DIR}/notaryrecompute.py")
 add_dependencies(tst_notary toolchain)

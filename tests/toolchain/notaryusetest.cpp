@@ -291,6 +291,14 @@ TEST_F(NotaryUse, aSecondServiceTakesThePlaceOfTheFirst)
     ASSERT_TRUE(second->waitForFinished(-1));
 }
 
+TEST_F(NotaryUse, noSecretStandsInAnArgumentAnEnvironmentAStreamOrAFileThatOthersCanRead)
+{
+    const ToolResult result =
+        run(u"/usr/bin/python3"_s, {QStringLiteral(SECRETS_SCRIPT), toolRoot(), path(u"."_s)});
+    EXPECT_EQ(result.status, 0) << result.output.toStdString() << result.error.toStdString();
+    EXPECT_TRUE(result.output.endsWith(u" files: 0 found\n"_s)) << result.output.toStdString();
+}
+
 TEST_F(NotaryUse, theSameFileMayBeUploadedAnyNumberOfTimes)
 {
     const QString archive = makeArchive();
@@ -326,6 +334,16 @@ TEST_F(NotaryUse, aServiceAtASocketOfSystemdsIsStartedByWhoAsks)
     systemd->terminate(); // if nobody has asked it, it listens still
     ASSERT_TRUE(systemd->waitForFinished(-1));
     EXPECT_EQ(systemd->exitCode(), 0);
+}
+
+TEST_F(NotaryUse, aSocketOfSystemdsTakesThePlaceOfARunningService)
+{
+    const pid_t first = process();
+    const QString where = TakenPort().address();
+    ASSERT_EQ(run(notaryd, {u"--announce"_s, u"--listen"_s, where}).status, 0);
+    EXPECT_EQ(process(), 0);
+    QFile line(u"/proc/%1/cmdline"_s.arg(first));
+    EXPECT_TRUE(!line.open(QIODevice::ReadOnly) || line.readAll().isEmpty());
 }
 
 TEST_F(NotaryUse, aServiceThatSystemdNoLongerKeepsAPlaceForIsStartedByTheToolItself)

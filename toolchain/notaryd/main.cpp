@@ -177,12 +177,14 @@ QString publish(const Publication &what)
     if (what.isActivated)
         form.insert(u"activated"_s, true);
     const QByteArray bytes = QJsonDocument(form).toJson();
-    const QString problem = notary::writePrivateFile(notary::serviceFolder() + u"/address.json"_s, bytes);
     QFile file(notary::serviceFile());
     const auto kept = file.open(QIODevice::ReadOnly) ? notary::serviceConfigFrom(file.readAll())
                                                      : platform::Result<notary::ServiceConfig>(config);
     const bool isChosen = !kept || kept->isLocal;
-    return problem.isEmpty() && isChosen ? notary::writePrivateFile(notary::serviceFile(), bytes) : problem;
+    const QString problem = isChosen ? notary::writePrivateFile(notary::serviceFile(), bytes) : QString();
+    // last, since whoever waits for the service waits for its process in this file
+    return problem.isEmpty() ? notary::writePrivateFile(notary::serviceFolder() + u"/address.json"_s, bytes)
+                             : problem;
 }
 
 /// Until a signal ends the service, nobody needs it, or its folder has gone.
@@ -218,19 +220,25 @@ QByteArray newSecret()
     return secret;
 }
 
+/// Why the lock is not held.
+QString reasonOf(const notary::ServiceLock &lock)
+{
+    return lock.problem().isEmpty() ? u"another service runs and does not end"_s : lock.problem();
+}
+
 int failToStart(const QString &reason, Starter &starter)
 {
     starter.tell((u"-"_s + reason + u'\n').toUtf8());
     return starter.isInBackground() ? 1 : fail(reason);
 }
 
-/// Systemd has begun to listen, and starts the service when somebody connects. One that runs until then is
-/// known by its process still, so that it can be asked to end.
-int announce(const ListenAddress &address)
+/// Systemd has begun to listen, and starts the service when somebody connects.
+int announce(const Options &options)
 {
-    const notary::ServiceLock lock;
-    const pid_t process = lock.isHeld() ? 0 : runningProcess();
-    const QString problem = publish({originOf(address, address.port), process, true});
+    const auto lock = takeOver(options);
+    if (!lock->isHeld())
+        return fail(reasonOf(*lock));
+    const QString problem = publish({originOf(options.address, options.address.port), 0, true});
     return problem.isEmpty() ? 0 : fail(problem);
 }
 
@@ -242,9 +250,7 @@ int serve(const Options &options, Starter starter)
         return 0;
     }
     if (!lock->isHeld())
-        return failToStart(lock->problem().isEmpty() ? u"another service runs and does not end"_s
-                                                     : lock->problem(),
-                           starter);
+        return failToStart(reasonOf(*lock), starter);
     const auto certificate = serverCertificate(options.address.host);
     Service service(notaryFolder());
     service.faults().replace(options.faults);
@@ -271,7 +277,7 @@ int run(const Options &options)
     if (!problem.isEmpty())
         return fail(problem);
     if (options.isAnnouncement)
-        return announce(options.address);
+        return announce(options);
     blockSignals();
     return options.isInForeground
         ? serve(options, Starter(-1))

@@ -130,6 +130,34 @@ bool hasLoopbackProxy()
     return false;
 }
 
+/// The words of a header, or the values of a query, that nobody guesses.
+QList<QByteArray> longWords(QByteArray text)
+{
+    constexpr qsizetype leastSecret = 16;
+    QList<QByteArray> words;
+    for (const char separator : QByteArrayView(",&="))
+        text.replace(separator, ' ');
+    for (const QByteArray &word : text.split(' ')) {
+        if (word.size() >= leastSecret)
+            words << word << QByteArray::fromPercentEncoding(word);
+    }
+    return words;
+}
+
+QList<QByteArray> secretsOf(const HttpRequest &request)
+{
+    const qsizetype query = request.url.indexOf('?');
+    QList<QByteArray> secrets = longWords(query < 0 ? QByteArray() : request.url.sliced(query + 1));
+    for (const HttpHeader &header : request.headers) {
+        const QByteArray name = header.name.toLower();
+        if (name == "authorization")
+            secrets += longWords(header.value);
+        if (name == "x-amz-security-token")
+            secrets.append(header.value);
+    }
+    return secrets;
+}
+
 void ensureLibrary()
 {
     static const CURLcode initialised = curl_global_init(CURL_GLOBAL_DEFAULT);
@@ -160,6 +188,7 @@ public:
     {
         Exchange exchange{.request = request, .reply = {}};
         exchange.reply.peer = hostAndPort(QString::fromUtf8(request.url));
+        exchange.reply.secrets = secretsOf(request);
         curl_easy_reset(m_curl);
         setAddress(request);
         setLimits(request);

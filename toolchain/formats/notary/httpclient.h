@@ -58,6 +58,7 @@ struct HttpReply {
     int transportError = 0; ///< a CURLcode; 0 for a whole reply
     QString problem; ///< of the transport, for a person; no address and no secret in it
     QString peer; ///< "HOST:PORT" that was asked
+    QList<QByteArray> secrets; ///< by which the request has proved itself; they stand in no text
 
     [[nodiscard]] bool isWhole() const { return transportError == 0; }
     /// The Date header; not valid if there is none.

@@ -152,17 +152,14 @@ int connectionTo(const QString &host, quint16 port)
     return -1;
 }
 
-Result<ServiceConfig> waitForAddress()
+/// What a person has put into the settings goes before what the service has left about itself.
+std::optional<ServiceConfig> configOfRunning()
 {
-    const auto deadline = Clock::now() + startLimit;
-    while (Clock::now() < deadline) {
-        const auto own = addressOfRunning();
-        const auto chosen = readServiceConfig(); // what a person has put into it goes before
-        if (own && chosen && chosen->isLocal)
-            return chosen->api.isEmpty() ? *own : *chosen;
-        std::this_thread::sleep_for(lookPause);
-    }
-    return Error{u"The local notary service does not say where it listens."_s};
+    const auto own = addressOfRunning();
+    const auto chosen = readServiceConfig();
+    if (!own || !chosen || !chosen->isLocal)
+        return std::nullopt;
+    return chosen->api.isEmpty() ? *own : *chosen;
 }
 
 /// Connects to the address at which systemd waits in the service's place, if it does. Whoever connects has it
@@ -210,10 +207,16 @@ Result<ServiceConfig> ensureService()
     const auto config = readServiceConfig();
     if (!config || !config->isLocal)
         return config;
-    const QString problem = isRunning() ? QString() : start();
-    if (!problem.isEmpty())
-        return Error{u"The local notary service could not be started: "_s + problem};
-    return waitForAddress();
+    const auto deadline = Clock::now() + startLimit;
+    while (Clock::now() < deadline) {
+        const QString problem = isRunning() ? QString() : start();
+        if (!problem.isEmpty())
+            return Error{u"The local notary service could not be started: "_s + problem};
+        if (const auto running = configOfRunning())
+            return *running;
+        std::this_thread::sleep_for(lookPause); // it is on its way up, or on its way down
+    }
+    return Error{u"The local notary service does not say where it listens."_s};
 }
 
 ServiceLock::ServiceLock()

@@ -53,6 +53,16 @@ QString childOfError(const QByteArray &body, const QString &name)
     return {};
 }
 
+/// A service may repeat what it was asked with.
+QString withoutSecrets(QString text, const HttpReply &reply)
+{
+    static const QRegularExpression ofAnyRequest(
+        uR"(\beyJ[\w.-]+|\bA[KS]IA[A-Z0-9]+)"_s); // tokens, names of keys
+    for (const QByteArray &secret : reply.secrets)
+        text.replace(QString::fromUtf8(secret), u"..."_s);
+    return text.replace(ofAnyRequest, u"..."_s);
+}
+
 QString withRequestId(QString text, const HttpReply &reply)
 {
     static const QRegularExpression form(uR"(Request ID: *([A-Za-z0-9._-]+))"_s);
@@ -115,11 +125,10 @@ ServiceFailure transportFailure(const HttpReply &reply, const QString &who)
             -(1000 + reply.transportError)};
 }
 
-/// What the storage says besides the code; without the names of keys.
-QString storageMessage(const QByteArray &body, const QByteArray &code)
+/// What the storage says besides the code.
+QString storageMessage(const HttpReply &reply, const QByteArray &code)
 {
-    static const QRegularExpression key(u"\\bA[KS]IA[A-Z0-9]+"_s);
-    const QString message = printable(childOfError(body, u"Message"_s).remove(key));
+    const QString message = printable(withoutSecrets(childOfError(reply.body, u"Message"_s), reply));
     return message.isEmpty() || message == QString::fromUtf8(code) ? QString() : u": "_s + message;
 }
 
@@ -146,7 +155,7 @@ ServiceFailure failureOf(const HttpReply &reply)
 {
     if (!reply.isWhole())
         return transportFailure(reply, u"The service"_s);
-    const QString said = printable(spoken(reply.body));
+    const QString said = printable(withoutSecrets(spoken(reply.body), reply));
     return {withRequestId(joined({statusText(reply.status), said}), reply), reply.status};
 }
 
@@ -169,7 +178,7 @@ ServiceFailure storageFailureOf(const HttpReply &reply)
                 reply.status};
     return {u"The upload failed: %1 (%2, HTTP status %3%4)."_s.arg(
                 storageText(code), printable(QString::fromUtf8(code)), QString::number(reply.status),
-                storageMessage(reply.body, code)),
+                storageMessage(reply, code)),
             reply.status};
 }
 
