@@ -3,6 +3,7 @@
 #include "rows.h"
 
 #include "platform/posix/posixprocesslauncher.h"
+#include "support/core.h"
 #include "tools/slwtaskmaster.h"
 
 #include <array>

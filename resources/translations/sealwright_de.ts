@@ -2,7 +2,7 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="de" sourcelanguage="en">
 <context>
-    <name>AboutWindow</name>
+    <name>sealwright::AboutWindow</name>
     <message>
         <source>About Sealwright</source>
         <translation>Über Sealwright</translation>
@@ -13,7 +13,7 @@
     </message>
 </context>
 <context>
-    <name>ApiKeyForm</name>
+    <name>sealwright::ApiKeyForm</name>
     <message>
         <source>&amp;Key from App Store Connect</source>
         <translation>S&amp;chlüssel von App Store Connect</translation>
@@ -68,7 +68,7 @@
     </message>
 </context>
 <context>
-    <name>CommandBar</name>
+    <name>sealwright::CommandBar</name>
     <message>
         <source>More pages of the history than this are not asked for. Return fetches it.</source>
         <translation>Mehr Seiten des Verlaufs werden nicht abgerufen. Die Eingabetaste ruft ihn ab.</translation>
@@ -726,7 +726,7 @@ Sealwright wird jetzt beendet.</translation>
     </message>
 </context>
 <context>
-    <name>CredentialsGroup</name>
+    <name>sealwright::CredentialsGroup</name>
     <message>
         <source>Credentials</source>
         <translation>Zugangsdaten</translation>
@@ -769,7 +769,7 @@ Sealwright wird jetzt beendet.</translation>
     </message>
 </context>
 <context>
-    <name>EditCommands</name>
+    <name>sealwright::EditCommands</name>
     <message>
         <source>Cu&amp;t</source>
         <translation>&amp;Ausschneiden</translation>
@@ -788,7 +788,7 @@ Sealwright wird jetzt beendet.</translation>
     </message>
 </context>
 <context>
-    <name>EntitlementsGroup</name>
+    <name>sealwright::EntitlementsGroup</name>
     <message>
         <source>Entitlements</source>
         <translation>Berechtigungen</translation>
@@ -819,7 +819,7 @@ Sealwright wird jetzt beendet.</translation>
     </message>
 </context>
 <context>
-    <name>ExaminePane</name>
+    <name>sealwright::ExaminePane</name>
     <message>
         <source>Examination</source>
         <translation>Untersuchung</translation>
@@ -870,7 +870,7 @@ Sealwright wird jetzt beendet.</translation>
     </message>
 </context>
 <context>
-    <name>FindBar</name>
+    <name>sealwright::FindBar</name>
     <message>
         <source>Clear</source>
         <translation>Leeren</translation>
@@ -921,7 +921,7 @@ Sealwright wird jetzt beendet.</translation>
     </message>
 </context>
 <context>
-    <name>FrameWindow</name>
+    <name>sealwright::FrameWindow</name>
     <message>
         <source>Show &amp;Previous Tab</source>
         <translation>&amp;Vorherigen Tab zeigen</translation>
@@ -952,7 +952,7 @@ Sealwright wird jetzt beendet.</translation>
     </message>
 </context>
 <context>
-    <name>HistoryModel</name>
+    <name>sealwright::HistoryModel</name>
     <message>
         <source>Date</source>
         <translation>Datum</translation>
@@ -971,7 +971,7 @@ Sealwright wird jetzt beendet.</translation>
     </message>
 </context>
 <context>
-    <name>HistoryPane</name>
+    <name>sealwright::HistoryPane</name>
     <message>
         <source>Search the history</source>
         <translation>Verlauf durchsuchen</translation>
@@ -1014,7 +1014,7 @@ Sealwright wird jetzt beendet.</translation>
     </message>
 </context>
 <context>
-    <name>ImportForm</name>
+    <name>sealwright::ImportForm</name>
     <message>
         <source>&amp;Certificate with its key</source>
         <translation>&amp;Zertifikat mit Schlüssel</translation>
@@ -1041,7 +1041,7 @@ Sealwright wird jetzt beendet.</translation>
     </message>
 </context>
 <context>
-    <name>IssueTable</name>
+    <name>sealwright::IssueTable</name>
     <message>
         <source>What the service said</source>
         <translation>Was der Dienst gesagt hat</translation>
@@ -1052,7 +1052,7 @@ Sealwright wird jetzt beendet.</translation>
     </message>
 </context>
 <context>
-    <name>ItemHeader</name>
+    <name>sealwright::ItemHeader</name>
     <message>
         <source>Icon of the item</source>
         <translation>Symbol des Objekts</translation>
@@ -1087,7 +1087,7 @@ Sealwright wird jetzt beendet.</translation>
     </message>
 </context>
 <context>
-    <name>KeychainForm</name>
+    <name>sealwright::KeychainForm</name>
     <message>
         <source>Choose…</source>
         <translation>Auswählen …</translation>
@@ -1126,7 +1126,7 @@ Sealwright wird jetzt beendet.</translation>
     </message>
 </context>
 <context>
-    <name>KeychainWindow</name>
+    <name>sealwright::KeychainWindow</name>
     <message>
         <source>Pages</source>
         <translation>Seiten</translation>
@@ -1225,7 +1225,7 @@ Sealwright wird jetzt beendet.</translation>
     </message>
 </context>
 <context>
-    <name>LogPane</name>
+    <name>sealwright::LogPane</name>
     <message>
         <source>Log</source>
         <translation>Protokoll</translation>
@@ -1272,7 +1272,7 @@ Sealwright wird jetzt beendet.</translation>
     </message>
 </context>
 <context>
-    <name>LogView</name>
+    <name>sealwright::LogView</name>
     <message numerus="yes">
         <source>▸ %n more line(s)</source>
         <translation>
@@ -1294,7 +1294,7 @@ Sealwright wird jetzt beendet.</translation>
     </message>
 </context>
 <context>
-    <name>MainMenu</name>
+    <name>sealwright::MainMenu</name>
     <message>
         <source>&amp;File</source>
         <translation>&amp;Datei</translation>
@@ -1473,7 +1473,7 @@ Sealwright wird jetzt beendet.</translation>
     </message>
 </context>
 <context>
-    <name>NotaryServiceRow</name>
+    <name>sealwright::NotaryServiceRow</name>
     <message>
         <source>Address of the notary service</source>
         <translation>Adresse des Beglaubigungsdienstes</translation>
@@ -1492,7 +1492,7 @@ Sealwright wird jetzt beendet.</translation>
     </message>
 </context>
 <context>
-    <name>OutcomeBanner</name>
+    <name>sealwright::OutcomeBanner</name>
     <message>
         <source>Outcome</source>
         <translation>Ergebnis</translation>
@@ -1531,7 +1531,7 @@ Sealwright wird jetzt beendet.</translation>
     </message>
 </context>
 <context>
-    <name>PasswordForm</name>
+    <name>sealwright::PasswordForm</name>
     <message>
         <source>&amp;Apple ID</source>
         <translation>&amp;Apple-ID</translation>
@@ -1558,7 +1558,7 @@ Sealwright wird jetzt beendet.</translation>
     </message>
 </context>
 <context>
-    <name>PracticeForm</name>
+    <name>sealwright::PracticeForm</name>
     <message>
         <source>Your &amp;name or company</source>
         <translation>Ihr &amp;Name oder Ihre Firma</translation>
@@ -1589,7 +1589,7 @@ Sealwright wird jetzt beendet.</translation>
     </message>
 </context>
 <context>
-    <name>PreferencesWindow</name>
+    <name>sealwright::PreferencesWindow</name>
     <message>
         <source>Pages</source>
         <translation>Seiten</translation>
@@ -1728,7 +1728,7 @@ Sealwright wird jetzt beendet.</translation>
     </message>
 </context>
 <context>
-    <name>ProfileButton</name>
+    <name>sealwright::ProfileButton</name>
     <message>
         <source>Profile</source>
         <translation>Profil</translation>
@@ -1794,7 +1794,7 @@ Sealwright wird jetzt beendet.</translation>
     </message>
 </context>
 <context>
-    <name>ProviderNameSheet</name>
+    <name>sealwright::ProviderNameSheet</name>
     <message>
         <source>Provider Short Name</source>
         <translation>Kurzname des Anbieters</translation>
@@ -1952,14 +1952,14 @@ Sealwright wird jetzt beendet.</translation>
     </message>
 </context>
 <context>
-    <name>SettingsSection</name>
+    <name>sealwright::SettingsSection</name>
     <message>
         <source>seconds</source>
         <translation>Sekunden</translation>
     </message>
 </context>
 <context>
-    <name>SetupBanner</name>
+    <name>sealwright::SetupBanner</name>
     <message>
         <source>First steps</source>
         <translation>Erste Schritte</translation>
@@ -1982,7 +1982,7 @@ Sealwright wird jetzt beendet.</translation>
     </message>
 </context>
 <context>
-    <name>SetupDialog</name>
+    <name>sealwright::SetupDialog</name>
     <message>
         <source>What to set up</source>
         <translation>Was einzurichten ist</translation>
@@ -2049,7 +2049,7 @@ Sealwright wird jetzt beendet.</translation>
     </message>
 </context>
 <context>
-    <name>SidePane</name>
+    <name>sealwright::SidePane</name>
     <message>
         <source>Steps and findings</source>
         <translation>Schritte und Befunde</translation>
@@ -2072,7 +2072,7 @@ Sealwright wird jetzt beendet.</translation>
     </message>
 </context>
 <context>
-    <name>SigningGroup</name>
+    <name>sealwright::SigningGroup</name>
     <message>
         <source>Signing and Upload</source>
         <translation>Signieren und Hochladen</translation>
@@ -2115,21 +2115,21 @@ Sealwright wird jetzt beendet.</translation>
     </message>
 </context>
 <context>
-    <name>StepListModel</name>
+    <name>sealwright::StepListModel</name>
     <message>
         <source>Began at %1</source>
         <translation>Begonnen um %1</translation>
     </message>
 </context>
 <context>
-    <name>StepListView</name>
+    <name>sealwright::StepListView</name>
     <message>
         <source>Steps</source>
         <translation>Schritte</translation>
     </message>
 </context>
 <context>
-    <name>TabBar</name>
+    <name>sealwright::TabBar</name>
     <message>
         <source>Tabs</source>
         <translation>Tabs</translation>
@@ -2140,7 +2140,7 @@ Sealwright wird jetzt beendet.</translation>
     </message>
 </context>
 <context>
-    <name>ToolFolderRow</name>
+    <name>sealwright::ToolFolderRow</name>
     <message>
         <source>There is no such folder. Sealwright would find no tools at the next launch.</source>
         <translation>Es gibt keinen solchen Ordner. Sealwright fände beim nächsten Start keine Werkzeuge.</translation>
@@ -2167,7 +2167,7 @@ Sealwright wird jetzt beendet.</translation>
     </message>
 </context>
 <context>
-    <name>WaitingBanner</name>
+    <name>sealwright::WaitingBanner</name>
     <message>
         <source>Waiting</source>
         <translation>Wartet</translation>

@@ -9,6 +9,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 constexpr GreyColour darkTitle{0.8, 1.0};
@@ -80,3 +82,5 @@ void AboutController::appearanceDidChange()
     mCopyrightView.setTextColor(isDark ? darkTitle : lightTitle);
     mVersionView.setTextColor(isDark ? darkVersion : lightVersion);
 }
+
+} // namespace sealwright

@@ -6,6 +6,8 @@
 
 #include <memory>
 
+namespace sealwright {
+
 class AppDelegate;
 
 /// The panel that tells who the program is. There is one at a time, made on the first request; it stays for
@@ -38,3 +40,5 @@ private:
     const platform::Host m_host;
     std::unique_ptr<platform::Panel> m_window;
 };
+
+} // namespace sealwright

@@ -6,6 +6,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 class RtfReader {
@@ -170,3 +172,5 @@ QList<StyledText> readCredits(const QString &path)
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? styledTextFromRtf(file.readAll()) : QList<StyledText>();
 }
+
+} // namespace sealwright

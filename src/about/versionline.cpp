@@ -6,6 +6,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 /// Qt's long form begins or ends with the weekday, set apart by what a language puts there.
@@ -40,3 +42,5 @@ QString processorText()
     return u""_s;
 #endif
 }
+
+} // namespace sealwright

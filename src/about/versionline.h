@@ -2,6 +2,8 @@
 
 #include <QString>
 
+namespace sealwright {
+
 /// What the version line of the about panel is made of.
 struct VersionDetails {
     QString shortVersion;
@@ -19,3 +21,5 @@ struct VersionDetails {
 
 /// The processor that this program was built for, in words.
 [[nodiscard]] QString processorText();
+
+} // namespace sealwright

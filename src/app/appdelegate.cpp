@@ -23,6 +23,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 constexpr qsizetype usualControllers = 30;
@@ -340,5 +342,7 @@ void AppDelegate::changeStatus(QStringView newStatus)
 ScriptFailure AppDelegate::scriptFailure(const QString &title, const QString &text,
                                          const QString &logError) const
 {
-    return ::scriptFailure(title, text, logError);
+    return sealwright::scriptFailure(title, text, logError);
 }
+
+} // namespace sealwright

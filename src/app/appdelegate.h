@@ -10,6 +10,8 @@
 
 #include <optional>
 
+namespace sealwright {
+
 class NSApplicationScripting;
 
 /// The one application-wide object: what launch finds out, the two shared runners and the list of documents.
@@ -140,3 +142,5 @@ private:
     std::optional<QList<QUrl>> m_droppedURLs;
     bool m_hasLaunchFailed = false;
 };
+
+} // namespace sealwright

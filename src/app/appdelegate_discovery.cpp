@@ -10,6 +10,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 const QString xcodeIdentifier = u"com.apple.dt.Xcode"_s;
@@ -21,7 +23,7 @@ const QString probeOwner = u"0"_s;
 
 QString AppDelegate::runCommandSimple(const QString &commandLine) const
 {
-    return ::runCommandSimple(m_host.launcher, commandLine);
+    return sealwright::runCommandSimple(m_host.launcher, commandLine);
 }
 
 void AppDelegate::sampleCodesignIdentities()
@@ -103,3 +105,5 @@ void AppDelegate::dropDMGConfigChange()
 {
     loadDropDMGConfigNamesViaScript();
 }
+
+} // namespace sealwright

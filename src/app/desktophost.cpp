@@ -10,6 +10,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 QString inConfigFolder(const QString &path)
@@ -117,3 +119,5 @@ AppDelegate::Configuration DesktopHost::configuration()
             .credits = u":/Credits.rtf"_s,
             .buildDate = QStringLiteral(SEALWRIGHT_BUILD_DATE)};
 }
+
+} // namespace sealwright

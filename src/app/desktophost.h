@@ -19,6 +19,8 @@
 #include "ui/widgetwindow.h"
 #include "ui/windoworder.h"
 
+namespace sealwright {
+
 /// The services of a desktop session: real files, processes, windows and the session bus. Made on the main
 /// thread, once there is an application object. Its end waits for the workflows that still run.
 class DesktopHost {
@@ -61,3 +63,5 @@ private:
     WidgetApplication m_application;
     platform::QtWorkerQueue m_workers; // the last: its jobs use all the others
 };
+
+} // namespace sealwright

@@ -10,7 +10,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace discovery {
+namespace sealwright::discovery {
 
 namespace {
 
@@ -83,4 +83,4 @@ QStringList sortedLikeFinder(QStringList names)
     return names;
 }
 
-} // namespace discovery
+} // namespace sealwright::discovery

@@ -3,6 +3,8 @@
 #include <QString>
 #include <QStringList>
 
+namespace sealwright {
+
 /// What launch reads from the tools, as values.
 namespace discovery {
 
@@ -29,3 +31,5 @@ struct Identities {
 [[nodiscard]] QStringList sortedLikeFinder(QStringList names);
 
 } // namespace discovery
+
+} // namespace sealwright

@@ -5,7 +5,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace keychain {
+namespace sealwright::keychain {
 
 namespace {
 
@@ -134,4 +134,4 @@ QString withTeam(const QString &name)
     return u"%1 (%2)"_s.arg(plain, QString::fromLatin1(digest.first(10).toUpper()));
 }
 
-} // namespace keychain
+} // namespace sealwright::keychain

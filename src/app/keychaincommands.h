@@ -6,6 +6,8 @@
 #include <QList>
 #include <QStringList>
 
+namespace sealwright {
+
 /// What the programs of the keychain are told and what they answer, as values. A secret is never an argument:
 /// it is the program's input. Any thread.
 namespace keychain {
@@ -66,3 +68,5 @@ struct Identity {
 [[nodiscard]] QString withTeam(const QString &name);
 
 } // namespace keychain
+
+} // namespace sealwright

@@ -6,6 +6,8 @@
 
 #include <QPointer>
 
+namespace sealwright {
+
 namespace {
 
 /// Blocks until the program has ended.
@@ -66,3 +68,5 @@ void KeychainTools::runAll(const QList<keychain::Command> &commands, const QObje
     };
     m_host.workers.post(job);
 }
+
+} // namespace sealwright

@@ -7,6 +7,8 @@
 
 #include <functional>
 
+namespace sealwright {
+
 /// Runs the programs of the keychain in the background. Main thread.
 class KeychainTools {
 public:
@@ -30,3 +32,5 @@ private:
     const platform::Host m_host;
     const QString m_program;
 };
+
+} // namespace sealwright

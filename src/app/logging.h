@@ -2,6 +2,8 @@
 
 #include <QLoggingCategory>
 
+namespace sealwright {
+
 /// What launch finds, and what comes from outside.
 /// Off unless `QT_LOGGING_RULES` turns `sealwright.app.debug` on. Any thread.
 inline const QLoggingCategory &appLogging()
@@ -9,3 +11,5 @@ inline const QLoggingCategory &appLogging()
     static const QLoggingCategory category("sealwright.app", QtCriticalMsg);
     return category;
 }
+
+} // namespace sealwright

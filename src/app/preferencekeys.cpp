@@ -1,5 +1,7 @@
 #include "app/preferencekeys.h"
 
+namespace sealwright {
+
 QVariantMap key::registeredDefaults()
 {
     return {
@@ -20,3 +22,5 @@ QVariantMap key::registeredDefaults()
         {toolPause, 0.15},
     };
 }
+
+} // namespace sealwright

@@ -4,9 +4,9 @@
 
 #include <QVariantMap>
 
-namespace key {
+namespace sealwright::key {
 
 /// The values of the keys that nobody has set.
 [[nodiscard]] QVariantMap registeredDefaults();
 
-} // namespace key
+} // namespace sealwright::key

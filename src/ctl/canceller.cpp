@@ -5,6 +5,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 Canceller::Canceller(const Client &client, const LogFollower &follower, Effect effect)
     : m_client(client)
     , m_follower(follower)
@@ -32,3 +34,5 @@ void Canceller::cancelOnce()
     for (const QString &path : m_follower.documentPaths())
         m_client.connection().send(Client::method(path, bus::documentInterface, u"Cancel"_s));
 }
+
+} // namespace sealwright

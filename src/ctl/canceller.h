@@ -3,6 +3,8 @@
 #include "ctl/interrupt.h"
 #include "ctl/logfollower.h"
 
+namespace sealwright {
+
 /// Turns the first interrupt into a cancel of the document that is followed, as soon as it is known.
 class Canceller : public QObject {
     Q_OBJECT
@@ -23,3 +25,5 @@ private:
     Interrupt m_interrupt;
     enum class Cancel { notAsked, asked, sent } m_cancel = Cancel::notAsked;
 };
+
+} // namespace sealwright

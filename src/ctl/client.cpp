@@ -16,6 +16,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 const QString connectionName = u"sealwrightctl"_s;
@@ -169,3 +171,5 @@ QString Client::documentPath(const QString &identifier)
 {
     return bus::documentsPath + u'/' + bus::pathElement(identifier);
 }
+
+} // namespace sealwright

@@ -7,6 +7,8 @@
 
 #include <optional>
 
+namespace sealwright {
+
 enum class ExitStatus {
     done = 0,
     error = 1, ///< of an examination: something would be refused; of a comparison: there are differences
@@ -62,3 +64,5 @@ private:
 
     QDBusConnection m_connection;
 };
+
+} // namespace sealwright

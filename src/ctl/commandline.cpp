@@ -8,6 +8,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 constexpr qsizetype anyNumber = std::numeric_limits<qsizetype>::max();
@@ -352,3 +354,5 @@ answer in time. Of examine: 0 nothing would be refused; 1 something would; 4 the
 compare: 0 no difference; 1 differences; 4 the items could not be compared.
 )"_s;
 }
+
+} // namespace sealwright

@@ -5,6 +5,8 @@
 
 #include <limits>
 
+namespace sealwright {
+
 /// What a person or a script asks of the client.
 struct Request {
     enum class Kind { run, help, version, wrongUse };
@@ -36,3 +38,5 @@ struct Request {
 [[nodiscard]] QString helpText();
 /// In the order of the help.
 [[nodiscard]] QStringList commandNames();
+
+} // namespace sealwright

@@ -21,6 +21,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 using ManagedObjects = QMap<QDBusObjectPath, QMap<QString, QVariantMap>>;
@@ -306,3 +308,5 @@ Answer carryOut(const Request &request, const Client &client)
 {
     return commands().value(request.command)(request, client);
 }
+
+} // namespace sealwright

@@ -5,6 +5,8 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+namespace sealwright {
+
 namespace {
 
 // A handler can reach nothing but what is global.
@@ -43,3 +45,5 @@ void Interrupt::read()
     while (::read(pipeEnds[0], bytes, sizeof bytes) > 0) { }
     Q_EMIT arrived();
 }
+
+} // namespace sealwright

@@ -5,6 +5,8 @@
 
 #include <memory>
 
+namespace sealwright {
+
 /// Turns the terminal's interrupts (SIGINT) into a signal of the event loop for as long as it lives. One at a
 /// time.
 class Interrupt : public QObject {
@@ -22,3 +24,5 @@ private:
 
     std::unique_ptr<QSocketNotifier> m_notifier;
 };
+
+} // namespace sealwright

@@ -7,6 +7,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 constexpr int longestFinish = 5000; // milliseconds
@@ -53,3 +55,5 @@ void LogFollower::finish()
         [[maybe_unused]] const Answer answer =
             m_client.call(Client::getProperty(path, bus::documentInterface, u"UniqueID"_s), longestFinish);
 }
+
+} // namespace sealwright

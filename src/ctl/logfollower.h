@@ -6,6 +6,8 @@
 
 #include <functional>
 
+namespace sealwright {
+
 /// Hands on the log of the document that this connection's command works on, as it comes. Made before the
 /// command is sent, so that nothing is missed.
 class LogFollower : public QObject {
@@ -39,3 +41,5 @@ private:
     const Documents m_documents;
     QStringList m_documentPaths;
 };
+
+} // namespace sealwright

@@ -9,7 +9,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace lookforms {
+namespace sealwright::lookforms {
 
 namespace {
 
@@ -174,4 +174,4 @@ QString sarifOfIssues(const QJsonArray &issues)
     return sarif({}, resultsOf(issues, "docUrl"_L1));
 }
 
-} // namespace lookforms
+} // namespace sealwright::lookforms

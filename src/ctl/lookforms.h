@@ -4,6 +4,8 @@
 #include <QJsonObject>
 #include <QString>
 
+namespace sealwright {
+
 /// What is found, in the forms that build servers read.
 namespace lookforms {
 
@@ -17,3 +19,5 @@ namespace lookforms {
 [[nodiscard]] QString sarifOfIssues(const QJsonArray &issues);
 
 } // namespace lookforms
+
+} // namespace sealwright

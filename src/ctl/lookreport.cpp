@@ -6,7 +6,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace lookreport {
+namespace sealwright::lookreport {
 
 namespace {
 
@@ -110,4 +110,4 @@ QStringList differenceLines(const QJsonArray &differences)
     return lines;
 }
 
-} // namespace lookreport
+} // namespace sealwright::lookreport

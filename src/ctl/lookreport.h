@@ -4,6 +4,8 @@
 #include <QJsonObject>
 #include <QStringList>
 
+namespace sealwright {
+
 /// What the client prints of a look for a person to read.
 namespace lookreport {
 
@@ -15,3 +17,5 @@ namespace lookreport {
 [[nodiscard]] QStringList differenceLines(const QJsonArray &differences);
 
 } // namespace lookreport
+
+} // namespace sealwright

@@ -14,6 +14,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 QString textIn(const Answer &answer)
@@ -98,3 +100,5 @@ Answer compare(const Request &request, const Client &client)
     print(request, json, lookreport::differenceLines(differences));
     return withStatus(differences.isEmpty() ? ExitStatus::done : ExitStatus::error);
 }
+
+} // namespace sealwright

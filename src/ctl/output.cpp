@@ -16,6 +16,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 QString lastElement(const QDBusObjectPath &path)
@@ -127,3 +129,5 @@ void printError(const QString &line)
 }
 
 } // namespace output
+
+} // namespace sealwright

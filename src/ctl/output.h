@@ -5,6 +5,8 @@
 #include <QStringList>
 #include <QVariant>
 
+namespace sealwright {
+
 /// What the client prints.
 namespace output {
 
@@ -27,3 +29,5 @@ void printJson(const QJsonValue &value);
 void printError(const QString &line);
 
 } // namespace output
+
+} // namespace sealwright

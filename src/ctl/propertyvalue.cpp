@@ -11,6 +11,9 @@
 #include <QUrl>
 
 using namespace Qt::StringLiterals;
+
+namespace sealwright {
+
 using scriptingdefinition::Type;
 using scriptingdefinition::ValueType;
 
@@ -142,3 +145,5 @@ QString fileUrl(const QString &path)
     return QUrl::fromLocalFile(canBeTidied ? QDir::cleanPath(absolute) : absolute)
         .toString(QUrl::FullyEncoded);
 }
+
+} // namespace sealwright

@@ -7,6 +7,8 @@
 
 #include <optional>
 
+namespace sealwright {
+
 /// What a property of the class holds, by its name on the bus; nothing if there is no such property.
 [[nodiscard]] std::optional<scriptingdefinition::ValueType> typeOfProperty(const QString &className,
                                                                            const QString &name);
@@ -21,3 +23,5 @@
 
 /// The file URL of a path, which may be relative.
 [[nodiscard]] QString fileUrl(const QString &path);
+
+} // namespace sealwright

@@ -17,6 +17,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 constexpr qint64 longestIdentifier = 4096; // bytes
@@ -149,3 +151,5 @@ Answer resume(const Request &request, const Client &client)
         return problem(u"%1 submissions wait for a verdict: name one, or all by --all"_s.arg(folders.size()));
     return resumeOne(request, client, folders.first());
 }
+
+} // namespace sealwright

@@ -13,6 +13,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 constexpr int longestQuestion = 5000; // milliseconds, of what is asked after the answer
@@ -128,3 +130,5 @@ void Work::closeDocument(const QString &path) const
     [[maybe_unused]] const Answer closed =
         m_client.call(Client::method(path, bus::documentInterface, u"Close"_s), longestQuestion);
 }
+
+} // namespace sealwright

@@ -5,6 +5,8 @@
 
 #include <QVariantMap>
 
+namespace sealwright {
+
 class LogFollower;
 
 /// A command that a document works on for a while, in the document that the request names, and otherwise in a
@@ -30,3 +32,5 @@ private:
     const Request &m_request;
     const Client &m_client;
 };
+
+} // namespace sealwright

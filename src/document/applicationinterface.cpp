@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+namespace sealwright {
+
 MainWinController *windowController(const ApplicationInterface &application, const platform::Window *window)
 {
     const auto &open = application.allControllers();
@@ -12,3 +14,5 @@ MainWinController *windowController(const ApplicationInterface &application, con
     });
     return found == open.cend() ? nullptr : found->get();
 }
+
+} // namespace sealwright

@@ -11,6 +11,8 @@ namespace platform {
 class Window;
 }
 
+namespace sealwright {
+
 class MainWinController;
 class WindowFactory;
 
@@ -104,3 +106,5 @@ public:
 /// The document of a window; null if the window is no open document's.
 [[nodiscard]] MainWinController *windowController(const ApplicationInterface &application,
                                                   const platform::Window *window);
+
+} // namespace sealwright

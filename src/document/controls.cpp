@@ -1,5 +1,7 @@
 #include "document/controls.h"
 
+namespace sealwright {
+
 void Control::setIsHidden(bool isHidden)
 {
     if (std::exchange(m_isHidden, isHidden) != isHidden)
@@ -133,3 +135,5 @@ QString LogText::string() const
         text += run.text;
     return text;
 }
+
+} // namespace sealwright

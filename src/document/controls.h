@@ -8,6 +8,8 @@
 
 #include <optional>
 
+namespace sealwright {
+
 /// The values behind a document's window. The document reads and writes them; the widgets show them, hold
 /// nothing of their own and write back what a person does. All on the main thread.
 
@@ -232,3 +234,5 @@ Q_SIGNALS:
 private:
     QVector<Run> m_runs;
 };
+
+} // namespace sealwright

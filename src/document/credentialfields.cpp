@@ -5,6 +5,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 constexpr qsizetype longestTooShortAppleID = 2;
@@ -50,3 +52,5 @@ bool checkCredentialFields(MainWinController &document)
             document.appPassField);
     return true;
 }
+
+} // namespace sealwright

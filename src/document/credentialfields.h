@@ -2,6 +2,8 @@
 
 #include "run/credentials.h"
 
+namespace sealwright {
+
 class MainWinController;
 
 /// What stands in the document's fields for the notary service: the password key without blanks around it,
@@ -15,3 +17,5 @@ class MainWinController;
 /// Whether Apple ID and password key are there. False after a report, with the focus in the field that lacks
 /// something. Main thread.
 [[nodiscard]] bool checkCredentialFields(MainWinController &document);
+
+} // namespace sealwright

@@ -7,6 +7,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 void SubmitCommands::prepareForDirectSubmit(const QUrl &url, const QString &identity)
 {
     const Item item = Item::fromUrl(url);
@@ -67,3 +69,5 @@ void SubmitCommands::_cancelDirectSubmitUI()
     setOrdinaryButtons();
     document.appletNameField.setStringValue(u""_s);
 }
+
+} // namespace sealwright

@@ -9,6 +9,8 @@
 #include "document/stapleonlycommands.h"
 #include "document/submitcommands.h"
 
+namespace sealwright {
+
 /// What a person or a script has a document do, by what it is about. Main thread. The document owns them;
 /// each refers back to it.
 struct DocumentCommands {
@@ -33,3 +35,5 @@ struct DocumentCommands {
     HistoryCommands history;
     ProviderSheet providers;
 };
+
+} // namespace sealwright

@@ -2,6 +2,8 @@
 
 #include "document/controls.h"
 
+namespace sealwright {
+
 /// The controls of a document's window, under the names that widgets, tests and screen readers know them by.
 /// Main thread only.
 struct DocumentControls {
@@ -56,3 +58,5 @@ struct DocumentControls {
     TextField providerSheetDetailText;
     ProgressIndicator providerSheetProgress;
 };
+
+} // namespace sealwright

@@ -8,6 +8,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 using Value = std::function<QVariant(const MainWinController &)>;
@@ -96,3 +98,5 @@ void MainWinController::doSetDocumentDefaults()
         changeStatus(status::ready);
     });
 }
+
+} // namespace sealwright

@@ -6,6 +6,8 @@
 
 #include <functional>
 
+namespace sealwright {
+
 class MainWinController;
 
 /// A preference that each new document starts from.
@@ -24,3 +26,5 @@ struct CheckboxDefault {
     Checkbox DocumentControls::*checkbox;
 };
 [[nodiscard]] const QList<CheckboxDefault> &checkboxDefaults();
+
+} // namespace sealwright

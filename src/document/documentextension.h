@@ -1,5 +1,7 @@
 #pragma once
 
+namespace sealwright {
+
 class MainWinController;
 
 /// What carries one workflow of a document: a class beside the document, so that the document stays a
@@ -18,3 +20,5 @@ protected:
 
     MainWinController &document;
 };
+
+} // namespace sealwright

@@ -12,6 +12,8 @@
 
 class ScriptCommand;
 
+namespace sealwright {
+
 /// What the again item of the File menu repeats.
 enum LastAction : quint64 { nothingToRepeat = 0, submitAction = 1, stapleAction = 2, signAction = 3 };
 
@@ -68,3 +70,5 @@ struct DocumentFields {
     /// This document's copy of the notary tool's path.
     Property<QString> altoolPath;
 };
+
+} // namespace sealwright

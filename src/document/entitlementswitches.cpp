@@ -4,6 +4,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 const QList<EntitlementSwitch> &entitlementSwitches()
 {
     using Controls = DocumentControls;
@@ -53,3 +55,5 @@ QVariantMap entitlementsFromSettings(const DocumentControls &settings)
     }
     return entitlements;
 }
+
+} // namespace sealwright

@@ -5,6 +5,8 @@
 #include <QList>
 #include <QVariantMap>
 
+namespace sealwright {
+
 /// One entitlement that a document can switch on, under each of its names.
 struct EntitlementSwitch {
     /// What it is about; the window has a column part for each.
@@ -25,3 +27,5 @@ struct EntitlementSwitch {
 
 /// The keys whose switches are on, each with the value true. Main thread.
 [[nodiscard]] QVariantMap entitlementsFromSettings(const DocumentControls &settings);
+
+} // namespace sealwright

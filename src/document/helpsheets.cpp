@@ -6,6 +6,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 const QString appleAccountSite = u"https://appleid.apple.com/account/manage"_s;
@@ -71,3 +73,5 @@ void HelpSheets::show(const platform::Alert &alert, TextField &fieldAfterwards, 
         next(answer);
     });
 }
+
+} // namespace sealwright

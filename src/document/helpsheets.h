@@ -4,11 +4,13 @@
 
 #include <functional>
 
-class TextField;
-
 namespace platform {
 struct Alert;
 }
+
+namespace sealwright {
+
+class TextField;
 
 /// The help on what a document's window asks for, as sheets. Main thread.
 class HelpSheets : private DocumentExtension {
@@ -29,3 +31,5 @@ private:
         const platform::Alert &alert, TextField &fieldAfterwards, std::function<void(int)> next = [](int) {});
     void listProvidersIfChosen(int answer);
 };
+
+} // namespace sealwright

@@ -6,6 +6,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 void HistoryCommands::doFetchHistory()
 {
     fetchHistory(std::nullopt);
@@ -33,3 +35,5 @@ OutputFormat HistoryCommands::formatForScript() const
     const bool wantsXml = command && command->evaluatedArguments().value(argument::xmlOutput).toBool();
     return wantsXml ? OutputFormat::xml : OutputFormat::normal;
 }
+
+} // namespace sealwright

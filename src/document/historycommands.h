@@ -2,6 +2,8 @@
 
 #include "document/servicecommands.h"
 
+namespace sealwright {
+
 /// Shows the account's past submissions, as the notary tool prints them. Main thread.
 class HistoryCommands : private ServiceCommands {
 public:
@@ -21,3 +23,5 @@ public:
 private:
     [[nodiscard]] OutputFormat formatForScript() const;
 };
+
+} // namespace sealwright

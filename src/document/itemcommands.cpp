@@ -13,6 +13,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 const QString interfaceIsBlocked = u"Inteface is blocked."_s;
@@ -113,3 +115,5 @@ std::optional<RunInputs> ItemCommands::signingInputs(const QString &identity) co
     inputs.extraEntitlements = itempath::fromUrl(extra);
     return inputs;
 }
+
+} // namespace sealwright

@@ -6,6 +6,8 @@
 #include "run/item.h"
 #include "signing/signonlyworkflow.h"
 
+namespace sealwright {
+
 /// What the commands have in common that begin a run on an item of the user's. Main thread.
 class ItemCommands : protected DocumentExtension {
 protected:
@@ -43,3 +45,5 @@ protected:
     /// had.
     [[nodiscard]] std::optional<RunInputs> signingInputs(const QString &identity) const;
 };
+
+} // namespace sealwright

@@ -2,6 +2,8 @@
 
 #include <QLoggingCategory>
 
+namespace sealwright {
+
 /// The words that documents go through.
 /// Off unless `QT_LOGGING_RULES` turns `sealwright.document.debug` on. Any thread.
 inline const QLoggingCategory &documentLogging()
@@ -9,3 +11,5 @@ inline const QLoggingCategory &documentLogging()
     static const QLoggingCategory category("sealwright.document", QtCriticalMsg);
     return category;
 }
+
+} // namespace sealwright

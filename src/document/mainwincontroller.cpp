@@ -16,6 +16,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 constexpr quint64 firstVersionForOwnRunner = 4;
@@ -227,7 +229,7 @@ bool MainWinController::shouldEnableURL(const QUrl &url)
 
 QString MainWinController::runCommandSimple(const QString &commandLine) const
 {
-    return ::runCommandSimple(host().launcher, commandLine);
+    return sealwright::runCommandSimple(host().launcher, commandLine);
 }
 
 void MainWinController::dispatchToWorker(std::function<void()> job)
@@ -239,3 +241,5 @@ void MainWinController::dispatchToMain(std::function<void()> block)
 {
     host().mainQueue.post([held = shared_from_this(), block = std::move(block)] { block(); });
 }
+
+} // namespace sealwright

@@ -10,6 +10,8 @@
 
 #include <functional>
 
+namespace sealwright {
+
 class ApplicationInterface;
 class Run;
 struct DocumentCommands;
@@ -169,3 +171,5 @@ private:
 };
 
 using DocumentPtr = std::shared_ptr<MainWinController>;
+
+} // namespace sealwright

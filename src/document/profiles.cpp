@@ -14,6 +14,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 constexpr qsizetype mostBytes = 256 * 1024;
@@ -190,3 +192,5 @@ platform::Outcome ProfileStore::remove(const QString &name) const
         return platform::Error{u"There is no profile “%1”."_s.arg(name)};
     return m_files.trashItem(path(name));
 }
+
+} // namespace sealwright

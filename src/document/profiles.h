@@ -6,6 +6,8 @@
 #include <QStringList>
 #include <QVariantMap>
 
+namespace sealwright {
+
 class MainWinController;
 
 /// What a document of one product is set to, under a name: credentials, identity, entitlements and options.
@@ -50,3 +52,5 @@ private:
     platform::FileService &m_files;
     const QString m_folder;
 };
+
+} // namespace sealwright

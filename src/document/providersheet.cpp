@@ -6,6 +6,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 constexpr int okCode = 1;
@@ -104,3 +106,5 @@ void ProviderSheet::showMessage(const QString &heading, const QString &detail)
     document.providerSheetDetailText.setStringValue(detail);
     document.providerSheetTabView.selectTabViewItemAtIndex(messagePage);
 }
+
+} // namespace sealwright

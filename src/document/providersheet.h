@@ -2,6 +2,8 @@
 
 #include "document/servicecommands.h"
 
+namespace sealwright {
+
 /// Lets a person choose among the teams of the account, by the short name that the notary tool knows each
 /// by.
 class ProviderSheet : private ServiceCommands {
@@ -37,3 +39,5 @@ extern const QString providerNameSheet;
 
 /// The pages of the sheet.
 enum ProviderSheetPage { waitingPage = 0, choicePage = 1, messagePage = 2 };
+
+} // namespace sealwright

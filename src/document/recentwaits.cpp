@@ -8,6 +8,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 const QString recentWaits = u"recentVerdictWaits"_s; // seconds, the latest last, with blanks between
@@ -47,3 +49,5 @@ std::optional<recentwaits::Range> recentwaits::range(const platform::Preferences
     const auto [shortest, longest] = std::minmax_element(waits.cbegin(), waits.cend());
     return Range{*shortest, *longest};
 }
+
+} // namespace sealwright

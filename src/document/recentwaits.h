@@ -8,6 +8,8 @@ namespace platform {
 class Preferences;
 }
 
+namespace sealwright {
+
 /// How long the latest waits for the service's verdict took, for people who wait for the next one. Kept for
 /// all documents, from launch to launch. Main thread.
 namespace recentwaits {
@@ -25,3 +27,5 @@ void remember(platform::Preferences &preferences, qint64 seconds);
 [[nodiscard]] std::optional<Range> range(const platform::Preferences &preferences);
 
 } // namespace recentwaits
+
+} // namespace sealwright

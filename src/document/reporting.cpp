@@ -10,6 +10,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 void MainWinController::changeStatus(QStringView newStatus)
 {
     if (newStatus.isNull() || statusString() == newStatus)
@@ -99,3 +101,5 @@ void MainWinController::resumeScript(const QVariant &result)
     if (isScripted() && command)
         command->resumeExecutionWithResult(result);
 }
+
+} // namespace sealwright

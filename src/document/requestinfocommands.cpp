@@ -9,6 +9,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 void RequestInfoCommands::doInfoForUUIDInFile()
 {
     document.askForItem(
@@ -53,3 +55,5 @@ void RequestInfoCommands::infoForRequestUUID(const std::optional<QString> &reque
     inputs->requestUUID = requestUUID;
     document.startRun(*inputs, requestInfoWorkflow(), [this](Run &) { finishQuery({}); });
 }
+
+} // namespace sealwright

@@ -2,6 +2,8 @@
 
 #include "document/servicecommands.h"
 
+namespace sealwright {
+
 /// Shows what the service has on record about a submission that has been lost track of. Main thread.
 class RequestInfoCommands : private ServiceCommands {
 public:
@@ -21,3 +23,5 @@ public:
 private:
     void lookUpRequestInFile(const QString &path);
 };
+
+} // namespace sealwright

@@ -9,6 +9,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 const QString interfaceIsBlocked = u"Interface is blocked."_s;
@@ -93,3 +95,5 @@ void ResumeCommands::showWait(const WaitRecord &wait)
     showItem(wait.original);
     document.stepList.plan(planOf(resumeWorkflow()));
 }
+
+} // namespace sealwright

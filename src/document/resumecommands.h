@@ -3,6 +3,8 @@
 #include "document/itemcommands.h"
 #include "run/waitrecord.h"
 
+namespace sealwright {
+
 /// Goes on with the wait for a verdict that an earlier run has begun. Main thread.
 class ResumeCommands : private ItemCommands {
 public:
@@ -25,3 +27,5 @@ private:
     bool begin(const WaitRecord &wait);
     void showWait(const WaitRecord &wait);
 };
+
+} // namespace sealwright

@@ -7,6 +7,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 RunInputs MainWinController::runInputs() const
 {
     RunInputs inputs;
@@ -101,3 +103,5 @@ QString MainWinController::itemName() const
 {
     return itempath::lastComponent(itempath::fromUrl(appletURL()));
 }
+
+} // namespace sealwright

@@ -5,6 +5,8 @@
 #include "platform/itempath.h"
 #include "platform/scriptcommand.h"
 
+namespace sealwright {
+
 // Live choices
 
 ArchiveKind RunWatcher::archiveKind() const
@@ -156,3 +158,5 @@ void RunWatcher::verdictHasCome()
             recentwaits::remember(document.host().preferences, document.stepList.duration(*wait));
     });
 }
+
+} // namespace sealwright

@@ -3,6 +3,8 @@
 #include "document/mainwincontroller.h"
 #include "run/run.h"
 
+namespace sealwright {
+
 /// What stands between a run and the document that has started it: shows the run in the document's fields,
 /// and answers what the run must know at its moment. Keeps the document alive for as long as the run. Any
 /// thread.
@@ -49,3 +51,5 @@ private:
     Places m_shown; ///< what the document has been told last
     const std::function<void(Run &)> m_atEnd;
 };
+
+} // namespace sealwright

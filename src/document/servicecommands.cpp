@@ -4,6 +4,8 @@
 #include "document/mainwincontroller.h"
 #include "platform/scriptcommand.h"
 
+namespace sealwright {
+
 std::optional<RunInputs> ServiceCommands::beginQuery(const QString &blockedText)
 {
     if (!document.finishEditing(blockedText))
@@ -38,3 +40,5 @@ void ServiceCommands::makeIdle()
     document.isBusy.set(false);
     document.progressIndicator.stopAnimation();
 }
+
+} // namespace sealwright

@@ -5,6 +5,8 @@
 
 #include <optional>
 
+namespace sealwright {
+
 /// What the queries of the notary service share, which a person or a script makes beside a submission. They
 /// change nothing on disk, and cannot be cancelled. Main thread.
 class ServiceCommands : protected DocumentExtension {
@@ -25,3 +27,5 @@ protected:
     /// Makes the document idle, whatever its status.
     void makeIdle();
 };
+
+} // namespace sealwright

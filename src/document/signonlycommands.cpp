@@ -5,6 +5,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 // Commands and entries
 
 void SignOnlyCommands::doSignOnly()
@@ -72,3 +74,5 @@ void SignOnlyCommands::startWithOriginal(const QString &identity)
     if (const auto inputs = signingInputs(identity))
         document.startRun(*inputs, workflow, [this](Run &) { document.endSigning(); });
 }
+
+} // namespace sealwright

@@ -2,6 +2,8 @@
 
 #include "document/itemcommands.h"
 
+namespace sealwright {
+
 /// Signs a copy of an app, or of what is in a folder, and leaves it in a folder named for that. Nothing is
 /// uploaded. Main thread.
 class SignOnlyCommands : private ItemCommands {
@@ -25,3 +27,5 @@ private:
     void chooseItem(const QString &identity);
     void startWithOriginal(const QString &identity);
 };
+
+} // namespace sealwright

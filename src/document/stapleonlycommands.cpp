@@ -11,6 +11,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 const QString interfaceIsBlocked = u"Interface is blocked."_s;
@@ -134,3 +136,5 @@ void StapleOnlyCommands::showAppletURL()
 {
     showItem(item().fileName());
 }
+
+} // namespace sealwright

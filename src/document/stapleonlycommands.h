@@ -2,6 +2,8 @@
 
 #include "document/itemcommands.h"
 
+namespace sealwright {
+
 /// Takes up an item that has been submitted before. Main thread.
 class StapleOnlyCommands : private ItemCommands {
 public:
@@ -31,3 +33,5 @@ private:
     void continueStapleOnly();
     void showAppletURL();
 };
+
+} // namespace sealwright

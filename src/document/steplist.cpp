@@ -6,6 +6,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 constexpr qint64 millisecondsPerSecond = 1000;
@@ -140,3 +142,5 @@ qsizetype StepList::placeOf(const Step &step)
     m_rows.insert(place, {.step = step});
     return place;
 }
+
+} // namespace sealwright

@@ -13,6 +13,8 @@ namespace platform {
 class Clock;
 }
 
+namespace sealwright {
+
 /// How far a step has come. Skipped is one that its run turned out not to need or has not reached.
 enum class StepState { waiting, running, done, failed, cancelled, skipped };
 
@@ -89,3 +91,5 @@ private:
     QList<Row> m_rows;
     std::optional<Wait> m_wait;
 };
+
+} // namespace sealwright

@@ -6,6 +6,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 void MainWinController::appendToWindowLog(const QString &line, LogStyle style)
 {
     statusTextView.append({line, style, attributesFor(style)});
@@ -81,3 +83,5 @@ TextAttributes MainWinController::attributesFor(LogStyle style) const
     }
     return logAttributes();
 }
+
+} // namespace sealwright

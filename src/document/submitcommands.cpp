@@ -8,6 +8,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 // Commands and entries
 
 void SubmitCommands::doSubmit()
@@ -135,3 +137,5 @@ void SubmitCommands::submitAsync()
     inputs->credentials = enteredCredentials(document);
     document.startRun(*inputs, workflow(), [this](Run &) { document.endStapling(); });
 }
+
+} // namespace sealwright

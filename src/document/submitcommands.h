@@ -4,6 +4,8 @@
 
 #include <memory>
 
+namespace sealwright {
+
 /// Submits an item, from its choice to the run. Main thread.
 class SubmitCommands : private ItemCommands {
 public:
@@ -44,3 +46,5 @@ private:
 
     std::unique_ptr<QObject> m_waiting; ///< there while an item waits for a person
 };
+
+} // namespace sealwright

@@ -7,6 +7,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 const QString processCancelled = u"Process Cancelled"_s;
@@ -204,3 +206,5 @@ void MainWinController::endBeforeStart()
     isSubmitting.set(false);
     progressIndicator.stopAnimation();
 }
+
+} // namespace sealwright

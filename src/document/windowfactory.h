@@ -5,6 +5,8 @@
 
 #include <memory>
 
+namespace sealwright {
+
 class AboutController;
 class MainWinController;
 
@@ -18,3 +20,5 @@ public:
     /// The about panel, not yet on screen, with its fields bound to the controller's.
     [[nodiscard]] virtual std::unique_ptr<platform::Panel> makeAboutPanel(AboutController &controller) = 0;
 };
+
+} // namespace sealwright

@@ -14,6 +14,9 @@
 #include <QFileInfo>
 
 using namespace Qt::StringLiterals;
+
+namespace sealwright {
+
 namespace signing = toolchain::codesignature;
 namespace seal = toolchain::seal;
 
@@ -165,3 +168,5 @@ void Judgement::judgeRoot(const QString &item)
 }
 
 } // namespace examine
+
+} // namespace sealwright

@@ -5,6 +5,8 @@
 
 #include <algorithm>
 
+namespace sealwright {
+
 namespace signing = toolchain::codesignature;
 namespace seal = toolchain::seal;
 
@@ -61,3 +63,5 @@ std::map<QString, ReadBundle> readBundles(const QStringList &paths)
 }
 
 } // namespace examine
+
+} // namespace sealwright

@@ -8,7 +8,7 @@
 #include <map>
 #include <vector>
 
-namespace examine {
+namespace sealwright::examine {
 
 /// A bundle as codesign reads it.
 struct ReadBundle {
@@ -26,4 +26,4 @@ struct ReadBundle {
 /// The folder that the seal of the bundle is about.
 [[nodiscard]] toolchain::seal::SealedFolder sealedFolder(const toolchain::codesignature::CodeBundle &bundle);
 
-} // namespace examine
+} // namespace sealwright::examine

@@ -8,7 +8,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace examine {
+namespace sealwright::examine {
 
 namespace {
 
@@ -66,4 +66,4 @@ QByteArray toJson(const Choices &choices)
     return QJsonDocument(object).toJson(QJsonDocument::Compact);
 }
 
-} // namespace examine
+} // namespace sealwright::examine

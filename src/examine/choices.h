@@ -6,7 +6,7 @@
 #include <QStringList>
 #include <QVariantMap>
 
-namespace examine {
+namespace sealwright::examine {
 
 enum class Packing { zip, diskImage };
 
@@ -27,4 +27,4 @@ struct Choices {
 [[nodiscard]] platform::Result<Choices> choicesFromJson(const QByteArray &json);
 [[nodiscard]] QByteArray toJson(const Choices &choices);
 
-} // namespace examine
+} // namespace sealwright::examine

@@ -9,6 +9,9 @@
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
+
+namespace sealwright {
+
 using toolchain::review::CodeFacts;
 using toolchain::review::Objection;
 using toolchain::review::SignatureState;
@@ -168,3 +171,5 @@ QString Judgement::ruleForUnsigned(const CodeEntry &entry) const
 }
 
 } // namespace examine
+
+} // namespace sealwright

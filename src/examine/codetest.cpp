@@ -10,7 +10,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace examine {
+namespace sealwright::examine {
 
 namespace {
 
@@ -113,4 +113,4 @@ bool CodeTest::asksTool(const QString &file) const
     return namesSignableCode(QString::fromUtf8(tool.readAllStandardOutput()));
 }
 
-} // namespace examine
+} // namespace sealwright::examine

@@ -2,7 +2,7 @@
 
 #include <QString>
 
-namespace examine {
+namespace sealwright::examine {
 
 /// Whether the file tool's report of a file would make the walk of a run take it for code. Tells it by the
 /// file's first bytes where the report is known from them, since a run of the tool costs a thousand times as
@@ -21,4 +21,4 @@ private:
     const bool m_isHostTool;
 };
 
-} // namespace examine
+} // namespace sealwright::examine

@@ -11,6 +11,9 @@
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
+
+namespace sealwright {
+
 using toolchain::review::CodeFacts;
 using toolchain::review::LinkTarget;
 using toolchain::review::WalkFile;
@@ -318,3 +321,5 @@ void Collector::find(const QString &ruleName, Severity severity, const QString &
 }
 
 } // namespace examine
+
+} // namespace sealwright

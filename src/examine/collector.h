@@ -7,7 +7,7 @@
 
 #include <QHash>
 
-namespace examine {
+namespace sealwright::examine {
 
 /// Collects the code of an item as a walk comes by it, and what the walk itself finds wrong.
 class Collector : public toolchain::review::WalkVisitor {
@@ -52,4 +52,4 @@ private:
     QList<qsizetype> m_openArchives; ///< how many entries there were when each was entered
 };
 
-} // namespace examine
+} // namespace sealwright::examine

@@ -12,6 +12,9 @@
 #include <QMap>
 
 using namespace Qt::StringLiterals;
+
+namespace sealwright {
+
 using platform::Result;
 
 namespace examine {
@@ -121,3 +124,5 @@ QByteArray toJson(const QList<Difference> &differences)
 }
 
 } // namespace examine
+
+} // namespace sealwright

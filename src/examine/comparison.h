@@ -7,7 +7,7 @@
 #include <QList>
 #include <QString>
 
-namespace examine {
+namespace sealwright::examine {
 
 /// One thing in which two items differ.
 struct Difference {
@@ -24,4 +24,4 @@ struct Difference {
 
 [[nodiscard]] QByteArray toJson(const QList<Difference> &differences);
 
-} // namespace examine
+} // namespace sealwright::examine

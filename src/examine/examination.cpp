@@ -9,6 +9,9 @@
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
+
+namespace sealwright {
+
 using toolchain::review::SignatureFacts;
 using toolchain::review::SignatureState;
 using toolchain::review::SliceFacts;
@@ -156,3 +159,5 @@ QByteArray toJson(const Examination &examination)
 }
 
 } // namespace examine
+
+} // namespace sealwright

@@ -9,7 +9,7 @@
 
 #include <optional>
 
-namespace examine {
+namespace sealwright::examine {
 
 enum class Severity { error, warning };
 
@@ -53,4 +53,4 @@ struct Examination {
 /// The form in which programs read it: one object, described in docs/scripting.md.
 [[nodiscard]] QByteArray toJson(const Examination &examination);
 
-} // namespace examine
+} // namespace sealwright::examine

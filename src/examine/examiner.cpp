@@ -15,6 +15,9 @@
 #include <future>
 
 using namespace Qt::StringLiterals;
+
+namespace sealwright {
+
 using platform::Error;
 using platform::Result;
 using toolchain::review::SignatureFacts;
@@ -132,3 +135,5 @@ Result<Examination> examineItem(const QString &item, const Choices &choices)
 }
 
 } // namespace examine
+
+} // namespace sealwright

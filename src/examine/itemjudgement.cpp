@@ -15,6 +15,9 @@
 #include <QVersionNumber>
 
 using namespace Qt::StringLiterals;
+
+namespace sealwright {
+
 using toolchain::review::Objection;
 using toolchain::review::SignatureState;
 using toolchain::review::SliceFacts;
@@ -147,3 +150,5 @@ void Judgement::judgeAge()
 }
 
 } // namespace examine
+
+} // namespace sealwright

@@ -7,7 +7,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace examine {
+namespace sealwright::examine {
 
 namespace {
 
@@ -177,4 +177,4 @@ void Judgement::keepScriptsThatCount()
     m_examination.code.removeIf(doesNotCount);
 }
 
-} // namespace examine
+} // namespace sealwright::examine

@@ -8,7 +8,7 @@
 #include <QHash>
 #include <QSet>
 
-namespace examine {
+namespace sealwright::examine {
 
 /// Finds out what would be refused once everything is known: what the item holds, and what a run does with
 /// it.
@@ -75,4 +75,4 @@ private:
     QSet<QString> m_errors; ///< paths with an error
 };
 
-} // namespace examine
+} // namespace sealwright::examine

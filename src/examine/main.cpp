@@ -11,6 +11,8 @@
 #include <cstdlib>
 
 using namespace Qt::StringLiterals;
+using namespace sealwright;
+
 using platform::Error;
 using platform::Result;
 

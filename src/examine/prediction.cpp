@@ -2,7 +2,7 @@
 
 #include "examine/codetest.h"
 
-namespace examine {
+namespace sealwright::examine {
 
 namespace {
 
@@ -105,4 +105,4 @@ Prediction predict(const QString &item, ItemKind kind, const Choices &choices,
     return prediction;
 }
 
-} // namespace examine
+} // namespace sealwright::examine

@@ -10,7 +10,7 @@
 #include <QString>
 #include <QStringList>
 
-namespace examine {
+namespace sealwright::examine {
 
 enum class ItemKind { app, plugin, fmplugin, package, diskImage, folder };
 
@@ -29,4 +29,4 @@ struct Prediction {
 [[nodiscard]] Prediction predict(const QString &item, ItemKind kind, const Choices &choices,
                                  const platform::FileService &files);
 
-} // namespace examine
+} // namespace sealwright::examine

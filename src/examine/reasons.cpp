@@ -2,7 +2,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace examine {
+namespace sealwright::examine {
 
 Unsigned unsignedBecause(PassedOver reason)
 {
@@ -96,4 +96,4 @@ QString advice(Unsigned reason)
     }
 }
 
-} // namespace examine
+} // namespace sealwright::examine

@@ -4,7 +4,7 @@
 
 #include <QString>
 
-namespace examine {
+namespace sealwright::examine {
 
 /// Why a run does not hand something to codesign.
 enum class Unsigned {
@@ -34,4 +34,4 @@ enum class Unsigned {
 /// What to do about code that is left unsigned for the reason; empty where the rule's own advice is better.
 [[nodiscard]] QString advice(Unsigned reason);
 
-} // namespace examine
+} // namespace sealwright::examine

@@ -4,7 +4,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace examine::rule {
+namespace sealwright::examine::rule {
 
 QString advice(const QString &ruleName)
 {
@@ -54,4 +54,4 @@ QString advice(const QString &ruleName)
     return texts.value(ruleName);
 }
 
-} // namespace examine::rule
+} // namespace sealwright::examine::rule

@@ -2,6 +2,8 @@
 
 #include <QString>
 
+namespace sealwright {
+
 /// The names of the rules, which scripts know.
 namespace examine::rule {
 
@@ -37,3 +39,5 @@ inline const QString unreadable = QStringLiteral("unreadable");
 [[nodiscard]] QString advice(const QString &ruleName);
 
 } // namespace examine::rule
+
+} // namespace sealwright

@@ -2,7 +2,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace altoolarguments {
+namespace sealwright::altoolarguments {
 
 namespace {
 
@@ -43,4 +43,4 @@ QStringList listProviders(const Credentials &credentials)
     return QStringList{u"--list-providers"_s} + identification(ofAccount) + output(OutputFormat::xml);
 }
 
-} // namespace altoolarguments
+} // namespace sealwright::altoolarguments

@@ -4,6 +4,8 @@
 
 #include <QStringList>
 
+namespace sealwright {
+
 /// The argument lists of the notary tool, without the "altool" that xcrun needs in front.
 namespace altoolarguments {
 
@@ -16,3 +18,5 @@ namespace altoolarguments {
 [[nodiscard]] QStringList listProviders(const Credentials &credentials);
 
 } // namespace altoolarguments
+
+} // namespace sealwright

@@ -9,6 +9,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 const QString dittoTool = u"/usr/bin/ditto"_s;
@@ -164,3 +166,5 @@ StepResult findPrimaryBundleID(Run &run)
     run.tools.run(hdiutilTool, {u"dettach"_s, u"-force"_s, volume});
     return Done{};
 }
+
+} // namespace sealwright

@@ -4,6 +4,8 @@
 
 #include <QStringList>
 
+namespace sealwright {
+
 // The steps that pack the signed bundle into the one file that the notary service takes, and find what the
 // upload is to be called by. Worker thread. After a failed packing the signed copy is gone.
 
@@ -14,10 +16,10 @@
 [[nodiscard]] StepResult findPrimaryBundleID(Run &run);
 
 namespace step {
-inline constexpr Step makeZipArchive{.name = u"Make zip archive", .work = &::makeZipArchive};
-inline constexpr Step makeDiskImage{.name = u"Make disk image", .work = &::makeDiskImage};
+inline constexpr Step makeZipArchive{.name = u"Make zip archive", .work = &sealwright::makeZipArchive};
+inline constexpr Step makeDiskImage{.name = u"Make disk image", .work = &sealwright::makeDiskImage};
 inline constexpr Step makeDiskImageWithDropDMG{.name = u"Make disk image with DropDMG",
-                                               .work = &::makeDiskImageWithDropDMG};
+                                               .work = &sealwright::makeDiskImageWithDropDMG};
 /// A cancel in the gap between this step and the upload does not stop the upload.
 inline constexpr Step findIdentifier{
     .name = u"Find bundle identifier", .work = &findPrimaryBundleID, .cancelTest = CancelTest::isLeftOut};
@@ -41,3 +43,5 @@ namespace archive {
 [[nodiscard]] QString mountPoint(const QString &attachOutput);
 
 } // namespace archive
+
+} // namespace sealwright

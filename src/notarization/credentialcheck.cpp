@@ -5,6 +5,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 const QString invalidCredentialMessage =
     u"Invalid Apple ID, or invalid key for app-specific password in login keychain."_s;
 
@@ -25,3 +27,5 @@ StepResult checkAltool(Run &run)
     const QString message = credentialMessage(response->errorString());
     return Failure{u"Cannot Continue"_s, message, FolderFate::keepsItsName, message};
 }
+
+} // namespace sealwright

@@ -2,6 +2,8 @@
 
 #include "run/step.h"
 
+namespace sealwright {
+
 /// Learns by one cheap request whether Apple ID, password key and provider work together, before anything is
 /// copied. Worker thread; takes one network request.
 [[nodiscard]] StepResult checkAltool(Run &run);
@@ -15,3 +17,5 @@ extern const QString invalidCredentialMessage;
 namespace step {
 inline constexpr Step checkCredentials{.name = u"Check credentials", .work = &checkAltool};
 }
+
+} // namespace sealwright

@@ -6,6 +6,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 const QString fetchingHistory = u"\nFetching notarizing history..."_s;
 
 namespace {
@@ -64,3 +66,5 @@ std::optional<quint64> nextPage(const QString &reply, OutputFormat format)
     // nothing, which is what people know: a page at a time.
     return format == OutputFormat::xml ? nextPageInList(reply) : std::nullopt;
 }
+
+} // namespace sealwright

@@ -5,6 +5,8 @@
 
 #include <optional>
 
+namespace sealwright {
+
 /// Shows the account's past submissions, page by page, as the notary tool prints them. The answer is the page
 /// behind which no other follows.
 [[nodiscard]] Workflow historyWorkflow();
@@ -19,3 +21,5 @@ extern const QString fetchingHistory;
 /// The report of a history that cannot be had; a null error string shows as "(null)".
 [[nodiscard]] Failure historyFailure(const QString &message, const QString &errorString);
 [[nodiscard]] QString historyFailureLine(const QString &message, const QString &errorString);
+
+} // namespace sealwright

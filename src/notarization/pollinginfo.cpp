@@ -11,6 +11,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 constexpr double shortestDelay = 20.0;
@@ -90,3 +92,5 @@ std::optional<QString> issuesSummary(const QByteArray &log)
     }
     return withoutTrailingLineEnds(summary);
 }
+
+} // namespace sealwright

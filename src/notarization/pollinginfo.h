@@ -5,6 +5,8 @@
 
 #include <optional>
 
+namespace sealwright {
+
 /// The preference, held to the range that the service is asked at; seconds.
 [[nodiscard]] double limitedPollingDelay(float preference);
 
@@ -28,3 +30,5 @@ struct UploadReceipt {
 
 /// The objects of that list as JSON, for programs; an empty list if the log has none.
 [[nodiscard]] QString issuesAsJson(const QByteArray &log);
+
+} // namespace sealwright

@@ -11,6 +11,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 constexpr qint64 unknownRequestStatus = 239;
@@ -168,3 +170,5 @@ Failure cancelledWait()
         u"Process cancelled. The app has been uploaded, but notarizing has not been confirmed. Once you get a confirmation email on your Apple ID email account, you can staple the app using the Staple Only button."_s,
         FolderFate::keepsItsName};
 }
+
+} // namespace sealwright

@@ -3,6 +3,8 @@
 #include "run/step.h"
 #include "tools/slwtaskresponse.h"
 
+namespace sealwright {
+
 // The wait for the verdict. Built to outlast a service that misbehaves for hours: ordinary failures have a
 // small budget, and status 239, by which the service denies a request that it has just accepted, has a budget
 // of its own. Worker thread.
@@ -31,3 +33,5 @@ inline constexpr Step awaitResult{.name = u"Wait for Apple's result",
                                   .wait = &waitForVerdict,
                                   .cancelOffer = CancelOffer::made};
 }
+
+} // namespace sealwright

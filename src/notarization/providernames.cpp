@@ -5,6 +5,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 constexpr quint64 lastVersionWithoutProviders = 3;
@@ -65,3 +67,5 @@ std::variant<Providers, ProviderMessage> readProviders(const SLWTaskResponse &re
         providers.append(readProvider(provider.toMap()));
     return providers;
 }
+
+} // namespace sealwright

@@ -4,6 +4,8 @@
 
 #include <variant>
 
+namespace sealwright {
+
 /// Asks the notary tool for the teams of the account. The run's response is what it says.
 [[nodiscard]] Workflow providersWorkflow();
 
@@ -30,3 +32,5 @@ using Providers = QList<Provider>;
 
 /// The tool's error without the tag in brackets, and whatever else, that stands in front; null for null.
 [[nodiscard]] QString withoutTag(const QString &errorString);
+
+} // namespace sealwright

@@ -12,6 +12,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 std::optional<QString> textOfLogFile(Run &run, const QString &report)
@@ -106,3 +108,5 @@ QString lookupFailureLine(const SLWTaskResponse &response)
 {
     return toolFailureLine(response, u"fetching info"_s);
 }
+
+} // namespace sealwright

@@ -4,6 +4,8 @@
 
 #include <optional>
 
+namespace sealwright {
+
 /// Shows what the service has on record about a submission that has been lost track of: the request that the
 /// run names, or the newest entry in the account's history.
 [[nodiscard]] Workflow requestInfoWorkflow();
@@ -23,3 +25,5 @@
 /// The log line of a failed lookup; it shows the reference to the response, and not the status that a failed
 /// poll shows.
 [[nodiscard]] QString lookupFailureLine(const SLWTaskResponse &response);
+
+} // namespace sealwright

@@ -10,6 +10,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 const QString cannotGoOnWaiting = u"Cannot Go On Waiting"_s;
 
 namespace {
@@ -81,3 +83,5 @@ Workflow resumeWorkflow()
 {
     return {takeUp, awaitResult, step::staple};
 }
+
+} // namespace sealwright

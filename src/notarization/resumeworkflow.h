@@ -2,6 +2,8 @@
 
 #include "run/workflow.h"
 
+namespace sealwright {
+
 /// Goes on with the wait for a verdict that another run has begun, in this process or in one that has ended:
 /// the run's inputs have its record. Asks at once, and from then on all is as that run would have done it.
 [[nodiscard]] Workflow resumeWorkflow();
@@ -12,3 +14,5 @@
 
 /// The title of that failure.
 extern const QString cannotGoOnWaiting;
+
+} // namespace sealwright

@@ -3,6 +3,8 @@
 #include "notarization/pollinginfo.h"
 #include "platform/urlreader.h"
 
+namespace sealwright {
+
 std::optional<QByteArray> contentsOfLogFile(platform::UrlReader &urls, const QString &report)
 {
     const QUrl url(logFileURL(report));
@@ -10,3 +12,5 @@ std::optional<QByteArray> contentsOfLogFile(platform::UrlReader &urls, const QSt
         return std::nullopt;
     return urls.contentsOf(url);
 }
+
+} // namespace sealwright

@@ -10,6 +10,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 StepResult openLogBesideItem(Run &run)
@@ -72,3 +74,5 @@ StepResult assessSubmission(Run &run)
                        u"Code signing could not be verified: %1"_s.arg(text), FolderFate::keepsItsName};
     return Done{};
 }
+
+} // namespace sealwright

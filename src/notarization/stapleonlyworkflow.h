@@ -3,6 +3,8 @@
 #include "run/workflow.h"
 #include "tools/slwtaskresponse.h"
 
+namespace sealwright {
+
 /// Takes up an item that has been submitted before: has the system confirm that it is acceptable, and staples
 /// it where it lies. Needs no credentials.
 [[nodiscard]] Workflow stapleOnlyWorkflow();
@@ -16,3 +18,5 @@
 [[nodiscard]] bool isAccepted(const QString &assessment);
 /// The log line of an assessment that ended with a failure.
 [[nodiscard]] QString assessmentFailureLine(const SLWTaskResponse &response);
+
+} // namespace sealwright

@@ -6,6 +6,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 const QString xcrunTool = u"/usr/bin/xcrun"_s; // wherever the notary tool comes from
@@ -51,3 +53,5 @@ StepResult runStapler(Run &run)
     }
     return Done{};
 }
+
+} // namespace sealwright

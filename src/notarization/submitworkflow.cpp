@@ -10,6 +10,8 @@
 #include "signing/packagesteps.h"
 #include "signing/signingsteps.h"
 
+namespace sealwright {
+
 namespace {
 
 Workflow bundleSteps(ItemKind kind, const StepOptions &options)
@@ -51,3 +53,5 @@ Workflow verdictWorkflow()
 {
     return {step::awaitResult, step::staple};
 }
+
+} // namespace sealwright

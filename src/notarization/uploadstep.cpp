@@ -13,6 +13,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 constexpr qsizetype longestName = 255; // bytes, on nearly every file system
@@ -91,3 +93,5 @@ StepResult uploadForNotarizing(Run &run)
         return noIdentifier(run, *response);
     return accept(run, *receipt);
 }
+
+} // namespace sealwright

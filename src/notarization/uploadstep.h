@@ -2,6 +2,8 @@
 
 #include "run/step.h"
 
+namespace sealwright {
+
 /// Hands the prepared file to the notary service, once. Worker thread.
 [[nodiscard]] StepResult uploadForNotarizing(Run &run);
 
@@ -16,3 +18,5 @@ inline constexpr Step upload{.name = u"Upload to Apple",
                              .cancelTest = CancelTest::isLeftOut,
                              .cancelOffer = CancelOffer::withdrawn};
 } // namespace step
+
+} // namespace sealwright

@@ -8,6 +8,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 constexpr qsizetype longestReceipt = 1024 * 1024; // bytes; what is longer is read when the tool has ended
@@ -63,3 +65,5 @@ void ReceiptListener::hear(const QByteArray &output)
     if (const auto receipt = uploadReceipt(m_heard))
         recordWait(m_run, receipt->requestUUID);
 }
+
+} // namespace sealwright

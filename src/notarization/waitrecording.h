@@ -2,6 +2,8 @@
 
 #include "run/run.h"
 
+namespace sealwright {
+
 // What is put on record of a wait when it begins, so that no wait ends with its process. Worker thread.
 
 /// Puts the upload with that identifier on record, where the run's folder lies now. Of one that is on record
@@ -30,3 +32,5 @@ private:
     Run &m_run;
     QByteArray m_heard;
 };
+
+} // namespace sealwright

@@ -2,6 +2,8 @@
 
 #include <QString>
 
+namespace sealwright {
+
 /// Who asks the notary service.
 struct Credentials {
     QString appleID;
@@ -11,3 +13,5 @@ struct Credentials {
 
 /// In which form the notary tool replies.
 enum class OutputFormat { normal, xml };
+
+} // namespace sealwright

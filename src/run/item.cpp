@@ -6,6 +6,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 ItemKind itemKind(const QString &path)
 {
     static const QHash<QString, ItemKind> kinds{{u"app"_s, ItemKind::app},
@@ -51,3 +53,5 @@ QString Item::folder() const
 {
     return itempath::folder(m_path);
 }
+
+} // namespace sealwright

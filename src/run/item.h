@@ -4,6 +4,8 @@
 #include <QStringList>
 #include <QUrl>
 
+namespace sealwright {
+
 /// What an item is, by its lower-cased extension; it decides which steps apply.
 enum class ItemKind { app, pkg, fmplugin, plugin, dmg, other };
 
@@ -39,3 +41,5 @@ public:
 private:
     QString m_path;
 };
+
+} // namespace sealwright

@@ -4,15 +4,17 @@
 
 #include <memory>
 
-class Run;
-struct Failure;
-struct Places;
-struct Step;
-
 namespace platform {
 class FolderClaim;
 class Timer;
 } // namespace platform
+
+namespace sealwright {
+
+class Run;
+struct Failure;
+struct Places;
+struct Step;
 
 /// The kinds of archive that a bundle is packed into.
 enum class ArchiveKind { zip, diskImage, diskImageByDropDMG };
@@ -80,3 +82,5 @@ public:
     /// What the service's log of the verdict tells, as JSON: a list of objects.
     virtual void serviceSaid(const QString &issues) = 0;
 };
+
+} // namespace sealwright

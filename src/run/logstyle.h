@@ -1,4 +1,8 @@
 #pragma once
 
+namespace sealwright {
+
 /// How a stretch of the window log looks.
 enum class LogStyle { plain, error, bold, italic };
+
+} // namespace sealwright

@@ -2,6 +2,8 @@
 
 #include <QString>
 
+namespace sealwright {
+
 /// The keys of the user's settings.
 namespace key {
 
@@ -57,3 +59,5 @@ inline constexpr int lowestRetryLimit = 3;
 
 /// The value of `AppleInterfaceStyle` on a dark desktop.
 inline constexpr QStringView darkInterfaceStyle = u"Dark";
+
+} // namespace sealwright

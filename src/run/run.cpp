@@ -1,5 +1,7 @@
 #include "run/run.h"
 
+namespace sealwright {
+
 Run::Run(const platform::Host &runHost, RunInputs inputs, RunLog &runLog, ToolSession::Setup setup,
          std::shared_ptr<LiveChoices> choices, std::shared_ptr<Progress> watcher)
     : host(runHost)
@@ -32,3 +34,5 @@ void Run::openLog(const QString &path, const QString &banner)
     if (m_inputs.logsToFile)
         log.open(path, banner);
 }
+
+} // namespace sealwright

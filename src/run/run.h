@@ -15,6 +15,8 @@
 #include <memory>
 #include <optional>
 
+namespace sealwright {
+
 /// What a run is about, as it was when the run began.
 struct RunInputs {
     Places places;
@@ -79,3 +81,5 @@ private:
 };
 
 using RunPtr = std::shared_ptr<Run>;
+
+} // namespace sealwright

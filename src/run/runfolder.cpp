@@ -9,6 +9,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 constexpr int mostKept = 99; // folders of one name with originals, where there is no trash
@@ -212,3 +214,5 @@ void RunFolder::removeItem()
 {
     m_files.removeItem(itemPlace()).ignore();
 }
+
+} // namespace sealwright

@@ -10,6 +10,8 @@ class FileService;
 class FolderClaim;
 } // namespace platform
 
+namespace sealwright {
+
 /// Where the things of a run lie. Paths.
 struct Places {
     QString original; ///< the item that the user chose
@@ -101,3 +103,5 @@ private:
     std::weak_ptr<platform::FolderClaim> m_claim;
     QByteArray m_itemState;
 };
+
+} // namespace sealwright

@@ -7,6 +7,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 QString RunLog::noteInFile(const QString &message)
 {
     const QString line = m_clock.now().toString(u"HH:mm:ss.zzz"_s) + u": "_s + message + u'\n';
@@ -35,3 +37,5 @@ void RunLog::close()
     if (open)
         open->close();
 }
+
+} // namespace sealwright

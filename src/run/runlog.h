@@ -14,6 +14,8 @@ class FileHandle;
 class FileService;
 } // namespace platform
 
+namespace sealwright {
+
 /// The two logs of a document: the lines that a person sees, and the file beside the item, which has more.
 /// A line goes to the file at once and to the window a moment later. Any thread.
 class RunLog {
@@ -50,3 +52,5 @@ private:
     platform::FileService &m_files;
     const Window m_window;
 };
+
+} // namespace sealwright

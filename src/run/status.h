@@ -2,6 +2,8 @@
 
 #include <QStringView>
 
+namespace sealwright {
+
 /// The status words of a document and of the application.
 namespace status {
 inline constexpr QStringView loading = u"loading";
@@ -12,3 +14,5 @@ inline constexpr QStringView waiting = u"waiting";
 inline constexpr QStringView stapling = u"stapling";
 inline constexpr QStringView fetching = u"fetching";
 } // namespace status
+
+} // namespace sealwright

@@ -7,6 +7,8 @@
 
 #include <variant>
 
+namespace sealwright {
+
 class Run;
 
 /// The informative text of most failures: the explanation is in the logs.
@@ -91,3 +93,5 @@ using Workflow = QList<Step>;
 {
     return step.name.toString();
 }
+
+} // namespace sealwright

@@ -2,6 +2,8 @@
 
 #include "run/runlog.h"
 
+namespace sealwright {
+
 SLWTaskResponsePtr ToolSession::run(const QString &path, const QStringList &args)
 {
     const std::scoped_lock turn(
@@ -49,3 +51,5 @@ SLWTaskResponsePtr ToolSession::logged(SLWTaskResponsePtr response)
         m_log.logToFile(response->fileLogString());
     return response;
 }
+
+} // namespace sealwright

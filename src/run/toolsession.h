@@ -2,6 +2,8 @@
 
 #include "tools/slwtaskmaster.h"
 
+namespace sealwright {
+
 class RunLog;
 
 /// The tools of one run: which runners it goes to, as whose, and whether the log file gets each tool's
@@ -44,3 +46,5 @@ private:
     RunLog &m_log;
     const bool m_logsToFile;
 };
+
+} // namespace sealwright

@@ -8,6 +8,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 /// What was uploaded for the item.
@@ -78,3 +80,5 @@ std::optional<WaitRecord> waitRecordFromJson(const QByteArray &json)
                             .itemState = QByteArray::fromHex(text(u"itemState"_s).toLatin1())};
     return isUsable(record) ? std::optional(record) : std::nullopt;
 }
+
+} // namespace sealwright

@@ -8,6 +8,8 @@
 
 #include <optional>
 
+namespace sealwright {
+
 /// A submission that the service has and whose verdict is awaited: what another process must know to go on
 /// with it. No secret is in it.
 struct WaitRecord {
@@ -31,3 +33,5 @@ struct WaitRecord {
 [[nodiscard]] QByteArray toJson(const WaitRecord &record);
 /// Nothing for what is none, be it damaged or somebody else's.
 [[nodiscard]] std::optional<WaitRecord> waitRecordFromJson(const QByteArray &json);
+
+} // namespace sealwright

@@ -11,6 +11,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 constexpr unsigned ownersFolder = 0700;
@@ -112,3 +114,5 @@ void KeptWait::end()
     m_records.remove(m_record.identifier);
     m_record = {};
 }
+
+} // namespace sealwright

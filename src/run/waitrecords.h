@@ -6,6 +6,8 @@
 
 #include <QList>
 
+namespace sealwright {
+
 /// The records of waits, one small file each, so that a wait outlasts the process that has begun it. Any
 /// thread.
 class WaitRecords {
@@ -47,3 +49,5 @@ private:
     const WaitRecords m_records;
     WaitRecord m_record;
 };
+
+} // namespace sealwright

@@ -16,7 +16,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace waits {
+namespace sealwright::waits {
 
 namespace {
 
@@ -221,4 +221,4 @@ bool isAttended(const platform::Host &host, const WaitRecord &wait)
     return host.files.isClaimed(wait.folder);
 }
 
-} // namespace waits
+} // namespace sealwright::waits

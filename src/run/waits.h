@@ -6,6 +6,8 @@
 
 #include <QList>
 
+namespace sealwright {
+
 // The submissions that can be gone on with: those that are on record, and any other by its folder, which
 // holds all that is needed. Any thread.
 namespace waits {
@@ -25,3 +27,5 @@ namespace waits {
 [[nodiscard]] bool isAttended(const platform::Host &host, const WaitRecord &wait);
 
 } // namespace waits
+
+} // namespace sealwright

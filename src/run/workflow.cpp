@@ -10,6 +10,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 constexpr double timerTolerance = 10.0; ///< seconds
@@ -142,3 +144,5 @@ void Driver::arm(double seconds)
     });
     m_run->progress.waits(timer, seconds);
 }
+
+} // namespace sealwright

@@ -3,6 +3,8 @@
 #include "run/run.h"
 #include "run/step.h"
 
+namespace sealwright {
+
 /// The steps that people are shown before a run begins: what the window's list starts with.
 [[nodiscard]] QList<Step> planOf(const Workflow &workflow);
 
@@ -40,3 +42,5 @@ private:
     bool m_isWaiting = false; ///< the step that is next has begun its wait
     State m_state = State::atWork;
 };
+
+} // namespace sealwright

@@ -5,6 +5,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 Failure folderFailure(const QString &title, const QString &logLine)
@@ -37,3 +39,5 @@ StepResult createWorkingFolderAndLog(Run &run)
     }
     return Done{};
 }
+
+} // namespace sealwright

@@ -4,7 +4,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace workingfolder {
+namespace sealwright::workingfolder {
 
 namespace {
 const QString rule(88, u'*');
@@ -44,4 +44,4 @@ QString resumeBanner(const QString &itemPath)
     return rule + u"\nGoing on with the wait for the verdict on '"_s + itemPath + u"'\n"_s + rule + u'\n';
 }
 
-} // namespace workingfolder
+} // namespace sealwright::workingfolder

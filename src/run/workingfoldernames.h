@@ -2,6 +2,8 @@
 
 #include <QString>
 
+namespace sealwright {
+
 /// The names of what a run leaves on disk. `base` is the item's file name without its last extension.
 namespace workingfolder {
 
@@ -30,3 +32,5 @@ inline constexpr QStringView requestUUIDName = u"RequestUUID.txt";
 [[nodiscard]] QString resumeBanner(const QString &itemPath);
 
 } // namespace workingfolder
+
+} // namespace sealwright

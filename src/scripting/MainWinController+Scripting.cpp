@@ -9,6 +9,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 // Commands
 
 void MainWinControllerScripting::AESubmitForNotarizing(const ScriptCommandPtr &command)
@@ -132,3 +134,5 @@ void MainWinControllerScripting::suspend(const ScriptCommandPtr &command, std::f
     command->suspendExecution();
     document.dispatchToMain(std::move(work));
 }
+
+} // namespace sealwright

@@ -7,6 +7,8 @@
 
 #include <functional>
 
+namespace sealwright {
+
 class MainWinController;
 struct WaitRecord;
 
@@ -73,3 +75,5 @@ private:
 
     MainWinController &document;
 };
+
+} // namespace sealwright

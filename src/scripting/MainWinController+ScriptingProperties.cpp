@@ -14,6 +14,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 using Document = MainWinControllerScripting;
@@ -225,3 +227,5 @@ QString MainWinControllerScripting::description() const
 {
     return u"MainWinController '%1'"_s.arg(displayName());
 }
+
+} // namespace sealwright

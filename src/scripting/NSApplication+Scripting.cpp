@@ -12,6 +12,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 void NSApplicationScripting::AESubmitForNotarizing(const ScriptCommandPtr &command)
 {
     if (commandchecks::submittableItem(m_appDelegate.host().files, command) && checkStatusIsReady())
@@ -140,5 +142,7 @@ QList<MainWinController *> NSApplicationScripting::orderedPseudoDocuments() cons
 
 MainWinController *NSApplicationScripting::windowController(const platform::Window *window) const
 {
-    return ::windowController(m_appDelegate, window);
+    return sealwright::windowController(m_appDelegate, window);
 }
+
+} // namespace sealwright

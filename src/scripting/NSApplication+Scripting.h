@@ -8,6 +8,8 @@
 
 #include <memory>
 
+namespace sealwright {
+
 class ApplicationInterface;
 class MainWinController;
 class MainWinControllerScripting;
@@ -82,3 +84,5 @@ private:
 /// The order in which the windows of one tab group are listed: the one at `index` first.
 [[nodiscard]] QList<platform::Window *> tabsByNearness(const QList<platform::Window *> &tabs,
                                                        qsizetype index);
+
+} // namespace sealwright

@@ -11,6 +11,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 using Application = NSApplicationScripting;
@@ -189,3 +191,5 @@ void NSApplicationScripting::setActiveIdentity(const QString &identity)
     else
         setScriptError(scriptErrorArgument);
 }
+
+} // namespace sealwright

@@ -9,6 +9,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 constexpr QPoint asideOfGroup(21, -23); // y grows upward
@@ -239,3 +241,5 @@ const QList<WindowProperty> &NSWindowScripting::properties()
     };
     return all;
 }
+
+} // namespace sealwright

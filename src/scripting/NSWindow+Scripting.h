@@ -5,6 +5,8 @@
 
 #include <optional>
 
+namespace sealwright {
+
 class MainWinController;
 
 /// What scripts reach on a document's window. A hidden tab is a member of a group on screen that does not
@@ -69,3 +71,5 @@ private:
 
     MainWinController &document;
 };
+
+} // namespace sealwright

@@ -9,6 +9,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 const QString applicationPrefix = u"Developer ID Application: "_s;
@@ -98,3 +100,5 @@ QString busyText(const QString &receiver, const QString &statusString)
 }
 
 } // namespace commandchecks
+
+} // namespace sealwright

@@ -12,6 +12,8 @@ namespace platform {
 class FileService;
 }
 
+namespace sealwright {
+
 /// The checks that commands of the application and of a document share.
 namespace commandchecks {
 
@@ -38,3 +40,5 @@ namespace commandchecks {
 [[nodiscard]] QString busyText(const QString &receiver, const QString &statusString);
 
 } // namespace commandchecks
+
+} // namespace sealwright

@@ -17,7 +17,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace examining {
+namespace sealwright::examining {
 
 namespace {
 
@@ -159,4 +159,4 @@ void answerComparison(const ScriptCommandPtr &command, const ApplicationInterfac
         });
 }
 
-} // namespace examining
+} // namespace sealwright::examining

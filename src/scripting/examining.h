@@ -3,12 +3,14 @@
 #include "examine/choices.h"
 #include "platform/scriptcommand.h"
 
-class ApplicationInterface;
-class MainWinController;
-
 namespace platform {
 class Preferences;
 }
+
+namespace sealwright {
+
+class ApplicationInterface;
+class MainWinController;
 
 /// Looks at items by the program that reads files nobody vouches for. Nothing of a document changes, and no
 /// line goes to its log.
@@ -39,3 +41,5 @@ void answerExamination(const ScriptCommandPtr &command, const ApplicationInterfa
 void answerComparison(const ScriptCommandPtr &command, const ApplicationInterface &application);
 
 } // namespace examining
+
+} // namespace sealwright

@@ -8,6 +8,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 constexpr qsizetype tooLongForErrorText = 1500;
@@ -74,3 +76,5 @@ ScriptFailure scriptFailure(const QString &title, const QString &text, const QSt
         return {number, title + u": See the 'from' parameter for detailed error message."_s, logError};
     return {number, title + u": "_s + logError, {}};
 }
+
+} // namespace sealwright

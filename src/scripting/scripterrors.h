@@ -6,6 +6,8 @@
 
 #include <QString>
 
+namespace sealwright {
+
 /// The numbers by which failures reach a script, besides `scriptErrorGeneral`.
 inline constexpr qint64 scriptErrorReadOnly = -10003; ///< the property cannot be written
 inline constexpr qint64 scriptErrorArgument = 6; ///< an argument or a value was wrong
@@ -23,3 +25,5 @@ void setScriptError(qint64 number, const QString &text = {});
 
 /// What a script is told about a failure.
 [[nodiscard]] ScriptFailure scriptFailure(const QString &title, const QString &text, const QString &logError);
+
+} // namespace sealwright

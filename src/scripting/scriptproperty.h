@@ -6,6 +6,8 @@
 
 #include <functional>
 
+namespace sealwright {
+
 /// Which values the write of a property takes. Whatever else comes is of the wrong type: the script is told
 /// so, and the write is not called.
 enum class Takes {
@@ -39,3 +41,5 @@ typename ScriptProperty<Object>::Write whenReady(typename ScriptProperty<Object>
             write(object, value);
     };
 }
+
+} // namespace sealwright

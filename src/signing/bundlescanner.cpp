@@ -4,6 +4,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 const QString fileTool = u"/usr/bin/file"_s;
@@ -54,3 +56,5 @@ void BundleScanner::parseFramework(const QString &framework, OrderedPathSet &sig
     CopyWatcher watcher(m_run, signableSet, setToSubtract);
     ScanDecisions(m_run.host.files, arrayToPassOver, watcher).parseFramework(framework);
 }
+
+} // namespace sealwright

@@ -2,6 +2,8 @@
 
 #include "signing/scandecisions.h"
 
+namespace sealwright {
+
 class Run;
 
 /// Carries out the walk over a working copy: asks the file tool what is code, and deletes leftovers. Worker
@@ -26,3 +28,5 @@ public:
 private:
     Run &m_run;
 };
+
+} // namespace sealwright

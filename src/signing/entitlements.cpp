@@ -8,6 +8,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 platform::Error whyUnreadable(const platform::FileService &files, const QUrl &extra)
@@ -75,3 +77,5 @@ StepResult saveEntitlementsDictionary(Run &run)
                        u"Failed to save entitlements file: %1"_s.arg(saved.error())};
     return Done{};
 }
+
+} // namespace sealwright

@@ -10,6 +10,8 @@ namespace platform {
 class FileService;
 }
 
+namespace sealwright {
+
 /// The entitlements that every signature of a run carries: those of the switches that are on and, over them,
 /// those of a property list of the user's, which is read anew each time. An empty URL is none.
 [[nodiscard]] platform::Result<QVariantMap>
@@ -21,3 +23,5 @@ withExtraEntitlements(const QVariantMap &switchedOn, const QUrl &extra, const pl
 namespace step {
 inline constexpr Step saveEntitlements{.name = u"Save entitlements", .work = &saveEntitlementsDictionary};
 }
+
+} // namespace sealwright

@@ -8,6 +8,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 const QString productsignTool = u"/usr/bin/productsign"_s;
@@ -55,3 +57,5 @@ StepResult checkPkgAndSign(Run &run)
         return Done{};
     return signPackage(run);
 }
+
+} // namespace sealwright

@@ -2,6 +2,8 @@
 
 #include "run/step.h"
 
+namespace sealwright {
+
 class SLWTaskResponse;
 
 /// Signs the flat package in the working folder, which codesign cannot, unless its signature is good already.
@@ -14,3 +16,5 @@ class SLWTaskResponse;
 namespace step {
 inline constexpr Step signPackage{.name = u"Check and sign package", .work = &checkPkgAndSign};
 }
+
+} // namespace sealwright

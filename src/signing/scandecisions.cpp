@@ -9,6 +9,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 const QString executableKey = u"CFBundleExecutable"_s;
@@ -187,3 +189,5 @@ bool ScanDecisions::isToPassOver(const QString &item)
     m_watcher.passedOver(item, PassedOver::pathToSkip);
     return true;
 }
+
+} // namespace sealwright

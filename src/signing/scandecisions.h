@@ -7,6 +7,8 @@
 #include <QString>
 #include <QStringList>
 
+namespace sealwright {
+
 /// Paths in the order in which they were first added.
 class OrderedPathSet {
 public:
@@ -91,3 +93,5 @@ private:
 
 /// Whether the report of the file tool tells of code that is signed.
 [[nodiscard]] bool namesSignableCode(const QString &fileToolOutput);
+
+} // namespace sealwright

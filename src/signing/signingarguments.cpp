@@ -2,7 +2,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace signingarguments {
+namespace sealwright::signingarguments {
 
 namespace {
 
@@ -70,4 +70,4 @@ QStringList productsign(const QString &package, const QString &identity, const Q
     return {u"--sign"_s, u"Developer ID Installer: "_s + identity, package, output};
 }
 
-} // namespace signingarguments
+} // namespace sealwright::signingarguments

@@ -3,6 +3,8 @@
 #include <QString>
 #include <QStringList>
 
+namespace sealwright {
+
 /// The argument lists of the signing tools.
 namespace signingarguments {
 
@@ -28,3 +30,5 @@ struct CodesignOptions {
 [[nodiscard]] QStringList productsign(const QString &package, const QString &identity, const QString &output);
 
 } // namespace signingarguments
+
+} // namespace sealwright

@@ -13,6 +13,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 const QString xattrTool = u"/usr/bin/xattr"_s;
@@ -163,3 +165,5 @@ StepResult assessSignature(Run &run)
     run.tools.runAndLog(signingarguments::spctlTool, signingarguments::spctlExec(run.itemPath()));
     return Done{};
 }
+
+} // namespace sealwright

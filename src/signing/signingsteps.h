@@ -3,6 +3,8 @@
 #include "run/step.h"
 #include "tools/slwtaskresponse.h"
 
+namespace sealwright {
+
 // The steps that sign the working copy. Worker thread.
 
 /// Also makes the item's main script read-only.
@@ -41,3 +43,5 @@ inline constexpr Step signDiskImage{.name = u"Sign main file", .work = &codesign
 inline constexpr Step checkSignature{
     .name = u"Check code signature", .work = &assessSignature, .isWanted = &wantsAssessment};
 } // namespace step
+
+} // namespace sealwright

@@ -7,6 +7,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 constexpr Step keepCopy{.name = {}, .work = &keepSignedCopy, .cancelTest = CancelTest::isLeftOut};
@@ -41,3 +43,5 @@ StepResult keepSignedCopy(Run &run)
     run.log.close();
     return Done{};
 }
+
+} // namespace sealwright

@@ -2,6 +2,8 @@
 
 #include "run/workflow.h"
 
+namespace sealwright {
+
 /// What of the settings decides which steps a run has.
 struct StepOptions {
     bool signsContents = true; ///< and not the main file alone
@@ -17,3 +19,5 @@ struct StepOptions {
 
 /// Puts the untouched item beside the signed copy and gives the folder its last name. Worker thread.
 [[nodiscard]] StepResult keepSignedCopy(Run &run);
+
+} // namespace sealwright

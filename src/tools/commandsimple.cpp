@@ -7,6 +7,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 void passOn(const QByteArray &errorText)
@@ -29,3 +31,5 @@ QString runCommandSimple(platform::ProcessLauncher &launcher, const QString &com
     passOn(task->readErrorToEnd());
     return decodedUtf8(output).value_or(QString());
 }
+
+} // namespace sealwright

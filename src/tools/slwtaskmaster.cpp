@@ -7,6 +7,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 constexpr qsizetype bufferCapacity = 10000;
@@ -160,3 +162,5 @@ QString SLWTaskMaster::fileLogString() const
 {
     return toolReport(lastPath(), lastArgsString(), lastStatus(), outputString(), errorString());
 }
+
+} // namespace sealwright

@@ -7,6 +7,8 @@
 #include <functional>
 #include <mutex>
 
+namespace sealwright {
+
 /// How long a runner waits, in seconds.
 struct RunnerPauses {
     double afterExit = 0.15; ///< after a tool has ended, for what its streams still hold
@@ -84,3 +86,5 @@ private:
 };
 
 using SLWTaskMasterPtr = std::shared_ptr<SLWTaskMaster>;
+
+} // namespace sealwright

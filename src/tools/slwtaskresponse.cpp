@@ -4,6 +4,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 QByteArray bytesOf(const std::shared_ptr<OutputBuffer> &buffer)
@@ -102,3 +104,5 @@ QString SLWTaskResponse::fileLogString() const
     const QString arguments = args.join(u' ');
     return toolReport(path, arguments.isNull() ? u""_s : arguments, status(), outputString(), errorString());
 }
+
+} // namespace sealwright

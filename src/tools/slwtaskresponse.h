@@ -9,6 +9,8 @@
 #include <memory>
 #include <optional>
 
+namespace sealwright {
+
 /// Statuses that no tool returned.
 inline constexpr qint64 statusSkipped = 1001; ///< the run did not start, because its owner had cancelled it
 inline constexpr qint64 statusLaunchFailure = 11000; ///< the tool could not be launched
@@ -67,3 +69,5 @@ using SLWTaskResponsePtr = std::shared_ptr<SLWTaskResponse>;
 /// The report that goes to the log file; a null text shows as "(null)".
 [[nodiscard]] QString toolReport(const QString &path, const QString &args, qint64 status,
                                  const QString &output, const QString &error);
+
+} // namespace sealwright

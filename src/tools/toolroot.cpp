@@ -5,6 +5,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 ToolRoot::ToolRoot(QString root)
     : m_root(std::move(root))
 {
@@ -43,3 +45,5 @@ ToolRoot ToolRoot::chosen(const QString &preference, const QStringList &bundled)
     }
     return ToolRoot();
 }
+
+} // namespace sealwright

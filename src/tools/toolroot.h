@@ -3,6 +3,8 @@
 #include <QString>
 #include <QStringList>
 
+namespace sealwright {
+
 /// Where a host without Apple's tools keeps what stands in their places: under one folder, at the same paths.
 class ToolRoot {
 public:
@@ -26,3 +28,5 @@ public:
 private:
     QString m_root;
 };
+
+} // namespace sealwright

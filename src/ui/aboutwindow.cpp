@@ -14,6 +14,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 constexpr int iconSize = 96;
@@ -88,3 +90,5 @@ void AboutWindow::show()
     toplevel::bringToFront(*this);
     activateWindow();
 }
+
+} // namespace sealwright

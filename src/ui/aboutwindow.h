@@ -4,6 +4,8 @@
 
 #include <QWidget>
 
+namespace sealwright {
+
 class AboutController;
 
 /// The about panel made of widgets, bound to the controller's fields. Closing it puts it away until it is
@@ -21,3 +23,5 @@ private:
     QWidget *makeTitle(AboutController &controller);
     QWidget *makeCredits(AboutController &controller);
 };
+
+} // namespace sealwright

@@ -3,6 +3,8 @@
 #include <QEvent>
 #include <QWidget>
 
+namespace sealwright {
+
 ActiveWindowTimer::ActiveWindowTimer(QWidget &widget, int interval, const std::function<void()> &tick)
     : m_widget(widget)
 {
@@ -39,3 +41,5 @@ void ActiveWindowTimer::startOrStop()
     else if (!m_timer.isActive())
         m_timer.start();
 }
+
+} // namespace sealwright

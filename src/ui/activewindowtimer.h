@@ -6,6 +6,8 @@
 
 class QWidget;
 
+namespace sealwright {
+
 /// Ticks for a widget that is on screen in the active window, as long as there is something to tick for. Of
 /// fifty windows that wait for hours, none may cost the processor anything. Main thread.
 class ActiveWindowTimer : public QObject {
@@ -27,3 +29,5 @@ private:
     QTimer m_timer;
     bool m_isWanted = true;
 };
+
+} // namespace sealwright

@@ -9,6 +9,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 constexpr int iconSize = 48;
@@ -74,3 +76,5 @@ int AlertBox::answer() const
 {
     return platform::alertFirstButton + static_cast<int>(m_buttons.indexOf(clickedButton()));
 }
+
+} // namespace sealwright

@@ -4,6 +4,8 @@
 
 #include <QMessageBox>
 
+namespace sealwright {
+
 class LetterButton;
 
 /// An alert as a message box. All of its text is shown letter for letter. The first button is the default
@@ -23,3 +25,5 @@ private:
 
     QList<LetterButton *> m_buttons;
 };
+
+} // namespace sealwright

@@ -11,6 +11,8 @@
 #include <QScopedValueRollback>
 #include <QStyle>
 
+namespace sealwright {
+
 using Scheme = platform::SystemAppearance::Scheme;
 
 namespace {
@@ -108,3 +110,5 @@ void Appearance::remember(bool isDark)
         m_preferences.remove(key::AppleInterfaceStyle);
     m_notifications.post(platform::themeChangedNotification.toString());
 }
+
+} // namespace sealwright

@@ -9,6 +9,8 @@ class DistributedNotifications;
 class Preferences;
 } // namespace platform
 
+namespace sealwright {
+
 /// Keeps the whole application light or dark as the desktop is, while it runs. What the desktop says goes
 /// before the palette that it gives its programs: not every desktop changes both. The preference
 /// `AppleInterfaceStyle` follows, and a change is posted to whoever observes it. Main thread.
@@ -34,3 +36,5 @@ private:
     platform::DistributedNotifications &m_notifications;
     bool m_isApplying = false;
 };
+
+} // namespace sealwright

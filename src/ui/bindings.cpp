@@ -18,6 +18,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 /// Runs `show` now and after each change of the control, for as long as the widget lives.
@@ -167,3 +169,5 @@ void bindings::enableWhile(QWidget &widget, Control &other, std::function<bool()
 {
     enableWhile(widget, other, other, std::move(condition));
 }
+
+} // namespace sealwright

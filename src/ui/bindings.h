@@ -14,6 +14,8 @@ class QStackedWidget;
 class QTextEdit;
 class QWidget;
 
+namespace sealwright {
+
 /// Ties a widget to a control, so that both show the same at all times, whichever is changed. The widget
 /// keeps nothing that the control does not have; it may go before the control or after it. Main thread.
 namespace bindings {
@@ -38,3 +40,5 @@ void enableWhile(QWidget &widget, Control &control, Control &other, std::functio
 void enableWhile(QWidget &widget, Control &other, std::function<bool()> condition);
 
 } // namespace bindings
+
+} // namespace sealwright

@@ -4,6 +4,8 @@
 
 #include <QPainter>
 
+namespace sealwright {
+
 namespace {
 
 constexpr int interval = 250; // milliseconds between steps
@@ -70,3 +72,5 @@ void BusyBar::paintEvent(QPaintEvent *)
     if (!m_isStill)
         draw(pieceOf(groove), theme::colourOf(theme::Meaning::underway, palette()));
 }
+
+} // namespace sealwright

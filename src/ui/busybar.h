@@ -4,6 +4,8 @@
 
 #include <QProgressBar>
 
+namespace sealwright {
+
 /// A bar that says that something goes on. Where it is not known for how long, it moves, in the active window
 /// alone and a few times a second.
 class BusyBar : public QProgressBar {
@@ -29,3 +31,5 @@ private:
     int m_step = 0;
     bool m_isStill = false;
 };
+
+} // namespace sealwright

@@ -15,6 +15,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 constexpr int mostPages = 99'999;
@@ -112,3 +114,5 @@ QPushButton *CommandBar::makeButton(Button &button, const QString &name)
     settingrows::offerWhenIdle(*push, button, m_document);
     return push;
 }
+
+} // namespace sealwright

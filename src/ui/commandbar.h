@@ -2,11 +2,14 @@
 
 #include <QWidget>
 
-class Button;
-class MainWinController;
 class QBoxLayout;
 class QLineEdit;
 class QPushButton;
+
+namespace sealwright {
+
+class Button;
+class MainWinController;
 
 /// What a document can be told to do: on the left the history of the account, on the right what begins with
 /// an item. The places stay as they are when a dropped item waits to be confirmed and some of them go.
@@ -31,3 +34,5 @@ private:
     QLineEdit *m_pages = nullptr; ///< how many of the history
     QPushButton *m_submit = nullptr;
 };
+
+} // namespace sealwright

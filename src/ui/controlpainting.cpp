@@ -5,6 +5,8 @@
 #include <QPainter>
 #include <QStyleOption>
 
+namespace sealwright {
+
 namespace {
 
 constexpr qreal radius = 5; // pixels, of a corner
@@ -213,3 +215,5 @@ void controlpainting::drawFrame(QPainter &painter, const QStyleOption &option)
     if (isOn(option, QStyle::State_HasFocus))
         drawRing(painter, option, radius);
 }
+
+} // namespace sealwright

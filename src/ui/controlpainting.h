@@ -9,6 +9,8 @@ class QStyleOption;
 class QStyleOptionComboBox;
 class QStyleOptionTab;
 
+namespace sealwright {
+
 /// How the controls look where the desktop has no style of its own: flat, with round corners and one colour
 /// for what is meant to be pressed. Each draws into the rectangle of its option. Main thread.
 namespace controlpainting {
@@ -34,3 +36,5 @@ void drawFrame(QPainter &painter, const QStyleOption &option);
 [[nodiscard]] QColor textOf(const QStyleOption &option, Weight weight);
 
 } // namespace controlpainting
+
+} // namespace sealwright

@@ -7,6 +7,8 @@
 #include <QPainter>
 #include <QStyleOption>
 
+namespace sealwright {
+
 using controlpainting::Weight;
 
 namespace {
@@ -292,3 +294,5 @@ QRect ControlStyle::subControlRect(ComplexControl control, const QStyleOptionCom
         return partOfGroup(*option, part);
     return QProxyStyle::subControlRect(control, option, part, widget);
 }
+
+} // namespace sealwright

@@ -4,6 +4,8 @@
 
 class QStyleOptionGroupBox;
 
+namespace sealwright {
+
 /// The desktop's style, in which every control has an outline that can be seen on a light window and on a
 /// dark one. Where the desktop has none of its own and the plain one of Qt stands in, the controls are drawn
 /// flat, with round corners, and grow with the font. Main thread.
@@ -32,3 +34,5 @@ private:
     bool drawPlain(ComplexControl control, const QStyleOptionComplex &option, QPainter &painter,
                    const QWidget *widget) const;
 };
+
+} // namespace sealwright

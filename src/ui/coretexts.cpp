@@ -4,6 +4,8 @@
 
 #include <QtGlobal>
 
+namespace sealwright {
+
 const QStringList &coreTexts()
 {
     static constexpr const char *texts[] = {
@@ -215,3 +217,5 @@ const QStringList &coreTexts()
     }();
     return all;
 }
+
+} // namespace sealwright

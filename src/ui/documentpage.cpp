@@ -29,6 +29,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 /// Of what is dragged, the items that would be taken.
@@ -203,3 +205,5 @@ void DocumentPage::keyPressEvent(QKeyEvent *event)
     else
         QWidget::keyPressEvent(event);
 }
+
+} // namespace sealwright

@@ -7,14 +7,17 @@
 
 #include <optional>
 
+class QPagedPaintDevice;
+class QRubberBand;
+
+namespace sealwright {
+
 class CommandBar;
 class FindBar;
 class ItemHeader;
 class LogPane;
 class MainWinController;
 class OutcomeBanner;
-class QPagedPaintDevice;
-class QRubberBand;
 class SetupBanner;
 
 /// The widgets of one document, bound to its controls. Its window title is the document's. Opening, closing
@@ -73,3 +76,5 @@ private:
     QRubberBand *m_dropOutline; ///< on show while files that can be dropped are over the page
     QPointer<QWidget> m_lastFocus;
 };
+
+} // namespace sealwright

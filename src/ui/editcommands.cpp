@@ -14,6 +14,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 EditCommands::EditCommands(FrameWindow &frame, QMenu &menu)
     : QObject(&menu)
     , m_frame(frame)
@@ -68,3 +70,5 @@ bool EditCommands::isEditable() const
     const auto *const line = qobject_cast<QLineEdit *>(editor());
     return line && !line->isReadOnly();
 }
+
+} // namespace sealwright

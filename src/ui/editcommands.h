@@ -5,9 +5,12 @@
 
 #include <functional>
 
-class FrameWindow;
 class QKeySequence;
 class QMenu;
+
+namespace sealwright {
+
+class FrameWindow;
 
 /// The items of a frame's edit menu for the text in which the insertion point is or was last: on the page
 /// that shows, or in its sheet while one is up. Lives as long as the menu.
@@ -28,3 +31,5 @@ private:
     FrameWindow &m_frame;
     QPointer<QWidget> m_lastEditor; ///< a menu that is open has taken the focus from it
 };
+
+} // namespace sealwright

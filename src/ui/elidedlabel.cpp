@@ -2,6 +2,8 @@
 
 #include <QPainter>
 
+namespace sealwright {
+
 ElidedLabel::ElidedLabel(QWidget *parent)
     : QLabel(parent)
 {
@@ -20,3 +22,5 @@ void ElidedLabel::paintEvent(QPaintEvent *)
     const auto along = int(alignment() & Qt::AlignHorizontal_Mask);
     painter.drawText(contentsRect(), along | Qt::AlignVCenter | Qt::TextSingleLine, shown);
 }
+
+} // namespace sealwright

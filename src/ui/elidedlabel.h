@@ -2,6 +2,8 @@
 
 #include <QLabel>
 
+namespace sealwright {
+
 /// One line of text that is shortened in its middle where there is no room for all of it.
 class ElidedLabel : public QLabel {
     Q_OBJECT
@@ -14,3 +16,5 @@ public:
 protected:
     void paintEvent(QPaintEvent *event) override;
 };
+
+} // namespace sealwright

@@ -15,6 +15,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 using Controls = DocumentControls;
@@ -108,3 +110,5 @@ QWidget *EntitlementsGroup::makeExtraFileName()
     show();
     return name;
 }
+
+} // namespace sealwright

@@ -2,8 +2,11 @@
 
 #include <QGroupBox>
 
-class MainWinController;
 class QGridLayout;
+
+namespace sealwright {
+
+class MainWinController;
 
 /// The entitlements of a document by what they are about, each with its key as the tool tip, and the file of
 /// extra ones.
@@ -20,3 +23,5 @@ private:
 
     MainWinController &m_document;
 };
+
+} // namespace sealwright

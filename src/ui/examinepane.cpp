@@ -24,6 +24,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 constexpr int pathRole = Qt::UserRole; ///< of an entry, from the item
@@ -254,3 +256,5 @@ void ExaminePane::reveal(QTreeWidgetItem *item)
         place = itempath::folder(place);
     m_document.host().workspace.revealItem(place);
 }
+
+} // namespace sealwright

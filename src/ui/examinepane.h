@@ -4,11 +4,14 @@
 #include <QTimer>
 #include <QWidget>
 
-class MainWinController;
 class QLabel;
 class QLineEdit;
 class QTreeWidget;
 class QTreeWidgetItem;
+
+namespace sealwright {
+
+class MainWinController;
 
 /// What a look at the document's item tells: the findings first, then all code, folded by bundle. It looks by
 /// itself when an item is chosen or dropped, and again when a choice changes that matters; nothing of the run
@@ -41,3 +44,5 @@ private:
     QString m_item; ///< path of what has been looked at, or is being looked at
     quint64 m_looks = 0; ///< the number of the latest look
 };
+
+} // namespace sealwright

@@ -4,6 +4,8 @@
 
 #include <QLineEdit>
 
+namespace sealwright {
+
 FieldHint::FieldHint(QLineEdit &field, Problem problem, QWidget *parent)
     : QLabel(parent)
     , m_field(field)
@@ -43,3 +45,5 @@ void FieldHint::tell(const QString &text, theme::Meaning meaning)
     statetext::put(*this, text, meaning);
     m_field.setAccessibleDescription(text);
 }
+
+} // namespace sealwright

@@ -8,6 +8,8 @@
 
 class QLineEdit;
 
+namespace sealwright {
+
 /// A line below a field that says what is wrong with what stands there, before anybody is refused for it. It
 /// waits until somebody has been in the field, or until it is told to insist. Main thread.
 class FieldHint : public QLabel {
@@ -37,3 +39,5 @@ private:
     QString m_settled;
     bool m_speaks = false;
 };
+
+} // namespace sealwright

@@ -11,6 +11,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 constexpr QChar paragraphSeparator(0x2029);
@@ -158,3 +160,5 @@ void FindBar::putAway()
     hide();
     m_text.setFocus(Qt::OtherFocusReason);
 }
+
+} // namespace sealwright

@@ -6,6 +6,8 @@ class QLabel;
 class QLineEdit;
 class QPlainTextEdit;
 
+namespace sealwright {
+
 /// Finds words in a text, without regard to the case, and selects what it finds. Hidden until it is asked
 /// for; Escape puts it away and gives the text the keyboard focus.
 class FindBar : public QWidget {
@@ -43,3 +45,5 @@ private:
     QLineEdit *m_words;
     QLabel *m_result;
 };
+
+} // namespace sealwright

@@ -19,6 +19,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 constexpr QSize firstSize{1000, 760};
@@ -329,3 +331,5 @@ qsizetype FrameWindow::placeAt(QPoint globalPosition) const
 {
     return count() > 1 ? m_tabs->tabs().placeAt(m_tabs->tabs().mapFromGlobal(globalPosition)) : count();
 }
+
+} // namespace sealwright

@@ -4,6 +4,8 @@
 
 #include <QMainWindow>
 
+namespace sealwright {
+
 class TabWidget;
 class WidgetWindow;
 class WindowOrder;
@@ -71,3 +73,5 @@ private:
     TabWidget *m_tabs;
     QList<WidgetWindow *> m_windows; ///< in the order of the tabs
 };
+
+} // namespace sealwright

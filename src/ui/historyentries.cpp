@@ -4,6 +4,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 constexpr qsizetype columns = 5;
@@ -48,3 +50,5 @@ QList<HistoryEntry> historyEntries(const QString &reply)
     }
     return entries;
 }
+
+} // namespace sealwright

@@ -3,6 +3,8 @@
 #include <QList>
 #include <QString>
 
+namespace sealwright {
+
 /// One submission of the account, as the notary tool prints it in a line of its history. Texts may be empty.
 struct HistoryEntry {
     QString date; ///< "2018-06-24 01:14:21 +0000": sorts by time as it stands
@@ -17,3 +19,5 @@ struct HistoryEntry {
 /// The entries of a page of the history in the notary tool's plain form, in its order: columns, headed by a
 /// rule of hyphens that tells how wide they are. Nothing where there is no such rule. Pure.
 [[nodiscard]] QList<HistoryEntry> historyEntries(const QString &reply);
+
+} // namespace sealwright

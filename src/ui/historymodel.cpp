@@ -2,6 +2,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 void HistoryModel::take(const QList<HistoryEntry> &entries)
 {
     QList<HistoryEntry> fresh;
@@ -78,3 +80,5 @@ bool SortedHistory::lessThan(const QModelIndex &left, const QModelIndex &right) 
     return HistoryModel::text(m_history.entry(left.row()), left.column())
         < HistoryModel::text(m_history.entry(right.row()), right.column());
 }
+
+} // namespace sealwright

@@ -6,6 +6,8 @@
 #include <QHash>
 #include <QSortFilterProxyModel>
 
+namespace sealwright {
+
 /// The submissions of the account that have been asked for, each once. Main thread.
 class HistoryModel : public QAbstractTableModel {
     Q_OBJECT
@@ -47,3 +49,5 @@ protected:
 private:
     const HistoryModel &m_history;
 };
+
+} // namespace sealwright

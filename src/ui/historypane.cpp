@@ -20,6 +20,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 /// The address of the log in what the service has on record; invalid if there is none.
@@ -172,3 +174,5 @@ void HistoryPane::staple()
     if (const QString item = selectedItem(); !item.isEmpty())
         m_document.commands().stapleOnly.stapleOnly(itempath::toUrl(item));
 }
+
+} // namespace sealwright

@@ -4,13 +4,16 @@
 
 #include <QWidget>
 
-class HistoryModel;
-class MainWinController;
 class QBoxLayout;
 class QLineEdit;
 class QPushButton;
 class QSortFilterProxyModel;
 class QTableView;
+
+namespace sealwright {
+
+class HistoryModel;
+class MainWinController;
 
 /// The account's submissions that this document has asked for, as a table that is sorted and searched, and
 /// what can be had for each: what the service has on record, its log, its identifier, and the ticket where
@@ -47,3 +50,5 @@ private:
     QPushButton *m_staple = nullptr;
     QString m_wantedLog; ///< the identifier whose log is opened when the service has told where it is
 };
+
+} // namespace sealwright

@@ -15,6 +15,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 struct Column {
@@ -95,3 +97,5 @@ void IssueTable::copySelection() const
     }
     QGuiApplication::clipboard()->setText(lines.join(u'\n'));
 }
+
+} // namespace sealwright

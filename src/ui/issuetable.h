@@ -2,8 +2,11 @@
 
 #include <QWidget>
 
-class MainWinController;
 class QTableWidget;
+
+namespace sealwright {
+
+class MainWinController;
 
 /// What the notary service said of the document's item at the latest verdict. A click on a heading sorts, and
 /// the selected rows can be copied.
@@ -20,3 +23,5 @@ private:
     MainWinController &m_document;
     QTableWidget *m_table;
 };
+
+} // namespace sealwright

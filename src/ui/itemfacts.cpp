@@ -8,6 +8,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 QString nameOf(ItemKind kind)
@@ -52,3 +54,5 @@ QString itemfacts::intention(MainWinController &document, const QString &path)
         return QObject::tr("will be signed by %1 and uploaded as a disk image").arg(identity);
     return QObject::tr("will be signed by %1 and uploaded as a zip archive").arg(identity);
 }
+
+} // namespace sealwright

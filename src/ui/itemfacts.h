@@ -2,11 +2,13 @@
 
 #include <QString>
 
-class MainWinController;
-
 namespace platform {
 class FileService;
 }
+
+namespace sealwright {
+
+class MainWinController;
 
 /// What a person reads of an item below its name.
 namespace itemfacts {
@@ -18,3 +20,5 @@ namespace itemfacts {
 [[nodiscard]] QString intention(MainWinController &document, const QString &path);
 
 } // namespace itemfacts
+
+} // namespace sealwright

@@ -22,6 +22,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 constexpr int charactersOfProgress = 24; // that the bar is as wide as
@@ -156,3 +158,5 @@ QPushButton *ItemHeader::makeCancelButton()
     connect(cancel, &QPushButton::clicked, this, [this] { m_document.perform(Action::doCancel); });
     return cancel;
 }
+
+} // namespace sealwright

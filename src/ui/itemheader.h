@@ -4,11 +4,14 @@
 
 #include <QWidget>
 
+class QLabel;
+class QPushButton;
+
+namespace sealwright {
+
 class BusyBar;
 class ElidedLabel;
 class MainWinController;
-class QLabel;
-class QPushButton;
 
 /// What a document is about and how far it has come: the item's icon, name and facts, what it is about to
 /// become, the status word, and while a workflow runs its progress and the way to cancel it.
@@ -36,3 +39,5 @@ private:
     BusyBar *m_progress = nullptr;
     ActiveWindowTimer m_seconds;
 };
+
+} // namespace sealwright

@@ -11,6 +11,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 constexpr qsizetype headLength = 8; // of the file and of each element
@@ -97,3 +99,5 @@ QPixmap itemicon::pictureOf(const platform::FileService &files, const QString &p
     scaled.setDevicePixelRatio(ratio);
     return scaled;
 }
+
+} // namespace sealwright

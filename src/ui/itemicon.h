@@ -10,6 +10,8 @@ namespace platform {
 class FileService;
 }
 
+namespace sealwright {
+
 /// What stands for an item where its name does.
 namespace itemicon {
 
@@ -23,3 +25,5 @@ namespace itemicon {
 [[nodiscard]] QPixmap pictureOf(const platform::FileService &files, const QString &path, int side);
 
 } // namespace itemicon
+
+} // namespace sealwright

@@ -10,6 +10,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 const QString nameField = u"fileNameEdit"_s; // of a file dialog of Qt
@@ -116,3 +118,5 @@ void ItemPanel::showName(const QString &path)
     if (auto *const name = findChild<QLineEdit *>(nameField); name && mayChoose(path))
         name->setText(itempath::lastComponent(path));
 }
+
+} // namespace sealwright

@@ -4,6 +4,8 @@
 
 #include <QFileDialog>
 
+namespace sealwright {
+
 /// An open panel for one item. A bundle folder is an item like a file if its extension is among the allowed
 /// ones; other folders are for walking through, unless folders may be chosen. Items that only the panel's
 /// owner refuses are on show, but off.
@@ -30,3 +32,5 @@ private:
     const platform::OpenPanel m_panel;
     QUrl m_chosen;
 };
+
+} // namespace sealwright

@@ -2,6 +2,8 @@
 
 #include <QWidget>
 
+namespace sealwright {
+
 /// Keeps the widget's place free while it is hidden, so that nothing around it moves.
 inline void keepPlace(QWidget &widget)
 {
@@ -9,3 +11,5 @@ inline void keepPlace(QWidget &widget)
     policy.setRetainSizeWhenHidden(true);
     widget.setSizePolicy(policy);
 }
+
+} // namespace sealwright

@@ -15,6 +15,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 KeychainForm::KeychainForm(KeychainTools keychain, QWidget *parent)
     : QWidget(parent)
     , m_keychain(std::move(keychain))
@@ -124,3 +126,5 @@ void KeychainForm::tellSuccess(const QString &text)
 {
     statetext::put(*m_state, text, theme::Meaning::good);
 }
+
+} // namespace sealwright

@@ -9,6 +9,8 @@ class QLabel;
 class QLineEdit;
 class QPushButton;
 
+namespace sealwright {
+
 /// A few fields and the button that hands them to the keychain. What is still lacking stands below the fields
 /// while a person types, and the button waits for it. Main thread.
 class KeychainForm : public QWidget {
@@ -55,3 +57,5 @@ private:
     QPushButton *m_button = nullptr;
     bool m_isAtWork = false;
 };
+
+} // namespace sealwright

@@ -7,6 +7,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 // What the checks before a submission ask for at least.
@@ -188,3 +190,5 @@ QList<keychain::Command> PasswordForm::commands() const
 {
     return {keychain::addPassword(item(), appleID(), m_password->text())};
 }
+
+} // namespace sealwright

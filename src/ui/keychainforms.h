@@ -2,6 +2,8 @@
 
 #include "ui/keychainform.h"
 
+namespace sealwright {
+
 /// Makes an identity by the authority of this machine, and whatever else a rehearsal takes.
 class PracticeForm : public KeychainForm {
     Q_OBJECT
@@ -97,3 +99,5 @@ private:
     QLineEdit *const m_password;
     QLineEdit *const m_item;
 };
+
+} // namespace sealwright

@@ -17,6 +17,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 constexpr QSize firstSize{640, 480};
@@ -224,3 +226,5 @@ void KeychainWindow::tell(const KeychainTools::Answer &answer)
     statetext::put(*m_answer, printed.isEmpty() ? tr("Done.") : printed,
                    answer ? theme::Meaning::good : theme::Meaning::bad);
 }
+
+} // namespace sealwright

@@ -6,12 +6,15 @@
 
 #include <functional>
 
-class MainWinController;
 class QLabel;
 class QLineEdit;
 class QListWidget;
 class QPushButton;
 class QTabWidget;
+
+namespace sealwright {
+
+class MainWinController;
 
 /// Manages what the tools sign and upload with: identities, keys and passwords, and what protects them. What
 /// is told here comes from the programs of the keychain. Escape closes it. Main thread.
@@ -47,3 +50,5 @@ private:
     QLineEdit *m_passphrase = nullptr;
     QLabel *const m_answer;
 };
+
+} // namespace sealwright

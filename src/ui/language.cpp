@@ -7,6 +7,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 void language::use(const QLocale &locale, const QString &folder)
 {
     auto *const own = new QTranslator(qApp);
@@ -19,3 +21,5 @@ void language::use(const QLocale &locale, const QString &folder)
         QCoreApplication::installTranslator(qts);
     QCoreApplication::installTranslator(own);
 }
+
+} // namespace sealwright

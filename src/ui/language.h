@@ -3,6 +3,8 @@
 class QLocale;
 class QString;
 
+namespace sealwright {
+
 /// The language of the windows. Scripts, logs and reports speak English whatever it is. Main thread.
 namespace language {
 
@@ -11,3 +13,5 @@ namespace language {
 void use(const QLocale &locale, const QString &folder);
 
 } // namespace language
+
+} // namespace sealwright

@@ -10,6 +10,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 const QString entryPath = u"/com/canonical/unity/launcherentry/1"_s;
@@ -81,3 +83,5 @@ void LauncherEntry::tell()
     update << u"application://%1.desktop"_s.arg(QGuiApplication::desktopFileName()) << m_told;
     m_bus.send(update);
 }
+
+} // namespace sealwright

@@ -6,6 +6,8 @@
 #include <QObject>
 #include <QVariantMap>
 
+namespace sealwright {
+
 class AppDelegate;
 class MainWinController;
 class StepList;
@@ -35,3 +37,5 @@ private:
     QDBusConnection m_bus;
     QVariantMap m_told;
 };
+
+} // namespace sealwright

@@ -7,6 +7,8 @@
 
 #include <algorithm>
 
+namespace sealwright {
+
 namespace {
 
 /// The positions of the letters in a title, those first that begin a word.
@@ -64,3 +66,5 @@ void LetterButton::initStyleOption(QStyleOptionButton *option) const
     QPushButton::initStyleOption(option);
     option->text = markedText();
 }
+
+} // namespace sealwright

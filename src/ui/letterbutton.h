@@ -2,6 +2,8 @@
 
 #include <QPushButton>
 
+namespace sealwright {
+
 /// A button with a letter that leads to it by the keyboard and is underlined where the style does so. Its
 /// text is its title letter for letter, without a sign for the letter. Main thread.
 class LetterButton : public QPushButton {
@@ -23,3 +25,5 @@ private:
 
     qsizetype m_letter = -1; ///< its position in the text
 };
+
+} // namespace sealwright

@@ -2,6 +2,8 @@
 
 #include <QTextDocument>
 
+namespace sealwright {
+
 namespace {
 
 constexpr int mostShown = 12; // lines of an entry that are never folded
@@ -151,3 +153,5 @@ void LogFolds::relayout(int firstBlock, int lastBlock)
     if (first.isValid() && last.isValid())
         m_document.markContentsDirty(first.position(), last.position() + last.length() - first.position());
 }
+
+} // namespace sealwright

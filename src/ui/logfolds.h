@@ -8,6 +8,8 @@
 
 class QTextDocument;
 
+namespace sealwright {
+
 /// What of a log is shown.
 enum class LogFilter { all, steps, errors };
 
@@ -55,3 +57,5 @@ private:
     int m_next = -1; ///< the block to go on with; less than 0 where all are done
     int m_last = -1; ///< the last one that may have to change
 };
+
+} // namespace sealwright

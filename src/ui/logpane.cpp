@@ -16,6 +16,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 constexpr int leastLogLines = 8;
@@ -87,3 +89,5 @@ QWidget *LogPane::makeClearButton()
     connect(clear, &QToolButton::clicked, this, [this] { m_document.perform(Action::doClearStatus); });
     return clear;
 }
+
+} // namespace sealwright

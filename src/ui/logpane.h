@@ -2,10 +2,13 @@
 
 #include <QWidget>
 
+class QBoxLayout;
+
+namespace sealwright {
+
 class FindBar;
 class LogView;
 class MainWinController;
-class QBoxLayout;
 
 /// A document's log with what belongs to it: its caption, what of it is shown, whether it is kept, clearing
 /// it and searching it.
@@ -27,3 +30,5 @@ private:
     LogView *m_log;
     FindBar *m_findBar;
 };
+
+} // namespace sealwright

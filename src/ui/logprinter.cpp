@@ -4,6 +4,8 @@
 #include <QPrintDialog>
 #include <QPrinter>
 
+namespace sealwright {
+
 namespace {
 
 constexpr int dotsPerInch = 1200; // letters stand where they belong, not on the pixels of a screen
@@ -30,3 +32,5 @@ QPrintDialog *LogPrinter::makeDialog(const QString &documentName, QWidget *windo
         printer.setPageLayout(*m_pageLayout);
     return dialog;
 }
+
+} // namespace sealwright

@@ -8,6 +8,8 @@
 class QPrintDialog;
 class QWidget;
 
+namespace sealwright {
+
 /// How logs are printed: one page setup for all windows, which lasts as long as the application runs. Main
 /// thread.
 class LogPrinter {
@@ -23,3 +25,5 @@ public:
 private:
     std::optional<QPageLayout> m_pageLayout; ///< of the default printer until somebody has chosen
 };
+
+} // namespace sealwright

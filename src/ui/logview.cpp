@@ -15,6 +15,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 constexpr qreal foldMargin = 8; // pixels, beside what says that there is more
@@ -266,3 +268,5 @@ QColor LogView::red() const
 {
     return theme::colourOf(theme::Meaning::bad, palette());
 }
+
+} // namespace sealwright

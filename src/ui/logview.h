@@ -8,6 +8,8 @@
 
 class QPainter;
 
+namespace sealwright {
+
 /// Shows the window log: each run in its style and at the point size that it was written with, its time in
 /// grey. An entry with many lines, as a tool prints them, is folded until somebody opens it. The end comes
 /// into sight once the event loop has handed over the lines that wait there.
@@ -55,3 +57,5 @@ private:
     bool m_isRevealing = false;
     const QString m_fontFamily; ///< of the desktop's fixed-width font
 };
+
+} // namespace sealwright

@@ -19,6 +19,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 // The tags by which a new document's item says where it opens.
@@ -259,3 +261,5 @@ MainWinController &MainMenu::document() const
 {
     return m_frame.selected().page().document();
 }
+
+} // namespace sealwright

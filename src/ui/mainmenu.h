@@ -5,10 +5,13 @@
 
 #include <functional>
 
-class FrameWindow;
-class MainWinController;
 class QAction;
 class QMenu;
+
+namespace sealwright {
+
+class FrameWindow;
+class MainWinController;
 enum class Action;
 
 /// The menu bar of a frame. What concerns a document goes to the one whose page shows.
@@ -47,3 +50,5 @@ private:
 
     FrameWindow &m_frame;
 };
+
+} // namespace sealwright

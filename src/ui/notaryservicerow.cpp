@@ -11,6 +11,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 const QString apple = u"apple"_s;
@@ -93,3 +95,5 @@ void NotaryServiceRow::tell(const QString &problem)
 {
     statetext::put(*m_problem, problem, theme::Meaning::bad);
 }
+
+} // namespace sealwright

@@ -8,6 +8,8 @@ class QComboBox;
 class QLabel;
 class QLineEdit;
 
+namespace sealwright {
+
 /// The choice of the notary service: Apple's, that of this machine, or one at an address. The tools keep it,
 /// and say here when they cannot. Main thread.
 class NotaryServiceRow : public QWidget {
@@ -31,3 +33,5 @@ private:
     QLineEdit *const m_address;
     QLabel *const m_problem;
 };
+
+} // namespace sealwright

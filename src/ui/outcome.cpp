@@ -10,6 +10,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 const QString seeTheLog = u"See the log for details."_s;
@@ -116,3 +118,5 @@ QString withoutTime(QStringView line)
 {
     return line.mid(lengthOfTime(line)).trimmed().toString();
 }
+
+} // namespace sealwright

@@ -6,6 +6,8 @@
 
 #include <QString>
 
+namespace sealwright {
+
 /// How a document's latest run stands, for people who look at it later.
 struct RunOutcome {
     enum class Kind { none, waiting, notarized, isSigned, refused, failed, cancelled };
@@ -34,3 +36,5 @@ struct LastWords {
 [[nodiscard]] QString withoutTime(QStringView line);
 /// How many characters of the line are its time, with what stands between it and the rest; 0 if it has none.
 [[nodiscard]] qsizetype lengthOfTime(QStringView line);
+
+} // namespace sealwright

@@ -24,6 +24,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 constexpr int edge = 4; // pixels of full colour at the leading end
@@ -257,3 +259,5 @@ void OutcomeBanner::tryAgain()
 {
     m_document.perform(actionOf(m_document.lastAction()));
 }
+
+} // namespace sealwright

@@ -6,11 +6,14 @@
 
 #include <QFrame>
 
-class ElidedLabel;
-class MainWinController;
 class QBoxLayout;
 class QLabel;
 class QPushButton;
+
+namespace sealwright {
+
+class ElidedLabel;
+class MainWinController;
 class RunSign;
 
 /// Says how the latest run has ended, or that it waits, in the colour of that, with what one may want to do
@@ -61,3 +64,5 @@ private:
     QPushButton *m_tryAgain = nullptr;
     QPushButton *m_newDocument = nullptr;
 };
+
+} // namespace sealwright

@@ -5,6 +5,8 @@
 #include <QDir>
 #include <QUrl>
 
+namespace sealwright {
+
 /// The folder in which open panels begin: that of the item which was chosen last, in whichever window; the
 /// home folder until then, and when that folder has gone. Lasts as long as the application runs. Main thread.
 class PanelFolder {
@@ -20,3 +22,5 @@ public:
 private:
     QString m_last;
 };
+
+} // namespace sealwright

@@ -7,6 +7,8 @@
 #include <QSignalBlocker>
 #include <QSpinBox>
 
+namespace sealwright {
+
 namespace {
 
 /// Runs `show` now and after each change of a preference, for as long as the widget lives, without taking
@@ -66,3 +68,5 @@ void bindings::bind(QLineEdit &edit, platform::Preferences &preferences, const Q
             preferences.setValue(key, edit.text());
     });
 }
+
+} // namespace sealwright

@@ -11,6 +11,8 @@ namespace platform {
 class Preferences;
 }
 
+namespace sealwright {
+
 /// Ties a widget to a preference, so that both show the same at all times, whoever changes it. A value that
 /// the widget cannot show is left as it is until a person sets another. Main thread.
 namespace bindings {
@@ -23,3 +25,5 @@ void bind(QDoubleSpinBox &box, platform::Preferences &preferences, const QString
 void bind(QLineEdit &edit, platform::Preferences &preferences, const QString &key);
 
 } // namespace bindings
+
+} // namespace sealwright

@@ -18,6 +18,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 constexpr int charactersAcross = 84; // of a page
@@ -161,3 +163,5 @@ void PreferencesWindow::addTools(SettingsSection &section)
     section.addSeconds(key::toolPause, tr("&Pause after each tool"), {0, longestPause, 0.05, 2},
                        tr("0 is safe on this system. Counts for documents opened from now on."));
 }
+
+} // namespace sealwright

@@ -12,6 +12,9 @@ class Preferences;
 
 class QListWidget;
 class QStackedWidget;
+
+namespace sealwright {
+
 class SettingsSection;
 
 /// The settings of the whole application, page by page, each explained in a line. Shows and writes the
@@ -52,3 +55,5 @@ private:
     QListWidget *const m_list;
     QStackedWidget *const m_pages;
 };
+
+} // namespace sealwright

@@ -14,6 +14,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 ProfileButton::ProfileButton(MainWinController &document, QWidget *parent)
     : QToolButton(parent)
     , m_document(document)
@@ -97,3 +99,5 @@ void ProfileButton::complain(const platform::Outcome &outcome)
     if (!outcome)
         m_document.window().beginSheet({tr("Profile"), outcome.error(), {}}, [](int) {});
 }
+
+} // namespace sealwright

@@ -6,6 +6,8 @@
 
 class QMenu;
 
+namespace sealwright {
+
 /// Says which profile a document was set to, and lets a person choose, keep and share others. Main thread.
 class ProfileButton : public QToolButton {
     Q_OBJECT
@@ -26,3 +28,5 @@ private:
     const ProfileStore m_store;
     QMenu *const m_menu;
 };
+
+} // namespace sealwright

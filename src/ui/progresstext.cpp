@@ -8,6 +8,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 constexpr qint64 bytesPerMegabyte = 1'000'000;
@@ -70,3 +72,5 @@ QString progresstext::recentWaits(const std::optional<recentwaits::Range> &range
         .arg(from)
         .arg(to);
 }
+
+} // namespace sealwright

@@ -3,6 +3,8 @@
 #include "document/recentwaits.h"
 #include "document/steplist.h"
 
+namespace sealwright {
+
 /// How far a run has come, in words. Pure.
 namespace progresstext {
 
@@ -14,3 +16,5 @@ namespace progresstext {
 [[nodiscard]] QString recentWaits(const std::optional<recentwaits::Range> &range);
 
 } // namespace progresstext
+
+} // namespace sealwright

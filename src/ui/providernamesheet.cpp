@@ -16,6 +16,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 constexpr int charactersAcross = 84; // of a short name with what it stands for
@@ -136,3 +138,5 @@ void ProviderNameSheet::showButtonsOfPage(int page)
     m_cancel->setAccessibleName(m_cancel->text());
     LetterButton::assignLetters({m_ok, m_cancel});
 }
+
+} // namespace sealwright

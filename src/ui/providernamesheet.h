@@ -2,11 +2,14 @@
 
 #include <QDialog>
 
-class LetterButton;
-class MainWinController;
 class QComboBox;
 class QDialogButtonBox;
 class QStackedWidget;
+
+namespace sealwright {
+
+class LetterButton;
+class MainWinController;
 
 /// The sheet in which a person waits for the teams of the account, chooses one of them, or reads why there is
 /// nothing to choose. Shows the document's controls; its buttons, Escape and a close tell the document, which
@@ -33,3 +36,5 @@ private:
     LetterButton *m_ok = nullptr;
     LetterButton *m_cancel = nullptr;
 };
+
+} // namespace sealwright

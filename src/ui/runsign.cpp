@@ -4,6 +4,8 @@
 
 #include <QPainter>
 
+namespace sealwright {
+
 namespace {
 
 QColor colourOf(StepState state, const QPalette &palette, const QColor &otherwise)
@@ -99,3 +101,5 @@ void RunSign::paintEvent(QPaintEvent *)
     painter.setRenderHint(QPainter::Antialiasing);
     runsign::draw(painter, rect(), m_state, palette());
 }
+
+} // namespace sealwright

@@ -8,6 +8,8 @@
 class QPainter;
 class QPalette;
 
+namespace sealwright {
+
 /// The signs for the states of steps and of runs, alike in the list of steps, in the banner and on tabs. Main
 /// thread.
 namespace runsign {
@@ -38,3 +40,5 @@ protected:
 private:
     StepState m_state = StepState::waiting;
 };
+
+} // namespace sealwright

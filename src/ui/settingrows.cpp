@@ -12,6 +12,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 constexpr auto helpProperty = "slwHelp";
@@ -107,3 +109,5 @@ void settingrows::alignCaptions(QWidget &widget)
     for (QLabel *const caption : captions)
         caption->setMinimumWidth(width);
 }
+
+} // namespace sealwright

@@ -2,12 +2,15 @@
 
 #include "document/documentcontrols.h"
 
-class MainWinController;
 class QCheckBox;
 class QLabel;
 class QLineEdit;
 class QToolButton;
 class QWidget;
+
+namespace sealwright {
+
+class MainWinController;
 
 /// The pieces that the settings of a document are laid out with.
 namespace settingrows {
@@ -61,3 +64,5 @@ void offerWhenIdle(QWidget &widget, MainWinController &document);
 void alignCaptions(QWidget &widget);
 
 } // namespace settingrows
+
+} // namespace sealwright

@@ -8,6 +8,8 @@
 
 #include <QBoxLayout>
 
+namespace sealwright {
+
 namespace {
 
 constexpr int leastVisibleRows = 4;
@@ -55,3 +57,5 @@ void SettingsPane::resizeEvent(QResizeEvent *event)
     updateGeometry();
     QScrollArea::resizeEvent(event);
 }
+
+} // namespace sealwright

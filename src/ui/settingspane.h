@@ -2,8 +2,11 @@
 
 #include <QScrollArea>
 
-class MainWinController;
 class QBoxLayout;
+
+namespace sealwright {
+
+class MainWinController;
 
 /// What a document is signed and submitted with: credentials, identity, entitlements and options. Scrolls
 /// where the window or the font leaves it too little room, and keeps what has the keyboard focus in sight.
@@ -22,3 +25,5 @@ protected:
 private:
     QBoxLayout *m_columns;
 };
+
+} // namespace sealwright

@@ -11,6 +11,8 @@
 #include <QSpinBox>
 #include <QStyle>
 
+namespace sealwright {
+
 namespace {
 
 constexpr int captionCharacters = 28;
@@ -95,3 +97,5 @@ void SettingsSection::explain(QWidget &setting, const QString &explanation)
     setting.setAccessibleDescription(explanation);
     m_rows->addWidget(text);
 }
+
+} // namespace sealwright

@@ -10,6 +10,8 @@ class QDoubleSpinBox;
 class QSpinBox;
 class QVBoxLayout;
 
+namespace sealwright {
+
 /// One page of settings: what is set, and below each what that means. Main thread.
 class SettingsSection : public QWidget {
     Q_OBJECT
@@ -42,3 +44,5 @@ private:
     platform::Preferences &m_preferences;
     QVBoxLayout *const m_rows;
 };
+
+} // namespace sealwright

@@ -15,6 +15,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 constexpr int edge = 6; // pixels between the frame and what stands in it
@@ -84,3 +86,5 @@ void SetupBanner::dismiss()
     m_document.host().preferences.setValue(setupDismissed, true);
     hide();
 }
+
+} // namespace sealwright

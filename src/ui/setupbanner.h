@@ -4,8 +4,11 @@
 
 #include <functional>
 
-class MainWinController;
 class QBoxLayout;
+
+namespace sealwright {
+
+class MainWinController;
 
 /// The two ways to what a first submission needs.
 enum class SetupRoad { practice, developerID };
@@ -32,3 +35,5 @@ private:
 
     MainWinController &m_document;
 };
+
+} // namespace sealwright

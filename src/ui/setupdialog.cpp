@@ -19,6 +19,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 constexpr int charactersAcross = 72;
@@ -188,3 +190,5 @@ void SetupDialog::tell(const QString &text)
     m_end->setText(text);
     m_end->setVisible(true);
 }
+
+} // namespace sealwright

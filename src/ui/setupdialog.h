@@ -5,9 +5,12 @@
 
 #include <QDialog>
 
-class CredentialForm;
 class QLabel;
 class QTabWidget;
+
+namespace sealwright {
+
+class CredentialForm;
 
 /// Leads from a first start to all that a submission needs: an identity, and a key or a password. Each step
 /// is looked at in the keychain as soon as it is done; with the last one the credentials become those of new
@@ -45,3 +48,5 @@ private:
     QLabel *m_credentialState = nullptr;
     QLabel *m_end;
 };
+
+} // namespace sealwright

@@ -8,6 +8,8 @@
 #include <QPainter>
 #include <QPushButton>
 
+namespace sealwright {
+
 namespace {
 
 constexpr QColor dim(0, 0, 0, 110);
@@ -138,3 +140,5 @@ void SheetBackdrop::mousePressEvent(QMouseEvent *event)
 {
     event->accept();
 }
+
+} // namespace sealwright

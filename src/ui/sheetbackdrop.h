@@ -2,6 +2,8 @@
 
 #include <QScrollArea>
 
+namespace sealwright {
+
 /// What dims a page and holds one dialog in the middle of it. The keyboard stays inside. Main thread.
 class SheetBackdrop : public QScrollArea {
     Q_OBJECT
@@ -25,3 +27,5 @@ protected:
 private:
     QWidget *m_room;
 };
+
+} // namespace sealwright

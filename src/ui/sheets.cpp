@@ -6,6 +6,8 @@
 #include <QApplication>
 #include <QEvent>
 
+namespace sealwright {
+
 Sheets::Sheets(QWidget &page)
     : m_page(page)
 {
@@ -156,3 +158,5 @@ void Sheets::takeKeysOnShow()
     if (!focused || focused == m_page.window() || !focused->isVisible() || m_page.isAncestorOf(focused))
         activate();
 }
+
+} // namespace sealwright

@@ -6,6 +6,8 @@
 
 #include <functional>
 
+namespace sealwright {
+
 class SheetBackdrop;
 
 /// The dialogs attached to one page of a window, each drawn inside of the page, which is dimmed behind it and
@@ -64,3 +66,5 @@ private:
     QList<QPointer<QWidget>> m_disabled; ///< the parts of the page
     QList<Sheet> m_sheets; // the first one is up
 };
+
+} // namespace sealwright

@@ -5,6 +5,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 QString translated(const QString &text)
@@ -79,3 +81,5 @@ QStringList shown(QStringList texts)
         text = shown(text);
     return texts;
 }
+
+} // namespace sealwright

@@ -9,6 +9,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 SidePane::SidePane(MainWinController &document, QWidget *parent)
     : QTabWidget(parent)
 {
@@ -19,3 +21,5 @@ SidePane::SidePane(MainWinController &document, QWidget *parent)
     addTab(new IssueTable(document, this), tr("Issues"));
     addTab(new HistoryPane(document, this), tr("History"));
 }
+
+} // namespace sealwright

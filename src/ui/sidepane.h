@@ -2,6 +2,8 @@
 
 #include <QTabWidget>
 
+namespace sealwright {
+
 class MainWinController;
 
 /// What stands beside the log: the steps of the run, what a look at the item tells, and what the service
@@ -12,3 +14,5 @@ class SidePane : public QTabWidget {
 public:
     explicit SidePane(MainWinController &document, QWidget *parent = nullptr);
 };
+
+} // namespace sealwright

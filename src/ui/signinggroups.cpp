@@ -19,6 +19,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 /// Widgets side by side, the first of which takes what room there is, and which the help sheet is about.
@@ -226,3 +228,5 @@ QWidget *SigningGroup::makeDropDMG()
                           [this] { return m_document.useDropDMGCheckbox.isOn(); });
     return line;
 }
+
+} // namespace sealwright

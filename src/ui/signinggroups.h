@@ -2,9 +2,12 @@
 
 #include <QGroupBox>
 
+class QFormLayout;
+
+namespace sealwright {
+
 class FieldHint;
 class MainWinController;
-class QFormLayout;
 
 /// Who submits: the account at the notary service.
 class CredentialsGroup : public QGroupBox {
@@ -39,3 +42,5 @@ private:
 
     MainWinController &m_document;
 };
+
+} // namespace sealwright

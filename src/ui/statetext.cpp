@@ -3,6 +3,8 @@
 #include <QApplication>
 #include <QLabel>
 
+namespace sealwright {
+
 void statetext::put(QLabel &line, const QString &text, theme::Meaning meaning)
 {
     QPalette palette;
@@ -11,3 +13,5 @@ void statetext::put(QLabel &line, const QString &text, theme::Meaning meaning)
     line.setText(text);
     line.setVisible(!text.isEmpty());
 }
+
+} // namespace sealwright

@@ -5,6 +5,8 @@
 class QLabel;
 class QString;
 
+namespace sealwright {
+
 /// A line that says how something stands, in the colour of what it means. Main thread.
 namespace statetext {
 
@@ -12,3 +14,5 @@ namespace statetext {
 void put(QLabel &line, const QString &text, theme::Meaning meaning);
 
 } // namespace statetext
+
+} // namespace sealwright

@@ -7,6 +7,9 @@
 #include <QPainter>
 
 using namespace Qt::StringLiterals;
+
+namespace sealwright {
+
 using theme::Meaning;
 
 namespace {
@@ -46,3 +49,5 @@ void StatusPill::paintEvent(QPaintEvent *)
     painter.setPen(theme::readable(theme::colourOf(meaning, palette()), ground, theme::leastOfText));
     painter.drawText(rect(), Qt::AlignCenter, shown(text()));
 }
+
+} // namespace sealwright

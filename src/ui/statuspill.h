@@ -2,6 +2,8 @@
 
 #include <QLabel>
 
+namespace sealwright {
+
 /// A document's status word on a ground in the colour of what it means. Main thread.
 class StatusPill : public QLabel {
     Q_OBJECT
@@ -15,3 +17,5 @@ public:
 protected:
     void paintEvent(QPaintEvent *event) override;
 };
+
+} // namespace sealwright

@@ -9,6 +9,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 constexpr qint64 secondsPerMinute = 60;
@@ -90,7 +92,7 @@ QVariant StepListModel::waitData(int role) const
 
 QString StepListModel::durationText(const StepList::Row &row) const
 {
-    return m_steps && row.began.isValid() ? ::durationText(m_steps->duration(row)) : QString();
+    return m_steps && row.began.isValid() ? sealwright::durationText(m_steps->duration(row)) : QString();
 }
 
 /// Once a step is done, its time says more.
@@ -164,3 +166,5 @@ void StepListModel::setWaitText(const QString &text)
         Q_EMIT dataChanged(index(row), index(row));
     }
 }
+
+} // namespace sealwright

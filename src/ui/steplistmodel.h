@@ -5,6 +5,8 @@
 #include <QAbstractListModel>
 #include <QPointer>
 
+namespace sealwright {
+
 /// The steps of a run as rows of text, and while the run waits for polls one more row that tells about them.
 /// The list may go before the model does.
 class StepListModel : public QAbstractListModel {
@@ -45,3 +47,5 @@ private:
 
 /// "Next check at 14:05:30 · 7 checks, 1 failed", in the clock's time zone.
 [[nodiscard]] QString waitText(const StepList::Wait &wait);
+
+} // namespace sealwright

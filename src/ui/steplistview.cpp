@@ -12,6 +12,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 constexpr int interval = 1000; // milliseconds
@@ -77,3 +79,5 @@ bool StepListView::event(QEvent *event)
         viewport()->update(); // the time that has passed meanwhile
     return QListView::event(event);
 }
+
+} // namespace sealwright

@@ -4,6 +4,8 @@
 
 #include <QListView>
 
+namespace sealwright {
+
 class StepList;
 class StepListModel;
 
@@ -31,3 +33,5 @@ private:
     StepListModel *m_model;
     ActiveWindowTimer m_timer;
 };
+
+} // namespace sealwright

@@ -7,6 +7,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 StepPane::StepPane(MainWinController &document, QWidget *parent)
     : QWidget(parent)
 {
@@ -15,3 +17,5 @@ StepPane::StepPane(MainWinController &document, QWidget *parent)
     rows->setContentsMargins(rows->spacing(), rows->spacing(), 0, 0); // clear of the handle before it
     rows->addWidget(steps, 1);
 }
+
+} // namespace sealwright

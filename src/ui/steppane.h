@@ -2,6 +2,8 @@
 
 #include <QWidget>
 
+namespace sealwright {
+
 class MainWinController;
 
 /// The steps of a document's run, to stand beside the log.
@@ -11,3 +13,5 @@ class StepPane : public QWidget {
 public:
     explicit StepPane(MainWinController &document, QWidget *parent = nullptr);
 };
+
+} // namespace sealwright

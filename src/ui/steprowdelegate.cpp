@@ -9,6 +9,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 constexpr qreal dimness = 0.35; // of what has not been done: how much of the background is in its colour
@@ -162,3 +164,5 @@ int StepRowDelegate::heightOfOneLine(const QFont &font)
     const RowLayout layout(font, {}, true);
     return layout.metrics.height() + 2 * layout.margin();
 }
+
+} // namespace sealwright

@@ -2,6 +2,8 @@
 
 #include <QStyledItemDelegate>
 
+namespace sealwright {
+
 /// Draws a row of the list of steps: a sign for the state, the name, which takes more lines where one is too
 /// narrow, and at the other end how long the step has taken. The step that runs is bold.
 class StepRowDelegate : public QStyledItemDelegate {
@@ -19,3 +21,5 @@ public:
     /// The height in pixels of a row with one line.
     [[nodiscard]] static int heightOfOneLine(const QFont &font);
 };
+
+} // namespace sealwright

@@ -7,6 +7,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 bool isOf(const platform::FileService &files, const QString &folder, const QString &identifier)
@@ -39,3 +41,5 @@ QString itemSubmittedAs(const platform::FileService &files, const QString &ident
     }
     return {};
 }
+
+} // namespace sealwright

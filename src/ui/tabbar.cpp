@@ -7,6 +7,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 constexpr int widthOfPicture = 280; // pixels
@@ -136,3 +138,5 @@ TabWidget::TabWidget(QWidget *parent)
     setDocumentMode(true);
     setFocusPolicy(Qt::NoFocus); // which it would hand on to its tabs, also where they are out of sight
 }
+
+} // namespace sealwright

@@ -6,6 +6,8 @@
 
 class QLabel;
 
+namespace sealwright {
+
 /// Tabs that can be moved along the bar and, by dragging them off it, out of it. What is dragged out is seen
 /// beside the pointer.
 class TabBar : public QTabBar {
@@ -51,3 +53,5 @@ public:
 private:
     TabBar *m_tabs;
 };
+
+} // namespace sealwright

@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+namespace sealwright {
+
 namespace {
 
 constexpr qreal step = 0.04; // of the way to black or white
@@ -109,3 +111,5 @@ QColor theme::outline(const QPalette &palette)
     return readable(readable(middle, window, leastOfControls), palette.color(QPalette::Base),
                     leastOfControls);
 }
+
+} // namespace sealwright

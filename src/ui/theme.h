@@ -3,6 +3,8 @@
 #include <QColor>
 #include <QPalette>
 
+namespace sealwright {
+
 /// The colours that the windows have beside those of the palette, and how well they can be told from what is
 /// behind them. Contrast is that of the W3C's Web Content Accessibility Guidelines 2.1: from 1, the same, to
 /// 21, black on white. Main thread.
@@ -29,3 +31,5 @@ enum class Meaning { good, bad, caution, underway, quiet };
 [[nodiscard]] QColor outline(const QPalette &palette);
 
 } // namespace theme
+
+} // namespace sealwright

@@ -17,6 +17,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 /// What a folder of tools lacks without which the application does not start; empty if it will do.
@@ -90,3 +92,5 @@ void ToolFolderRow::choose()
     });
     panel->open();
 }
+
+} // namespace sealwright

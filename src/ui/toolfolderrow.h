@@ -9,6 +9,8 @@ class Preferences;
 class QLabel;
 class QLineEdit;
 
+namespace sealwright {
+
 /// The folder of tools as a setting: its path, a panel to choose it in, and, while the application would not
 /// start with it, what is wrong. Main thread.
 class ToolFolderRow : public QWidget {
@@ -28,3 +30,5 @@ private:
     QLineEdit *const m_path;
     QLabel *const m_problem;
 };
+
+} // namespace sealwright

@@ -5,6 +5,8 @@
 #include <QShortcut>
 #include <QWheelEvent>
 
+namespace sealwright {
+
 namespace {
 
 /// Refuses the wheel for a widget without the focus, so that it goes on to what the widget is in.
@@ -81,3 +83,5 @@ void toplevel::keepFocusInSight(QScrollArea &area)
             area.ensureWidgetVisible(now);
     });
 }
+
+} // namespace sealwright

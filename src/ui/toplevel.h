@@ -3,6 +3,8 @@
 class QScrollArea;
 class QWidget;
 
+namespace sealwright {
+
 /// What windows of all kinds do alike. Main thread.
 namespace toplevel {
 
@@ -27,3 +29,5 @@ void focusWhenInUse(QWidget &widget);
 void keepFocusInSight(QScrollArea &area);
 
 } // namespace toplevel
+
+} // namespace sealwright

@@ -10,6 +10,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 constexpr auto variable = "SEALWRIGHT_UPLOAD_PROGRESS";
@@ -70,3 +72,5 @@ void UploadProgress::look()
     if (const auto parts = uploadprogress::of(m_document.submitFilePath()))
         m_document.stepList.advance(*parts);
 }
+
+} // namespace sealwright

@@ -6,6 +6,8 @@
 
 #include <optional>
 
+namespace sealwright {
+
 class MainWinController;
 
 /// What a notary tool tells of its uploads, where it is one that does: a file for each in a folder of this
@@ -34,3 +36,5 @@ private:
     MainWinController &m_document;
     QTimer m_timer;
 };
+
+} // namespace sealwright

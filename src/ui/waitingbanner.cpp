@@ -13,6 +13,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 constexpr qsizetype mostNames = 3;
@@ -92,3 +94,5 @@ void WaitingBanner::dismiss()
 {
     m_document.appDelegate().unattendedWaits.set({});
 }
+
+} // namespace sealwright

@@ -2,9 +2,12 @@
 
 #include <QFrame>
 
-class MainWinController;
 class QBoxLayout;
 class QLabel;
+
+namespace sealwright {
+
+class MainWinController;
 
 /// Says, in a document that has done nothing yet, what an earlier launch has left waiting for a verdict, and
 /// goes on with it at a press. Main thread.
@@ -27,3 +30,5 @@ private:
 
 /// "Foo still waits for…" and so on, by the names of the folders; paths. Empty for none.
 [[nodiscard]] QString waitingSentence(const QStringList &folders);
+
+} // namespace sealwright

@@ -16,6 +16,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 WidgetApplication::WidgetApplication(const WindowOrder &order, LogPrinter &printer)
     : m_order(order)
     , m_printer(printer)
@@ -110,3 +112,5 @@ bool WidgetApplication::eventFilter(QObject *watched, QEvent *event)
     terminate();
     return true;
 }
+
+} // namespace sealwright

@@ -4,6 +4,8 @@
 
 #include <QObject>
 
+namespace sealwright {
+
 class LogPrinter;
 class WindowOrder;
 
@@ -50,3 +52,5 @@ private:
     bool m_paintsNothing = false;
     bool m_isRelaunching = false;
 };
+
+} // namespace sealwright

@@ -24,6 +24,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 constexpr QSize largestFrame(4096, 4096); // or that of all screens together; the host keeps an image of each
@@ -267,3 +269,5 @@ void WidgetWindow::writeLog(const QString &path)
         beginSheet({QCoreApplication::translate("WidgetWindow", "The log is not saved"), written.error(), {}},
                    [](int) {});
 }
+
+} // namespace sealwright

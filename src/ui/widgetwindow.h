@@ -9,6 +9,8 @@
 
 #include <QPointer>
 
+namespace sealwright {
+
 class FrameWindow;
 class LogPrinter;
 class WindowOrder;
@@ -103,3 +105,5 @@ private:
     LogPrinter &m_printer;
     PanelFolder m_panelFolder;
 };
+
+} // namespace sealwright

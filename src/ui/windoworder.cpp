@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+namespace sealwright {
+
 QList<FrameWindow *> WindowOrder::framesFrontToBack() const
 {
     QList<FrameWindow *> onScreen;
@@ -19,3 +21,5 @@ QList<platform::Window *> WindowOrder::frontToBack() const
         windows.append(frame->selectedWindow());
     return windows;
 }
+
+} // namespace sealwright

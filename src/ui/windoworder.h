@@ -2,11 +2,13 @@
 
 #include <QList>
 
-class FrameWindow;
-
 namespace platform {
 class Window;
 }
+
+namespace sealwright {
+
+class FrameWindow;
 
 /// The frames that are on screen or minimised, and their order. Main thread.
 class WindowOrder {
@@ -26,3 +28,5 @@ public:
 private:
     QList<FrameWindow *> m_frames;
 };
+
+} // namespace sealwright

@@ -1,6 +1,7 @@
 #include "dbus/privatebus.h"
 
 #include "scripting/dbus/busnames.h"
+#include "support/core.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>

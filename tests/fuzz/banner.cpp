@@ -2,6 +2,7 @@
 
 #include "app/discovery.h"
 #include "fuzz/fuzzing.h"
+#include "support/core.h"
 
 int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {

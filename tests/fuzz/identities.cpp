@@ -2,6 +2,7 @@
 
 #include "app/discovery.h"
 #include "fuzz/fuzzing.h"
+#include "support/core.h"
 
 #include <QSet>
 

@@ -2,6 +2,7 @@
 
 #include "fuzz/fuzzing.h"
 #include "notarization/archivesteps.h"
+#include "support/core.h"
 
 int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {

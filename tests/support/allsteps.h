@@ -11,3 +11,4 @@
 #include "signing/entitlements.h"
 #include "signing/packagesteps.h"
 #include "signing/signingsteps.h"
+#include "support/core.h"

@@ -14,6 +14,7 @@
 #include "platform/urlreader.h"
 #include "platform/workerqueue.h"
 #include "platform/workspace.h"
+#include "support/core.h"
 
 #include <QHash>
 #include <QObject>

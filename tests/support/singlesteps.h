@@ -3,6 +3,7 @@
 #include "document/mainwincontroller.h"
 #include "run/run.h"
 #include "signing/bundlescanner.h"
+#include "support/core.h"
 
 #include <optional>
 

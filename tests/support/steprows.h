@@ -1,6 +1,7 @@
 #pragma once
 
 #include "document/steplist.h"
+#include "support/core.h"
 
 #include <QStringList>
 

@@ -5,6 +5,7 @@
 #include "platform/scriptcommand.h"
 #include "run/step.h"
 #include "scripting/scripterrors.h"
+#include "support/core.h"
 #include "support/items.h"
 #include "support/singlesteps.h"
 #include "support/testhost.h"

@@ -78,7 +78,7 @@ TEST_F(Controls, eachButtonShowsWhatItsControlHasAndCarriesItsCommand)
 TEST_F(Controls, eachControlOfADocumentIsInItsWindowUnderItsName)
 {
     const QList<std::pair<const char *, QStringList>> names{
-        {"LogView", {u"statusTextView"_s}},
+        {"sealwright::LogView", {u"statusTextView"_s}},
         {"QLineEdit",
          {u"providerNameField"_s, u"appleIDField"_s, u"appPassField"_s, u"appletNameField"_s,
           u"historyMaxPagesField"_s}},

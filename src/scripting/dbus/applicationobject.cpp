@@ -18,6 +18,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 bool isActive()
@@ -193,3 +195,5 @@ const BusInterface &desktopInterface()
     };
     return interface;
 }
+
+} // namespace sealwright

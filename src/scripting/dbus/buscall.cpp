@@ -7,6 +7,8 @@
 #include <QDBusArgument>
 #include <QDBusVariant>
 
+namespace sealwright {
+
 namespace {
 
 QString errorName(qint64 number)
@@ -84,3 +86,5 @@ bool BusCall::isTooLarge(const QVariantList &values)
         : first;
     return value.metaType() == QMetaType::fromType<QString>() && value.toString().size() > mostCharacters;
 }
+
+} // namespace sealwright

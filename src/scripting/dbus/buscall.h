@@ -7,6 +7,8 @@
 
 #include <memory>
 
+namespace sealwright {
+
 class LastErrors;
 
 /// One method call and its answer, which may come later and from any thread. A copy is the same call. An
@@ -44,3 +46,5 @@ private:
     QDBusConnection m_connection;
     std::shared_ptr<LastErrors> m_lastErrors;
 };
+
+} // namespace sealwright

@@ -4,6 +4,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 QList<BusProperty> propertiesOf(const scriptingdefinition::Class &definition, const BusAccessByKey &access)
@@ -55,3 +57,5 @@ BusInterface busInterface(const QString &name, const QString &className, const B
             .methods = methodsOf(*definition, handlers),
             .signalList = signalsOf(*definition)};
 }
+
+} // namespace sealwright

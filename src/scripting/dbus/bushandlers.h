@@ -5,6 +5,8 @@
 
 #include <QHash>
 
+namespace sealwright {
+
 /// How one property is read and written on an object of the bus.
 struct BusAccess {
     std::function<QVariant(const BusObject &)> read;
@@ -60,3 +62,5 @@ BusAccessByKey accessTo(const QList<ScriptProperty<Object>> &properties, Found (
     }
     return access;
 }
+
+} // namespace sealwright

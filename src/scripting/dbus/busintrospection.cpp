@@ -2,6 +2,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 QString lines(const QList<BusArgument> &arguments, const QString &direction)
@@ -69,3 +71,5 @@ QString introspection(const BusObject &object)
         text += u"  <node name=\"%1\"/>\n"_s.arg(child);
     return text;
 }
+
+} // namespace sealwright

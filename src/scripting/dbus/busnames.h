@@ -2,6 +2,8 @@
 
 #include <QString>
 
+namespace sealwright {
+
 /// Names that the application and its client agree on.
 namespace bus {
 
@@ -57,3 +59,5 @@ inline const QString scriptErrorPrefix = QStringLiteral("org.sealwright.Error.N"
 inline const QString negativeScriptErrorPrefix = QStringLiteral("org.sealwright.Error.Minus");
 
 } // namespace buserror
+
+} // namespace sealwright

@@ -5,6 +5,8 @@
 
 #include <algorithm>
 
+namespace sealwright {
+
 namespace {
 
 const QString &nameOf(const BusProperty &property)
@@ -59,3 +61,5 @@ BusInterfaceProperties readAllProperties(const BusObject &object)
     }
     return values;
 }
+
+} // namespace sealwright

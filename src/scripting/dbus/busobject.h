@@ -11,6 +11,8 @@
 
 #include <functional>
 
+namespace sealwright {
+
 class AppDelegate;
 class BusObjects;
 class MainWinController;
@@ -84,3 +86,5 @@ const BusInterface &objectManagerInterface();
 [[nodiscard]] QVariantMap readAllProperties(const BusObject &object, const BusInterface &interface);
 /// The values of all interfaces that have any.
 [[nodiscard]] QMap<QString, QVariantMap> readAllProperties(const BusObject &object);
+
+} // namespace sealwright

@@ -5,6 +5,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 QString below(const QString &path, const QString &element)
@@ -136,3 +138,5 @@ QString BusObjects::callerOf(const MainWinController &document) const
     const EntryPtr entry = m_byObject.value(&document);
     return entry ? entry->caller : QString();
 }
+
+} // namespace sealwright

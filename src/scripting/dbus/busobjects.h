@@ -12,6 +12,8 @@ namespace platform {
 class Window;
 }
 
+namespace sealwright {
+
 /// Which objects there are and under which paths. Main thread.
 class BusObjects {
 public:
@@ -61,3 +63,5 @@ private:
     QHash<const void *, EntryPtr> m_byObject; ///< and under its document and its window
     quint64 m_lastWindowNumber = 0;
 };
+
+} // namespace sealwright

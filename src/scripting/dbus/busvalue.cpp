@@ -10,6 +10,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 QString signatureOf(const QVariant &value)
@@ -112,3 +114,5 @@ QUrl fileUrl(const QString &text)
 }
 
 } // namespace busvalue
+
+} // namespace sealwright

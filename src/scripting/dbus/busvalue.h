@@ -11,11 +11,11 @@
 
 #include <optional>
 
+namespace sealwright {
+
 /// The properties of one object, by interface.
 using BusInterfaceProperties = QMap<QString, QVariantMap>;
 using BusManagedObjects = QMap<QDBusObjectPath, BusInterfaceProperties>;
-Q_DECLARE_METATYPE(BusInterfaceProperties)
-Q_DECLARE_METATYPE(BusManagedObjects)
 
 /// How values look on the bus. Any thread.
 namespace busvalue {
@@ -43,3 +43,8 @@ inline constexpr qsizetype mostCharacters = 16LL * 1024 * 1024;
 [[nodiscard]] QUrl fileUrl(const QString &text);
 
 } // namespace busvalue
+
+} // namespace sealwright
+
+Q_DECLARE_METATYPE(sealwright::BusInterfaceProperties)
+Q_DECLARE_METATYPE(sealwright::BusManagedObjects)

@@ -9,6 +9,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 MainWinControllerScripting scripting(const BusObject &object)
@@ -58,3 +60,5 @@ const BusInterface &documentInterface()
         busInterface(bus::documentInterface, u"document"_s, documentHandlers());
     return interface;
 }
+
+} // namespace sealwright

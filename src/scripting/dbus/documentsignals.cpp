@@ -8,6 +8,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 QString styleName(LogStyle style)
@@ -61,3 +63,5 @@ void stopDocumentSignals(MainWinController &document, const QObject *context)
     document.statusTextView.disconnect(context);
     document.statusString.disconnect(context);
 }
+
+} // namespace sealwright

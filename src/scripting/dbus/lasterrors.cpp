@@ -1,5 +1,7 @@
 #include "scripting/dbus/lasterrors.h"
 
+namespace sealwright {
+
 bool LastErrors::attend(const QString &connection)
 {
     return m_offendingObjects.update([&connection](auto &objects) {
@@ -27,3 +29,5 @@ QVariant LastErrors::of(const QString &connection) const
 {
     return m_offendingObjects().value(connection);
 }
+
+} // namespace sealwright

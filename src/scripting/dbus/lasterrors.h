@@ -6,6 +6,8 @@
 #include <QString>
 #include <QVariant>
 
+namespace sealwright {
+
 /// The offending object of the latest error of each connection. A connection that has gone is forgotten, and
 /// what comes for it later is not kept. Any thread.
 class LastErrors {
@@ -22,3 +24,5 @@ public:
 private:
     Property<QHash<QString, QVariant>> m_offendingObjects;
 };
+
+} // namespace sealwright

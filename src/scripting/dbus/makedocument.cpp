@@ -8,6 +8,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 /// The values by the properties' keys. Nothing if one of the properties cannot be set; the call has been
@@ -45,3 +47,5 @@ void makeDocument(const BusObject &application, const BusCall &call)
     else
         call.reply({QVariant::fromValue(application.objects.path(*document))});
 }
+
+} // namespace sealwright

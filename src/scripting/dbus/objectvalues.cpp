@@ -7,7 +7,7 @@
 #include <QDBusArgument>
 #include <QDBusObjectPath>
 
-namespace objectvalues {
+namespace sealwright::objectvalues {
 
 namespace {
 
@@ -93,4 +93,4 @@ std::optional<QVariant> fromBus(const BusObject &object, const QVariant &value, 
     return result && !result->isValid() && takes == Takes::value ? std::nullopt : result;
 }
 
-} // namespace objectvalues
+} // namespace sealwright::objectvalues

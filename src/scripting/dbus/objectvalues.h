@@ -2,6 +2,8 @@
 
 #include "scripting/dbus/busobject.h"
 
+namespace sealwright {
+
 /// Values of scripting objects, which may be windows and documents, and how they look on the bus. Main
 /// thread.
 namespace objectvalues {
@@ -14,3 +16,5 @@ namespace objectvalues {
                                               scriptingdefinition::ValueType type, Takes takes);
 
 } // namespace objectvalues
+
+} // namespace sealwright

@@ -9,7 +9,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace scriptcalls {
+namespace sealwright::scriptcalls {
 
 namespace {
 
@@ -120,4 +120,4 @@ std::optional<QVariant> checkedValue(const BusObject &object, const BusProperty 
     return typed;
 }
 
-} // namespace scriptcalls
+} // namespace sealwright::scriptcalls

@@ -4,6 +4,8 @@
 
 #include <optional>
 
+namespace sealwright {
+
 /// Calls that reach a handler as script commands.
 namespace scriptcalls {
 
@@ -23,3 +25,5 @@ namespace scriptcalls {
                                                    const QVariant &value, const BusCall &call);
 
 } // namespace scriptcalls
+
+} // namespace sealwright

@@ -15,6 +15,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 const QString connectionName = u"sealwright-scripting"_s;
@@ -287,3 +289,5 @@ void ScriptingBus::serveWaitingCalls()
     for (const BusCall &call : std::exchange(m_waitingCalls, {}))
         serve(call);
 }
+
+} // namespace sealwright

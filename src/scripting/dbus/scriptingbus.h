@@ -13,6 +13,8 @@
 
 #include <deque>
 
+namespace sealwright {
+
 /// The application on the session bus: one tree of objects below one path. Main thread.
 class ScriptingBus : public QDBusVirtualObject {
     Q_OBJECT
@@ -78,3 +80,5 @@ private:
     QStringList m_newDocuments; ///< paths of those that the call being served has made
     QString m_maker; ///< the connection whose call is being served, if documents made now are its own
 };
+
+} // namespace sealwright

@@ -2,6 +2,8 @@
 
 #include "scripting/dbus/bushandlers.h"
 
+namespace sealwright {
+
 /// The handlers of a receiver's commands, by their methods.
 template <class Receiver, class Found = Receiver &>
 class CommandsOf {
@@ -35,3 +37,5 @@ public:
 private:
     Found (*m_receiver)(const BusObject &);
 };
+
+} // namespace sealwright

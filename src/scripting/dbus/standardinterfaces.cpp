@@ -9,6 +9,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 namespace {
 
 /// The interfaces of the object that go by the name: all of them for an empty one. With none the call has
@@ -119,3 +121,5 @@ const BusInterface &objectManagerInterface()
     };
     return interface;
 }
+
+} // namespace sealwright

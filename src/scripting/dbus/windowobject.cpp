@@ -6,6 +6,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace sealwright {
+
 void closeWindow(const BusObject &object, const BusCall &call)
 {
     call.reply();
@@ -36,3 +38,5 @@ const BusInterface &windowInterface()
     static const BusInterface interface = busInterface(bus::windowInterface, u"window"_s, windowHandlers());
     return interface;
 }
+
+} // namespace sealwright

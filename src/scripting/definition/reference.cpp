@@ -3,6 +3,9 @@
 #include "scripting/definition/scriptingdefinition.h"
 
 using namespace Qt::StringLiterals;
+
+namespace sealwright {
+
 using scriptingdefinition::Class;
 using scriptingdefinition::Command;
 using scriptingdefinition::Event;
@@ -129,3 +132,5 @@ QString withScriptingReference(const QString &text)
         return {};
     return text.left(begin + beginMarker.size()) + scriptingReference() + text.mid(end);
 }
+
+} // namespace sealwright

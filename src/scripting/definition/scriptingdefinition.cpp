@@ -8,7 +8,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace scriptingdefinition {
+namespace sealwright::scriptingdefinition {
 
 namespace {
 
@@ -209,4 +209,4 @@ const Class *classNamed(const QString &name)
     return found == classes().cend() ? nullptr : &*found;
 }
 
-} // namespace scriptingdefinition
+} // namespace sealwright::scriptingdefinition

@@ -3,6 +3,8 @@
 #include <QList>
 #include <QString>
 
+namespace sealwright {
+
 /// What scripts can reach, as resources/Sealwright.sdef lays it down: the one source of names, types and
 /// descriptions. The format:
 /// https://developer.apple.com/library/archive/documentation/Cocoa/Conceptual/ScriptableCocoaApplications/SApps_creating_sdef/SAppsCreateSdef.html
@@ -80,3 +82,5 @@ struct Class {
 [[nodiscard]] const Class *classNamed(const QString &name);
 
 } // namespace scriptingdefinition
+
+} // namespace sealwright

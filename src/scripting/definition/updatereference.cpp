@@ -6,6 +6,8 @@
 
 #include <cstdio>
 
+using namespace sealwright;
+
 int main(int count, char **arguments)
 {
     QFile file(count == 2 ? QString::fromLocal8Bit(arguments[1]) : QString());

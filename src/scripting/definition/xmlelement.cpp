@@ -2,6 +2,8 @@
 
 #include <QXmlStreamReader>
 
+namespace sealwright {
+
 namespace {
 
 XmlElement readElement(QXmlStreamReader &xml)
@@ -33,3 +35,5 @@ QList<XmlElement> XmlElement::childrenNamed(const QString &childName) const
     }
     return named;
 }
+
+} // namespace sealwright

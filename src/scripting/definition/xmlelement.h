@@ -5,6 +5,8 @@
 #include <QList>
 #include <QString>
 
+namespace sealwright {
+
 /// One element of an XML document with all that is in it, but for its text.
 struct XmlElement {
     QString name;
@@ -21,3 +23,5 @@ struct XmlElement {
     XmlElement child(const QString &childName) const { return childrenNamed(childName).value(0); }
     QList<XmlElement> childrenNamed(const QString &childName) const;
 };
+
+} // namespace sealwright

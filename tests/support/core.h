@@ -1,0 +1,8 @@
+#pragma once
+
+namespace sealwright {
+}
+
+/// Tests speak of what they test as it speaks of itself. The programs of sealwright_test have this line
+/// without asking for it.
+using namespace sealwright;
