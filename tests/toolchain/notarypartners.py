@@ -2,13 +2,14 @@
 
 usage: notarypartners.py SERVICE.JSON <ITEM     where ITEM is what the password item holds
 """
-import base64, hashlib, http.server, json, os, queue, ssl, sys, threading, time, urllib.error, urllib.request
+import base64, hashlib, http.server, json, os, queue, socket, ssl, sys, tempfile, threading, time, urllib.error, urllib.request, warnings
 
 import boto3
 import jwt
 from botocore.config import Config
 from botocore.exceptions import ClientError
 
+warnings.simplefilter("ignore")  # the bucket's host stands in no certificate
 service = json.load(open(sys.argv[1]))
 key = json.load(sys.stdin)
 trust = ssl.create_default_context(cafile=service["ca"])
@@ -96,6 +97,30 @@ def multipart():
     client.complete_multipart_upload(**where, UploadId=upload, MultipartUpload={"Parts": done})
 
 
+def underTheBucketsOwnHost():
+    """As Apple's documents have it: upload_file, to a host that is called after the bucket, in parts above 8 MB."""
+    find = socket.getaddrinfo
+    socket.getaddrinfo = lambda host, *more, **named: find(
+        "127.0.0.1" if str(host).endswith(".localhost") else host, *more, **named)
+    data = b"PK\3\4" + os.urandom(9 << 20)
+    identifier, place = begin(data, "by a host.zip")
+    client = boto3.client("s3", endpoint_url=origin.replace("127.0.0.1", "localhost"), region_name="us-west-2", verify=False,
+                          aws_access_key_id=place["awsAccessKeyId"], aws_secret_access_key=place["awsSecretAccessKey"],
+                          aws_session_token=place["awsSessionToken"],
+                          config=Config(s3={"addressing_style": "virtual"}, retries={"max_attempts": 1}))
+    hosts = []
+    client.meta.events.register("before-send.s3", lambda request, **_: hosts.append(request.url.split("/")[2].split(":")[0]))
+    with tempfile.NamedTemporaryFile() as file:
+        file.write(data)
+        file.flush()
+        client.upload_file(file.name, place["bucket"], place["object"])
+    assert len(hosts) >= 4 and set(hosts) == {place["bucket"] + ".localhost"}, hosts
+    socket.getaddrinfo = find
+    while (status := call(f"/submissions/{identifier}")[1]["data"]["attributes"]["status"]) == "In Progress":
+        time.sleep(0.02)
+    assert status == "Invalid", status
+
+
 def webhook():
     from cryptography import x509
     from cryptography.hazmat.primitives import hashes
@@ -139,6 +164,6 @@ def webhook():
     server.shutdown()
 
 
-for partner in (tokens, uploads, multipart, webhook):
+for partner in (tokens, uploads, multipart, underTheBucketsOwnHost, webhook):
     partner()
 print("all agreed")
