@@ -121,6 +121,44 @@ def underTheBucketsOwnHost():
     assert status == "Invalid", status
 
 
+def control(path, body=b""):
+    request = urllib.request.Request(origin + "/control/" + path, method="POST" if body else "GET", data=body or None)
+    return json.load(urllib.request.urlopen(request, context=trust))
+
+
+def verdict(identifier):
+    """The status, and what the log says."""
+    while (status := call(f"/submissions/{identifier}")[1]["data"]["attributes"]["status"]) == "In Progress":
+        time.sleep(0.02)
+    address = call(f"/submissions/{identifier}/logs")[1]["data"]["attributes"]["developerLogUrl"]
+    return status, [issue["message"] for issue in json.load(urllib.request.urlopen(address, context=trust))["issues"]]
+
+
+def aLatePut():
+    """What comes when the review has begun changes nothing of the verdict."""
+    data = b"PK\3\4" + os.urandom(40000)
+    identifier, place = begin(data, "twice.zip")
+    control("faults", json.dumps([{"fault": "slow-read", "value": 20000, "path": "^/s3/", "count": 1}]).encode())
+    late = []
+
+    def put():
+        try:
+            storage(place).put_object(Bucket=place["bucket"], Key=place["object"], Body=data)
+        except ClientError as error:
+            late.append(error.response["Error"]["Code"])
+
+    slow = threading.Thread(target=put)
+    slow.start()
+    while not any(identifier in asked["path"] for asked in control("requests")):
+        time.sleep(0.02)
+    put()
+    first = verdict(identifier)
+    slow.join()
+    assert late in ([], ["AccessDenied"]), late  # none if the slow one came before the question
+    time.sleep(0.2)
+    assert verdict(identifier) == first, (first, verdict(identifier))
+
+
 def webhook():
     from cryptography import x509
     from cryptography.hazmat.primitives import hashes
@@ -164,6 +202,6 @@ def webhook():
     server.shutdown()
 
 
-for partner in (tokens, uploads, multipart, underTheBucketsOwnHost, webhook):
+for partner in (tokens, uploads, multipart, underTheBucketsOwnHost, aLatePut, webhook):
     partner()
 print("all agreed")

@@ -9,8 +9,10 @@ sealwright_test(tst_notary
     notaryservicetest.cpp
     notarywaystest.cpp
     notaryusetest.cpp
+    submissionstest.cpp
+    ${PROJECT_SOURCE_DIR}/toolchain/notaryd/submissions.cpp ${PROJECT_SOURCE_DIR}/toolchain/notaryd/submissions.h
     ticketfaultstest.cpp)
-target_link_libraries(tst_notary PRIVATE Qt6::Core slw_propertylist tool_notaryclient)
+target_link_libraries(tst_notary PRIVATE Qt6::Core slw_propertylist tool_notary tool_notaryclient tool_state)
 target_compile_definitions(tst_notary PRIVATE TOOLCHAIN_ROOT="${SEALWRIGHT_TOOLCHAIN}"
     PARTNERS_SCRIPT="${CMAKE_CURRENT_SOURCE_DIR}/notarypartners.py"
     SECRETS_SCRIPT="${CMAKE_CURRENT_SOURCE_DIR}/notarysecrets.py"

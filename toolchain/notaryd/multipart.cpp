@@ -70,6 +70,11 @@ bool MultipartUpload::isCompleted() const
     return m_isIdentifier && QFileInfo::exists(m_folder + u"/completed"_s);
 }
 
+QString MultipartUpload::wholePath() const
+{
+    return m_folder + u"/whole"_s;
+}
+
 QString MultipartUpload::partPath(const Part &part) const
 {
     return u"%1/%2-%3"_s.arg(m_folder, QString::number(part.number).rightJustified(5, u'0'),
@@ -113,7 +118,7 @@ QString MultipartUpload::objectionTo(const QList<Part> &wanted) const
 }
 
 /// The first part's file grows by the others, each of which is gone as soon as it has been added.
-bool MultipartUpload::join(const QList<Part> &wanted, const QString &object) const
+bool MultipartUpload::join(const QList<Part> &wanted) const
 {
     const QByteArray whole = QFile::encodeName(partPath(wanted.first()));
     const int target = open(whole.constData(), O_WRONLY | O_CLOEXEC);
@@ -124,10 +129,10 @@ bool MultipartUpload::join(const QList<Part> &wanted, const QString &object) con
     }
     if (target >= 0)
         close(target);
-    return isWhole && std::rename(whole.constData(), QFile::encodeName(object).constData()) == 0;
+    return isWhole && std::rename(whole.constData(), QFile::encodeName(wholePath()).constData()) == 0;
 }
 
-QString MultipartUpload::complete(const QByteArray &list, const QString &object) const
+QString MultipartUpload::complete(const QByteArray &list) const
 {
     const auto wanted = partsIn(list);
     if (!wanted)
@@ -136,7 +141,7 @@ QString MultipartUpload::complete(const QByteArray &list, const QString &object)
     if (!objection.isEmpty())
         return objection;
     QFile mark(m_folder + u"/completed"_s);
-    return join(*wanted, object) && mark.open(QIODevice::WriteOnly) ? QString() : u"InternalError"_s;
+    return join(*wanted) && mark.open(QIODevice::WriteOnly) ? QString() : u"InternalError"_s;
 }
 
 void MultipartUpload::abort() const

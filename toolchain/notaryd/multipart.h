@@ -25,14 +25,16 @@ public:
     [[nodiscard]] bool keepPart(const QByteArray &number, const QString &file, const QByteArray &etag) const;
     [[nodiscard]] QList<Part> parts() const; ///< by number
 
-    /// Makes one object of the parts that the list names. Answers the storage's error code, or an empty text.
-    [[nodiscard]] QString complete(const QByteArray &list, const QString &object) const;
+    /// Makes one file of the parts that the list names, at `wholePath()`. Answers the storage's error code,
+    /// or an empty text.
+    [[nodiscard]] QString complete(const QByteArray &list) const;
+    [[nodiscard]] QString wholePath() const;
     void abort() const;
 
 private:
     [[nodiscard]] QString partPath(const Part &part) const;
     [[nodiscard]] QString objectionTo(const QList<Part> &wanted) const;
-    [[nodiscard]] bool join(const QList<Part> &wanted, const QString &object) const;
+    [[nodiscard]] bool join(const QList<Part> &wanted) const;
 
     const QByteArray m_identifier;
     const bool m_isIdentifier;

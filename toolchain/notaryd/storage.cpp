@@ -102,12 +102,10 @@ private:
                     .keepPart(m_request.queryValue("partNumber"), m_file.fileName(), digest.left(32));
             return isKept ? done(etag) : storageError(u"InvalidArgument"_s);
         }
-        if (std::rename(QFile::encodeName(m_file.fileName()).constData(),
-                        QFile::encodeName(m_service.submissions().objectOf(m_session.id)).constData())
-            != 0)
-            return storageError(u"InternalError"_s);
-        const QString problem = m_service.submissions().received(m_session.id);
-        return problem.isEmpty() ? done(etag) : storageError(u"InternalError"_s, problem);
+        const auto refusal = m_service.submissions().place(m_session.id, m_file.fileName());
+        if (refusal)
+            m_file.remove();
+        return refusal ? storageError(refusal->code, refusal->reason) : done(etag);
     }
 
     static Response done(const QByteArray &etag)
@@ -189,7 +187,7 @@ private:
 
     Response complete(const UploadSession &session, MultipartUpload &upload, const QByteArray &body)
     {
-        const QString problem = upload.complete(body, m_service.submissions().objectOf(session.id));
+        const QString problem = upload.complete(body);
         if (!problem.isEmpty())
             return storageError(problem);
         return kept(session, upload);
@@ -197,8 +195,8 @@ private:
 
     Response kept(const UploadSession &session, const MultipartUpload &upload)
     {
-        const QString problem = m_service.submissions().received(session.id);
-        return problem.isEmpty() ? completed(session, upload) : storageError(u"InternalError"_s, problem);
+        const auto refusal = m_service.submissions().place(session.id, upload.wholePath());
+        return refusal ? storageError(refusal->code, refusal->reason) : completed(session, upload);
     }
 
     static Response completed(const UploadSession &session, const MultipartUpload &upload)

@@ -4,6 +4,8 @@
 #include <QRandomGenerator>
 #include <QUuid>
 
+#include <cstdio>
+
 #include "formats/notary/waits.h"
 #include "formats/statefolder.h"
 
@@ -125,21 +127,36 @@ bool Submissions::isOpen(const QString &id)
     return request && request->phase != Phase::Reviewed;
 }
 
-QString Submissions::received(const QString &id)
+std::optional<Submissions::Refusal> Submissions::moveToObject(const NotaryRequest &request,
+                                                              const QString &file) const
+{
+    if (request.phase == Phase::Reviewed || m_underReview == request.uuid)
+        return Refusal{u"AccessDenied"_s, u"The object is under review"_s};
+    const QString object = objectOf(request.uuid);
+    const bool isThere = QFile::exists(file)
+        ? std::rename(QFile::encodeName(file).constData(), QFile::encodeName(object).constData()) == 0
+        : QFile::exists(object); // placed before, and the reply was lost
+    return isThere ? std::nullopt : std::optional(Refusal{u"InternalError"_s, u"The object has gone"_s});
+}
+
+std::optional<Submissions::Refusal> Submissions::place(const QString &id, const QString &file)
 {
     {
         const std::scoped_lock lock(m_mutex, m_stateMutex);
         NotaryLookup lookup = m_state.find(id);
         if (!lookup.request)
-            return lookup.error.isEmpty() ? u"there is no such submission"_s : lookup.error;
+            return Refusal{u"InternalError"_s,
+                           lookup.error.isEmpty() ? u"There is no such submission"_s : lookup.error};
+        if (const auto refusal = moveToObject(*lookup.request, file))
+            return refusal;
         lookup.request->phase = Phase::Uploaded;
         const QString problem = m_state.store(*lookup.request);
         if (!problem.isEmpty())
-            return problem;
+            return Refusal{u"InternalError"_s, problem};
         m_waiting.insert(id, Clock::now() + toolchain::notary::scaled(reviewPause));
     }
     m_changed.notify_all();
-    return {};
+    return std::nullopt;
 }
 
 std::optional<NotaryRequest> Submissions::ask(const QString &id)

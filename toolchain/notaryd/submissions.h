@@ -46,9 +46,14 @@ public:
 
     /// Whether bytes may (still) be put at the submission's object.
     [[nodiscard]] bool isOpen(const QString &id);
-    /// The object is whole. Its review begins with the first question for it, or a while later. Answers why
-    /// that cannot be written down, or an empty text.
-    [[nodiscard]] QString received(const QString &id);
+    /// Why a file cannot become a submission's object.
+    struct Refusal {
+        QString code; ///< of the storage's errors
+        QString reason;
+    };
+    /// Moves a whole file to where the submission's object lies, unless that is being reviewed or has been.
+    /// The review begins with the first question for it, or a while later. The same file may be placed again.
+    [[nodiscard]] std::optional<Refusal> place(const QString &id, const QString &file);
 
     /// Counts a question.
     [[nodiscard]] std::optional<NotaryRequest> ask(const QString &id);
@@ -71,6 +76,8 @@ private:
 
     void work();
     void resume();
+    [[nodiscard]] std::optional<Refusal> moveToObject(const NotaryRequest &request,
+                                                      const QString &file) const;
     [[nodiscard]] QString nextDue(std::unique_lock<std::mutex> &lock);
     /// False if the verdict cannot be kept.
     [[nodiscard]] bool review(const QString &id);
