@@ -868,6 +868,30 @@ Sealwright wird jetzt beendet.</translation>
         <source>none</source>
         <translation>keine</translation>
     </message>
+    <message>
+        <source>Compare…</source>
+        <translation>Vergleichen …</translation>
+    </message>
+    <message>
+        <source>Show in Folder</source>
+        <translation>Im Ordner zeigen</translation>
+    </message>
+    <message>
+        <source>Choose the folder of an earlier run, or an item</source>
+        <translation>Wählen Sie den Ordner eines früheren Laufs oder ein Objekt aus</translation>
+    </message>
+    <message>
+        <source>Comparing…</source>
+        <translation>Es wird verglichen …</translation>
+    </message>
+    <message>
+        <source>Nothing has changed since %1.</source>
+        <translation>Seit %1 hat sich nichts geändert.</translation>
+    </message>
+    <message>
+        <source>What has changed since %1 stands first.</source>
+        <translation>Was sich seit %1 geändert hat, steht am Anfang.</translation>
+    </message>
 </context>
 <context>
     <name>sealwright::FindBar</name>
@@ -1049,6 +1073,14 @@ Sealwright wird jetzt beendet.</translation>
     <message>
         <source>Copy</source>
         <translation>Kopieren</translation>
+    </message>
+    <message>
+        <source>Copies the selected rows, or all of them</source>
+        <translation>Kopiert die ausgewählten Zeilen, sonst alle</translation>
+    </message>
+    <message>
+        <source>Open Link</source>
+        <translation>Verweis öffnen</translation>
     </message>
 </context>
 <context>
@@ -1949,6 +1981,54 @@ Sealwright wird jetzt beendet.</translation>
     <message>
         <source>%1 still wait for Apple&apos;s verdict.</source>
         <translation>%1 warten noch auf Apples Ergebnis.</translation>
+    </message>
+    <message>
+        <source>added</source>
+        <translation>hinzugekommen</translation>
+    </message>
+    <message>
+        <source>removed</source>
+        <translation>entfallen</translation>
+    </message>
+    <message>
+        <source>architectures</source>
+        <translation>Architekturen</translation>
+    </message>
+    <message>
+        <source>entitlements</source>
+        <translation>Entitlements</translation>
+    </message>
+    <message>
+        <source>oldest system</source>
+        <translation>ältestes System</translation>
+    </message>
+    <message>
+        <source>SDK</source>
+        <translation>SDK</translation>
+    </message>
+    <message>
+        <source>identifier</source>
+        <translation>Kennung</translation>
+    </message>
+    <message>
+        <source>version</source>
+        <translation>Version</translation>
+    </message>
+    <message>
+        <source>signature</source>
+        <translation>Signatur</translation>
+    </message>
+    <message>
+        <source>size in bytes</source>
+        <translation>Größe in Bytes</translation>
+    </message>
+    <message>
+        <source>none</source>
+        <translation>keine</translation>
+    </message>
+    <message>
+        <source>Changes since %1</source>
+        <translation>Änderungen seit %1</translation>
     </message>
 </context>
 <context>

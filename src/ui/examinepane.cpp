@@ -6,18 +6,23 @@
 #include "platform/fileservice.h"
 #include "platform/itempath.h"
 #include "platform/mainqueue.h"
+#include "platform/window.h"
 #include "platform/workerqueue.h"
 #include "platform/workspace.h"
 #include "scripting/examining.h"
+#include "ui/differenceentries.h"
 #include "ui/named.h"
 
+#include <QAction>
 #include <QBoxLayout>
+#include <QHash>
 #include <QHeaderView>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPointer>
+#include <QPushButton>
 #include <QTreeWidget>
 
 #include <algorithm>
@@ -29,7 +34,6 @@ namespace sealwright {
 namespace {
 
 constexpr int pathRole = Qt::UserRole; ///< of an entry, from the item
-constexpr int isBundleRole = Qt::UserRole + 1;
 constexpr int patience = 300; ///< milliseconds that further changes have to come
 
 QString textOf(const QJsonObject &object, QLatin1StringView key)
@@ -54,13 +58,15 @@ QTreeWidgetItem *entryFor(const QString &path, const QString &shown, const QStri
     return entry;
 }
 
-QTreeWidgetItem *findingEntry(const QJsonObject &finding)
+/// `item` is the name that the item itself is shown by.
+QTreeWidgetItem *findingEntry(const QJsonObject &finding, const QString &item)
 {
     const QString architecture = textOf(finding, "architecture"_L1);
     const QString message = textOf(finding, "message"_L1);
     const QString where = textOf(finding, "path"_L1);
+    const QString shown = where == "."_L1 ? item : where;
     auto *const entry =
-        entryFor(where, architecture.isEmpty() ? where : u"%1 (%2)"_s.arg(where, architecture),
+        entryFor(where, architecture.isEmpty() ? shown : u"%1 (%2)"_s.arg(shown, architecture),
                  u"%1: %2"_s.arg(textOf(finding, "severity"_L1), message));
     entry->setToolTip(1, message + u'\n' + textOf(finding, "advice"_L1));
     auto *const advice = entryFor(where, textOf(finding, "rule"_L1), textOf(finding, "advice"_L1));
@@ -86,6 +92,17 @@ bool isFolded(const QString &kind)
     return kind == "app"_L1 || kind == "bundle"_L1 || kind == "framework"_L1 || kind == "archive"_L1;
 }
 
+/// The innermost bundle that holds the path; null if there is none but the item itself. Entries come in the
+/// order of their paths.
+QTreeWidgetItem *bundleAbove(const QString &path, const QHash<QString, QTreeWidgetItem *> &bundles)
+{
+    for (auto end = path.lastIndexOf(u'/'); end > 0; end = path.lastIndexOf(u'/', end - 1)) {
+        if (QTreeWidgetItem *const bundle = bundles.value(path.first(end)))
+            return bundle;
+    }
+    return nullptr;
+}
+
 /// Whether the entry or one below it has the text; those that have it not are hidden.
 bool showMatches(QTreeWidgetItem &entry, const QString &text)
 {
@@ -104,7 +121,9 @@ ExaminePane::ExaminePane(MainWinController &document, QWidget *parent)
     , m_document(document)
     , m_summary(named(new QLabel(this), u"examineSummary"_s, tr("Examination")))
     , m_search(named(new QLineEdit(this), u"examineSearch"_s, tr("Search the examination")))
+    , m_compare(named(new QPushButton(tr("Compare…"), this), u"examineCompare"_s, tr("Compare…")))
     , m_tree(named(new QTreeWidget(this), u"examineTree"_s, tr("Findings and code")))
+    , m_detail(named(new QLabel(this), u"examineDetail"_s, tr("What is found")))
 {
     m_summary->setTextFormat(Qt::PlainText);
     m_summary->setWordWrap(true);
@@ -113,13 +132,34 @@ ExaminePane::ExaminePane(MainWinController &document, QWidget *parent)
     m_tree->setColumnCount(2);
     m_tree->setHeaderLabels({tr("Item"), tr("What is found")});
     m_tree->setUniformRowHeights(true);
-    m_tree->header()->setStretchLastSection(true);
+    m_tree->header()->setSectionResizeMode(QHeaderView::Stretch);
+    m_tree->setTextElideMode(Qt::ElideMiddle);
+    m_detail->setTextFormat(Qt::PlainText);
+    m_detail->setWordWrap(true);
+    m_detail->setTextInteractionFlags(Qt::TextSelectableByMouse);
     auto *const rows = new QVBoxLayout(this);
     rows->addWidget(m_summary);
-    rows->addWidget(m_search);
+    auto *const head = new QHBoxLayout;
+    head->addWidget(m_search, 1);
+    head->addWidget(m_compare);
+    rows->addLayout(head);
     rows->addWidget(m_tree, 1);
+    rows->addWidget(m_detail);
+    connect(m_tree, &QTreeWidget::currentItemChanged, this, &ExaminePane::showDetail);
+    showDetail(nullptr);
     connect(m_search, &QLineEdit::textChanged, this, &ExaminePane::filter);
-    connect(m_tree, &QTreeWidget::itemActivated, this, &ExaminePane::reveal);
+    connect(m_compare, &QPushButton::clicked, this, &ExaminePane::askForOlder);
+    connect(m_tree, &QTreeWidget::itemClicked, this, &ExaminePane::reveal);
+    auto *const show = new QAction(tr("Show in Folder"), m_tree);
+    show->setShortcuts({Qt::Key_Return, Qt::Key_Enter});
+    show->setShortcutContext(Qt::WidgetShortcut);
+    connect(show, &QAction::triggered, this, [this] {
+        if (QTreeWidgetItem *const entry = m_tree->currentItem())
+            reveal(entry);
+    });
+    m_tree->addAction(show);
+    m_tree->setContextMenuPolicy(Qt::ActionsContextMenu);
+    m_compare->setEnabled(false);
     m_soon.setSingleShot(true);
     m_soon.setInterval(patience);
     connect(&m_soon, &QTimer::timeout, this, &ExaminePane::look);
@@ -155,16 +195,17 @@ void ExaminePane::look()
     application.host().workers.post([pane = QPointer(this), &application, item = m_item, number = ++m_looks,
                                      choices = examining::choicesOf(m_document)] {
         const auto look = examining::examineItem(application, item, choices);
-        application.host().mainQueue.post([pane, number, look] {
+        const QJsonObject examination = QJsonDocument::fromJson(look.json).object();
+        application.host().mainQueue.post([pane, number, examination, error = look.error] {
             if (pane && pane->m_looks == number) // a later look has more to say
-                pane->take(look.json, look.error);
+                pane->take(examination, error);
         });
     });
 }
 
-void ExaminePane::take(const QByteArray &json, const QString &error)
+void ExaminePane::take(const QJsonObject &examination, const QString &error)
 {
-    setExamination(QJsonDocument::fromJson(json).object());
+    setExamination(examination);
     if (!error.isEmpty())
         m_summary->setText(error);
 }
@@ -172,15 +213,61 @@ void ExaminePane::take(const QByteArray &json, const QString &error)
 void ExaminePane::setExamination(const QJsonObject &examination)
 {
     m_tree->clear();
+    showDetail(nullptr);
+    m_compare->setEnabled(!examination.isEmpty());
     if (examination.isEmpty())
         return m_summary->setText(tr("Choose or drop an item to see what would be refused."));
     m_item = textOf(examination, "item"_L1);
     addFindings(examination);
     addCode(examination);
-    m_tree->resizeColumnToContents(0);
     m_summary->setText(examination.value("refused"_L1).toBool()
                            ? tr("The item would be refused.")
                            : tr("Nothing was found that would be refused."));
+    if (!m_search->text().isEmpty())
+        filter(m_search->text());
+}
+
+void ExaminePane::askForOlder()
+{
+    m_document.window().beginOpenPanel(
+        {.message = tr("Choose the folder of an earlier run, or an item"),
+         .allowedFileTypes = {u"app"_s, u"plugin"_s, u"fmplugin"_s, u"pkg"_s, u"dmg"_s},
+         .canChooseFiles = true,
+         .canChooseDirectories = true,
+         .shouldEnable = {}},
+        [pane = QPointer(this)](const QUrl &url) {
+            if (pane && !url.isEmpty())
+                pane->compareWith(itempath::fromUrl(url));
+        });
+}
+
+void ExaminePane::compareWith(const QString &old)
+{
+    const auto &application = m_document.appDelegate();
+    m_summary->setText(tr("Comparing…"));
+    application.host().workers.post([pane = QPointer(this), &application, old, item = m_item] {
+        const auto look = examining::run(application, {u"--compare"_s, u"--"_s, old, item});
+        const QJsonObject answer = QJsonDocument::fromJson(look.json).object();
+        application.host().mainQueue.post([pane, old, item, answer, error = look.error] {
+            if (pane && pane->m_item == item) // another item has other differences
+                pane->takeComparison(old, answer, error);
+        });
+    });
+}
+
+void ExaminePane::takeComparison(const QString &old, const QJsonObject &answer, const QString &error)
+{
+    if (!error.isEmpty())
+        return m_summary->setText(error);
+    setDifferences(itempath::lastComponent(old), answer.value("differences"_L1).toArray());
+}
+
+void ExaminePane::setDifferences(const QString &old, const QJsonArray &differences)
+{
+    showDifferences(*m_tree, {old, itempath::lastComponent(m_item)}, differences);
+    m_summary->setText(differences.isEmpty() ? tr("Nothing has changed since %1.").arg(old)
+                                             : tr("What has changed since %1 stands first.").arg(old));
+    m_tree->scrollToTop();
     filter(m_search->text());
 }
 
@@ -188,60 +275,52 @@ void ExaminePane::addFindings(const QJsonObject &examination)
 {
     const QJsonArray findings = examination.value("findings"_L1).toArray();
     auto *const group = new QTreeWidgetItem(
-        m_tree, {tr("Findings"), findings.isEmpty() ? tr("none") : QString::number(findings.size())});
+        {tr("Findings"), findings.isEmpty() ? tr("none") : QString::number(findings.size())});
     // What would be refused comes before what is only worth a thought.
     for (const QString &severity : {u"error"_s, u"warning"_s}) {
         for (const auto &finding : findings) {
             if (textOf(finding.toObject(), "severity"_L1) == severity)
-                group->addChild(findingEntry(finding.toObject()));
+                group->addChild(findingEntry(finding.toObject(), itempath::lastComponent(m_item)));
         }
     }
+    m_tree->addTopLevelItem(group);
     group->setExpanded(true);
 }
 
 void ExaminePane::addCode(const QJsonObject &examination)
 {
+    QHash<QString, QTreeWidgetItem *> bundles; // by their paths
+    QList<QTreeWidgetItem *> outermost;
     for (const auto &value : examination.value("code"_L1).toArray()) {
         const QJsonObject code = value.toObject();
         const QString path = textOf(code, "path"_L1);
         const QString shown = path == "."_L1 ? itempath::lastComponent(m_item) : path;
         auto *const entry = entryFor(path, shown, detailOf(code));
-        entry->setData(0, isBundleRole, isFolded(textOf(code, "kind"_L1)));
-        if (QTreeWidgetItem *const bundle = bundleAbove(path)) {
+        if (QTreeWidgetItem *const bundle = bundleAbove(path, bundles)) {
             entry->setText(0, path.mid(bundle->data(0, pathRole).toString().size() + 1));
             bundle->addChild(entry);
         } else {
-            m_tree->addTopLevelItem(entry);
+            outermost.append(entry);
         }
-        if (path == "."_L1)
-            entry->setExpanded(true);
+        if (isFolded(textOf(code, "kind"_L1)))
+            bundles.insert(path, entry);
     }
-}
-
-/// The innermost entry that is there already and holds the path; entries come in the order of their paths.
-QTreeWidgetItem *ExaminePane::bundleAbove(const QString &path) const
-{
-    QTreeWidgetItem *found = nullptr;
-    for (int i = m_tree->topLevelItemCount() - 1; i > 0 && !found; --i) {
-        QTreeWidgetItem *const top = m_tree->topLevelItem(i);
-        const QString above = top->data(0, pathRole).toString();
-        if (above != "."_L1 && top->data(0, isBundleRole).toBool() && path.startsWith(above + u'/'))
-            found = top;
-    }
-    while (found && found->childCount() > 0) {
-        QTreeWidgetItem *const last = found->child(found->childCount() - 1);
-        const QString above = last->data(0, pathRole).toString();
-        if (!last->data(0, isBundleRole).toBool() || !path.startsWith(above + u'/'))
-            break;
-        found = last;
-    }
-    return found;
+    m_tree->addTopLevelItems(outermost);
 }
 
 void ExaminePane::filter(const QString &text)
 {
     for (int i = 0; i < m_tree->topLevelItemCount(); ++i)
         showMatches(*m_tree->topLevelItem(i), text);
+}
+
+/// The whole of what an entry tells, for which a column may have no room.
+void ExaminePane::showDetail(const QTreeWidgetItem *entry)
+{
+    const QStringList told{entry ? entry->toolTip(0) : QString(), entry ? entry->toolTip(1) : QString()};
+    const QString text = told.join(u'\n').trimmed();
+    m_detail->setText(text);
+    m_detail->setVisible(!text.isEmpty());
 }
 
 /// What lies in an archive is shown by its archive.

@@ -1,6 +1,7 @@
 #include "ui/issuetable.h"
 
 #include "document/mainwincontroller.h"
+#include "platform/workspace.h"
 #include "ui/named.h"
 
 #include <QAction>
@@ -11,7 +12,12 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QPushButton>
 #include <QTableWidget>
+#include <QUrl>
+
+#include <algorithm>
+#include <numeric>
 
 using namespace Qt::StringLiterals;
 
@@ -34,6 +40,27 @@ const QList<Column> &columns()
     return all;
 }
 
+int linkColumn()
+{
+    return int(columns().size()) - 1;
+}
+
+bool isWebPage(const QUrl &url)
+{
+    return url.scheme() == "https"_L1 || url.scheme() == "http"_L1;
+}
+
+/// A link looks like one.
+void dress(QTableWidgetItem &cell, const QPalette &palette)
+{
+    if (cell.column() != linkColumn() || !isWebPage(QUrl(cell.text())))
+        return;
+    QFont font = cell.font();
+    font.setUnderline(true);
+    cell.setFont(font);
+    cell.setForeground(palette.link());
+}
+
 QStringList headings()
 {
     QStringList texts;
@@ -48,6 +75,7 @@ IssueTable::IssueTable(MainWinController &document, QWidget *parent)
     : QWidget(parent)
     , m_document(document)
     , m_table(named(new QTableWidget(this), u"issueTable"_s, tr("What the service said")))
+    , m_copy(named(new QPushButton(tr("Copy"), this), u"copyIssues"_s, tr("Copy")))
 {
     m_table->setColumnCount(int(columns().size()));
     m_table->setHorizontalHeaderLabels(headings());
@@ -56,16 +84,43 @@ IssueTable::IssueTable(MainWinController &document, QWidget *parent)
     m_table->setSelectionBehavior(QAbstractItemView::SelectRows);
     m_table->setEditTriggers(QAbstractItemView::NoEditTriggers);
     m_table->setTabKeyNavigation(false);
-    auto *const copy = new QAction(tr("Copy"), m_table);
-    copy->setShortcut(QKeySequence::Copy);
-    copy->setShortcutContext(Qt::WidgetShortcut);
-    connect(copy, &QAction::triggered, this, &IssueTable::copySelection);
-    m_table->addAction(copy);
+    m_table->horizontalHeader()->setSortIndicator(0, Qt::AscendingOrder); // errors before warnings
+    addAction(tr("Copy"), {QKeySequence::Copy}, &IssueTable::copyRows);
+    addAction(tr("Open Link"), {Qt::Key_Return, Qt::Key_Enter}, &IssueTable::openLinkOfRow);
     m_table->setContextMenuPolicy(Qt::ActionsContextMenu);
+    m_copy->setToolTip(tr("Copies the selected rows, or all of them"));
     auto *const rows = new QVBoxLayout(this);
-    rows->addWidget(m_table);
+    rows->addWidget(m_table, 1);
+    rows->addWidget(m_copy, 0, Qt::AlignRight);
     connect(&document.serviceIssues, &Observable::changed, this, &IssueTable::showIssues);
+    connect(m_table, &QTableWidget::itemClicked, this, &IssueTable::openLink);
+    connect(m_copy, &QPushButton::clicked, this, &IssueTable::copyRows);
     showIssues();
+}
+
+void IssueTable::addAction(const QString &text, const QList<QKeySequence> &keys, void (IssueTable::*method)())
+{
+    auto *const action = new QAction(text, m_table);
+    action->setShortcuts(keys);
+    action->setShortcutContext(Qt::WidgetShortcut);
+    connect(action, &QAction::triggered, this, method);
+    m_table->addAction(action);
+}
+
+/// A click elsewhere in the row opens nothing.
+void IssueTable::openLink(const QTableWidgetItem *cell)
+{
+    if (cell->column() != linkColumn())
+        return;
+    const QUrl url(cell->text());
+    if (isWebPage(url))
+        m_document.host().workspace.openUrl(url);
+}
+
+void IssueTable::openLinkOfRow()
+{
+    if (m_table->currentRow() >= 0)
+        openLink(m_table->item(m_table->currentRow(), linkColumn()));
 }
 
 void IssueTable::showIssues()
@@ -80,19 +135,35 @@ void IssueTable::showIssues()
             auto *const cell = new QTableWidgetItem(text);
             cell->setToolTip(text);
             m_table->setItem(row, column, cell);
+            dress(*cell, palette());
         }
     }
     m_table->setSortingEnabled(true);
     m_table->resizeColumnsToContents();
+    m_copy->setEnabled(m_table->rowCount() > 0);
 }
 
-void IssueTable::copySelection() const
+/// Those that are selected, or all; from top to bottom.
+QList<int> IssueTable::rowsToCopy() const
+{
+    QList<int> rows;
+    for (const QModelIndex &index : m_table->selectionModel()->selectedRows())
+        rows.append(index.row());
+    if (rows.isEmpty()) {
+        rows.resize(m_table->rowCount());
+        std::iota(rows.begin(), rows.end(), 0);
+    }
+    std::sort(rows.begin(), rows.end());
+    return rows;
+}
+
+void IssueTable::copyRows()
 {
     QStringList lines;
-    for (const QModelIndex &row : m_table->selectionModel()->selectedRows()) {
+    for (const int row : rowsToCopy()) {
         QStringList cells;
         for (int column = 0; column < m_table->columnCount(); ++column)
-            cells.append(m_table->item(row.row(), column)->text());
+            cells.append(m_table->item(row, column)->text());
         lines.append(cells.join(u'\t'));
     }
     QGuiApplication::clipboard()->setText(lines.join(u'\n'));

@@ -5,6 +5,7 @@
 #include "run/waitrecords.h"
 #include "support/items.h"
 #include "ui/outcomebanner.h"
+#include "ui/panelchoice.h"
 #include "windowtest.h"
 
 #include <QDragEnterEvent>
@@ -142,4 +143,51 @@ TEST_F(WaitingBannerTest, aCancelledWaitCanBeGoneOnWithInItsWindow)
     EXPECT_FALSE(part<QPushButton>(u"outcomeGoOnWaiting"_s).isVisible());
     host.firePolls();
     EXPECT_TRUE(isFinished(u"Foo"_s));
+}
+
+// File > Go On Waiting…
+
+TEST_F(WaitingBannerTest, thePanelOfTheMenuTakesTheFolder)
+{
+    leaveWait(u"Foo"_s);
+    document().perform(Action::doGoOnWaiting);
+    EXPECT_EQ(document().statusString(), u"interacting"_s);
+    chooseInPanel(page(), host.item(QString()), u"Foo - Submitted"_s);
+    until([this] { return document().statusString() == u"waiting"_s; });
+    host.settle();
+    host.firePolls();
+    EXPECT_TRUE(isFinished(u"Foo"_s));
+}
+
+TEST_F(WaitingBannerTest, thePanelOfTheMenuTakesTheIdentifierInTheFolder)
+{
+    leaveWait(u"Foo"_s);
+    document().perform(Action::doGoOnWaiting);
+    chooseInPanel(page(), host.item(u"Foo - Submitted"_s), u"RequestUUID.txt"_s);
+    until([this] { return document().statusString() == u"waiting"_s; });
+    host.settle();
+    host.firePolls();
+    EXPECT_TRUE(isFinished(u"Foo"_s));
+}
+
+TEST_F(WaitingBannerTest, thePanelOfTheMenuSaysWhatAnotherFolderLacks)
+{
+    items::makeFolder(host.item(u"Plain"_s));
+    document().perform(Action::doGoOnWaiting);
+    chooseInPanel(page(), host.item(QString()), u"Plain"_s);
+    EXPECT_EQ(awaitSheet().text(), u"Cannot Go On Waiting"_s);
+    EXPECT_TRUE(host.log(LogStyle::error).last().contains(u"is no folder that an upload has left"_s));
+    answer(u"OK"_s);
+    EXPECT_EQ(document().statusString(), u"ready"_s);
+    EXPECT_FALSE(document().isBusy());
+}
+
+TEST_F(WaitingBannerTest, thePanelOfTheMenuChangesNothingWhenItIsCancelled)
+{
+    document().perform(Action::doGoOnWaiting);
+    until([this] { return page().findChild<ItemPanel *>() != nullptr; });
+    page().findChild<ItemPanel *>()->reject();
+    until([this] { return document().statusString() == u"ready"_s; });
+    EXPECT_FALSE(document().isBusy());
+    EXPECT_TRUE(host.tools.calls().isEmpty());
 }
