@@ -1,6 +1,7 @@
 // The window's log under a flood of lines.
 
 #include "rows.h"
+#include "stall.h"
 #include "support/testhost.h"
 
 #include "platform/qt/qtmainqueue.h"
@@ -13,7 +14,6 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QTableView>
-#include <QTimer>
 
 using namespace Qt::StringLiterals;
 
@@ -22,24 +22,6 @@ namespace {
 constexpr int manyLines = 100'000;
 constexpr int fewLines = 25'000;
 constexpr double millisecondsInSecond = 1000;
-
-/// The longest time that a person would have had to wait for the event loop.
-class Stall {
-public:
-    Stall()
-    {
-        QObject::connect(&m_timer, &QTimer::timeout,
-                         [this] { m_longest = qMax(m_longest, m_clock.restart()); });
-        m_clock.start();
-        m_timer.start(0);
-    }
-    qint64 milliseconds() const { return m_longest; }
-
-private:
-    QTimer m_timer;
-    QElapsedTimer m_clock;
-    qint64 m_longest = 0;
-};
 
 struct Flood {
     double seconds;

@@ -3,8 +3,6 @@
 #include <QFile>
 #include <QFileInfo>
 
-#include <algorithm>
-
 namespace sealwright {
 
 namespace signing = toolchain::codesignature;
@@ -20,15 +18,13 @@ ReadBundle readBundle(const QString &path)
     if (!read.bundle)
         return read;
     const seal::SealedFolder folder = sealedFolder(*read.bundle);
+    static const seal::RuleSet none = *seal::RuleSet::fromRules({});
     auto scanned =
-        seal::scanFolder(folder, seal::firstRules(folder.layout), seal::secondRules(folder.layout));
-    if (!scanned) {
+        seal::scanFolder(folder, none, seal::secondRules(folder.layout), seal::Keep::nestedCodeAndLinks);
+    if (scanned)
+        read.items = *std::move(scanned);
+    else
         read.scanError = scanned.error();
-        return read;
-    }
-    std::copy_if(std::make_move_iterator(scanned->begin()), std::make_move_iterator(scanned->end()),
-                 std::back_inserter(read.items),
-                 [](const seal::ScannedItem &item) { return item.kind != seal::ItemKind::File; });
     return read;
 }
 

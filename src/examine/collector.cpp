@@ -89,9 +89,10 @@ QString folded(const QString &name)
 
 } // namespace
 
-Collector::Collector(Examination &examination, const platform::FileService &files)
+Collector::Collector(Examination &examination, const platform::FileService &files, Sizes sizes)
     : m_examination(examination)
     , m_files(files)
+    , m_sizes(sizes)
     , m_ownDepth(examination.kind == ItemKind::package || examination.kind == ItemKind::diskImage ? 1 : 0)
 {
 }
@@ -177,7 +178,7 @@ void Collector::script(const WalkFile &file)
     take(file);
     constexpr mode_t executable = 0111;
     const bool isMain = m_byExecutable.contains(file.place.path);
-    if (isMain || (file.mode & executable) == 0 || file.place.archiveDepth > m_ownDepth)
+    if (isMain || (file.mode() & executable) == 0 || file.place.archiveDepth > m_ownDepth)
         return;
     CodeEntry entry;
     entry.path = file.place.path;
@@ -194,8 +195,8 @@ void Collector::take(const WalkFile &file)
 {
     checkLength(file.place);
     checkAttributes(file);
-    if (!file.place.isInArchive())
-        m_examination.size += file.size;
+    if (m_sizes == Sizes::counted && !file.place.isInArchive())
+        m_examination.size += file.size();
 }
 
 void Collector::link(const WalkPlace &place, const QString &target)
@@ -229,6 +230,7 @@ void Collector::special(const WalkPlace &place)
 
 void Collector::unreadable(const WalkPlace &place, const QString &reason)
 {
+    m_examination.unread.append(place.path);
     find(rule::unreadable, Severity::error, place.path, reason);
 }
 
@@ -259,9 +261,11 @@ void Collector::tooDeep(const WalkFile &file)
 
 void Collector::damagedArchive(const WalkFile &file, const QString &reason)
 {
-    if (file.place.path == "."_L1)
-        find(rule::damagedCode, Severity::error, file.place.path,
-             u"The archive cannot be read: %1."_s.arg(reason));
+    if (file.place.path != "."_L1)
+        return; // it is packed with whatever it holds
+    m_examination.unread.append(file.place.path);
+    find(rule::damagedCode, Severity::error, file.place.path,
+         u"The archive cannot be read: %1."_s.arg(reason));
 }
 
 void Collector::checkNames(const WalkPlace &place, const QStringList &names)

@@ -12,7 +12,9 @@ namespace sealwright::examine {
 /// Collects the code of an item as a walk comes by it, and what the walk itself finds wrong.
 class Collector : public toolchain::review::WalkVisitor {
 public:
-    Collector(Examination &examination, const platform::FileService &files);
+    enum class Sizes { counted, leftOut };
+
+    Collector(Examination &examination, const platform::FileService &files, Sizes sizes);
 
     void folder(const toolchain::review::WalkPlace &place, const QStringList &names) override;
     void machO(const toolchain::review::WalkFile &file) override;
@@ -44,6 +46,7 @@ private:
     Examination &m_examination;
     const platform::FileService &m_files;
     const toolchain::TrustStore m_store = toolchain::TrustStore::ofThisMachine();
+    const Sizes m_sizes;
     const int m_ownDepth; ///< of archives: an image or a package is one itself
     QHash<QString, QString> m_folders; ///< of bundles in archives, by their executables; absolute
     QHash<QString, qsizetype> m_byExecutable; ///< entries of bundles by the paths of their executables

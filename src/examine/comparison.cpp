@@ -58,6 +58,17 @@ QMap<QString, QJsonValue> traits(const QJsonObject &entry, const CodeEntry &code
             {u"signature"_s, signature}};
 }
 
+/// Nobody knows whether what cannot be read is the same.
+Result<Examination> readWhole(const QString &item)
+{
+    auto examination = collectItem(item);
+    if (!examination || examination->unread.isEmpty())
+        return examination;
+    const QString place = examination->unread.first();
+    const QString path = place == "."_L1 ? examination->item : examination->item + u'/' + place;
+    return platform::Error{u"\"%1\" cannot be read."_s.arg(path)};
+}
+
 struct Side {
     QMap<QString, QMap<QString, QJsonValue>> traitsByPath;
     QMap<QString, QString> kinds;
@@ -88,10 +99,10 @@ void compareTraits(const QString &path, const QMap<QString, QJsonValue> &old,
 
 Result<QList<Difference>> compareItems(const QString &old, const QString &recent)
 {
-    const auto before = collectItem(itemAt(old));
+    const auto before = readWhole(itemAt(old));
     if (!before)
         return before.failure();
-    const auto after = collectItem(itemAt(recent));
+    const auto after = readWhole(itemAt(recent));
     if (!after)
         return after.failure();
     const Side left = sideOf(*before);

@@ -41,9 +41,10 @@ struct CodeEntry {
 struct Examination {
     QString item; ///< absolute
     ItemKind kind = ItemKind::folder;
-    qint64 size = 0; ///< of all regular files, in bytes
+    qint64 size = 0; ///< of all regular files, in bytes, where they are to be counted
     QList<CodeEntry> code;
     QList<Finding> findings;
+    QStringList unread; ///< paths from the item of what may not or cannot be read
 
     [[nodiscard]] bool isRefused() const;
 };

@@ -65,6 +65,17 @@ std::optional<SignatureFacts> ownSignature(const Examination &examination)
     return signature;
 }
 
+void tellOfNoArchive(Examination &examination)
+{
+    examination.unread.append(u"."_s);
+    examination.findings.append({rule::damagedCode,
+                                 Severity::error,
+                                 u"."_s,
+                                 {},
+                                 u"The archive cannot be read: it is no disk image and no package."_s,
+                                 rule::advice(rule::damagedCode)});
+}
+
 void addOwnSignature(Examination &examination)
 {
     const bool isFile = examination.kind == ItemKind::diskImage || examination.kind == ItemKind::package;
@@ -73,12 +84,7 @@ void addOwnSignature(Examination &examination)
     if (!examination.code.isEmpty() && examination.code.first().path == "."_L1)
         examination.code.first().ownSignature = ownSignature(examination);
     else if (examination.findings.isEmpty()) // by its contents it is no archive at all
-        examination.findings.append({rule::damagedCode,
-                                     Severity::error,
-                                     u"."_s,
-                                     {},
-                                     u"The archive cannot be read: it is no disk image and no package."_s,
-                                     rule::advice(rule::damagedCode)});
+        tellOfNoArchive(examination);
 }
 
 Result<Examination> begin(const QString &item)
@@ -111,7 +117,7 @@ Result<Examination> collectItem(const QString &item)
     if (!examination)
         return examination;
     const platform::PosixFileService files;
-    Collector collected(*examination, files);
+    Collector collected(*examination, files, Collector::Sizes::counted);
     collect(*examination, collected);
     return examination;
 }
@@ -127,7 +133,7 @@ Result<Examination> examineItem(const QString &item, const Choices &choices)
                                [item = examination->item, kind = examination->kind, &choices, &files] {
                                    return predict(item, kind, choices, files);
                                });
-    Collector collected(*examination, files);
+    Collector collected(*examination, files, Collector::Sizes::leftOut);
     collect(*examination, collected);
     const Prediction prediction = foretold.get();
     Judgement(*examination, prediction, choices, collected).run();

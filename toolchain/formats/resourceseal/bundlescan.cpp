@@ -3,6 +3,7 @@
 #include "support/openfile.h"
 
 #include <QFile>
+#include <QStringBuilder>
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -44,6 +45,12 @@ bool isText(QByteArrayView bytes)
         && !bytes.contains(QByteArrayView("\xef\xbf\xbe")) && !bytes.contains(QByteArrayView("\xef\xbf\xbf"));
 }
 
+/// What most names are: printable ASCII.
+bool isPlain(QByteArrayView bytes)
+{
+    return std::all_of(bytes.begin(), bytes.end(), [](char byte) { return byte >= 0x20 && byte < 0x7f; });
+}
+
 struct Name {
     QByteArray name;
     EntryType type;
@@ -51,11 +58,12 @@ struct Name {
 
 class Scanner {
 public:
-    Scanner(const SealedFolder &folder, const RuleSet &rules, const RuleSet &rules2)
+    Scanner(const SealedFolder &folder, const RuleSet &rules, const RuleSet &rules2, Keep keep)
         : m_folder(folder)
         , m_base(QFile::encodeName(folder.base))
         , m_rules(rules)
         , m_rules2(rules2)
+        , m_keep(keep)
     {
     }
 
@@ -81,7 +89,7 @@ private:
     {
         const std::vector<Name> names = namesIn(folder);
         for (const Name &name : names) {
-            const QByteArray path = folder.isEmpty() ? name.name : folder + '/' + name.name;
+            const QByteArray path = folder.isEmpty() ? name.name : QByteArray(folder % '/' % name.name);
             if (!m_error.isEmpty())
                 return;
             if (path == m_folder.executable || isOutsideOfSeals(path)
@@ -157,10 +165,8 @@ private:
 
     void take(const QByteArray &path, EntryType type)
     {
-        if (!path.isValidUtf8())
-            return fail(path, u"the name is not valid UTF-8"_s);
-        if (!isText(path))
-            return fail(path, u"the name holds characters that a property list cannot hold"_s);
+        if (!isPlain(path) && !checkCharacters(path))
+            return;
         ScannedItem item{path, ItemKind::File, Coverage::Omitted, coverage(m_rules2, path), {}};
         const bool isNested = item.second == Coverage::Nested && type != EntryType::Link;
         if (isNested)
@@ -173,9 +179,19 @@ private:
             return fail(path, u"neither a file, a folder nor a symbolic link"_s);
         if (type == EntryType::Link)
             readLink(item);
-        if (m_items.size() == std::size_t(mostItems))
+        if (++m_found > mostItems)
             return fail(path, u"the bundle has more than %1 files"_s.arg(mostItems));
-        m_items.push_back(std::move(item));
+        if (m_keep == Keep::everything || item.kind != ItemKind::File)
+            m_items.push_back(std::move(item));
+    }
+
+    bool checkCharacters(const QByteArray &path)
+    {
+        if (!path.isValidUtf8())
+            fail(path, u"the name is not valid UTF-8"_s);
+        else if (!isText(path))
+            fail(path, u"the name holds characters that a property list cannot hold"_s);
+        return m_error.isEmpty();
     }
 
     void readLink(ScannedItem &item)
@@ -195,7 +211,9 @@ private:
     const QByteArray m_base;
     const RuleSet &m_rules;
     const RuleSet &m_rules2;
+    const Keep m_keep;
     std::vector<ScannedItem> m_items;
+    qsizetype m_found = 0; ///< kept or not
     QString m_error;
 };
 
@@ -210,9 +228,9 @@ qsizetype levelsInBundle(const SealedFolder &folder)
 } // namespace
 
 platform::Result<std::vector<ScannedItem>> scanFolder(const SealedFolder &folder, const RuleSet &rules,
-                                                      const RuleSet &rules2)
+                                                      const RuleSet &rules2, Keep keep)
 {
-    return Scanner(folder, rules, rules2).scan();
+    return Scanner(folder, rules, rules2, keep).scan();
 }
 
 bool leadsOut(const SealedFolder &folder, const QByteArray &path, const QByteArray &linkTarget)

@@ -24,13 +24,18 @@ struct ScannedItem {
     QByteArray linkTarget; ///< of a link
 };
 
+/// What of a scan is to be kept. A bundle may have a hundred thousand files.
+enum class Keep { everything, nestedCodeAndLinks };
+
 /// Walks a bundle's folder and answers what its seal has to tell of, folder by folder, each in the order of
 /// names. A folder that the second rules call nested and whose name has a dot is one item and not entered; so
 /// is a file there. No link is followed. What is neither file, folder nor link, what cannot be read, and a
 /// name that is not UTF-8 is an error that names it. An AppleDouble file "._NAME" beside NAME counts as
 /// attributes of NAME and is passed over, as macOS does where it meets one.
-[[nodiscard]] platform::Result<std::vector<ScannedItem>>
-scanFolder(const SealedFolder &folder, const RuleSet &rules, const RuleSet &rules2);
+[[nodiscard]] platform::Result<std::vector<ScannedItem>> scanFolder(const SealedFolder &folder,
+                                                                    const RuleSet &rules,
+                                                                    const RuleSet &rules2,
+                                                                    Keep keep = Keep::everything);
 
 /// Whether a link at `path` below the base leads out of the bundle: by a relative target, or by an absolute
 /// one that is not below /System or /Library. `path` and `base` decide; nothing on disk is asked.

@@ -5,6 +5,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QStringBuilder>
 #include <QTemporaryDir>
 
 #include <dirent.h>
@@ -20,6 +21,28 @@
 using namespace Qt::StringLiterals;
 
 namespace toolchain::review {
+
+namespace {
+
+struct stat statusOf(int descriptor)
+{
+    struct stat status = {};
+    if (fstat(descriptor, &status) != 0)
+        status = {};
+    return status;
+}
+
+} // namespace
+
+mode_t WalkFile::mode() const
+{
+    return statusOf(descriptor).st_mode;
+}
+
+qint64 WalkFile::size() const
+{
+    return statusOf(descriptor).st_size;
+}
 
 QString tooLongText(qsizetype length)
 {
@@ -104,8 +127,18 @@ unsigned char typeOf(int folder, const Name &name)
 
 WalkPlace below(const WalkPlace &place, const QString &name)
 {
-    return {place.path == "."_L1 ? name : place.path + u'/' + name, place.file + u'/' + name,
+    // with one allocation each: there may be a hundred thousand
+    return {place.path == "."_L1 ? name : QString(place.path % u'/' % name), place.file % u'/' % name,
             place.archiveDepth};
+}
+
+/// What tells a Mach-O file, a script or an archive stands at the very beginning; what an AppleDouble file
+/// holds may stand further on.
+std::size_t tellingBytesOf(const WalkPlace &place)
+{
+    constexpr qint64 headOfTar = 512;
+    const bool isAppleDouble = place.file.indexOf("/._"_L1, place.file.lastIndexOf(u'/')) >= 0;
+    return std::size_t(isAppleDouble ? tellingBytes : headOfTar);
 }
 
 /// The item itself may be a disk image under any name.
@@ -140,19 +173,15 @@ public:
             walkEntry(below(place, texts[i]), folder.number(), names[i]);
     }
 
+    /// Whatever lies there.
     void walkFile(const WalkPlace &place, int folder, const char *name)
     {
         const Descriptor file(openQuietly(folder, name, 0));
-        struct stat status = {};
-        if (!file.isOpen() || fstat(file.number(), &status) != 0)
+        if (!file.isOpen())
             return m_visitor.unreadable(place, systemText(errno));
-        if (!S_ISREG(status.st_mode))
+        if (!S_ISREG(statusOf(file.number()).st_mode))
             return m_visitor.special(place);
-        char beginning[tellingBytes];
-        const auto length = pread(file.number(), beginning, sizeof beginning, 0);
-        if (length < 0)
-            return m_visitor.unreadable(place, systemText(errno));
-        tell({place, status.st_mode, status.st_size, QByteArray::fromRawData(beginning, qsizetype(length))});
+        readFile(place, file.number());
     }
 
 private:
@@ -162,12 +191,30 @@ private:
         case DT_DIR:
             return walkFolder(place);
         case DT_REG:
-            return walkFile(place, folder, name.bytes.constData());
+            return walkRegularFile(place, folder, name.bytes.constData());
         case DT_LNK:
             return tellLink(place, folder, name.bytes.constData());
         default:
             return m_visitor.special(place);
         }
+    }
+
+    /// The listing has told what it is, so the system need not be asked.
+    void walkRegularFile(const WalkPlace &place, int folder, const char *name)
+    {
+        const Descriptor file(openQuietly(folder, name, 0));
+        if (!file.isOpen())
+            return m_visitor.unreadable(place, systemText(errno));
+        readFile(place, file.number());
+    }
+
+    void readFile(const WalkPlace &place, int file)
+    {
+        char beginning[tellingBytes];
+        const auto length = pread(file, beginning, tellingBytesOf(place), 0);
+        if (length < 0)
+            return m_visitor.unreadable(place, systemText(errno));
+        tell({place, file, QByteArray::fromRawData(beginning, qsizetype(length))});
     }
 
     void tellLink(const WalkPlace &place, int folder, const char *name)

@@ -23,12 +23,15 @@ struct WalkPlace {
     [[nodiscard]] bool isInArchive() const { return archiveDepth > 0; }
 };
 
-/// A regular file, as far as it has been read.
+/// A regular file, as far as it has been read. Lasts as long as the visit.
 struct WalkFile {
     WalkPlace place;
-    mode_t mode = 0;
-    qint64 size = 0; ///< in bytes
-    QByteArray beginning; ///< `tellingBytes` at most; lasts as long as the visit
+    int descriptor = -1; ///< open for reading
+    QByteArray beginning; ///< enough of it to tell what it is; all of small files
+
+    /// Ask the system, which most visits can do without; 0 where it does not know.
+    [[nodiscard]] mode_t mode() const;
+    [[nodiscard]] qint64 size() const; ///< in bytes
 };
 
 /// Is told what the walk finds, in the order of names, a folder before what is in it. All but `machO` may be
