@@ -84,7 +84,8 @@ void Judgement::judgeItem()
 void Judgement::judgeMissingItem()
 {
     if (m_prediction.order.isEmpty() && m_examination.kind == ItemKind::folder)
-        find(rule::missingExecutable, Severity::error, u"."_s, u"No signable items found."_s);
+        find(rule::missingExecutable, Severity::error, u"."_s, u"No signable items found."_s).advice =
+            u"The folder holds no code that a run signs. Choose the folder that holds it; code must be made for x86_64 or arm64, and be executable."_s;
     if (m_prediction.droppedMember.isEmpty())
         return;
     const QString dropped = relative(m_prediction.droppedMember);

@@ -11,8 +11,11 @@ namespace sealwright::examine {
 
 namespace {
 
-QString kindOfUnlisted(const QString &path)
+/// Of what the run signs, and the walk could not tell what it is.
+QString kindOfUnlisted(const QString &path, ItemKind item)
 {
+    if (path == "."_L1)
+        return item == ItemKind::diskImage ? u"archive"_s : u"bundle"_s;
     const QString extension = itempath::lowerExtension(path);
     if (extension == "dylib"_L1)
         return u"library"_s;
@@ -95,7 +98,7 @@ void Judgement::addEntriesOfTheRun()
             continue;
         CodeEntry entry;
         entry.path = place.key();
-        entry.kind = entry.path == "."_L1 ? u"bundle"_s : kindOfUnlisted(entry.path);
+        entry.kind = kindOfUnlisted(entry.path, m_examination.kind);
         entry.order = *place;
         m_examination.code.append(entry);
     }

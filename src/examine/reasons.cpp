@@ -34,13 +34,13 @@ QString text(Unsigned reason)
 {
     switch (reason) {
     case Unsigned::isPackage:
-        return u"is signed by productsign"_s;
+        return u"is signed as a package, by productsign"_s;
     case Unsigned::liesInArchive:
-        return u"lies in an archive"_s;
+        return u"lies in an archive, where nothing is signed"_s;
     case Unsigned::isDropped:
         return u"is left out in the place of the item, whose own executable is missing"_s;
     case Unsigned::onlyItemIsSigned:
-        return u"only the item itself is to be signed"_s;
+        return u"lies in the item, of which only the main item is to be signed"_s;
     case Unsigned::isSkipped:
         return u"is among the paths to skip"_s;
     case Unsigned::isHidden:
@@ -88,6 +88,8 @@ QString advice(Unsigned reason)
         return u"It is code for processors other than x86_64 and arm64, such as i386, and only code for these two is signed. Build it for one of them, or leave it out of the item."_s;
     case Unsigned::isNotExecutable:
         return u"It is not executable (no x among its permissions), so it is not signed. Make it executable with chmod +x, or leave it out of the item."_s;
+    case Unsigned::liesInArchive:
+        return u"A run signs a package or a disk image itself, and nothing that lies in it. Sign the code with a Developer ID Application certificate, the hardened runtime and a secure timestamp (codesign -f -o runtime --timestamp) before you make the package or the image."_s;
     case Unsigned::isDropped:
     case Unsigned::hasNoExecutable:
         return u"The bundle is not signed, since the file that CFBundleExecutable in its Info.plist names is missing. Build that file, or mend the name."_s;

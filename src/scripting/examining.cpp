@@ -62,6 +62,8 @@ QString itemUnder(const QString &name, const ScriptCommandPtr &command,
     if (!path.isEmpty() && application.host().files.isReachable(path))
         return path;
     command->setScriptErrorNumber(scriptErrorArgument);
+    command->setScriptErrorString(path.isEmpty() ? u"The argument %1 names no item."_s.arg(name)
+                                                 : u"There is no item at '%1'."_s.arg(path));
     return {};
 }
 
