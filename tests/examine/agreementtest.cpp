@@ -2,7 +2,7 @@
 
 #include "examine/corpus.h"
 #include "examine/examiner.h"
-#include "examine/timestampserver.h"
+#include "examine/signingplace.h"
 #include "formats/review/review.h"
 #include "platform/posix/posixfileservice.h"
 #include "platform/propertylist/propertylist.h"
@@ -10,8 +10,6 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QProcess>
-#include <QTemporaryDir>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -28,52 +26,26 @@ struct Verdict {
     QString reason; ///< the first one
 };
 
-class Agreement : public testing::Test {
+class Agreement : public SigningPlace {
 protected:
-    static void SetUpTestSuite()
-    {
-        s_state = std::make_unique<QTemporaryDir>();
-        qputenv("SEALWRIGHT_TOOLCHAIN_STATE", s_state->path().toUtf8());
-        const QString made = tool(u"sealwright-keychain"_s, {u"make-identity"_s, u"--name"_s, holder});
-        ASSERT_EQ(made, QString()) << made.toStdString();
-        s_server = std::make_unique<TimestampServer>(s_state->filePath(u"keychain"_s));
-    }
-    static void TearDownTestSuite()
-    {
-        s_server.reset();
-        s_state.reset();
-        qunsetenv("SEALWRIGHT_TOOLCHAIN_STATE");
-    }
-
-    /// What the tool said when it failed; null if it did not.
-    static QString tool(const QString &name, const QStringList &arguments)
-    {
-        QProcess process;
-        process.start(QString::fromUtf8(TOOLCHAIN_ROOT) + u"/usr/bin/"_s + name, arguments);
-        EXPECT_TRUE(process.waitForFinished(60'000)) << name.toStdString();
-        if (process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0)
-            return {};
-        return name + u": "_s + QString::fromUtf8(process.readAllStandardError()).trimmed();
-    }
-
-    static QString sign(const QString &path, const QString &entitlements, const examine::Choices &choices)
+    static QString signWithChoices(const QString &path, const QString &entitlements,
+                                   const examine::Choices &choices)
     {
         const QStringList deep = choices.signsDeep ? QStringList{u"--deep"_s} : QStringList();
-        return tool(u"codesign"_s,
-                    deep
-                        + QStringList{u"--force"_s, u"-o"_s, u"runtime"_s,
-                                      u"--timestamp="_s + s_server->url(), u"--entitlements"_s, entitlements,
-                                      u"--verbose=4"_s, u"-s"_s, u"Developer ID Application: "_s + holder,
-                                      u"--digest-algorithm=sha1,sha256"_s, path});
+        return sign(
+            path,
+            deep + QStringList{u"-o"_s, u"runtime"_s, u"--entitlements"_s, entitlements, u"--verbose=4"_s});
     }
 
     /// Does with the item itself what a run does with its copy.
-    static Verdict carryOut(const ItemMaker &item)
+    static Verdict carryOut(const ItemMaker &item, examine::ItemKind kind)
     {
+        if (kind == examine::ItemKind::package)
+            return carryOutPackage(item);
         if (!item.choices.entitlementsError.isEmpty())
             return {true, item.choices.entitlementsError};
         const platform::PosixFileService files;
-        const auto prediction = examine::predict(item.item(), examine::ItemKind::app, item.choices, files);
+        const auto prediction = examine::predict(item.item(), kind, item.choices, files);
         for (auto passed = prediction.passedOver.cbegin(); passed != prediction.passedOver.cend(); ++passed) {
             if (*passed == PassedOver::leftover)
                 QFile::remove(passed.key());
@@ -84,10 +56,17 @@ protected:
         file.write(platform::xmlPropertyListData(item.choices.entitlements).data);
         file.close();
         for (const QString &path : prediction.order) {
-            if (const QString problem = sign(path, entitlements, item.choices); !problem.isNull())
+            if (const QString problem = signWithChoices(path, entitlements, item.choices); !problem.isNull())
                 return {true, problem};
         }
-        return review(item);
+        return kind == examine::ItemKind::diskImage ? review(item.item()) : packAndReview(item);
+    }
+
+    static Verdict carryOutPackage(const ItemMaker &item)
+    {
+        const QString signedPackage = item.folder() + u"/Signed.pkg"_s;
+        const QString problem = signPackage(item.item(), signedPackage);
+        return problem.isNull() ? review(signedPackage) : Verdict{true, problem};
     }
 
     /// What packing said when it failed, as a run packs; null if it did not.
@@ -100,24 +79,24 @@ protected:
                      u"-fs"_s, u"HFS+"_s, u"-srcfolder"_s, item.item(), u"-plist"_s, u"-verbose"_s});
     }
 
-    static Verdict review(const ItemMaker &item)
+    static Verdict packAndReview(const ItemMaker &item)
     {
-        const QString name = item.choices.packing == examine::Packing::zip ? u"Foo.zip"_s : u"Foo.dmg"_s;
+        const QString name =
+            item.choices.packing == examine::Packing::zip ? u"Upload.zip"_s : u"Upload.dmg"_s;
         const QString archive = item.folder() + u'/' + name;
         const QString problem = pack(item, archive);
-        if (!problem.isNull())
-            return {true, problem};
-        const auto review = toolchain::review::reviewItem(archive, name);
+        return problem.isNull() ? review(archive) : Verdict{true, problem};
+    }
+
+    static Verdict review(const QString &archive)
+    {
+        const auto review = toolchain::review::reviewItem(archive, QFileInfo(archive).fileName());
         for (const auto &issue : review.issues) {
             if (issue.severity == "error"_L1)
                 return {true, u"notary: %1: %2"_s.arg(issue.path, issue.message)};
         }
         return {};
     }
-
-    static inline const QString holder = QStringLiteral("Example Corp (A1B2C3D4E5)");
-    static inline std::unique_ptr<QTemporaryDir> s_state;
-    static inline std::unique_ptr<TimestampServer> s_server;
 };
 
 QString rulesOf(const examine::Examination &examination)
@@ -151,7 +130,7 @@ TEST_F(Agreement, holdsForEveryItemOfTheCorpus)
         known.make(item);
         const auto examination = examine::examineItem(item.item(), item.choices);
         ASSERT_TRUE(examination) << examination.error().toStdString();
-        const Verdict verdict = carryOut(item);
+        const Verdict verdict = carryOut(item, examination->kind);
         EXPECT_EQ(examination->isRefused(), verdict.isRefused)
             << rulesOf(*examination).toStdString() << " | " << verdict.reason.toStdString();
         printRow(known, *examination, verdict);

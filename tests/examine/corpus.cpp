@@ -1,6 +1,7 @@
 #include "examine/corpus.h"
 
 #include "examine/codefiles.h"
+#include "examine/corpusmaking.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -9,40 +10,6 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-
-const QStringList architectures{u"x86_64"_s, u"arm64"_s, u"universal"_s};
-
-std::string named(const QString &text)
-{
-    QString name;
-    bool startsWord = false;
-    for (const QChar character : text) {
-        if (character.isLetterOrNumber())
-            name += startsWord ? character.toUpper() : character;
-        startsWord = !character.isLetterOrNumber();
-    }
-    return name.toStdString();
-}
-
-class Corpus {
-public:
-    QList<CorpusItem> items;
-
-    void add(const QString &name, std::function<void(ItemMaker &)> make, const QStringList &errors = {},
-             const QStringList &warnings = {})
-    {
-        items.append({named(name), u"universal"_s, std::move(make), errors, warnings});
-    }
-
-    /// The same for code of each architecture.
-    void forEach(const QString &name, const std::function<void(ItemMaker &, const QString &)> &make,
-                 const QStringList &errors = {})
-    {
-        for (const QString &architecture : architectures)
-            items.append({named(name + u' ' + architecture), architecture,
-                          [make, architecture](ItemMaker &item) { make(item, architecture); }, errors});
-    }
-};
 
 void addHarmless(Corpus &corpus)
 {
@@ -411,6 +378,8 @@ const QList<CorpusItem> &corpus()
         addBrokenCode(made);
         addBrokenBundles(made);
         addLinksAndNames(made);
+        addPackages(made);
+        addImages(made);
         return made.items;
     }();
     return all;

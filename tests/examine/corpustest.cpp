@@ -2,6 +2,7 @@
 
 #include "examine/corpus.h"
 #include "examine/examiner.h"
+#include "examine/signingplace.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -52,13 +53,15 @@ void check(const CorpusItem &known)
 
 } // namespace
 
-TEST(TheCorpus, getsTheFindingsThatItMustHaveAndNoOthers)
+class TheCorpus : public SigningPlace { };
+
+TEST_F(TheCorpus, getsTheFindingsThatItMustHaveAndNoOthers)
 {
     for (const CorpusItem &known : corpus())
         check(known);
 }
 
-TEST(TheCorpus, holdsAtLeast120Items)
+TEST_F(TheCorpus, holdsAtLeast120Items)
 {
     EXPECT_THAT(corpus().size(), Ge(120));
 }

@@ -32,8 +32,17 @@ public:
     struct Packed {
         QString name;
         QByteArray bytes;
+        QString target = {}; ///< of a link; empty for a file
     };
-    /// A zip archive, or by its extension a tar archive, compressed or not.
+    /// What the item holds now, below its own name.
+    [[nodiscard]] QList<Packed> contents() const;
+    /// Replaces the item by a file beside which nothing of it is left.
+    void become(const QString &name, const QByteArray &bytes);
+    /// A flat package that would install the files.
+    [[nodiscard]] QByteArray packageBytes(const QList<Packed> &files) const;
+    /// A disk image with the files.
+    [[nodiscard]] QByteArray imageBytes(const QList<Packed> &files) const;
+    /// A zip archive, or by its extension a tar archive, compressed or not, a cpio archive or a xar archive.
     void archive(const QString &name, const QList<Packed> &files) const;
     /// One compressed file.
     void gzip(const QString &name, const QByteArray &bytes) const;

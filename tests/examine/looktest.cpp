@@ -212,6 +212,7 @@ TEST(ALook, refusesAFileThatIsNoImageAndNoPackage)
         const Ended ended = run({file.fileName()});
         EXPECT_EQ(ended.status, 1);
         EXPECT_TRUE(ended.output.contains("damaged-code"));
+        EXPECT_FALSE(ended.output.contains("\"bundle\""));
     }
 }
 
@@ -310,4 +311,18 @@ TEST(AComparison, tellsWhatHasComeGoneAndChanged)
     EXPECT_THAT(found, Contains(u"size ."_s));
     EXPECT_EQ(run({u"--compare"_s, before.item(), after.item()}).status, 1);
     EXPECT_EQ(run({u"--compare"_s, before.item(), before.path(u"missing.app"_s)}).status, 4);
+}
+
+TEST(AComparison, ofWhatCannotBeReadIsNone)
+{
+    const ItemMaker item;
+    ItemMaker image;
+    image.become(u"Foo.dmg"_s, "text");
+    for (const auto &[old, recent] :
+         {std::pair(image.item(), image.item()), std::pair(item.item(), image.item()),
+          std::pair(image.item(), item.item())}) {
+        const Ended ended = run({u"--compare"_s, old, recent});
+        EXPECT_EQ(ended.status, 4);
+        EXPECT_TRUE(ended.error.contains("cannot be read")) << ended.error.constData();
+    }
 }
