@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+
 /// What a script sends and gets for no value.
 inline const QVariant nothing = QVariantList();
 
@@ -14,6 +16,12 @@ inline const QVariant nothing = QVariantList();
 class HostOnBus : public testing::Test {
 protected:
     HostOnBus()
+        : HostOnBus([](TestHost &) {})
+    {
+    }
+    /// With a configuration that the function has changed.
+    explicit HostOnBus(const std::function<void(TestHost &host)> &prepare)
+        : bus(prepared(host, prepare).application())
     {
         host.launch();
         const auto registered = bus.registerOnSessionBus();
@@ -84,6 +92,14 @@ protected:
     }
 
     TestHost host;
-    ScriptingBus bus{host.application()};
+    ScriptingBus bus;
     BusClient client{host};
+
+private:
+    static TestHost &prepared(TestHost &host, const std::function<void(TestHost &host)> &prepare)
+    {
+        prepare(host);
+        host.takeConfiguration();
+        return host;
+    }
 };

@@ -169,6 +169,21 @@ TEST_F(Resuming, aWaitThatIsGivenUpStaysOnRecordAndBeginsAnewWithItsBudgets)
     expectFinished();
 }
 
+TEST_F(Resuming, aClockThatIsSetMeanwhileCostsNoWait)
+{
+    wait();
+    const QDateTime began = host.clock.time;
+    for (const int days : {400, -400}) { // a machine that wakes up late, and one whose battery was empty
+        host.clock.time = began.addDays(days);
+        EXPECT_EQ(poll(), 30.0);
+        EXPECT_EQ(waiting(), QStringList{host.item(u"Foo - Submitted"_s)});
+    }
+    closeWindow();
+    host.tools.answer(infoTool, success());
+    goOnToTheEnd();
+    expectFinished();
+}
+
 TEST_F(Resuming, whatAScriptDoesNotWaitForIsNotOnRecord)
 {
     host.launch();

@@ -1,6 +1,6 @@
-// The application killed at random moments between the upload and the end, again and again: each wait is
-// found by the next one and ends well, once. The seed is printed; SEALWRIGHT_SEED repeats a walk, and
-// SEALWRIGHT_KILLS makes it longer.
+// The application killed, or stopped for a while, at random moments between the upload and the end, again and
+// again: each wait is found by the next one, or goes on, and ends well, once. The seed is printed;
+// SEALWRIGHT_SEED repeats a walk, and SEALWRIGHT_KILLS makes it longer.
 
 #include "trouble/road.h"
 
@@ -151,6 +151,47 @@ protected:
         road.goOnToTheEnd();
     }
 
+    /// One submission whose process stands still for a while after its upload, as when a machine sleeps.
+    void submitWithSleep(const RoadKind &kind, int moment)
+    {
+        Road road(kind);
+        road.host.stateFolder = road.host.item(u"../state"_s);
+        const pid_t process = fork();
+        if (process == 0) {
+            qputenv("TMPDIR", QFile::encodeName(road.host.item(u".."_s)));
+            road.walk();
+            std::_Exit(EXIT_SUCCESS);
+        }
+        if (stopAfterRecord(road, process, moment)) {
+            expectLeftAlone(road);
+            kill(process, SIGCONT);
+        }
+        int status = 0;
+        EXPECT_EQ(waitpid(process, &status, 0), process);
+        expectEnded(road);
+    }
+    /// False if the process had got to its end.
+    bool stopAfterRecord(const Road &road, pid_t process, int microseconds)
+    {
+        while (!hasRecord(road) && isRunning(process))
+            usleep(500);
+        usleep(static_cast<useconds_t>(microseconds));
+        kill(process, SIGSTOP);
+        siginfo_t changed{};
+        EXPECT_EQ(waitid(P_PID, static_cast<id_t>(process), &changed, WEXITED | WSTOPPED | WNOWAIT), 0);
+        const bool isStopped = changed.si_code == CLD_STOPPED;
+        m_stops += isStopped ? 1 : 0;
+        return isStopped;
+    }
+    /// Another application sees that somebody attends to the wait, and does not take it over.
+    static void expectLeftAlone(Road &road)
+    {
+        EXPECT_TRUE(road.host.application().unattendedWaits().isEmpty());
+        road.host.application().goOnWaiting();
+        road.host.settle();
+        EXPECT_TRUE(road.host.timers.armed().isEmpty());
+    }
+
     /// By this process, which lives on.
     void expectFoundAndEnded(Road &road)
     {
@@ -176,6 +217,7 @@ protected:
     const int m_seed;
     std::mt19937 m_random;
     int m_kills = 0;
+    int m_stops = 0;
 };
 
 TEST_F(KilledWait, isFoundByTheNextApplicationAndEndsOnce)
@@ -188,4 +230,14 @@ TEST_F(KilledWait, isFoundByTheNextApplicationAndEndsOnce)
                         1 + below(mostKillsOfOneWait));
     }
     std::cout << m_kills << " kills of " << submissions << " submissions, seed " << m_seed << '\n';
+}
+
+TEST_F(KilledWait, goesOnWhereItWasAfterItsProcessHasStoodStill)
+{
+    constexpr int wanted = 4;
+    for (int submissions = 0; m_stops < wanted && submissions < 10 * wanted && !HasFailure(); ++submissions) {
+        SCOPED_TRACE("submission " + std::to_string(submissions) + ", seed " + std::to_string(m_seed));
+        submitWithSleep(kinds[static_cast<size_t>(submissions) % std::size(kinds)], below(longestLife));
+    }
+    EXPECT_GE(m_stops, wanted);
 }
