@@ -5,6 +5,7 @@
 
 #include <QDBusObjectPath>
 #include <QFile>
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 
