@@ -14,6 +14,8 @@ namespace {
 /// Of what the run signs, and the walk could not tell what it is.
 QString kindOfUnlisted(const QString &path, ItemKind item)
 {
+    if (path == "."_L1 && item == ItemKind::app)
+        return u"app"_s;
     if (path == "."_L1)
         return item == ItemKind::diskImage ? u"archive"_s : u"bundle"_s;
     const QString extension = itempath::lowerExtension(path);

@@ -18,6 +18,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 #include <unistd.h>
@@ -55,6 +56,37 @@ QByteArray stateOf(const QString &folder)
     }
     lines.sort();
     return lines.join(u'\n').toUtf8();
+}
+
+QStringList filesAndFoldersIn(const QString &folder)
+{
+    QStringList paths;
+    QDirIterator entries(folder, QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot,
+                         QDirIterator::Subdirectories);
+    while (entries.hasNext())
+        paths.append(entries.next());
+    return paths;
+}
+
+constexpr time_t longAgo = 1'000'000'000; // before the files were changed, so that each reading would count
+
+void setAccessTimes(const QStringList &paths)
+{
+    const timespec times[] = {{longAgo, 0}, {0, UTIME_OMIT}};
+    for (const QString &path : paths)
+        EXPECT_EQ(utimensat(AT_FDCWD, QFile::encodeName(path).constData(), times, 0), 0);
+}
+
+QStringList accessed(const QStringList &paths)
+{
+    QStringList found;
+    struct stat status = {};
+    for (const QString &path : paths) {
+        EXPECT_EQ(stat(QFile::encodeName(path).constData(), &status), 0);
+        if (status.st_atim.tv_sec != longAgo)
+            found.append(path);
+    }
+    return found;
 }
 
 struct Ended {
@@ -122,6 +154,18 @@ TEST(ALook, changesNothing)
     EXPECT_EQ(run({item.item()}).status, 1);
     EXPECT_EQ(stateOf(item.folder()), before);
     EXPECT_TRUE(QFile::exists(item.path(u"Contents/Scriptbench.plist"_s)));
+}
+
+TEST(ALook, leavesTheTimesOfLastAccessAlone)
+{
+    const ItemMaker item;
+    item.bundle(u"Contents/PlugIns/Bar.plugin"_s, codefiles::loadable(u"arm64"_s));
+    item.archive(u"Contents/Resources/texts.zip"_s, {{u"a.txt"_s, "text"}});
+    item.file(u"Contents/Resources/a.txt"_s, "text");
+    const QStringList paths = filesAndFoldersIn(item.item());
+    setAccessTimes(paths);
+    EXPECT_EQ(run({item.item()}).status, 0);
+    EXPECT_EQ(accessed(paths).join(u'\n').toStdString(), "");
 }
 
 TEST(ALook, answersByItsExitStatus)
