@@ -10,6 +10,7 @@ sealwright_test(tst_notary
     notarywaystest.cpp
     notaryusetest.cpp
     submissionstest.cpp
+    ${PROJECT_SOURCE_DIR}/toolchain/notaryd/multipart.cpp ${PROJECT_SOURCE_DIR}/toolchain/notaryd/partlist.cpp
     ${PROJECT_SOURCE_DIR}/toolchain/notaryd/submissions.cpp ${PROJECT_SOURCE_DIR}/toolchain/notaryd/submissions.h
     ticketfaultstest.cpp)
 target_link_libraries(tst_notary PRIVATE Qt6::Core slw_propertylist tool_notary tool_notaryclient tool_state)

@@ -110,6 +110,25 @@ TEST_F(ReviewedSubmissions, whoseReplyWasLostArePlacedOnlyOnce)
     EXPECT_EQ(reviews, 1);
 }
 
+TEST_F(ReviewedSubmissions, ofPartsAreJoinedBeforeTheReviewAlsoAfterAnInterruption)
+{
+    const QString id = announce();
+    QByteArray list;
+    for (const QByteArray part : {"by", "te", "s"}) {
+        const QString file = received(id, u"part-"_s + QString::fromLatin1(part));
+        bundlebuilder::writeFile(file, part);
+        list += QByteArray::number(part.size()) + ' ' + file.toUtf8() + '\n';
+    }
+    bundlebuilder::writeFile(submissions.folderOf(id) + u"/part-by"_s, "byt"); // half of the second had come
+    const QString file = submissions.folderOf(id) + u"/list.parts"_s;
+    bundlebuilder::writeFile(file, list);
+    ASSERT_FALSE(submissions.place(id, file));
+    mayEnd.happen();
+    static_cast<void>(submissions.ask(id));
+    reviewed.wait();
+    EXPECT_EQ(reviews, 1);
+}
+
 TEST_F(ReviewedSubmissions, thatNobodyHasMadeAreRefused)
 {
     const auto refusal =

@@ -9,7 +9,7 @@ using namespace toolchain;
 
 int main(int argc, char **argv)
 {
-    std::setlocale(LC_ALL, "C.UTF-8");
+    std::setlocale(LC_CTYPE, "C.UTF-8"); // of file names; the other parts would only have to be read
     umask(077); // requests are their sender's own business
     const auto arguments = parseArguments(wordsOf(argc, argv), altoolOptions());
     if (arguments.has("-h")) {

@@ -32,9 +32,12 @@ bool isIdentifier(const QByteArray &text)
     return form.match(QString::fromLatin1(text)).hasMatch();
 }
 
-bool appendFile(int target, const QString &path)
+/// Behind so many bytes of the target.
+bool appendFile(int target, qint64 size, const QByteArray &path)
 {
-    const int source = open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
+    if (ftruncate(target, off_t(size)) != 0 || lseek(target, 0, SEEK_END) != off_t(size))
+        return false;
+    const int source = open(path.constData(), O_RDONLY | O_CLOEXEC);
     ssize_t copied = 0;
     do
         copied = sendfile(target, source, nullptr, 1 << 30);
@@ -45,6 +48,32 @@ bool appendFile(int target, const QString &path)
 }
 
 } // namespace
+
+bool joinParts(const QString &list, const QString &object)
+{
+    QFile file(list);
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    QByteArray first;
+    qint64 size = 0;
+    int target = -1;
+    bool isWhole = true;
+    for (const QByteArray &line : file.readAll().split('\n')) {
+        const QByteArray part = line.mid(line.indexOf(' ') + 1);
+        if (first.isEmpty())
+            target = open((first = part).constData(), O_WRONLY | O_CLOEXEC);
+        else if (isWhole && access(part.constData(), F_OK) == 0 && !part.isEmpty()) {
+            isWhole = appendFile(target, size, part);
+            if (isWhole)
+                unlink(part.constData());
+        }
+        size += line.left(line.indexOf(' ')).toLongLong();
+    }
+    if (target >= 0)
+        close(target);
+    return isWhole && target >= 0
+        && std::rename(first.constData(), QFile::encodeName(object).constData()) == 0;
+}
 
 QByteArray MultipartUpload::begin(const QString &objectFolder)
 {
@@ -70,9 +99,9 @@ bool MultipartUpload::isCompleted() const
     return m_isIdentifier && QFileInfo::exists(m_folder + u"/completed"_s);
 }
 
-QString MultipartUpload::wholePath() const
+QString MultipartUpload::listPath() const
 {
-    return m_folder + u"/whole"_s;
+    return m_folder + u"/list"_s + partListSuffix;
 }
 
 QString MultipartUpload::partPath(const Part &part) const
@@ -117,19 +146,16 @@ QString MultipartUpload::objectionTo(const QList<Part> &wanted) const
     return {};
 }
 
-/// The first part's file grows by the others, each of which is gone as soon as it has been added.
-bool MultipartUpload::join(const QList<Part> &wanted) const
+/// The parts' sizes and files, one on a line, in their order.
+bool MultipartUpload::listParts(const QList<Part> &wanted) const
 {
-    const QByteArray whole = QFile::encodeName(partPath(wanted.first()));
-    const int target = open(whole.constData(), O_WRONLY | O_CLOEXEC);
-    bool isWhole = target >= 0 && lseek(target, 0, SEEK_END) >= 0;
-    for (qsizetype index = 1; isWhole && index < wanted.size(); ++index) {
-        isWhole = appendFile(target, partPath(wanted.at(index)));
-        QFile::remove(partPath(wanted.at(index)));
+    QByteArray lines;
+    for (const Part &part : wanted) {
+        const QString path = partPath(part);
+        lines += QByteArray::number(QFileInfo(path).size()) + ' ' + QFile::encodeName(path) + '\n';
     }
-    if (target >= 0)
-        close(target);
-    return isWhole && std::rename(whole.constData(), QFile::encodeName(wholePath()).constData()) == 0;
+    QFile file(listPath());
+    return file.open(QIODevice::WriteOnly) && file.write(lines) == lines.size() && file.flush();
 }
 
 QString MultipartUpload::complete(const QByteArray &list) const
@@ -141,7 +167,7 @@ QString MultipartUpload::complete(const QByteArray &list) const
     if (!objection.isEmpty())
         return objection;
     QFile mark(m_folder + u"/completed"_s);
-    return join(*wanted) && mark.open(QIODevice::WriteOnly) ? QString() : u"InternalError"_s;
+    return listParts(*wanted) && mark.open(QIODevice::WriteOnly) ? QString() : u"InternalError"_s;
 }
 
 void MultipartUpload::abort() const

@@ -6,6 +6,13 @@
 
 namespace notaryd {
 
+/// How the file is called that lists an object's parts.
+inline const QString partListSuffix = QStringLiteral(".parts");
+
+/// Makes one file of the parts that a list names: the first one's grows by the others, each of which is gone
+/// as soon as it has been added. False if that cannot be done now; it may be tried again.
+[[nodiscard]] bool joinParts(const QString &list, const QString &object);
+
 /// A multipart upload under way, as a folder of its parts beside the object that they will become
 /// (https://docs.aws.amazon.com/AmazonS3/latest/userguide/mpuoverview.html).
 class MultipartUpload {
@@ -25,16 +32,15 @@ public:
     [[nodiscard]] bool keepPart(const QByteArray &number, const QString &file, const QByteArray &etag) const;
     [[nodiscard]] QList<Part> parts() const; ///< by number
 
-    /// Makes one file of the parts that the list names, at `wholePath()`. Answers the storage's error code,
-    /// or an empty text.
+    /// Notes at `listPath()` which parts make the object. Answers the storage's error code, or an empty text.
     [[nodiscard]] QString complete(const QByteArray &list) const;
-    [[nodiscard]] QString wholePath() const;
+    [[nodiscard]] QString listPath() const;
     void abort() const;
 
 private:
     [[nodiscard]] QString partPath(const Part &part) const;
     [[nodiscard]] QString objectionTo(const QList<Part> &wanted) const;
-    [[nodiscard]] bool join(const QList<Part> &wanted) const;
+    [[nodiscard]] bool listParts(const QList<Part> &wanted) const;
 
     const QByteArray m_identifier;
     const bool m_isIdentifier;

@@ -195,7 +195,7 @@ private:
 
     Response kept(const UploadSession &session, const MultipartUpload &upload)
     {
-        const auto refusal = m_service.submissions().place(session.id, upload.wholePath());
+        const auto refusal = m_service.submissions().place(session.id, upload.listPath());
         return refusal ? storageError(refusal->code, refusal->reason) : completed(session, upload);
     }
 

@@ -1,5 +1,7 @@
 #include "notaryd/submissions.h"
 
+#include "notaryd/multipart.h"
+
 #include <QDir>
 #include <QRandomGenerator>
 #include <QUuid>
@@ -67,7 +69,8 @@ void Submissions::resume()
     const QStringList left = QDir(m_folder + u"/uploads"_s).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
     for (const QString &id : left) {
         const auto request = find(id);
-        if (request && request->phase == Phase::Uploaded && QFile::exists(objectOf(id)))
+        const bool isThere = QFile::exists(objectOf(id)) || QFile::exists(objectOf(id) + partListSuffix);
+        if (request && request->phase == Phase::Uploaded && isThere)
             m_waiting.insert(id, Clock::now());
         else
             QDir(folderOf(id)).removeRecursively();
@@ -133,9 +136,14 @@ std::optional<Submissions::Refusal> Submissions::moveToObject(const NotaryReques
     if (request.phase == Phase::Reviewed || m_underReview == request.uuid)
         return Refusal{u"AccessDenied"_s, u"The object is under review"_s};
     const QString object = objectOf(request.uuid);
-    const bool isThere = QFile::exists(file)
-        ? std::rename(QFile::encodeName(file).constData(), QFile::encodeName(object).constData()) == 0
-        : QFile::exists(object); // placed before, and the reply was lost
+    const QString list = object + partListSuffix;
+    const QString &target = file.endsWith(partListSuffix) ? list : object;
+    const bool isNew = QFile::exists(file); // else it was placed before, and the reply was lost
+    const bool isThere = isNew
+        ? std::rename(QFile::encodeName(file).constData(), QFile::encodeName(target).constData()) == 0
+        : QFile::exists(object) || QFile::exists(list);
+    if (isNew)
+        QFile::remove(target == list ? object : list);
     return isThere ? std::nullopt : std::optional(Refusal{u"InternalError"_s, u"The object has gone"_s});
 }
 
@@ -231,6 +239,9 @@ bool Submissions::review(const QString &id)
     auto request = find(id);
     if (!request)
         return true;
+    const QString list = objectOf(id) + partListSuffix;
+    if (QFile::exists(list) && (!joinParts(list, objectOf(id)) || !QFile::remove(list)))
+        return false;
     m_review(*request, objectOf(id));
     {
         const std::scoped_lock lock(m_stateMutex);
