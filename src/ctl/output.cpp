@@ -1,7 +1,7 @@
 #include "ctl/output.h"
 
-#include "scripting/dbus/busbounds.h"
 #include "scripting/dbus/busnames.h"
+#include "scripting/dbus/busvalue.h"
 
 #include <QDBusArgument>
 #include <QDBusObjectPath>

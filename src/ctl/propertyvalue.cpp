@@ -1,7 +1,7 @@
 #include "ctl/propertyvalue.h"
 
-#include "scripting/dbus/busbounds.h"
 #include "scripting/dbus/busnames.h"
+#include "scripting/dbus/busvalue.h"
 
 #include <QDBusObjectPath>
 #include <QDir>

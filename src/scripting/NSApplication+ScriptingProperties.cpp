@@ -87,6 +87,9 @@ QList<ApplicationProperty> listProperties()
         list(u"allOrderedWindows"_s, &Application::allOrderedWindows),
         list(u"orderedPseudoDocuments"_s, &Application::orderedPseudoDocuments),
         list(u"orderedDocuments"_s, &Application::orderedDocuments),
+        {.key = u"AEWaiting"_s,
+         .read = [](Application &application) { return application.waiting(); },
+         .whenAllAreRead = WhenAllAreRead::isLeftOut}, // it reads files, and the list is older than it
     };
 }
 

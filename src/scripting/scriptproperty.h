@@ -16,6 +16,9 @@ enum class Takes {
     anything, ///< whatever came; the write has an error of its own for what it does not like
 };
 
+/// Whether the answer with all properties has this one.
+enum class WhenAllAreRead { isRead, isLeftOut };
+
 /// One property of a scripting object, under its key in the scripting definition, which has its type. Main
 /// thread. What read and write set on the executing command is the script's error.
 ///
@@ -30,6 +33,7 @@ struct ScriptProperty {
     std::function<QVariant(Object &)> read;
     Write write = nullptr; ///< null if there is none
     Takes takes = Takes::value;
+    WhenAllAreRead whenAllAreRead = WhenAllAreRead::isRead;
 };
 
 /// The write, but only while the object is ready: at other times the script is told that it is not.

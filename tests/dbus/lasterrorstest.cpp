@@ -1,4 +1,4 @@
-#include "scripting/dbus/lasterrors.h"
+#include "scripting/dbus/buscall.h"
 
 #include <gtest/gtest.h>
 

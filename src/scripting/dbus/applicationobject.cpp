@@ -2,14 +2,9 @@
 #include "document/mainwincontroller.h"
 #include "platform/applicationhost.h"
 #include "platform/itempath.h"
-#include "scripting/NSApplication+Scripting.h"
 #include "scripting/dbus/busnames.h"
 #include "scripting/dbus/busobjects.h"
-#include "scripting/dbus/busvalue.h"
-#include "scripting/dbus/lasterrors.h"
-#include "scripting/dbus/makedocument.h"
 #include "scripting/dbus/scriptcalls.h"
-#include "scripting/dbus/sharedcommands.h"
 
 #include <QDBusVariant>
 #include <QGuiApplication>
@@ -22,37 +17,31 @@ namespace sealwright {
 
 namespace {
 
+using Application = NSApplicationScripting;
+using Handler = std::function<void(const BusObject &, const BusCall &)>;
+
 bool isActive()
 {
     return qobject_cast<QGuiApplication *>(QCoreApplication::instance())
         && QGuiApplication::applicationState() == Qt::ApplicationActive;
 }
 
-NSApplicationScripting &scripting(const BusObject &object)
+QVariant lastErrorFrom(const BusObject &object)
 {
-    return object.application.scripting();
+    const QVariant offending = object.objects.lastErrors().of(object.caller);
+    return offending.isValid() ? QVariant::fromValue(QDBusVariant(busvalue::toBus(offending))) : QVariant();
 }
 
-BusAccessByKey properties()
+QList<BusRow> properties()
 {
-    BusAccessByKey access = accessTo(NSApplicationScripting::properties(), &scripting);
-    access.insert({
-        {u"name"_s, {[](const BusObject &) { return QCoreApplication::applicationName(); }}},
-        {u"version"_s, {[](const BusObject &) { return QCoreApplication::applicationVersion(); }}},
-        {u"isActive"_s, {[](const BusObject &) { return isActive(); }}},
-        {u"AEWaiting"_s,
-         {.read = [](const BusObject &object) { return scripting(object).waiting(); },
-          .whenAllAreRead = WhenAllAreRead::isLeftOut}}, // it reads files, and the list is older than it
-        {u"lastErrorFrom"_s, {[](const BusObject &object) {
-             const QVariant offending = object.objects.lastErrors().of(object.caller);
-             return offending.isValid() ? QVariant::fromValue(QDBusVariant(busvalue::toBus(offending)))
-                                        : QVariant();
-         }}},
-    });
-    return access;
+    return rowsOf(Application::properties())
+        + QList<BusRow>{
+            {u"name"_s, [](const BusObject &) { return QCoreApplication::applicationName(); }},
+            {u"version"_s, [](const BusObject &) { return QCoreApplication::applicationVersion(); }},
+            {u"isActive"_s, [](const BusObject &) { return isActive(); }},
+            {u"lastErrorFrom"_s, lastErrorFrom},
+        };
 }
-
-using Handler = std::function<void(const BusObject &, const BusCall &)>;
 
 /// The handler of a call that may open a document: an application that is about to quit has an error for it.
 Handler openingDocuments(const Handler &handler)
@@ -66,8 +55,41 @@ Handler openingDocuments(const Handler &handler)
     };
 }
 
-const BusArgument madeFrom{u"properties"_s, u"a{sv}"_s};
-const BusArgument madeDocument{u"document"_s, u"o"_s};
+// New documents
+
+/// The values by the properties' keys. Nothing if one of the properties cannot be set; the call has been
+/// answered then.
+std::optional<QVariantMap> checkedValues(const BusObject &application, const QVariantMap &given,
+                                         const BusCall &call)
+{
+    QVariantMap values;
+    for (auto value = given.cbegin(); value != given.cend(); ++value) {
+        const BusProperty *const property = documentInterface().property(value.key());
+        if (!property) {
+            call.replyWithError(buserror::invalidArgs, u"A document has no property %1."_s.arg(value.key()));
+            return std::nullopt;
+        }
+        const auto checked = scriptcalls::checkedValue(application, *property, value.value(), call);
+        if (!checked)
+            return std::nullopt;
+        values.insert(property->definition.key, *checked);
+    }
+    return values;
+}
+
+void makeDocument(const BusObject &application, const BusCall &call)
+{
+    const auto values = checkedValues(application, call.dictionary(0), call);
+    if (!values)
+        return;
+    DocumentPtr document;
+    const ScriptReply made = scriptcalls::carryOut(
+        [&] { document = application.as<Application>().newScriptingDocument(*values); });
+    if (made.isError())
+        call.replyWithScriptError(made);
+    else
+        call.reply({QVariant::fromValue(application.objects.path(*document))});
+}
 
 // What a desktop asks of an application
 
@@ -109,7 +131,7 @@ void activate(const BusObject &object, const BusCall &call)
         return call.reply();
     }
     // Windows that are put away are in no front-to-back list.
-    platform::Window *const front = scripting(object).frontmostWindow();
+    platform::Window *const front = object.as<Application>().frontmostWindow();
     (front ? *front : documents.last()->window()).show();
     application.host().application.activate();
     call.reply();
@@ -148,25 +170,20 @@ void activateAction(const BusObject &object, const BusCall &call)
 
 const BusArgument platformData{u"platform_data"_s, u"a{sv}"_s};
 
-QHash<QString, CommandHandler> commands()
-{
-    const CommandsOf<NSApplicationScripting> carriedOutBy(&scripting);
-    QHash<QString, CommandHandler> all = carriedOutBy.shared();
-    all.insert(u"AECompare:"_s, carriedOutBy(&NSApplicationScripting::AECompare));
-    all.insert(u"AEResume:"_s, carriedOutBy(&NSApplicationScripting::AEResume));
-    return all;
-}
-
 } // namespace
 
 const BusHandlers &applicationHandlers()
 {
-    static const BusHandlers handlers{
-        .properties = properties(),
-        .commands = commands(),
-        .ownCalls = {{u"newScriptingObjectOfClass:forValueForKey:withContentsValue:properties:"_s,
-                      {{madeFrom}, {madeDocument}, openingDocuments(makeDocument)}}},
-    };
+    using scriptcalls::command;
+    static const BusHandlers handlers = [] {
+        BusHandlers all{properties(), scriptcalls::sharedCommands<Application>()};
+        all.methods.insert(u"AECompare:"_s, command(&Application::AECompare));
+        all.methods.insert(u"AEResume:"_s, command(&Application::AEResume));
+        all.methods.insert(u"newScriptingObjectOfClass:forValueForKey:withContentsValue:properties:"_s,
+                           scriptcalls::ownCall({{u"properties"_s, u"a{sv}"_s}}, {{u"document"_s, u"o"_s}},
+                                                openingDocuments(makeDocument)));
+        return all;
+    }();
     return handlers;
 }
 

@@ -2,7 +2,6 @@
 
 #include "scripting/dbus/busnames.h"
 #include "scripting/dbus/busvalue.h"
-#include "scripting/dbus/lasterrors.h"
 
 #include <QDBusArgument>
 #include <QDBusVariant>
@@ -18,6 +17,34 @@ QString errorName(qint64 number)
 }
 
 } // namespace
+
+bool LastErrors::attend(const QString &connection)
+{
+    return m_offendingObjects.update([&connection](auto &objects) {
+        if (objects.contains(connection))
+            return false;
+        objects.insert(connection, {});
+        return true;
+    });
+}
+
+void LastErrors::forget(const QString &connection)
+{
+    m_offendingObjects.update([&connection](auto &objects) { objects.remove(connection); });
+}
+
+void LastErrors::record(const QString &connection, const QVariant &offendingObject)
+{
+    m_offendingObjects.update([&](auto &objects) {
+        if (const auto found = objects.find(connection); found != objects.end())
+            *found = offendingObject;
+    });
+}
+
+QVariant LastErrors::of(const QString &connection) const
+{
+    return m_offendingObjects().value(connection);
+}
 
 BusCall::BusCall(QDBusMessage message, QDBusConnection connection, std::shared_ptr<LastErrors> lastErrors)
     : m_message(std::move(message))

@@ -1,5 +1,6 @@
 #include "scripting/dbus/busobjects.h"
 
+#include "app/appdelegate.h"
 #include "document/mainwincontroller.h"
 #include "scripting/dbus/busnames.h"
 
@@ -47,35 +48,29 @@ void BusObjects::remove(MainWinController &document)
 
 std::optional<BusObject> BusObjects::find(const QString &path, const QString &caller) const
 {
-    if (path == bus::applicationPath) {
-        BusObject found = object(
-            nullptr,
+    if (path == bus::applicationPath)
+        return object(
+            NSApplicationScripting(m_application),
             {&applicationInterface(), &desktopInterface(), &objectManagerInterface(), &propertiesInterface()},
-            caller);
-        found.children = {u"document"_s, u"window"_s};
-        return found;
-    }
-    if (path == bus::documentsPath || path == bus::windowsPath) {
-        BusObject found = object(nullptr, {}, caller);
-        found.children = elements(path == bus::documentsPath ? &Entry::path : &Entry::windowPath);
-        return found;
-    }
-    const EntryPtr entry = entryAt(path);
+            {u"document"_s, u"window"_s}, caller);
+    if (path == bus::documentsPath)
+        return object({}, {}, elements(&Entry::path), caller);
+    if (path == bus::windowsPath)
+        return object({}, {}, elements(&Entry::windowPath), caller);
+    const EntryPtr entry = m_byPath.value(path);
     if (!entry)
         return std::nullopt;
-    const BusInterface &own = path == entry->path ? documentInterface() : windowInterface();
-    return object(entry->document, {&own, &propertiesInterface()}, caller);
+    MainWinController &document = *entry->document;
+    if (path == entry->path)
+        return object(MainWinControllerScripting(document), {&documentInterface(), &propertiesInterface()},
+                      {}, caller);
+    return object(NSWindowScripting(document), {&windowInterface(), &propertiesInterface()}, {}, caller);
 }
 
-BusObject BusObjects::object(MainWinController *document, const QList<const BusInterface *> &interfaces,
-                             const QString &caller) const
+BusObject BusObjects::object(const BusReceiver &receiver, const QList<const BusInterface *> &interfaces,
+                             const QStringList &children, const QString &caller) const
 {
-    return {.application = m_application,
-            .objects = *this,
-            .document = document,
-            .interfaces = interfaces,
-            .children = {},
-            .caller = caller};
+    return {m_application, *this, receiver, interfaces, children, caller};
 }
 
 QStringList BusObjects::elements(QString Entry::*path) const
@@ -103,34 +98,6 @@ QDBusObjectPath BusObjects::path(const platform::Window &window) const
 {
     const EntryPtr entry = m_byObject.value(&window);
     return QDBusObjectPath(entry ? entry->windowPath : u"/"_s);
-}
-
-QList<QDBusObjectPath> BusObjects::paths(const QList<MainWinController *> &documents) const
-{
-    QList<QDBusObjectPath> all;
-    for (const MainWinController *const document : documents)
-        all.append(path(*document));
-    return all;
-}
-
-QList<QDBusObjectPath> BusObjects::paths(const QList<platform::Window *> &windows) const
-{
-    QList<QDBusObjectPath> all;
-    for (const platform::Window *const window : windows)
-        all.append(path(*window));
-    return all;
-}
-
-platform::Window *BusObjects::window(const QDBusObjectPath &path) const
-{
-    const EntryPtr entry = entryAt(path.path());
-    return entry && path.path() == entry->windowPath ? &entry->document->window() : nullptr;
-}
-
-MainWinController *BusObjects::document(const QDBusObjectPath &path) const
-{
-    const EntryPtr entry = entryAt(path.path());
-    return entry && path.path() == entry->path ? entry->document : nullptr;
 }
 
 QString BusObjects::callerOf(const MainWinController &document) const

@@ -8,10 +8,6 @@
 #include <memory>
 #include <optional>
 
-namespace platform {
-class Window;
-}
-
 namespace sealwright {
 
 /// Which objects there are and under which paths. Main thread.
@@ -30,13 +26,16 @@ public:
 
     [[nodiscard]] QDBusObjectPath path(const MainWinController &document) const;
     [[nodiscard]] QDBusObjectPath path(const platform::Window &window) const;
-    [[nodiscard]] QList<QDBusObjectPath> paths(const QList<MainWinController *> &documents) const;
-    [[nodiscard]] QList<QDBusObjectPath> paths(const QList<platform::Window *> &windows) const;
 
-    /// The window of a path; null if there is none.
-    [[nodiscard]] platform::Window *window(const QDBusObjectPath &path) const;
-    /// The document of a path; null if there is none.
-    [[nodiscard]] MainWinController *document(const QDBusObjectPath &path) const;
+    /// Of documents or windows.
+    template <class Object>
+    [[nodiscard]] QList<QDBusObjectPath> paths(const QList<Object *> &objects) const
+    {
+        QList<QDBusObjectPath> all;
+        for (const Object *const object : objects)
+            all.append(path(*object));
+        return all;
+    }
 
     [[nodiscard]] QString callerOf(const MainWinController &document) const;
     const LastErrors &lastErrors() const { return *m_lastErrors; }
@@ -51,9 +50,8 @@ private:
     };
     using EntryPtr = std::shared_ptr<const Entry>;
 
-    EntryPtr entryAt(const QString &path) const { return m_byPath.value(path); }
-    BusObject object(MainWinController *document, const QList<const BusInterface *> &interfaces,
-                     const QString &caller) const;
+    BusObject object(const BusReceiver &receiver, const QList<const BusInterface *> &interfaces,
+                     const QStringList &children, const QString &caller) const;
     QStringList elements(QString Entry::*path) const;
 
     AppDelegate &m_application;

@@ -1,7 +1,8 @@
 #pragma once
 
-#include "scripting/dbus/busbounds.h"
+#include "platform/window.h"
 
+#include <QDBusArgument>
 #include <QDBusObjectPath>
 #include <QList>
 #include <QMap>
@@ -10,6 +11,23 @@
 #include <QVariantMap>
 
 #include <optional>
+
+/// A window's bounds as they go over the bus, "(nnnn)": top, left, bottom, right.
+inline QDBusArgument &operator<<(QDBusArgument &argument, const platform::QDRect &bounds)
+{
+    argument.beginStructure();
+    argument << bounds.top << bounds.left << bounds.bottom << bounds.right;
+    argument.endStructure();
+    return argument;
+}
+
+inline const QDBusArgument &operator>>(const QDBusArgument &argument, platform::QDRect &bounds)
+{
+    argument.beginStructure();
+    argument >> bounds.top >> bounds.left >> bounds.bottom >> bounds.right;
+    argument.endStructure();
+    return argument;
+}
 
 namespace sealwright {
 

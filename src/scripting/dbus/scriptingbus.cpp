@@ -2,11 +2,8 @@
 
 #include "app/appdelegate.h"
 #include "platform/mainqueue.h"
-#include "scripting/dbus/busintrospection.h"
 #include "scripting/dbus/busnames.h"
 #include "scripting/dbus/busvalue.h"
-#include "scripting/dbus/documentsignals.h"
-#include "scripting/dbus/lasterrors.h"
 #include "scripting/logging.h"
 
 #include <QCoreApplication>
