@@ -40,7 +40,7 @@ long milliseconds(double seconds)
     const double scale = qgetenv("SEALWRIGHT_WAIT_SCALE").toDouble(&isNumber);
     const double factor = isNumber ? std::clamp(scale, 0.0, 1.0) : 1.0;
     constexpr double thousand = 1000;
-    constexpr long least = 3000; // a busy machine is not to take for dead what is alive
+    constexpr long least = 10'000; // a busy machine, which may have to make a key first, is not dead
     return std::max(least, static_cast<long>(seconds * factor * thousand));
 }
 
