@@ -42,6 +42,9 @@ struct UserNotification {
     QString title;
     QString informativeText;
     QVariantMap userInfo;
+    /// Called on the main thread when a person clicks the message, on a host that tells so. With the token by
+    /// which a window may come to the front, null where the host has none.
+    std::function<void(const QString &token)> wasClicked = {};
 };
 
 /// Short messages on the user's desktop.

@@ -1,18 +1,14 @@
+#include "desktopbus.h"
 #include "eventwait.h"
 #include "platform/posix/posixfileservice.h"
-#include "platform/posix/posixprocesslauncher.h"
 #include "platform/qt/busdistributednotifications.h"
-#include "platform/qt/desktopappearance.h"
 #include "platform/qt/desktopnotificationcenter.h"
 #include "platform/qt/desktopworkspace.h"
 #include "platform/qt/qtmainqueue.h"
 #include "temporaryfolder.h"
 
-#include <QDBusMessage>
-#include <QDBusVariant>
 #include <QDesktopServices>
 
-#include <future>
 #include <thread>
 
 using namespace Qt::StringLiterals;
@@ -39,14 +35,28 @@ class NotificationService : public QObject {
 
 public:
     QStringList messages;
+    QList<QStringList> actions; ///< of each message
+
+    void click(uint message, const QString &token = {})
+    {
+        if (!token.isNull())
+            Q_EMIT ActivationToken(message, token);
+        Q_EMIT ActionInvoked(message, u"default"_s);
+    }
 
 public Q_SLOTS:
     uint Notify(const QString &, uint, const QString &, const QString &summary, const QString &body,
-                const QStringList &, const QVariantMap &, int)
+                const QStringList &offered, const QVariantMap &, int)
     {
         messages += summary + u'|' + body;
-        return 1;
+        actions += offered;
+        return uint(messages.size());
     }
+
+Q_SIGNALS:
+    void ActivationToken(uint message, const QString &token);
+    void ActionInvoked(uint message, const QString &action);
+    void NotificationClosed(uint message, uint reason);
 };
 
 /// Takes the place of whatever opens URLs here.
@@ -74,67 +84,11 @@ private:
     const QStringList schemes{u"file"_s, u"https"_s, u"mailto"_s};
 };
 
-/// A bus of the test's own, with the application and the desktop as two peers on it.
-class Desktop : public testing::Test {
+/// With a folder for the applications that the workspace knows.
+class WorkspaceOnBus : public Desktop {
 protected:
-    void SetUp() override
-    {
-        daemon = launcher.process(u"/usr/bin/dbus-daemon"_s,
-                                  {u"--session"_s, u"--nofork"_s, u"--print-address=1"_s});
-        ASSERT_TRUE(daemon->launch());
-        std::promise<QByteArray> printed;
-        auto line = printed.get_future();
-        serving = std::thread([this, printed = std::move(printed)]() mutable {
-            daemon->waitUntilExit([&](const QByteArray &chunk) { printed.set_value(chunk); },
-                                  [](const QByteArray &) {});
-        });
-        const QString address = QString::fromUtf8(line.get()).trimmed();
-        application = QDBusConnection::connectToBus(address, u"application"_s);
-        desktop = QDBusConnection::connectToBus(address, u"desktop"_s);
-        ASSERT_TRUE(application.isConnected() && desktop.isConnected());
-    }
-
-    void TearDown() override
-    {
-        QDBusConnection::disconnectFromBus(u"application"_s);
-        QDBusConnection::disconnectFromBus(u"desktop"_s);
-        daemon->terminate();
-        if (serving.joinable())
-            serving.join();
-    }
-
-    void serve(const QString &name, const QString &path, QObject *object)
-    {
-        ASSERT_TRUE(desktop.registerObject(path, object, QDBusConnection::ExportAllSlots));
-        ASSERT_TRUE(desktop.registerService(name));
-    }
-
-    /// Returns once the bus has taken all that the application asked of it.
-    void settle() { roundTrip(application); }
-
-    static void roundTrip(const QDBusConnection &connection)
-    {
-        const QDBusMessage reply = connection.call(QDBusMessage::createMethodCall(
-            u"org.freedesktop.DBus"_s, u"/org/freedesktop/DBus"_s, u"org.freedesktop.DBus"_s, u"GetId"_s));
-        ASSERT_EQ(reply.type(), QDBusMessage::ReplyMessage);
-    }
-
-    void sendPosted(const QString &name)
-    {
-        QDBusMessage signal =
-            QDBusMessage::createSignal(u"/org/sealwright/DistributedNotifications"_s,
-                                       u"org.sealwright.DistributedNotifications"_s, u"Posted"_s);
-        signal << name;
-        ASSERT_TRUE(desktop.send(signal));
-    }
-
-    std::shared_ptr<Process> daemon;
-    std::thread serving;
-    QDBusConnection application{u"none"_s};
-    QDBusConnection desktop{u"none"_s};
     TemporaryFolder folder;
     PosixFileService files;
-    PosixProcessLauncher launcher;
 };
 
 class NotificationCenter : public Desktop {
@@ -170,7 +124,7 @@ protected:
 
 } // namespace
 
-TEST_F(Desktop, anItemIsShownByTheFileManager)
+TEST_F(WorkspaceOnBus, anItemIsShownByTheFileManager)
 {
     FileManager manager;
     UrlHandler handler;
@@ -182,7 +136,7 @@ TEST_F(Desktop, anItemIsShownByTheFileManager)
     EXPECT_TRUE(handler.opened.isEmpty());
 }
 
-TEST_F(Desktop, withoutAFileManagerTheFolderOfTheItemIsOpened)
+TEST_F(WorkspaceOnBus, withoutAFileManagerTheFolderOfTheItemIsOpened)
 {
     UrlHandler handler;
     DesktopWorkspace workspace(folder.path(), files, launcher, application);
@@ -191,7 +145,7 @@ TEST_F(Desktop, withoutAFileManagerTheFolderOfTheItemIsOpened)
     EXPECT_EQ(handler.opened, QList<QUrl>{QUrl::fromLocalFile(u"/some folder"_s)});
 }
 
-TEST_F(Desktop, withoutABusTheFolderOfTheItemIsOpened)
+TEST_F(WorkspaceOnBus, withoutABusTheFolderOfTheItemIsOpened)
 {
     UrlHandler handler;
     DesktopWorkspace workspace(folder.path(), files, launcher, QDBusConnection(u"no such"_s));
@@ -199,7 +153,7 @@ TEST_F(Desktop, withoutABusTheFolderOfTheItemIsOpened)
     EXPECT_TRUE(waitFor([&] { return handler.opened.size() == 1; }));
 }
 
-TEST_F(Desktop, aPageAndAMailAreOpened)
+TEST_F(WorkspaceOnBus, aPageAndAMailAreOpened)
 {
     UrlHandler handler;
     DesktopWorkspace workspace(folder.path(), files, launcher, application);
@@ -243,7 +197,59 @@ TEST_F(NotificationCenter, withNobodyToAskAnActiveApplicationShowsNothing)
     EXPECT_EQ(shown(silent), QStringList{u"last|"_s});
 }
 
-TEST_F(Desktop, aNotificationOfAnySenderCallsItsHandlerAlone)
+TEST_F(NotificationCenter, aClickOnAMessageCallsItsHandlerOnceWithTheToken)
+{
+    DesktopNotificationCenter clicked = center();
+    QStringList calls;
+    for (const QString &name : {u"first"_s, u"second"_s})
+        clicked.deliver(
+            {name, {}, {}, [&calls, name](const QString &token) { calls += name + u':' + token; }});
+    clicked.deliver({u"plain"_s, {}, {}});
+    ASSERT_TRUE(waitFor([this] { return service.messages.size() == 3; }));
+    EXPECT_EQ(service.actions,
+              (QList<QStringList>{{u"default"_s, QString()}, {u"default"_s, QString()}, {}}));
+    service.click(99);
+    service.click(3);
+    service.click(2, u"token"_s);
+    service.click(2, u"late"_s);
+    ASSERT_TRUE(waitFor([&] { return !calls.isEmpty(); }));
+    service.click(1);
+    EXPECT_TRUE(waitFor([&] { return calls.size() == 2; }));
+    EXPECT_EQ(calls, (QStringList{u"second:token"_s, u"first:"_s}));
+}
+
+TEST_F(NotificationCenter, aMessageThatHasGoneCallsNothing)
+{
+    DesktopNotificationCenter clicked = center();
+    QStringList calls;
+    for (const QString &name : {u"gone"_s, u"there"_s})
+        clicked.deliver({name, {}, {}, [&calls, name](const QString &) { calls += name; }});
+    ASSERT_TRUE(waitFor([this] { return service.messages.size() == 2; }));
+    Q_EMIT service.NotificationClosed(1, 2);
+    service.click(1);
+    service.click(2);
+    ASSERT_TRUE(waitFor([&] { return !calls.isEmpty(); }));
+    EXPECT_EQ(calls, QStringList{u"there"_s});
+}
+
+namespace {
+
+/// Another application posts to all.
+class Posting : public Desktop {
+protected:
+    void sendPosted(const QString &name)
+    {
+        QDBusMessage signal =
+            QDBusMessage::createSignal(u"/org/sealwright/DistributedNotifications"_s,
+                                       u"org.sealwright.DistributedNotifications"_s, u"Posted"_s);
+        signal << name;
+        ASSERT_TRUE(desktop.send(signal));
+    }
+};
+
+} // namespace
+
+TEST_F(Posting, aNotificationOfAnySenderCallsItsHandlerAlone)
 {
     BusDistributedNotifications notifications(application);
     const QObject observer;
@@ -259,7 +265,7 @@ TEST_F(Desktop, aNotificationOfAnySenderCallsItsHandlerAlone)
     EXPECT_EQ(calls, (QStringList{u"changed"_s, u"changed"_s, u"last"_s}));
 }
 
-TEST_F(Desktop, whatHasWaitedForASlowHandlerCallsItOnce)
+TEST_F(Posting, whatHasWaitedForASlowHandlerCallsItOnce)
 {
     BusDistributedNotifications notifications(application);
     const QObject observer;
@@ -284,7 +290,7 @@ TEST_F(Desktop, whatHasWaitedForASlowHandlerCallsItOnce)
     EXPECT_TRUE(waitFor([&] { return calls == 3; })) << "the next one is heard at once";
 }
 
-TEST_F(Desktop, withoutObserversNoHandlerIsCalled)
+TEST_F(Posting, withoutObserversNoHandlerIsCalled)
 {
     BusDistributedNotifications notifications(application);
     const QObject observer;
@@ -299,7 +305,7 @@ TEST_F(Desktop, withoutObserversNoHandlerIsCalled)
     EXPECT_EQ(calls, QStringList{u"last"_s});
 }
 
-TEST_F(Desktop, aHandlerMayRemoveItself)
+TEST_F(Posting, aHandlerMayRemoveItself)
 {
     BusDistributedNotifications notifications(application);
     const QObject observer;
@@ -313,7 +319,7 @@ TEST_F(Desktop, aHandlerMayRemoveItself)
     EXPECT_TRUE(waitFor([&] { return calls == 1; }));
 }
 
-TEST_F(Desktop, oneObserverMayGoWithoutTheOthers)
+TEST_F(Posting, oneObserverMayGoWithoutTheOthers)
 {
     BusDistributedNotifications notifications(application);
     const QObject leaves;
@@ -330,7 +336,7 @@ TEST_F(Desktop, oneObserverMayGoWithoutTheOthers)
     EXPECT_EQ(calls, (QStringList{u"leaves"_s, u"stays"_s, u"stays"_s}));
 }
 
-TEST_F(Desktop, aHandlerMayRemoveAnotherObserver)
+TEST_F(Posting, aHandlerMayRemoveAnotherObserver)
 {
     BusDistributedNotifications notifications(application);
     const QObject first;
@@ -372,83 +378,6 @@ TEST_F(Desktop, withoutABusANotificationReachesThisApplicationAllTheSame)
     notifications.addObserver(observer, u"changed"_s, [&] { ++calls; });
     notifications.post(u"changed"_s);
     EXPECT_TRUE(waitFor([&] { return calls == 1; }));
-}
-
-// Light and dark
-
-namespace {
-
-/// The desktop's portal for settings, which knows the one setting.
-class SettingsPortal : public QObject {
-    Q_OBJECT
-    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.Settings")
-
-public:
-    uint scheme = 0;
-
-public Q_SLOTS:
-    QDBusVariant Read(const QString &group, const QString &key)
-    {
-        if (group != "org.freedesktop.appearance"_L1 || key != "color-scheme"_L1)
-            return QDBusVariant(u"another setting"_s);
-        return QDBusVariant(QVariant::fromValue(QDBusVariant(QVariant(scheme))));
-    }
-};
-
-class LightAndDark : public Desktop {
-protected:
-    using Scheme = DesktopAppearance::Scheme;
-
-    void servePortal(uint scheme)
-    {
-        portal.scheme = scheme;
-        serve(u"org.freedesktop.portal.Desktop"_s, portalPath, &portal);
-    }
-    void sendChange(const QString &key, uint scheme)
-    {
-        QDBusMessage signal =
-            QDBusMessage::createSignal(portalPath, u"org.freedesktop.portal.Settings"_s, u"SettingChanged"_s);
-        signal << u"org.freedesktop.appearance"_s << key
-               << QVariant::fromValue(QDBusVariant(QVariant(scheme)));
-        ASSERT_TRUE(desktop.send(signal));
-    }
-
-    const QString portalPath = u"/org/freedesktop/portal/desktop"_s;
-    SettingsPortal portal;
-};
-
-} // namespace
-
-TEST_F(LightAndDark, isReadAtTheStart)
-{
-    servePortal(1);
-    const DesktopAppearance appearance(application);
-    EXPECT_EQ(appearance.scheme(), Scheme::noPreference) << "nobody waits for the answer";
-    EXPECT_TRUE(waitFor([&] { return appearance.scheme() == Scheme::dark; }));
-}
-
-TEST_F(LightAndDark, isFollowedAndEachChangeToldOnce)
-{
-    servePortal(2);
-    const DesktopAppearance appearance(application);
-    int changes = 0;
-    QObject::connect(&appearance, &DesktopAppearance::changed, &appearance, [&] { ++changes; });
-    ASSERT_TRUE(waitFor([&] { return appearance.scheme() == Scheme::light; }));
-    sendChange(u"color-scheme"_s, 2);
-    sendChange(u"contrast"_s, 1);
-    sendChange(u"color-scheme"_s, 1);
-    ASSERT_TRUE(waitFor([&] { return appearance.scheme() == Scheme::dark; }));
-    EXPECT_EQ(changes, 2);
-    sendChange(u"color-scheme"_s, 77);
-    EXPECT_TRUE(waitFor([&] { return appearance.scheme() == Scheme::noPreference; }));
-}
-
-TEST_F(LightAndDark, ofADesktopWithoutAPortalIsNoPreference)
-{
-    const DesktopAppearance appearance(application);
-    settle();
-    QCoreApplication::processEvents();
-    EXPECT_EQ(appearance.scheme(), Scheme::noPreference);
 }
 
 #include "desktoptest.moc"
