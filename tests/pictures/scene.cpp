@@ -5,8 +5,10 @@
 #include "ui/appearance.h"
 
 #include <QApplication>
+#include <QDialog>
 #include <QDir>
 #include <QFileInfo>
+#include <QTabWidget>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -32,7 +34,12 @@ Scene::Scene(Keychain keychain)
     host.preferences.setValue(key::appleIDValue, u"release@example.com"_s);
     if (keychain == Keychain::empty)
         host.tools.answer(u"security"_s, {.output = "     0 valid identities found\n"});
+    if (keychain == Keychain::empty) {
+        host.preferences.setValue(key::appPassValue, QString());
+        host.preferences.setValue(key::appleIDValue, QString());
+    }
     host.configuration.keychainProgram = u"/usr/bin/sealwright-keychain"_s;
+    host.configuration.profilesFolder = host.item(u"../profiles"_s);
     host.takeConfiguration();
     if (Appearance::isDark(QApplication::palette()))
         host.preferences.setValue(key::AppleInterfaceStyle, darkInterfaceStyle.toString());
@@ -65,6 +72,25 @@ void Scene::settle()
 {
     host.settle();
     QTest::qWait(200); // a list lays its rows out anew a tenth of a second after its size has changed
+}
+
+void Scene::pause()
+{
+    QTest::qWait(200);
+}
+
+void Scene::closeSheet()
+{
+    for (auto *const sheet : window().findChildren<QDialog *>()) {
+        if (sheet->isVisible())
+            sheet->reject();
+    }
+    settle();
+}
+
+void Scene::showPage(int page)
+{
+    window().findChild<QTabWidget *>(u"sidePane"_s)->setCurrentIndex(page);
 }
 
 void Scene::draw(const QString &file)

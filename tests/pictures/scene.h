@@ -21,6 +21,12 @@ public:
     QString makeItem(const QString &name);
     /// Lets all that is queued happen, also to the widgets.
     void settle();
+    /// Lets the widgets follow while a tool goes on.
+    static void pause();
+    /// Closes the sheet that is up, as Escape does.
+    void closeSheet();
+    /// Shows a page beside the log: the steps, what examining has found, the issues, the history.
+    void showPage(int page);
 
     /// Draws the window, with the sheet that is up over it.
     void draw(const QString &file);
