@@ -3,6 +3,7 @@
 
 #include "app/program.h"
 
+#include "app/keychaincommands.h"
 #include "dbus/quittingapplication.h"
 
 #include <QDBusConnectionInterface>
@@ -308,4 +309,89 @@ TEST_F(BuiltProgram, startedOnDemandOpensTheItemsAndNoEmptyDocument)
               QVariant(u"interacting"_s));
     quit();
     host.runUntil([this] { return !client.connection().interface()->isServiceRegistered(bus::service); });
+}
+
+// The new start after the first steps
+
+namespace {
+
+class NewStart : public BuiltProgram {
+protected:
+    NewStart()
+    {
+        setPreferences({toolRoot, u"toolPause=0"_s});
+        host.tools.add(u"/usr/bin/sealwright-keychain"_s);
+        for (const int run : {1, 2}) // of the launch, and of the sheet that comes up
+            host.tools.answerRun(u"security"_s, run, {.output = "     0 valid identities found\n"});
+        host.tools.answer(u"security"_s,
+                          {.output = "  1) 0A \"Developer ID Application: " + name.toUtf8()
+                               + "\"\n     1 valid identities found\n"});
+    }
+
+    enum class Asking { startsNothing, startsWhatIsMissing };
+
+    /// Until the bus has an application with the identity that the first start made.
+    void waitForNewStart(Asking asking = Asking::startsNothing)
+    {
+        host.runUntil([this, asking] {
+            QDBusMessage question = QDBusMessage::createMethodCall(
+                bus::service, bus::applicationPath, u"org.freedesktop.DBus.Properties"_s, u"Get"_s);
+            question.setAutoStartService(asking == Asking::startsWhatIsMissing);
+            question << bus::applicationInterface << u"DeveloperIdentities"_s;
+            const QDBusMessage answer = client.connection().call(question);
+            return answer.type() == QDBusMessage::ReplyMessage
+                && variantOf(answer).toStringList().contains(name);
+        });
+        waitUntilReady();
+    }
+    /// Has the bus start the program when somebody asks for it, and asks.
+    void startByTheBus()
+    {
+        privatebus::setActivation(
+            u"/usr/bin/env QT_QPA_PLATFORM=offscreen XDG_CONFIG_HOME='%1' SEALWRIGHT_FAKE_ROOT='%2' '%3'"_s
+                .arg(folder("CONFIG"), host.tools.root(), QString::fromUtf8(STEERED_SETUP)));
+        client.call(bus::applicationPath, bus::desktopInterface, u"Activate"_s, {QVariantMap()});
+    }
+    void quitAndExpectNobody()
+    {
+        EXPECT_EQ(documents().size(), 1);
+        quit();
+        host.runUntil([this] { return !client.connection().interface()->isServiceRegistered(bus::service); });
+    }
+    uint ownerOfTheName() { return client.connection().interface()->servicePid(bus::service).value(); }
+
+    const QString name = keychain::withTeam(u"Practice"_s);
+};
+
+} // namespace
+
+TEST_F(NewStart, comesBackByItselfUnderTheSameNumberWithWhatWasAdded)
+{
+    Program::start(process, QString::fromUtf8(STEERED_SETUP));
+    waitForNewStart();
+    EXPECT_EQ(process.state(), QProcess::Running) << "whoever started it sees no end";
+    EXPECT_EQ(qint64(ownerOfTheName()), process.processId()) << "it has taken the bus again";
+    ASSERT_EQ(documents().size(), 1);
+    EXPECT_EQ(client.get(documents().first(), bus::documentInterface, u"ActiveIdentity"_s), QVariant(name));
+    EXPECT_EQ(client.get(documents().first(), bus::documentInterface, u"AppleID"_s),
+              QVariant(u"practice@localhost"_s));
+    EXPECT_EQ(process.readAllStandardOutput(), "setupPractice\npracticeButton\n") << "asked once";
+    quitAndExpectSuccess();
+}
+
+TEST_F(NewStart, comesBackAlsoWhereTheBusStartedIt)
+{
+    startByTheBus();
+    const uint before = ownerOfTheName();
+    ASSERT_NE(before, 0U);
+    waitForNewStart();
+    EXPECT_EQ(ownerOfTheName(), before);
+    quitAndExpectNobody();
+}
+
+TEST_F(NewStart, isOneApplicationAlsoForWhoAsksWhileTheNameIsFree)
+{
+    startByTheBus();
+    waitForNewStart(Asking::startsWhatIsMissing); // for whom the bus may start another one
+    quitAndExpectNobody();
 }
