@@ -2,6 +2,36 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="de" sourcelanguage="en">
 <context>
+    <name>DropOverlay</name>
+    <message>
+        <source>Goes on waiting for Apple&apos;s verdict.</source>
+        <translation>Wartet weiter auf Apples Ergebnis.</translation>
+    </message>
+    <message>
+        <source>It %1 when you press Submit Now.</source>
+        <translation>Es %1, wenn Sie „Jetzt einreichen“ drücken.</translation>
+    </message>
+    <message>
+        <source>It opens in a window of its own, since this one has an item.</source>
+        <translation>Es öffnet sich in einem eigenen Fenster, denn dieses hat schon ein Objekt.</translation>
+    </message>
+    <message>
+        <source>The first stays here, each of the others opens in a window of its own.</source>
+        <translation>Das erste bleibt hier, jedes weitere öffnet sich in einem eigenen Fenster.</translation>
+    </message>
+    <message>
+        <source>Each opens in a window of its own.</source>
+        <translation>Jedes öffnet sich in einem eigenen Fenster.</translation>
+    </message>
+</context>
+<context>
+    <name>EndingNotices</name>
+    <message>
+        <source>%1: %2</source>
+        <translation>%1: %2</translation>
+    </message>
+</context>
+<context>
     <name>sealwright::AboutWindow</name>
     <message>
         <source>About Sealwright</source>
@@ -724,6 +754,26 @@ Sealwright wird jetzt beendet.</translation>
         <source>“%1” cannot be the name of a profile.</source>
         <translation>„%1“ kann kein Name eines Profils sein.</translation>
     </message>
+    <message>
+        <source>The active extra entitlements file is ‘%1’.</source>
+        <translation>Die Datei mit weiteren Berechtigungen ist „%1“.</translation>
+    </message>
+    <message>
+        <source>Notarizing uses a tool that requires password authorization. This means you need to do two things:
+
+• Set up an app-specific password. You do this by signing into you Apple ID account page &lt;%1&gt;, and clicking Generate Password below App-Specific Passwords.
+
+• Add the app-specific password to your login keychain. Open Keychain Access.app, select the login keychain on the left, choose File -&gt; New Password Item…, and enter the name of your app-specific password as the Keychain Item Name, enter your Apple ID for the Account Name, and enter the actual app-specific password in the Password field.
+
+You should enter the name of the app-specific password in the selected field.</source>
+        <translation>Zum Beglaubigen dient ein Werkzeug, das sich mit einem Passwort ausweist. Dafür ist zweierlei nötig:
+
+• Legen Sie ein anwendungsspezifisches Passwort an. Melden Sie sich dazu auf der Seite Ihrer Apple-ID &lt;%1&gt; an, und klicken Sie unter „Anwendungsspezifische Passwörter“ auf „Passwort erstellen“.
+
+• Legen Sie das anwendungsspezifische Passwort in Ihrem Schlüsselbund „Anmeldung“ ab. Öffnen Sie die Schlüsselbundverwaltung, wählen Sie links den Schlüsselbund „Anmeldung“ und dann „Ablage -&gt; Neues Passwort …“. Geben Sie den Namen des Passworts als Namen des Objekts ein, Ihre Apple-ID als Account und das anwendungsspezifische Passwort als Passwort.
+
+In das ausgewählte Feld gehört der Name des anwendungsspezifischen Passworts.</translation>
+    </message>
 </context>
 <context>
     <name>sealwright::CredentialsGroup</name>
@@ -766,6 +816,17 @@ Sealwright wird jetzt beendet.</translation>
     <message>
         <source>For members of several teams</source>
         <translation>Für Mitglieder mehrerer Teams</translation>
+    </message>
+</context>
+<context>
+    <name>sealwright::DropOverlay</name>
+    <message>
+        <source>Drop “%1” here</source>
+        <translation>„%1“ hier ablegen</translation>
+    </message>
+    <message>
+        <source>Drop %1 items here</source>
+        <translation>%1 Objekte hier ablegen</translation>
     </message>
 </context>
 <context>
@@ -1272,7 +1333,7 @@ Sealwright wird jetzt beendet.</translation>
     </message>
     <message>
         <source>&amp;Keep log between runs</source>
-        <translation>Protokoll &amp;zwischen den Läufen behalten</translation>
+        <translation>&amp;Zwischen Läufen behalten</translation>
     </message>
     <message>
         <source>Show in the log</source>
@@ -1305,13 +1366,6 @@ Sealwright wird jetzt beendet.</translation>
 </context>
 <context>
     <name>sealwright::LogView</name>
-    <message numerus="yes">
-        <source>▸ %n more line(s)</source>
-        <translation>
-            <numerusform>▸ %n weitere Zeile</numerusform>
-            <numerusform>▸ %n weitere Zeilen</numerusform>
-        </translation>
-    </message>
     <message>
         <source>▾ Fold</source>
         <translation>▾ Zuklappen</translation>
@@ -1323,6 +1377,14 @@ Sealwright wird jetzt beendet.</translation>
     <message>
         <source>Fold This Entry</source>
         <translation>Eintrag zuklappen</translation>
+    </message>
+    <message>
+        <source>▸ 1 more line</source>
+        <translation>▸ 1 weitere Zeile</translation>
+    </message>
+    <message>
+        <source>▸ %1 more lines</source>
+        <translation>▸ %1 weitere Zeilen</translation>
     </message>
 </context>
 <context>
@@ -1739,10 +1801,6 @@ Sealwright wird jetzt beendet.</translation>
         <translation>Punkt</translation>
     </message>
     <message>
-        <source>Counts from the next line on.</source>
-        <translation>Gilt ab der nächsten Zeile.</translation>
-    </message>
-    <message>
         <source>&amp;Folder of tools</source>
         <translation>&amp;Ordner der Werkzeuge</translation>
     </message>
@@ -1757,6 +1815,18 @@ Sealwright wird jetzt beendet.</translation>
     <message>
         <source>0 is safe on this system. Counts for documents opened from now on.</source>
         <translation>0 ist auf diesem System sicher. Gilt für Dokumente, die von jetzt an geöffnet werden.</translation>
+    </message>
+    <message>
+        <source>Announce the &amp;end of a run in the background</source>
+        <translation>Das &amp;Ende eines Laufs im Hintergrund melden</translation>
+    </message>
+    <message>
+        <source>While no window of Sealwright is active; a click leads to the document.</source>
+        <translation>Während kein Fenster von Sealwright aktiv ist; ein Klick führt zum Dokument.</translation>
+    </message>
+    <message>
+        <source>12 is as large as the rest of the window. Counts from the next line on.</source>
+        <translation>12 ist so groß wie das übrige Fenster. Gilt ab der nächsten Zeile.</translation>
     </message>
 </context>
 <context>
@@ -2030,6 +2100,22 @@ Sealwright wird jetzt beendet.</translation>
         <source>Changes since %1</source>
         <translation>Änderungen seit %1</translation>
     </message>
+    <message>
+        <source>The notary service has refused the item. Its report is in the log.</source>
+        <translation>Der Beglaubigungsdienst hat das Objekt abgelehnt. Sein Bericht steht im Protokoll.</translation>
+    </message>
+    <message>
+        <source>%1 (and %2 more, under Issues)</source>
+        <translation>%1 (und %2 weitere unter „Mängel“)</translation>
+    </message>
+    <message>
+        <source>will be signed in %1 places by %2 and uploaded as a disk image</source>
+        <translation>wird an %1 Stellen von %2 signiert und als Image hochgeladen</translation>
+    </message>
+    <message>
+        <source>will be signed in %1 places by %2 and uploaded as a zip archive</source>
+        <translation>wird an %1 Stellen von %2 signiert und als Zip-Archiv hochgeladen</translation>
+    </message>
 </context>
 <context>
     <name>sealwright::SettingsSection</name>
@@ -2094,10 +2180,6 @@ Sealwright wird jetzt beendet.</translation>
     <message>
         <source>&lt;b&gt;2. Key or password&lt;/b&gt; for Apple&apos;s notary service, which takes keys only by now</source>
         <translation>&lt;b&gt;2. Schlüssel oder Passwort&lt;/b&gt; für Apples Beglaubigungsdienst, der inzwischen nur noch Schlüssel annimmt</translation>
-    </message>
-    <message>
-        <source>None yet.</source>
-        <translation>Noch nichts.</translation>
     </message>
     <message>
         <source>Key or password</source>
@@ -2207,6 +2289,10 @@ Sealwright wird jetzt beendet.</translation>
         <source>Steps</source>
         <translation>Schritte</translation>
     </message>
+    <message>
+        <source>The steps of a run stand here while it goes on, and stay when it has ended.</source>
+        <translation>Hier stehen die Schritte eines Laufs, solange er dauert und danach.</translation>
+    </message>
 </context>
 <context>
     <name>sealwright::TabBar</name>
@@ -2270,6 +2356,17 @@ Sealwright wird jetzt beendet.</translation>
     <message>
         <source>The log is not saved</source>
         <translation>Das Protokoll ist nicht gesichert</translation>
+    </message>
+</context>
+<context>
+    <name>sealwright::filepanels::DesktopPanel</name>
+    <message>
+        <source>The desktop asks for the file in a window of its own.</source>
+        <translation>Der Desktop fragt in einem eigenen Fenster nach der Datei.</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
     </message>
 </context>
 </TS>

@@ -1,7 +1,9 @@
 #include "app/desktophost.h"
 #include "commit.h"
 #include "platform/posix/endsignals.h"
+#include "platform/qt/filechooserportal.h"
 #include "scripting/dbus/scriptingbus.h"
+#include "ui/endingnotices.h"
 #include "ui/language.h"
 #include "ui/launcherentry.h"
 #include "ui/uploadprogress.h"
@@ -86,6 +88,9 @@ Ending runDesktopApplication()
         *new AppDelegate(host.services(), host.windowFactory(), host.configurationWithPrograms());
     ScriptingBus bus(delegate);
     const LauncherEntry launcher(delegate, QDBusConnection::sessionBus());
+    const EndingNotices notices(delegate);
+    if (QGuiApplication::platformName() != "offscreen"_L1)
+        new platform::FileChooserPortal(QDBusConnection::sessionBus(), qApp); // the windows look for it there
     host.application().setPendingOpens([&bus] { bus.takeArrivedCalls(); });
     const int status = takeTheBus(bus) ? launchAndRun(delegate, bus) : EXIT_SUCCESS;
     host.removeTemporaryItems();

@@ -47,6 +47,8 @@ inline const QString toolPause =
     QStringLiteral("toolPause"); ///< seconds that a runner waits after a tool's end
 /// Whether launch goes on by itself with what still waits for a verdict.
 inline const QString resumeWaiting = QStringLiteral("resumeWaiting");
+/// Whether the end of a run is announced while no window of the application is active.
+inline const QString notifiesOfEndings = QStringLiteral("notifiesOfEndings");
 /// "Dark" or absent; follows the desktop.
 inline const QString AppleInterfaceStyle = QStringLiteral("AppleInterfaceStyle");
 

@@ -49,20 +49,17 @@ void makeRoomFor(QPushButton &push, const QStringList &titles)
 } // namespace
 
 CommandBar::CommandBar(MainWinController &document, QWidget *parent)
-    : QWidget(parent)
+    : TwoPartRow(parent)
     , m_document(document)
 {
-    auto *const row = new QHBoxLayout(this);
-    row->setContentsMargins(0, 0, 0, 0);
-    addHistory(*row);
-    row->addStretch(1);
+    addHistory(first());
     QPushButton *const sign = makeButton(document.signOnlyButton, u"signOnlyButton"_s);
     QPushButton *const staple = makeButton(document.stapleOnlyButton, u"stapleOnlyButton"_s);
     m_submit = makeButton(document.submitAppButton, u"submitAppButton"_s);
     makeRoomFor(*staple, {u"Cancel"_s, u"Staple Only…"_s});
     makeRoomFor(*m_submit, {u"Submit Now"_s, u"Submit…"_s});
     for (QPushButton *const button : {sign, staple, m_submit})
-        row->addWidget(button);
+        second().addWidget(button);
     m_submit->setDefault(true);
 }
 

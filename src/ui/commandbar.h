@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QWidget>
+#include "ui/twopartrow.h"
 
 class QBoxLayout;
 class QLineEdit;
@@ -13,7 +13,7 @@ class MainWinController;
 
 /// What a document can be told to do: on the left the history of the account, on the right what begins with
 /// an item. The places stay as they are when a dropped item waits to be confirmed and some of them go.
-class CommandBar : public QWidget {
+class CommandBar : public TwoPartRow {
     Q_OBJECT
 
 public:

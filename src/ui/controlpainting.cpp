@@ -164,6 +164,12 @@ void controlpainting::drawComboBox(QPainter &painter, const QStyleOptionComboBox
     drawArrow(painter, arrow, option.palette.color(QPalette::ButtonText));
 }
 
+void controlpainting::drawPopupArrow(QPainter &painter, const QStyleOption &option, const QRect &place)
+{
+    const Soft soft(painter);
+    drawArrow(painter, place, option.palette.color(QPalette::ButtonText));
+}
+
 void controlpainting::drawCard(QPainter &painter, const QStyleOption &option)
 {
     const Soft soft(painter);

@@ -23,6 +23,8 @@ void drawField(QPainter &painter, const QStyleOption &option);
 void drawCheckBox(QPainter &painter, const QStyleOption &option);
 /// The frame of the popup and its arrow, without the title.
 void drawComboBox(QPainter &painter, const QStyleOptionComboBox &option, const QRect &arrow);
+/// The arrow of a button that opens a menu.
+void drawPopupArrow(QPainter &painter, const QStyleOption &option, const QRect &place);
 /// What is behind a group of controls.
 void drawCard(QPainter &painter, const QStyleOption &option);
 void drawTab(QPainter &painter, const QStyleOptionTab &option);

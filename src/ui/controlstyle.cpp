@@ -19,6 +19,7 @@ constexpr int shortestSlider = 28;
 constexpr int fieldMargin = 4; // between the edge of a field and what is in it
 constexpr int titleMargin = 8; // over the title of a group
 constexpr int titleIndent = 10;
+constexpr int roomForArrow = 18; // of a button with a menu
 constexpr int roomInButton = 8; // more than a button of that style has beside its title
 
 QFont bold(QFont font)
@@ -32,6 +33,12 @@ Weight weightOf(const QStyleOption &option)
     const auto *const button = qstyleoption_cast<const QStyleOptionButton *>(&option);
     const bool isDefault = button && button->features.testFlag(QStyleOptionButton::DefaultButton);
     return isDefault ? Weight::primary : Weight::ordinary;
+}
+
+bool hasMenu(const QStyleOption &option)
+{
+    const auto *const button = qstyleoption_cast<const QStyleOptionToolButton *>(&option);
+    return button && button->features.testFlag(QStyleOptionToolButton::HasMenu);
 }
 
 bool isFramed(const QStyleOption &option)
@@ -217,6 +224,22 @@ bool ControlStyle::drawPlain(ControlElement element, const QStyleOption &option,
     return true;
 }
 
+/// With the arrow of a popup beside its title, in the place of a speck in its corner.
+void ControlStyle::drawMenuButton(const QStyleOptionToolButton &button, QPainter &painter,
+                                  const QWidget *widget) const
+{
+    QStyleOptionToolButton plain(button);
+    plain.features &= ~(QStyleOptionToolButton::HasMenu | QStyleOptionToolButton::Menu);
+    controlpainting::drawButton(painter, plain, Weight::ordinary);
+    const int arrow = roomForArrow;
+    const QRect place =
+        visualRect(button.direction, button.rect,
+                   QRect(button.rect.right() - arrow, button.rect.top(), arrow, button.rect.height()));
+    controlpainting::drawPopupArrow(painter, plain, place);
+    plain.rect = visualRect(button.direction, button.rect, button.rect.adjusted(0, 0, -arrow, 0));
+    QProxyStyle::drawControl(CE_ToolButtonLabel, &plain, &painter, widget);
+}
+
 void ControlStyle::drawGroup(const QStyleOptionGroupBox &group, QPainter &painter) const
 {
     controlpainting::drawCard(painter, group);
@@ -234,6 +257,11 @@ bool ControlStyle::drawPlain(ComplexControl control, const QStyleOptionComplex &
         control == CC_ComboBox && popup && !popup->editable) {
         controlpainting::drawComboBox(painter, *popup,
                                       subControlRect(CC_ComboBox, popup, SC_ComboBoxArrow, widget));
+        return true;
+    }
+    if (const auto *const button = qstyleoption_cast<const QStyleOptionToolButton *>(&option);
+        control == CC_ToolButton && button && button->features.testFlag(QStyleOptionToolButton::HasMenu)) {
+        drawMenuButton(*button, painter, widget);
         return true;
     }
     if (control == CC_ScrollBar) {
@@ -277,6 +305,8 @@ QSize ControlStyle::sizeFromContents(ContentsType type, const QStyleOption *opti
         return size + QSize(roomInButton, 2);
     case CT_ComboBox:
         return size + QSize(0, 2);
+    case CT_ToolButton:
+        return size + QSize(hasMenu(*option) ? roomForArrow : 0, 0);
     case CT_TabBarTab:
         return size + QSize(0, 2);
     default:

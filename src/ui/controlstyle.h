@@ -3,6 +3,7 @@
 #include <QProxyStyle>
 
 class QStyleOptionGroupBox;
+class QStyleOptionToolButton;
 
 namespace sealwright {
 
@@ -27,6 +28,7 @@ public:
 
 private:
     bool isPlain() const;
+    void drawMenuButton(const QStyleOptionToolButton &button, QPainter &painter, const QWidget *widget) const;
     void drawGroup(const QStyleOptionGroupBox &group, QPainter &painter) const;
     bool drawPlain(PrimitiveElement element, const QStyleOption &option, QPainter &painter) const;
     bool drawPlain(ControlElement element, const QStyleOption &option, QPainter &painter,

@@ -110,6 +110,17 @@ const QStringList &coreTexts()
             "the submitted file.\n\nThe notarization process only accepts read-only Mac .dmg files, so if "
             "you choose a DropDMG configuration that specifies an incompatible format, notarization will "
             "fail."),
+        QT_TRANSLATE_NOOP("Core", "The active extra entitlements file is ‘%1’."),
+        QT_TRANSLATE_NOOP(
+            "Core",
+            "Notarizing uses a tool that requires password authorization. This means you need to do "
+            "two things:\n\n• Set up an app-specific password. You do this by signing into you Apple "
+            "ID account page <%1>, and clicking Generate Password below App-Specific Passwords.\n\n• "
+            "Add the app-specific password to your login keychain. Open Keychain Access.app, select "
+            "the login keychain on the left, choose File -> New Password Item…, and enter the name "
+            "of your app-specific password as the Keychain Item Name, enter your Apple ID for the "
+            "Account Name, and enter the actual app-specific password in the Password field.\n\nYou "
+            "should enter the name of the app-specific password in the selected field."),
         QT_TRANSLATE_NOOP("Core", "Missing Apple ID"),
         QT_TRANSLATE_NOOP("Core", "You need to enter your Apple ID."),
         QT_TRANSLATE_NOOP("Core", "Missing Password"),

@@ -8,14 +8,15 @@
 #include "run/status.h"
 #include "run/waits.h"
 #include "ui/commandbar.h"
+#include "ui/dropoverlay.h"
 #include "ui/itemheader.h"
 #include "ui/logpane.h"
 #include "ui/logview.h"
 #include "ui/outcomebanner.h"
 #include "ui/progresstext.h"
+#include "ui/runpanes.h"
 #include "ui/settingspane.h"
 #include "ui/setupbanner.h"
-#include "ui/sidepane.h"
 #include "ui/uploadprogress.h"
 #include "ui/waitingbanner.h"
 
@@ -24,8 +25,9 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QMimeData>
-#include <QRubberBand>
 #include <QSplitter>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -59,7 +61,7 @@ DocumentPage::DocumentPage(MainWinController &document)
     , m_header(new ItemHeader(document, this))
     , m_setupBanner(new SetupBanner(document, this))
     , m_banner(new OutcomeBanner(document, this))
-    , m_dropOutline(new QRubberBand(QRubberBand::Rectangle, this))
+    , m_dropOutline(new DropOverlay(this))
 {
     setAcceptDrops(true);
     new UploadProgress(document, this);
@@ -74,6 +76,24 @@ DocumentPage::DocumentPage(MainWinController &document)
     setStatusWord(document.statusString());
     connect(&document.stepList, &Observable::changed, this, &DocumentPage::progressed); // after the banner
     findChild<QWidget *>(u"appleIDField"_s)->setFocus();
+    m_banners = {m_setupBanner, m_banner, findChild<WaitingBanner *>()};
+    for (QWidget *const banner : m_banners)
+        banner->installEventFilter(this);
+    makeRoomForBanners();
+}
+
+void DocumentPage::makeRoomForBanners()
+{
+    const bool isCrowded = std::any_of(m_banners.cbegin(), m_banners.cend(),
+                                       [](const QWidget *banner) { return !banner->isHidden(); });
+    m_logPane->setRoom(isCrowded ? LogPane::Room::little : LogPane::Room::plenty);
+}
+
+bool DocumentPage::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::ShowToParent || event->type() == QEvent::HideToParent)
+        makeRoomForBanners();
+    return QWidget::eventFilter(watched, event);
 }
 
 QWidget *DocumentPage::makeParts()
@@ -81,20 +101,11 @@ QWidget *DocumentPage::makeParts()
     auto *const parts = new QSplitter(Qt::Vertical, this);
     parts->setChildrenCollapsible(false);
     parts->addWidget(new SettingsPane(m_document, parts));
-    parts->addWidget(makeRun());
+    auto *const run = new RunPanes(m_document, parts);
+    m_logPane = &run->log();
+    parts->addWidget(run);
     parts->setStretchFactor(1, 1);
     return parts;
-}
-
-QWidget *DocumentPage::makeRun()
-{
-    auto *const run = new QSplitter(Qt::Horizontal, this);
-    run->setChildrenCollapsible(false);
-    m_logPane = new LogPane(m_document, run);
-    run->addWidget(m_logPane);
-    run->addWidget(new SidePane(m_document, run));
-    run->setStretchFactor(0, 1);
-    return run;
 }
 
 QWidget &DocumentPage::header() const
@@ -155,12 +166,12 @@ void DocumentPage::printLog(QPagedPaintDevice &paper) const
 
 void DocumentPage::dragEnterEvent(QDragEnterEvent *event)
 {
-    if (itemsOf(*event->mimeData(), m_document.host()).isEmpty())
+    const QStringList items = itemsOf(*event->mimeData(), m_document.host());
+    if (items.isEmpty())
         return;
     acceptCopy(*event);
-    m_dropOutline->setGeometry(rect());
-    m_dropOutline->show();
-    m_dropOutline->raise();
+    const FirstItem first = isWithoutItem() ? FirstItem::staysHere : FirstItem::opensElsewhere;
+    m_dropOutline->showFor(items, dropSentence(m_document, items, first));
 }
 
 void DocumentPage::dragLeaveEvent(QDragLeaveEvent *)

@@ -13,6 +13,7 @@ class QRubberBand;
 namespace sealwright {
 
 class CommandBar;
+class DropOverlay;
 class FindBar;
 class ItemHeader;
 class LogPane;
@@ -56,6 +57,7 @@ Q_SIGNALS:
     void progressed();
 
 protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
     void dragEnterEvent(QDragEnterEvent *event) override;
     void dragLeaveEvent(QDragLeaveEvent *event) override;
     void dropEvent(QDropEvent *event) override;
@@ -65,7 +67,7 @@ private:
     bool isWithoutItem() const;
     void takeHere(const QString &path);
     QWidget *makeParts();
-    QWidget *makeRun();
+    void makeRoomForBanners();
 
     MainWinController &m_document;
     ItemHeader *m_header;
@@ -73,7 +75,8 @@ private:
     OutcomeBanner *m_banner;
     LogPane *m_logPane = nullptr;
     CommandBar *m_commands = nullptr;
-    QRubberBand *m_dropOutline; ///< on show while files that can be dropped are over the page
+    DropOverlay *m_dropOutline; ///< on show while files that can be dropped are over the page
+    QList<QWidget *> m_banners; ///< above the parts, each of them now and then
     QPointer<QWidget> m_lastFocus;
 };
 

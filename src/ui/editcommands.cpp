@@ -1,6 +1,7 @@
 #include "ui/editcommands.h"
 
 #include "ui/framewindow.h"
+#include "ui/icons.h"
 #include "ui/menuitems.h"
 #include "ui/widgetwindow.h"
 
@@ -16,15 +17,24 @@ using namespace Qt::StringLiterals;
 
 namespace sealwright {
 
+using icons::Command;
+
 EditCommands::EditCommands(FrameWindow &frame, QMenu &menu)
     : QObject(&menu)
     , m_frame(frame)
 {
-    add(menu, tr("Cu&t"), QKeySequence::Cut, "cut", [this] { return isEditable() && hasSelection(); });
-    add(menu, tr("&Copy"), QKeySequence::Copy, "copy", [this] { return hasSelection(); });
-    add(menu, tr("&Paste"), QKeySequence::Paste, "paste", [this] { return isEditable() && canBePasted(); });
-    add(menu, tr("Select &All"), QKeySequence::SelectAll, "selectAll",
-        [this] { return editor() != nullptr; });
+    add(menu, tr("Cu&t"), QKeySequence::Cut, "cut", [this] {
+        return isEditable() && hasSelection();
+    }).setIcon(icons::of(Command::cut));
+    add(menu, tr("&Copy"), QKeySequence::Copy, "copy", [this] {
+        return hasSelection();
+    }).setIcon(icons::of(Command::copy));
+    add(menu, tr("&Paste"), QKeySequence::Paste, "paste", [this] {
+        return isEditable() && canBePasted();
+    }).setIcon(icons::of(Command::paste));
+    add(menu, tr("Select &All"), QKeySequence::SelectAll, "selectAll", [this] {
+        return editor() != nullptr;
+    }).setIcon(icons::of(Command::selectAll));
     connect(qApp, &QApplication::focusChanged, this, [this](QWidget *, QWidget *now) {
         const bool isText = qobject_cast<QLineEdit *>(now) || qobject_cast<QPlainTextEdit *>(now);
         if (isText && now->window() == &m_frame)
@@ -32,14 +42,15 @@ EditCommands::EditCommands(FrameWindow &frame, QMenu &menu)
     });
 }
 
-void EditCommands::add(QMenu &menu, const QString &text, const QKeySequence &shortcut, const char *slot,
-                       const std::function<bool()> &isPossible)
+QAction &EditCommands::add(QMenu &menu, const QString &text, const QKeySequence &shortcut, const char *slot,
+                           const std::function<bool()> &isPossible)
 {
     QAction *const item = menu.addAction(text, shortcut, this, [this, slot] {
         if (QWidget *const target = editor())
             QMetaObject::invokeMethod(target, slot);
     });
     offerWhileOpen(menu, *item, isPossible);
+    return *item;
 }
 
 /// The text that the items act on; null if the last one is out of sight or out of reach.

@@ -5,6 +5,7 @@
 
 #include <functional>
 
+class QAction;
 class QKeySequence;
 class QMenu;
 
@@ -21,8 +22,8 @@ public:
     EditCommands(FrameWindow &frame, QMenu &menu);
 
 private:
-    void add(QMenu &menu, const QString &text, const QKeySequence &shortcut, const char *slot,
-             const std::function<bool()> &isPossible);
+    QAction &add(QMenu &menu, const QString &text, const QKeySequence &shortcut, const char *slot,
+                 const std::function<bool()> &isPossible);
     static bool canBePasted();
     QWidget *editor() const;
     bool hasSelection() const;

@@ -24,6 +24,8 @@ namespace sealwright {
 
 namespace {
 
+constexpr qreal rowHeight = 1.6; // of the text's
+
 /// The address of the log in what the service has on record; invalid if there is none.
 QUrl addressOfLog(const QString &record)
 {
@@ -68,9 +70,10 @@ void HistoryPane::setUpTable()
     m_table->setTabKeyNavigation(false);
     m_table->setWordWrap(false);
     m_table->verticalHeader()->hide();
+    m_table->verticalHeader()->setDefaultSectionSize(qRound(fontMetrics().height() * rowHeight));
     m_table->horizontalHeader()->setStretchLastSection(true);
     const int letter = fontMetrics().averageCharWidth();
-    const QList<int> widths{20, 12, 18, 36}; // characters
+    const QList<int> widths{27, 12, 18, 36}; // characters
     for (int column = 0; column < widths.size(); ++column)
         m_table->setColumnWidth(column, widths.at(column) * letter);
 }

@@ -4,7 +4,10 @@
 #include "platform/bundle.h"
 #include "platform/fileservice.h"
 #include "run/item.h"
+#include "ui/itemsurvey.h"
 #include "ui/shown.h"
+
+#include <QLocale>
 
 using namespace Qt::StringLiterals;
 
@@ -30,6 +33,12 @@ QString nameOf(ItemKind kind)
     return QObject::tr("Item");
 }
 
+int decimalsOf(qint64 bytes)
+{
+    constexpr qint64 gigabyte = 1'000'000'000;
+    return bytes < gigabyte ? 0 : 1;
+}
+
 } // namespace
 
 QString itemfacts::describe(const platform::FileService &files, const QString &path)
@@ -45,14 +54,30 @@ QString itemfacts::describe(const platform::FileService &files, const QString &p
     return facts.join(u" · "_s);
 }
 
-QString itemfacts::intention(MainWinController &document, const QString &path)
+QString itemfacts::describe(const ItemSurvey &survey)
+{
+    QStringList facts;
+    if (survey.bytes > 0)
+        facts.append(
+            QLocale().formattedDataSize(survey.bytes, decimalsOf(survey.bytes), QLocale::DataSizeSIFormat));
+    if (!survey.architectures.isEmpty())
+        facts.append(survey.architectures.join(u", "_s));
+    return facts.join(u" · "_s);
+}
+
+QString itemfacts::intention(MainWinController &document, const QString &path, qsizetype places)
 {
     const QString identity = shown(document.identitiesPopup.titleOfSelectedItem());
     if (!isBundleKind(itemKind(path)))
         return QObject::tr("will be signed by %1 and uploaded as it is").arg(identity);
-    if (document.createDiskImageCheckbox.isOn())
-        return QObject::tr("will be signed by %1 and uploaded as a disk image").arg(identity);
-    return QObject::tr("will be signed by %1 and uploaded as a zip archive").arg(identity);
+    const bool isImage = document.createDiskImageCheckbox.isOn();
+    if (places > 1 && !document.dontSignEnclosuresCheckbox.isOn())
+        return (isImage ? QObject::tr("will be signed in %1 places by %2 and uploaded as a disk image")
+                        : QObject::tr("will be signed in %1 places by %2 and uploaded as a zip archive"))
+            .arg(QString::number(places), identity);
+    return (isImage ? QObject::tr("will be signed by %1 and uploaded as a disk image")
+                    : QObject::tr("will be signed by %1 and uploaded as a zip archive"))
+        .arg(identity);
 }
 
 } // namespace sealwright

@@ -2,6 +2,8 @@
 
 #include "document/mainwincontroller.h"
 #include "platform/itempath.h"
+#include "platform/mainqueue.h"
+#include "platform/workerqueue.h"
 #include "run/status.h"
 #include "ui/bindings.h"
 #include "ui/busybar.h"
@@ -18,6 +20,7 @@
 #include <QGridLayout>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPointer>
 #include <QPushButton>
 
 using namespace Qt::StringLiterals;
@@ -26,7 +29,9 @@ namespace sealwright {
 
 namespace {
 
-constexpr int charactersOfProgress = 24; // that the bar is as wide as
+constexpr int charactersOfProgress = 26; // that the bar is as wide as
+constexpr int charactersOfLongProgress = 46;
+constexpr int charactersOfWideHeader = 140;
 constexpr int interval = 1000; // milliseconds between two looks at the time
 constexpr int linesOfIcon = 3; // that it is as tall as
 constexpr qreal itemNameScale = 1.35;
@@ -47,12 +52,9 @@ ItemHeader::ItemHeader(MainWinController &document, QWidget *parent)
     row->setContentsMargins(0, 0, 0, 0);
     row->addWidget(m_icon);
     row->addWidget(makeLines(), 1);
-    row->addWidget(new ProfileButton(document, this));
-    row->addWidget(makeProgress());
-    row->addWidget(makeCancelButton());
-    for (Control *const control :
-         std::initializer_list<Control *>{&document.appletNameField, &document.identitiesPopup,
-                                          &document.createDiskImageCheckbox, &document.submitAppButton})
+    for (Control *const control : std::initializer_list<Control *>{
+             &document.appletNameField, &document.identitiesPopup, &document.createDiskImageCheckbox,
+             &document.dontSignEnclosuresCheckbox, &document.submitAppButton})
         connect(control, &Control::changed, this, &ItemHeader::showItem);
     showItem();
 }
@@ -65,8 +67,11 @@ QWidget *ItemHeader::makeLines()
     grid->setVerticalSpacing(2);
     grid->setColumnStretch(1, 1);
     grid->addWidget(makeItemName(), 0, 0, 1, 2);
+    grid->addWidget(makeProgress(), 0, 2);
+    grid->addWidget(makeCancelButton(), 0, 3);
+    grid->addWidget(new ProfileButton(m_document, this), 0, 4);
     grid->addWidget(m_statusWord, 1, 0);
-    grid->addWidget(m_facts, 1, 1);
+    grid->addWidget(m_facts, 1, 1, 1, 4); // below the others: it is long
     grid->setHorizontalSpacing(fontMetrics().averageCharWidth() * 2);
     return lines;
 }
@@ -78,9 +83,40 @@ void ItemHeader::showItem()
     const int side = m_icon->fontMetrics().height() * linesOfIcon;
     m_icon->setFixedSize(side, side);
     m_icon->setPixmap(itemicon::pictureOf(m_document.host().files, path, side));
-    const QString facts = itemfacts::describe(m_document.host().files, path);
-    const bool waitsForPerson = m_document.submitAppButton.action() == Action::doDirectSubmit;
-    m_facts->setText(waitsForPerson ? facts + u" · "_s + itemfacts::intention(m_document, path) : facts);
+    survey(path);
+    showFacts();
+}
+
+void ItemHeader::showFacts()
+{
+    QStringList facts{itemfacts::describe(m_document.host().files, m_surveyed),
+                      itemfacts::describe(m_survey)};
+    if (m_document.submitAppButton.action() == Action::doDirectSubmit)
+        facts.append(itemfacts::intention(m_document, m_surveyed, m_survey.places));
+    facts.removeAll(QString());
+    m_facts->setText(facts.join(u" · "_s));
+    m_facts->setToolTip(m_facts->text());
+}
+
+/// On a worker: the walk takes its time, and the item is on show meanwhile.
+void ItemHeader::survey(const QString &path)
+{
+    if (path == m_surveyed)
+        return;
+    m_surveyed = path;
+    m_survey = {};
+    if (path.isEmpty())
+        return;
+    const platform::Host &host = m_document.host();
+    host.workers.post([&host, path, header = QPointer(this)] {
+        const ItemSurvey survey = surveyOf(host.files, path);
+        host.mainQueue.post([header, path, survey] {
+            if (!header || header->m_surveyed != path)
+                return;
+            header->m_survey = survey;
+            header->showFacts();
+        });
+    });
 }
 
 void ItemHeader::setStatusWord(const QString &word)
@@ -109,7 +145,7 @@ QWidget *ItemHeader::makeItemName()
 
 QWidget *ItemHeader::makeProgress()
 {
-    auto *const place = new QWidget(this);
+    auto *const place = m_progressPlace = new QWidget(this);
     place->setFixedWidth(fontMetrics().averageCharWidth() * charactersOfProgress);
     m_progressText->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     m_progress = named(new BusyBar(place), u"progressIndicator"_s, tr("Progress"));
@@ -126,6 +162,15 @@ QWidget *ItemHeader::makeProgress()
     return place;
 }
 
+/// In a wide window all of the text has its place, in a narrow one the name of the item does.
+void ItemHeader::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    const int letter = fontMetrics().averageCharWidth();
+    const bool isWide = width() > letter * charactersOfWideHeader;
+    m_progressPlace->setFixedWidth(letter * (isWide ? charactersOfLongProgress : charactersOfProgress));
+}
+
 /// A run that a cancel of an earlier one has stopped keeps its document busy; nothing goes on in it.
 void ItemHeader::showProgress()
 {
@@ -134,8 +179,9 @@ void ItemHeader::showProgress()
     const bool hasStopped = !steps.rows().isEmpty() && !row
         && steps.rows().first().state != StepState::waiting
         && m_document.statusString() == status::submitting;
-    m_progressText->setText(m_document.progressIndicator.isAnimating() ? progresstext::present(steps)
-                                                                       : QString());
+    const bool isGoingOn = m_document.progressIndicator.isAnimating();
+    m_progressText->setText(isGoingOn ? progresstext::present(steps) : QString());
+    m_progressText->setToolTip(m_progressText->text());
     m_progress->showParts(row ? row->parts.done : 0, row ? row->parts.all : 0);
     m_progress->setIsStill(hasStopped);
     m_seconds.setIsWanted(steps.wait().has_value());

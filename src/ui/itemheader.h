@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ui/activewindowtimer.h"
+#include "ui/itemsurvey.h"
 
 #include <QWidget>
 
@@ -23,6 +24,9 @@ public:
 
     void setStatusWord(const QString &word);
 
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+
 private:
     QWidget *makeItemName();
     QWidget *makeProgress();
@@ -30,12 +34,17 @@ private:
     QPushButton *makeCancelButton();
     QWidget *makeLines();
     void showItem();
+    void showFacts();
+    void survey(const QString &path);
 
     MainWinController &m_document;
     QLabel *m_icon;
     QLabel *m_statusWord;
     ElidedLabel *m_progressText;
     ElidedLabel *m_facts;
+    QString m_surveyed; ///< path of the item that the survey is of; empty without one
+    ItemSurvey m_survey; ///< as far as it is known
+    QWidget *m_progressPlace = nullptr;
     BusyBar *m_progress = nullptr;
     ActiveWindowTimer m_seconds;
 };

@@ -7,6 +7,7 @@
 #include <QFileSystemModel>
 #include <QLineEdit>
 #include <QSortFilterProxyModel>
+#include <QSplitter>
 
 using namespace Qt::StringLiterals;
 
@@ -14,6 +15,8 @@ namespace sealwright {
 
 namespace {
 
+constexpr int charactersAcross = 110;
+constexpr int linesDown = 28;
 const QString nameField = u"fileNameEdit"_s; // of a file dialog of Qt
 
 /// Leaves out the files of other types, and greys out what cannot be chosen all the same. A folder that
@@ -60,6 +63,14 @@ ItemPanel::ItemPanel(const platform::OpenPanel &panel, const QString &folder, QW
     setFileMode(panel.canChooseFiles ? ExistingFile : Directory);
     setProxyModel(new ChoosableItems([this](const QString &path) { return isChoosableFile(path); },
                                      [this](const QString &path) { return isEnabled(path); }, this));
+    resize(fontMetrics().averageCharWidth() * charactersAcross, fontMetrics().height() * linesDown);
+    for (QWidget *const part :
+         {findChild<QWidget *>(u"fileTypeLabel"_s), findChild<QWidget *>(u"fileTypeCombo"_s)}) {
+        if (part)
+            part->hide(); // there is one choice of what is on show
+    }
+    if (auto *const columns = findChild<QSplitter *>(u"splitter"_s))
+        columns->setSizes({width() / 4, width() * 3 / 4});
     connect(this, &QFileDialog::currentChanged, this, &ItemPanel::showName);
     connect(this, &QFileDialog::directoryEntered, this, [this](const QString &entered) {
         if (isChoosableFile(entered) && mayChoose(entered))

@@ -1,16 +1,17 @@
 #include "ui/keychainform.h"
 
+#include "ui/filepanels.h"
 #include "ui/named.h"
 #include "ui/settingrows.h"
 #include "ui/statetext.h"
 
 #include <QBoxLayout>
 #include <QDir>
-#include <QFileDialog>
 #include <QFileInfo>
 #include <QFormLayout>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPointer>
 #include <QPushButton>
 
 using namespace Qt::StringLiterals;
@@ -23,7 +24,7 @@ KeychainForm::KeychainForm(KeychainTools keychain, QWidget *parent)
     , m_rows(new QFormLayout(this))
     , m_state(new QLabel(this))
 {
-    m_rows->setContentsMargins(0, 0, 0, 0);
+    m_rows->setContentsMargins(0, m_rows->verticalSpacing(), 0, 0); // most stand under the line of a tab
     m_rows->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
     m_state->setTextFormat(Qt::PlainText);
     m_state->setWordWrap(true);
@@ -68,14 +69,14 @@ QLineEdit *KeychainForm::addFile(const Field &field, const QString &filter)
 
 void KeychainForm::chooseFile(QLineEdit &field, const QString &filter)
 {
-    auto *const panel = new QFileDialog(this, tr("Choose a file"), QDir::homePath(), filter);
-    panel->setAttribute(Qt::WA_DeleteOnClose);
-    panel->setFileMode(QFileDialog::ExistingFile);
-    connect(panel, &QFileDialog::fileSelected, &field, &QLineEdit::setText);
-    panel->open();
+    filepanels::choose(*this, {tr("Choose a file"), QDir::homePath(), filter},
+                       [edit = QPointer(&field)](const QString &path) {
+                           if (edit)
+                               edit->setText(path);
+                       });
 }
 
-void KeychainForm::addButton(const QString &name, const QString &title)
+QPushButton &KeychainForm::addButton(const QString &name, const QString &title)
 {
     m_rows->addRow(m_state);
     m_button = named(new QPushButton(title, this), name, settingrows::plainLabel(title));
@@ -88,6 +89,7 @@ void KeychainForm::addButton(const QString &name, const QString &title)
     m_state->setObjectName(name + u"State"_s);
     m_button->setEnabled(lacks().isEmpty());
     m_state->setVisible(false); // nobody has typed anything
+    return *m_button;
 }
 
 void KeychainForm::showState()

@@ -36,7 +36,7 @@ protected:
     /// A field for the path of a file, with a panel to choose it in. `filter` as QFileDialog has it.
     QLineEdit *addFile(const Field &field, const QString &filter);
     /// Ends the form.
-    void addButton(const QString &name, const QString &title);
+    QPushButton &addButton(const QString &name, const QString &title);
     /// Shows a text where the outcome stands.
     void tellFailure(const QString &text);
     void tellSuccess(const QString &text);

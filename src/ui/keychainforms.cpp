@@ -2,6 +2,7 @@
 
 #include <QFileInfo>
 #include <QLineEdit>
+#include <QPushButton>
 #include <QRegularExpression>
 #include <QUuid>
 
@@ -55,8 +56,8 @@ PracticeForm::PracticeForm(KeychainTools keychain, Extent extent, QWidget *paren
     , m_name(addField({u"practiceName"_s, tr("Your &name or company"), tr("Example Corp")}))
 {
     m_name->setText(tr("Practice"));
-    addButton(u"practiceButton"_s,
-              extent == Extent::forAll ? tr("Set Up for &Practice") : tr("Make &Identity"));
+    const QString title = extent == Extent::forAll ? tr("Set Up for &Practice") : tr("Make &Identity");
+    addButton(u"practiceButton"_s, title).setDefault(true); // all that there is to do
 }
 
 QString PracticeForm::identity() const

@@ -87,6 +87,7 @@ QWidget *KeychainWindow::makeIdentities()
     auto *const ways = named(new QTabWidget(page), u"keychainIdentityWays"_s, tr("Add an identity"));
     auto *const import = new ImportForm(m_keychain, ways);
     auto *const make = new PracticeForm(m_keychain, PracticeForm::Extent::identityAlone, ways);
+    ways->setDocumentMode(true);
     ways->addTab(import, tr("Import"));
     ways->addTab(make, tr("Make One to Practise"));
     for (const KeychainForm *const form : std::initializer_list<KeychainForm *>{import, make})
@@ -126,6 +127,7 @@ QWidget *KeychainWindow::makePasswords()
 {
     auto *const page = new QWidget(m_pages);
     auto *const ways = named(new QTabWidget(page), u"keychainItemWays"_s, tr("Add a key or a password"));
+    ways->setDocumentMode(true);
     ways->addTab(new ApiKeyForm(m_keychain, ways), tr("API key"));
     ways->addTab(new PasswordForm(m_keychain, ways), tr("App-specific password"));
     auto *const rows = new QVBoxLayout(page);

@@ -1,5 +1,7 @@
 #include "ui/logfolds.h"
 
+#include <QAbstractTextDocumentLayout>
+#include <QElapsedTimer>
 #include <QTextDocument>
 
 namespace sealwright {
@@ -7,7 +9,8 @@ namespace sealwright {
 namespace {
 
 constexpr int mostShown = 12; // lines of an entry that are never folded
-constexpr int piece = 2000; // blocks that are gone through in one turn of the event loop
+constexpr int piece = 250; // blocks that are gone through before the next look at the clock
+constexpr int turn = 8; // milliseconds that one turn of the event loop may take, about
 
 // The state of a block: the style of its entry, and whether an earlier block begins it.
 constexpr int continuation = 0x100;
@@ -129,6 +132,17 @@ void LogFolds::apply(int firstBlock, int lastBlock)
 
 void LogFolds::applySome()
 {
+    QElapsedTimer time;
+    time.start();
+    while (!isSettled() && time.elapsed() < turn)
+        applyPiece();
+    if (isSettled())
+        m_soon.stop();
+    Q_EMIT changed();
+}
+
+void LogFolds::applyPiece()
+{
     const int first = m_next;
     QTextBlock block = m_document.findBlockByNumber(first);
     bool isInFold = isContinuation(block) && isFolded(headOf(block));
@@ -140,10 +154,25 @@ void LogFolds::applySome()
         block.setVisible(isLast || (isWanted(block) && !(isInFold && isContinuation(block))));
     }
     m_next = block.isValid() && number <= m_last ? number : -1;
-    if (isSettled())
-        m_soon.stop();
     relayout(first, number - 1);
-    Q_EMIT changed();
+    layHidden(first, number - 1);
+}
+
+/// A view that is painted lays out each hidden line on its way to the next one that is seen, all of them at
+/// once, unless that has been done.
+void LogFolds::layHidden(int firstBlock, int lastBlock)
+{
+    QTextBlock block = m_document.findBlockByNumber(firstBlock);
+    for (int number = firstBlock; block.isValid() && number <= lastBlock; ++number, block = block.next()) {
+        if (!block.isVisible())
+            m_document.documentLayout()->blockBoundingRect(block);
+    }
+}
+
+void LogFolds::layHiddenAnew()
+{
+    if (m_filter != LogFilter::all)
+        apply(0, m_document.blockCount() - 1);
 }
 
 void LogFolds::relayout(int firstBlock, int lastBlock)

@@ -37,6 +37,9 @@ public:
     void toggle(const QTextBlock &block);
     /// Brings a line into sight, whatever hides it; soon, as all that changes.
     void reveal(const QTextBlock &block);
+    /// To be called when the width of the view has changed: what is hidden is laid out for it, soon. Settled
+    /// at once where no filter hides anything.
+    void layHiddenAnew();
     /// Whether all lines are as they should be.
     bool isSettled() const { return m_next < 0; }
 
@@ -49,6 +52,8 @@ private:
     void setFolded(const QTextBlock &head, bool isFolded);
     void apply(int firstBlock, int lastBlock);
     void applySome();
+    void applyPiece();
+    void layHidden(int firstBlock, int lastBlock);
     void relayout(int firstBlock, int lastBlock);
 
     QTextDocument &m_document;

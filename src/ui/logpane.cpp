@@ -7,10 +7,12 @@
 #include "ui/settingrows.h"
 #include "ui/shown.h"
 #include "ui/toplevel.h"
+#include "ui/twopartrow.h"
 
 #include <QBoxLayout>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QFontInfo>
 #include <QLabel>
 #include <QToolButton>
 
@@ -20,7 +22,8 @@ namespace sealwright {
 
 namespace {
 
-constexpr int leastLogLines = 8;
+constexpr int leastLines = 8;
+constexpr int leastLinesBelowABanner = 4; // which with a large font takes the room of the others
 
 } // namespace
 
@@ -38,7 +41,8 @@ LogPane::LogPane(MainWinController &document, QWidget *parent)
     };
     connect(&document.submitAppButton, &Control::changed, m_log, showHint);
     showHint();
-    m_log->setMinimumHeight(m_log->heightOfLines(leastLogLines));
+    m_log->setSizeOfInterface(QFontInfo(font()).pointSizeF());
+    setRoom(Room::plenty);
     auto *const rows = new QVBoxLayout(this);
     rows->setContentsMargins(0, 0, 0, 0);
     addCaption(*rows);
@@ -46,18 +50,22 @@ LogPane::LogPane(MainWinController &document, QWidget *parent)
     rows->addWidget(m_findBar);
 }
 
+void LogPane::setRoom(Room room)
+{
+    m_log->setMinimumHeight(m_log->heightOfLines(room == Room::plenty ? leastLines : leastLinesBelowABanner));
+}
+
 void LogPane::addCaption(QBoxLayout &rows)
 {
-    auto *const row = new QHBoxLayout;
-    row->addWidget(settingrows::makeHeading(this, tr("Lo&g"), *m_log));
-    row->addWidget(makeFilter());
-    row->addStretch(1);
-    row->addWidget(settingrows::makeCheckbox(
+    auto *const row = new TwoPartRow(this);
+    row->first().addWidget(settingrows::makeHeading(this, tr("Lo&g"), *m_log));
+    row->first().addWidget(makeFilter());
+    row->second().addWidget(settingrows::makeCheckbox(
         this, m_document,
         {&DocumentControls::dontClearCheckbox, u"dontClearCheckbox"_s, tr("&Keep log between runs"), {}}));
     QWidget *const clear = makeClearButton();
-    row->addWidget(clear);
-    rows.addLayout(row);
+    row->second().addWidget(clear);
+    rows.addWidget(row);
     setTabOrder(clear, m_log); // which stands below them
     setTabOrder(m_log, m_findBar->words());
 }

@@ -16,10 +16,14 @@ class LogPane : public QWidget {
     Q_OBJECT
 
 public:
+    /// How much of a small window is left to the log.
+    enum class Room { plenty, little };
+
     explicit LogPane(MainWinController &document, QWidget *parent = nullptr);
 
     LogView &log() const { return *m_log; }
     FindBar &findBar() const { return *m_findBar; }
+    void setRoom(Room room);
 
 private:
     void addCaption(QBoxLayout &rows);

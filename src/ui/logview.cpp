@@ -19,6 +19,7 @@ namespace sealwright {
 
 namespace {
 
+constexpr qreal sizeAsDelivered = 12; // of the setting
 constexpr qreal foldMargin = 8; // pixels, beside what says that there is more
 constexpr int meaningProperty = QTextFormat::UserProperty;
 constexpr int timeMeaning = 1;
@@ -57,6 +58,8 @@ LogView::LogView(const LogText &log, QWidget *parent)
     connect(&log, &LogText::appended, this, &LogView::append);
     connect(&log, &LogText::cleared, this, &QPlainTextEdit::clear);
     connect(&m_folds, &LogFolds::changed, this, [this] {
+        viewport()->setUpdatesEnabled(m_folds.isSettled() || !m_isResizing);
+        m_isResizing = m_isResizing && !m_folds.isSettled();
         viewport()->update();
         if (m_folds.isSettled() && std::exchange(m_isRevealing, false))
             ensureCursorVisible();
@@ -92,7 +95,9 @@ void LogView::scrollToEndSoon()
 QString LogView::textOfFold(const QTextBlock &head)
 {
     const int lines = LogFolds::linesBehind(head);
-    return LogFolds::isFolded(head) ? tr("▸ %n more line(s)", nullptr, lines).arg(lines) : tr("▾ Fold");
+    if (!LogFolds::isFolded(head))
+        return tr("▾ Fold");
+    return lines == 1 ? tr("▸ 1 more line") : tr("▸ %1 more lines").arg(lines);
 }
 
 /// Behind the first line, or at its end where that is as wide as the view.
@@ -174,10 +179,16 @@ void LogView::contextMenuEvent(QContextMenuEvent *event)
     menu->exec(event->globalPos());
 }
 
+void LogView::setSizeOfInterface(qreal pointSize)
+{
+    m_scale = pointSize / sizeAsDelivered;
+}
+
 int LogView::heightOfLines(int lines) const
 {
-    constexpr int pointSize = 12;
-    const QFontMetricsF metrics(QFont(m_fontFamily, pointSize));
+    QFont usual(m_fontFamily);
+    usual.setPointSizeF(sizeAsDelivered * m_scale);
+    const QFontMetricsF metrics(usual);
     return qCeil(lines * metrics.lineSpacing() + 2 * document()->documentMargin()) + 2 * frameWidth();
 }
 
@@ -187,6 +198,17 @@ void LogView::revealCursor()
         return;
     m_isRevealing = true;
     m_folds.reveal(textCursor().block());
+}
+
+/// Painting waits until what is hidden has been laid out for the new width.
+void LogView::resizeEvent(QResizeEvent *event)
+{
+    QPlainTextEdit::resizeEvent(event);
+    if (event->size().width() == event->oldSize().width())
+        return;
+    m_folds.layHiddenAnew();
+    m_isResizing = !m_folds.isSettled();
+    viewport()->setUpdatesEnabled(!m_isResizing);
 }
 
 void LogView::changeEvent(QEvent *event)
@@ -250,7 +272,7 @@ QTextCharFormat LogView::formatFor(const LogText::Run &run) const
     format.setFontFamilies({m_fontFamily});
     format.setFontFixedPitch(true);
     if (run.attributes.pointSize > 0)
-        format.setFontPointSize(run.attributes.pointSize);
+        format.setFontPointSize(run.attributes.pointSize * m_scale);
     if (run.style == LogStyle::bold)
         format.setFontWeight(QFont::Bold);
     format.setFontItalic(run.style == LogStyle::italic);

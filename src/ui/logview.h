@@ -23,6 +23,9 @@ public:
     void setFilter(LogFilter filter) { m_folds.setFilter(filter); }
     /// Whether every line is as the filter and the folds have it.
     bool isSettled() const { return m_folds.isSettled(); }
+    /// Lines at the size that the setting has as delivered are shown as large as the interface, others in
+    /// proportion. Counts from the next line on.
+    void setSizeOfInterface(qreal pointSize);
     /// In pixels, of lines at the size that they have as delivered, with the frame.
     int heightOfLines(int lines) const;
     /// Opens what hides the place where the cursor is.
@@ -33,6 +36,7 @@ public:
 
 protected:
     void changeEvent(QEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
@@ -53,8 +57,10 @@ private:
     QColor grey() const;
 
     LogFolds m_folds{*document()};
+    qreal m_scale = 1; ///< of the sizes that lines are written with
     bool m_willScroll = false;
     bool m_isRevealing = false;
+    bool m_isResizing = false; ///< and what is hidden has not been laid out for the new width
     const QString m_fontFamily; ///< of the desktop's fixed-width font
 };
 

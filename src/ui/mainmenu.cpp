@@ -5,6 +5,7 @@
 #include "ui/editcommands.h"
 #include "ui/findbar.h"
 #include "ui/framewindow.h"
+#include "ui/icons.h"
 #include "ui/keychainwindow.h"
 #include "ui/menuitems.h"
 #include "ui/preferenceswindow.h"
@@ -20,6 +21,8 @@
 using namespace Qt::StringLiterals;
 
 namespace sealwright {
+
+using icons::Command;
 
 namespace {
 
@@ -55,37 +58,45 @@ void MainMenu::addFileMenu()
     addItem(file, tr("Sa&ve Log As…"), QKeySequence(u"Ctrl+S"_s), [this] {
         if (!m_frame.selected().hasSheet())
             m_frame.selected().saveLog();
-    });
-    addCommand(file, tr("Page Set&up…"), QKeySequence(u"Ctrl+Shift+P"_s), Action::doRunPageLayout);
-    addCommand(file, tr("&Print Log…"), QKeySequence(u"Ctrl+P"_s), Action::doPrint);
+    })->setIcon(icons::of(Command::save));
+    addCommand(file, tr("Page Set&up…"), QKeySequence(u"Ctrl+Shift+P"_s), Action::doRunPageLayout)
+        ->setIcon(icons::of(Command::pageSetup));
+    addCommand(file, tr("&Print Log…"), QKeySequence(u"Ctrl+P"_s), Action::doPrint)
+        ->setIcon(icons::of(Command::print));
     file.addSeparator();
-    addItem(file, tr("&Quit"), QKeySequence(u"Ctrl+Q"_s),
-            [this] { document().host().application.terminate(); });
+    addItem(file, tr("&Quit"), QKeySequence(u"Ctrl+Q"_s), [this] {
+        document().host().application.terminate();
+    })->setIcon(icons::of(Command::quit));
 }
 
 void MainMenu::addNewItems(QMenu &menu)
 {
-    const auto add = [&](const QString &text, const QKeySequence &shortcut, int tag) {
+    const auto add = [&](const QString &text, const QKeySequence &shortcut, int tag, Command picture) {
         QAction *const item =
             addItem(menu, text, shortcut, [this, tag] { document().appDelegate().newDocument(tag); });
         item->setData(tag);
+        item->setIcon(icons::of(picture));
     };
-    add(tr("&New"), QKeySequence(u"Ctrl+N"_s), asTheDesktopLikes);
-    add(tr("New &Window"), QKeySequence(u"Ctrl+Shift+N"_s), asSeparateWindow);
-    add(tr("New &Tab"), QKeySequence(u"Ctrl+T"_s), asTab);
+    add(tr("&New"), QKeySequence(u"Ctrl+N"_s), asTheDesktopLikes, Command::newDocument);
+    add(tr("New &Window"), QKeySequence(u"Ctrl+Shift+N"_s), asSeparateWindow, Command::newWindow);
+    add(tr("New &Tab"), QKeySequence(u"Ctrl+T"_s), asTab, Command::newTab);
 }
 
 void MainMenu::addWorkflows(QMenu &menu)
 {
     QAction *const submit =
         addCommand(menu, tr("&Submit…"), QKeySequence(u"Ctrl+Return"_s), Action::doSubmit);
+    submit->setIcon(icons::of(Command::submit));
     connect(submit, &QAction::triggered, this, &MainMenu::submitDroppedItem);
-    addCommand(menu, tr("Si&gn Only…"), QKeySequence(u"Ctrl+Shift+Return"_s), Action::doSignOnly);
+    addCommand(menu, tr("Si&gn Only…"), QKeySequence(u"Ctrl+Shift+Return"_s), Action::doSignOnly)
+        ->setIcon(icons::of(Command::sign));
     // The button of that name has this key; two owners of one key would each keep it from the other.
-    addCommand(menu, tr("Staple &Only…\tCtrl+O"), {}, Action::doStapleOnly);
-    addCommand(menu, tr("Go On Wa&iting…"), {}, Action::doGoOnWaiting);
+    addCommand(menu, tr("Staple &Only…\tCtrl+O"), {}, Action::doStapleOnly)
+        ->setIcon(icons::of(Command::staple));
+    addCommand(menu, tr("Go On Wa&iting…"), {}, Action::doGoOnWaiting)
+        ->setIcon(icons::of(Command::goOnWaiting));
     addAgainItem(menu);
-    addCommand(menu, tr("C&ancel\tCtrl+."), {}, Action::doCancel);
+    addCommand(menu, tr("C&ancel\tCtrl+."), {}, Action::doCancel)->setIcon(icons::of(Command::cancel));
 }
 
 /// While a dropped item waits the menu's item is off, but its key goes on standing for the button.
@@ -108,13 +119,16 @@ void MainMenu::addAgainItem(QMenu &menu)
                 document().perform(present->action);
         });
     item->setObjectName(u"doAgainMenuItem"_s);
+    item->setIcon(icons::of(Command::repeat));
     offerWhileOpen(menu, *item, isPossible);
     connect(&menu, &QMenu::aboutToShow, item, [item, present] { item->setText(shown(present->title)); });
 }
 
 void MainMenu::addCloseItems(QMenu &menu)
 {
-    addItem(menu, tr("&Close"), QKeySequence(u"Ctrl+W"_s), [this] { m_frame.selected().performClose(); });
+    addItem(menu, tr("&Close"), QKeySequence(u"Ctrl+W"_s), [this] {
+        m_frame.selected().performClose();
+    })->setIcon(icons::of(Command::close));
     addCommand(menu, tr("Close All Ta&bs"), QKeySequence(u"Ctrl+Shift+W"_s), Action::doCloseWindow);
     addItem(menu, tr("Close A&ll"), QKeySequence(u"Ctrl+Alt+W"_s),
             [this] { document().appDelegate().doCloseAll(); });
@@ -128,7 +142,8 @@ void MainMenu::addEditMenu()
     new EditCommands(m_frame, edit);
     edit.addSeparator();
     addFindItems(edit);
-    addCommand(edit, tr("C&lear Log"), QKeySequence(u"Ctrl+K"_s), Action::doClearStatus);
+    addCommand(edit, tr("C&lear Log"), QKeySequence(u"Ctrl+K"_s), Action::doClearStatus)
+        ->setIcon(icons::of(Command::clear));
     edit.addSeparator();
     addDefaultsItems(edit);
     edit.addSeparator();
@@ -136,15 +151,21 @@ void MainMenu::addEditMenu()
         PreferencesWindow::present(
             document().host().preferences,
             KeychainTools(document().host(), document().appDelegate().keychainProgram()));
-    });
+    })->setIcon(icons::of(Command::settings));
 }
 
 void MainMenu::addFindItems(QMenu &menu)
 {
     const auto findBar = [this]() -> FindBar & { return m_frame.selected().page().findBar(); };
-    addItem(menu, tr("&Find…"), QKeySequence(u"Ctrl+F"_s), [findBar] { findBar().open(); });
-    addItem(menu, tr("Find &Next"), QKeySequence(u"F3"_s), [findBar] { findBar().findNext(); });
-    addItem(menu, tr("Find Pre&vious"), QKeySequence(u"Shift+F3"_s), [findBar] { findBar().findPrevious(); });
+    addItem(menu, tr("&Find…"), QKeySequence(u"Ctrl+F"_s), [findBar] {
+        findBar().open();
+    })->setIcon(icons::of(Command::find));
+    addItem(menu, tr("Find &Next"), QKeySequence(u"F3"_s), [findBar] {
+        findBar().findNext();
+    })->setIcon(icons::of(Command::findNext));
+    addItem(menu, tr("Find Pre&vious"), QKeySequence(u"Shift+F3"_s), [findBar] {
+        findBar().findPrevious();
+    })->setIcon(icons::of(Command::findPrevious));
 }
 
 void MainMenu::addDefaultsItems(QMenu &menu)
@@ -159,10 +180,12 @@ void MainMenu::addDefaultsItems(QMenu &menu)
 void MainMenu::addAccountMenu()
 {
     QMenu &account = addMenu(tr("&Account"), u"accountMenu"_s);
-    addCommand(account, tr("Fetch &History"), QKeySequence(u"Ctrl+H"_s), Action::doFetchHistory);
+    addCommand(account, tr("Fetch &History"), QKeySequence(u"Ctrl+H"_s), Action::doFetchHistory)
+        ->setIcon(icons::of(Command::history));
     account.addSeparator();
     addCommand(account, tr("Info for the &Last Upload"), QKeySequence(u"Ctrl+I"_s),
-               Action::doInfoForUUIDOfLastUpload);
+               Action::doInfoForUUIDOfLastUpload)
+        ->setIcon(icons::of(Command::info));
     addCommand(account, tr("Info for the UUID on the &Clipboard"), QKeySequence(u"Ctrl+Shift+I"_s),
                Action::doInfoForUUIDOnClipboard);
     addCommand(account, tr("Info for the UUID in a &File…"), {}, Action::doInfoForUUIDInFile);
@@ -182,6 +205,8 @@ void MainMenu::addKeychainItems(QMenu &account)
     QAction *const keychain = addItem(account, tr("&Keychain…"), {}, [this] {
         KeychainWindow::present(document().host(), document().appDelegate().keychainProgram());
     });
+    setUp->setIcon(icons::of(Command::setUp));
+    keychain->setIcon(icons::of(Command::keychain));
     connect(&account, &QMenu::aboutToShow, this, [this, separator, setUp, keychain] {
         for (QAction *const item : {separator, setUp, keychain})
             item->setVisible(!document().appDelegate().keychainProgram().isEmpty());
@@ -200,16 +225,25 @@ void MainMenu::addWindowMenu()
 void MainMenu::addHelpMenu()
 {
     QMenu &help = addMenu(tr("&Help"), u"helpMenu"_s);
-    addCommand(help, tr("&App-Specific Password"), {}, Action::doAppPassHelp);
+    addCommand(help, tr("&App-Specific Password"), {}, Action::doAppPassHelp)
+        ->setIcon(icons::of(Command::help));
     addCommand(help, tr("&Provider Short Name"), {}, Action::doTeamProviderHelp);
     addCommand(help, tr("&Extra Entitlements"), {}, Action::doExtraEntitlementsHelp);
     addCommand(help, tr("&Disk Image Options"), {}, Action::doDropDMGHelp);
     help.addSeparator();
-    addItem(help, tr("&Website"), {}, [this] { document().appDelegate().doVisitOurWebsite(); });
-    addItem(help, tr("Users' &Forum"), {}, [this] { document().appDelegate().doShowUsersForum(); });
-    addItem(help, tr("&Send Us Email"), {}, [this] { document().appDelegate().doSendUsEmail(); });
+    addItem(help, tr("&Website"), {}, [this] {
+        document().appDelegate().doVisitOurWebsite();
+    })->setIcon(icons::of(Command::website));
+    addItem(help, tr("Users' &Forum"), {}, [this] {
+        document().appDelegate().doShowUsersForum();
+    })->setIcon(icons::of(Command::forum));
+    addItem(help, tr("&Send Us Email"), {}, [this] {
+        document().appDelegate().doSendUsEmail();
+    })->setIcon(icons::of(Command::mail));
     help.addSeparator();
-    addItem(help, tr("A&bout Sealwright"), {}, [this] { document().appDelegate().doShowAboutPanel(); });
+    addItem(help, tr("A&bout Sealwright"), {}, [this] {
+        document().appDelegate().doShowAboutPanel();
+    })->setIcon(icons::of(Command::about));
     auto *const key = new QShortcut(QKeySequence::HelpContents, &m_frame);
     connect(key, &QShortcut::activated, this, [this, &help] { showHelp(help); });
 }

@@ -4,6 +4,9 @@
 
 #include "ui/steplistmodel.h"
 
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QRegularExpression>
 
 #include <algorithm>
@@ -14,6 +17,7 @@ namespace sealwright {
 
 namespace {
 
+const QString verdictRefused = u"Notarization Failed"_s; // the title of its sheet
 const QString seeTheLog = u"See the log for details."_s;
 constexpr qsizetype mostOfTime = 20; // characters
 const QString refusal = u"rejected"_s; // in the text that tells of the service's refusal
@@ -26,10 +30,31 @@ const StepList::Row *firstIn(const StepList &steps, StepState state)
     return row == rows.cend() ? nullptr : &*row;
 }
 
+/// The rest of a report is in the log.
+QString firstLine(const QString &text)
+{
+    const QString whole = text.trimmed();
+    const QString first = whole.section(u'\n', 0, 0).trimmed();
+    return first.size() < whole.size() ? first + u" …"_s : first;
+}
+
 QString reasonOf(const LastWords &words)
 {
     const bool isTold = !words.alertText.isEmpty() && words.alertText != seeTheLog;
-    return isTold ? words.alertText : words.errorLine;
+    return isTold ? words.alertText : firstLine(words.errorLine);
+}
+
+QString reasonOfRefusal(const LastWords &words)
+{
+    return words.finding.isEmpty()
+        ? QObject::tr("The notary service has refused the item. Its report is in the log.")
+        : words.finding;
+}
+
+bool isRefusal(const StepList::Row &row, const LastWords &words)
+{
+    return row.step == step::awaitResult
+        && (words.alertTitle == verdictRefused || words.errorLine.contains(refusal, Qt::CaseInsensitive));
 }
 
 RunOutcome waiting(const StepList &steps)
@@ -40,9 +65,8 @@ RunOutcome waiting(const StepList &steps)
 RunOutcome failure(const StepList::Row &row, const LastWords &words)
 {
     const QString title = words.alertTitle.isEmpty() ? stepName(row.step) : words.alertTitle;
-    const bool isRefused =
-        row.step == step::awaitResult && words.errorLine.contains(refusal, Qt::CaseInsensitive);
-    return {isRefused ? RunOutcome::Kind::refused : RunOutcome::Kind::failed, title, reasonOf(words)};
+    return isRefusal(row, words) ? RunOutcome{RunOutcome::Kind::refused, title, reasonOfRefusal(words)}
+                                 : RunOutcome{RunOutcome::Kind::failed, title, reasonOf(words)};
 }
 
 RunOutcome success(const StepList &steps, const LastWords &words)
@@ -54,6 +78,21 @@ RunOutcome success(const StepList &steps, const LastWords &words)
 }
 
 } // namespace
+
+QString findingIn(const QString &issues)
+{
+    QStringList errors;
+    for (const QJsonValue value : QJsonDocument::fromJson(issues.toUtf8()).array()) {
+        const QJsonObject issue = value.toObject();
+        const QString file = issue.value(u"path"_s).toString().section(u'/', -1);
+        const QString message = issue.value(u"message"_s).toString();
+        if (issue.value(u"severity"_s).toString() == "error"_L1 && !message.isEmpty())
+            errors.append(file.isEmpty() ? message : file + u": "_s + message);
+    }
+    if (errors.size() < 2)
+        return errors.value(0);
+    return QObject::tr("%1 (and %2 more, under Issues)").arg(errors.first()).arg(errors.size() - 1);
+}
 
 RunOutcome outcomeOf(const StepList &steps, const LastWords &words)
 {

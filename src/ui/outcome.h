@@ -25,8 +25,11 @@ struct LastWords {
     QString alertTitle; ///< of the latest sheet; empty if there was none
     QString alertText;
     QString errorLine; ///< the latest error of the log, without the time
+    QString finding = {}; ///< what the service found wrong, in a sentence; empty if it found nothing
 };
 
+/// The first error that the service found, and how many more there are. `issues` is its JSON array; pure.
+[[nodiscard]] QString findingIn(const QString &issues);
 /// Nothing while a run goes on, but for the wait for the verdict. Pure.
 [[nodiscard]] RunOutcome outcomeOf(const StepList &steps, const LastWords &words);
 [[nodiscard]] theme::Meaning meaningOf(RunOutcome::Kind kind);

@@ -9,6 +9,8 @@
 #include "platform/workspace.h"
 #include "run/waits.h"
 #include "run/workingfoldernames.h"
+#include "ui/bannerrow.h"
+#include "ui/icons.h"
 #include "ui/named.h"
 #include "ui/progresstext.h"
 #include "ui/runsign.h"
@@ -25,6 +27,8 @@
 using namespace Qt::StringLiterals;
 
 namespace sealwright {
+
+using icons::Command;
 
 namespace {
 
@@ -68,18 +72,19 @@ OutcomeBanner::OutcomeBanner(MainWinController &document, QWidget *parent)
     , m_seconds(*this, interval, [this] { follow(); })
 {
     named(this, u"outcomeBanner"_s, tr("Outcome"));
-    auto *const row = new QHBoxLayout(this);
-    row->setContentsMargins(2 * edge + row->spacing(), edge + 2, row->spacing() + 2, edge + 2);
-    row->addWidget(m_sign);
-    addTexts(*row);
-    m_showInFolder =
-        addButton(*row, u"outcomeShowInFolder"_s, tr("Show in Folder"), &OutcomeBanner::showInFolder);
+    m_row = new BannerRow(*this, makeWords());
+    layout()->setContentsMargins(2 * edge + layout()->spacing(), edge + 2, layout()->spacing() + 2, edge + 2);
+    m_showInFolder = addButton(u"outcomeShowInFolder"_s, tr("Show in Folder"), &OutcomeBanner::showInFolder);
+    m_showInFolder->setIcon(icons::of(Command::showInFolder));
     m_copyIdentifier =
-        addButton(*row, u"outcomeCopyIdentifier"_s, tr("Copy Identifier"), &OutcomeBanner::copyIdentifier);
-    m_goOnWaiting =
-        addButton(*row, u"outcomeGoOnWaiting"_s, tr("Go On Waiting"), &OutcomeBanner::goOnWaiting);
-    m_tryAgain = addButton(*row, u"outcomeTryAgain"_s, tr("Try Again"), &OutcomeBanner::tryAgain);
-    m_newDocument = addButton(*row, u"outcomeNewDocument"_s, tr("New Document"), &OutcomeBanner::newDocument);
+        addButton(u"outcomeCopyIdentifier"_s, tr("Copy Identifier"), &OutcomeBanner::copyIdentifier);
+    m_copyIdentifier->setIcon(icons::of(Command::copy));
+    m_goOnWaiting = addButton(u"outcomeGoOnWaiting"_s, tr("Go On Waiting"), &OutcomeBanner::goOnWaiting);
+    m_goOnWaiting->setIcon(icons::of(Command::goOnWaiting));
+    m_tryAgain = addButton(u"outcomeTryAgain"_s, tr("Try Again"), &OutcomeBanner::tryAgain);
+    m_tryAgain->setIcon(icons::of(Command::repeat));
+    m_newDocument = addButton(u"outcomeNewDocument"_s, tr("New Document"), &OutcomeBanner::newDocument);
+    m_newDocument->setIcon(icons::of(Command::newDocument));
     connect(&document.stepList, &Observable::changed, this, &OutcomeBanner::follow);
     connect(&document.progressIndicator, &Control::changed, this, [this] {
         follow();
@@ -90,7 +95,7 @@ OutcomeBanner::OutcomeBanner(MainWinController &document, QWidget *parent)
     setVisible(false);
 }
 
-void OutcomeBanner::addTexts(QBoxLayout &row)
+QLayout *OutcomeBanner::makeWords()
 {
     QFont font = m_title->font();
     font.setBold(true);
@@ -101,16 +106,19 @@ void OutcomeBanner::addTexts(QBoxLayout &row)
     texts->setSpacing(1);
     for (QLabel *const label : {m_title, m_sentence, m_recentWaits})
         texts->addWidget(label);
-    row.addLayout(texts, 1);
+    auto *const words = new QHBoxLayout;
+    words->addWidget(m_sign);
+    words->addLayout(texts, 1);
+    return words;
 }
 
-QPushButton *OutcomeBanner::addButton(QBoxLayout &row, const QString &name, const QString &title,
+QPushButton *OutcomeBanner::addButton(const QString &name, const QString &title,
                                       void (OutcomeBanner::*press)())
 {
     auto *const button = named(new QPushButton(title, this), name, title);
     button->setAutoDefault(false);
     connect(button, &QPushButton::clicked, this, press);
-    row.addWidget(button);
+    m_row->addButton(*button);
     return button;
 }
 
@@ -134,6 +142,7 @@ void OutcomeBanner::follow()
     if (m_document.stepList.running() && !m_document.stepList.wait())
         m_words = {}; // of the run before
     m_words.item = m_document.originalFileName();
+    m_words.finding = findingIn(m_document.serviceIssues());
     show(withAdvice(outcomeOf(m_document.stepList, m_words)));
     m_seconds.setIsWanted(m_outcome.kind == RunOutcome::Kind::cancelled);
 }
@@ -149,8 +158,8 @@ RunOutcome OutcomeBanner::withAdvice(RunOutcome outcome) const
             tr("The cancel before it has stopped it at its beginning, and nothing goes on here. "
                "Close this document, and go on in a new one.");
     } else {
-        outcome.sentence +=
-            u' ' + tr("Go on in a new document: this one stops its next run at its beginning.");
+        outcome.sentence = shown(outcome.sentence) + u' '
+            + tr("Go on in a new document: this one stops its next run at its beginning.");
     }
     return outcome;
 }
@@ -218,6 +227,7 @@ void OutcomeBanner::showButtons()
     m_copyIdentifier->setVisible(!identifier().isEmpty());
     m_goOnWaiting->setVisible(isOver && hasGoneWrong && waits::isFolderOfOne(m_document.host(), folder()));
     m_tryAgain->setVisible(isOver && canRepeat && hasGoneWrong && !stopsNextRun);
+    m_row->arrange();
 }
 
 QString OutcomeBanner::folder() const

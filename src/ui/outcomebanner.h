@@ -6,13 +6,13 @@
 
 #include <QFrame>
 
-class QBoxLayout;
 class QLabel;
+class QLayout;
 class QPushButton;
 
 namespace sealwright {
 
-class ElidedLabel;
+class BannerRow;
 class MainWinController;
 class RunSign;
 
@@ -33,14 +33,13 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    QPushButton *addButton(QBoxLayout &row, const QString &name, const QString &title,
-                           void (OutcomeBanner::*press)());
+    QPushButton *addButton(const QString &name, const QString &title, void (OutcomeBanner::*press)());
     void heedLog(const LogText::Run &run);
     void follow();
     void show(const RunOutcome &outcome);
     void colour();
     void showButtons();
-    void addTexts(QBoxLayout &row);
+    QLayout *makeWords();
     RunOutcome withAdvice(RunOutcome outcome) const;
     void newDocument();
     void showInFolder();
@@ -53,6 +52,7 @@ private:
     MainWinController &m_document;
     RunOutcome m_outcome;
     LastWords m_words;
+    BannerRow *m_row = nullptr;
     RunSign *m_sign;
     QLabel *m_title;
     QLabel *m_sentence;

@@ -24,6 +24,7 @@ namespace {
 
 constexpr int charactersAcross = 84; // of a page
 constexpr int titleBarHeight = 40; // about what a desktop adds on top
+constexpr int sparedLines = 2; // for what comes up below a field
 constexpr int rowPadding = 10; // pixels added to the height of a row of the list
 
 } // namespace
@@ -74,6 +75,13 @@ void PreferencesWindow::closeEvent(QCloseEvent *event)
     Q_EMIT closed();
 }
 
+int PreferencesWindow::heightOf(QWidget &page, int width)
+{
+    page.ensurePolished();
+    page.layout()->activate();
+    return page.heightForWidth(width) + page.fontMetrics().lineSpacing() * sparedLines;
+}
+
 /// As wide and high as the largest page wants it, on a screen that has the room.
 void PreferencesWindow::arrange()
 {
@@ -86,7 +94,7 @@ void PreferencesWindow::arrange()
     const int pageWidth = fontMetrics().averageCharWidth() * charactersAcross;
     int height = 0;
     for (auto *const scroll : m_pages->findChildren<QScrollArea *>(Qt::FindDirectChildrenOnly))
-        height = qMax(height, scroll->widget()->heightForWidth(pageWidth));
+        height = qMax(height, heightOf(*scroll->widget(), pageWidth));
     const QSize wanted(m_list->width() + pageWidth, height);
     resize(wanted.boundedTo(screen()->availableSize() - QSize(0, titleBarHeight)));
 }
@@ -141,6 +149,8 @@ void PreferencesWindow::addNotarization(SettingsSection &section)
         tr("For what an earlier launch has left. Otherwise the window says what still waits, and asks."));
     section.addCheckbox(key::userInfoShowWhenActive, tr("Notif&y me while Sealwright is in front"),
                         tr("Otherwise a verdict is announced only while you work in another program."));
+    section.addCheckbox(key::notifiesOfEndings, tr("Announce the &end of a run in the background"),
+                        tr("While no window of Sealwright is active; a click leads to the document."));
 }
 
 void PreferencesWindow::addLog(SettingsSection &section)
@@ -150,7 +160,7 @@ void PreferencesWindow::addLog(SettingsSection &section)
     section.addCheckbox(key::detailedLogToFile, tr("Keep a detailed &log beside the item"),
                         tr("“Submission Log.txt” has every line of the window and each tool's full report."));
     section.addNumber(key::logFontSize, tr("Text si&ze in the window"), {leastSize, mostSize}, tr("points"),
-                      tr("Counts from the next line on."));
+                      tr("12 is as large as the rest of the window. Counts from the next line on."));
 }
 
 void PreferencesWindow::addTools(SettingsSection &section)

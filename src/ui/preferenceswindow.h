@@ -49,6 +49,7 @@ private:
     void addLog(SettingsSection &section);
     void addTools(SettingsSection &section);
     void arrange();
+    static int heightOf(QWidget &page, int width);
 
     platform::Preferences &m_preferences;
     const std::optional<KeychainTools> m_keychain; ///< where there is a keychain to manage

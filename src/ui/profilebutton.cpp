@@ -4,6 +4,7 @@
 #include "document/mainwincontroller.h"
 #include "platform/host.h"
 #include "platform/workspace.h"
+#include "ui/icons.h"
 #include "ui/mnemonic.h"
 #include "ui/named.h"
 #include "ui/settingrows.h"
@@ -16,6 +17,12 @@ using namespace Qt::StringLiterals;
 
 namespace sealwright {
 
+namespace {
+
+constexpr int charactersAcross = 18; // of a name; the list has all of it
+
+} // namespace
+
 ProfileButton::ProfileButton(MainWinController &document, QWidget *parent)
     : QToolButton(parent)
     , m_document(document)
@@ -25,7 +32,8 @@ ProfileButton::ProfileButton(MainWinController &document, QWidget *parent)
     named(this, u"profileButton"_s, tr("Profile"));
     setMenu(m_menu);
     setPopupMode(QToolButton::InstantPopup);
-    setToolButtonStyle(Qt::ToolButtonTextOnly);
+    setIcon(icons::of(icons::Command::profile));
+    setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     setFocusPolicy(Qt::TabFocus);
     setToolTip(tr("Credentials, identity, entitlements and options under one name"));
     connect(m_menu, &QMenu::aboutToShow, this, &ProfileButton::fill);
@@ -37,7 +45,9 @@ ProfileButton::ProfileButton(MainWinController &document, QWidget *parent)
 void ProfileButton::showName()
 {
     const QString name = m_document.profile();
-    setText(name.isEmpty() ? tr("Profile") : withoutMnemonic(name));
+    const int room = fontMetrics().averageCharWidth() * charactersAcross;
+    const QString shown = fontMetrics().elidedText(name, Qt::ElideRight, room);
+    setText(name.isEmpty() ? tr("Profile") : withoutMnemonic(shown));
     setAccessibleDescription(name);
 }
 

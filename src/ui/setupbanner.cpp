@@ -4,6 +4,7 @@
 #include "document/mainwincontroller.h"
 #include "platform/host.h"
 #include "platform/preferences.h"
+#include "ui/bannerrow.h"
 #include "ui/named.h"
 #include "ui/theme.h"
 
@@ -38,9 +39,10 @@ SetupBanner::SetupBanner(MainWinController &document, QWidget *parent)
         this);
     text->setObjectName(u"setupText"_s);
     text->setWordWrap(true);
-    auto *const row = new QHBoxLayout(this);
-    row->setContentsMargins(2 * edge, edge, edge, edge);
-    row->addWidget(text, 1);
+    auto *const words = new QHBoxLayout;
+    words->addWidget(text);
+    auto *const row = new BannerRow(*this, words);
+    layout()->setContentsMargins(2 * edge, edge, edge, edge);
     addButton(*row, u"setupPractice"_s, tr("Practise on This Machine…"),
               [this] { Q_EMIT wanted(SetupRoad::practice); });
     addButton(*row, u"setupDeveloperID"_s, tr("Use My Developer ID…"),
@@ -58,13 +60,13 @@ bool SetupBanner::isNeeded() const
         && !m_document.host().preferences.boolean(setupDismissed);
 }
 
-void SetupBanner::addButton(QBoxLayout &row, const QString &name, const QString &title,
+void SetupBanner::addButton(BannerRow &row, const QString &name, const QString &title,
                             std::function<void()> press)
 {
     auto *const button = named(new QPushButton(title, this), name, title);
     button->setAutoDefault(false);
     connect(button, &QPushButton::clicked, this, std::move(press));
-    row.addWidget(button);
+    row.addButton(*button);
 }
 
 void SetupBanner::colour()

@@ -4,10 +4,9 @@
 
 #include <functional>
 
-class QBoxLayout;
-
 namespace sealwright {
 
+class BannerRow;
 class MainWinController;
 
 /// The two ways to what a first submission needs.
@@ -29,7 +28,7 @@ protected:
 
 private:
     bool isNeeded() const;
-    void addButton(QBoxLayout &row, const QString &name, const QString &title, std::function<void()> press);
+    void addButton(BannerRow &row, const QString &name, const QString &title, std::function<void()> press);
     void colour();
     void dismiss();
 

@@ -23,7 +23,8 @@ namespace sealwright {
 
 namespace {
 
-constexpr int charactersAcross = 72;
+constexpr int charactersAcross = 84;
+constexpr int marginOfSheets = 40; // pixels, at least, beside one on its page
 
 QLabel *makeText(QWidget *parent, const QString &text)
 {
@@ -32,13 +33,47 @@ QLabel *makeText(QWidget *parent, const QString &text)
     return label;
 }
 
+/// As tall as the page that shows wants it, and not as the tallest.
+class Roads : public QTabWidget {
+public:
+    explicit Roads(QWidget *parent)
+        : QTabWidget(parent)
+    {
+        connect(this, &QTabWidget::currentChanged, this, &Roads::updateGeometry);
+    }
+
+    int heightForWidth(int width) const override
+    {
+        int tallest = 0;
+        for (int page = 0; page < count(); ++page)
+            tallest = qMax(tallest, widget(page)->heightForWidth(width));
+        const int present = currentWidget() ? currentWidget()->heightForWidth(width) : 0;
+        return QTabWidget::heightForWidth(width) - tallest + present;
+    }
+    QSize sizeHint() const override { return fitted(QTabWidget::sizeHint(), &QWidget::sizeHint); }
+    QSize minimumSizeHint() const override
+    {
+        return fitted(QTabWidget::minimumSizeHint(), &QWidget::minimumSizeHint);
+    }
+
+private:
+    QSize fitted(const QSize &forAll, QSize (QWidget::*hint)() const) const
+    {
+        int tallest = 0;
+        for (int page = 0; page < count(); ++page)
+            tallest = qMax(tallest, (widget(page)->*hint)().height());
+        const int present = currentWidget() ? (currentWidget()->*hint)().height() : 0;
+        return {forAll.width(), forAll.height() - tallest + present};
+    }
+};
+
 } // namespace
 
 SetupDialog::SetupDialog(MainWinController &document, SetupRoad road, QWidget *parent)
     : QDialog(parent)
     , m_document(document)
     , m_keychain(document.host(), document.appDelegate().keychainProgram())
-    , m_roads(named(new QTabWidget(this), u"setupRoads"_s, tr("What to set up")))
+    , m_roads(named<QTabWidget>(new Roads(this), u"setupRoads"_s, tr("What to set up")))
     , m_end(new QLabel(this))
 {
     setWindowTitle(tr("Set Up"));
@@ -55,7 +90,8 @@ SetupDialog::SetupDialog(MainWinController &document, SetupRoad road, QWidget *p
     cancel->setAutoDefault(false);
     connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
     rows->addWidget(cancel, 0, Qt::AlignRight);
-    setMinimumWidth(fontMetrics().averageCharWidth() * charactersAcross);
+    const int room = parent ? parent->width() - 2 * marginOfSheets : QWIDGETSIZE_MAX;
+    setMinimumWidth(qMin(room, fontMetrics().averageCharWidth() * charactersAcross));
     checkIdentity();
 }
 
@@ -70,12 +106,22 @@ QWidget *SetupDialog::makePractice()
     auto *const form = new PracticeForm(m_keychain, PracticeForm::Extent::forAll, page);
     connect(form, &KeychainForm::added, this, [this, form] {
         m_identity.clear();
+        askOften();
         checkIdentity(form->identity());
         checkCredentials({PracticeForm::item(), PracticeForm::appleID()}, {});
     });
     rows->addWidget(form);
     rows->addStretch(1);
     return page;
+}
+
+/// The service of this machine has its verdict soon; a person who practises is not to wait for the next
+/// question.
+void SetupDialog::askOften()
+{
+    auto &preferences = m_document.host().preferences;
+    if (preferences.number(key::pollingDelay) > shortestPollingDelay)
+        preferences.setValue(key::pollingDelay, double(shortestPollingDelay));
 }
 
 QWidget *SetupDialog::makeDeveloperID()
@@ -95,7 +141,7 @@ QWidget *SetupDialog::makeDeveloperID()
                                 "only by now")));
     rows->addWidget(makeCredentialForms(page));
     rows->addWidget(m_credentialState);
-    statetext::put(*m_credentialState, tr("None yet."), theme::Meaning::quiet);
+    statetext::put(*m_credentialState, {}, theme::Meaning::quiet);
     return page;
 }
 

@@ -28,6 +28,7 @@ private:
     };
 
     QWidget *makePractice();
+    void askOften();
     QWidget *makeDeveloperID();
     QWidget *makeCredentialForms(QWidget *parent);
     QLabel *makeState(QWidget *parent, const QString &name);

@@ -72,7 +72,8 @@ QString shown(const QString &text)
         if (const auto match = pattern.form.match(text); match.hasMatch())
             return filledIn(target, match.capturedTexts());
     }
-    return text;
+    const QStringList paragraphs = text.split(u"\n\n"_s);
+    return paragraphs.size() > 1 ? shown(paragraphs).join(u"\n\n"_s) : text;
 }
 
 QStringList shown(QStringList texts)

@@ -15,13 +15,22 @@ using theme::Meaning;
 namespace {
 
 constexpr int sideRoom = 8; // pixels, on either side of the word
-const QString widestWord = u"interacting"_s; // of the status words: nothing moves when the word changes
 
 Meaning meaningOf(const QString &word)
 {
     if (word == status::ready || word.isEmpty())
         return Meaning::quiet;
     return word == status::interacting ? Meaning::caution : Meaning::underway;
+}
+
+/// Of all words, so that nothing moves when the word changes.
+int widthOfWidestWord(const QFontMetrics &metrics)
+{
+    int width = 0;
+    for (const QStringView word : {status::loading, status::ready, status::interacting, status::submitting,
+                                   status::waiting, status::stapling, status::fetching})
+        width = qMax(width, metrics.horizontalAdvance(shown(word.toString())));
+    return width;
 }
 
 } // namespace
@@ -34,7 +43,7 @@ StatusPill::StatusPill(QWidget *parent)
 
 QSize StatusPill::sizeHint() const
 {
-    return {fontMetrics().horizontalAdvance(shown(widestWord)) + 2 * sideRoom, fontMetrics().height() + 4};
+    return {widthOfWidestWord(fontMetrics()) + 2 * sideRoom, fontMetrics().height() + 4};
 }
 
 void StatusPill::paintEvent(QPaintEvent *)

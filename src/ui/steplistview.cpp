@@ -8,6 +8,7 @@
 #include "ui/steprowdelegate.h"
 
 #include <QEvent>
+#include <QPainter>
 #include <QScrollBar>
 
 using namespace Qt::StringLiterals;
@@ -19,6 +20,7 @@ namespace {
 constexpr int interval = 1000; // milliseconds
 constexpr int usualRows = 13; // an app's steps and the line about the polls
 constexpr int fewestRows = 4;
+constexpr int margin = 12; // pixels round what stands there without steps
 
 } // namespace
 
@@ -64,6 +66,18 @@ QSize StepListView::minimumSizeHint() const
 {
     const QString longestWord = stepName(step::saveEntitlements).section(u' ', -1);
     return sizeFor(longestWord, fewestRows);
+}
+
+void StepListView::paintEvent(QPaintEvent *event)
+{
+    QListView::paintEvent(event);
+    if (m_model->rowCount() > 0)
+        return;
+    QPainter painter(viewport());
+    painter.setPen(palette().color(QPalette::PlaceholderText));
+    painter.drawText(viewport()->rect().adjusted(margin, margin, -margin, -margin),
+                     Qt::AlignTop | Qt::AlignHCenter | Qt::TextWordWrap,
+                     tr("The steps of a run stand here while it goes on, and stay when it has ended."));
 }
 
 void StepListView::follow(const StepList &steps)

@@ -85,7 +85,10 @@ QPalette theme::readable(QPalette palette)
         mend(group, QPalette::Text, QPalette::Base);
         mend(group, QPalette::PlaceholderText, QPalette::Base);
         mend(group, QPalette::ButtonText, QPalette::Button);
-        mend(group, QPalette::HighlightedText, QPalette::Highlight);
+        // The ground and not the text, as on a pressed button: dark writing on blue looks switched off.
+        palette.setColor(group, QPalette::Highlight,
+                         readable(palette.color(group, QPalette::Highlight),
+                                  palette.color(group, QPalette::HighlightedText), leastOfText));
         mend(group, QPalette::Link, QPalette::Base);
     }
     return palette;

@@ -2,13 +2,12 @@
 
 #include "app/preferencekeys.h"
 #include "platform/preferences.h"
+#include "ui/filepanels.h"
 #include "ui/named.h"
 #include "ui/preferencebindings.h"
 #include "ui/statetext.h"
-#include "ui/toplevel.h"
 
 #include <QDir>
-#include <QFileDialog>
 #include <QFileInfo>
 #include <QGridLayout>
 #include <QLabel>
@@ -78,19 +77,9 @@ void ToolFolderRow::showProblem()
 void ToolFolderRow::choose()
 {
     const QString present = m_preferences.string(key::toolRoot);
-    auto *const panel = new QFileDialog(this, tr("Choose the folder of tools"),
-                                        present.isEmpty() ? QDir::homePath() : present);
-    panel->setAttribute(Qt::WA_DeleteOnClose);
-    panel->setOption(QFileDialog::DontUseNativeDialog);
-    panel->setFileMode(QFileDialog::Directory);
-    panel->setOption(QFileDialog::ShowDirsOnly);
-    connect(panel, &QFileDialog::fileSelected, this,
-            [this](const QString &folder) { m_preferences.setValue(key::toolRoot, folder); });
-    connect(panel, &QDialog::finished, this, [this, panel] {
-        toplevel::closeCompletions(*panel);
-        activateWindow(); // not every desktop gives the focus back
-    });
-    panel->open();
+    filepanels::choose(*this,
+                       {tr("Choose the folder of tools"), present.isEmpty() ? QDir::homePath() : present},
+                       [this](const QString &folder) { m_preferences.setValue(key::toolRoot, folder); });
 }
 
 } // namespace sealwright

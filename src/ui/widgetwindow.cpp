@@ -3,13 +3,16 @@
 #include "document/mainwincontroller.h"
 #include "document/providersheet.h"
 #include "platform/fileservice.h"
+#include "platform/itempath.h"
 #include "ui/alertbox.h"
+#include "ui/filepanels.h"
 #include "ui/framewindow.h"
 #include "ui/itempanel.h"
 #include "ui/logprinter.h"
 #include "ui/outcomebanner.h"
 #include "ui/providernamesheet.h"
 #include "ui/setupdialog.h"
+#include "ui/shown.h"
 #include "ui/windoworder.h"
 
 #include <QApplication>
@@ -23,6 +26,8 @@
 #include <limits>
 
 using namespace Qt::StringLiterals;
+using Ending = platform::FileChooserPortal::Ending;
+using Kind = platform::FileChooserPortal::Kind;
 
 namespace sealwright {
 
@@ -34,6 +39,18 @@ qint16 side(int position)
 {
     using Side = std::numeric_limits<qint16>;
     return qint16(std::clamp<int>(position, Side::min(), Side::max()));
+}
+
+QString saveLogTitle()
+{
+    return QCoreApplication::translate("WidgetWindow", "Save Log As");
+}
+
+/// What the panel's owner would have had enabled.
+bool mayBeChosen(const platform::OpenPanel &panel, const QUrl &item)
+{
+    return panel.allowedFileTypes.contains(itempath::lowerExtension(itempath::fromUrl(item)))
+        && (!panel.shouldEnable || panel.shouldEnable(item));
 }
 
 /// The rectangle as one counts from the other end of the main screen's height.
@@ -216,10 +233,44 @@ void WidgetWindow::beginOpenPanel(const platform::OpenPanel &panel,
 {
     if (m_isClosed)
         return;
+    if (filepanels::suitsTheDesktop(panel) && filepanels::desktopPanels())
+        beginDesktopPanel(panel, std::move(completion));
+    else
+        beginOwnPanel(panel, std::move(completion));
+}
+
+void WidgetWindow::beginOwnPanel(const platform::OpenPanel &panel,
+                                 std::function<void(const QUrl &)> completion)
+{
     auto *const dialog = new ItemPanel(panel, m_panelFolder.path(), &m_page);
     m_sheets.begin(dialog, [this, dialog, completion = std::move(completion)] {
         m_panelFolder.remember(dialog->chosenItem());
         completion(dialog->chosenItem());
+    });
+}
+
+void WidgetWindow::beginDesktopPanel(const platform::OpenPanel &panel,
+                                     std::function<void(const QUrl &)> completion)
+{
+    auto *const dialog = new filepanels::DesktopPanel(*filepanels::desktopPanels(),
+                                                      {Kind::openFile,
+                                                       shown(panel.message),
+                                                       filepanels::portalNameOf(m_page),
+                                                       m_panelFolder.path(),
+                                                       panel.allowedFileTypes,
+                                                       {}},
+                                                      &m_page);
+    m_sheets.begin(dialog, [this, dialog, panel, completion = std::move(completion)] {
+        const auto &answer = dialog->answer();
+        const QUrl chosen = answer.path.isEmpty() ? QUrl() : itempath::toUrl(answer.path);
+        if (answer.ending == Ending::failed)
+            return beginOwnPanel(panel, completion);
+        if (!chosen.isEmpty() && !mayBeChosen(panel, chosen)) {
+            QApplication::beep(); // the desktop cannot turn single files off
+            return beginOpenPanel(panel, completion);
+        }
+        m_panelFolder.remember(chosen);
+        completion(chosen);
     });
 }
 
@@ -248,16 +299,46 @@ void WidgetWindow::saveLog()
 {
     if (m_isClosed)
         return;
-    auto *const dialog = new QFileDialog(&m_page, QCoreApplication::translate("WidgetWindow", "Save Log As"),
-                                         m_panelFolder.path());
+    if (filepanels::desktopPanels())
+        saveLogByTheDesktop();
+    else
+        saveLogByOurs();
+}
+
+QString WidgetWindow::nameOfLog() const
+{
+    return title().replace(u'/', u'-') + u" log.txt"_s;
+}
+
+void WidgetWindow::saveLogByOurs()
+{
+    auto *const dialog = new QFileDialog(&m_page, saveLogTitle(), m_panelFolder.path());
     dialog->setObjectName(u"saveLogPanel"_s);
-    dialog->setOption(QFileDialog::DontUseNativeDialog);
+    dialog->setOption(QFileDialog::DontUseNativeDialog); // a sheet is drawn inside of its page
     dialog->setAcceptMode(QFileDialog::AcceptSave);
     dialog->setDefaultSuffix(u"txt"_s);
-    dialog->selectFile(QString(title()).replace(u'/', u'-') + u" log.txt"_s);
+    dialog->selectFile(nameOfLog());
     m_sheets.begin(dialog, [this, dialog] {
         if (dialog->result() == QDialog::Accepted && !dialog->selectedFiles().isEmpty())
             writeLog(dialog->selectedFiles().first());
+    });
+}
+
+void WidgetWindow::saveLogByTheDesktop()
+{
+    auto *const dialog = new filepanels::DesktopPanel(*filepanels::desktopPanels(),
+                                                      {Kind::saveFile,
+                                                       saveLogTitle(),
+                                                       filepanels::portalNameOf(m_page),
+                                                       m_panelFolder.path(),
+                                                       {},
+                                                       nameOfLog()},
+                                                      &m_page);
+    m_sheets.begin(dialog, [this, dialog] {
+        if (dialog->answer().ending == Ending::failed)
+            saveLogByOurs();
+        else if (!dialog->answer().path.isEmpty())
+            writeLog(dialog->answer().path);
     });
 }
 

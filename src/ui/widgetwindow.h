@@ -67,6 +67,11 @@ public:
 
 private:
     void insistOnSheet();
+    void beginOwnPanel(const platform::OpenPanel &panel, std::function<void(const QUrl &)> completion);
+    void beginDesktopPanel(const platform::OpenPanel &panel, std::function<void(const QUrl &)> completion);
+    void saveLogByOurs();
+    void saveLogByTheDesktop();
+    QString nameOfLog() const;
     void writeLog(const QString &path);
     QRect place() const;
     void setPlace(const QRect &place);

@@ -3,6 +3,7 @@
 #include "ui/shown.h"
 
 #include "document/credentialfields.h"
+#include "notarization/pollingsteps.h"
 #include "windowtest.h"
 
 #include <QAction>
@@ -159,6 +160,45 @@ TEST_F(GermanWindow, putsNamesIntoGermanSentences)
     EXPECT_EQ(shown(u"The file 'Foo %2 & Bar.app' is now ready for distribution."_s),
               u"Die Datei „Foo %2 & Bar.app“ kann jetzt verteilt werden."_s);
     EXPECT_EQ(shown(u"what a tool says"_s), u"what a tool says"_s);
+}
+
+TEST_F(GermanWindow, helpsInGermanAlsoWhereATextIsPutTogether)
+{
+    document().perform(Action::doAppPassHelp);
+    const QString text = awaitSheet().informativeText();
+    EXPECT_TRUE(text.startsWith(u"Zum Beglaubigen dient"_s)) << text.toStdString();
+    EXPECT_TRUE(text.contains(u"<https://appleid.apple.com/account/manage>"_s));
+    answer(u"OK"_s);
+    document().extraEntitlementsURL.set(QUrl::fromLocalFile(u"/some/extra.plist"_s));
+    document().perform(Action::doExtraEntitlementsHelp);
+    const QString help = awaitSheet().informativeText();
+    EXPECT_TRUE(help.endsWith(u"\n\nDie Datei mit weiteren Berechtigungen ist „/some/extra.plist“."_s))
+        << help.toStdString();
+    EXPECT_FALSE(help.contains(u"If you need"_s));
+    answer(u"OK"_s);
+}
+
+TEST_F(GermanWindow, saysInGermanWhatEndedARunAndWhatToDo)
+{
+    const QString english =
+        u"The app has been uploaded, but notarizing has not been confirmed. Once you get a confirmation email on your Apple ID email account, you can staple the app using the Staple Only button."_s;
+    document().stepList.plan({step::awaitResult});
+    document().stepList.begin(step::awaitResult);
+    document().stepList.finish(StepState::cancelled);
+    document().cancelPressed.set(true);
+    window().beginSheet({u"Process Cancelled"_s, english, {}}, [](int) {});
+    const QString sentence = part<QLabel>(u"outcomeSentence"_s).text();
+    EXPECT_TRUE(sentence.startsWith(u"Die App wurde hochgeladen"_s)) << sentence.toStdString();
+    EXPECT_TRUE(sentence.contains(u"in einem neuen Dokument"_s)) << sentence.toStdString();
+    answer(u"OK"_s);
+}
+
+TEST_F(GermanWindow, hasRoomForEachStatusWord)
+{
+    auto &pill = part<QLabel>(u"statusString"_s);
+    for (const QString &word :
+         {u"ready"_s, u"interacting"_s, u"submitting"_s, u"waiting"_s, u"stapling"_s, u"fetching"_s})
+        EXPECT_LT(pill.fontMetrics().horizontalAdvance(shown(word)), pill.width()) << word.toStdString();
 }
 
 TEST(ShownText, isTheCoresOwnInEnglish)

@@ -120,6 +120,7 @@ TEST_F(Setup, forPracticeIsOneFieldAndOneButtonAndThenANewStart)
     EXPECT_EQ(host.preferences.string(key::lastUsedIdentity), name);
     EXPECT_EQ(host.preferences.string(key::appPassValue), u"practice"_s);
     EXPECT_EQ(host.preferences.string(key::appleIDValue), u"practice@localhost"_s);
+    EXPECT_EQ(host.preferences.number(key::pollingDelay), 20) << "nobody waits longer than need be";
     EXPECT_TRUE(host.applicationHost.isRelaunched);
 }
 

@@ -1,0 +1,115 @@
+#include "ui/dropoverlay.h"
+
+#include "document/mainwincontroller.h"
+#include "platform/itempath.h"
+#include "run/waits.h"
+#include "ui/itemfacts.h"
+#include "ui/theme.h"
+
+#include <QCoreApplication>
+#include <QPainter>
+
+using namespace Qt::StringLiterals;
+
+namespace sealwright {
+
+namespace {
+
+constexpr qreal veil = 0.82; // how much of what lies behind is hidden
+constexpr qreal radius = 12; // pixels, of a corner
+constexpr qreal dash = 2.5;
+constexpr int inset = 10; // pixels between the edge of the page and the line
+constexpr qreal titleScale = 1.6;
+constexpr int charactersAcross = 60;
+
+QString text(const char *source)
+{
+    return QCoreApplication::translate("DropOverlay", source);
+}
+
+QString ofOne(MainWinController &document, const QString &item, FirstItem first)
+{
+    if (waits::isFolderOfOne(document.host(), item))
+        return text(QT_TRANSLATE_NOOP("DropOverlay", "Goes on waiting for Apple's verdict."));
+    const QString intention = itemfacts::intention(document, item);
+    return first == FirstItem::staysHere
+        ? text(QT_TRANSLATE_NOOP("DropOverlay", "It %1 when you press Submit Now.")).arg(intention)
+        : text(
+            QT_TRANSLATE_NOOP("DropOverlay", "It opens in a window of its own, since this one has an item."));
+}
+
+QFont titleFont(QFont font)
+{
+    font.setPointSizeF(font.pointSizeF() * titleScale);
+    font.setBold(true);
+    return font;
+}
+
+} // namespace
+
+QString dropSentence(MainWinController &document, const QStringList &items, FirstItem first)
+{
+    if (items.size() == 1)
+        return ofOne(document, items.first(), first);
+    return first == FirstItem::staysHere
+        ? text(QT_TRANSLATE_NOOP("DropOverlay",
+                                 "The first stays here, each of the others opens in a window of its own."))
+        : text(QT_TRANSLATE_NOOP("DropOverlay", "Each opens in a window of its own."));
+}
+
+DropOverlay::DropOverlay(QWidget *page)
+    : QRubberBand(Rectangle, page)
+{
+}
+
+void DropOverlay::showFor(const QStringList &items, const QString &sentence)
+{
+    m_title = items.size() == 1 ? tr("Drop “%1” here").arg(itempath::lastComponent(items.first()))
+                                : tr("Drop %1 items here").arg(items.size());
+    m_sentence = sentence;
+    setAccessibleName(m_title);
+    setAccessibleDescription(m_sentence);
+    setGeometry(parentWidget()->rect());
+    show();
+    raise();
+    update();
+}
+
+void DropOverlay::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event); // without the mask of a rubber band, which leaves the outline alone
+}
+
+void DropOverlay::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    QColor ground = theme::groundOf(theme::Meaning::underway, palette());
+    const QColor accent = theme::colourOf(theme::Meaning::underway, palette());
+    ground.setAlphaF(float(veil));
+    painter.fillRect(rect(), ground);
+    ground.setAlphaF(1);
+    const QFontMetrics titles(titleFont(font()));
+    const int width = qMin(this->width() - 4 * inset, fontMetrics().averageCharWidth() * charactersAcross);
+    const int height = titles.height() * 4 + fontMetrics().lineSpacing() * 2;
+    QRect card(0, 0, width, height);
+    card.moveCenter(rect().center());
+    painter.setPen(QPen(accent, dash, Qt::DashLine));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRoundedRect(QRectF(rect()).adjusted(inset, inset, -inset, -inset), radius, radius);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(palette().color(QPalette::Base));
+    painter.drawRoundedRect(card, radius, radius);
+    const QRect words = card.adjusted(2 * inset, inset, -2 * inset, -inset);
+    const QRect upper(words.left(), words.top(), words.width(), words.height() / 2);
+    const QRect lower(words.left(), upper.bottom(), words.width(), words.height() / 2);
+    painter.setPen(theme::readable(accent, palette().color(QPalette::Base), theme::leastOfText));
+    painter.setFont(titleFont(font()));
+    painter.drawText(upper, Qt::AlignHCenter | Qt::AlignBottom,
+                     titles.elidedText(m_title, Qt::ElideMiddle, upper.width()));
+    painter.setFont(font());
+    painter.setPen(palette().color(QPalette::Text));
+    painter.drawText(lower, Qt::AlignHCenter | Qt::AlignVCenter | Qt::TextWordWrap, m_sentence);
+}
+
+} // namespace sealwright

@@ -1,0 +1,138 @@
+#include "ui/itemsurvey.h"
+
+#include "platform/bundle.h"
+#include "platform/fileservice.h"
+#include "run/item.h"
+#include "signing/scandecisions.h"
+
+#include <QDirIterator>
+#include <QFile>
+#include <QtEndian>
+
+using namespace Qt::StringLiterals;
+
+namespace sealwright {
+
+namespace {
+
+constexpr int mostEntries = 500'000;
+constexpr qsizetype headerRead = 4096; // bytes, more than any count of architectures takes
+constexpr quint32 thin64 = 0xfeedfacf;
+constexpr quint32 thin32 = 0xfeedface;
+constexpr quint32 universal = 0xcafebabe;
+constexpr quint32 mostArchitectures = 16; // Java classes have the same number in front of a larger one
+constexpr qsizetype universalHeader = 8;
+constexpr qsizetype universalEntry = 20;
+
+QString nameOf(quint32 cpu, quint32 subtype)
+{
+    constexpr quint32 subtypeMask = 0x00ffffff;
+    constexpr quint32 arm64e = 2;
+    switch (cpu) {
+    case 0x01000007:
+        return u"x86_64"_s;
+    case 0x0100000c:
+        return (subtype & subtypeMask) == arm64e ? u"arm64e"_s : u"arm64"_s;
+    case 0x0200000c:
+        return u"arm64_32"_s;
+    case 7:
+        return u"i386"_s;
+    default:
+        return {};
+    }
+}
+
+QStringList universalArchitectures(QByteArrayView bytes)
+{
+    QStringList names;
+    const quint32 count = qFromBigEndian<quint32>(bytes.data() + 4);
+    for (quint32 i = 0; count <= mostArchitectures && i < count; ++i) {
+        const qsizetype entry = universalHeader + i * universalEntry;
+        if (entry + universalEntry > bytes.size())
+            break;
+        names.append(nameOf(qFromBigEndian<quint32>(bytes.data() + entry),
+                            qFromBigEndian<quint32>(bytes.data() + entry + 4)));
+    }
+    names.removeAll(QString());
+    return names;
+}
+
+QByteArray beginningOf(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.read(headerRead) : QByteArray();
+}
+
+/// Counts what a run would sign on its own.
+class Places : public ScanWatcher {
+public:
+    bool isCode(const QString &file) override { return !architecturesIn(beginningOf(file)).isEmpty(); }
+    void signable(const QString &item) override { m_signable.append(item); }
+    void mainExecutable(const QString &file) override { m_mainExecutables.insert(file); }
+    void passedOver(const QString &, PassedOver) override { }
+
+    qsizetype count() const { return signingOrder(m_signable, m_mainExecutables).size(); }
+
+private:
+    OrderedPathSet m_signable;
+    QSet<QString> m_mainExecutables;
+};
+
+/// Less than nothing if there are too many files.
+qint64 bytesOf(const QString &path)
+{
+    if (!QFileInfo(path).isDir())
+        return QFileInfo(path).size();
+    qint64 bytes = 0;
+    int entries = 0;
+    QDirIterator walk(path, QDir::Files | QDir::Hidden | QDir::System | QDir::NoSymLinks,
+                      QDirIterator::Subdirectories);
+    while (walk.hasNext()) {
+        walk.next();
+        if (++entries > mostEntries)
+            return -1;
+        bytes += walk.fileInfo().size();
+    }
+    return bytes;
+}
+
+QString mainExecutable(const platform::FileService &files, const QString &path)
+{
+    const QString name = platform::informationText(files, path, u"CFBundleExecutable"_s);
+    return name.isEmpty() ? QString() : path + u"/Contents/MacOS/"_s + name;
+}
+
+} // namespace
+
+QStringList architecturesIn(QByteArrayView bytes)
+{
+    if (bytes.size() < universalHeader + 4)
+        return {};
+    if (qFromBigEndian<quint32>(bytes.data()) == universal)
+        return universalArchitectures(bytes);
+    const quint32 magic = qFromLittleEndian<quint32>(bytes.data());
+    if (magic != thin64 && magic != thin32)
+        return {};
+    const QString name =
+        nameOf(qFromLittleEndian<quint32>(bytes.data() + 4), qFromLittleEndian<quint32>(bytes.data() + 8));
+    return name.isEmpty() ? QStringList() : QStringList{name};
+}
+
+ItemSurvey surveyOf(const platform::FileService &files, const QString &path)
+{
+    ItemSurvey survey;
+    const qint64 bytes = bytesOf(path);
+    if (bytes < 0)
+        return survey;
+    survey.bytes = bytes;
+    if (!isBundleKind(itemKind(path)))
+        return survey;
+    survey.architectures = architecturesIn(beginningOf(mainExecutable(files, path)));
+    Places places;
+    const QStringList nothingSkipped;
+    ScanDecisions(files, nothingSkipped, places).parseDirectory(path);
+    survey.places = qMax<qsizetype>(1, places.count());
+    return survey;
+}
+
+} // namespace sealwright
