@@ -41,6 +41,8 @@ private:
 
 class ReviewedSubmissions : public testing::Test {
 protected:
+    ~ReviewedSubmissions() override { mayEnd.happen(); } // a review that goes on would be waited for
+
     /// The identifier of a submission that has been announced.
     [[nodiscard]] QString announce()
     {
