@@ -169,10 +169,9 @@ platform::Result<Profile> ProfileStore::read(const QString &name) const
 {
     if (!names().contains(name))
         return platform::Error{u"There is no profile “%1”."_s.arg(name)};
-    QString error;
-    const auto text = m_files.readFile(path(name), &error);
+    const auto text = m_files.readFile(path(name));
     if (!text)
-        return platform::Error{error};
+        return text.failure();
     const auto profile = profiles::profileIn(*text);
     return profile ? profile : platform::Error{path(name) + u": "_s + profile.error()};
 }

@@ -24,7 +24,7 @@ QStringList texts(const QJsonArray &array)
 QVariantMap entitlementsIn(const QJsonValue &value)
 {
     if (value.isString())
-        return platform::propertyListFromData(value.toString().toUtf8()).value.toMap();
+        return platform::propertyListFromData(value.toString().toUtf8()).valueOr({}).toMap();
     return value.toObject().toVariantMap();
 }
 
@@ -53,7 +53,8 @@ platform::Result<Choices> choicesFromJson(const QByteArray &json)
 QByteArray toJson(const Choices &choices)
 {
     const QJsonObject object{
-        {u"entitlements"_s, QString::fromUtf8(platform::xmlPropertyListData(choices.entitlements).data)},
+        {u"entitlements"_s,
+         QString::fromUtf8(platform::xmlPropertyListData(choices.entitlements).valueOr({}))},
         {u"entitlementsError"_s, choices.entitlementsError},
         {u"skipPaths"_s, QJsonArray::fromStringList(choices.skipPaths)},
         {u"signsMainItemOnly"_s, choices.signsMainItemOnly},

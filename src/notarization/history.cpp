@@ -17,7 +17,7 @@ std::optional<quint64> nextPageInList(const QString &reply)
     const auto list = platform::propertyListFromData(reply.toUtf8());
     if (!list)
         return std::nullopt;
-    return list.value.toMap().value(u"notarization-history"_s).toMap().value(u"next-page"_s).toULongLong();
+    return list->toMap().value(u"notarization-history"_s).toMap().value(u"next-page"_s).toULongLong();
 }
 
 StepResult fetchPages(Run &run)

@@ -52,7 +52,7 @@ std::optional<UploadReceipt> uploadReceipt(const QByteArray &output)
     const auto list = platform::propertyListFromData(output);
     if (!list)
         return std::nullopt;
-    const QVariantMap reply = list.value.toMap();
+    const QVariantMap reply = list->toMap();
     const QVariant identifier = reply.value(u"notarization-upload"_s).toMap().value(u"RequestUUID"_s);
     if (!identifier.isValid())
         return std::nullopt;

@@ -58,8 +58,8 @@ std::variant<Providers, ProviderMessage> readProviders(const SLWTaskResponse &re
     const QString problem = u"Problem With Apple Team Details"_s;
     const auto list = platform::propertyListFromData(response.outputData());
     if (!list)
-        return ProviderMessage{problem, u"Error returned: "_s + list.error};
-    const QVariant entry = list.value.toMap().value(u"providers"_s);
+        return ProviderMessage{problem, u"Error returned: "_s + list.error()};
+    const QVariant entry = list->toMap().value(u"providers"_s);
     if (entry.typeId() != QMetaType::QVariantList)
         return ProviderMessage{problem, u"No providers were found in the data returned."_s};
     Providers providers;

@@ -93,7 +93,7 @@ bool isRequestUUID(const QString &text)
 
 std::optional<QString> newestRequestUUID(const QString &history)
 {
-    const QVariantMap reply = platform::propertyListFromData(history.toUtf8()).value.toMap();
+    const QVariantMap reply = platform::propertyListFromData(history.toUtf8()).valueOr({}).toMap();
     const QVariantList items = reply.value(u"notarization-history"_s).toMap().value(u"items"_s).toList();
     const QVariant identifier = items.value(0).toMap().value(u"RequestUUID"_s);
     return identifier.typeId() == QMetaType::QString ? std::optional(identifier.toString()) : std::nullopt;

@@ -14,10 +14,10 @@ std::optional<QVariantMap> informationDictionary(const FileService &files, const
     const auto data = files.readFile(path + folder + u"/Info.plist"_s);
     if (!data)
         return std::nullopt;
-    const PropertyListResult list = propertyListFromData(*data);
-    if (!list || list.value.typeId() != QMetaType::QVariantMap)
+    const auto list = propertyListFromData(*data);
+    if (!list || list->typeId() != QMetaType::QVariantMap)
         return std::nullopt;
-    return list.value.toMap();
+    return list->toMap();
 }
 
 QString informationText(const FileService &files, const QString &path, const QString &key,

@@ -121,10 +121,8 @@ public:
     /// cannot be told.
     virtual QByteArray stateOf(const QString &item) const = 0;
 
-    /// The whole contents of a regular file of at most `mostBytesRead`; nothing on failure, with the reason
-    /// in
-    /// `*error`. Waits for no pipe.
-    virtual std::optional<QByteArray> readFile(const QString &path, QString *error = nullptr) const = 0;
+    /// The whole contents of a regular file of at most `mostBytesRead`. Waits for no pipe.
+    virtual Result<QByteArray> readFile(const QString &path) const = 0;
 
     /// Writes the file in place.
     virtual Outcome writeFile(const QString &path, const QByteArray &bytes) = 0;
@@ -136,8 +134,8 @@ public:
     [[nodiscard]] virtual std::shared_ptr<FileHandle> openForAppending(const QString &path) = 0;
 
     /// A new, empty folder on the volume of the item, to make the item's replacement in, and not among what
-    /// the person sees. Nothing on failure, with the reason in `*error`.
-    virtual std::optional<QString> replacementDirectory(const QString &forItem, QString *error = nullptr) = 0;
+    /// the person sees.
+    virtual Result<QString> replacementDirectory(const QString &forItem) = 0;
 
     /// Puts the item at `replacement` in the place of the one at `path`.
     virtual Outcome replaceItem(const QString &path, const QString &replacement) = 0;

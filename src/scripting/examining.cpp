@@ -27,16 +27,16 @@ void addExtraEntitlements(const platform::FileService &files, const QUrl &url, e
     if (url.isEmpty())
         return;
     const QString path = itempath::fromUrl(url);
-    QString error;
-    const auto data = files.readFile(path, &error);
-    const auto list = data ? platform::propertyListFromData(*data) : platform::PropertyListResult();
+    const auto data = files.readFile(path);
+    const auto list = data ? platform::propertyListFromData(*data) : data.failure();
     if (!data)
-        choices.entitlementsError = u"Failed to read extra entitlements file at '%1': %2"_s.arg(path, error);
-    else if (list.value.typeId() != QMetaType::QVariantMap)
+        choices.entitlementsError =
+            u"Failed to read extra entitlements file at '%1': %2"_s.arg(path, data.error());
+    else if (!list || list->typeId() != QMetaType::QVariantMap)
         choices.entitlementsError = u"Failed to read extra entitlements property list file at '%1': %2"_s.arg(
-            path, list ? u"The file is damaged or does not contain a dictionary."_s : list.error);
+            path, list ? u"The file is damaged or does not contain a dictionary."_s : list.error());
     else
-        choices.entitlements.insert(list.value.toMap());
+        choices.entitlements.insert(list->toMap());
 }
 
 /// "AB12CD34EF" of "Example Ltd (AB12CD34EF)".
@@ -67,18 +67,18 @@ QString itemUnder(const QString &name, const ScriptCommandPtr &command,
     return {};
 }
 
-void answer(const ScriptCommandPtr &command, const Look &look)
+void answer(const ScriptCommandPtr &command, const platform::Result<QByteArray> &look)
 {
-    if (look.json.isEmpty()) {
+    if (!look) {
         command->setScriptErrorNumber(scriptErrorGeneral);
-        command->setScriptErrorString(look.error);
+        command->setScriptErrorString(look.error());
     }
-    command->resumeExecutionWithResult(look.json.isEmpty() ? QVariant() : QString::fromUtf8(look.json));
+    command->resumeExecutionWithResult(look ? QString::fromUtf8(*look) : QVariant());
 }
 
 /// Suspends the command until the work has ended on a worker.
 void answerLater(const ScriptCommandPtr &command, const ApplicationInterface &application,
-                 std::function<Look()> work)
+                 std::function<platform::Result<QByteArray>()> work)
 {
     command->suspendExecution();
     application.host().workers.post([command, work = std::move(work)] { answer(command, work()); });
@@ -115,29 +115,30 @@ examine::Choices choicesOfNewDocument(const ApplicationInterface &application)
     return choices;
 }
 
-Look run(const ApplicationInterface &application, const QStringList &arguments)
+platform::Result<QByteArray> run(const ApplicationInterface &application, const QStringList &arguments)
 {
-    Look look;
     const auto process = application.host().launcher.process(application.examineProgram(), arguments);
     if (const auto launched = process->launch(); !launched)
-        return {{}, launched.error()};
+        return launched.failure();
+    QByteArray json;
     QByteArray errorText;
-    process->waitUntilExit([&look](const QByteArray &bytes) { look.json += bytes; },
+    process->waitUntilExit([&json](const QByteArray &bytes) { json += bytes; },
                            [&errorText](const QByteArray &bytes) { errorText += bytes; });
-    look.json += process->readOutputToEnd();
+    json += process->readOutputToEnd();
     errorText += process->readErrorToEnd();
     const int status = process->terminationStatus();
-    if (status == 0 || status == 1)
-        return look;
+    if (!json.isEmpty() && (status == 0 || status == 1))
+        return json;
     const QString prefix = u"sealwright-examine: "_s;
     QString text = QString::fromUtf8(errorText).trimmed();
     if (text.startsWith(prefix))
         text.remove(0, prefix.size());
-    return {{}, text.isEmpty() ? u"The item could not be looked at (status %1)."_s.arg(status) : text};
+    return platform::Error{text.isEmpty() ? u"The item could not be looked at (status %1)."_s.arg(status)
+                                          : text};
 }
 
-Look examineItem(const ApplicationInterface &application, const QString &item,
-                 const examine::Choices &choices)
+platform::Result<QByteArray> examineItem(const ApplicationInterface &application, const QString &item,
+                                         const examine::Choices &choices)
 {
     return run(application, {u"--choices"_s, QString::fromUtf8(toJson(choices)), u"--"_s, item});
 }

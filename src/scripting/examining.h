@@ -1,6 +1,7 @@
 #pragma once
 
 #include "examine/choices.h"
+#include "platform/result.h"
 #include "platform/scriptcommand.h"
 
 namespace platform {
@@ -21,17 +22,12 @@ namespace examining {
 /// What the first run of a new document would be made with.
 [[nodiscard]] examine::Choices choicesOfNewDocument(const ApplicationInterface &application);
 
-/// What the program answered.
-struct Look {
-    QByteArray json; ///< empty after a failure
-    QString error; ///< for a person
-};
-
-/// Runs the program with these arguments. Worker thread.
-[[nodiscard]] Look run(const ApplicationInterface &application, const QStringList &arguments);
+/// Runs the program with these arguments, and answers what it says, as JSON. Worker thread.
+[[nodiscard]] platform::Result<QByteArray> run(const ApplicationInterface &application,
+                                               const QStringList &arguments);
 /// Has it examine an item. Worker thread.
-[[nodiscard]] Look examineItem(const ApplicationInterface &application, const QString &item,
-                               const examine::Choices &choices);
+[[nodiscard]] platform::Result<QByteArray> examineItem(const ApplicationInterface &application,
+                                                       const QString &item, const examine::Choices &choices);
 
 /// Answers the command with the result of an examination, or with an error. Suspends it meanwhile. Main
 /// thread.

@@ -26,15 +26,15 @@ platform::Result<QVariantMap> extraEntitlements(const platform::FileService &fil
     const QString shown = extra.toString(QUrl::FullyEncoded);
     if (!files.isReadable(path))
         return whyUnreadable(files, extra);
-    QString error;
-    const auto data = files.readFile(path, &error);
+    const auto data = files.readFile(path);
     if (!data)
-        return platform::Error{u"Failed to read extra entitlements file at '%1': %2"_s.arg(shown, error)};
+        return platform::Error{
+            u"Failed to read extra entitlements file at '%1': %2"_s.arg(shown, data.error())};
     const auto list = platform::propertyListFromData(*data);
-    if (!list || list.value.typeId() != QMetaType::QVariantMap)
+    if (!list || list->typeId() != QMetaType::QVariantMap)
         return platform::Error{u"Failed to read extra entitlements property list file at '%1': %2"_s.arg(
-            shown, list ? u"The file is damaged or does not contain a dictionary."_s : list.error)};
-    return list.value.toMap();
+            shown, list ? u"The file is damaged or does not contain a dictionary."_s : list.error())};
+    return list->toMap();
 }
 
 void logEntitlements(Run &run)
@@ -69,9 +69,9 @@ StepResult saveEntitlementsDictionary(Run &run)
     const auto list = platform::xmlPropertyListData(run.inputs().entitlements);
     if (!list)
         return Failure{u"Cannot Create Entitlements"_s,
-                       u"Failed to create entitlements property list: %1"_s.arg(list.error),
+                       u"Failed to create entitlements property list: %1"_s.arg(list.error()),
                        FolderFate::keepsItsName};
-    const auto saved = run.host.files.writeFile(run.folder.path(workingfolder::entitlementsName), list.data);
+    const auto saved = run.host.files.writeFile(run.folder.path(workingfolder::entitlementsName), *list);
     if (!saved)
         return Failure{u"Cannot Save Entitlements"_s,
                        u"Failed to save entitlements file: %1"_s.arg(saved.error())};

@@ -195,8 +195,8 @@ void ExaminePane::look()
     application.host().workers.post([pane = QPointer(this), &application, item = m_item, number = ++m_looks,
                                      choices = examining::choicesOf(m_document)] {
         const auto look = examining::examineItem(application, item, choices);
-        const QJsonObject examination = QJsonDocument::fromJson(look.json).object();
-        application.host().mainQueue.post([pane, number, examination, error = look.error] {
+        const QJsonObject examination = QJsonDocument::fromJson(look.valueOr({})).object();
+        application.host().mainQueue.post([pane, number, examination, error = look.error()] {
             if (pane && pane->m_looks == number) // a later look has more to say
                 pane->take(examination, error);
         });
@@ -247,8 +247,8 @@ void ExaminePane::compareWith(const QString &old)
     m_summary->setText(tr("Comparing…"));
     application.host().workers.post([pane = QPointer(this), &application, old, item = m_item] {
         const auto look = examining::run(application, {u"--compare"_s, u"--"_s, old, item});
-        const QJsonObject answer = QJsonDocument::fromJson(look.json).object();
-        application.host().mainQueue.post([pane, old, item, answer, error = look.error] {
+        const QJsonObject answer = QJsonDocument::fromJson(look.valueOr({})).object();
+        application.host().mainQueue.post([pane, old, item, answer, error = look.error()] {
             if (pane && pane->m_item == item) // another item has other differences
                 pane->takeComparison(old, answer, error);
         });

@@ -63,8 +63,7 @@ QString iconFileOf(const platform::FileService &files, const QString &bundle)
 std::optional<QPixmap> ownPicture(const platform::FileService &files, const QString &bundle)
 {
     const QString file = iconFileOf(files, bundle);
-    const auto icns = file.isEmpty() ? std::nullopt : files.readFile(file);
-    const auto png = icns ? itemicon::pictureIn(*icns) : std::nullopt;
+    const auto png = file.isEmpty() ? std::nullopt : itemicon::pictureIn(files.readFile(file).valueOr({}));
     QPixmap picture;
     return png && picture.loadFromData(*png, "PNG") ? std::optional(picture) : std::nullopt;
 }

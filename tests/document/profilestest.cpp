@@ -54,7 +54,7 @@ TEST_F(Profiles, keepAllThatADocumentIsSetTo)
 TEST_F(Profiles, areFilesThatCanBeSharedAndHaveNoSecret)
 {
     ASSERT_TRUE(store().save(u"Product"_s, profiles::profileOf(document())));
-    const QByteArray text = host.files.readFile(store().path(u"Product"_s)).value_or(QByteArray());
+    const QByteArray text = host.files.readFile(store().path(u"Product"_s)).valueOr({});
     const QJsonObject form = QJsonDocument::fromJson(text).object();
     EXPECT_EQ(form.value(u"sealwrightProfile"_s).toInt(), 1);
     EXPECT_EQ(form.value(key::appPassValue).toString(), u"notary"_s) << "the name of the item and no more";

@@ -53,7 +53,7 @@ protected:
         const QString entitlements = item.folder() + u"/Entitlements.plist"_s;
         QFile file(entitlements);
         EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(platform::xmlPropertyListData(item.choices.entitlements).data);
+        file.write(platform::xmlPropertyListData(item.choices.entitlements).valueOr({}));
         file.close();
         for (const QString &path : prediction.order) {
             if (const QString problem = signWithChoices(path, entitlements, item.choices); !problem.isNull())

@@ -6,15 +6,15 @@
 int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     const auto read = platform::propertyListFromData(inputBytes(data, size));
-    require(read.value.isValid() == read.error.isNull());
+    require(read.valueOr({}).isValid() == read.error().isNull());
     if (!read)
         return 0;
-    require(!read.value.isValid() || platform::propertyListDescription(read.value).size() >= 0);
-    const auto written = platform::xmlPropertyListData(read.value);
+    require(platform::propertyListDescription(*read).size() >= 0);
+    const auto written = platform::xmlPropertyListData(*read);
     if (!written)
         return 0;
-    const auto readBack = platform::propertyListFromData(written.data);
-    require(readBack.error.isNull());
-    require(platform::xmlPropertyListData(readBack.value).data == written.data);
+    const auto readBack = platform::propertyListFromData(*written);
+    require(readBack);
+    require(platform::xmlPropertyListData(*readBack).valueOr({}) == *written);
     return 0;
 }

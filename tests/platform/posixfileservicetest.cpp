@@ -280,7 +280,7 @@ TEST_F(Files, permissionsAreSetAsInChmod)
 TEST_F(Files, aFileIsReadWhole)
 {
     const QByteArray bytes = QByteArray("a\0b\r\n", 5).repeated(200000);
-    EXPECT_EQ(files.readFile(folder.file(u"file"_s, bytes)), bytes);
+    EXPECT_EQ(*files.readFile(folder.file(u"file"_s, bytes)), bytes);
     const auto empty = files.readFile(folder.file(u"empty"_s));
     ASSERT_TRUE(empty);
     EXPECT_TRUE(empty->isEmpty());
@@ -289,24 +289,25 @@ TEST_F(Files, aFileIsReadWhole)
 
 TEST_F(Files, whatCannotBeReadIsNamedWithTheReason)
 {
-    QString error;
-    EXPECT_EQ(files.readFile(folder.path(u"missing"_s), &error), std::nullopt);
-    EXPECT_EQ(error, u"Cannot read '%1': No such file or directory"_s.arg(folder.path(u"missing"_s)));
-    error.clear();
-    EXPECT_EQ(files.readFile(folder.path(), &error), std::nullopt);
-    EXPECT_TRUE(error.contains(folder.path()));
+    const auto missing = files.readFile(folder.path(u"missing"_s));
+    EXPECT_FALSE(missing);
+    EXPECT_EQ(missing.error(),
+              u"Cannot read '%1': No such file or directory"_s.arg(folder.path(u"missing"_s)));
+    const auto aFolder = files.readFile(folder.path());
+    EXPECT_FALSE(aFolder);
+    EXPECT_TRUE(aFolder.error().contains(folder.path()));
 }
 
 TEST_F(Files, whatIsNoRegularFileIsNotReadAndNotWaitedFor)
 {
     ASSERT_EQ(mkfifo(folder.path(u"pipe"_s).toUtf8().constData(), 0600), 0);
     for (const QString &path : {folder.path(u"pipe"_s), u"/dev/zero"_s, u"/dev/null"_s}) {
-        QString error;
-        EXPECT_EQ(files.readFile(path, &error), std::nullopt);
-        EXPECT_TRUE(error.startsWith(u"Cannot read '%1': "_s.arg(path))) << error.toStdString();
+        const auto read = files.readFile(path);
+        EXPECT_FALSE(read);
+        EXPECT_TRUE(read.error().startsWith(u"Cannot read '%1': "_s.arg(path))) << read.error().toStdString();
     }
     ASSERT_TRUE(QFile::link(u"/dev/zero"_s, folder.path(u"link"_s)));
-    EXPECT_EQ(files.readFile(folder.path(u"link"_s)), std::nullopt);
+    EXPECT_FALSE(files.readFile(folder.path(u"link"_s)));
 }
 
 TEST_F(Files, aFileThatIsTooLargeIsRefusedUnread)
@@ -315,9 +316,9 @@ TEST_F(Files, aFileThatIsTooLargeIsRefusedUnread)
     ASSERT_EQ(truncate(file.toUtf8().constData(), platform::mostBytesRead), 0);
     EXPECT_EQ(files.readFile(file)->size(), platform::mostBytesRead);
     ASSERT_EQ(truncate(file.toUtf8().constData(), qint64(3) << 30), 0);
-    QString error;
-    EXPECT_EQ(files.readFile(file, &error), std::nullopt);
-    EXPECT_EQ(error, u"Cannot read '%1': File too large"_s.arg(file));
+    const auto tooLarge = files.readFile(file);
+    EXPECT_FALSE(tooLarge);
+    EXPECT_EQ(tooLarge.error(), u"Cannot read '%1': File too large"_s.arg(file));
 }
 
 TEST_F(Files, permissionsAreSetThroughNoLinkOfTheItem)
@@ -515,8 +516,8 @@ TEST_F(Files, aReplacementDirectoryGoesWithTheServiceAndWithWhatStandsBesideIt)
     QString used;
     {
         PosixFileService service;
-        empty = service.replacementDirectory(folder.file(u"item"_s)).value();
-        used = service.replacementDirectory(folder.path(u"item"_s)).value();
+        empty = *service.replacementDirectory(folder.file(u"item"_s));
+        used = *service.replacementDirectory(folder.path(u"item"_s));
         ASSERT_TRUE(service.createFile(used + u"/file"_s));
         ASSERT_TRUE(service.createFile(used + u".item"_s));
     }
@@ -528,10 +529,10 @@ TEST_F(Files, aReplacementDirectoryGoesWithTheServiceAndWithWhatStandsBesideIt)
 
 TEST_F(Files, withoutAPlaceForAReplacementDirectoryTheItemIsNamed)
 {
-    QString error;
     const QString item = folder.path(u"no/such/item"_s);
-    EXPECT_EQ(files.replacementDirectory(item, &error), std::nullopt);
-    EXPECT_EQ(error, u"Cannot make a replacement of '%1': No such file or directory"_s.arg(item));
+    const auto made = files.replacementDirectory(item);
+    EXPECT_FALSE(made);
+    EXPECT_EQ(made.error(), u"Cannot make a replacement of '%1': No such file or directory"_s.arg(item));
 }
 
 TEST_F(Files, aTrashedItemCanBeTakenBackAndDoesNotOustAnother)

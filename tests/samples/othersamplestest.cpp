@@ -44,7 +44,7 @@ INSTANTIATE_TEST_SUITE_P(Kinds, SamplePlugins, testing::Values("plugin", "fmplug
 TEST_P(SamplePlugins, haveAnIdentifierAndCodeOfTheirOwn)
 {
     const QVariantMap information =
-        platform::propertyListFromData(bytesOf(contents + u"Info.plist"_s)).value.toMap();
+        platform::propertyListFromData(bytesOf(contents + u"Info.plist"_s)).valueOr({}).toMap();
     EXPECT_EQ(information.value(u"CFBundleIdentifier"_s).toString(), u"org.sealwright.sample."_s + extension);
     EXPECT_EQ(information.value(u"CFBundlePackageType"_s).toString(), u"BNDL"_s);
     const QString executable = contents + u"MacOS/"_s + information.value(u"CFBundleExecutable"_s).toString();

@@ -100,8 +100,8 @@ INSTANTIATE_TEST_SUITE_P(
 TEST_P(SampleBundles, tellWhatTheyAre)
 {
     const auto list = platform::propertyListFromData(contents(GetParam().information));
-    ASSERT_TRUE(list) << list.error.toStdString();
-    const QVariantMap information = list.value.toMap();
+    ASSERT_TRUE(list) << list.error().toStdString();
+    const QVariantMap information = list->toMap();
     EXPECT_EQ(information.value(u"CFBundleIdentifier"_s).toString(), GetParam().identifier);
     EXPECT_EQ(information.value(u"CFBundlePackageType"_s).toString(), GetParam().packageType);
 }
@@ -109,7 +109,7 @@ TEST_P(SampleBundles, tellWhatTheyAre)
 TEST_P(SampleBundles, nameAnExecutableThatIsThere)
 {
     const auto list = platform::propertyListFromData(contents(GetParam().information));
-    const QString executable = list.value.toMap().value(u"CFBundleExecutable"_s).toString();
+    const QString executable = list->toMap().value(u"CFBundleExecutable"_s).toString();
     EXPECT_TRUE(QFileInfo(inApp(GetParam().codeFolder + executable)).isFile()) << executable.toStdString();
 }
 

@@ -95,7 +95,7 @@ protected:
     /// The dictionary in that file of the items' folder.
     QVariant saved(const QString &file) const
     {
-        return platform::propertyListFromData(host.text(file).toUtf8()).value;
+        return platform::propertyListFromData(host.text(file).toUtf8()).valueOr({});
     }
 
     QVariantMap assembled()

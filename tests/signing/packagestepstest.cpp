@@ -50,7 +50,7 @@ protected:
     void expectOutputLeft(const QByteArray &contents)
     {
         const QString output = host.tools.callsOf(u"productsign"_s).value(0).value(3);
-        EXPECT_EQ(host.files.readFile(output), contents) << output.toStdString();
+        EXPECT_EQ(host.files.readFile(output).valueOr({}), contents) << output.toStdString();
         EXPECT_TRUE(QFileInfo(output.chopped(QStringView(u".My Foo.pkg").size())).isDir());
     }
 

@@ -240,14 +240,10 @@ Outcome TestFiles::setPermissionsInside(const QString &item, const QString &insi
                           : Outcome::failure(error);
 }
 
-std::optional<QByteArray> TestFiles::readFile(const QString &path, QString *error) const
+platform::Result<QByteArray> TestFiles::readFile(const QString &path) const
 {
-    const QString wanted = failureOf("readFile", path);
-    if (wanted.isNull())
-        return PosixFileService::readFile(path, error);
-    if (error)
-        *error = wanted;
-    return std::nullopt;
+    const QString error = failureOf("readFile", path);
+    return error.isNull() ? PosixFileService::readFile(path) : platform::Error{error};
 }
 
 bool TestFiles::isReadable(const QString &path) const
@@ -267,14 +263,10 @@ Outcome TestFiles::writeFileAtomically(const QString &path, const QByteArray &by
     return error.isNull() ? PosixFileService::writeFileAtomically(path, bytes) : Outcome::failure(error);
 }
 
-std::optional<QString> TestFiles::replacementDirectory(const QString &forItem, QString *error)
+platform::Result<QString> TestFiles::replacementDirectory(const QString &forItem)
 {
-    const QString wanted = failureOf("replacementDirectory", forItem);
-    if (wanted.isNull())
-        return PosixFileService::replacementDirectory(forItem, error);
-    if (error)
-        *error = wanted;
-    return std::nullopt;
+    const QString error = failureOf("replacementDirectory", forItem);
+    return error.isNull() ? PosixFileService::replacementDirectory(forItem) : platform::Error{error};
 }
 
 Outcome TestFiles::replaceItem(const QString &path, const QString &replacement)

@@ -146,11 +146,11 @@ public:
     platform::Outcome setPermissions(const QString &path, unsigned mode) override;
     platform::Outcome setPermissionsInside(const QString &item, const QString &inside,
                                            unsigned mode) override;
-    std::optional<QByteArray> readFile(const QString &path, QString *error = nullptr) const override;
+    platform::Result<QByteArray> readFile(const QString &path) const override;
     bool isReadable(const QString &path) const override;
     platform::Outcome writeFile(const QString &path, const QByteArray &bytes) override;
     platform::Outcome writeFileAtomically(const QString &path, const QByteArray &bytes) override;
-    std::optional<QString> replacementDirectory(const QString &forItem, QString *error = nullptr) override;
+    platform::Result<QString> replacementDirectory(const QString &forItem) override;
     platform::Outcome replaceItem(const QString &path, const QString &replacement) override;
 
 private:

@@ -84,7 +84,7 @@ protected:
     {
         const ToolResult reply = altool({u"--notarization-history"_s, page, u"--output-format"_s, u"xml"_s});
         EXPECT_EQ(reply.status, 0) << reply.error.toStdString();
-        const QVariantMap list = platform::propertyListFromData(reply.output.toUtf8()).value.toMap();
+        const QVariantMap list = platform::propertyListFromData(reply.output.toUtf8()).valueOr({}).toMap();
         return list.value(u"notarization-history"_s).toMap();
     }
 
@@ -92,7 +92,7 @@ protected:
     {
         const ToolResult reply = altool({u"--list-providers"_s, u"--output-format"_s, u"xml"_s});
         EXPECT_EQ(reply.status, 0) << reply.error.toStdString();
-        const QVariantMap list = platform::propertyListFromData(reply.output.toUtf8()).value.toMap();
+        const QVariantMap list = platform::propertyListFromData(reply.output.toUtf8()).valueOr({}).toMap();
         EXPECT_TRUE(list.contains(u"providers"_s));
         return list.value(u"providers"_s).toList();
     }
@@ -119,7 +119,7 @@ TEST_F(Altool, anUploadIsAnsweredWithAPropertyList)
     makeSignedArchive();
     const ToolResult reply = upload(archive());
     ASSERT_EQ(reply.status, 0) << reply.error.toStdString();
-    const QVariantMap list = platform::propertyListFromData(reply.output.toUtf8()).value.toMap();
+    const QVariantMap list = platform::propertyListFromData(reply.output.toUtf8()).valueOr({}).toMap();
     EXPECT_FALSE(QUuid::fromString(uuidIn(reply)).isNull());
     EXPECT_EQ(list.value(u"success-message"_s).toString(), u"No errors uploading '%1'."_s.arg(archive()));
     EXPECT_EQ(list.value(u"tool-version"_s).toString().section(u'.', 0, 0), u"4"_s);
@@ -183,7 +183,8 @@ TEST_F(Altool, aReportMayBeAPropertyList)
     const QString uuid = uuidIn(upload(archive()));
     const ToolResult reply = altool({u"--notarization-info"_s, uuid, u"--output-format"_s, u"xml"_s});
     const QVariantMap entries = platform::propertyListFromData(reply.output.toUtf8())
-                                    .value.toMap()
+                                    .valueOr({})
+                                    .toMap()
                                     .value(u"notarization-info"_s)
                                     .toMap();
     EXPECT_EQ(entries.value(u"RequestUUID"_s).toString(), uuid);
@@ -313,7 +314,7 @@ TEST_F(Altool, aHistoryMayBeAPropertyList)
     makeSignedArchive();
     const QString uuid = uuidIn(upload(archive()));
     const ToolResult reply = altool({u"--notarization-history"_s, u"0"_s, u"--output-format"_s, u"xml"_s});
-    const QVariantMap list = platform::propertyListFromData(reply.output.toUtf8()).value.toMap();
+    const QVariantMap list = platform::propertyListFromData(reply.output.toUtf8()).valueOr({}).toMap();
     const QVariantList items = list.value(u"notarization-history"_s).toMap().value(u"items"_s).toList();
     ASSERT_EQ(items.size(), 1);
     EXPECT_EQ(items.first().toMap().value(u"RequestUUID"_s).toString(), uuid);

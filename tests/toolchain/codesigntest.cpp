@@ -31,7 +31,7 @@ protected:
 
     static QVariantMap sealedFiles(const QString &sealPath, const QString &key = u"files2"_s)
     {
-        return platform::propertyListFromData(readFile(sealPath)).value.toMap().value(key).toMap();
+        return platform::propertyListFromData(readFile(sealPath)).valueOr({}).toMap().value(key).toMap();
     }
 
     /// Every path below Contents that a seal should name.

@@ -250,7 +250,8 @@ TEST_F(HdiutilAttach, aPropertyListNamesTheMountPoint)
 {
     const ToolResult attached = run(hdiutil, {u"attach"_s, u"-plist"_s, m_image});
     const QVariantList entities = platform::propertyListFromData(attached.output.toUtf8())
-                                      .value.toMap()
+                                      .valueOr({})
+                                      .toMap()
                                       .value(u"system-entities"_s)
                                       .toList();
     ASSERT_EQ(entities.size(), 2);

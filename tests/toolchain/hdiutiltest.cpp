@@ -79,7 +79,7 @@ TEST_F(HdiutilCreate, theApplicationsArgumentsMakeAnImageWithTheBundleItself)
 {
     const ToolResult result = create(path(u"My App.app"_s), path(u"out/My_App.dmg"_s));
     EXPECT_EQ(result.status, 0) << result.error.toStdString();
-    EXPECT_EQ(platform::propertyListFromData(result.output.toUtf8()).value,
+    EXPECT_EQ(platform::propertyListFromData(result.output.toUtf8()).valueOr({}),
               QVariant(QVariantList{path(u"out/My_App.dmg"_s)}));
     const auto items = listed(path(u"out/My_App.dmg"_s));
     EXPECT_TRUE(items.contains(u"My App.app/Contents/Info.plist"_s));
@@ -153,7 +153,7 @@ TEST_F(HdiutilCreate, theTrailerHasTheChecksumsOfTheStoredBytesAndOfAllPartition
     EXPECT_EQ(numberAt<quint32>(trailer, 88), crc32Of(image.first(listOffset)));
     const QByteArray list = image.mid(listOffset, qsizetype(numberAt<quint64>(trailer, 224)));
     const QVariantMap tables =
-        platform::propertyListFromData(list).value.toMap().value(u"resource-fork"_s).toMap();
+        platform::propertyListFromData(list).valueOr({}).toMap().value(u"resource-fork"_s).toMap();
     QByteArray checksums;
     for (const QVariant &table : tables.value(u"blkx"_s).toList())
         checksums += table.toMap()[u"Data"_s].toByteArray().mid(72, 4);

@@ -161,7 +161,7 @@ ToolResult ToolFixture::info(const QString &uuid) const
 
 QString ToolFixture::uuidIn(const ToolResult &reply)
 {
-    const QVariantMap list = platform::propertyListFromData(reply.output.toUtf8()).value.toMap();
+    const QVariantMap list = platform::propertyListFromData(reply.output.toUtf8()).valueOr({}).toMap();
     return list.value(u"notarization-upload"_s).toMap().value(u"RequestUUID"_s).toString();
 }
 

@@ -20,7 +20,7 @@ protected:
     static QVariantMap infoOf(const QString &application)
     {
         const QString path = toolRoot() + u"/Applications/"_s + application + u"/Contents/Info.plist"_s;
-        return platform::propertyListFromData(bundlebuilder::readFile(path)).value.toMap();
+        return platform::propertyListFromData(bundlebuilder::readFile(path)).valueOr({}).toMap();
     }
 
     static QStringList allTools()

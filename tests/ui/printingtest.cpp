@@ -65,7 +65,7 @@ protected:
         dialog()->findChild<QLineEdit *>(u"filename"_s)->setText(path);
         dialog()->accept();
         until([this] { return !dialog(); });
-        return host.files.readFile(path).value_or(QByteArray());
+        return host.files.readFile(path).valueOr({});
     }
 
     /// Presses the button of that name in the page setup, and then OK or Cancel.

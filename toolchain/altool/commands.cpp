@@ -96,10 +96,8 @@ void printFailure(const QString &message)
 
 int fail(const ParsedArguments &arguments, const ServiceFailure &failure)
 {
-    if (formatFrom(arguments) == OutputFormat::Xml) {
-        const Reply reply = failureReply(failure.text, failure.code);
-        print({reply.text.constData(), std::size_t(reply.text.size())});
-    }
+    if (formatFrom(arguments) == OutputFormat::Xml)
+        print(failureReply(failure.text, failure.code).valueOr({}).toStdString());
     printFailure(failure.text);
     return failure.code == unknownRequestCode ? unknownRequestStatus : failedStatus;
 }
@@ -111,11 +109,11 @@ int fail(const ParsedArguments &arguments, const QString &text)
 
 int answer(const Reply &reply)
 {
-    if (!reply.error.isEmpty()) {
-        printFailure(u"The reply cannot be written: "_s + reply.error);
+    if (!reply) {
+        printFailure(u"The reply cannot be written: "_s + reply.error());
         return failedStatus;
     }
-    print({reply.text.constData(), std::size_t(reply.text.size())});
+    print({reply->constData(), std::size_t(reply->size())});
     return 0;
 }
 

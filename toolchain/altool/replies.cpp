@@ -48,8 +48,7 @@ Reply xmlReply(QVariantMap entries)
     entries.insert(u"tool-version"_s, toolVersion());
     entries.insert(u"tool-path"_s, QFile::symLinkTarget(u"/proc/self/exe"_s));
     entries.insert(u"os-version"_s, QSysInfo::prettyProductName());
-    const auto list = platform::xmlPropertyListData(entries);
-    return {list.data, list.error};
+    return platform::xmlPropertyListData(entries);
 }
 
 QString uploadMessage(const QString &archive)
@@ -149,7 +148,7 @@ StatusTexts textsOf(const QString &serviceWord)
 Reply uploadReply(const QString &id, const QString &archive, OutputFormat format)
 {
     if (format == OutputFormat::Normal)
-        return {(uploadMessage(archive) + u"\nRequestUUID = "_s + id + u'\n').toUtf8(), {}};
+        return (uploadMessage(archive) + u"\nRequestUUID = "_s + id + u'\n').toUtf8();
     return xmlReply({{u"notarization-upload"_s, QVariantMap{{u"RequestUUID"_s, id}}},
                      {u"success-message"_s, inXml(uploadMessage(archive))}});
 }
@@ -157,14 +156,14 @@ Reply uploadReply(const QString &id, const QString &archive, OutputFormat format
 Reply infoReply(const InfoReport &report, OutputFormat format)
 {
     if (format == OutputFormat::Normal)
-        return {infoText(report).toUtf8(), {}};
+        return infoText(report).toUtf8();
     return xmlReply({{u"notarization-info"_s, infoEntries(report)}, {u"success-message"_s, infoMessage}});
 }
 
 Reply historyReply(const QList<notary::Submission> &submissions, qulonglong page, OutputFormat format)
 {
     if (format == OutputFormat::Normal)
-        return {historyText(submissions, page).toUtf8(), {}};
+        return historyText(submissions, page).toUtf8();
     return xmlReply({{u"notarization-history"_s, historyEntries(submissions)},
                      {u"success-message"_s, u"No errors getting notarization history."_s}});
 }
@@ -172,10 +171,9 @@ Reply historyReply(const QList<notary::Submission> &submissions, qulonglong page
 Reply providersReply(const Provider &provider, OutputFormat format)
 {
     if (format == OutputFormat::Normal)
-        return {u"ProviderShortname WWDRTeamID ProviderName\n%1 %2 %3\n"_s
-                    .arg(provider.shortName, provider.teamIdentifier, provider.name)
-                    .toUtf8(),
-                {}};
+        return u"ProviderShortname WWDRTeamID ProviderName\n%1 %2 %3\n"_s
+            .arg(provider.shortName, provider.teamIdentifier, provider.name)
+            .toUtf8();
     const QVariantMap entry{{u"ProviderName"_s, provider.name},
                             {u"ProviderShortname"_s, provider.shortName},
                             {u"WWDRTeamID"_s, provider.teamIdentifier}};

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "formats/notary/notaryapi.h"
+#include "platform/result.h"
 
 #include <QList>
 #include <QString>
@@ -17,11 +18,8 @@ struct Provider {
 enum class OutputFormat { Normal, Xml };
 
 /// The replies that the commands print on standard output, each with its line end. The XML ones are
-/// property lists. An error is a reply that could not be written as a property list.
-struct Reply {
-    QByteArray text;
-    QString error;
-};
+/// property lists; an error says why a reply could not be written as one.
+using Reply = platform::Result<QByteArray>;
 
 /// A request's state as the report tells it.
 struct InfoReport {

@@ -176,7 +176,8 @@ private:
         const QByteArray info = boundInfoPropertyList(m_code, m_code.nativeIndex());
         if (info.isEmpty() || !m_directory.hasSpecialSlot(slot::infoPropertyList))
             return u"Info.plist=not bound"_s;
-        return u"Info.plist entries=%1"_s.arg(platform::propertyListFromData(info).value.toMap().size());
+        return u"Info.plist entries=%1"_s.arg(
+            platform::propertyListFromData(info).valueOr({}).toMap().size());
     }
 
     [[nodiscard]] QString sealLine() const

@@ -49,7 +49,7 @@ QString withShortVersion(const QString &name)
 
 QVariantMap infoFrom(const QByteArray &propertyList)
 {
-    return platform::propertyListFromData(propertyList).value.toMap();
+    return platform::propertyListFromData(propertyList).valueOr({}).toMap();
 }
 
 QString identifierIn(const QVariantMap &info)

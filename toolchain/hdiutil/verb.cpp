@@ -44,7 +44,7 @@ void tellDetail(const ParsedArguments &arguments, const std::string &line)
 
 void printPropertyList(const QVariant &value)
 {
-    print(platform::xmlPropertyListData(value).data.toStdString());
+    print(platform::xmlPropertyListData(value).valueOr({}).toStdString());
 }
 
 int failVerb(const std::string &verb, const std::string &reason)

@@ -274,12 +274,11 @@ QByteArray PosixFileService::stateOf(const QString &item) const
     return stateOfItem(item);
 }
 
-std::optional<QByteArray> PosixFileService::readFile(const QString &path, QString *error) const
+Result<QByteArray> PosixFileService::readFile(const QString &path) const
 {
-    auto bytes = readRegular(openFile(path, O_RDONLY | O_NONBLOCK));
-    if (!bytes && error)
-        *error = failureText(u"read"_s, path);
-    return bytes;
+    if (auto bytes = readRegular(openFile(path, O_RDONLY | O_NONBLOCK)))
+        return *std::move(bytes);
+    return Error{failureText(u"read"_s, path)};
 }
 
 Outcome PosixFileService::writeFile(const QString &path, const QByteArray &bytes)
@@ -304,12 +303,11 @@ std::shared_ptr<FileHandle> PosixFileService::openForAppending(const QString &pa
     return file ? std::make_shared<PosixFileHandle>(std::move(file)) : nullptr;
 }
 
-std::optional<QString> PosixFileService::replacementDirectory(const QString &forItem, QString *error)
+Result<QString> PosixFileService::replacementDirectory(const QString &forItem)
 {
-    auto folder = m_replacementFolders.makeFor(forItem);
-    if (!folder && error)
-        *error = failureText(u"make a replacement of"_s, forItem);
-    return folder;
+    if (const auto folder = m_replacementFolders.makeFor(forItem))
+        return *folder;
+    return Error{failureText(u"make a replacement of"_s, forItem)};
 }
 
 Outcome PosixFileService::replaceItem(const QString &path, const QString &replacement)

@@ -27,11 +27,11 @@ public:
     [[nodiscard]] std::shared_ptr<FolderClaim> claimFolder(const QString &path) override;
     bool isClaimed(const QString &path) const override;
     QByteArray stateOf(const QString &item) const override;
-    std::optional<QByteArray> readFile(const QString &path, QString *error = nullptr) const override;
+    Result<QByteArray> readFile(const QString &path) const override;
     Outcome writeFile(const QString &path, const QByteArray &bytes) override;
     Outcome writeFileAtomically(const QString &path, const QByteArray &bytes) override;
     [[nodiscard]] std::shared_ptr<FileHandle> openForAppending(const QString &path) override;
-    std::optional<QString> replacementDirectory(const QString &forItem, QString *error = nullptr) override;
+    Result<QString> replacementDirectory(const QString &forItem) override;
     Outcome replaceItem(const QString &path, const QString &replacement) override;
     /// For a process that ends without an end of this object. What a workflow still makes there is lost.
     void removeReplacementDirectories() { m_replacementFolders.removeAll(); }

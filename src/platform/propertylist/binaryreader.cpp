@@ -54,7 +54,7 @@ public:
         : m_data(data)
     {
     }
-    PropertyListResult read();
+    Result<QVariant> read();
 
 private:
     /// The marker byte of an object, and what follows from it.
@@ -101,14 +101,14 @@ private:
     QString m_error;
 };
 
-PropertyListResult BinaryReader::read()
+Result<QVariant> BinaryReader::read()
 {
     QVariant value;
     if (readTrailer()) {
         m_isOpen.resize(m_trailer.objectCount);
         value = object(m_trailer.topObject, m_data.size() - trailerSize + 16, 1);
     }
-    return m_error.isNull() ? PropertyListResult{value, {}} : PropertyListResult{{}, m_error};
+    return m_error.isNull() ? Result(value) : Error{m_error};
 }
 
 bool BinaryReader::readTrailer()
@@ -404,7 +404,7 @@ QVariant BinaryReader::fail(qint64 position, const QString &message)
 
 } // namespace
 
-PropertyListResult readBinaryList(const QByteArray &data)
+Result<QVariant> readBinaryList(const QByteArray &data)
 {
     return BinaryReader(data).read();
 }

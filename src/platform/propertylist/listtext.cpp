@@ -35,12 +35,12 @@ std::optional<QStringConverter::Encoding> encodingOf(const QByteArray &data)
 
 } // namespace
 
-ListText decodeListText(const QByteArray &data)
+Result<QString> decodeListText(const QByteArray &data)
 {
     const auto encoding = encodingOf(data);
     if (!encoding) {
         const QString name = QString::fromLatin1(declaredEncoding(data));
-        return {{}, u"The encoding '%1' of the property list is not known"_s.arg(name)};
+        return Error{u"The encoding '%1' of the property list is not known"_s.arg(name)};
     }
     // Stateless: a character cut off at the end is wrong, for no more is to come.
     QStringDecoder decoder(*encoding,
@@ -50,7 +50,7 @@ ListText decodeListText(const QByteArray &data)
         text.chop(1); // Qt marks one that is cut off by U+FFFD, whatever the flags
         text += QChar::Null;
     }
-    return {text, {}};
+    return text;
 }
 
 QString placeInText(QStringView text, qsizetype offset)

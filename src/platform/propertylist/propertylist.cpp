@@ -33,23 +33,23 @@ bool looksLikeXml(QStringView text)
 
 } // namespace
 
-PropertyListResult propertyListFromData(const QByteArray &data)
+Result<QVariant> propertyListFromData(const QByteArray &data)
 {
     using namespace propertylist;
 
     if (data.size() > maximumInputBytes)
-        return {{}, u"The property list is larger than %1 MiB"_s.arg(maximumInputBytes / mebibyte)};
+        return Error{u"The property list is larger than %1 MiB"_s.arg(maximumInputBytes / mebibyte)};
     if (data.startsWith("bplist0"))
         return readBinaryList(data);
 
-    ListText list = decodeListText(data);
-    if (list.error.isNull() && QStringView(list.text).trimmed().isEmpty())
-        list.error = u"The property list is empty"_s;
-    if (list.error.isNull())
-        list.error = undecodedBytes(list.text);
-    if (!list.error.isNull())
-        return {{}, list.error};
-    return looksLikeXml(QStringView(list.text).trimmed()) ? readXmlList(list.text) : readTextList(list.text);
+    const Result<QString> text = decodeListText(data);
+    if (!text)
+        return text.failure();
+    if (QStringView(*text).trimmed().isEmpty())
+        return Error{u"The property list is empty"_s};
+    if (const QString error = undecodedBytes(*text); !error.isNull())
+        return Error{error};
+    return looksLikeXml(QStringView(*text).trimmed()) ? readXmlList(*text) : readTextList(*text);
 }
 
 } // namespace platform

@@ -57,7 +57,7 @@ public:
         : m_text(text)
     {
     }
-    PropertyListResult read();
+    Result<QVariant> read();
 
 private:
     // Each answers an invalid value (or false) after it has called fail().
@@ -91,10 +91,10 @@ private:
     QString m_error;
 };
 
-PropertyListResult TextReader::read()
+Result<QVariant> TextReader::read()
 {
     const QVariant value = document();
-    return m_error.isNull() ? PropertyListResult{value, {}} : PropertyListResult{{}, m_error};
+    return m_error.isNull() ? Result(value) : Error{m_error};
 }
 
 QVariant TextReader::document()
@@ -368,7 +368,7 @@ QVariant TextReader::fail(qsizetype position, const QString &message)
 
 } // namespace
 
-PropertyListResult readTextList(const QString &text)
+Result<QVariant> readTextList(const QString &text)
 {
     return TextReader(text).read();
 }

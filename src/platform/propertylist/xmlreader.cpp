@@ -114,7 +114,7 @@ constexpr std::array scalars{
 class XmlReader {
 public:
     explicit XmlReader(const QString &text);
-    PropertyListResult read();
+    Result<QVariant> read();
 
 private:
     // Each answers an invalid value (or false) after it has called fail().
@@ -156,12 +156,10 @@ XmlReader::XmlReader(const QString &text)
     m_xml.addData(text.sliced(skipped));
 }
 
-PropertyListResult XmlReader::read()
+Result<QVariant> XmlReader::read()
 {
     QVariant value = document();
-    if (!m_error.isNull())
-        return {{}, m_error};
-    return {value, {}};
+    return m_error.isNull() ? Result(value) : Error{m_error};
 }
 
 QVariant XmlReader::document()
@@ -371,7 +369,7 @@ void XmlReader::failByParser()
 
 } // namespace
 
-PropertyListResult readXmlList(const QString &text)
+Result<QVariant> readXmlList(const QString &text)
 {
     return XmlReader(text).read();
 }

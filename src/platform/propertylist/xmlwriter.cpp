@@ -70,7 +70,7 @@ QByteArray realText(double real)
 
 class XmlWriter {
 public:
-    PropertyListData write(const QVariant &value);
+    Result<QByteArray> write(const QVariant &value);
 
 private:
     // Each answers false after it has called fail().
@@ -90,17 +90,16 @@ private:
     QString m_path;
 };
 
-PropertyListData XmlWriter::write(const QVariant &value)
+Result<QByteArray> XmlWriter::write(const QVariant &value)
 {
     m_xml = head.toByteArray();
     if (!writeValue(value, 0)) {
         const QString path = m_path.startsWith(u'.') ? m_path.sliced(1) : m_path;
-        return {{},
-                path.isEmpty() ? u"The top level %1"_s.arg(m_error)
-                               : u"The value at '%1' %2"_s.arg(path, m_error)};
+        return Error{path.isEmpty() ? u"The top level %1"_s.arg(m_error)
+                                    : u"The value at '%1' %2"_s.arg(path, m_error)};
     }
     m_xml += tail;
-    return {m_xml, {}};
+    return m_xml;
 }
 
 bool XmlWriter::writeValue(const QVariant &value, int depth)
@@ -222,7 +221,7 @@ bool XmlWriter::fail(const QString &message)
 
 } // namespace
 
-PropertyListData xmlPropertyListData(const QVariant &value)
+Result<QByteArray> xmlPropertyListData(const QVariant &value)
 {
     return XmlWriter().write(value);
 }

@@ -8,9 +8,9 @@
 inline QVariant valueOf(const QByteArray &data)
 {
     const auto result = platform::propertyListFromData(data);
-    EXPECT_TRUE(result) << result.error.toStdString();
-    EXPECT_TRUE(result.value.isValid());
-    return result.value;
+    EXPECT_TRUE(result) << result.error().toStdString();
+    EXPECT_TRUE(result.valueOr({}).isValid());
+    return result.valueOr({});
 }
 
 /// The error text of data that must not read; empty, after a failed expectation, for data that did.
@@ -18,16 +18,16 @@ inline std::string errorOf(const QByteArray &data)
 {
     const auto result = platform::propertyListFromData(data);
     EXPECT_FALSE(result);
-    EXPECT_FALSE(result.value.isValid());
-    return result.error.toStdString();
+    EXPECT_FALSE(result.valueOr({}).isValid());
+    return result.error().toStdString();
 }
 
 /// Reading may work or fail, but it must say which.
 inline void expectVerdict(const QByteArray &data)
 {
     const auto result = platform::propertyListFromData(data);
-    EXPECT_EQ(bool(result), result.value.isValid());
-    EXPECT_EQ(bool(result), result.error.isNull());
+    EXPECT_EQ(bool(result), result.valueOr({}).isValid());
+    EXPECT_EQ(bool(result), result.error().isNull());
 }
 
 /// Type and value are equal: a QVariant by itself takes 1 for true.

@@ -56,16 +56,16 @@ TEST(PropertyList, whatIsWrittenReadsBackTheSame)
         {u"\u00fcmlaut \U0001f600"_s, u"\u4e2d\u6587 \U0001f600"_s},
     };
     const auto written = xmlPropertyListData(list);
-    ASSERT_TRUE(written) << written.error.toStdString();
-    expectSame(valueOf(written.data), list);
-    const QVariantMap read = valueOf(written.data).toMap();
+    ASSERT_TRUE(written) << written.error().toStdString();
+    expectSame(valueOf(*written), list);
+    const QVariantMap read = valueOf(*written).toMap();
     for (auto entry = list.begin(); entry != list.end(); ++entry)
         expectSame(read.value(entry.key()), entry.value());
 }
 
 TEST(PropertyList, noNumberStaysNoNumberOnTheWayThroughAFile)
 {
-    const QVariant read = valueOf(xmlPropertyListData(std::nan("")).data);
+    const QVariant read = valueOf(xmlPropertyListData(std::nan("")).valueOr({}));
     EXPECT_EQ(read.typeId(), QMetaType::Double);
     EXPECT_TRUE(std::isnan(read.toDouble()));
 }
@@ -76,6 +76,6 @@ TEST(PropertyList, theDeepestListThatIsWrittenReadsBack)
     for (int level = 1; level < platform::propertylist::maximumDepth; ++level)
         deep = QVariantList{deep};
     const auto written = xmlPropertyListData(deep);
-    ASSERT_TRUE(written) << written.error.toStdString();
-    expectSame(valueOf(written.data), deep);
+    ASSERT_TRUE(written) << written.error().toStdString();
+    expectSame(valueOf(*written), deep);
 }

@@ -24,18 +24,18 @@ const QByteArray head = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
 std::string contentsOf(const QVariant &value)
 {
     const auto written = xmlPropertyListData(value);
-    EXPECT_TRUE(written) << written.error.toStdString();
-    EXPECT_TRUE(written.data.startsWith(head));
-    EXPECT_TRUE(written.data.endsWith("</plist>\n"));
-    return written.data.sliced(head.size()).chopped(9).toStdString();
+    EXPECT_TRUE(written) << written.error().toStdString();
+    EXPECT_TRUE(written->startsWith(head));
+    EXPECT_TRUE(written->endsWith("</plist>\n"));
+    return written->sliced(head.size()).chopped(9).toStdString();
 }
 
 std::string errorOf(const QVariant &value)
 {
     const auto written = xmlPropertyListData(value);
     EXPECT_FALSE(written);
-    EXPECT_TRUE(written.data.isEmpty());
-    return written.error.toStdString();
+    EXPECT_TRUE(written.valueOr({}).isEmpty());
+    return written.error().toStdString();
 }
 
 } // namespace

@@ -89,7 +89,7 @@ QList<QByteArray> codeHashes(const List *list)
     const QByteArray plist = octets(list, hashAgilityListOid);
     if (plist.isEmpty())
         return hashes;
-    const QVariantMap root = platform::propertyListFromData(plist).value.toMap();
+    const QVariantMap root = platform::propertyListFromData(plist).valueOr({}).toMap();
     for (const QVariant &hash : root.value(u"cdhashes"_s).toList())
         hashes.append(hash.toByteArray());
     return hashes;

@@ -28,7 +28,7 @@ std::optional<QVariantMap> readInfo(const QString &path)
     QFile file(path);
     if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly) || file.size() > longestInfo)
         return std::nullopt;
-    const QVariant value = platform::propertyListFromData(file.readAll()).value;
+    const QVariant value = platform::propertyListFromData(file.readAll()).valueOr({});
     return value.metaType() == QMetaType::fromType<QVariantMap>() ? std::optional(value.toMap())
                                                                   : std::nullopt;
 }

@@ -245,10 +245,10 @@ Result<QVariantMap> readEntitlements(const QByteArray &propertyList)
 {
     const auto list = platform::propertyListFromData(propertyList);
     if (!list)
-        return Error{list.error};
-    if (list.value.metaType() != QMetaType::fromType<QVariantMap>())
+        return list.failure();
+    if (list->metaType() != QMetaType::fromType<QVariantMap>())
         return Error{u"not a dictionary"_s};
-    return list.value.toMap();
+    return list->toMap();
 }
 
 quint64 execSegmentFlagsFor(const QVariantMap &entitlements)

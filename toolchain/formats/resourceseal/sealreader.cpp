@@ -187,10 +187,7 @@ platform::Result<QByteArray> xmlForm(const QByteArray &bytes)
     if (!bytes.startsWith("bplist"))
         return bytes;
     const auto list = platform::propertyListFromData(bytes);
-    const auto xml = platform::xmlPropertyListData(list.value);
-    if (!list || !xml)
-        return platform::Error{list ? xml.error : list.error};
-    return xml.data;
+    return list ? platform::xmlPropertyListData(*list) : list.failure();
 }
 
 } // namespace

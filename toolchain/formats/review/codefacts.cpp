@@ -61,7 +61,7 @@ SignatureState stateOf(const SignedPart &part)
 QVariantMap dictionaryIn(const QByteArray &propertyList)
 {
     return propertyList.isEmpty() ? QVariantMap()
-                                  : platform::propertyListFromData(propertyList).value.toMap();
+                                  : platform::propertyListFromData(propertyList).valueOr({}).toMap();
 }
 
 SignedPart partOf(QIODevice &file, const MachOSlice &slice)

@@ -135,12 +135,12 @@ QByteArray partitionList(const std::vector<Partition> &partitions)
                                   {u"Name"_s, partitions[place].name}});
     }
     return platform::xmlPropertyListData(QVariantMap{{u"resource-fork"_s, QVariantMap{{u"blkx"_s, tables}}}})
-        .data;
+        .valueOr({});
 }
 
 std::optional<std::vector<Partition>> readPartitionList(const QByteArray &bytes)
 {
-    const QVariantMap list = platform::propertyListFromData(bytes).value.toMap();
+    const QVariantMap list = platform::propertyListFromData(bytes).valueOr({}).toMap();
     std::vector<Partition> partitions;
     for (const QVariant &entry : list.value(u"resource-fork"_s).toMap().value(u"blkx"_s).toList()) {
         const QVariantMap table = entry.toMap();
