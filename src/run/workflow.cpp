@@ -20,6 +20,8 @@ template <class... Functions>
 struct Cases : Functions... {
     using Functions::operator()...;
 };
+template <class... Functions>
+Cases(Functions...) -> Cases<Functions...>; // for compilers that do not find it by themselves
 
 } // namespace
 
