@@ -129,8 +129,8 @@ TEST(SampleApp, holdsEveryKindOfResource)
     EXPECT_FALSE(contents(u"Contents/Resources/Scripts/main.scpt"_s).isEmpty());
     const auto strings =
         platform::propertyListFromData(contents(u"Contents/Resources/en.lproj/InfoPlist.strings"_s));
-    EXPECT_EQ(strings.value.toMap().value(u"CFBundleDisplayName"_s).toString(), u"Seal Sample"_s)
-        << strings.error.toStdString();
+    EXPECT_EQ(strings.valueOr({}).toMap().value(u"CFBundleDisplayName"_s).toString(), u"Seal Sample"_s)
+        << strings.error().toStdString();
 }
 
 } // namespace
