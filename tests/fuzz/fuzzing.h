@@ -1,5 +1,6 @@
 #pragma once
 
+#include "support/core.h"
 #include "tools/slwtaskresponse.h"
 
 #include <QByteArray>
