@@ -14,7 +14,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
     if (!written)
         return 0;
     const auto readBack = platform::propertyListFromData(*written);
-    require(readBack);
+    require(bool(readBack));
     require(platform::xmlPropertyListData(*readBack).valueOr({}) == *written);
     return 0;
 }
