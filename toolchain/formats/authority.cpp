@@ -218,15 +218,6 @@ QByteArray Authority::root() const
     return readCertificateFile(m_keychain + u"/authority/root.pem"_s).value(0);
 }
 
-Result<QString> Authority::rootFile() const
-{
-    const QString path = m_keychain + u"/authority/root.pem"_s;
-    if (!root().isEmpty())
-        return path;
-    const auto made = serviceKey(LeafPurpose::Timestamp);
-    return made ? Result<QString>(path) : made.failure();
-}
-
 QList<QByteArray> Authority::certificates() const
 {
     QList<QByteArray> all;

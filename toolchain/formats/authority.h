@@ -35,8 +35,6 @@ public:
 
     /// The root in DER form; empty if there is none yet.
     [[nodiscard]] QByteArray root() const;
-    /// The root's file in PEM form, for clients that want one. Makes the authority if there is none.
-    [[nodiscard]] platform::Result<QString> rootFile() const;
     /// The certificates of the authority itself in DER form.
     [[nodiscard]] QList<QByteArray> certificates() const;
 

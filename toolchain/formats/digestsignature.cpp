@@ -43,11 +43,6 @@ DigestSigner::DigestSigner(const QString &folder, const QString &certificateSha1
 
 DigestSigner::~DigestSigner() = default;
 
-bool DigestSigner::hasRsaKey() const
-{
-    return m_parts->key && EVP_PKEY_get_base_id(m_parts->key.get()) == EVP_PKEY_RSA;
-}
-
 QByteArray DigestSigner::certificate() const
 {
     return m_parts->certificate;

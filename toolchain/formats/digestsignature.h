@@ -24,8 +24,6 @@ public:
     DigestSigner(const QString &folder, const QString &certificateSha1);
     ~DigestSigner();
 
-    [[nodiscard]] bool hasRsaKey() const;
-
     /// In DER form; empty if it is not in the folder or its key is not.
     [[nodiscard]] QByteArray certificate() const;
 

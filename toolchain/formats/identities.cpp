@@ -105,12 +105,6 @@ IdentityList readIdentities(const QString &folder)
     return list;
 }
 
-std::optional<Identity> readCertificate(const QByteArray &certificate)
-{
-    const Certificate x509 = certificateFrom(certificate);
-    return x509 ? std::optional(identityFrom(x509.get())) : std::nullopt;
-}
-
 bool satisfiesCodeSigningPolicy(const Identity &identity)
 {
     const Certificate above = certificateFrom(identity.trust.chain.value(1));

@@ -37,9 +37,6 @@ enum class IdentityKind {
 /// Reads a keychain folder. A folder that does not exist is an empty one.
 [[nodiscard]] IdentityList readIdentities(const QString &folder);
 
-/// What a certificate says, given in DER form, without its trust; nothing if it cannot be read.
-[[nodiscard]] std::optional<Identity> readCertificate(const QByteArray &certificate);
-
 /// Apple's policy for code, as find-identity applies it, apart from dates and anchor: code signing as the
 /// purpose, and where the chain has one of Apple's markers for developers, the marker that belongs to it in
 /// the leaf.

@@ -143,13 +143,4 @@ Result<CodeBundle> readCodeBundle(const QString &path)
     return withExecutable(std::move(bundle));
 }
 
-bool looksLikeBundle(const QString &path)
-{
-    if (!isFolder(path))
-        return false;
-    const CodeBundle bundle = placesOf(path);
-    return bundle.layout == BundleLayout::Contents || isFolder(path + u"/Versions/Current"_s)
-        || QFileInfo::exists(bundle.infoPath);
-}
-
 } // namespace toolchain::codesignature

@@ -16,16 +16,13 @@ inline const QString badImage = QStringLiteral("disk image format unrecognized, 
 inline const QString badFormat = QStringLiteral("invalid or unsupported format for signature");
 inline const QString invalidSignature =
     QStringLiteral("invalid signature (code or signature have been modified)");
-inline const QString badResource = QStringLiteral("a sealed resource is missing or invalid");
 inline const QString badResourceFolder =
     QStringLiteral("invalid resource directory (directory or signature have been modified)");
-inline const QString badSeal = QStringLiteral("the sealed resource directory is invalid");
 inline const QString noResources =
     QStringLiteral("code has no resources but signature indicates they must be present");
 inline const QString badInfo = QStringLiteral("invalid Info.plist (plist or signature have been modified)");
 inline const QString requirementFailed =
     QStringLiteral("code failed to satisfy specified code requirement(s)");
-inline const QString nestedUnsigned = QStringLiteral("nested code is unsigned");
 inline const QString nestedModified = QStringLiteral("nested code is modified or invalid");
 inline const QString tooLarge =
     QStringLiteral("signature too large to embed (size limitation of on-disk representation)");
@@ -35,13 +32,9 @@ inline const QString unsealedFrameworkRoot =
 inline const QString notRegular =
     QStringLiteral("the main executable or Info.plist must be a regular file (no symlinks, etc.)");
 inline const QString strictExecutable = QStringLiteral("main executable failed strict validation");
-inline const QString badFrameworkVersion =
-    QStringLiteral("embedded framework contains modified or invalid version");
 inline const QString ambiguousBundle =
     QStringLiteral("bundle format is ambiguous (could be app or framework)");
 inline const QString badLink = QStringLiteral("invalid destination for symbolic link in bundle");
-inline const QString weakRules = QStringLiteral("resource envelope is obsolete (custom omit rules)");
-inline const QString oldSeal = QStringLiteral("resource envelope is obsolete (version 1 signature)");
 inline const QString detritus =
     QStringLiteral("resource fork, Finder information, or similar detritus not allowed");
 inline const QString badEntitlements = QStringLiteral("invalid entitlement plist");
@@ -78,8 +71,5 @@ struct CodeBundle {
 /// without the folder's name: for one that is no bundle, that could be two kinds of bundle, or whose
 /// executable is missing or no plain file.
 [[nodiscard]] platform::Result<CodeBundle> readCodeBundle(const QString &path);
-
-/// Whether a folder has what makes it a bundle, whatever is wrong with it beside.
-[[nodiscard]] bool looksLikeBundle(const QString &path);
 
 } // namespace toolchain::codesignature

@@ -13,7 +13,6 @@ inline constexpr quint32 requirement = 0xfade0c00;
 inline constexpr quint32 requirementSet = 0xfade0c01;
 inline constexpr quint32 codeDirectory = 0xfade0c02;
 inline constexpr quint32 embeddedSignature = 0xfade0cc0;
-inline constexpr quint32 detachedSignature = 0xfade0cc1;
 inline constexpr quint32 wrapper = 0xfade0b01;
 inline constexpr quint32 entitlements = 0xfade7171;
 inline constexpr quint32 entitlementsDer = 0xfade7172;

@@ -21,7 +21,6 @@ inline constexpr quint32 attributesFile = 8;
 inline constexpr quint32 firstUserItem = 16;
 
 /// Where the fork of each special file is described, counted from the volume header.
-inline constexpr qsizetype allocationFork = 112;
 inline constexpr qsizetype extentsFork = 192;
 inline constexpr qsizetype catalogFork = 272;
 inline constexpr qsizetype attributesFork = 352;

@@ -35,8 +35,7 @@ void ServiceClock::learn(const HttpReply &reply)
     if (!date.isValid())
         return;
     const qint64 offset = QDateTime::currentDateTimeUtc().secsTo(date);
-    m_wasCorrected = std::abs(offset - m_offset) > correctedSeconds;
-    if (m_wasCorrected)
+    if (std::abs(offset - m_offset) > correctedSeconds)
         m_offset = offset;
 }
 

@@ -23,12 +23,9 @@ public:
     [[nodiscard]] QDateTime now() const { return QDateTime::currentDateTimeUtc().addSecs(m_offset); }
     /// Seconds that the service is ahead of this machine.
     [[nodiscard]] qint64 offset() const { return m_offset; }
-    /// Whether the latest reply has changed what is taken for the service's time by more than half a minute.
-    [[nodiscard]] bool wasCorrected() const { return m_wasCorrected; }
 
 private:
     qint64 m_offset = 0;
-    bool m_wasCorrected = false;
 };
 
 template <typename T>

@@ -18,7 +18,6 @@ inline constexpr qsizetype centralSize = 46; ///< of a directory's entry, likewi
 inline constexpr qsizetype endSize = 22;
 inline constexpr qsizetype end64Size = 56;
 inline constexpr qsizetype locatorSize = 20;
-inline constexpr qsizetype localHasChecksum = 14; ///< then the packed and the plain size, four bytes each
 
 inline constexpr quint16 isEncrypted = 0x0001;
 inline constexpr quint16 storedMethod = 0;
