@@ -44,6 +44,7 @@ FrameWindow::FrameWindow(WindowOrder &order)
     new MainMenu(*this);
     resize(firstSize.boundedTo(screen()->availableSize() - QSize(0, titleBarHeight)));
     connect(m_tabs, &TabWidget::currentChanged, this, [this](int index) {
+        updateSelectedPageAlone();
         if (index >= 0)
             restoreFocus();
         Q_EMIT tabsChanged();
@@ -125,6 +126,14 @@ void FrameWindow::insertWindow(platform::Window &window, qsizetype atIndex)
     Q_EMIT tabsChanged();
 }
 
+// A switch of tabs stops the updates of every page that has them on, with all that is in it: with two hundred
+// pages nobody wants to wait for that.
+void FrameWindow::updateSelectedPageAlone()
+{
+    for (qsizetype index = 0; index < count(); ++index)
+        m_windows.at(index)->page().setUpdatesEnabled(index == m_tabs->currentIndex());
+}
+
 void FrameWindow::moveWithin(WidgetWindow &window, qsizetype index)
 {
     const auto last = std::clamp<qsizetype>(index, 0, count() - 1);
@@ -138,6 +147,7 @@ void FrameWindow::release(WidgetWindow &window)
     window.page().disconnect(this);
     window.sheets().disconnect(this);
     m_tabs->removeTab(int(index));
+    window.page().setUpdatesEnabled(true);
     window.page().setParent(nullptr);
     if (count() > 0) {
         Q_EMIT tabsChanged();

@@ -65,6 +65,7 @@ private:
     void drawSignsAnew();
     QString describe(const WidgetWindow &window, bool isOnShow) const;
     QIcon signOf(const WidgetWindow &window, bool isOnShow) const;
+    void updateSelectedPageAlone();
     void restoreFocus();
     bool takesTabsAt(QPoint globalPosition) const;
     qsizetype placeAt(QPoint globalPosition) const;

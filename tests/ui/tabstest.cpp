@@ -127,6 +127,17 @@ TEST_F(Tabs, newTabOpensTheLastTabOfTheFrontWindowAndShowsIt)
     EXPECT_EQ(window().tabbedWindows().size(), 3);
 }
 
+TEST_F(Tabs, onlyTheSelectedPageIsKeptUpToDate)
+{
+    openTwoMore();
+    const auto isKept = [this](int index) { return windowOf(at(index)).page().updatesEnabled(); };
+    EXPECT_EQ((QList<bool>{isKept(0), isKept(1), isKept(2)}), (QList<bool>{false, false, true}));
+    at(0).window().show();
+    EXPECT_EQ((QList<bool>{isKept(0), isKept(1), isKept(2)}), (QList<bool>{true, false, false}));
+    frame().moveTabToOwnFrame();
+    EXPECT_EQ((QList<bool>{isKept(0), isKept(1), isKept(2)}), (QList<bool>{true, true, false}));
+}
+
 TEST_F(Tabs, newWindowAndNewOpenAWindowOfTheirOwn)
 {
     press(frame(), Qt::Key_N, Qt::ControlModifier | Qt::ShiftModifier);
