@@ -17,7 +17,7 @@ struct Choices {
     QStringList skipPaths; ///< from the item
     bool signsMainItemOnly = false;
     Packing packing = Packing::zip;
-    bool signsDeep = false; ///< nested code is signed with what it lies in
+    bool signsDeep = false; ///< nested code is signed as a part of the bundle around it
     bool replacesSignatures = true; ///< those that are there; else what bears one stops the run
     QString team; ///< of the identity; empty if it is not known
     QString fileTool; ///< of the tool root; empty for the host's own

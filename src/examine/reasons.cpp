@@ -38,7 +38,7 @@ QString text(Unsigned reason)
     case Unsigned::liesInArchive:
         return u"lies in an archive, where nothing is signed"_s;
     case Unsigned::isDropped:
-        return u"is left out in the place of the item, whose own executable is missing"_s;
+        return u"is left unsigned, since the executable of the item itself is missing"_s;
     case Unsigned::onlyItemIsSigned:
         return u"lies in the item, of which only the main item is to be signed"_s;
     case Unsigned::isSkipped:
@@ -46,21 +46,21 @@ QString text(Unsigned reason)
     case Unsigned::isHidden:
         return u"is hidden, and hidden files are not looked at"_s;
     case Unsigned::isCurrentVersion:
-        return u"is reached by the version that it leads to"_s;
+        return u"is a link to a version, which is signed itself"_s;
     case Unsigned::isNoVersionFolder:
-        return u"is no folder among a framework's versions"_s;
+        return u"is among a framework's versions and is not a folder"_s;
     case Unsigned::hasFixedName:
         return u"has a name that is never signed"_s;
     case Unsigned::isLeftover:
-        return u"is a leftover that is deleted from the copy"_s;
+        return u"is a leftover such as .DS_Store, which the run deletes from its working copy"_s;
     case Unsigned::isText:
-        return u"has an extension of texts, which are never examined"_s;
+        return u"has the extension of a text, and texts are never signed"_s;
     case Unsigned::isIrregular:
         return u"is no regular file"_s;
     case Unsigned::liesInFlatFramework:
         return u"lies at the top of a framework without versions"_s;
     case Unsigned::isArchive:
-        return u"is no code itself"_s;
+        return u"is not code"_s;
     case Unsigned::hasNoExecutable:
         return u"has no file at its CFBundleExecutable"_s;
     case Unsigned::isForOtherProcessors:
@@ -68,7 +68,7 @@ QString text(Unsigned reason)
     case Unsigned::isNotExecutable:
         return u"is not executable"_s;
     case Unsigned::isSignedWithParent:
-        return u"is signed with what it lies in"_s;
+        return u"is signed as a part of the bundle around it"_s;
     }
     return {};
 }
@@ -81,18 +81,18 @@ QString advice(Unsigned reason)
     case Unsigned::hasFixedName:
         return u"Files called PkgInfo or CodeResources are never signed. Give it another name, or leave it out of the item."_s;
     case Unsigned::isText:
-        return u"Its name ends as that of a text (txt, h, strings, rtf, rtfd, scpt), and texts are never signed. Give it another ending, or leave it out of the item."_s;
+        return u"Files with these extensions are never signed: txt, h, strings, rtf, rtfd, scpt. Give it another extension, or leave it out of the item."_s;
     case Unsigned::liesInFlatFramework:
-        return u"The framework has no folder Versions, so its code is not signed. Build it as a framework with versions, or put the library into Contents/Frameworks without one."_s;
+        return u"The framework has no Versions folder, so its code is not signed. Build it with versions, or put the bare library into Contents/Frameworks."_s;
     case Unsigned::isForOtherProcessors:
         return u"It is code for processors other than x86_64 and arm64, such as i386, and only code for these two is signed. Build it for one of them, or leave it out of the item."_s;
     case Unsigned::isNotExecutable:
         return u"It is not executable (no x among its permissions), so it is not signed. Make it executable with chmod +x, or leave it out of the item."_s;
     case Unsigned::liesInArchive:
-        return u"A run signs a package or a disk image itself, and nothing that lies in it. Sign the code with a Developer ID Application certificate, the hardened runtime and a secure timestamp (codesign -f -o runtime --timestamp) before you make the package or the image."_s;
+        return u"A run signs only the outside of a package or a disk image, not the code in it. Sign the code with a Developer ID Application certificate, the hardened runtime and a secure timestamp (codesign -f -o runtime --timestamp) before you make the package or the image."_s;
     case Unsigned::isDropped:
     case Unsigned::hasNoExecutable:
-        return u"The bundle is not signed, since the file that CFBundleExecutable in its Info.plist names is missing. Build that file, or mend the name."_s;
+        return u"The bundle is not signed, since the file that CFBundleExecutable in its Info.plist names is missing. Build that file, or correct the name."_s;
     default:
         return {};
     }

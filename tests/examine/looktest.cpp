@@ -278,7 +278,7 @@ TEST(ALook, saysWhatIsSignedWithItsAppWhereCodesignGoesDeep)
     ASSERT_TRUE(examination);
     ASSERT_EQ(examination->code.size(), 2);
     EXPECT_FALSE(examination->code.last().order);
-    EXPECT_EQ(examination->code.last().reason, u"is signed with what it lies in"_s);
+    EXPECT_EQ(examination->code.last().reason, u"is signed as a part of the bundle around it"_s);
 }
 
 TEST(ALook, warnsOfALibraryThatAnotherTeamHasSigned)
