@@ -5,8 +5,10 @@
 
 #include "document/documentcommands.h"
 #include "platform/itempath.h"
+#include "ui/examinepane.h"
 
 #include <QCoreApplication>
+#include <QJsonDocument>
 
 using namespace Qt::StringLiterals;
 
@@ -59,6 +61,28 @@ void directSubmit()
     scene.draw(u"direct-submit.png"_s);
 }
 
+void examination()
+{
+    Scene scene;
+    scene.host.application().applicationOpenFiles({scene.makeItem(u"Example.app"_s)});
+    scene.window().resize(1280, 768);
+    scene.showPage(1);
+    scene.settle();
+    scene.window().findChild<ExaminePane *>()->setExamination(
+        QJsonDocument::fromJson(R"({"item": "/items/Example.app", "refused": true, "code": [
+{"path": ".", "kind": "app", "order": 3, "reason": null, "architectures": ["x86_64", "arm64"],
+ "signature": {"state": "none"}},
+{"path": "Contents/Frameworks/Greeting.framework", "kind": "framework", "order": 1, "reason": null,
+ "architectures": ["x86_64", "arm64"], "signature": {"state": "none"}},
+{"path": "Contents/PlugIns/Extra.plugin", "kind": "bundle", "order": 2, "reason": null, "architectures": ["arm64"],
+ "signature": {"state": "none"}}],
+"findings": [{"rule": "unsigned-code", "severity": "error", "path": "Contents/Resources/helpers.zip/helper",
+"architecture": "arm64", "message": "The binary is not signed.",
+"advice": "Sign it before you pack it: what lies in an archive stays as it is."}]})")
+            .object());
+    scene.draw(u"examine.png"_s);
+}
+
 void providers()
 {
     Scene scene;
@@ -86,6 +110,6 @@ void tabs()
 void scenes::ofTheDocuments()
 {
     for (const auto &scene :
-         {emptyDocument, running, waitingAndSuccess, failure, directSubmit, providers, tabs})
+         {emptyDocument, running, waitingAndSuccess, failure, directSubmit, examination, providers, tabs})
         scene();
 }
