@@ -1,5 +1,6 @@
 #include "examine/codetest.h"
 
+#include "signing/machonumbers.h"
 #include "signing/scandecisions.h"
 
 #include <QFile>
@@ -14,19 +15,8 @@ namespace sealwright::examine {
 
 namespace {
 
-// Apple's <mach-o/loader.h>, <mach-o/fat.h> and <mach/machine.h>.
-constexpr quint32 thin64 = 0xfeedfacf;
-constexpr quint32 thin32 = 0xfeedface;
-constexpr quint32 universal = 0xcafebabe;
-constexpr quint32 cpuX86_64 = 0x01000007;
-constexpr quint32 cpuArm64 = 0x0100000c;
-constexpr quint32 cpuArm64_32 = 0x0200000c;
+using namespace macho;
 
-/// Java classes have the magic number of universal files, and behind it a number that no count of
-/// architectures is.
-constexpr quint32 mostArchitectures = 16;
-constexpr qsizetype universalHeader = 8;
-constexpr qsizetype universalEntry = 20;
 /// As far into a file as its report is sure to be made from what is there.
 constexpr quint32 surelyRead = 1 << 19;
 

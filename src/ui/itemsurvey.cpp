@@ -3,6 +3,7 @@
 #include "platform/bundle.h"
 #include "platform/fileservice.h"
 #include "run/item.h"
+#include "signing/machonumbers.h"
 #include "signing/scandecisions.h"
 
 #include <QDirIterator>
@@ -15,27 +16,21 @@ namespace sealwright {
 
 namespace {
 
+using namespace macho;
+
 constexpr int mostEntries = 500'000;
 constexpr qsizetype headerRead = 4096; // bytes, more than any count of architectures takes
-constexpr quint32 thin64 = 0xfeedfacf;
-constexpr quint32 thin32 = 0xfeedface;
-constexpr quint32 universal = 0xcafebabe;
-constexpr quint32 mostArchitectures = 16; // Java classes have the same number in front of a larger one
-constexpr qsizetype universalHeader = 8;
-constexpr qsizetype universalEntry = 20;
 
 QString nameOf(quint32 cpu, quint32 subtype)
 {
-    constexpr quint32 subtypeMask = 0x00ffffff;
-    constexpr quint32 arm64e = 2;
     switch (cpu) {
-    case 0x01000007:
+    case cpuX86_64:
         return u"x86_64"_s;
-    case 0x0100000c:
-        return (subtype & subtypeMask) == arm64e ? u"arm64e"_s : u"arm64"_s;
-    case 0x0200000c:
+    case cpuArm64:
+        return (subtype & subtypeMask) == subtypeArm64e ? u"arm64e"_s : u"arm64"_s;
+    case cpuArm64_32:
         return u"arm64_32"_s;
-    case 7:
+    case cpuI386:
         return u"i386"_s;
     default:
         return {};
