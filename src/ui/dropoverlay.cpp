@@ -84,32 +84,41 @@ void DropOverlay::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
+    paintVeil(painter);
+    paintCard(painter);
+}
+
+void DropOverlay::paintVeil(QPainter &painter) const
+{
     QColor ground = theme::groundOf(theme::Meaning::underway, palette());
-    const QColor accent = theme::colourOf(theme::Meaning::underway, palette());
     ground.setAlphaF(float(veil));
     painter.fillRect(rect(), ground);
-    ground.setAlphaF(1);
-    const QFontMetrics titles(titleFont(font()));
-    const int width = qMin(this->width() - 4 * inset, fontMetrics().averageCharWidth() * charactersAcross);
-    const int height = titles.height() * 4 + fontMetrics().lineSpacing() * 2;
-    QRect card(0, 0, width, height);
-    card.moveCenter(rect().center());
-    painter.setPen(QPen(accent, dash, Qt::DashLine));
+    painter.setPen(QPen(theme::colourOf(theme::Meaning::underway, palette()), dash, Qt::DashLine));
     painter.setBrush(Qt::NoBrush);
     painter.drawRoundedRect(QRectF(rect()).adjusted(inset, inset, -inset, -inset), radius, radius);
+}
+
+/// The title stands in the upper half, the sentence in the lower.
+void DropOverlay::paintCard(QPainter &painter) const
+{
+    const QFontMetrics titles(titleFont(font()));
+    const int width = qMin(this->width() - 4 * inset, fontMetrics().averageCharWidth() * charactersAcross);
+    QRect card(0, 0, width, titles.height() * 4 + fontMetrics().lineSpacing() * 2);
+    card.moveCenter(rect().center());
     painter.setPen(Qt::NoPen);
     painter.setBrush(palette().color(QPalette::Base));
     painter.drawRoundedRect(card, radius, radius);
     const QRect words = card.adjusted(2 * inset, inset, -2 * inset, -inset);
     const QRect upper(words.left(), words.top(), words.width(), words.height() / 2);
-    const QRect lower(words.left(), upper.bottom(), words.width(), words.height() / 2);
-    painter.setPen(theme::readable(accent, palette().color(QPalette::Base), theme::leastOfText));
+    painter.setPen(theme::readable(theme::colourOf(theme::Meaning::underway, palette()),
+                                   palette().color(QPalette::Base), theme::leastOfText));
     painter.setFont(titleFont(font()));
     painter.drawText(upper, Qt::AlignHCenter | Qt::AlignBottom,
                      titles.elidedText(m_title, Qt::ElideMiddle, upper.width()));
     painter.setFont(font());
     painter.setPen(palette().color(QPalette::Text));
-    painter.drawText(lower, Qt::AlignHCenter | Qt::AlignVCenter | Qt::TextWordWrap, m_sentence);
+    painter.drawText(QRect(words.left(), upper.bottom(), words.width(), words.height() / 2),
+                     Qt::AlignHCenter | Qt::AlignVCenter | Qt::TextWordWrap, m_sentence);
 }
 
 } // namespace sealwright

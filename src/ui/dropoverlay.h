@@ -28,6 +28,9 @@ protected:
     void resizeEvent(QResizeEvent *event) override;
 
 private:
+    void paintVeil(QPainter &painter) const;
+    void paintCard(QPainter &painter) const;
+
     QString m_title;
     QString m_sentence;
 };

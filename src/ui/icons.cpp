@@ -1,6 +1,7 @@
 #include "ui/icons.h"
 
 #include <QApplication>
+#include <QHash>
 #include <QIconEngine>
 #include <QPainter>
 #include <QPainterPath>
@@ -19,89 +20,66 @@ constexpr int smallest = 16; // pixels of a picture that nobody asked a size for
 
 struct Picture {
     QString name; ///< in a theme
-    const char
-        *strokes; ///< ours: M and L to a point, Z back, O a circle, A an arc (start and span in degrees)
+    /// Ours: M and L to a point, Z back, O a circle, A an arc (start and span in degrees).
+    QByteArray strokes;
 };
 
 Picture pictureOf(icons::Command command)
 {
     using icons::Command;
-    switch (command) {
-    case Command::about:
-        return {u"help-about"_s, "O8 8 6 M8 7.5 L8 11.5 M8 4.6 L8 5"};
-    case Command::cancel:
-        return {u"process-stop"_s, "O8 8 6 M5.7 5.7 L10.3 10.3 M10.3 5.7 L5.7 10.3"};
-    case Command::clear:
-        return {u"edit-clear"_s, "M3 9.5 L9.5 3 L13.5 7 L7.5 13 L5 13 L3 11 Z M6.2 6.2 L10.4 10.2"};
-    case Command::close:
-        return {u"window-close"_s, "M4 4 L12 12 M12 4 L4 12"};
-    case Command::copy:
-        return {u"edit-copy"_s, "M6 6 L13.5 6 L13.5 13.5 L6 13.5 Z M10 6 L10 2.5 L2.5 2.5 L2.5 10 L6 10"};
-    case Command::cut:
-        return {u"edit-cut"_s, "O4.5 12 1.8 O11.5 12 1.8 M5.5 10.4 L10.5 2 M10.5 10.4 L5.5 2"};
-    case Command::find:
-        return {u"edit-find"_s, "O7 7 4.5 M10.3 10.3 L14 14"};
-    case Command::findNext:
-        return {u"go-down"_s, "M4 6 L8 10.5 L12 6"};
-    case Command::findPrevious:
-        return {u"go-up"_s, "M4 10 L8 5.5 L12 10"};
-    case Command::forum:
-        return {u"system-users"_s, "M2.5 3 L13.5 3 L13.5 11 L8 11 L5 13.8 L5 11 L2.5 11 Z"};
-    case Command::goOnWaiting:
-        return {u"appointment-soon"_s, "M4 2.5 L12 2.5 L4 13.5 L12 13.5 Z"};
-    case Command::help:
-        return {u"help-contents"_s, "O8 8 6 A8 6.8 1.9 190 -235 M8 9.2 L8 9.2 M8 8.8 L8 9.3 M8 11.2 L8 11.5"};
-    case Command::history:
-        return {u"document-open-recent"_s, "O8 8 6 M8 4.5 L8 8 L10.5 9.5"};
-    case Command::info:
-        return {u"dialog-information"_s, "M2 2.5 L14 2.5 L14 13.5 L2 13.5 Z M8 7.5 L8 11 M8 5 L8 5.2"};
-    case Command::keychain:
-        return {u"dialog-password"_s, "O5 8 2.8 M7.8 8 L14 8 L14 11 M11.2 8 L11.2 10"};
-    case Command::mail:
-        return {u"mail-message-new"_s, "M2 4 L14 4 L14 12.5 L2 12.5 Z M2 4.2 L8 9 L14 4.2"};
-    case Command::newDocument:
-        return {u"document-new"_s, "M4 2 L9.5 2 L12.5 5 L12.5 14 L4 14 Z M8.2 7 L8.2 11.4 M6 9.2 L10.4 9.2"};
-    case Command::newTab:
-        return {u"tab-new"_s, "M2 13 L2 6 L4 6 L4 3 L11 3 L11 6 L14 6 L14 13 Z"};
-    case Command::newWindow:
-        return {u"window-new"_s, "M2 3 L14 3 L14 13 L2 13 Z M2 6 L14 6"};
-    case Command::pageSetup:
-        return {u"document-page-setup"_s, "M4 2 L12 2 L12 14 L4 14 Z M6 5 L10 5 M6 8 L10 8"};
-    case Command::paste:
-        return {u"edit-paste"_s,
-                "M5.5 3.5 L3 3.5 L3 14 L13 14 L13 3.5 L10.5 3.5 M5.5 2 L10.5 2 L10.5 5 L5.5 5 Z"};
-    case Command::print:
-        return {u"document-print"_s,
-                "M5 6 L5 2 L11 2 L11 6 M5 11 L2 11 L2 6 L14 6 L14 11 L11 11 M5 9 L11 9 L11 14 L5 14 Z"};
-    case Command::profile:
-        return {u"document-properties"_s, "O8 5.2 2.6 A8 13.8 5 10 160 M3 13 L13 13"};
-    case Command::quit:
-        return {u"application-exit"_s, "M8 2 L8 7.5 A8 8.5 5.5 60 -300"};
-    case Command::repeat:
-        return {u"view-refresh"_s, "A8 8 5.5 70 280 M6.2 1.2 L9.6 2.6 L7.8 5.8"};
-    case Command::save:
-        return {u"document-save-as"_s,
-                "M3 3 L11 3 L13 5 L13 13 L3 13 Z M5.5 3 L5.5 6 L10 6 L10 3 M5 13 L5 9 L11 9 L11 13"};
-    case Command::selectAll:
-        return {u"edit-select-all"_s,
-                "M2.5 2.5 L13.5 2.5 L13.5 13.5 L2.5 13.5 Z M5 5.5 L11 5.5 M5 8 L11 8 M5 10.5 L9 10.5"};
-    case Command::setUp:
-        return {u"system-run"_s, "M2.5 8.5 L6.5 12.5 L13.5 4"};
-    case Command::settings:
-        return {u"preferences-system"_s, "M2 4 L14 4 M2 8 L14 8 M2 12 L14 12 O5 4 1.4 O11 8 1.4 O6.5 12 1.4"};
-    case Command::showInFolder:
-        return {u"folder-open"_s, "M2 4 L6 4 L7.5 6 L14 6 L14 13 L2 13 Z"};
-    case Command::sign:
-        return {u"accessories-text-editor"_s, "M3 13 L4 9.8 L11 2.8 L13.2 5 L6.2 12 Z"};
-    case Command::staple:
-        return {u"mail-attachment"_s, "M3 13 L3 7 A8 7 5 180 -180 M13 7 L13 13 M6 13 L6 8 M10 13 L10 8"};
-    case Command::submit:
-        return {u"document-send"_s,
-                "M8 10.5 L8 2.5 M4.8 5.6 L8 2.5 L11.2 5.6 M3 10.5 L3 13.5 L13 13.5 L13 10.5"};
-    case Command::website:
-        return {u"applications-internet"_s, "O8 8 6 M2 8 L14 8 M8 2 L5.4 5 L5.4 11 L8 14 L10.6 11 L10.6 5 Z"};
-    }
-    return {};
+    static const QHash<Command, Picture> pictures{
+        {Command::about, {u"help-about"_s, "O8 8 6 M8 7.5 L8 11.5 M8 4.6 L8 5"}},
+        {Command::cancel, {u"process-stop"_s, "O8 8 6 M5.7 5.7 L10.3 10.3 M10.3 5.7 L5.7 10.3"}},
+        {Command::clear,
+         {u"edit-clear"_s, "M3 9.5 L9.5 3 L13.5 7 L7.5 13 L5 13 L3 11 Z M6.2 6.2 L10.4 10.2"}},
+        {Command::close, {u"window-close"_s, "M4 4 L12 12 M12 4 L4 12"}},
+        {Command::copy,
+         {u"edit-copy"_s, "M6 6 L13.5 6 L13.5 13.5 L6 13.5 Z M10 6 L10 2.5 L2.5 2.5 L2.5 10 L6 10"}},
+        {Command::cut, {u"edit-cut"_s, "O4.5 12 1.8 O11.5 12 1.8 M5.5 10.4 L10.5 2 M10.5 10.4 L5.5 2"}},
+        {Command::find, {u"edit-find"_s, "O7 7 4.5 M10.3 10.3 L14 14"}},
+        {Command::findNext, {u"go-down"_s, "M4 6 L8 10.5 L12 6"}},
+        {Command::findPrevious, {u"go-up"_s, "M4 10 L8 5.5 L12 10"}},
+        {Command::forum, {u"system-users"_s, "M2.5 3 L13.5 3 L13.5 11 L8 11 L5 13.8 L5 11 L2.5 11 Z"}},
+        {Command::goOnWaiting, {u"appointment-soon"_s, "M4 2.5 L12 2.5 L4 13.5 L12 13.5 Z"}},
+        {Command::help,
+         {u"help-contents"_s, "O8 8 6 A8 6.8 1.9 190 -235 M8 9.2 L8 9.2 M8 8.8 L8 9.3 M8 11.2 L8 11.5"}},
+        {Command::history, {u"document-open-recent"_s, "O8 8 6 M8 4.5 L8 8 L10.5 9.5"}},
+        {Command::info,
+         {u"dialog-information"_s, "M2 2.5 L14 2.5 L14 13.5 L2 13.5 Z M8 7.5 L8 11 M8 5 L8 5.2"}},
+        {Command::keychain, {u"dialog-password"_s, "O5 8 2.8 M7.8 8 L14 8 L14 11 M11.2 8 L11.2 10"}},
+        {Command::mail, {u"mail-message-new"_s, "M2 4 L14 4 L14 12.5 L2 12.5 Z M2 4.2 L8 9 L14 4.2"}},
+        {Command::newDocument,
+         {u"document-new"_s, "M4 2 L9.5 2 L12.5 5 L12.5 14 L4 14 Z M8.2 7 L8.2 11.4 M6 9.2 L10.4 9.2"}},
+        {Command::newTab, {u"tab-new"_s, "M2 13 L2 6 L4 6 L4 3 L11 3 L11 6 L14 6 L14 13 Z"}},
+        {Command::newWindow, {u"window-new"_s, "M2 3 L14 3 L14 13 L2 13 Z M2 6 L14 6"}},
+        {Command::pageSetup, {u"document-page-setup"_s, "M4 2 L12 2 L12 14 L4 14 Z M6 5 L10 5 M6 8 L10 8"}},
+        {Command::paste,
+         {u"edit-paste"_s, "M5.5 3.5 L3 3.5 L3 14 L13 14 L13 3.5 L10.5 3.5 M5.5 2 L10.5 2 L10.5 5 L5.5 5 Z"}},
+        {Command::print,
+         {u"document-print"_s,
+          "M5 6 L5 2 L11 2 L11 6 M5 11 L2 11 L2 6 L14 6 L14 11 L11 11 M5 9 L11 9 L11 14 L5 14 Z"}},
+        {Command::profile, {u"document-properties"_s, "O8 5.2 2.6 A8 13.8 5 10 160 M3 13 L13 13"}},
+        {Command::quit, {u"application-exit"_s, "M8 2 L8 7.5 A8 8.5 5.5 60 -300"}},
+        {Command::repeat, {u"view-refresh"_s, "A8 8 5.5 70 280 M6.2 1.2 L9.6 2.6 L7.8 5.8"}},
+        {Command::save,
+         {u"document-save-as"_s,
+          "M3 3 L11 3 L13 5 L13 13 L3 13 Z M5.5 3 L5.5 6 L10 6 L10 3 M5 13 L5 9 L11 9 L11 13"}},
+        {Command::selectAll,
+         {u"edit-select-all"_s,
+          "M2.5 2.5 L13.5 2.5 L13.5 13.5 L2.5 13.5 Z M5 5.5 L11 5.5 M5 8 L11 8 M5 10.5 L9 10.5"}},
+        {Command::setUp, {u"system-run"_s, "M2.5 8.5 L6.5 12.5 L13.5 4"}},
+        {Command::settings,
+         {u"preferences-system"_s, "M2 4 L14 4 M2 8 L14 8 M2 12 L14 12 O5 4 1.4 O11 8 1.4 O6.5 12 1.4"}},
+        {Command::showInFolder, {u"folder-open"_s, "M2 4 L6 4 L7.5 6 L14 6 L14 13 L2 13 Z"}},
+        {Command::sign, {u"accessories-text-editor"_s, "M3 13 L4 9.8 L11 2.8 L13.2 5 L6.2 12 Z"}},
+        {Command::staple,
+         {u"mail-attachment"_s, "M3 13 L3 7 A8 7 5 180 -180 M13 7 L13 13 M6 13 L6 8 M10 13 L10 8"}},
+        {Command::submit,
+         {u"document-send"_s, "M8 10.5 L8 2.5 M4.8 5.6 L8 2.5 L11.2 5.6 M3 10.5 L3 13.5 L13 13.5 L13 10.5"}},
+        {Command::website,
+         {u"applications-internet"_s, "O8 8 6 M2 8 L14 8 M8 2 L5.4 5 L5.4 11 L8 14 L10.6 11 L10.6 5 Z"}},
+    };
+    return pictures.value(command);
 }
 
 void addStroke(QPainterPath &path, const QString &word, const QList<qreal> &numbers)
@@ -129,7 +107,7 @@ bool isLetter(const QString &word)
     return word.front().isLetter();
 }
 
-QPainterPath pathOf(const char *strokes)
+QPainterPath pathOf(const QByteArray &strokes)
 {
     QPainterPath path;
     const QStringList words = QString::fromLatin1(strokes).split(u' ');

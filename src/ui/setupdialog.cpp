@@ -44,26 +44,31 @@ public:
 
     int heightForWidth(int width) const override
     {
-        int tallest = 0;
-        for (int page = 0; page < count(); ++page)
-            tallest = qMax(tallest, widget(page)->heightForWidth(width));
-        const int present = currentWidget() ? currentWidget()->heightForWidth(width) : 0;
-        return QTabWidget::heightForWidth(width) - tallest + present;
+        return fitted(QTabWidget::heightForWidth(width),
+                      [width](const QWidget &page) { return page.heightForWidth(width); });
     }
-    QSize sizeHint() const override { return fitted(QTabWidget::sizeHint(), &QWidget::sizeHint); }
+    QSize sizeHint() const override
+    {
+        const QSize forAll = QTabWidget::sizeHint();
+        return {forAll.width(),
+                fitted(forAll.height(), [](const QWidget &page) { return page.sizeHint().height(); })};
+    }
     QSize minimumSizeHint() const override
     {
-        return fitted(QTabWidget::minimumSizeHint(), &QWidget::minimumSizeHint);
+        const QSize forAll = QTabWidget::minimumSizeHint();
+        return {forAll.width(),
+                fitted(forAll.height(), [](const QWidget &page) { return page.minimumSizeHint().height(); })};
     }
 
 private:
-    QSize fitted(const QSize &forAll, QSize (QWidget::*hint)() const) const
+    /// The height for all pages without what the tallest has more than the present one.
+    template <class HeightOf>
+    int fitted(int forAll, HeightOf heightOf) const
     {
         int tallest = 0;
         for (int page = 0; page < count(); ++page)
-            tallest = qMax(tallest, (widget(page)->*hint)().height());
-        const int present = currentWidget() ? (currentWidget()->*hint)().height() : 0;
-        return {forAll.width(), forAll.height() - tallest + present};
+            tallest = qMax(tallest, heightOf(*widget(page)));
+        return forAll - tallest + (currentWidget() ? heightOf(*currentWidget()) : 0);
     }
 };
 

@@ -46,6 +46,15 @@ QString saveLogTitle()
     return QCoreApplication::translate("WidgetWindow", "Save Log As");
 }
 
+/// One that stands on the page, and begins where ours would.
+filepanels::DesktopPanel *makeDesktopPanel(DocumentPage &page, const PanelFolder &folder,
+                                           platform::FileChooserPortal::Question question)
+{
+    question.parent = filepanels::portalNameOf(page);
+    question.folder = folder.path();
+    return new filepanels::DesktopPanel(*filepanels::desktopPanels(), question, &page);
+}
+
 /// What the panel's owner would have had enabled.
 bool mayBeChosen(const platform::OpenPanel &panel, const QUrl &item)
 {
@@ -252,14 +261,9 @@ void WidgetWindow::beginOwnPanel(const platform::OpenPanel &panel,
 void WidgetWindow::beginDesktopPanel(const platform::OpenPanel &panel,
                                      std::function<void(const QUrl &)> completion)
 {
-    auto *const dialog = new filepanels::DesktopPanel(*filepanels::desktopPanels(),
-                                                      {Kind::openFile,
-                                                       shown(panel.message),
-                                                       filepanels::portalNameOf(m_page),
-                                                       m_panelFolder.path(),
-                                                       panel.allowedFileTypes,
-                                                       {}},
-                                                      &m_page);
+    auto *const dialog = makeDesktopPanel(
+        m_page, m_panelFolder,
+        {.kind = Kind::openFile, .title = shown(panel.message), .extensions = panel.allowedFileTypes});
     m_sheets.begin(dialog, [this, dialog, panel, completion = std::move(completion)] {
         const auto &answer = dialog->answer();
         const QUrl chosen = answer.path.isEmpty() ? QUrl() : itempath::toUrl(answer.path);
@@ -326,14 +330,8 @@ void WidgetWindow::saveLogByOurs()
 
 void WidgetWindow::saveLogByTheDesktop()
 {
-    auto *const dialog = new filepanels::DesktopPanel(*filepanels::desktopPanels(),
-                                                      {Kind::saveFile,
-                                                       saveLogTitle(),
-                                                       filepanels::portalNameOf(m_page),
-                                                       m_panelFolder.path(),
-                                                       {},
-                                                       nameOfLog()},
-                                                      &m_page);
+    auto *const dialog = makeDesktopPanel(
+        m_page, m_panelFolder, {.kind = Kind::saveFile, .title = saveLogTitle(), .name = nameOfLog()});
     m_sheets.begin(dialog, [this, dialog] {
         if (dialog->answer().ending == Ending::failed)
             saveLogByOurs();

@@ -89,6 +89,12 @@ Filter filterOf(const QStringList &extensions)
     return filter;
 }
 
+/// Of a request, by its number: what the portal, and its own object, are told it by.
+QString tokenOf(quint64 request)
+{
+    return u"sealwright%1"_s.arg(request);
+}
+
 QVariantMap optionsOf(const FileChooserPortal::Question &question, const QString &token)
 {
     using Kind = FileChooserPortal::Kind;
@@ -130,7 +136,7 @@ void FileChooserPortal::lookForIt()
 quint64 FileChooserPortal::ask(const Question &question, const QObject &context,
                                std::function<void(const Answer &)> then)
 {
-    const QString token = u"sealwright%1"_s.arg(++m_requests);
+    const QString token = tokenOf(++m_requests);
     const QString method = question.kind == Kind::saveFile ? u"SaveFile"_s : u"OpenFile"_s;
     QDBusMessage call = QDBusMessage::createMethodCall(service, path, interface, method);
     call << question.parent << question.title << optionsOf(question, token);
@@ -150,7 +156,7 @@ quint64 FileChooserPortal::ask(const Question &question, const QObject &context,
 
 void FileChooserPortal::cancel(quint64 request)
 {
-    if (auto *const open = findChild<PortalRequest *>(u"sealwright%1"_s.arg(request)))
+    if (auto *const open = findChild<PortalRequest *>(tokenOf(request)))
         open->close();
 }
 

@@ -20,11 +20,11 @@ public:
 
     struct Question {
         Kind kind = Kind::openFile;
-        QString title;
-        QString parent; ///< the window that asks, in the portal's form, as "x11:1a2b"; may be empty
-        QString folder; ///< path where the panel begins
-        QStringList extensions; ///< of openFile, without the dot; empty: any file
-        QString name; ///< of saveFile, the one that is proposed
+        QString title = {};
+        QString parent = {}; ///< the window that asks, in the portal's form, as "x11:1a2b"; may be empty
+        QString folder = {}; ///< path where the panel begins
+        QStringList extensions = {}; ///< of openFile, without the dot; empty: any file
+        QString name = {}; ///< of saveFile, the one that is proposed
     };
 
     enum class Ending { chosen, cancelled, failed };
