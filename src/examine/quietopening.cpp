@@ -48,25 +48,7 @@ int open(const char *path, int flags, ...)
     return openQuietly(AT_FDCWD, path, flags, mode);
 }
 
-int open64(const char *path, int flags, ...)
-{
-    va_list arguments;
-    va_start(arguments, flags);
-    const mode_t mode = modeIn(flags, arguments);
-    va_end(arguments);
-    return openQuietly(AT_FDCWD, path, flags, mode);
-}
-
 int openat(int folder, const char *path, int flags, ...)
-{
-    va_list arguments;
-    va_start(arguments, flags);
-    const mode_t mode = modeIn(flags, arguments);
-    va_end(arguments);
-    return openQuietly(folder, path, flags, mode);
-}
-
-int openat64(int folder, const char *path, int flags, ...)
 {
     va_list arguments;
     va_start(arguments, flags);
@@ -80,18 +62,17 @@ int __open_2(const char *path, int flags)
 {
     return openQuietly(AT_FDCWD, path, flags);
 }
-int __open64_2(const char *path, int flags)
-{
-    return openQuietly(AT_FDCWD, path, flags);
-}
 int __openat_2(int folder, const char *path, int flags)
 {
     return openQuietly(folder, path, flags);
 }
-int __openat64_2(int folder, const char *path, int flags)
-{
-    return openQuietly(folder, path, flags);
-}
+
+// Where a file's length always has 64 bits, which is wherever this is built, both names mean one thing.
+static_assert(sizeof(off_t) == sizeof(off64_t));
+int open64(const char *path, int flags, ...) __attribute__((alias("open")));
+int openat64(int folder, const char *path, int flags, ...) __attribute__((alias("openat")));
+int __open64_2(const char *path, int flags) __attribute__((alias("__open_2")));
+int __openat64_2(int folder, const char *path, int flags) __attribute__((alias("__openat_2")));
 
 DIR *opendir(const char *path)
 {
