@@ -91,22 +91,15 @@ qint64 stallOfTheTabs()
     TestHost test(&factory);
     test.launch();
     test.settle();
-    QElapsedTimer clock;
-    qint64 longest = 0;
-    const auto measure = [&](const std::function<void()> &work) {
-        clock.start();
-        work();
-        QCoreApplication::processEvents();
-        longest = qMax(longest, clock.elapsed());
-    };
+    LongestWork longest;
     while (test.application().allControllers().size() < many)
-        measure([&] { test.application().newDocument(asTab); });
+        longest.measure([&] { test.application().newDocument(asTab); });
     for (const DocumentPtr &document : QList(test.application().allControllers()))
-        measure([&] { document->window().show(); });
+        longest.measure([&] { document->window().show(); });
     for (const DocumentPtr &document : QList(test.application().allControllers()))
         document->window().close();
     test.settle();
-    return longest;
+    return longest.milliseconds();
 }
 
 /// The longest stall while thousands of submissions come into the table, are sorted and searched.
@@ -124,20 +117,13 @@ qint64 stallOfTheHistory()
     table.setModel(&shown);
     table.setSortingEnabled(true);
     table.show();
-    QElapsedTimer clock;
-    qint64 longest = 0;
-    const auto measure = [&](const std::function<void()> &work) {
-        clock.start();
-        work();
-        QCoreApplication::processEvents();
-        longest = qMax(longest, clock.elapsed());
-    };
-    measure([&] { history.take(entries); });
-    measure([&] { table.sortByColumn(HistoryModel::identifier, Qt::AscendingOrder); });
-    measure([&] { table.sortByColumn(HistoryModel::date, Qt::DescendingOrder); });
-    measure([&] { shown.setFilterFixedString(u"499"_s); });
-    measure([&] { shown.setFilterFixedString({}); });
-    return longest;
+    LongestWork longest;
+    longest.measure([&] { history.take(entries); });
+    longest.measure([&] { table.sortByColumn(HistoryModel::identifier, Qt::AscendingOrder); });
+    longest.measure([&] { table.sortByColumn(HistoryModel::date, Qt::DescendingOrder); });
+    longest.measure([&] { shown.setFilterFixedString(u"499"_s); });
+    longest.measure([&] { shown.setFilterFixedString({}); });
+    return longest.milliseconds();
 }
 
 } // namespace

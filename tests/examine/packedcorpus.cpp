@@ -110,29 +110,37 @@ void addDamagedPackages(Corpus &corpus)
                {u"damaged-code ."_s});
 }
 
-void addPackagesWithin(Corpus &corpus)
+/// What an app can have in it that has contents of its own.
+struct Container {
+    QString called;
+    QString file;
+    decltype(&ItemMaker::packageBytes) bytes;
+    QString contents; ///< where they stand in it, as a path tells it
+};
+
+void addWithin(Corpus &corpus, const Container &packed)
 {
-    const QString name = u"Contents/Resources/Inner.pkg"_s;
-    corpus.forEach(u"a package with unsigned code in an app"_s,
-                   [name](ItemMaker &item, const QString &architecture) {
-                       item.file(name, item.packageBytes(tool(architecture)));
+    const QString name = u"Contents/Resources/"_s + packed.file;
+    corpus.forEach(packed.called + u" with unsigned code in an app"_s,
+                   [=](ItemMaker &item, const QString &architecture) {
+                       item.file(name, (item.*packed.bytes)(tool(architecture)));
                    },
-                   {u"code-in-archive "_s + name + u"/Payload/usr/local/bin/tool"_s});
-    corpus.add(u"a package of texts in an app"_s, [name](ItemMaker &item) {
-        item.file(name, item.packageBytes({{u"a.txt"_s, "text"}}));
+                   {u"code-in-archive "_s + name + packed.contents + u"/usr/local/bin/tool"_s});
+    corpus.add(packed.called + u" of texts in an app"_s, [=](ItemMaker &item) {
+        item.file(name, (item.*packed.bytes)({{u"a.txt"_s, "text"}}));
     });
-    corpus.add(u"a package with a signed app in an app"_s, [name](ItemMaker &item) {
+    corpus.add(packed.called + u" with a signed app in an app"_s, [=](ItemMaker &item) {
         const ItemMaker inner;
         signRightly(inner);
-        item.file(name, item.packageBytes(inner.contents()));
+        item.file(name, (item.*packed.bytes)(inner.contents()));
     });
-    corpus.add(u"an unsigned app in a package in a zip archive in an app"_s,
-               [](ItemMaker &item) {
+    const QString zip = u"Contents/Resources/a.zip"_s;
+    corpus.add(u"an unsigned app in "_s + packed.called + u" in a zip archive in an app"_s,
+               [=](ItemMaker &item) {
                    const ItemMaker inner;
-                   item.archive(u"Contents/Resources/a.zip"_s,
-                                {{u"Inner.pkg"_s, item.packageBytes(inner.contents())}});
+                   item.archive(zip, {{packed.file, (item.*packed.bytes)(inner.contents())}});
                },
-               {u"code-in-archive Contents/Resources/a.zip/Inner.pkg/Payload/Foo.app"_s});
+               {u"code-in-archive "_s + zip + u'/' + packed.file + packed.contents + u"/Foo.app"_s});
 }
 
 void addDamagedImages(Corpus &corpus)
@@ -154,31 +162,6 @@ void addDamagedImages(Corpus &corpus)
                    item.become(u"Foo.dmg"_s, bytes);
                },
                {u"damaged-code ."_s});
-}
-
-void addImagesWithin(Corpus &corpus)
-{
-    const QString name = u"Contents/Resources/Inner.dmg"_s;
-    corpus.forEach(u"an image with unsigned code in an app"_s,
-                   [name](ItemMaker &item, const QString &architecture) {
-                       item.file(name, item.imageBytes(tool(architecture)));
-                   },
-                   {u"code-in-archive "_s + name + u"/usr/local/bin/tool"_s});
-    corpus.add(u"an image of texts in an app"_s, [name](ItemMaker &item) {
-        item.file(name, item.imageBytes({{u"a.txt"_s, "text"}}));
-    });
-    corpus.add(u"an image with a signed app in an app"_s, [name](ItemMaker &item) {
-        const ItemMaker inner;
-        signRightly(inner);
-        item.file(name, item.imageBytes(inner.contents()));
-    });
-    corpus.add(u"an unsigned app in an image in a zip archive in an app"_s,
-               [](ItemMaker &item) {
-                   const ItemMaker inner;
-                   item.archive(u"Contents/Resources/a.zip"_s,
-                                {{u"Inner.dmg"_s, item.imageBytes(inner.contents())}});
-               },
-               {u"code-in-archive Contents/Resources/a.zip/Inner.dmg/Foo.app"_s});
 }
 
 } // namespace
@@ -249,7 +232,7 @@ void addPackages(Corpus &corpus)
                },
                {u"unsigned-code Scripts/helper"_s});
     addDamagedPackages(corpus);
-    addPackagesWithin(corpus);
+    addWithin(corpus, {u"a package"_s, u"Inner.pkg"_s, &ItemMaker::packageBytes, u"/Payload"_s});
 }
 
 void addImages(Corpus &corpus)
@@ -282,5 +265,5 @@ void addImages(Corpus &corpus)
                },
                {u"code-in-archive Install.pkg/Payload/usr/local/bin/tool"_s});
     addDamagedImages(corpus);
-    addImagesWithin(corpus);
+    addWithin(corpus, {u"an image"_s, u"Inner.dmg"_s, &ItemMaker::imageBytes, {}});
 }
