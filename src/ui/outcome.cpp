@@ -1,4 +1,5 @@
 #include "ui/outcome.h"
+#include "notarization/pollinginfo.h"
 #include "notarization/pollingsteps.h"
 #include "notarization/staplingsteps.h"
 
@@ -17,7 +18,7 @@ namespace sealwright {
 
 namespace {
 
-const QString verdictRefused = u"Notarization Failed"_s; // the title of its sheet
+const QString titleOfRefusal = u"Notarization Failed"_s; // as its sheet has it, which scripts do not see
 const QString seeTheLog = u"See the log for details."_s;
 constexpr qsizetype mostOfTime = 20; // characters
 const QString refusal = u"rejected"_s; // in the text that tells of the service's refusal
@@ -28,6 +29,13 @@ const StepList::Row *firstIn(const StepList &steps, StepState state)
     const auto row =
         std::find_if(rows.cbegin(), rows.cend(), [state](const auto &each) { return each.state == state; });
     return row == rows.cend() ? nullptr : &*row;
+}
+
+/// The report of a refusal is the run's latest error.
+bool isRefusal(const StepList::Row &row, const QString &errorLine)
+{
+    return row.step == step::awaitResult
+        && (verdict(errorLine) == "invalid"_L1 || errorLine.contains(refusal, Qt::CaseInsensitive));
 }
 
 /// The rest of a report is in the log.
@@ -51,12 +59,6 @@ QString reasonOfRefusal(const LastWords &words)
         : words.finding;
 }
 
-bool isRefusal(const StepList::Row &row, const LastWords &words)
-{
-    return row.step == step::awaitResult
-        && (words.alertTitle == verdictRefused || words.errorLine.contains(refusal, Qt::CaseInsensitive));
-}
-
 RunOutcome waiting(const StepList &steps)
 {
     return {RunOutcome::Kind::waiting, QObject::tr("Waiting for Apple's verdict"), waitText(*steps.wait())};
@@ -64,9 +66,10 @@ RunOutcome waiting(const StepList &steps)
 
 RunOutcome failure(const StepList::Row &row, const LastWords &words)
 {
+    if (isRefusal(row, words.errorLine))
+        return {RunOutcome::Kind::refused, titleOfRefusal, reasonOfRefusal(words)};
     const QString title = words.alertTitle.isEmpty() ? stepName(row.step) : words.alertTitle;
-    return isRefusal(row, words) ? RunOutcome{RunOutcome::Kind::refused, title, reasonOfRefusal(words)}
-                                 : RunOutcome{RunOutcome::Kind::failed, title, reasonOf(words)};
+    return {RunOutcome::Kind::failed, title, reasonOf(words)};
 }
 
 RunOutcome success(const StepList &steps, const LastWords &words)

@@ -89,6 +89,18 @@ TEST_F(OutcomeOfARun, isARefusalWhenTheServiceSaysSo)
     EXPECT_EQ(outcomeOf(steps, words).kind, Kind::refused);
 }
 
+TEST_F(OutcomeOfARun, ofAScriptIsARefusalByTheReport)
+{
+    steps.begin(step::awaitResult);
+    steps.finish(StepState::failed);
+    words.errorLine = QString::fromUtf8(FakeTools::infoReport(u"invalid"_s));
+    words.finding = u"helper: Not signed."_s;
+    EXPECT_EQ(outcomeOf(steps, words),
+              (RunOutcome{Kind::refused, u"Notarization Failed"_s, u"helper: Not signed."_s}));
+    words.errorLine = QString::fromUtf8(FakeTools::infoReport(u"no word that anybody knows"_s));
+    EXPECT_EQ(outcomeOf(steps, words).kind, Kind::failed);
+}
+
 TEST_F(OutcomeOfARun, isCancelled)
 {
     steps.begin(step::makeWorkingCopy);
