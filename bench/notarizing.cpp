@@ -139,7 +139,7 @@ void uploadByCurl(const Service &service, const QString &archive)
         qFatal("not announced");
     QString address = service.config().upload;
     address.replace(u"{bucket}"_s, QString::fromUtf8(place->bucket))
-        .replace(u"{object}"_s, QString::fromUtf8(percentEncoded(place->object, Slash::Kept)));
+        .replace(u"{object}"_s, QString::fromUtf8(percentEncoded(place->object, Slash::kept)));
     const QUrl url(address);
     const QByteArray date = amzDate(QDateTime::currentDateTimeUtc());
     const SignableRequest request{"PUT",

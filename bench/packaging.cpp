@@ -67,11 +67,11 @@ QList<Figure> rows::bundleSeal()
         for (int file = 0; file < filesInFolder; ++file)
             items::makeFile(path + u"/file %1.png"_s.arg(file), QByteArray(4'000, char('a' + file % 26)));
     }
-    const toolchain::seal::SealedFolder folder{place.path(), toolchain::seal::Layout::WithResources, {}};
+    const toolchain::seal::SealedFolder folder{place.path(), toolchain::seal::Layout::withResources, {}};
     const double ratio = measuring::ratio(
         3,
         [&folder] {
-            if (!toolchain::seal::makeSeal(folder, toolchain::seal::Digests::Sha1AndSha256, noNestedCode))
+            if (!toolchain::seal::makeSeal(folder, toolchain::seal::Digests::sha1AndSha256, noNestedCode))
                 qFatal("the bundle cannot be sealed");
         },
         [&place] {

@@ -93,7 +93,7 @@ void Judgement::judgeContents(const QString &item, const ReadBundle &read)
     const seal::SealedFolder folder = sealedFolder(*read.bundle);
     for (const seal::ScannedItem &found : read.items) {
         const QString place = folder.base + u'/' + QFile::decodeName(found.path);
-        if (found.kind == seal::ItemKind::NestedCode)
+        if (found.kind == seal::ItemKind::nestedCode)
             judgeNested(place);
         else if (seal::leadsOut(folder, found.path, found.linkTarget) && !hasErrorAt(relative(place)))
             find(rule::linkLeavesItem, Severity::error, relative(place), signing::text::badLink);
@@ -119,7 +119,7 @@ void Judgement::judgeNested(const QString &nested)
         || m_prediction.passedOver.value(nested, PassedOver::noCode) == PassedOver::leftover)
         return;
     const auto code = signing::readSignedCode(nested);
-    if (code && (isSignedWithParent(path) || (code->isSigned() && code->kind == signing::CodeKind::MachO)))
+    if (code && (isSignedWithParent(path) || (code->isSigned() && code->kind == signing::CodeKind::machO)))
         return;
     const QString what = code ? signing::text::notSigned : code.error();
     if (!code && namesMissingExecutable(nested))

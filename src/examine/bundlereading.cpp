@@ -32,8 +32,8 @@ ReadBundle readBundle(const QString &path)
 
 seal::SealedFolder sealedFolder(const signing::CodeBundle &bundle)
 {
-    const bool isFlat = bundle.layout == signing::BundleLayout::Flat;
-    return {bundle.base, isFlat ? seal::Layout::Flat : seal::Layout::WithResources,
+    const bool isFlat = bundle.layout == signing::BundleLayout::flat;
+    return {bundle.base, isFlat ? seal::Layout::flat : seal::Layout::withResources,
             QFile::encodeName(bundle.executable)};
 }
 
@@ -41,7 +41,7 @@ QStringList nestedCodeOf(const ReadBundle &read)
 {
     QStringList paths;
     for (const seal::ScannedItem &item : read.items) {
-        if (item.kind == seal::ItemKind::NestedCode)
+        if (item.kind == seal::ItemKind::nestedCode)
             paths.append(read.bundle->base + u'/' + QFile::decodeName(item.path));
     }
     return paths;

@@ -24,21 +24,21 @@ namespace {
 QString ruleFor(Objection objection, const QString &unsignedRule)
 {
     switch (objection) {
-    case Objection::Damaged:
+    case Objection::damaged:
         return rule::damagedCode;
-    case Objection::NotSigned:
+    case Objection::notSigned:
         return unsignedRule;
-    case Objection::Invalid:
+    case Objection::invalid:
         return rule::signatureInvalid;
-    case Objection::NotDeveloperId:
+    case Objection::notDeveloperId:
         return rule::notDeveloperId;
-    case Objection::NoTimestamp:
+    case Objection::noTimestamp:
         return rule::noTimestamp;
-    case Objection::NoRuntime:
+    case Objection::noRuntime:
         return rule::noHardenedRuntime;
-    case Objection::GetTaskAllow:
+    case Objection::getTaskAllow:
         return rule::getTaskAllow;
-    case Objection::OldSdk:
+    case Objection::oldSdk:
         return rule::oldSdk;
     }
     return {};
@@ -51,7 +51,7 @@ void Judgement::judgeCode()
     const QList<CodeEntry> entries = m_examination.code; // findings are added meanwhile, entries are not
     for (const CodeEntry &entry : entries) {
         if (!entry.facts.damage.isEmpty()) {
-            find(rule::damagedCode, Severity::error, entry.path, message(Objection::Damaged));
+            find(rule::damagedCode, Severity::error, entry.path, message(Objection::damaged));
             continue;
         }
         for (const SliceFacts &slice : entry.facts.slices) {
@@ -80,7 +80,7 @@ void Judgement::judgeSigned(const CodeEntry &entry)
 void Judgement::judgeOldSignature(const CodeEntry &entry)
 {
     const auto isSigned = [](const auto &signature) {
-        return signature.state != SignatureState::None && signature.state != SignatureState::Linker;
+        return signature.state != SignatureState::none && signature.state != SignatureState::linker;
     };
     const auto &slices = entry.facts.slices;
     const bool isSignedAlready =
@@ -115,13 +115,13 @@ void Judgement::judgeKeptSlice(const CodeEntry &entry, const SliceFacts &slice, 
     if (objections.isEmpty())
         return;
     const SignatureState state = slice.signature.state;
-    if (state == SignatureState::Linker) // no better than none, though the service has other words for it
-        return objectToUnsigned(entry, slice, Objection::NotDeveloperId, unsignedRule);
-    const bool wouldDo = objections == QList{Objection::OldSdk};
-    if (unsignedRule == rule::skippedCode && state != SignatureState::None && !wouldDo)
+    if (state == SignatureState::linker) // no better than none, though the service has other words for it
+        return objectToUnsigned(entry, slice, Objection::notDeveloperId, unsignedRule);
+    const bool wouldDo = objections == QList{Objection::oldSdk};
+    if (unsignedRule == rule::skippedCode && state != SignatureState::none && !wouldDo)
         objectToUnsigned(entry, slice, objections.first(), unsignedRule);
     for (const Objection objection : objections) {
-        if (objection == Objection::NotSigned)
+        if (objection == Objection::notSigned)
             objectToUnsigned(entry, slice, objection, unsignedRule);
         else
             find(ruleFor(objection, unsignedRule), Severity::error, entry.path, message(objection),
@@ -154,7 +154,7 @@ void Judgement::judgeTeam(const CodeEntry &entry)
         return;
     for (const SliceFacts &slice : entry.facts.slices) {
         const auto &signature = slice.signature;
-        const bool isOfOthers = signature.state == SignatureState::Signed && !signature.team.isEmpty()
+        const bool isOfOthers = signature.state == SignatureState::certified && !signature.team.isEmpty()
             && signature.team != m_choices.team;
         if (isOfOthers && slice.mustBeSigned() && !slice.isExecutable())
             return void(find(rule::libraryValidation, Severity::warning, entry.path,

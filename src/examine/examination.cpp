@@ -23,15 +23,15 @@ namespace {
 QString name(SignatureState state)
 {
     switch (state) {
-    case SignatureState::None:
+    case SignatureState::none:
         return u"none"_s;
-    case SignatureState::AdHoc:
+    case SignatureState::adHoc:
         return u"adhoc"_s;
-    case SignatureState::Linker:
+    case SignatureState::linker:
         return u"linker"_s;
-    case SignatureState::Signed:
+    case SignatureState::certified:
         return u"signed"_s;
-    case SignatureState::Damaged:
+    case SignatureState::damaged:
         return u"damaged"_s;
     }
     return {};
@@ -60,7 +60,7 @@ SignatureFacts shownSignature(const CodeEntry &entry)
         return *entry.ownSignature;
     const auto &slices = entry.facts.slices;
     const auto unsignedSlice = std::find_if(slices.cbegin(), slices.cend(), [](const SliceFacts &slice) {
-        return slice.signature.state == SignatureState::None;
+        return slice.signature.state == SignatureState::none;
     });
     if (unsignedSlice != slices.cend())
         return unsignedSlice->signature;

@@ -57,9 +57,9 @@ std::optional<SignatureFacts> ownSignature(const Examination &examination)
         return {};
     const auto judgement = toolchain::package::judgePackage(*archive);
     SignatureFacts signature;
-    if (judgement.verdict == toolchain::package::PackageJudgement::Verdict::NotSigned)
+    if (judgement.verdict == toolchain::package::PackageJudgement::Verdict::notSigned)
         return signature;
-    signature.state = SignatureState::Signed;
+    signature.state = SignatureState::certified;
     signature.authorities = toolchain::review::commonNames(judgement.trust.chain);
     signature.timestamp = judgement.timestamp.value_or(QDateTime());
     return signature;

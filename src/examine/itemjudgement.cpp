@@ -110,7 +110,7 @@ void Judgement::judgeEntitlements()
         return entry.order && entry.facts.isExecutable();
     });
     if (signsExecutable && m_choices.entitlements.value(u"com.apple.security.get-task-allow"_s).toBool())
-        find(rule::getTaskAllow, Severity::error, u"."_s, message(Objection::GetTaskAllow));
+        find(rule::getTaskAllow, Severity::error, u"."_s, message(Objection::getTaskAllow));
     if (QFileInfo::exists(m_examination.item + u"/Contents/embedded.provisionprofile"_s))
         return;
     for (auto entry = m_choices.entitlements.cbegin(); entry != m_choices.entitlements.cend(); ++entry) {

@@ -15,7 +15,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     if (signature) {
         const SignedContent content{[](QCryptographicHash::Algorithm) { return QByteArray(32, 'c'); },
                                     {{2, "digest"}}};
-        require(!judgeCms(*signature, content, TrustPurpose::CodeSigning, store).isGood());
+        require(!judgeCms(*signature, content, TrustPurpose::codeSigning, store).isGood());
     }
     require(!checkTimestamp(bytes, "stamped", store));
     require(!tokenInReply(bytes, "stamped", "nonce", store));

@@ -39,7 +39,7 @@ protected:
     {
         const auto target = ticket::StapleTarget::open(item);
         ASSERT_TRUE(target) << target.error().toStdString();
-        const auto key = Authority(keychainFolder()).serviceKey(LeafPurpose::Ticket);
+        const auto key = Authority(keychainFolder()).serviceKey(LeafPurpose::ticket);
         ASSERT_TRUE(key) << key.error().toStdString();
         const auto minted = ticket::mintTicket((**target).entries(), QDateTime::currentDateTimeUtc(),
                                                key->chain.mid(0, 2), key->key.get());

@@ -17,10 +17,10 @@ inline constexpr Architecture arm64{0x0100000c, true};
 inline constexpr Architecture i386{7, false};
 inline constexpr Architecture powerPC{18, false};
 
-enum class ByteOrder { Little, Big };
+enum class ByteOrder { little, big };
 
 /// An executable that can be signed, of a few pages.
-QByteArray thinMachO(Architecture architecture, ByteOrder order = ByteOrder::Little);
+QByteArray thinMachO(Architecture architecture, ByteOrder order = ByteOrder::little);
 
 /// A universal file with x86_64 and arm64 slices.
 QByteArray universalMachO(bool hasWideHeader = false);

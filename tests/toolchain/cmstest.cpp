@@ -60,8 +60,8 @@ protected:
 
     [[nodiscard]] QByteArray made() const
     {
-        makeIdentity(IdentityKind::Application);
-        const auto signer = findSigningIdentity(u"Example Corp"_s, IdentityKind::Application);
+        makeIdentity(IdentityKind::application);
+        const auto signer = findSigningIdentity(u"Example Corp"_s, IdentityKind::application);
         EXPECT_TRUE(signer) << signer.error().toStdString();
         const auto cms = makeCodeCms(*signer, order(), {});
         EXPECT_TRUE(cms) << cms.error().toStdString();
@@ -72,7 +72,7 @@ protected:
     {
         const auto signature = readCms(cms);
         EXPECT_TRUE(signature) << signature.error().toStdString();
-        return judgeCms(*signature, content, TrustPurpose::CodeSigning, TrustStore::ofThisMachine());
+        return judgeCms(*signature, content, TrustPurpose::codeSigning, TrustStore::ofThisMachine());
     }
 };
 
@@ -85,8 +85,8 @@ TEST_F(Cms, signaturesOfCodesignHoldWithTheirTimeStampsAndEndInApplesRoot)
         EXPECT_TRUE(judgement.isGood())
             << real.name << judgement.problem.toStdString() << judgement.timestampProblem.toStdString()
             << judgement.trust.text().toStdString();
-        EXPECT_EQ(judgement.trust.anchor, Anchor::Apple);
-        EXPECT_EQ(judgement.timestampAnchor, Anchor::Apple);
+        EXPECT_EQ(judgement.trust.anchor, Anchor::apple);
+        EXPECT_EQ(judgement.timestampAnchor, Anchor::apple);
         EXPECT_TRUE(isDeveloperIdForCode(judgement.trust.chain));
     }
 }
@@ -127,7 +127,7 @@ TEST_F(Cms, whatIsMadeIsReadBackAndHolds)
     const CmsJudgement judgement = judged(made(), content());
     EXPECT_TRUE(judgement.isGood()) << judgement.problem.toStdString()
                                     << judgement.trust.text().toStdString();
-    EXPECT_EQ(judgement.trust.anchor, Anchor::ThisMachine);
+    EXPECT_EQ(judgement.trust.anchor, Anchor::thisMachine);
     EXPECT_TRUE(isDeveloperIdForCode(judgement.trust.chain));
     EXPECT_FALSE(judgement.timestamp);
     EXPECT_LT(judgement.signingTime.secsTo(QDateTime::currentDateTimeUtc()), 600);
@@ -156,8 +156,8 @@ TEST_F(Cms, certificatesStandInTheOrderOfTheirBytesWithTheRootAmongThem)
 TEST_F(Cms, opensslVerifiesWhatIsMade)
 {
     const QByteArray content = "the table's checksum";
-    makeIdentity(IdentityKind::Installer);
-    const auto signer = findSigningIdentity(u"Example Corp"_s, IdentityKind::Installer);
+    makeIdentity(IdentityKind::installer);
+    const auto signer = findSigningIdentity(u"Example Corp"_s, IdentityKind::installer);
     ASSERT_TRUE(signer) << signer.error().toStdString();
     for (const auto algorithm :
          {QCryptographicHash::Sha1, QCryptographicHash::Sha256, QCryptographicHash::Sha512}) {
@@ -170,8 +170,8 @@ TEST_F(Cms, opensslVerifiesWhatIsMade)
 
 TEST_F(Cms, aPackageHasAnRsaValueOverTheChecksumItself)
 {
-    makeIdentity(IdentityKind::Installer);
-    const auto signer = findSigningIdentity(u"Example Corp"_s, IdentityKind::Installer);
+    makeIdentity(IdentityKind::installer);
+    const auto signer = findSigningIdentity(u"Example Corp"_s, IdentityKind::installer);
     ASSERT_TRUE(signer);
     const QByteArray checksum(20, 'c');
     const auto value = makePackageSignature(*signer, checksum, QCryptographicHash::Sha1);
@@ -221,7 +221,7 @@ TEST_F(Cms, aTimeStampOfAnotherSignatureIsToldAsOne)
     CmsSignature mixed = *mine;
     mixed.timestampToken = other->timestampToken;
     const CmsJudgement judgement =
-        judgeCms(mixed, contentOf(dart), TrustPurpose::CodeSigning, TrustStore::ofThisMachine());
+        judgeCms(mixed, contentOf(dart), TrustPurpose::codeSigning, TrustStore::ofThisMachine());
     EXPECT_EQ(judgement.timestampProblem, u"the time stamp is of something else"_s);
     EXPECT_FALSE(judgement.isGood());
 }
@@ -232,7 +232,7 @@ TEST_F(Cms, withoutATimeStampAnExpiredCertificateIsExpired)
     ASSERT_TRUE(signature);
     signature->timestampToken.clear();
     const CmsJudgement judgement =
-        judgeCms(*signature, contentOf(node), TrustPurpose::CodeSigning, TrustStore::ofThisMachine());
-    EXPECT_EQ(judgement.trust.problem, TrustProblem::Expired);
-    EXPECT_EQ(judgement.trust.anchor, Anchor::Apple);
+        judgeCms(*signature, contentOf(node), TrustPurpose::codeSigning, TrustStore::ofThisMachine());
+    EXPECT_EQ(judgement.trust.problem, TrustProblem::expired);
+    EXPECT_EQ(judgement.trust.anchor, Anchor::apple);
 }

@@ -34,7 +34,7 @@ SignaturePlan adHocPlan()
     plan.fields.identifier = u"com.example.code"_s;
     plan.fields.flags = codeflag::adhoc;
     plan.fields.pageShift = 12;
-    plan.digests = {HashType::Sha1, HashType::Sha256};
+    plan.digests = {HashType::sha1, HashType::sha256};
     plan.components.insert(slot::requirements, requirementSetBlob({}));
     return plan;
 }
@@ -85,7 +85,7 @@ TEST(MachOImages, tellWhatTheirHeadsTell)
     ASSERT_TRUE(image) << image.error().toStdString();
     const MachOSlice &slice = image->slices.first();
     EXPECT_EQ(slice.architecture(), u"arm64"_s);
-    EXPECT_EQ(slice.fileType, MachOFileType::Executable);
+    EXPECT_EQ(slice.fileType, MachOFileType::executable);
     EXPECT_EQ(slice.version()->sdk, 0x000c0300U);
     EXPECT_EQ(slice.uuid, "0123456789abcdef");
     EXPECT_EQ(slice.infoPropertyList->length, 8U);
@@ -202,16 +202,16 @@ TEST(Requirements, theDesignatedOneOfADeveloperIdIsTheKnownBytes)
               u"identifier node and anchor apple generic and certificate 1[field.1.2.840.113635.100.6.2.6] "
               u"/* exists */ and certificate leaf[field.1.2.840.113635.100.6.1.13] /* exists */ and "
               u"certificate leaf[subject.OU] = HX7739G8FX"_s);
-    const QByteArray set = requirementSetBlob({{RequirementType::Designated, expected}});
+    const QByteArray set = requirementSetBlob({{RequirementType::designated, expected}});
     EXPECT_EQ(set.size(), 0xa4);
-    EXPECT_TRUE(digestOf(set, HashType::Sha256).toHex().startsWith("1269c636692bd36c"));
+    EXPECT_TRUE(digestOf(set, HashType::sha256).toHex().startsWith("1269c636692bd36c"));
 }
 
 TEST(Requirements, theEmptySetHasTheKnownDigests)
 {
     EXPECT_EQ(requirementSetBlob({}).toHex(), "fade0c010000000c00000000");
-    EXPECT_TRUE(digestOf(requirementSetBlob({}), HashType::Sha1).toHex().startsWith("3a75f6db"));
-    EXPECT_TRUE(digestOf(requirementSetBlob({}), HashType::Sha256).toHex().startsWith("987920904eab650e"));
+    EXPECT_TRUE(digestOf(requirementSetBlob({}), HashType::sha1).toHex().startsWith("3a75f6db"));
+    EXPECT_TRUE(digestOf(requirementSetBlob({}), HashType::sha256).toHex().startsWith("987920904eab650e"));
 }
 
 TEST(Requirements, comeBackFromTheirBinaryFormAsTheSameText)
@@ -411,7 +411,7 @@ TEST(PageDigests, areThoseOfEachPageWhateverTheNumberOfThreads)
                     std::size_t(run.digests.first().size()));
         return true;
     };
-    ASSERT_TRUE(digestPages(quint64(code.size()), 12, {HashType::Sha1}, reader, sink));
+    ASSERT_TRUE(digestPages(quint64(code.size()), 12, {HashType::sha1}, reader, sink));
     for (qsizetype page = 0; page * 20 < all.size(); ++page)
-        ASSERT_EQ(all.mid(page * 20, 20), digestOf(code.mid(page * 4096, 4096), HashType::Sha1));
+        ASSERT_EQ(all.mid(page * 20, 20), digestOf(code.mid(page * 4096, 4096), HashType::sha1));
 }

@@ -222,7 +222,7 @@ TEST_F(Codesign, refusesMachOFilesThatCannotHoldASignature)
     const QByteArray universal = universalMachO();
     const QByteArray thin = thinMachO(arm64);
     for (const QByteArray &bytes :
-         {thinMachO(powerPC, ByteOrder::Big), universalMachO(true), machO(full), universal.left(200),
+         {thinMachO(powerPC, ByteOrder::big), universalMachO(true), machO(full), universal.left(200),
           universal.chopped(1), universal.left(0x8000), thin.left(31), thin.chopped(1), thin + "more",
           QByteArray::fromHex("cafebabe00000003")}) {
         writeFile(path(u"file"_s), bytes);

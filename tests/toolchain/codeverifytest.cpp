@@ -266,7 +266,7 @@ TEST_F(CodeVerify, aSignatureCanBeReadWithoutTheDigestsOfTheCode)
 {
     ASSERT_EQ(sign(app(), {u"-i"_s, u"com.example.other"_s}).status, 0);
     const auto whole = readSignedCode(app());
-    const auto heads = readSignedCode(app(), SignatureDepth::Heads);
+    const auto heads = readSignedCode(app(), SignatureDepth::heads);
     ASSERT_TRUE(whole && heads);
     for (qsizetype index = 0; index < whole->parts.size(); ++index) {
         const SignedPart &expected = whole->parts[index];

@@ -55,7 +55,7 @@ protected:
             m_content += QByteArray(4096, char('a' + block));
         bundlebuilder::writeFile(path(u"folder/inner/ee"_s), m_content);
         bundlebuilder::writeFile(path(u"folder/file"_s), "plain");
-        const auto root = hfsplus::VolumeRoot::Contents;
+        const auto root = hfsplus::VolumeRoot::contents;
         HfsPlusWriter writer(hfsplus::readSourceTree(path(u"folder"_s).toStdString(), root, "Volume", 1), 1);
         ASSERT_TRUE(writer.write([this](QByteArrayView bytes) {
             m_volume.append(bytes);
@@ -112,8 +112,8 @@ TEST(HfsPlusNames, areStoredTakenApartAndComeBackInTheFormTheyHad)
     using namespace hfsplus;
     const QString name = u"Gr\u00f6\u00dfe \ud55c \U0001F600:\u212b"_s;
     EXPECT_EQ(storedName(name.toStdString()), u"Gro\u0308\u00dfe \u1112\u1161\u11ab \U0001F600/\u212b"_s);
-    EXPECT_EQ(formOf(name.toStdString(), *storedName(name.toStdString())), NameForm::Composed);
-    EXPECT_EQ(fileName(*storedName(name.toStdString()), NameForm::Composed), name.toUtf8());
+    EXPECT_EQ(formOf(name.toStdString(), *storedName(name.toStdString())), NameForm::composed);
+    EXPECT_EQ(fileName(*storedName(name.toStdString()), NameForm::composed), name.toUtf8());
     EXPECT_EQ(fileName(*storedName(name.toStdString())),
               u"Gro\u0308\u00dfe \u1112\u1161\u11ab \U0001F600:\u212b"_s.toUtf8());
 }

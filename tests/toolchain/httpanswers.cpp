@@ -102,12 +102,12 @@ void HttpAnswers::serveOne(int connection) const
 {
     const QByteArray body = readBody(connection);
     QByteArray more;
-    if (m_manner == Manner::Silent) {
+    if (m_manner == Manner::silent) {
         static_cast<void>(readMore(connection, more)); // until the other side gives up
         return;
     }
     const QByteArray answer = m_answer(body);
-    const QByteArray status = m_manner == Manner::Refusing ? "503 Service Unavailable" : "200 OK";
+    const QByteArray status = m_manner == Manner::refusing ? "503 Service Unavailable" : "200 OK";
     writeAll(connection,
              "HTTP/1.1 " + status + "\r\nContent-Length: " + QByteArray::number(answer.size())
                  + "\r\nConnection: close\r\n\r\n" + answer);

@@ -12,13 +12,13 @@
 class HttpAnswers {
 public:
     enum class Manner {
-        Answering,
-        Silent, ///< takes the question and says nothing
-        Refusing ///< answers with status 503
+        answering,
+        silent, ///< takes the question and says nothing
+        refusing ///< answers with status 503
     };
 
     explicit HttpAnswers(std::function<QByteArray(const QByteArray &body)> answer,
-                         Manner manner = Manner::Answering);
+                         Manner manner = Manner::answering);
     ~HttpAnswers();
     HttpAnswers(const HttpAnswers &) = delete;
     HttpAnswers &operator=(const HttpAnswers &) = delete;

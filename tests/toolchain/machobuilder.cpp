@@ -20,17 +20,17 @@ public:
     Numbers &number(std::uint32_t value)
     {
         const std::uint32_t ordered =
-            m_order == ByteOrder::Little ? qToLittleEndian(value) : qToBigEndian(value);
+            m_order == ByteOrder::little ? qToLittleEndian(value) : qToBigEndian(value);
         m_bytes.append(reinterpret_cast<const char *>(&ordered), sizeof ordered);
         return *this;
     }
     /// As wide as the file's addresses.
     Numbers &word(std::uint32_t value)
     {
-        if (m_is64Bit && m_order == ByteOrder::Big)
+        if (m_is64Bit && m_order == ByteOrder::big)
             number(0);
         number(value);
-        return m_is64Bit && m_order == ByteOrder::Little ? number(0) : *this;
+        return m_is64Bit && m_order == ByteOrder::little ? number(0) : *this;
     }
     Numbers &name(const QByteArray &name)
     {
@@ -131,7 +131,7 @@ QByteArray universalOf(const QList<QByteArray> &slices, bool hasWideHeader)
 {
     constexpr std::uint32_t alignment = 0x4000;
     constexpr std::uint32_t alignmentShift = 14;
-    Numbers header(ByteOrder::Big, hasWideHeader);
+    Numbers header(ByteOrder::big, hasWideHeader);
     header.number(hasWideHeader ? 0xcafebabf : 0xcafebabe).number(std::uint32_t(slices.size()));
     std::uint32_t offset = alignment;
     QByteArray body;

@@ -13,7 +13,7 @@ namespace bundlebuilder {
 /// __LINKEDIT behind it.
 struct MachORecipe {
     Architecture architecture = arm64;
-    ByteOrder order = ByteOrder::Little;
+    ByteOrder order = ByteOrder::little;
     std::uint32_t fileType = 2;
     std::uint32_t platform = 1; ///< 0: no LC_BUILD_VERSION
     std::uint32_t minimumSystem = 0x000b0000;

@@ -14,10 +14,10 @@ namespace {
 
 /// What becomes of a call that meets a trouble.
 enum class Cure {
-    Waiting, ///< it passes within the call's four tries
-    Nothing, ///< it spoils nothing, however often it comes
-    Remedy, ///< the client puts something right, once
-    None ///< the first time is the last word
+    waiting, ///< it passes within the call's four tries
+    nothing, ///< it spoils nothing, however often it comes
+    remedy, ///< the client puts something right, once
+    none ///< the first time is the last word
 };
 
 struct Trouble {
@@ -42,27 +42,27 @@ const char16_t *const notUnderstood = u"reply was not understood: ";
 const QList<Trouble> &troublesOfTheWay()
 {
     static const QList<Trouble> list{
-        {"status", "500", Cure::Waiting, all, u"HTTP status 500"},
-        {"status", R"({"code":500,"kind":"html"})", Cure::Waiting, all, u"HTTP status 500"},
-        {"status", "502", Cure::Waiting, all, u"HTTP status 502"},
-        {"status", "503", Cure::Waiting, all, u"HTTP status 503"},
-        {"status", R"({"code":503,"kind":"json"})", Cure::Waiting, all, u"HTTP status 503"},
-        {"status", "504", Cure::Waiting, all, u"HTTP status 504"},
-        {"status", R"({"code":504,"kind":"text"})", Cure::Waiting, all, u"HTTP status 504"},
-        {"status", R"({"code":429,"retryAfter":3})", Cure::Waiting, all, u"429"},
-        {"status", "429", Cure::Waiting, all, u"429"},
-        {"close", "", Cure::Waiting, all, brokeOff},
-        {"reset", "", Cure::Waiting, all, brokeOff},
-        {"reset", "1000", Cure::Waiting, {&putting, &puttingPart}, brokeOff},
-        {"cut", "10", Cure::Waiting, all, brokeOff},
-        {"cut", "0", Cure::Waiting, all, brokeOff},
-        {"delay", "0.05", Cure::Nothing, all, u""},
-        {"stall", "0.05", Cure::Nothing, all, u""},
-        {"drip", "50000", Cure::Nothing, all, u""},
-        {"slow-read", "1000000", Cure::Nothing, api, u""},
-        {"slow-read", "1000000", Cure::Nothing, {&putting, &reading}, u""},
-        {"clock", "1500", Cure::Nothing, api + storage, u""},
-        {"clock", "-1500", Cure::Nothing, api + storage, u""},
+        {"status", "500", Cure::waiting, all, u"HTTP status 500"},
+        {"status", R"({"code":500,"kind":"html"})", Cure::waiting, all, u"HTTP status 500"},
+        {"status", "502", Cure::waiting, all, u"HTTP status 502"},
+        {"status", "503", Cure::waiting, all, u"HTTP status 503"},
+        {"status", R"({"code":503,"kind":"json"})", Cure::waiting, all, u"HTTP status 503"},
+        {"status", "504", Cure::waiting, all, u"HTTP status 504"},
+        {"status", R"({"code":504,"kind":"text"})", Cure::waiting, all, u"HTTP status 504"},
+        {"status", R"({"code":429,"retryAfter":3})", Cure::waiting, all, u"429"},
+        {"status", "429", Cure::waiting, all, u"429"},
+        {"close", "", Cure::waiting, all, brokeOff},
+        {"reset", "", Cure::waiting, all, brokeOff},
+        {"reset", "1000", Cure::waiting, {&putting, &puttingPart}, brokeOff},
+        {"cut", "10", Cure::waiting, all, brokeOff},
+        {"cut", "0", Cure::waiting, all, brokeOff},
+        {"delay", "0.05", Cure::nothing, all, u""},
+        {"stall", "0.05", Cure::nothing, all, u""},
+        {"drip", "50000", Cure::nothing, all, u""},
+        {"slow-read", "1000000", Cure::nothing, api, u""},
+        {"slow-read", "1000000", Cure::nothing, {&putting, &reading}, u""},
+        {"clock", "1500", Cure::nothing, api + storage, u""},
+        {"clock", "-1500", Cure::nothing, api + storage, u""},
     };
     return list;
 }
@@ -71,40 +71,40 @@ const QList<Trouble> &troublesOfTheWay()
 const QList<Trouble> &troublesOfTheService()
 {
     static const QList<Trouble> list{
-        {"not-json", "", Cure::Waiting, api, notUnderstood},
-        {"huge", "6000000", Cure::Waiting, api, u"the reply has more than 5000000 bytes"},
-        {"huge", "6000000", Cure::Nothing, {&reading}, u""},
-        {"missing-field", R"("data")", Cure::Waiting, api, notUnderstood},
-        {"missing-field", R"("attributes")", Cure::Waiting, {&submitting, &asking, &logging}, notUnderstood},
-        {"missing-field", R"("status")", Cure::Waiting, {&asking}, notUnderstood},
-        {"missing-field", R"("status")", Cure::Nothing, {&listing}, u""},
-        {"missing-field", R"("createdDate")", Cure::Nothing, {&listing, &asking}, u""},
-        {"missing-field", R"("id")", Cure::Nothing, {&listing, &asking, &logging}, u""},
-        {"missing-field", R"("id")", Cure::Waiting, {&submitting}, notUnderstood},
-        {"missing-field", R"("bucket")", Cure::Waiting, {&submitting}, notUnderstood},
-        {"missing-field", R"("object")", Cure::Waiting, {&submitting}, notUnderstood},
-        {"missing-field", R"("awsAccessKeyId")", Cure::Waiting, {&submitting}, notUnderstood},
-        {"missing-field", R"("awsSecretAccessKey")", Cure::Waiting, {&submitting}, notUnderstood},
-        {"missing-field", R"("awsSessionToken")", Cure::None, {&submitting}, u"InvalidToken"},
-        {"missing-field", R"("developerLogUrl")", Cure::Waiting, {&logging}, notUnderstood},
-        {"missing-field", R"("jobId")", Cure::None, {&reading}, notUnderstood},
-        {"log-not-json", "", Cure::None, {&reading}, notUnderstood},
-        {"status", "401", Cure::Remedy, api, u"did not accept the API key (HTTP 401)"},
-        {"status", R"({"code":401,"kind":"json"})", Cure::Remedy, api,
+        {"not-json", "", Cure::waiting, api, notUnderstood},
+        {"huge", "6000000", Cure::waiting, api, u"the reply has more than 5000000 bytes"},
+        {"huge", "6000000", Cure::nothing, {&reading}, u""},
+        {"missing-field", R"("data")", Cure::waiting, api, notUnderstood},
+        {"missing-field", R"("attributes")", Cure::waiting, {&submitting, &asking, &logging}, notUnderstood},
+        {"missing-field", R"("status")", Cure::waiting, {&asking}, notUnderstood},
+        {"missing-field", R"("status")", Cure::nothing, {&listing}, u""},
+        {"missing-field", R"("createdDate")", Cure::nothing, {&listing, &asking}, u""},
+        {"missing-field", R"("id")", Cure::nothing, {&listing, &asking, &logging}, u""},
+        {"missing-field", R"("id")", Cure::waiting, {&submitting}, notUnderstood},
+        {"missing-field", R"("bucket")", Cure::waiting, {&submitting}, notUnderstood},
+        {"missing-field", R"("object")", Cure::waiting, {&submitting}, notUnderstood},
+        {"missing-field", R"("awsAccessKeyId")", Cure::waiting, {&submitting}, notUnderstood},
+        {"missing-field", R"("awsSecretAccessKey")", Cure::waiting, {&submitting}, notUnderstood},
+        {"missing-field", R"("awsSessionToken")", Cure::none, {&submitting}, u"InvalidToken"},
+        {"missing-field", R"("developerLogUrl")", Cure::waiting, {&logging}, notUnderstood},
+        {"missing-field", R"("jobId")", Cure::none, {&reading}, notUnderstood},
+        {"log-not-json", "", Cure::none, {&reading}, notUnderstood},
+        {"status", "401", Cure::remedy, api, u"did not accept the API key (HTTP 401)"},
+        {"status", R"({"code":401,"kind":"json"})", Cure::remedy, api,
          u"did not accept the API key (HTTP 401)"},
-        {"status", R"({"code":401,"kind":"html"})", Cure::Remedy, api,
+        {"status", R"({"code":401,"kind":"html"})", Cure::remedy, api,
          u"did not accept the API key (HTTP 401)"},
-        {"status", "400", Cure::None, all, u"HTTP status 400"},
-        {"status", R"({"code":400,"kind":"json"})", Cure::None, all, u"HTTP status 400"},
-        {"status", R"({"code":403,"kind":"agreement"})", Cure::None, api,
+        {"status", "400", Cure::none, all, u"HTTP status 400"},
+        {"status", R"({"code":400,"kind":"json"})", Cure::none, all, u"HTTP status 400"},
+        {"status", R"({"code":403,"kind":"agreement"})", Cure::none, api,
          u"A required agreement is missing or has expired."},
-        {"status", R"({"code":403,"kind":"provider"})", Cure::None, api, u"This provider does not exist."},
-        {"status", R"({"code":403,"kind":"html"})", Cure::None, all, u"403"},
-        {"status", "404", Cure::None, {&submitting}, u"HTTP status 404"},
-        {"status", "404", Cure::None, {&asking}, u"Could not find the RequestUUID."},
-        {"status", "404", Cure::Nothing, {&listing}, u""},
-        {"status", "404", Cure::None, storage + QList<const NotaryCall *>{&reading}, u"HTTP status 404"},
-        {"status", "401", Cure::None, storage + QList<const NotaryCall *>{&reading}, u"401"},
+        {"status", R"({"code":403,"kind":"provider"})", Cure::none, api, u"This provider does not exist."},
+        {"status", R"({"code":403,"kind":"html"})", Cure::none, all, u"403"},
+        {"status", "404", Cure::none, {&submitting}, u"HTTP status 404"},
+        {"status", "404", Cure::none, {&asking}, u"Could not find the RequestUUID."},
+        {"status", "404", Cure::nothing, {&listing}, u""},
+        {"status", "404", Cure::none, storage + QList<const NotaryCall *>{&reading}, u"HTTP status 404"},
+        {"status", "401", Cure::none, storage + QList<const NotaryCall *>{&reading}, u"401"},
     };
     return list;
 }
@@ -118,20 +118,20 @@ const QList<Trouble> &troublesOfTheStorage()
         const char16_t *told;
     };
     static const Code codes[] = {
-        {"SlowDown", Cure::Waiting, u"the storage asks to slow down"},
-        {"InternalError", Cure::Waiting, u"the storage has an internal error"},
-        {"RequestTimeout", Cure::Waiting, u"waited too long for the file's bytes"},
-        {"ExpiredToken", Cure::Remedy, u"the upload's credentials have expired"},
-        {"NoSuchUpload", Cure::Remedy, u"does not know the upload any more"},
-        {"RequestTimeTooSkewed", Cure::Remedy, u"differs from the storage's by more than 15 minutes"},
-        {"AccessDenied", Cure::None, u"the storage denies the access"},
-        {"SignatureDoesNotMatch", Cure::None, u"does not accept the request's signature"},
-        {"InvalidAccessKeyId", Cure::None, u"does not know the upload's credentials"},
-        {"BadDigest", Cure::None, u"the file was changed while it was being uploaded"},
-        {"XAmzContentSHA256Mismatch", Cure::None, u"the file was changed while it was being uploaded"},
-        {"EntityTooLarge", Cure::None, u"the file is too large for the storage"},
-        {"PermanentRedirect", Cure::None, u"the storage is at another address or in another region"},
-        {"TemporaryRedirect", Cure::None, u"the storage is at another address or in another region"},
+        {"SlowDown", Cure::waiting, u"the storage asks to slow down"},
+        {"InternalError", Cure::waiting, u"the storage has an internal error"},
+        {"RequestTimeout", Cure::waiting, u"waited too long for the file's bytes"},
+        {"ExpiredToken", Cure::remedy, u"the upload's credentials have expired"},
+        {"NoSuchUpload", Cure::remedy, u"does not know the upload any more"},
+        {"RequestTimeTooSkewed", Cure::remedy, u"differs from the storage's by more than 15 minutes"},
+        {"AccessDenied", Cure::none, u"the storage denies the access"},
+        {"SignatureDoesNotMatch", Cure::none, u"does not accept the request's signature"},
+        {"InvalidAccessKeyId", Cure::none, u"does not know the upload's credentials"},
+        {"BadDigest", Cure::none, u"the file was changed while it was being uploaded"},
+        {"XAmzContentSHA256Mismatch", Cure::none, u"the file was changed while it was being uploaded"},
+        {"EntityTooLarge", Cure::none, u"the file is too large for the storage"},
+        {"PermanentRedirect", Cure::none, u"the storage is at another address or in another region"},
+        {"TemporaryRedirect", Cure::none, u"the storage is at another address or in another region"},
     };
     static const QList<Trouble> list = [] {
         QList<Trouble> made;
@@ -152,8 +152,8 @@ const QList<Trouble> &troublesOfTheStorage()
 /// A log is asked for under three addresses, one after the other, so that one last word is not the last.
 bool passes(Cure cure, const NotaryCall &call, int count)
 {
-    return cure == Cure::Nothing || (cure == Cure::Waiting && count > 0)
-        || (cure == Cure::Remedy && count == 1) || (&call == &reading && count == 1);
+    return cure == Cure::nothing || (cure == Cure::waiting && count > 0)
+        || (cure == Cure::remedy && count == 1) || (&call == &reading && count == 1);
 }
 
 bool isOfLog(const NotaryCall &call)

@@ -97,7 +97,7 @@ TEST_F(NotaryWays, anUploadGoesOverTheOtherFamilyOfAddresses)
 
 TEST_F(NotaryWays, aProxyIsAskedIfThereIsOne)
 {
-    const Relay proxy(servicePort(), Relay::Role::Proxy);
+    const Relay proxy(servicePort(), Relay::Role::proxy);
     configure(u"proxy"_s, u"http://127.0.0.1:%1"_s.arg(proxy.port()));
     EXPECT_FALSE(uuidIn(upload(makeArchive())).isEmpty());
     EXPECT_GT(proxy.connections(), 0);
@@ -106,7 +106,7 @@ TEST_F(NotaryWays, aProxyIsAskedIfThereIsOne)
 
 TEST_F(NotaryWays, aProxyOfTheEnvironmentIsAskedIfItIsOfThisMachine)
 {
-    const Relay proxy(servicePort(), Relay::Role::Proxy);
+    const Relay proxy(servicePort(), Relay::Role::proxy);
     qputenv("https_proxy", "http://127.0.0.1:" + QByteArray::number(proxy.port()));
     const ToolResult reply = altool({u"--notarization-history"_s, u"0"_s});
     qunsetenv("https_proxy");
@@ -116,7 +116,7 @@ TEST_F(NotaryWays, aProxyOfTheEnvironmentIsAskedIfItIsOfThisMachine)
 
 TEST_F(NotaryWays, aProxyThatRefusesIsNamedAsTheReason)
 {
-    const Relay proxy(servicePort(), Relay::Role::RefusingProxy);
+    const Relay proxy(servicePort(), Relay::Role::refusingProxy);
     configure(u"proxy"_s, u"http://127.0.0.1:%1"_s.arg(proxy.port()));
     const ToolResult reply = upload(makeArchive());
     EXPECT_EQ(reply.status, 1);
@@ -146,7 +146,7 @@ TEST_F(NotaryWays, aServiceOfAnotherAuthorityIsAskedNothing)
 
 TEST_F(NotaryWays, aResetOnTheWireCostsATryAndNoResult)
 {
-    Relay relay(servicePort(), Relay::Role::Wire);
+    Relay relay(servicePort(), Relay::Role::wire);
     relay.resetAfter(1'000'000, 2);
     askThrough(relay);
     const ToolResult reply = upload(makeArchive(u"Large.zip"_s, 6'000'000));
@@ -156,7 +156,7 @@ TEST_F(NotaryWays, aResetOnTheWireCostsATryAndNoResult)
 
 TEST_F(NotaryWays, aRefusalBeforeTheBodyCostsNoneOfTheBody)
 {
-    const Relay relay(servicePort(), Relay::Role::Wire);
+    const Relay relay(servicePort(), Relay::Role::wire);
     ASSERT_EQ(setFaults(faultAt(putting, "s3-error", -1, R"("AccessDenied")")), 200);
     askThrough(relay);
     const ToolResult reply = upload(makeArchive(u"Large.zip"_s, 20'000'000));

@@ -32,7 +32,7 @@ protected:
     void SetUp() override
     {
         KeychainFixture::SetUp();
-        KeychainFixture::makeIdentity(IdentityKind::Installer);
+        KeychainFixture::makeIdentity(IdentityKind::installer);
         xarbuilder::writeArchive(package(), files);
     }
     void TearDown() override
@@ -96,7 +96,7 @@ TEST_F(PackageSigning, bothSignaturesAreMadeWithAChainAndATimestamp)
     EXPECT_EQ(result.output.section(u'\n', 0, 0), u"productsign: using timestamp authority for signature"_s);
     const PackageJudgement judgement = judged(signedPackage());
     EXPECT_TRUE(judgement.isGood()) << judgement.problem.toStdString();
-    EXPECT_EQ(judgement.trust.anchor, Anchor::ThisMachine);
+    EXPECT_EQ(judgement.trust.anchor, Anchor::thisMachine);
     EXPECT_EQ(judgement.trust.chain.size(), 3);
     ASSERT_TRUE(judgement.timestamp);
     EXPECT_LT(std::abs(judgement.timestamp->secsTo(QDateTime::currentDateTimeUtc())), 60);
@@ -124,7 +124,7 @@ TEST_F(PackageSigning, anAuthorityThatIsAwayFailsAndLeavesWhatWasThere)
 {
     writeFile(signedPackage(), "before");
     qputenv("SEALWRIGHT_WAIT_SCALE", "0.05");
-    const HttpAnswers silent([](const QByteArray &) { return QByteArray(); }, HttpAnswers::Manner::Refusing);
+    const HttpAnswers silent([](const QByteArray &) { return QByteArray(); }, HttpAnswers::Manner::refusing);
     for (const QString &url : {u"http://127.0.0.1:1/"_s, silent.url()}) {
         const ToolResult result = sign(u"--timestamp="_s + url);
         EXPECT_EQ(result.status, 1);
@@ -157,8 +157,8 @@ TEST_F(PackageSigning, aPackageSignedByAnotherIsSignedAgain)
     ASSERT_EQ(sign(u"--timestamp=none"_s).status, 0);
     const PackageJudgement judgement = judged(signedPackage());
     EXPECT_TRUE(judgement.isGood()) << judgement.problem.toStdString();
-    EXPECT_EQ(judgement.trust.anchor, Anchor::ThisMachine);
-    EXPECT_EQ(judgement.ticket.verdict, ticket::TicketJudgement::Verdict::None);
+    EXPECT_EQ(judgement.trust.anchor, Anchor::thisMachine);
+    EXPECT_EQ(judgement.ticket.verdict, ticket::TicketJudgement::Verdict::none);
 }
 
 TEST_F(PackageSigning, theReportSaysWhoseAuthorityItIs)
@@ -175,7 +175,7 @@ TEST_F(PackageSigning, anotherMachinesAuthorityIsNotTrusted)
 {
     ASSERT_EQ(sign(u"--timestamp=none"_s).status, 0);
     ASSERT_TRUE(QFile::rename(statePath(u"keychain"_s), statePath(u"gone"_s)));
-    EXPECT_EQ(judged(signedPackage()).verdict, PackageJudgement::Verdict::Untrusted);
+    EXPECT_EQ(judged(signedPackage()).verdict, PackageJudgement::Verdict::untrusted);
     const ToolResult report = run(pkgutil, {u"--check-signature"_s, signedPackage()});
     EXPECT_EQ(report.status, 1);
     EXPECT_TRUE(report.output.contains(u"   Status: signed by untrusted certificate\n"_s));
@@ -211,7 +211,7 @@ TEST_F(PackageSigning, everyChangedByteOfTheCmsIsNoticed)
                                 {}};
     const auto isGood = [&](const QByteArray &bytes) {
         const auto read = readCms(bytes);
-        return read && judgeCms(*read, content, TrustPurpose::PackageSigning, store).isGood();
+        return read && judgeCms(*read, content, TrustPurpose::packageSigning, store).isGood();
     };
     ASSERT_TRUE(isGood(cms));
     const qsizetype stamp = cms.indexOf(QByteArray::fromHex("060b2a864886f70d010910020e"));

@@ -66,7 +66,7 @@ protected:
                                  {{u"PackageInfo"_s, "<pkg-info/>"}, {u"Scripts"_s, scripts}});
         const auto archive = xar::Archive::open(path(u"in.pkg"_s));
         EXPECT_TRUE(archive) << archive.error().toStdString();
-        return package::expandPackage(*archive, path(u"out"_s), package::Depth::Archive).error();
+        return package::expandPackage(*archive, path(u"out"_s), package::Depth::archive).error();
     }
     [[nodiscard]] QStringList leftovers() const
     {
@@ -133,12 +133,12 @@ TEST(Payloads, thatOfARealPackageAgreesWithItsBill)
     ASSERT_TRUE(bom) << bom.error().toStdString();
     QMap<QByteArray, quint64> billed;
     for (const package::BomEntry &entry : *bom)
-        billed.insert(entry.path, entry.type == package::BomType::File ? entry.size : 0);
+        billed.insert(entry.path, entry.type == package::BomType::file ? entry.size : 0);
     QMap<QByteArray, quint64> found;
     const package::CpioVisitor visitor{
         [&](const CpioEntry &entry) {
             // a bill gives attributes, which the payload has as AppleDouble files, no size
-            const bool hasSize = entry.type == package::CpioType::File && !entry.path.contains("/._");
+            const bool hasSize = entry.type == package::CpioType::file && !entry.path.contains("/._");
             found.insert(entry.path.isEmpty() ? QByteArray(".") : "./" + entry.path,
                          hasSize ? entry.size : 0);
             return platform::Outcome();

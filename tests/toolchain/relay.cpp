@@ -109,14 +109,14 @@ void Relay::serveOne(int client)
 
 bool Relay::shakeHands(int client) const
 {
-    if (m_role == Role::Wire)
+    if (m_role == Role::wire)
         return true;
     std::string head;
     for (char byte = 0; head.find("\r\n\r\n") == std::string::npos; head += byte) {
         if (recv(client, &byte, 1, 0) != 1)
             return false;
     }
-    const bool isGood = m_role == Role::Proxy && head.rfind("CONNECT ", 0) == 0;
+    const bool isGood = m_role == Role::proxy && head.rfind("CONNECT ", 0) == 0;
     const std::string answer =
         isGood ? "HTTP/1.1 200 OK\r\n\r\n" : "HTTP/1.1 403 Forbidden\r\nContent-Length: 0\r\n\r\n";
     return sendAll(client, answer.data(), ssize_t(answer.size())) && isGood;
@@ -130,11 +130,11 @@ bool Relay::pump(int client, int server)
         std::array<pollfd, 2> watched{pollfd{client, POLLIN, 0}, pollfd{server, POLLIN, 0}};
         if (poll(watched.data(), watched.size(), lookPause) <= 0)
             continue;
-        Passed passed = watched[0].revents != 0 ? passOn(client, server, &fromClient) : Passed::On;
-        if (passed == Passed::On && watched[1].revents != 0)
+        Passed passed = watched[0].revents != 0 ? passOn(client, server, &fromClient) : Passed::on;
+        if (passed == Passed::on && watched[1].revents != 0)
             passed = passOn(server, client, nullptr);
-        if (passed != Passed::On)
-            return passed == Passed::ToBeReset;
+        if (passed != Passed::on)
+            return passed == Passed::toBeReset;
     }
     return false;
 }
@@ -144,14 +144,14 @@ Relay::Passed Relay::passOn(int from, int to, qint64 *fromClient)
     std::array<char, 64 * 1024> block;
     const ssize_t length = recv(from, block.data(), block.size(), 0);
     if (length <= 0)
-        return Passed::Ended;
+        return Passed::ended;
     if (fromClient) {
         *fromClient += length;
         m_bytes += length;
         if (m_done < m_resets && *fromClient >= m_resetAt) {
             ++m_done;
-            return Passed::ToBeReset;
+            return Passed::toBeReset;
         }
     }
-    return sendAll(to, block.data(), length) ? Passed::On : Passed::Ended;
+    return sendAll(to, block.data(), length) ? Passed::on : Passed::ended;
 }

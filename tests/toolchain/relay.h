@@ -10,9 +10,9 @@
 class Relay {
 public:
     enum class Role {
-        Wire, ///< passes bytes on from the first one
-        Proxy, ///< wants CONNECT before (RFC 9110, section 9.3.6)
-        RefusingProxy ///< answers 403 to it
+        wire, ///< passes bytes on from the first one
+        proxy, ///< wants CONNECT before (RFC 9110, section 9.3.6)
+        refusingProxy ///< answers 403 to it
     };
 
     /// The server is the one at this port of 127.0.0.1.
@@ -32,7 +32,7 @@ public:
     [[nodiscard]] qint64 bytesFromClient() const { return m_bytes; }
 
 private:
-    enum class Passed { On, Ended, ToBeReset };
+    enum class Passed { on, ended, toBeReset };
 
     void serve();
     void serveOne(int client);

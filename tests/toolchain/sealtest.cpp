@@ -46,20 +46,20 @@ protected:
         ASSERT_TRUE(QFile::link(QString::fromUtf8(target), folder.base + u'/' + name));
     }
 
-    [[nodiscard]] QByteArray make(seal::Digests digests = seal::Digests::Sha256) const
+    [[nodiscard]] QByteArray make(seal::Digests digests = seal::Digests::sha256) const
     {
         const auto result = seal::makeSeal(folder, digests, describeAny);
         EXPECT_TRUE(result) << result.error().toStdString();
         return result ? *result : QByteArray();
     }
-    [[nodiscard]] seal::CodeSeal parts(seal::Digests digests = seal::Digests::Sha256) const
+    [[nodiscard]] seal::CodeSeal parts(seal::Digests digests = seal::Digests::sha256) const
     {
         const auto result = seal::readSeal(make(digests));
         EXPECT_TRUE(result) << result.error().toStdString();
         return result ? *result : seal::CodeSeal();
     }
     [[nodiscard]] QStringList lines(const QByteArray &bytes,
-                                    seal::Strictness strictness = seal::Strictness::Usual) const
+                                    seal::Strictness strictness = seal::Strictness::usual) const
     {
         QStringList result;
         for (const seal::Problem &problem : seal::checkSeal(bytes, folder, strictness, acceptAny))
@@ -68,10 +68,10 @@ protected:
     }
     [[nodiscard]] QString errorOfMaking() const
     {
-        return seal::makeSeal(folder, seal::Digests::Sha256, describeAny).error();
+        return seal::makeSeal(folder, seal::Digests::sha256, describeAny).error();
     }
 
-    seal::SealedFolder folder{path(u"App.app/Contents"_s), Layout::WithResources, "MacOS/App"};
+    seal::SealedFolder folder{path(u"App.app/Contents"_s), Layout::withResources, "MacOS/App"};
 };
 
 QByteArray sha256(const QByteArray &bytes)
@@ -89,31 +89,31 @@ TEST_F(Seals, thoseOfARealPackageComeOutByteForByte)
 {
     const auto archive = xar::Archive::open(QStringLiteral(PACKAGE_FILE));
     ASSERT_TRUE(archive);
-    ASSERT_TRUE(package::expandPackage(*archive, path(u"out"_s), package::Depth::Payloads));
+    ASSERT_TRUE(package::expandPackage(*archive, path(u"out"_s), package::Depth::payloads));
     const QString manager =
         path(u"out/Payload/Applications/.Karabiner-VirtualHIDDevice-Manager.app/Contents"_s);
     const QString extension = u"org.pqrs.Karabiner-DriverKit-VirtualHIDDevice"_s;
     const QString daemon = path(
         u"out/Payload/Library/Application Support/org.pqrs/Karabiner-DriverKit-VirtualHIDDevice/Applications/Karabiner-VirtualHIDDevice-Daemon.app/Contents"_s);
     const seal::SealedFolder folders[]{
-        {manager, Layout::WithResources, "MacOS/Karabiner-VirtualHIDDevice-Manager"},
-        {manager + u"/Library/SystemExtensions/"_s + extension + u".dext"_s, Layout::Flat,
+        {manager, Layout::withResources, "MacOS/Karabiner-VirtualHIDDevice-Manager"},
+        {manager + u"/Library/SystemExtensions/"_s + extension + u".dext"_s, Layout::flat,
          extension.toUtf8()},
-        {daemon, Layout::WithResources, "MacOS/Karabiner-VirtualHIDDevice-Daemon"}};
+        {daemon, Layout::withResources, "MacOS/Karabiner-VirtualHIDDevice-Daemon"}};
     for (const seal::SealedFolder &real : folders) {
-        const auto made = seal::makeSeal(real, seal::Digests::Sha256, describeAny);
+        const auto made = seal::makeSeal(real, seal::Digests::sha256, describeAny);
         ASSERT_TRUE(made) << made.error().toStdString();
         EXPECT_EQ(*made, *seal::readSealFile(real.base)) << real.base.toStdString();
-        EXPECT_TRUE(seal::checkSeal(*made, real, seal::Strictness::Strict, acceptAny).isEmpty());
+        EXPECT_TRUE(seal::checkSeal(*made, real, seal::Strictness::strict, acceptAny).isEmpty());
     }
 }
 
 TEST_F(Seals, aSealIsWrittenAsCodesignWritesIt)
 {
-    folder.layout = Layout::Flat;
+    folder.layout = Layout::flat;
     write(u"a&b"_s, "");
     write(u"Info.plist"_s);
-    const QByteArray bytes = make(seal::Digests::Sha1AndSha256);
+    const QByteArray bytes = make(seal::Digests::sha1AndSha256);
     const QByteArray expected = R"(<?xml version="1.0" encoding="UTF-8"?>
 <!DOCTYPE plist PUBLIC "-//Apple//DTD PLIST 1.0//EN" "http://www.apple.com/DTDs/PropertyList-1.0.dtd">
 <plist version="1.0">
@@ -171,16 +171,16 @@ TEST_F(Seals, theTwoPartsCarryTheDigestsThatAreAskedFor)
 {
     write(u"Resources/file"_s);
     write(u"other/file"_s);
-    const auto one = parts(seal::Digests::Sha256);
+    const auto one = parts(seal::Digests::sha256);
     EXPECT_EQ(one.files.value("Resources/file").sha1, sha1("bytes"));
     EXPECT_FALSE(one.files.contains("other/file"));
     EXPECT_EQ(one.files2.value("Resources/file").sha256, sha256("bytes"));
     EXPECT_TRUE(one.files2.value("other/file").sha1.isEmpty());
-    const auto both = parts(seal::Digests::Sha1AndSha256);
+    const auto both = parts(seal::Digests::sha1AndSha256);
     EXPECT_EQ(both.files2.value("other/file").sha1, sha1("bytes"));
     EXPECT_EQ(both.files2.value("other/file").sha256, sha256("bytes"));
-    EXPECT_TRUE(parts(seal::Digests::Sha1).files2.value("other/file").sha256.isEmpty());
-    EXPECT_TRUE(make(seal::Digests::Sha1).contains("<key>other/file</key>\n\t\t<data>"));
+    EXPECT_TRUE(parts(seal::Digests::sha1).files2.value("other/file").sha256.isEmpty());
+    EXPECT_TRUE(make(seal::Digests::sha1).contains("<key>other/file</key>\n\t\t<data>"));
 }
 
 TEST_F(Seals, leavesOutWhatNoSealCovers)
@@ -241,7 +241,7 @@ TEST_F(Seals, nestedCodeThatHasNoSignatureStopsTheSealAndIsNamed)
     const auto refuse = [](const QString &) -> platform::Result<seal::NestedCode> {
         return platform::Error{u"code object is not signed at all"_s};
     };
-    EXPECT_EQ(seal::makeSeal(folder, seal::Digests::Sha256, refuse).error(),
+    EXPECT_EQ(seal::makeSeal(folder, seal::Digests::sha256, refuse).error(),
               u"code object is not signed at all\nIn subcomponent: "_s + folder.base
                   + u"/Frameworks/libx.dylib"_s);
 }
@@ -394,14 +394,14 @@ TEST_F(Seals, nestedCodeIsJudgedByTheOneWhoCan)
 {
     write(u"MacOS/helper"_s);
     const QByteArray bytes = make();
-    const auto problems = seal::checkSeal(bytes, folder, seal::Strictness::Usual,
+    const auto problems = seal::checkSeal(bytes, folder, seal::Strictness::usual,
                                           [&](const QString &path, const seal::Entry &entry) {
                                               EXPECT_EQ(path, folder.base + u"/MacOS/helper"_s);
                                               EXPECT_EQ(entry.cdHash, cdHash);
                                               return u"nested code is modified or invalid"_s;
                                           });
     ASSERT_EQ(problems.size(), 1);
-    EXPECT_EQ(problems[0].kind, ProblemKind::Nested);
+    EXPECT_EQ(problems[0].kind, ProblemKind::nested);
     EXPECT_EQ(problems[0].text, u"nested code is modified or invalid"_s);
     EXPECT_TRUE(problems[0].line().isNull());
 }
@@ -415,18 +415,18 @@ TEST_F(Seals, aStrictCheckNamesObsoleteSealsAndBadLinks)
     link(u"Resources/link"_s, "/etc/passwd");
     bytes.replace("<string>file</string>", "<string>/etc/passwd</string>");
     EXPECT_EQ(lines(bytes), QStringList());
-    EXPECT_EQ(lines(bytes, seal::Strictness::Strict),
+    EXPECT_EQ(lines(bytes, seal::Strictness::strict),
               QStringList{u"invalid destination for symbolic link in bundle"_s});
     ASSERT_TRUE(QFile::remove(folder.base + u"/Resources/link"_s));
     QByteArray custom = make();
     custom.replace("<key>^PkgInfo$</key>", "<key>^Resources/ignored$</key>");
     EXPECT_EQ(lines(custom), QStringList());
-    EXPECT_EQ(lines(custom, seal::Strictness::Strict),
+    EXPECT_EQ(lines(custom, seal::Strictness::strict),
               QStringList{u"resource envelope is obsolete (custom omit rules)"_s});
     QByteArray old = make();
     old.replace("<key>files2</key>", "<key>other2</key>");
     EXPECT_EQ(lines(old), QStringList());
-    EXPECT_EQ(lines(old, seal::Strictness::Strict),
+    EXPECT_EQ(lines(old, seal::Strictness::strict),
               QStringList{u"resource envelope is obsolete (version 1 signature)"_s});
 }
 
@@ -436,9 +436,9 @@ TEST_F(Seals, aSealThatIsNoneIsToldAndNotBelieved)
     const QByteArray bytes = make();
     for (qsizetype length = 0; length < bytes.size() - 12; length += 37) {
         const auto problems =
-            seal::checkSeal(bytes.first(length), folder, seal::Strictness::Usual, acceptAny);
+            seal::checkSeal(bytes.first(length), folder, seal::Strictness::usual, acceptAny);
         ASSERT_FALSE(problems.isEmpty()) << length;
-        EXPECT_EQ(problems[0].kind, ProblemKind::BadSeal) << length;
+        EXPECT_EQ(problems[0].kind, ProblemKind::badSeal) << length;
     }
 }
 
@@ -450,7 +450,7 @@ TEST_F(Seals, tenThousandRulesAreRefused)
         rules += "<key>^(a|b)*" + QByteArray::number(number) + "$</key><true/>";
     QByteArray bytes = make();
     bytes.replace("<key>rules2</key>\n\t<dict>", "<key>rules2</key>\n\t<dict>" + rules);
-    const auto problems = seal::checkSeal(bytes, folder, seal::Strictness::Usual, acceptAny);
+    const auto problems = seal::checkSeal(bytes, folder, seal::Strictness::usual, acceptAny);
     ASSERT_EQ(problems.size(), 1);
     EXPECT_EQ(problems[0].text, u"the sealed resource directory is invalid"_s);
     EXPECT_EQ(problems[0].detail, u"more than 1000 rules"_s);
@@ -463,9 +463,9 @@ TEST_F(Seals, aRuleThatTakesForEverIsGivenUp)
     bytes.replace("<key>rules2</key>\n\t<dict>",
                   "<key>rules2</key>\n\t<dict><key>(a+)+(a+)+(a+)+b$</key><dict><key>weight</key><real>9000</"
                   "real></dict>");
-    const auto problems = seal::checkSeal(bytes, folder, seal::Strictness::Usual, acceptAny);
+    const auto problems = seal::checkSeal(bytes, folder, seal::Strictness::usual, acceptAny);
     ASSERT_EQ(problems.size(), 1);
-    EXPECT_EQ(problems[0].kind, ProblemKind::BadSeal);
+    EXPECT_EQ(problems[0].kind, ProblemKind::badSeal);
     EXPECT_TRUE(problems[0].detail.endsWith(u"a resource rule takes too long on this name"_s));
 }
 
@@ -501,16 +501,16 @@ TEST_F(Seals, theBuiltInMatchersAgreeWithTheirExpressions)
                 paths.append(first + '/' + second + '/' + third);
         }
     }
-    for (const Layout layout : {Layout::WithResources, Layout::Flat}) {
+    for (const Layout layout : {Layout::withResources, Layout::flat}) {
         for (const auto *set : {&seal::firstRules(layout), &seal::secondRules(layout)}) {
             for (const seal::Rule &rule : set->rules()) {
                 const auto one = seal::RuleSet::fromRules({rule});
                 const QRegularExpression expression(rule.pattern);
                 seal::Rule sealing = rule;
-                sealing.coverage = Coverage::Sealed;
+                sealing.coverage = Coverage::sealed;
                 const auto only = seal::RuleSet::fromRules({sealing});
                 for (const QByteArray &path : paths)
-                    EXPECT_EQ(*only->coverageOf(path) == Coverage::Sealed,
+                    EXPECT_EQ(*only->coverageOf(path) == Coverage::sealed,
                               expression.match(QString::fromUtf8(path)).hasMatch())
                         << rule.pattern.toStdString() << ' ' << path.toStdString();
             }
@@ -538,7 +538,7 @@ TEST_F(Seals, aLongSealIsWrittenInBlocks)
     for (int number = 0; number < files; ++number)
         write(u"Resources/file %1"_s.arg(number), QByteArray::number(number));
     link(u"Resources/link"_s, "file 1");
-    const auto made = seal::collectSeal(folder, seal::Digests::Sha1AndSha256, describeAny);
+    const auto made = seal::collectSeal(folder, seal::Digests::sha1AndSha256, describeAny);
     ASSERT_TRUE(made);
     QByteArray bytes;
     int blocks = 0;
@@ -548,7 +548,7 @@ TEST_F(Seals, aLongSealIsWrittenInBlocks)
         return block.size() < 100'000;
     }));
     EXPECT_GT(blocks, 3);
-    EXPECT_EQ(bytes, make(seal::Digests::Sha1AndSha256));
+    EXPECT_EQ(bytes, make(seal::Digests::sha1AndSha256));
     const auto read = seal::readSeal(bytes);
     ASSERT_TRUE(read);
     EXPECT_EQ(read->files2.size(), files + 1);

@@ -232,7 +232,7 @@ TEST_F(TicketStapling, aTicketThatCannotBeWrittenIsStatus73)
 TEST_F(TicketStapling, aBundlesTicketLiesBesideItsSeal)
 {
     const QString app = path(u"App.app"_s);
-    KeychainFixture::makeIdentity(IdentityKind::Application);
+    KeychainFixture::makeIdentity(IdentityKind::application);
     bundlebuilder::makeApp(app, u"com.example.app"_s);
     ASSERT_EQ(run(codesign, {u"-s"_s, identity, u"--deep"_s, u"--timestamp=none"_s, app}).status, 0);
     const auto target = ticket::StapleTarget::open(app);
@@ -260,7 +260,7 @@ TEST_F(TicketStapling, aBundlesTicketLiesBesideItsSeal)
 TEST_F(TicketStapling, anImagesTicketIsPartOfItsSignature)
 {
     const QString image = path(u"Image.dmg"_s);
-    KeychainFixture::makeIdentity(IdentityKind::Application);
+    KeychainFixture::makeIdentity(IdentityKind::application);
     writeFile(path(u"folder/file"_s), "content");
     ASSERT_EQ(run(u"/usr/bin/hdiutil"_s, {u"create"_s, u"-srcfolder"_s, path(u"folder"_s), image}).status, 0);
     EXPECT_EQ(staple({u"staple"_s, image}).status, 65) << "not signed";
@@ -293,13 +293,13 @@ TEST(TicketAnswers, areReadByTheirRecordsName)
     const auto found = ticket::readLookupReply(
         R"({"records":[{"recordName":"x"},{"recordName":"2/2/ab","fields":{"signedTicket":{"value":"czhjaA==","type":"BYTES"}}}]})",
         u"2/2/ab"_s);
-    EXPECT_EQ(found.kind, ticket::LookupAnswer::Kind::Found);
+    EXPECT_EQ(found.kind, ticket::LookupAnswer::Kind::found);
     EXPECT_EQ(found.ticket, "s8ch");
     const auto refused = ticket::readLookupReply(
         R"({"records":[{"recordName":"2/2/ab","reason":null,"serverErrorCode":"NOT_FOUND"}]})", u"2/2/ab"_s);
-    EXPECT_EQ(refused.kind, ticket::LookupAnswer::Kind::NotFound);
+    EXPECT_EQ(refused.kind, ticket::LookupAnswer::Kind::notFound);
     EXPECT_TRUE(refused.reason.isNull());
     for (const QByteArray body :
          {"", "[]", "<html>", R"({"records":[]})", R"({"records":[{"recordName":"other"}]})"})
-        EXPECT_EQ(ticket::readLookupReply(body, u"2/2/ab"_s).kind, ticket::LookupAnswer::Kind::Unclear);
+        EXPECT_EQ(ticket::readLookupReply(body, u"2/2/ab"_s).kind, ticket::LookupAnswer::Kind::unclear);
 }

@@ -57,7 +57,7 @@ TEST_F(Timestamps, areGivenAndAcceptedOnThisMachine)
     ASSERT_TRUE(token) << token.error().toStdString();
     const auto stamp = checkTimestamp(*token, "a signature", TrustStore::ofThisMachine());
     ASSERT_TRUE(stamp) << stamp.error().toStdString();
-    EXPECT_EQ(stamp->anchor, Anchor::ThisMachine);
+    EXPECT_EQ(stamp->anchor, Anchor::thisMachine);
     EXPECT_LT(std::abs(stamp->time.secsTo(QDateTime::currentDateTimeUtc())), 60);
 }
 
@@ -162,7 +162,7 @@ TEST_F(Timestamps, aServiceThatIsAwayIsNotAvailable)
 TEST_F(Timestamps, aServiceThatNeverAnswersIsGivenUp)
 {
     qputenv("SEALWRIGHT_WAIT_SCALE", "0.01");
-    const HttpAnswers server([](const QByteArray &) { return QByteArray(); }, HttpAnswers::Manner::Silent);
+    const HttpAnswers server([](const QByteArray &) { return QByteArray(); }, HttpAnswers::Manner::silent);
     EXPECT_TRUE(ask(server).error().contains(u"The timestamp service is not available."_s));
 }
 
@@ -175,15 +175,15 @@ TEST_F(Timestamps, anAnswerWithoutEndIsGivenUp)
 TEST_F(Timestamps, anErrorOfTheServerIsTold)
 {
     const HttpAnswers server([](const QByteArray &) { return QByteArray("busy"); },
-                             HttpAnswers::Manner::Refusing);
+                             HttpAnswers::Manner::refusing);
     EXPECT_TRUE(ask(server).error().contains(u"HTTP status 503"_s));
 }
 
 TEST_F(Timestamps, goIntoASignature)
 {
-    makeIdentity(IdentityKind::Application);
+    makeIdentity(IdentityKind::application);
     const HttpAnswers server([this](const QByteArray &body) { return answer(body); });
-    const auto signer = findSigningIdentity(u"Example Corp"_s, IdentityKind::Application);
+    const auto signer = findSigningIdentity(u"Example Corp"_s, IdentityKind::application);
     ASSERT_TRUE(signer);
     const QByteArray digest(32, 'd');
     const auto cms = makeCodeCms(*signer, {digest, {{2, digest}}, {}}, timestampClient({server.url(), {}}));
@@ -191,7 +191,7 @@ TEST_F(Timestamps, goIntoASignature)
     const auto signature = readCms(*cms);
     ASSERT_TRUE(signature) << signature.error().toStdString();
     const CmsJudgement judgement = judgeCms(*signature, {[&](auto) { return digest; }, {{2, digest}}},
-                                            TrustPurpose::CodeSigning, TrustStore::ofThisMachine());
+                                            TrustPurpose::codeSigning, TrustStore::ofThisMachine());
     EXPECT_TRUE(judgement.isGood()) << judgement.timestampProblem.toStdString();
     EXPECT_TRUE(judgement.timestamp);
 }

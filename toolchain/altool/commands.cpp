@@ -69,7 +69,7 @@ QString argument(const ParsedArguments &arguments, const char *name)
 
 OutputFormat formatFrom(const ParsedArguments &arguments)
 {
-    return arguments.value("--output-format") == "xml" ? OutputFormat::Xml : OutputFormat::Normal;
+    return arguments.value("--output-format") == "xml" ? OutputFormat::xml : OutputFormat::normal;
 }
 
 void warn(const QString &text)
@@ -96,7 +96,7 @@ void printFailure(const QString &message)
 
 int fail(const ParsedArguments &arguments, const ServiceFailure &failure)
 {
-    if (formatFrom(arguments) == OutputFormat::Xml)
+    if (formatFrom(arguments) == OutputFormat::xml)
         print(failureReply(failure.text, failure.code).valueOr({}).toStdString());
     printFailure(failure.text);
     return failure.code == unknownRequestCode ? unknownRequestStatus : failedStatus;
@@ -295,17 +295,17 @@ std::string altoolHelp()
 std::vector<Option> altoolOptions()
 {
     return {{{"--notarize-app"}},
-            {{"--notarization-info"}, OptionValue::Required},
-            {{"--notarization-history"}, OptionValue::Required},
+            {{"--notarization-info"}, OptionValue::required},
+            {{"--notarization-history"}, OptionValue::required},
             {{"--list-providers"}},
-            {{"-f", "--file"}, OptionValue::Required},
-            {{"--primary-bundle-id"}, OptionValue::Required},
-            {{"-u", "--username"}, OptionValue::Required},
-            {{"-p", "--password"}, OptionValue::Required},
-            {{"--apiKey"}, OptionValue::Required},
-            {{"--apiIssuer"}, OptionValue::Required},
-            {{"--asc-provider"}, OptionValue::Required},
-            {{"--output-format"}, OptionValue::Required},
+            {{"-f", "--file"}, OptionValue::required},
+            {{"--primary-bundle-id"}, OptionValue::required},
+            {{"-u", "--username"}, OptionValue::required},
+            {{"-p", "--password"}, OptionValue::required},
+            {{"--apiKey"}, OptionValue::required},
+            {{"--apiIssuer"}, OptionValue::required},
+            {{"--asc-provider"}, OptionValue::required},
+            {{"--output-format"}, OptionValue::required},
             {{"-h", "--help"}}};
 }
 

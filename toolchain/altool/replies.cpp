@@ -147,7 +147,7 @@ StatusTexts textsOf(const QString &serviceWord)
 
 Reply uploadReply(const QString &id, const QString &archive, OutputFormat format)
 {
-    if (format == OutputFormat::Normal)
+    if (format == OutputFormat::normal)
         return (uploadMessage(archive) + u"\nRequestUUID = "_s + id + u'\n').toUtf8();
     return xmlReply({{u"notarization-upload"_s, QVariantMap{{u"RequestUUID"_s, id}}},
                      {u"success-message"_s, inXml(uploadMessage(archive))}});
@@ -155,14 +155,14 @@ Reply uploadReply(const QString &id, const QString &archive, OutputFormat format
 
 Reply infoReply(const InfoReport &report, OutputFormat format)
 {
-    if (format == OutputFormat::Normal)
+    if (format == OutputFormat::normal)
         return infoText(report).toUtf8();
     return xmlReply({{u"notarization-info"_s, infoEntries(report)}, {u"success-message"_s, infoMessage}});
 }
 
 Reply historyReply(const QList<notary::Submission> &submissions, qulonglong page, OutputFormat format)
 {
-    if (format == OutputFormat::Normal)
+    if (format == OutputFormat::normal)
         return historyText(submissions, page).toUtf8();
     return xmlReply({{u"notarization-history"_s, historyEntries(submissions)},
                      {u"success-message"_s, u"No errors getting notarization history."_s}});
@@ -170,7 +170,7 @@ Reply historyReply(const QList<notary::Submission> &submissions, qulonglong page
 
 Reply providersReply(const Provider &provider, OutputFormat format)
 {
-    if (format == OutputFormat::Normal)
+    if (format == OutputFormat::normal)
         return u"ProviderShortname WWDRTeamID ProviderName\n%1 %2 %3\n"_s
             .arg(provider.shortName, provider.teamIdentifier, provider.name)
             .toUtf8();

@@ -15,7 +15,7 @@ struct Provider {
     QString teamIdentifier;
 };
 
-enum class OutputFormat { Normal, Xml };
+enum class OutputFormat { normal, xml };
 
 /// The replies that the commands print on standard output, each with its line end. The XML ones are
 /// property lists; an error says why a reply could not be written as one.

@@ -110,9 +110,9 @@ private:
             add(level::digests, u"CandidateCDHashFull %1=%2"_s.arg(name, hex(directory.digest())));
         }
         add(level::digests, u"Hash choices="_s + names.join(u','));
-        const QByteArray content = digestOf(m_part.primary().bytes(), HashType::Sha256);
+        const QByteArray content = digestOf(m_part.primary().bytes(), HashType::sha256);
         add(level::digests, u"CMSDigest="_s + hex(content));
-        add(level::digests, u"CMSDigestType=%1"_s.arg(int(HashType::Sha256)));
+        add(level::digests, u"CMSDigestType=%1"_s.arg(int(HashType::sha256)));
     }
 
     void addExecutableSegment()
@@ -145,7 +145,7 @@ private:
             add(level::basics, u"Signature size=%1"_s.arg(m_part.cms().size()));
             for (const QByteArray &certificate : m_signer->trust.chain)
                 add(level::signers, u"Authority="_s + CertificateFacts(certificate).commonName());
-            if (m_signer->trust.anchor == Anchor::ThisMachine)
+            if (m_signer->trust.anchor == Anchor::thisMachine)
                 add(level::signers, u"Anchor=authority of this machine, which no Mac knows"_s);
             addTime();
         }

@@ -36,7 +36,7 @@ Result<QString> requirementLines(const SignedCode &code)
     if (!set)
         return set.failure();
     auto lines = requirementSetText(*set);
-    if (!lines || set->contains(RequirementType::Designated))
+    if (!lines || set->contains(RequirementType::designated))
         return lines;
     const auto implied = designatedRequirementOf(code);
     const auto text = implied ? requirementText(*implied) : Result<QString>(implied.failure());

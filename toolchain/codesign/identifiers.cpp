@@ -62,7 +62,7 @@ QByteArray sha1OfFile(const QString &path)
 {
     constexpr qint64 blockSize = 1 << 18;
     QFile file(path);
-    Digest digest(HashType::Sha1);
+    Digest digest(HashType::sha1);
     if (file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
         for (QByteArray block = file.read(blockSize); !block.isEmpty(); block = file.read(blockSize))
             digest.add(block);
@@ -76,7 +76,7 @@ QByteArray identification(const SignedCode &code)
     if (!code.image)
         return sha1OfFile(code.mainFile);
     const MachOSlice &slice = code.image->slices[code.nativeIndex()];
-    return slice.uuid.isEmpty() ? digestOf(slice.head, HashType::Sha1) : "UUID" + slice.uuid;
+    return slice.uuid.isEmpty() ? digestOf(slice.head, HashType::sha1) : "UUID" + slice.uuid;
 }
 
 } // namespace

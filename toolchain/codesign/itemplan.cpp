@@ -46,7 +46,7 @@ quint32 flagsFor(const SignedCode &code, qsizetype part, const SigningOrder &ord
     quint32 flags = 0;
     if (order.flags)
         flags = *order.flags;
-    else if (const SignedPart *old = keptPart(code, part, order, Kept::Flags))
+    else if (const SignedPart *old = keptPart(code, part, order, Kept::flags))
         flags = old->primary().fields().flags & ~never;
     else if (code.bundle)
         flags = codeFlagsNamed(code.bundle->info.value(u"CSFlags"_s).toString()).valueOr(0);
@@ -55,23 +55,23 @@ quint32 flagsFor(const SignedCode &code, qsizetype part, const SigningOrder &ord
 
 QByteArray entitlementsFor(const SignedCode &code, qsizetype part, const SigningOrder &order)
 {
-    if (!code.image || code.image->slices[part].fileType != MachOFileType::Executable)
+    if (!code.image || code.image->slices[part].fileType != MachOFileType::executable)
         return {};
     if (order.entitlements)
         return *order.entitlements;
-    const SignedPart *old = keptPart(code, part, order, Kept::Entitlements);
+    const SignedPart *old = keptPart(code, part, order, Kept::entitlements);
     return old ? old->entitlements() : QByteArray();
 }
 
 QByteArray requirementsFor(const SignedCode &code, qsizetype part, const SigningOrder &order,
                            const QString &identifier)
 {
-    const SignedPart *old = keptPart(code, part, order, Kept::Requirements);
+    const SignedPart *old = keptPart(code, part, order, Kept::requirements);
     if (!order.requirements && old && !old->requirements().isEmpty())
         return old->requirements();
     RequirementSet set = order.requirements.value_or(RequirementSet());
-    if (!set.contains(RequirementType::Designated) && !order.signer.isAdHoc())
-        set.insert(RequirementType::Designated, designatedRequirementFor(identifier, order.signer.facts));
+    if (!set.contains(RequirementType::designated) && !order.signer.isAdHoc())
+        set.insert(RequirementType::designated, designatedRequirementFor(identifier, order.signer.facts));
     return requirementSetBlob(set);
 }
 
@@ -89,7 +89,7 @@ void takeFromSlice(CodeDirectoryFields &fields, const MachOSlice &slice)
         return;
     fields.execSegmentBase = text->file.offset;
     fields.execSegmentLimit = text->file.length;
-    fields.execSegmentFlags = slice.fileType == MachOFileType::Executable ? execseg::mainBinary : 0;
+    fields.execSegmentFlags = slice.fileType == MachOFileType::executable ? execseg::mainBinary : 0;
     fields.runtime = fields.flags & codeflag::runtime ? version->sdk : 0;
 }
 
@@ -111,21 +111,21 @@ QList<HashType> digestsFor(const SignedCode &code, const SigningOrder &order)
     if (!order.digests.isEmpty())
         return order.digests;
     if (!code.image)
-        return {HashType::Sha256};
+        return {HashType::sha256};
     for (const MachOSlice &slice : code.image->slices) {
         for (const MachOVersion &version : slice.versions) {
             if (needsSha1(version))
-                return {HashType::Sha1, HashType::Sha256};
+                return {HashType::sha1, HashType::sha256};
         }
     }
-    return {HashType::Sha256};
+    return {HashType::sha256};
 }
 
 QString chosenIdentifier(const SignedCode &code, const SigningOrder &order)
 {
     if (!order.identifier.isEmpty())
         return order.identifier;
-    if (const SignedPart *old = keptPart(code, code.nativeIndex(), order, Kept::Identifier))
+    if (const SignedPart *old = keptPart(code, code.nativeIndex(), order, Kept::identifier))
         return old->primary().fields().identifier;
     return identifierFor(code, order);
 }
@@ -142,7 +142,7 @@ Result<SignaturePlan> planFor(const SignedCode &code, qsizetype part, const Sign
     plan.fields.flags = flagsFor(code, part, order);
     if (code.image)
         takeFromSlice(plan.fields, code.image->slices[part]);
-    if (const SignedPart *old = keptPart(code, part, order, Kept::Runtime); old && plan.fields.runtime != 0)
+    if (const SignedPart *old = keptPart(code, part, order, Kept::runtime); old && plan.fields.runtime != 0)
         plan.fields.runtime = old->best().fields().runtime;
     plan.components.insert(slot::requirements, requirementsFor(code, part, order, item.identifier));
     const QByteArray info = boundInfoPropertyList(code, part);

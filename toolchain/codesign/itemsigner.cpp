@@ -24,10 +24,10 @@ namespace {
 
 seal::Digests sealDigests(const QList<HashType> &digests)
 {
-    const bool hasSha1 = digests.contains(HashType::Sha1);
+    const bool hasSha1 = digests.contains(HashType::sha1);
     if (digests.size() == 1 && hasSha1)
-        return seal::Digests::Sha1;
-    return hasSha1 ? seal::Digests::Sha1AndSha256 : seal::Digests::Sha256;
+        return seal::Digests::sha1;
+    return hasSha1 ? seal::Digests::sha1AndSha256 : seal::Digests::sha256;
 }
 
 QString subcomponent(const QString &problem, const QString &path)
@@ -102,7 +102,7 @@ public:
     {
         SigningReport report;
         if (isSignedAlready()) {
-            if (m_order.oldSignature == OldSignature::IsRefused)
+            if (m_order.oldSignature == OldSignature::isRefused)
                 return {u"is already signed"_s, {}, {}};
             report.notice = u"replacing existing signature"_s;
         }
@@ -132,7 +132,7 @@ private:
             return {};
         // Left by a run that was ended, it would count as code that is not signed.
         QFile::remove(m_code.mainFile + u".cstemp"_s);
-        if (m_order.nested == NestedCode::MustBeSigned)
+        if (m_order.nested == NestedCode::mustBeSigned)
             return {};
         const auto nested = seal::nestedCodeIn(sealedFolder(*m_code.bundle));
         if (!nested)
@@ -147,11 +147,11 @@ private:
 
     QString signOneNested(const QString &path)
     {
-        auto code = readSignedCode(path, SignatureDepth::Heads);
+        auto code = readSignedCode(path, SignatureDepth::heads);
         if (!code)
             return code.error();
         ItemSigner signer(*std::move(code), m_order);
-        const bool isLeft = signer.isSignedAlready() && m_order.oldSignature == OldSignature::IsRefused;
+        const bool isLeft = signer.isSignedAlready() && m_order.oldSignature == OldSignature::isRefused;
         return isLeft ? QString() : signer.sign().error;
     }
 
@@ -186,7 +186,7 @@ private:
 
     QString write()
     {
-        if (m_code.kind == CodeKind::DiskImage)
+        if (m_code.kind == CodeKind::diskImage)
             return signDiskImage(m_code.mainFile, m_plans.first());
         if (!m_code.bundle)
             return m_code.image ? signMachO(m_code.mainFile, m_plans)
@@ -239,7 +239,7 @@ SigningReport signItem(const QString &path, const SigningOrder &order)
 {
     // Messages about what is nested name it from the root on, wherever the tool was started.
     const QString absolute = QDir::cleanPath(QDir::current().absoluteFilePath(path));
-    auto code = readSignedCode(targetOf(absolute), SignatureDepth::Heads);
+    auto code = readSignedCode(targetOf(absolute), SignatureDepth::heads);
     if (!code)
         return {code.error(), {}, {}};
     code->path = absolute;
@@ -248,12 +248,12 @@ SigningReport signItem(const QString &path, const SigningOrder &order)
 
 QString removeSignature(const QString &path)
 {
-    const auto code = readSignedCode(targetOf(path), SignatureDepth::Heads);
+    const auto code = readSignedCode(targetOf(path), SignatureDepth::heads);
     if (!code)
         return code.error();
     if (code->bundle)
         return removeFromBundle(*code);
-    if (code->kind == CodeKind::DiskImage)
+    if (code->kind == CodeKind::diskImage)
         return udif::replaceImageSignature(code->mainFile, {});
     return code->image ? stripMachO(code->mainFile) : removeAttributesOfSignature(code->mainFile);
 }

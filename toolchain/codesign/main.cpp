@@ -47,22 +47,22 @@ does not meet the requirement of -R.
 
 int run(const Options &options)
 {
-    if (options.operation == Operation::Help) {
+    if (options.operation == Operation::help) {
         print(usage);
         return 0;
     }
     if (!options.complaint.isEmpty())
         return refuse(options.complaint);
-    if (options.operation == Operation::None)
+    if (options.operation == Operation::none)
         return refuse(u"nothing to do: one of -s, -v, -d and --remove-signature is needed"_s);
     if (options.paths.isEmpty())
         return refuse(u"no path was given"_s);
     switch (options.operation) {
-    case Operation::Sign:
+    case Operation::sign:
         return runSign(options);
-    case Operation::RemoveSignature:
+    case Operation::removeSignature:
         return runRemoveSignature(options);
-    case Operation::Display:
+    case Operation::display:
         return runDisplay(options);
     default:
         return runVerify(options);

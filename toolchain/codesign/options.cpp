@@ -9,32 +9,32 @@ namespace toolchain::codesign {
 
 namespace {
 
-enum class Value { None, Required, Optional };
+enum class Value { none, required, optional };
 
 struct Known {
     const char *name;
     char letter; ///< 0: none
     Value value;
 };
-constexpr std::array knownOptions{Known{"sign", 's', Value::Required},
-                                  Known{"verify", 0, Value::None},
-                                  Known{"display", 'd', Value::None},
-                                  Known{"remove-signature", 0, Value::None},
-                                  Known{"force", 'f', Value::None},
-                                  Known{"deep", 0, Value::None},
-                                  Known{"options", 'o', Value::Required},
-                                  Known{"timestamp", 0, Value::Optional},
-                                  Known{"entitlements", 0, Value::Required},
-                                  Known{"identifier", 'i', Value::Required},
-                                  Known{"requirements", 'r', Value::Required},
-                                  Known{"test-requirement", 'R', Value::Required},
-                                  Known{"prefix", 0, Value::Required},
-                                  Known{"digest-algorithm", 0, Value::Required},
-                                  Known{"preserve-metadata", 0, Value::Optional},
-                                  Known{"signature-size", 0, Value::Required},
-                                  Known{"strict", 0, Value::Optional},
-                                  Known{"verbose", 0, Value::Optional},
-                                  Known{"help", 'h', Value::None}};
+constexpr std::array knownOptions{Known{"sign", 's', Value::required},
+                                  Known{"verify", 0, Value::none},
+                                  Known{"display", 'd', Value::none},
+                                  Known{"remove-signature", 0, Value::none},
+                                  Known{"force", 'f', Value::none},
+                                  Known{"deep", 0, Value::none},
+                                  Known{"options", 'o', Value::required},
+                                  Known{"timestamp", 0, Value::optional},
+                                  Known{"entitlements", 0, Value::required},
+                                  Known{"identifier", 'i', Value::required},
+                                  Known{"requirements", 'r', Value::required},
+                                  Known{"test-requirement", 'R', Value::required},
+                                  Known{"prefix", 0, Value::required},
+                                  Known{"digest-algorithm", 0, Value::required},
+                                  Known{"preserve-metadata", 0, Value::optional},
+                                  Known{"signature-size", 0, Value::required},
+                                  Known{"strict", 0, Value::optional},
+                                  Known{"verbose", 0, Value::optional},
+                                  Known{"help", 'h', Value::none}};
 
 const Known *withLetter(char letter)
 {
@@ -93,11 +93,11 @@ private:
         const Known *known = withName(name);
         if (!known)
             return complain(u"unrecognized option `--%1'"_s.arg(QString::fromStdString(name)));
-        if (equals != std::string::npos && known->value == Value::None)
+        if (equals != std::string::npos && known->value == Value::none)
             return complain(u"option `--%1' doesn't allow an argument"_s.arg(QString::fromStdString(name)));
         if (equals != std::string::npos)
             return take(*known, QString::fromStdString(text.substr(equals + 1)));
-        if (known->value == Value::Required)
+        if (known->value == Value::required)
             return takeNextWord(*known);
         take(*known, QString());
     }
@@ -112,7 +112,7 @@ private:
             const Known *known = withLetter(word[at]);
             if (!known)
                 return complain(u"invalid option -- %1"_s.arg(QLatin1Char(word[at])));
-            if (known->value != Value::Required) {
+            if (known->value != Value::required) {
                 take(*known, QString());
                 continue;
             }
@@ -135,13 +135,13 @@ private:
         if (name == "sign")
             m_options.identity = value;
         if (name == "sign")
-            return choose(Operation::Sign);
+            return choose(Operation::sign);
         if (name == "verify")
-            return choose(Operation::Verify);
+            return choose(Operation::verify);
         if (name == "display")
-            return choose(Operation::Display);
+            return choose(Operation::display);
         if (name == "remove-signature")
-            return choose(Operation::RemoveSignature);
+            return choose(Operation::removeSignature);
         if (name == "help")
             m_wantsHelp = true;
         else if (name == "force")
@@ -185,7 +185,7 @@ private:
 
     void choose(Operation operation)
     {
-        if (m_options.operation != Operation::None && m_options.operation != operation)
+        if (m_options.operation != Operation::none && m_options.operation != operation)
             complain(u"only one of --sign, --verify, --display and --remove-signature can be done"_s);
         m_options.operation = operation;
     }
@@ -193,13 +193,13 @@ private:
     /// The letter v alone stands for --verify, beside another operation for --verbose.
     void settleOperation()
     {
-        if (m_options.operation == Operation::None && m_letterV > 0) {
-            m_options.operation = Operation::Verify;
+        if (m_options.operation == Operation::none && m_letterV > 0) {
+            m_options.operation = Operation::verify;
             --m_letterV;
         }
         m_options.verbosity += m_letterV;
         if (m_wantsHelp)
-            m_options.operation = Operation::Help;
+            m_options.operation = Operation::help;
     }
 
     void complain(const QString &complaint)

@@ -9,11 +9,11 @@
 
 namespace toolchain::codesign {
 
-enum class Operation { None, Sign, Verify, Display, RemoveSignature, Help };
+enum class Operation { none, sign, verify, display, removeSignature, help };
 
 /// A command line taken apart. Nothing where an option was not given.
 struct Options {
-    Operation operation = Operation::None;
+    Operation operation = Operation::none;
     int verbosity = 0;
     QStringList paths;
     bool forces = false;

@@ -28,7 +28,7 @@ OrderProblem takeDigests(SigningOrder &order, const QString &names)
 {
     for (const QString &name : names.split(u',')) {
         const HashType type = hashTypeNamed(name);
-        if (type != HashType::Sha1 && type != HashType::Sha256 && type != HashType::Sha384)
+        if (type != HashType::sha1 && type != HashType::sha256 && type != HashType::sha384)
             return {{}, u"unknown digest algorithm \"%1\"; sha1, sha256 and sha384 are known"_s.arg(name)};
         if (!order.digests.contains(type))
             order.digests.append(type);
@@ -39,11 +39,11 @@ OrderProblem takeDigests(SigningOrder &order, const QString &names)
 
 OrderProblem takeKept(SigningOrder &order, const QString &names)
 {
-    static const QMap<QString, Kept> words{{u"identifier"_s, Kept::Identifier},
-                                           {u"entitlements"_s, Kept::Entitlements},
-                                           {u"requirements"_s, Kept::Requirements},
-                                           {u"flags"_s, Kept::Flags},
-                                           {u"runtime"_s, Kept::Runtime}};
+    static const QMap<QString, Kept> words{{u"identifier"_s, Kept::identifier},
+                                           {u"entitlements"_s, Kept::entitlements},
+                                           {u"requirements"_s, Kept::requirements},
+                                           {u"flags"_s, Kept::flags},
+                                           {u"runtime"_s, Kept::runtime}};
     const QStringList list = names.isEmpty() ? QStringList(words.keys()) : names.split(u',');
     for (const QString &name : list) {
         if (!words.contains(name))
@@ -125,8 +125,8 @@ Result<QByteArray> requirementFrom(const QString &argument)
 
 OrderProblem fillOrder(SigningOrder &order, const Options &options)
 {
-    order.oldSignature = options.forces ? OldSignature::IsReplaced : OldSignature::IsRefused;
-    order.nested = options.isDeep ? NestedCode::IsSignedToo : NestedCode::MustBeSigned;
+    order.oldSignature = options.forces ? OldSignature::isReplaced : OldSignature::isRefused;
+    order.nested = options.isDeep ? NestedCode::isSignedToo : NestedCode::mustBeSigned;
     order.identifier = options.identifier.value_or(QString());
     order.prefix = options.prefix.value_or(QString());
     const std::array<

@@ -44,12 +44,12 @@ Result<Signer> signerFor(const QString &identity, const std::optional<QString> &
 {
     if (identity == u"-"_s)
         return Signer();
-    const auto found = findSigningIdentity(identity, IdentityKind::Application);
+    const auto found = findSigningIdentity(identity, IdentityKind::application);
     if (!found)
         return found.failure();
     Signer signer;
     signer.team = found->team;
-    signer.facts = {found->chain, found->anchor == Anchor::Apple, found->anchor == Anchor::ThisMachine};
+    signer.facts = {found->chain, found->anchor == Anchor::apple, found->anchor == Anchor::thisMachine};
     const auto stamper = stamperFor(timestamp);
     if (!stamper)
         return stamper.failure();

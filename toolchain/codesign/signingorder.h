@@ -21,16 +21,16 @@ struct Signer {
 };
 
 /// What of an old signature is to be taken over, by the words of --preserve-metadata.
-enum class Kept { Identifier, Entitlements, Requirements, Flags, Runtime };
+enum class Kept { identifier, entitlements, requirements, flags, runtime };
 
-enum class OldSignature { IsRefused, IsReplaced };
-enum class NestedCode { MustBeSigned, IsSignedToo };
+enum class OldSignature { isRefused, isReplaced };
+enum class NestedCode { mustBeSigned, isSignedToo };
 
 /// What codesign was told about a signature, for all its paths and what is nested in them alike.
 struct SigningOrder {
     Signer signer;
-    OldSignature oldSignature = OldSignature::IsRefused;
-    NestedCode nested = NestedCode::MustBeSigned;
+    OldSignature oldSignature = OldSignature::isRefused;
+    NestedCode nested = NestedCode::mustBeSigned;
     QString identifier; ///< empty: by the item
     QString prefix;
     std::optional<quint32> flags; ///< nothing: by the item

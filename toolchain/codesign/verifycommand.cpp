@@ -48,7 +48,7 @@ int reportRequirements(const QString &path, const Verification &verification, co
     if (options.verbosity > 0)
         say(path + u": valid on disk"_s);
     const bool isOfThisMachine =
-        verification.signer && verification.signer->trust.anchor == Anchor::ThisMachine;
+        verification.signer && verification.signer->trust.anchor == Anchor::thisMachine;
     if (options.verbosity > 0 && isOfThisMachine)
         say(path + u": signed by the authority of this machine, which no Mac knows"_s);
     if (!verification.meetsDesignatedRequirement)
@@ -82,7 +82,7 @@ int worse(int one, int other)
 int runVerify(const Options &options)
 {
     VerificationOrder order;
-    order.strictness = options.isStrict ? Strictness::Strict : Strictness::Usual;
+    order.strictness = options.isStrict ? Strictness::strict : Strictness::usual;
     if (options.testRequirement) {
         const auto requirement = requirementFrom(*options.testRequirement);
         if (!requirement)

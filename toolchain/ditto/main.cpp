@@ -54,11 +54,11 @@ ZipOptions optionsFrom(const ParsedArguments &arguments)
 {
     ZipOptions options;
     if (arguments.has("--keepParent"))
-        options.root = ZipRoot::Parent;
+        options.root = ZipRoot::parent;
     if (arguments.has("--sequesterRsrc"))
-        options.attributes = ZipAttributes::Sequestered;
+        options.attributes = ZipAttributes::sequestered;
     if (arguments.has("--norsrc") || arguments.has("--noextattr"))
-        options.attributes = ZipAttributes::LeftOut;
+        options.attributes = ZipAttributes::leftOut;
     if (arguments.has("--zlibCompressionLevel"))
         options.level = arguments.value("--zlibCompressionLevel").front() - '0';
     return options;
@@ -107,7 +107,7 @@ ParsedArguments parse(const std::vector<std::string> &words)
                            {{"--extattr"}},
                            {{"--noextattr"}},
                            {{"--qtn"}},
-                           {{"--zlibCompressionLevel"}, OptionValue::Required},
+                           {{"--zlibCompressionLevel"}, OptionValue::required},
                            {{"-h", "--help"}}});
 }
 

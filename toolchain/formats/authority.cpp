@@ -37,16 +37,16 @@ struct IntermediateKind {
 IntermediateKind intermediateFor(LeafPurpose purpose)
 {
     switch (purpose) {
-    case LeafPurpose::Application:
-    case LeafPurpose::Installer:
+    case LeafPurpose::application:
+    case LeafPurpose::installer:
         return {"developer-id",
                 u"Developer ID Certification Authority of this machine"_s,
-                {{"1.2.840.113635.100.6.2.6", Criticality::NotCritical}}};
-    case LeafPurpose::Timestamp:
+                {{"1.2.840.113635.100.6.2.6", Criticality::notCritical}}};
+    case LeafPurpose::timestamp:
         return {"timestamp", u"Timestamp Certification Authority of this machine"_s, {}};
-    case LeafPurpose::Ticket:
+    case LeafPurpose::ticket:
         return {"tickets", u"Ticket Certification Authority of this machine"_s, {}};
-    case LeafPurpose::Server:
+    case LeafPurpose::server:
         break;
     }
     return {"servers", u"Server Certification Authority of this machine"_s, {}};
@@ -67,14 +67,14 @@ CertificatePlan authorityPlan(const QString &commonName, const QList<MarkerExten
 /// Practice Statement lists them.
 CertificatePlan developerPlan(LeafPurpose purpose, const QList<NameEntry> &subject)
 {
-    const bool isInstaller = purpose == LeafPurpose::Installer;
+    const bool isInstaller = purpose == LeafPurpose::installer;
     const char *marker = isInstaller ? "1.2.840.113635.100.6.1.14" : "1.2.840.113635.100.6.1.13";
     return {subject,
             "critical,CA:FALSE",
             "critical,digitalSignature",
             isInstaller ? "critical,1.2.840.113635.100.4.13" : "critical,codeSigning",
             {},
-            {{marker, Criticality::Critical}},
+            {{marker, Criticality::critical}},
             leafDays};
 }
 
@@ -97,7 +97,7 @@ CertificatePlan servicePlan(LeafPurpose purpose, const QStringList &hosts)
 {
     const std::string noCa = "critical,CA:FALSE";
     const std::string signing = "critical,digitalSignature";
-    if (purpose == LeafPurpose::Timestamp)
+    if (purpose == LeafPurpose::timestamp)
         return {authorityName(u"Timestamp Signer of this machine"_s),
                 noCa,
                 signing,
@@ -105,9 +105,9 @@ CertificatePlan servicePlan(LeafPurpose purpose, const QStringList &hosts)
                 {},
                 {},
                 leafDays};
-    if (purpose == LeafPurpose::Ticket)
+    if (purpose == LeafPurpose::ticket)
         return {authorityName(u"Software Ticket Signing of this machine"_s), noCa,    signing, {}, {},
-                {{"1.2.840.113635.100.6.1.30", Criticality::NotCritical}},   leafDays};
+                {{"1.2.840.113635.100.6.1.30", Criticality::notCritical}},   leafDays};
     return {authorityName(u"Local service of this machine"_s),
             noCa,
             signing,
@@ -120,7 +120,7 @@ CertificatePlan servicePlan(LeafPurpose purpose, const QStringList &hosts)
 Key newKeyFor(LeafPurpose purpose)
 {
     constexpr unsigned int bits = 2048;
-    const bool isElliptic = purpose == LeafPurpose::Ticket || purpose == LeafPurpose::Server;
+    const bool isElliptic = purpose == LeafPurpose::ticket || purpose == LeafPurpose::server;
     return Key(isElliptic ? EVP_EC_gen("P-256") : EVP_RSA_gen(bits));
 }
 

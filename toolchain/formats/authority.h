@@ -18,11 +18,11 @@ struct IssuedKey {
 
 /// The purposes that the authority of this machine certifies keys for.
 enum class LeafPurpose {
-    Application, ///< "Developer ID Application: ", RSA of 2048 bits
-    Installer, ///< "Developer ID Installer: ", RSA of 2048 bits
-    Timestamp, ///< signs time stamps (RFC 3161), RSA of 2048 bits
-    Ticket, ///< signs tickets of the local notary, elliptic curve P-256
-    Server ///< TLS on this machine, elliptic curve P-256
+    application, ///< "Developer ID Application: ", RSA of 2048 bits
+    installer, ///< "Developer ID Installer: ", RSA of 2048 bits
+    timestamp, ///< signs time stamps (RFC 3161), RSA of 2048 bits
+    ticket, ///< signs tickets of the local notary, elliptic curve P-256
+    server ///< TLS on this machine, elliptic curve P-256
 };
 
 /// The certification authority of this machine: a root, and an intermediate certificate for each purpose,

@@ -44,7 +44,7 @@ Identity identityFrom(X509 *certificate)
 /// Code may be signed with any key, even with one whose certificate says nothing of code.
 bool isFor(const Identity &identity, IdentityKind kind)
 {
-    return identity.canSignPackages == (kind == IdentityKind::Installer);
+    return identity.canSignPackages == (kind == IdentityKind::installer);
 }
 
 bool isMeant(const Identity &identity, const QString &wanted)
@@ -99,7 +99,7 @@ IdentityList readIdentities(const QString &folder)
         if (!contents.hasKeyOf(entry.certificate.get()))
             continue;
         Identity identity = identityFrom(entry.certificate.get());
-        identity.trust = trustOf(identity.certificate, contents.certificates(), TrustPurpose::Any, {}, store);
+        identity.trust = trustOf(identity.certificate, contents.certificates(), TrustPurpose::any, {}, store);
         list.identities.append(identity);
     }
     return list;
@@ -125,7 +125,7 @@ IdentityChoice chooseIdentity(const KeychainContents &contents, const QString &w
         if (isMeant(identity, wanted) && isFor(identity, kind) && contents.hasKeyOf(entry.certificate.get()))
             matches.append(identity);
     }
-    if (kind == IdentityKind::Application)
+    if (kind == IdentityKind::application)
         matches = preferred(matches, [](const Identity &identity) { return identity.canSignCode; });
     matches = preferred(matches, [](const Identity &identity) { return identity.isValidNow; });
     matches = preferred(matches, [&](const Identity &identity) { return identity.commonName == wanted; });
@@ -133,14 +133,14 @@ IdentityChoice chooseIdentity(const KeychainContents &contents, const QString &w
         return {std::nullopt, u"no identity found"_s};
     if (matches.size() > 1)
         return {std::nullopt, u"ambiguous (matches %1 in %2)"_s.arg(namesOf(matches), contents.folder)};
-    matches.first().trust = trustOf(matches.first().certificate, contents.certificates(), TrustPurpose::Any,
+    matches.first().trust = trustOf(matches.first().certificate, contents.certificates(), TrustPurpose::any,
                                     {}, TrustStore::ofThisMachine());
     return {matches.first(), {}};
 }
 
 QString identityCommonName(const QString &name, IdentityKind kind)
 {
-    return (kind == IdentityKind::Application ? u"Developer ID Application: "_s
+    return (kind == IdentityKind::application ? u"Developer ID Application: "_s
                                               : u"Developer ID Installer: "_s)
         + name;
 }
@@ -150,7 +150,7 @@ NewIdentity makeIdentity(const QString &folder, const QString &name, IdentityKin
     const QString commonName = identityCommonName(name, kind);
     const Holder holder = holderFrom(name);
     const LeafPurpose purpose =
-        kind == IdentityKind::Application ? LeafPurpose::Application : LeafPurpose::Installer;
+        kind == IdentityKind::application ? LeafPurpose::application : LeafPurpose::installer;
     const auto issued =
         Authority(folder).issueDeveloper(purpose, commonName, holder.team, holder.organisation);
     if (!issued)

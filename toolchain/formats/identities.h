@@ -30,8 +30,8 @@ struct IdentityList {
 };
 
 enum class IdentityKind {
-    Application, ///< "Developer ID Application: ", for codesign
-    Installer ///< "Developer ID Installer: ", for packages
+    application, ///< "Developer ID Application: ", for codesign
+    installer ///< "Developer ID Installer: ", for packages
 };
 
 /// Reads a keychain folder. A folder that does not exist is an empty one.

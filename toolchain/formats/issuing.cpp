@@ -41,7 +41,7 @@ bool addMarker(X509 *certificate, const MarkerExtension &marker)
     const Object oid(OBJ_txt2obj(marker.oid, 1));
     const Octets value(ASN1_OCTET_STRING_new());
     ASN1_OCTET_STRING_set(value.get(), null, sizeof null);
-    const int isCritical = marker.criticality == Criticality::Critical ? 1 : 0;
+    const int isCritical = marker.criticality == Criticality::critical ? 1 : 0;
     return add(certificate,
                Extension(X509_EXTENSION_create_by_OBJ(nullptr, oid.get(), isCritical, value.get())));
 }

@@ -17,7 +17,7 @@ struct NameEntry {
     QString value;
 };
 
-enum class Criticality { NotCritical, Critical };
+enum class Criticality { notCritical, critical };
 
 /// An extension that libcrypto has no name for. Apple's markers hold an ASN.1 NULL.
 struct MarkerExtension {

@@ -65,7 +65,7 @@ const std::array phaseNames{u"announced"_s, u"uploaded"_s, u"reviewed"_s};
 Phase phaseFrom(const QJsonValue &name)
 {
     const auto found = std::find(phaseNames.begin(), phaseNames.end(), name.toString(u"reviewed"_s));
-    return found == phaseNames.end() ? Phase::Announced : Phase(found - phaseNames.begin());
+    return found == phaseNames.end() ? Phase::announced : Phase(found - phaseNames.begin());
 }
 
 QJsonValue orNull(const QString &text)
@@ -110,12 +110,12 @@ QJsonValue logIssues(const NotaryRequest &request)
 
 Verdict NotaryRequest::verdict() const
 {
-    const bool isDecided = phase == Phase::Reviewed
+    const bool isDecided = phase == Phase::reviewed
         && (polls > pollsInProgress
             || uploaded.secsTo(QDateTime::currentDateTimeUtc()) >= longestReviewInSeconds);
     if (!isDecided)
-        return Verdict::InProgress;
-    return isApproved() ? Verdict::Success : Verdict::Invalid;
+        return Verdict::inProgress;
+    return isApproved() ? Verdict::success : Verdict::invalid;
 }
 
 bool NotaryRequest::isApproved() const

@@ -18,10 +18,10 @@ struct NotaryIssue {
     QString docUrl = {}; ///< empty if there is none
 };
 
-enum class Verdict { InProgress, Success, Invalid };
+enum class Verdict { inProgress, success, invalid };
 
 /// How far an upload has come. What never was uploaded whole stays in progress, as with the real service.
-enum class Phase { Announced, Uploaded, Reviewed };
+enum class Phase { announced, uploaded, reviewed };
 
 /// One hash that the ticket of an approval vouches for.
 struct TicketEntry {
@@ -41,7 +41,7 @@ struct NotaryRequest {
     QList<NotaryIssue> issues; ///< none of severity "error" means approved
     QList<TicketEntry> ticketContents; ///< of what was approved
     int polls = 0; ///< how often the sender has asked
-    Phase phase = Phase::Reviewed;
+    Phase phase = Phase::reviewed;
     QDateTime decided; ///< UTC; not valid before
     QString webhook; ///< address that is told of the end; mostly empty
     QString team; ///< whose key has submitted it

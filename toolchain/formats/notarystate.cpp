@@ -47,7 +47,7 @@ QString NotaryState::store(const NotaryRequest &request) const
             return problem;
     }
     const QString problem =
-        request.phase == Phase::Reviewed ? writeFile(logPath(request.uuid), logOf(request)) : QString();
+        request.phase == Phase::reviewed ? writeFile(logPath(request.uuid), logOf(request)) : QString();
     return problem.isEmpty() ? write(request) : problem;
 }
 
@@ -59,7 +59,7 @@ NotaryLookup NotaryState::poll(const QString &uuid) const
     if (!lock.isHeld())
         return {std::nullopt, m_folder + u": cannot be locked"_s};
     NotaryLookup lookup = readRequest(requestPath(uuid));
-    if (!lookup.request || lookup.request->verdict() != Verdict::InProgress)
+    if (!lookup.request || lookup.request->verdict() != Verdict::inProgress)
         return lookup;
     ++lookup.request->polls;
     lookup.error = write(*lookup.request);

@@ -64,19 +64,19 @@ Result<std::optional<PasswordItem>> findPassword(const QString &item, const QStr
 
 Result<PasswordAddition> addPassword(const PasswordItem &item, ExistingPassword existing)
 {
-    PasswordAddition addition = PasswordAddition::Added;
+    PasswordAddition addition = PasswordAddition::added;
     const Outcome changed = Vault(keychainFolder()).change([&](VaultSecrets &secrets) {
         PasswordItem *same = secrets.find(item.item, item.account.isNull() ? u""_s : item.account);
         if (!same)
             secrets.passwords.append(item);
-        else if (existing == ExistingPassword::Updated)
+        else if (existing == ExistingPassword::updated)
             same->password = item.password;
         if (same)
             addition =
-                existing == ExistingPassword::Updated ? PasswordAddition::Updated : PasswordAddition::Refused;
+                existing == ExistingPassword::updated ? PasswordAddition::updated : PasswordAddition::refused;
         return Outcome::success();
     });
-    if (changed && addition != PasswordAddition::Refused)
+    if (changed && addition != PasswordAddition::refused)
         QFile::remove(plainPath(item.item));
     return changed ? Result<PasswordAddition>(addition) : changed.failure();
 }

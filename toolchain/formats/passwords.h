@@ -24,11 +24,11 @@ namespace toolchain {
                                                                          const QString &account);
 
 enum class PasswordAddition {
-    Added,
-    Updated,
-    Refused ///< there is an item of this name and account, and it was not to be updated
+    added,
+    updated,
+    refused ///< there is an item of this name and account, and it was not to be updated
 };
-enum class ExistingPassword { Kept, Updated };
+enum class ExistingPassword { kept, updated };
 
 [[nodiscard]] platform::Result<PasswordAddition> addPassword(const PasswordItem &item,
                                                              ExistingPassword existing);

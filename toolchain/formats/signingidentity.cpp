@@ -15,8 +15,8 @@ namespace {
 
 bool hasTeam(const Trust &trust)
 {
-    return trust.anchor == Anchor::Apple
-        || (trust.anchor == Anchor::ThisMachine
+    return trust.anchor == Anchor::apple
+        || (trust.anchor == Anchor::thisMachine
             && (isDeveloperIdForCode(trust.chain) || isDeveloperIdForPackages(trust.chain)));
 }
 

@@ -17,7 +17,7 @@ struct SigningIdentity {
     QString commonName; ///< of the leaf
     QString team; ///< the leaf's organisational unit where the chain has the form of Developer ID or is
                   ///< Apple's, else empty
-    Anchor anchor = Anchor::Other; ///< what the chain ends in
+    Anchor anchor = Anchor::other; ///< what the chain ends in
     SharedKey key; ///< in memory, or a handle on a token's
 };
 

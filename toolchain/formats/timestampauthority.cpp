@@ -65,7 +65,7 @@ bool setRules(TS_RESP_CTX *context)
 
 Result<TimestampAuthority> TimestampAuthority::open(const QString &keychainFolder)
 {
-    auto key = Authority(keychainFolder).serviceKey(LeafPurpose::Timestamp);
+    auto key = Authority(keychainFolder).serviceKey(LeafPurpose::timestamp);
     return key ? Result<TimestampAuthority>(TimestampAuthority(*key)) : key.failure();
 }
 

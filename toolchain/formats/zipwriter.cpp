@@ -32,8 +32,8 @@ struct Source {
 std::vector<Source> sourcesIn(const fs::path &source, ZipRoot root, std::string &problem)
 {
     std::vector<Source> sources;
-    const fs::path base = root == ZipRoot::Parent ? source.parent_path() : source;
-    if (root == ZipRoot::Parent || !fs::is_directory(source))
+    const fs::path base = root == ZipRoot::parent ? source.parent_path() : source;
+    if (root == ZipRoot::parent || !fs::is_directory(source))
         sources.push_back({source, source.filename().string()});
     const std::size_t skipped =
         base.empty() ? 0 : base.native().size() + (base.native().ends_with('/') ? 0 : 1);
@@ -71,7 +71,7 @@ public:
             m_error = systemError(source.path, errno);
         else
             packAs(source, info);
-        if (m_error.empty() && m_attributes != ZipAttributes::LeftOut)
+        if (m_error.empty() && m_attributes != ZipAttributes::leftOut)
             packAttributes(source, path, info.st_mtim.tv_sec);
         if (m_error.empty())
             m_error = m_output.error();
@@ -136,7 +136,7 @@ private:
         const std::size_t slash = name.rfind('/');
         const std::size_t start = slash == std::string::npos ? 0 : slash + 1;
         const std::string beside = name.substr(0, start) + "._" + name.substr(start);
-        return QByteArray::fromStdString((m_attributes == ZipAttributes::Sequestered ? "__MACOSX/" : "")
+        return QByteArray::fromStdString((m_attributes == ZipAttributes::sequestered ? "__MACOSX/" : "")
                                          + beside);
     }
 

@@ -6,20 +6,20 @@
 namespace toolchain {
 
 enum class ZipRoot {
-    Contents, ///< the source's contents lie at the top of the archive
-    Parent ///< everything lies under the source's own name
+    contents, ///< the source's contents lie at the top of the archive
+    parent ///< everything lies under the source's own name
 };
 
 /// Where extended attributes and resource forks go, as AppleDouble files.
 enum class ZipAttributes {
-    Beside, ///< "._NAME" in the folder of NAME
-    Sequestered, ///< in the same place below a folder "__MACOSX"
-    LeftOut
+    beside, ///< "._NAME" in the folder of NAME
+    sequestered, ///< in the same place below a folder "__MACOSX"
+    leftOut
 };
 
 struct ZipOptions {
-    ZipRoot root = ZipRoot::Contents;
-    ZipAttributes attributes = ZipAttributes::Beside;
+    ZipRoot root = ZipRoot::contents;
+    ZipAttributes attributes = ZipAttributes::beside;
     int level = 6; ///< of compression, from 0 to 9
 };
 

@@ -30,7 +30,7 @@ const std::string verb = "attach";
 
 ParsedArguments parse(const VerbArguments &words)
 {
-    constexpr auto required = OptionValue::Required;
+    constexpr auto required = OptionValue::required;
     return parseArguments(words,
                           withCommonOptions({{{"-mountpoint"}, required},
                                              {{"-mountroot"}, required},

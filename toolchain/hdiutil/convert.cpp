@@ -28,7 +28,7 @@ struct Plan {
 
 ParsedArguments parse(const VerbArguments &words)
 {
-    constexpr auto required = OptionValue::Required;
+    constexpr auto required = OptionValue::required;
     return parseArguments(
         words,
         withCommonOptions(

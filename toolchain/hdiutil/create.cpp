@@ -35,7 +35,7 @@ struct Plan {
 
 ParsedArguments parse(const VerbArguments &words)
 {
-    constexpr auto required = OptionValue::Required;
+    constexpr auto required = OptionValue::required;
     return parseArguments(words,
                           withCommonOptions({{{"-srcfolder", "-srcdir"}, required},
                                              {{"-volname", "-volName"}, required},
@@ -99,7 +99,7 @@ hfsplus::VolumeRoot rootOf(const fs::path &source)
 {
     const bool isPlainFolder = fs::is_directory(fs::symlink_status(source)) && source.extension() != ".app"
         && !fs::exists(source / "Contents/Info.plist");
-    return isPlainFolder ? hfsplus::VolumeRoot::Contents : hfsplus::VolumeRoot::Item;
+    return isPlainFolder ? hfsplus::VolumeRoot::contents : hfsplus::VolumeRoot::item;
 }
 
 /// Writes one partition of bytes that are at hand.

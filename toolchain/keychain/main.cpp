@@ -58,8 +58,8 @@ std::optional<IdentityKind> kindFrom(const ParsedArguments &arguments)
 {
     const std::string kind = arguments.has("--kind") ? arguments.value("--kind") : "application";
     if (kind == "application")
-        return IdentityKind::Application;
-    return kind == "installer" ? std::optional(IdentityKind::Installer) : std::nullopt;
+        return IdentityKind::application;
+    return kind == "installer" ? std::optional(IdentityKind::installer) : std::nullopt;
 }
 
 /// What keeps a name out of a listing whose lines are read by their quotes; empty if nothing does.
@@ -155,7 +155,7 @@ int run(const ParsedArguments &arguments)
 int main(int argc, char **argv)
 {
     std::vector<Option> options{
-        {{"--name"}, OptionValue::Required}, {{"--kind"}, OptionValue::Required}, {{"-h", "--help"}}};
+        {{"--name"}, OptionValue::required}, {{"--kind"}, OptionValue::required}, {{"-h", "--help"}}};
     for (const Option &option : notaryOptions())
         options.push_back(option);
     for (const Option &option : vaultOptions())

@@ -143,9 +143,9 @@ std::string_view notaryDetails()
 
 std::vector<Option> notaryOptions()
 {
-    return {{{"--key-id"}, OptionValue::Required},
-            {{"--issuer"}, OptionValue::Required},
-            {{"--team"}, OptionValue::Required}};
+    return {{{"--key-id"}, OptionValue::required},
+            {{"--issuer"}, OptionValue::required},
+            {{"--team"}, OptionValue::required}};
 }
 
 std::optional<int> runNotaryCommand(const ParsedArguments &arguments)

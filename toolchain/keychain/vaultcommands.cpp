@@ -61,14 +61,14 @@ QString fileOption(const ParsedArguments &arguments)
 QString protectionText(const Vault::Status &status)
 {
     switch (status.protection) {
-    case VaultProtection::KeyFile:
+    case VaultProtection::keyFile:
         return u"store: file, under a random key that lies beside it\n"
                "protection: none beyond the folder's own permissions. Whoever can read this folder can use "
                "the keys;\n"
                "            set-passphrase or use-store secret-service protects them better\n"_s;
-    case VaultProtection::Passphrase:
+    case VaultProtection::passphrase:
         return u"store: file, under a passphrase\nprotection: AES-256-GCM, the passphrase stretched by scrypt\n"_s;
-    case VaultProtection::SecretService:
+    case VaultProtection::secretService:
         return u"store: secret-service\nprotection: AES-256-GCM, the key is kept by the desktop's Secret Service\n"_s;
     }
     return {};
@@ -94,7 +94,7 @@ int unlock(const ParsedArguments &arguments)
     const auto status = vault.status();
     if (!status)
         return fail(status.error());
-    if (status->exists && status->protection != VaultProtection::Passphrase) {
+    if (status->exists && status->protection != VaultProtection::passphrase) {
         printError("sealwright-keychain: the keychain is under no passphrase; set-passphrase sets one\n");
         return 0;
     }
@@ -113,7 +113,7 @@ int setPassphrase(const ParsedArguments &arguments)
     const auto passphrase = passphraseFrom(fileOption(arguments), u"New passphrase of the keychain:"_s);
     if (!passphrase)
         return fail(passphrase.error());
-    return ended(vault.protect(VaultProtection::Passphrase, *passphrase), u"the passphrase is set"_s);
+    return ended(vault.protect(VaultProtection::passphrase, *passphrase), u"the passphrase is set"_s);
 }
 
 int useStore(const std::string &name)
@@ -121,12 +121,12 @@ int useStore(const std::string &name)
     const Vault vault(keychainFolder());
     const QString text = u"the keychain's store is "_s + QString::fromStdString(name);
     if (name == "secret-service")
-        return ended(vault.protect(VaultProtection::SecretService), text);
+        return ended(vault.protect(VaultProtection::secretService), text);
     const auto status = vault.status();
-    if (name == "file" && status && status->protection == VaultProtection::Passphrase)
+    if (name == "file" && status && status->protection == VaultProtection::passphrase)
         return ended(Outcome::success(), text); // and keeps its passphrase
     if (name == "file")
-        return ended(vault.protect(VaultProtection::KeyFile), text);
+        return ended(vault.protect(VaultProtection::keyFile), text);
     static_cast<void>(fail(u"no store '%1': secret-service or file"_s.arg(QString::fromStdString(name))));
     return usageStatus;
 }
@@ -158,7 +158,7 @@ std::string_view vaultDetails()
 
 std::vector<Option> vaultOptions()
 {
-    return {{{"--passphrase-file"}, OptionValue::Required}};
+    return {{{"--passphrase-file"}, OptionValue::required}};
 }
 
 std::optional<int> runVaultCommand(const ParsedArguments &arguments)

@@ -25,11 +25,11 @@ constexpr qsizetype longestName = 1024;
 QString statusWord(const NotaryRequest &request)
 {
     switch (request.verdict()) {
-    case Verdict::InProgress:
+    case Verdict::inProgress:
         return u"In Progress"_s;
-    case Verdict::Success:
+    case Verdict::success:
         return u"Accepted"_s;
-    case Verdict::Invalid:
+    case Verdict::invalid:
         return u"Invalid"_s;
     }
     Q_UNREACHABLE();
@@ -155,7 +155,7 @@ private:
     Response log(const QString &id)
     {
         const auto request = m_service.submissions().find(id);
-        if (!request || request->verdict() == Verdict::InProgress || hasVanished(*request)
+        if (!request || request->verdict() == Verdict::inProgress || hasVanished(*request)
             || isUnknownStill(u"no-log-at-first"_s, id))
             return unknownReply(u"submissionsLog"_s, id);
         const QJsonObject attributes{{u"developerLogUrl"_s, logAddress(id)}};

@@ -114,7 +114,7 @@ MHD_Result Connection::tearDown()
     m_service.recordAnswer(m_number, 0);
     if (is(u"reset"))
         reset();
-    m_stage = Stage::Done;
+    m_stage = Stage::done;
     return MHD_NO;
 }
 
@@ -135,7 +135,7 @@ std::optional<Response> Connection::ordered() const
     if (is(u"status"))
         return faultReply(*m_fault);
     const bool isLate = m_fault && m_fault->member(u"late"_s).toBool();
-    const bool wantsLate = m_stage == Stage::Done;
+    const bool wantsLate = m_stage == Stage::done;
     if (is(u"s3-error") && isLate == wantsLate)
         return storageError(m_fault->value.isObject() ? m_fault->member(u"code"_s).toString()
                                                       : m_fault->value.toString());
@@ -146,9 +146,9 @@ MHD_Result Connection::proceed(MHD_Connection *connection, const char *method, c
                                std::size_t *length)
 {
     m_connection = connection;
-    if (m_stage == Stage::Done)
+    if (m_stage == Stage::done)
         return MHD_NO;
-    if (m_stage == Stage::Fresh)
+    if (m_stage == Stage::fresh)
         return begin(method);
     return *length > 0 ? takeBody(bytes, length) : finish();
 }
@@ -157,7 +157,7 @@ MHD_Result Connection::begin(const char *method)
 {
     readRequest(method);
     m_number = m_service.recordQuestion(m_request);
-    m_stage = Stage::Body;
+    m_stage = Stage::body;
     if (!m_request.path.startsWith("/control/")) {
         m_fault = m_service.faults().outcome(m_request);
         m_slowRead = m_service.faults().named(u"slow-read"_s, m_request);
@@ -189,7 +189,7 @@ MHD_Result Connection::takeBody(const char *bytes, std::size_t *length)
 
 MHD_Result Connection::finish()
 {
-    m_stage = Stage::Done;
+    m_stage = Stage::done;
     const auto late = ordered();
     if (late)
         return answer(*late);
@@ -212,7 +212,7 @@ MHD_Result Connection::answer(Response response)
         return tearDown();
     if (m_fault)
         response = spoilt(std::move(response), *m_fault);
-    m_stage = Stage::Done;
+    m_stage = Stage::done;
     m_service.recordAnswer(m_number, response.status);
     return send(response);
 }

@@ -23,7 +23,7 @@ public:
     [[nodiscard]] ssize_t read(quint64 position, char *bytes, std::size_t room);
 
 private:
-    enum class Stage { Fresh, Body, Done };
+    enum class Stage { fresh, body, done };
 
     [[nodiscard]] MHD_Result begin(const char *method);
     [[nodiscard]] MHD_Result takeBody(const char *bytes, std::size_t *length);
@@ -48,7 +48,7 @@ private:
     std::optional<Fault> m_fault;
     std::optional<Fault> m_slowRead;
     std::optional<Fault> m_delay;
-    Stage m_stage = Stage::Fresh;
+    Stage m_stage = Stage::fresh;
     qint64 m_number = 0; ///< among the recorded questions
     qint64 m_received = 0;
     Response m_reply; ///< while its bytes are held back

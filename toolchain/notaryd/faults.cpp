@@ -18,9 +18,9 @@ constexpr int leastStatus = 200;
 constexpr int greatestStatus = 599;
 
 enum class Meets {
-    Reply, ///< one of these meets a request
-    Pace, ///< these come on top
-    Thing ///< and these keep hold of a submission or of the clock, for ever unless a count is given
+    reply, ///< one of these meets a request
+    pace, ///< these come on top
+    thing ///< and these keep hold of a submission or of the clock, for ever unless a count is given
 };
 
 using Check = bool (*)(const QJsonValue &);
@@ -112,27 +112,27 @@ bool isStorageError(const QJsonValue &value)
 const QMap<QString, Kind> &kinds()
 {
     static const QMap<QString, Kind> all{
-        {u"status"_s, {Meets::Reply, isStatus}},
-        {u"s3-error"_s, {Meets::Reply, isStorageError}},
-        {u"stall"_s, {Meets::Reply, isSecondsOrNone}},
-        {u"drip"_s, {Meets::Reply, isRate}},
-        {u"cut"_s, {Meets::Reply, isCount}},
-        {u"close"_s, {Meets::Reply, isNothing}},
-        {u"reset"_s, {Meets::Reply, isCountOrNone}},
-        {u"unknown-status"_s, {Meets::Reply, isWord}},
-        {u"missing-field"_s, {Meets::Reply, isWord}},
-        {u"not-json"_s, {Meets::Reply, isNothing}},
-        {u"huge"_s, {Meets::Reply, isCount}},
-        {u"log-not-json"_s, {Meets::Reply, isNothing}},
-        {u"complete-error"_s, {Meets::Reply, isStorageCode}},
-        {u"delay"_s, {Meets::Pace, isSecondsOrNone}},
-        {u"slow-read"_s, {Meets::Pace, isRate}},
-        {u"never-decided"_s, {Meets::Thing, isNothing}},
-        {u"vanishes"_s, {Meets::Thing, isSeconds}},
-        {u"unknown-at-first"_s, {Meets::Thing, isCount}},
-        {u"no-log-at-first"_s, {Meets::Thing, isCount}},
-        {u"no-ticket-for"_s, {Meets::Thing, isSeconds}},
-        {u"clock"_s, {Meets::Thing, isClock}},
+        {u"status"_s, {Meets::reply, isStatus}},
+        {u"s3-error"_s, {Meets::reply, isStorageError}},
+        {u"stall"_s, {Meets::reply, isSecondsOrNone}},
+        {u"drip"_s, {Meets::reply, isRate}},
+        {u"cut"_s, {Meets::reply, isCount}},
+        {u"close"_s, {Meets::reply, isNothing}},
+        {u"reset"_s, {Meets::reply, isCountOrNone}},
+        {u"unknown-status"_s, {Meets::reply, isWord}},
+        {u"missing-field"_s, {Meets::reply, isWord}},
+        {u"not-json"_s, {Meets::reply, isNothing}},
+        {u"huge"_s, {Meets::reply, isCount}},
+        {u"log-not-json"_s, {Meets::reply, isNothing}},
+        {u"complete-error"_s, {Meets::reply, isStorageCode}},
+        {u"delay"_s, {Meets::pace, isSecondsOrNone}},
+        {u"slow-read"_s, {Meets::pace, isRate}},
+        {u"never-decided"_s, {Meets::thing, isNothing}},
+        {u"vanishes"_s, {Meets::thing, isSeconds}},
+        {u"unknown-at-first"_s, {Meets::thing, isCount}},
+        {u"no-log-at-first"_s, {Meets::thing, isCount}},
+        {u"no-ticket-for"_s, {Meets::thing, isSeconds}},
+        {u"clock"_s, {Meets::thing, isClock}},
     };
     return all;
 }
@@ -165,7 +165,7 @@ Result<Fault> faultFrom(const QJsonObject &form, qsizetype index)
         && (form[u"method"].isUndefined() || form[u"method"].isString());
     if (!path.isValid() || !areTexts)
         return objection(index, u"path is no regular expression or method no text"_s);
-    const qint64 usually = kind->meets == Meets::Thing ? -1 : 1;
+    const qint64 usually = kind->meets == Meets::thing ? -1 : 1;
     return Fault{name,
                  path,
                  form[u"method"].toString().toUpper().toLatin1(),
@@ -264,7 +264,7 @@ std::optional<Fault> Faults::outcome(const Request &request)
 {
     const std::scoped_lock lock(m_mutex);
     for (Entry &entry : m_entries) {
-        if (kinds().value(entry.fault.name).meets == Meets::Reply && meets(entry, request))
+        if (kinds().value(entry.fault.name).meets == Meets::reply && meets(entry, request))
             return entry.fault;
     }
     return std::nullopt;

@@ -15,7 +15,7 @@ constexpr qint64 blockSize = 1 << 20;
 Digest::Digest(Kind kind)
     : m_context(EVP_MD_CTX_new(), EVP_MD_CTX_free)
 {
-    EVP_DigestInit_ex(m_context.get(), kind == Kind::Md5 ? EVP_md5() : EVP_sha256(), nullptr);
+    EVP_DigestInit_ex(m_context.get(), kind == Kind::md5 ? EVP_md5() : EVP_sha256(), nullptr);
 }
 
 void Digest::add(const char *bytes, qint64 length)

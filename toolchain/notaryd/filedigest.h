@@ -12,8 +12,8 @@ namespace notaryd {
 /// A digest that grows with the bytes.
 class Digest {
 public:
-    enum class Kind { Sha256, Md5 };
-    explicit Digest(Kind kind = Kind::Sha256);
+    enum class Kind { sha256, md5 };
+    explicit Digest(Kind kind = Kind::sha256);
     void add(const char *bytes, qint64 length);
     /// The digest's bytes. Once.
     [[nodiscard]] QByteArray result();

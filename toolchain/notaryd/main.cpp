@@ -291,13 +291,13 @@ int main(int argc, char **argv)
     std::setlocale(LC_ALL, "C.UTF-8");
     umask(077);
     const auto arguments = parseArguments(wordsOf(argc, argv),
-                                          {{{"--listen"}, OptionValue::Required},
-                                           {{"--faults"}, OptionValue::Required},
+                                          {{{"--listen"}, OptionValue::required},
+                                           {{"--faults"}, OptionValue::required},
                                            {{"--control"}},
                                            {{"--foreground"}},
                                            {{"--on-demand"}},
                                            {{"--announce"}},
-                                           {{reviewOption}, OptionValue::Required},
+                                           {{reviewOption}, OptionValue::required},
                                            {{"-h", "--help"}}});
     if (arguments.has("-h")) {
         print(usage);

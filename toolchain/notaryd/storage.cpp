@@ -24,7 +24,7 @@ public:
     PutHandler(Service &service, Request request)
         : m_service(service)
         , m_request(std::move(request))
-        , m_md5(m_request.headers.contains("content-md5") ? std::make_unique<Digest>(Digest::Kind::Md5)
+        , m_md5(m_request.headers.contains("content-md5") ? std::make_unique<Digest>(Digest::Kind::md5)
                                                           : nullptr)
     {
     }

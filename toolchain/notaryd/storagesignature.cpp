@@ -39,7 +39,7 @@ std::optional<Claim> claimOf(const QByteArray &authorization)
 /// The path as S3 signs it: each byte decoded and encoded anew, once.
 QByteArray canonicalPath(const QByteArray &path)
 {
-    return percentEncoded(QByteArray::fromPercentEncoding(path), Slash::Kept);
+    return percentEncoded(QByteArray::fromPercentEncoding(path), Slash::kept);
 }
 
 SignableRequest signedPartOf(const Request &request, const Claim &claim)

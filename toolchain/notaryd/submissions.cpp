@@ -70,7 +70,7 @@ void Submissions::resume()
     for (const QString &id : left) {
         const auto request = find(id);
         const bool isThere = QFile::exists(objectOf(id)) || QFile::exists(objectOf(id) + partListSuffix);
-        if (request && request->phase == Phase::Uploaded && isThere)
+        if (request && request->phase == Phase::uploaded && isThere)
             m_waiting.insert(id, Clock::now());
         else
             QDir(folderOf(id)).removeRecursively();
@@ -82,7 +82,7 @@ Result<UploadSession> Submissions::begin(const NotaryRequest &announced, const Q
     forgetAbandoned();
     NotaryRequest request = announced;
     request.uuid = QUuid::createUuid().toString(QUuid::WithoutBraces);
-    request.phase = Phase::Announced;
+    request.phase = Phase::announced;
     const UploadSession session{request.uuid,
                                 bucket,
                                 "prod/AROA" + randomLetters(17) + ':' + request.uuid.toLatin1(),
@@ -127,13 +127,13 @@ bool Submissions::isOpen(const QString &id)
     if (m_underReview == id)
         return false;
     const auto request = find(id);
-    return request && request->phase != Phase::Reviewed;
+    return request && request->phase != Phase::reviewed;
 }
 
 std::optional<Submissions::Refusal> Submissions::moveToObject(const NotaryRequest &request,
                                                               const QString &file) const
 {
-    if (request.phase == Phase::Reviewed || m_underReview == request.uuid)
+    if (request.phase == Phase::reviewed || m_underReview == request.uuid)
         return Refusal{u"AccessDenied"_s, u"The object is under review"_s};
     const QString object = objectOf(request.uuid);
     const QString list = object + partListSuffix;
@@ -157,7 +157,7 @@ std::optional<Submissions::Refusal> Submissions::place(const QString &id, const 
                            lookup.error.isEmpty() ? u"There is no such submission"_s : lookup.error};
         if (const auto refusal = moveToObject(*lookup.request, file))
             return refusal;
-        lookup.request->phase = Phase::Uploaded;
+        lookup.request->phase = Phase::uploaded;
         const QString problem = m_state.store(*lookup.request);
         if (!problem.isEmpty())
             return Refusal{u"InternalError"_s, problem};
@@ -247,7 +247,7 @@ bool Submissions::review(const QString &id)
         const std::scoped_lock lock(m_stateMutex);
         const auto now = m_state.find(id).request; // questions have been counted meanwhile
         request->polls = now ? now->polls : request->polls;
-        request->phase = Phase::Reviewed;
+        request->phase = Phase::reviewed;
         request->decided = QDateTime::currentDateTimeUtc();
         if (!m_state.store(*request).isEmpty())
             return false;

@@ -61,7 +61,7 @@ QJsonObject lookUp(Service &service, const Request &request, const QString &name
     const auto match = form.match(name);
     const QByteArray hash = match.captured(2).toLatin1();
     for (const NotaryRequest &candidate : service.submissions().all()) {
-        if (!match.hasMatch() || candidate.verdict() != toolchain::Verdict::Success
+        if (!match.hasMatch() || candidate.verdict() != toolchain::Verdict::success
             || !vouchesFor(candidate, match.captured(1).toInt(), hash))
             continue;
         const auto late = service.faults().holding(u"no-ticket-for"_s, candidate.uuid, request);

@@ -27,7 +27,7 @@ QByteArray mint(const NotaryRequest &request)
         if (!entries.contains(entry))
             entries.append(entry);
     }
-    const auto key = Authority(keychainFolder()).serviceKey(LeafPurpose::Ticket);
+    const auto key = Authority(keychainFolder()).serviceKey(LeafPurpose::ticket);
     if (entries.isEmpty() || !key)
         return {};
     return ticket::mintTicket(entries, request.decided, key->chain.mid(0, 2), key->key.get()).valueOr({});

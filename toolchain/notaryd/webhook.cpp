@@ -74,7 +74,7 @@ QByteArray pemOf(const QList<QByteArray> &chain)
 /// Empty if the authority of this machine gives no key.
 QByteArray bodyFor(const NotaryRequest &request)
 {
-    const auto key = Authority(keychainFolder()).serviceKey(LeafPurpose::Ticket);
+    const auto key = Authority(keychainFolder()).serviceKey(LeafPurpose::ticket);
     if (!key)
         return {};
     const QByteArray payload = payloadOf(request);

@@ -92,7 +92,7 @@ int run(const QString &source)
     }
     if (!QFileInfo::exists(toolRoot() + u"/Applications/DropDMG.app/Contents/Info.plist"_s))
         return fail(u"Can’t get application id \"com.c-command.DropDMG\". (-1728)"_s);
-    return script->wish == Script::Wish::ListConfigurations ? listConfigurations() : createImage(*script);
+    return script->wish == Script::Wish::listConfigurations ? listConfigurations() : createImage(*script);
 }
 
 } // namespace
@@ -101,7 +101,7 @@ int main(int argc, char **argv)
 {
     const auto arguments = parseArguments(
         wordsOf(argc, argv),
-        {{{"-e"}, OptionValue::Required}, {{"-s"}, OptionValue::Required}, {{"-h", "--help"}}});
+        {{{"-e"}, OptionValue::required}, {{"-s"}, OptionValue::required}, {{"-h", "--help"}}});
     if (!arguments.error.empty())
         return refuseArguments("osascript", arguments.error, usage);
     if (arguments.has("-h")) {

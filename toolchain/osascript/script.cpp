@@ -42,7 +42,7 @@ std::optional<Script> readScript(const QString &source)
     const auto match = creation.match(source);
     if (!match.hasMatch())
         return std::nullopt;
-    return Script{Script::Wish::CreateImage, unescaped(match.captured(1)), unescaped(match.captured(2))};
+    return Script{Script::Wish::createImage, unescaped(match.captured(1)), unescaped(match.captured(2))};
 }
 
 QString quoted(const QString &text)

@@ -8,8 +8,8 @@ namespace toolchain {
 
 /// What a script wants of DropDMG.
 struct Script {
-    enum class Wish { ListConfigurations, CreateImage };
-    Wish wish = Wish::ListConfigurations;
+    enum class Wish { listConfigurations, createImage };
+    Wish wish = Wish::listConfigurations;
     QString file; ///< the path of what an image is to be made of
     QString configuration; ///< the name of the one to be used
 };

@@ -65,7 +65,7 @@ int run(const std::string &verb, const QString &path, const QString &folder)
         return reportSignature(*archive);
     if (verb == "--payload-files")
         return listPayloads(*archive);
-    return expand(*archive, folder, verb == "--expand" ? package::Depth::Archive : package::Depth::Payloads);
+    return expand(*archive, folder, verb == "--expand" ? package::Depth::archive : package::Depth::payloads);
 }
 
 } // namespace

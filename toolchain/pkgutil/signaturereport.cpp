@@ -24,22 +24,22 @@ QString timeText(const QDateTime &time)
 
 QString trustedStatus(Anchor anchor)
 {
-    return anchor == Anchor::Apple ? u"signed by a developer certificate issued by Apple for distribution"_s
+    return anchor == Anchor::apple ? u"signed by a developer certificate issued by Apple for distribution"_s
                                    : u"signed by a developer certificate of this machine for distribution"_s;
 }
 
 QString statusOf(const PackageJudgement &judgement)
 {
     switch (judgement.verdict) {
-    case PackageJudgement::Verdict::NotSigned:
+    case PackageJudgement::Verdict::notSigned:
         return u"no signature"_s;
-    case PackageJudgement::Verdict::Damaged:
+    case PackageJudgement::Verdict::damaged:
         return u"package is invalid (checksum did not verify)"_s;
-    case PackageJudgement::Verdict::Untrusted:
-        return judgement.trust.problem == TrustProblem::Expired
+    case PackageJudgement::Verdict::untrusted:
+        return judgement.trust.problem == TrustProblem::expired
             ? u"signed by a certificate that has since expired"_s
             : u"signed by untrusted certificate"_s;
-    case PackageJudgement::Verdict::Good:
+    case PackageJudgement::Verdict::good:
         break;
     }
     return trustedStatus(judgement.trust.anchor);
@@ -49,7 +49,7 @@ QString notarizationOf(const ticket::TicketJudgement &ticket)
 {
     if (!ticket.isGood())
         return {};
-    return ticket.anchor == Anchor::Apple
+    return ticket.anchor == Anchor::apple
         ? u"   Notarization: trusted by the Apple notary service\n"_s
         : u"   Notarization: trusted by the notary service of this machine\n"_s;
 }
@@ -97,8 +97,8 @@ QString chainLines(const QList<QByteArray> &chain)
 QString signatureReport(const QString &name, const PackageJudgement &judgement)
 {
     QString report = u"Package \"%1\":\n   Status: %2\n"_s.arg(name, statusOf(judgement));
-    if (judgement.verdict == PackageJudgement::Verdict::NotSigned
-        || judgement.verdict == PackageJudgement::Verdict::Damaged)
+    if (judgement.verdict == PackageJudgement::Verdict::notSigned
+        || judgement.verdict == PackageJudgement::Verdict::damaged)
         return report;
     report += notarizationOf(judgement.ticket);
     if (judgement.timestamp)

@@ -58,7 +58,7 @@ void tellIdentity(const SigningIdentity &identity, const Stamper &stamper)
 int signPackage(const QString &wanted, const TimestampChoice &choice, const QString &input,
                 const QString &output)
 {
-    const auto identity = findSigningIdentity(wanted, IdentityKind::Installer);
+    const auto identity = findSigningIdentity(wanted, IdentityKind::installer);
     if (!identity)
         return fail(
             u"Could not find appropriate signing identity for \"%1\": %2."_s.arg(wanted, identity.error()));
@@ -85,7 +85,7 @@ int main(int argc, char **argv)
 {
     const auto arguments = parseArguments(
         wordsOf(argc, argv),
-        {{{"--sign"}, OptionValue::Required}, {{"--timestamp"}, OptionValue::Optional}, {{"-h", "--help"}}});
+        {{{"--sign"}, OptionValue::required}, {{"--timestamp"}, OptionValue::optional}, {{"-h", "--help"}}});
     if (!arguments.error.empty())
         return refuseArguments("productsign", arguments.error, usage, notBuiltStatus);
     if (arguments.has("-h")) {

@@ -10,15 +10,15 @@ namespace toolchain {
 TimestampChoice timestampChoice(const QString &value)
 {
     if (value == u"none")
-        return {TimestampChoice::Kind::None, {}};
-    return value.isEmpty() ? TimestampChoice{} : TimestampChoice{TimestampChoice::Kind::Address, value};
+        return {TimestampChoice::Kind::none, {}};
+    return value.isEmpty() ? TimestampChoice{} : TimestampChoice{TimestampChoice::Kind::address, value};
 }
 
 platform::Result<Stamper> stamperFor(const TimestampChoice &choice, QCryptographicHash::Algorithm imprint)
 {
-    if (choice.kind == TimestampChoice::Kind::None)
+    if (choice.kind == TimestampChoice::Kind::none)
         return Stamper();
-    if (choice.kind == TimestampChoice::Kind::Address)
+    if (choice.kind == TimestampChoice::Kind::address)
         return timestampClient({choice.address, {}, imprint});
     const auto service = notary::ensureService();
     if (!service)

@@ -7,11 +7,11 @@ namespace toolchain {
 /// What `--timestamp` asks for.
 struct TimestampChoice {
     enum class Kind {
-        None,
-        Service, ///< the authority of the notary service's settings
-        Address ///< of its own
+        none,
+        service, ///< the authority of the notary service's settings
+        address ///< of its own
     };
-    Kind kind = Kind::Service;
+    Kind kind = Kind::service;
     QString address; ///< for Address
 };
 

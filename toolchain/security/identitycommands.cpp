@@ -14,17 +14,17 @@ namespace toolchain::security {
 
 namespace {
 
-enum class Policy { Basic, CodeSigning };
+enum class Policy { basic, codeSigning };
 
 /// What the real program prints behind an identity that is not good.
 QString markOf(const Identity &identity)
 {
     switch (identity.trust.problem) {
-    case TrustProblem::None:
+    case TrustProblem::none:
         return {};
-    case TrustProblem::Expired:
+    case TrustProblem::expired:
         return u" (CSSMERR_TP_CERT_EXPIRED)"_s;
-    case TrustProblem::NotYetValid:
+    case TrustProblem::notYetValid:
         return u" (CSSMERR_TP_CERT_NOT_VALID_YET)"_s;
     default:
         return u" (CSSMERR_TP_NOT_TRUSTED)"_s;
@@ -35,7 +35,7 @@ QList<Identity> matching(const QList<Identity> &identities, Policy policy)
 {
     QList<Identity> matches;
     for (const Identity &identity : identities) {
-        if (policy == Policy::Basic || satisfiesCodeSigningPolicy(identity))
+        if (policy == Policy::basic || satisfiesCodeSigningPolicy(identity))
             matches.append(identity);
     }
     return matches;
@@ -64,7 +64,7 @@ QString listing(const QList<Identity> &identities, const QString &kind)
 
 QString wholeListing(const QList<Identity> &identities, Policy policy)
 {
-    const QString name = policy == Policy::CodeSigning ? u"Code Signing"_s : u"X.509 Basic"_s;
+    const QString name = policy == Policy::codeSigning ? u"Code Signing"_s : u"X.509 Basic"_s;
     return u"Policy: "_s + name + u"\n  Matching identities\n"_s + listing(identities, {})
         + u"\n  Valid identities only\n"_s + listing(onlyGood(identities), u"valid "_s);
 }
@@ -128,7 +128,7 @@ int findIdentity(const ParsedArguments &arguments)
     const std::string name = arguments.value("-p");
     if (arguments.has("-p") && name != "codesigning" && name != "basic")
         return refuse("no policy '" + name + "' is built in", notBuiltStatus);
-    const Policy policy = name == "codesigning" ? Policy::CodeSigning : Policy::Basic;
+    const Policy policy = name == "codesigning" ? Policy::codeSigning : Policy::basic;
     const IdentityList list = readIdentities(keychainFolder());
     for (const QString &warning : list.warnings)
         printError("security: warning: " + warning.toStdString() + "\n");

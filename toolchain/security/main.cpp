@@ -43,7 +43,7 @@ struct Command {
     std::size_t operands = 0;
 };
 
-const std::vector<Option> itemOptions{{{"-s"}, OptionValue::Required}, {{"-a"}, OptionValue::Required}};
+const std::vector<Option> itemOptions{{{"-s"}, OptionValue::required}, {{"-a"}, OptionValue::required}};
 
 std::vector<Option> itemOptionsAnd(const Option &option)
 {
@@ -53,11 +53,11 @@ std::vector<Option> itemOptionsAnd(const Option &option)
 }
 
 const std::vector<Command> commands{
-    {"find-identity", security::findIdentity, {{{"-v"}}, {{"-p"}, OptionValue::Required}}},
-    {"import", security::import, {{{"--passphrase-file"}, OptionValue::Required}}, 1},
+    {"find-identity", security::findIdentity, {{{"-v"}}, {{"-p"}, OptionValue::required}}},
+    {"import", security::import, {{{"--passphrase-file"}, OptionValue::required}}, 1},
     {"delete-identity",
      security::deleteIdentity,
-     {{{"-Z"}, OptionValue::Required}, {{"-c"}, OptionValue::Required}}},
+     {{{"-Z"}, OptionValue::required}, {{"-c"}, OptionValue::required}}},
     {"add-generic-password", security::addGenericPassword, itemOptionsAnd({{"-U"}})},
     {"find-generic-password", security::findGenericPassword, itemOptionsAnd({{"-w"}})},
     {"delete-generic-password", security::deleteGenericPassword, itemOptions},

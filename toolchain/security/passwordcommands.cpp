@@ -68,10 +68,10 @@ int addGenericPassword(const ParsedArguments &arguments)
         return fail(password.isEmpty() ? u"no password on standard input"_s
                                        : u"the password on standard input is too long"_s);
     const auto added = addPassword({item, optionOf(arguments, "-a"), password},
-                                   arguments.has("-U") ? ExistingPassword::Updated : ExistingPassword::Kept);
+                                   arguments.has("-U") ? ExistingPassword::updated : ExistingPassword::kept);
     if (!added)
         return failed(added.error());
-    if (*added != PasswordAddition::Refused)
+    if (*added != PasswordAddition::refused)
         return 0;
     return fail(
         u"SecKeychainItemCreateFromContent (%1): The specified item already exists in the keychain."_s.arg(

@@ -42,7 +42,7 @@ bool isOlderThanTickets(const Signer &signer)
 /// Nothing that rests on this machine's authority reads as Apple's.
 QString named(const QString &rule, const Signer &signer, Anchor ticketAnchor)
 {
-    const bool isApples = signer.trust.anchor == Anchor::Apple && ticketAnchor == Anchor::Apple;
+    const bool isApples = signer.trust.anchor == Anchor::apple && ticketAnchor == Anchor::apple;
     return isApples ? rule : rule + u" of this machine"_s;
 }
 
@@ -53,8 +53,8 @@ Assessment byTicket(const Signer &signer, const TicketJudgement &approval)
     if (approval.isGood())
         return {true, named(u"Notarized Developer ID"_s, signer, approval.anchor), origin, {}};
     if (isOlderThanTickets(signer))
-        return {true, named(u"Developer ID"_s, signer, Anchor::Apple), origin, {}};
-    return {false, named(u"Unnotarized Developer ID"_s, signer, Anchor::Apple), origin, {}};
+        return {true, named(u"Developer ID"_s, signer, Anchor::apple), origin, {}};
+    return {false, named(u"Unnotarized Developer ID"_s, signer, Anchor::apple), origin, {}};
 }
 
 quint8 hashTypeOf(const codesignature::SignedPart &part)
@@ -96,7 +96,7 @@ QString noteOn(const codesignature::SignedCode &code)
 {
     for (qsizetype index = 0; code.image && index < code.image->slices.size(); ++index) {
         const codesignature::SignedPart &part = code.parts[index];
-        const bool isProgram = code.image->slices[index].fileType == codesignature::MachOFileType::Executable;
+        const bool isProgram = code.image->slices[index].fileType == codesignature::MachOFileType::executable;
         if (isProgram && part.isSigned() && !(part.best().fields().flags & codesignature::codeflag::runtime))
             return u"the hardened runtime is off, without which nothing is notarized"_s;
     }
@@ -126,8 +126,8 @@ Assessment judged(const Verification &verification)
 Assessment assessCode(const QString &path, Use use)
 {
     const auto code = codesignature::readSignedCode(path);
-    const bool isImage = code && code->kind == codesignature::CodeKind::DiskImage;
-    if (isImage && use != Use::Open)
+    const bool isImage = code && code->kind == codesignature::CodeKind::diskImage;
+    if (isImage && use != Use::open)
         return {false, noUsableSignature, {}, {}};
     return judged(codesignature::verifyCode(path, {}));
 }
@@ -139,7 +139,7 @@ Assessment assessPackage(const QString &path)
         return {false, noUsableSignature, {}, {}};
     const auto judgement = package::judgePackage(*archive);
     const Signer signer{judgement.trust, judgement.timestamp};
-    if (judgement.verdict == package::PackageJudgement::Verdict::NotSigned)
+    if (judgement.verdict == package::PackageJudgement::Verdict::notSigned)
         return {false, noUsableSignature, {}, {}};
     if (!judgement.isGood())
         return {false, judgement.problem, originOf(signer), {}};
@@ -152,16 +152,16 @@ Assessment assessPackage(const QString &path)
 bool isDiskImage(const QString &path)
 {
     const auto code = codesignature::readSignedCode(path);
-    return code && code->kind == codesignature::CodeKind::DiskImage;
+    return code && code->kind == codesignature::CodeKind::diskImage;
 }
 
 } // namespace
 
 Assessment assess(const QString &path, Use use, Context context)
 {
-    if (use == Use::Install)
+    if (use == Use::install)
         return assessPackage(path);
-    if (use == Use::Open && context == Context::None && isDiskImage(path))
+    if (use == Use::open && context == Context::none && isDiskImage(path))
         return {false, u"Insufficient Context"_s, {}, {}};
     return assessCode(path, use);
 }

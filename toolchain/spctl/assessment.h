@@ -5,11 +5,11 @@
 namespace toolchain::spctl {
 
 /// The kind of use that is asked about.
-enum class Use { Execute, Open, Install };
+enum class Use { execute, open, install };
 
 enum class Context {
-    None,
-    PrimarySignature ///< "context:primary-signature": what is opened is judged by its own signature
+    none,
+    primarySignature ///< "context:primary-signature": what is opened is judged by its own signature
 };
 
 /// What is said of an item.

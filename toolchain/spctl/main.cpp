@@ -69,13 +69,13 @@ private:
     bool m_isVerbose;
 };
 
-const std::map<std::string, spctl::Use> uses{{"", spctl::Use::Execute},
-                                             {"execute", spctl::Use::Execute},
-                                             {"exec", spctl::Use::Execute},
-                                             {"open", spctl::Use::Open},
-                                             {"install", spctl::Use::Install}};
+const std::map<std::string, spctl::Use> uses{{"", spctl::Use::execute},
+                                             {"execute", spctl::Use::execute},
+                                             {"exec", spctl::Use::execute},
+                                             {"open", spctl::Use::open},
+                                             {"install", spctl::Use::install}};
 const std::map<std::string, spctl::Context> contexts{
-    {"", spctl::Context::None}, {"context:primary-signature", spctl::Context::PrimarySignature}};
+    {"", spctl::Context::none}, {"context:primary-signature", spctl::Context::primarySignature}};
 
 int run(const ParsedArguments &arguments)
 {
@@ -101,9 +101,9 @@ int main(int argc, char **argv)
 {
     const auto arguments = parseArguments(wordsOf(argc, argv),
                                           {{{"-a", "--assess"}},
-                                           {{"-t", "--type"}, OptionValue::Required},
-                                           {{"--context"}, OptionValue::Required},
-                                           {{"-v", "--verbose"}, OptionValue::Optional},
+                                           {{"-t", "--type"}, OptionValue::required},
+                                           {{"--context"}, OptionValue::required},
+                                           {{"-v", "--verbose"}, OptionValue::optional},
                                            {{"-h", "--help"}}});
     const bool isUnknown = arguments.error.starts_with("unrecognized");
     if (!arguments.error.empty())

@@ -33,9 +33,9 @@ public:
             notary::Retries().run([this](const notary::HttpRequest &limits) { return attempt(limits); },
                                   [this](const notary::HttpReply &tried) { return judge(tried); });
         if (!reply.isWhole())
-            return {TicketQuestion::Outcome::NoService, {}, reply.problem};
+            return {TicketQuestion::Outcome::noService, {}, reply.problem};
         if (reply.status != 200)
-            return {TicketQuestion::Outcome::NoService,
+            return {TicketQuestion::Outcome::noService,
                     {},
                     u"the service answered with status %1"_s.arg(reply.status)};
         return answerIn(reply.body);
@@ -54,22 +54,22 @@ private:
     [[nodiscard]] notary::NextStep judge(const notary::HttpReply &reply) const
     {
         const bool isUnclear = reply.isWhole() && reply.status == 200
-            && ticket::readLookupReply(reply.body, m_recordName).kind == ticket::LookupAnswer::Kind::Unclear;
-        return isUnclear || notary::mayPass(reply) ? notary::NextStep::TryLater : notary::NextStep::Take;
+            && ticket::readLookupReply(reply.body, m_recordName).kind == ticket::LookupAnswer::Kind::unclear;
+        return isUnclear || notary::mayPass(reply) ? notary::NextStep::tryLater : notary::NextStep::take;
     }
 
     [[nodiscard]] TicketQuestion answerIn(const QByteArray &body) const
     {
         const auto answer = ticket::readLookupReply(body, m_recordName);
         switch (answer.kind) {
-        case ticket::LookupAnswer::Kind::Found:
-            return {TicketQuestion::Outcome::Found, answer.ticket, {}};
-        case ticket::LookupAnswer::Kind::NotFound:
-            return {TicketQuestion::Outcome::NotFound, {}, answer.reason};
-        case ticket::LookupAnswer::Kind::Unclear:
+        case ticket::LookupAnswer::Kind::found:
+            return {TicketQuestion::Outcome::found, answer.ticket, {}};
+        case ticket::LookupAnswer::Kind::notFound:
+            return {TicketQuestion::Outcome::notFound, {}, answer.reason};
+        case ticket::LookupAnswer::Kind::unclear:
             break;
         }
-        return {TicketQuestion::Outcome::NoService, {}, u"the service's answer cannot be understood"_s};
+        return {TicketQuestion::Outcome::noService, {}, u"the service's answer cannot be understood"_s};
     }
 
     notary::HttpClient m_client;
@@ -86,7 +86,7 @@ TicketQuestion askForTicket(const notary::ServiceConfig &service, const ticket::
     TicketQuestion question = lookup.ask();
     for (const notary::Milliseconds wait : waits) {
         const auto spent = std::chrono::steady_clock::now() - begin;
-        if (question.outcome != TicketQuestion::Outcome::NotFound
+        if (question.outcome != TicketQuestion::Outcome::notFound
             || spent + notary::scaled(wait) > notary::scaled(longestQuestion))
             break;
         notary::sleepFor(notary::scaled(wait));

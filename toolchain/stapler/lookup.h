@@ -8,11 +8,11 @@ namespace toolchain {
 /// What became of the question for a ticket.
 struct TicketQuestion {
     enum class Outcome {
-        Found,
-        NotFound, ///< not even after the last wait
-        NoService ///< the service could not be reached or did not answer as it should
+        found,
+        notFound, ///< not even after the last wait
+        noService ///< the service could not be reached or did not answer as it should
     };
-    Outcome outcome = Outcome::NoService;
+    Outcome outcome = Outcome::noService;
     QByteArray ticket; ///< as it came
     QString reason; ///< the service's word for NotFound, null if it gave none; what went wrong for NoService
 };

@@ -36,7 +36,7 @@ constexpr int noItemStatus = 66; // EX_NOINPUT
 constexpr int noServiceStatus = 68; // EX_NOHOST
 constexpr int cannotWriteStatus = 73; // EX_CANTCREAT
 
-enum class Voice { Quiet, Usual, Verbose };
+enum class Voice { quiet, usual, verbose };
 
 class Stapler {
 public:
@@ -78,11 +78,11 @@ private:
         tell(u"Asking %1 for %2"_s.arg(notary::hostAndPort(service->tickets), entries.first().recordName()));
         const TicketQuestion question = askForTicket(*service, entries.first());
         switch (question.outcome) {
-        case TicketQuestion::Outcome::Found:
+        case TicketQuestion::Outcome::found:
             return attach(target, question.ticket);
-        case TicketQuestion::Outcome::NotFound:
+        case TicketQuestion::Outcome::notFound:
             return refuse(entries.first(), question.reason);
-        case TicketQuestion::Outcome::NoService:
+        case TicketQuestion::Outcome::noService:
             break;
         }
         say(u"CloudKit's response is inconsistent with expections: "_s
@@ -152,9 +152,9 @@ private:
 
     void tellJudgement(const ticket::TicketJudgement &judgement) const
     {
-        if (judgement.anchor == Anchor::Apple)
+        if (judgement.anchor == Anchor::apple)
             tell(u"The ticket is signed by Apple"_s);
-        if (judgement.anchor == Anchor::ThisMachine)
+        if (judgement.anchor == Anchor::thisMachine)
             tell(u"The ticket is signed by the authority of this machine"_s);
         if (!judgement.problem.isEmpty())
             tell(judgement.problem);
@@ -162,12 +162,12 @@ private:
 
     void say(const QString &line) const
     {
-        if (m_voice != Voice::Quiet)
+        if (m_voice != Voice::quiet)
             print(line.toStdString() + "\n");
     }
     void tell(const QString &line) const
     {
-        if (m_voice == Voice::Verbose)
+        if (m_voice == Voice::verbose)
             print(line.toStdString() + "\n");
     }
     void complain(const QString &problem) const
@@ -183,8 +183,8 @@ private:
 Voice voiceOf(const ParsedArguments &arguments)
 {
     if (arguments.has("-q"))
-        return Voice::Quiet;
-    return arguments.has("-v") ? Voice::Verbose : Voice::Usual;
+        return Voice::quiet;
+    return arguments.has("-v") ? Voice::verbose : Voice::usual;
 }
 
 } // namespace

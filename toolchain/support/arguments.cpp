@@ -25,7 +25,7 @@ std::vector<const Option *> clusterOf(const std::string &word, const std::vector
     std::vector<const Option *> cluster;
     for (const char letter : word.substr(1)) {
         const Option *option = optionNamed({'-', letter}, known);
-        if (!option || option->value == OptionValue::Required)
+        if (!option || option->value == OptionValue::required)
             return {};
         cluster.push_back(option);
     }
@@ -76,7 +76,7 @@ private:
     void takeWithoutEquals(const Option &option, const std::string &name)
     {
         std::string &value = m_parsed.options[option.names.front()];
-        if (option.value != OptionValue::Required)
+        if (option.value != OptionValue::required)
             return;
         if (m_at + 1 < m_words.size())
             value = m_words[++m_at];
@@ -86,7 +86,7 @@ private:
 
     void takeWithEquals(const Option &option, const std::string &name, const std::string &value)
     {
-        if (option.value == OptionValue::None)
+        if (option.value == OptionValue::none)
             m_parsed.error = "option '" + name + "' takes no value";
         else
             m_parsed.options[option.names.front()] = value;

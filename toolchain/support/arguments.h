@@ -7,15 +7,15 @@
 namespace toolchain {
 
 enum class OptionValue {
-    None, ///< stands alone
-    Required, ///< `--name VALUE` or `--name=VALUE`
-    Optional ///< `--name` or `--name=VALUE`, never a word of its own
+    none, ///< stands alone
+    required, ///< `--name VALUE` or `--name=VALUE`
+    optional ///< `--name` or `--name=VALUE`, never a word of its own
 };
 
 /// One option of a tool. The first name is the one that the parsed arguments are asked for.
 struct Option {
     std::vector<std::string> names;
-    OptionValue value = OptionValue::None;
+    OptionValue value = OptionValue::none;
 };
 
 /// A command line taken apart. Bytes are kept as the shell gave them.

@@ -9,7 +9,7 @@ namespace toolchain {
 
 OpenFile::OpenFile(const std::filesystem::path &path, LastLink link)
     : m_descriptor(
-        open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | (link == LastLink::Refused ? O_NOFOLLOW : 0)))
+        open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | (link == LastLink::refused ? O_NOFOLLOW : 0)))
 {
 }
 

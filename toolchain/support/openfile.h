@@ -7,14 +7,14 @@
 namespace toolchain {
 
 enum class LastLink {
-    Refused, ///< a symbolic link is not opened
-    Followed
+    refused, ///< a symbolic link is not opened
+    followed
 };
 
 /// A file that is open for reading as long as this lives. Opening a pipe does not wait for a writer.
 class OpenFile {
 public:
-    explicit OpenFile(const std::filesystem::path &path, LastLink link = LastLink::Refused);
+    explicit OpenFile(const std::filesystem::path &path, LastLink link = LastLink::refused);
     ~OpenFile();
     OpenFile(const OpenFile &) = delete;
     OpenFile &operator=(const OpenFile &) = delete;

@@ -39,8 +39,8 @@ Exit status: 0 done, 1 failed, 2 an option that is not built here, 64 wrong argu
 /// The verb, as far as the options tell just one.
 std::optional<Verb> verbFrom(const ParsedArguments &arguments)
 {
-    const std::array verbs{std::pair("-p", Verb::Print), std::pair("-w", Verb::Write),
-                           std::pair("-d", Verb::Delete), std::pair("-c", Verb::Clear)};
+    const std::array verbs{std::pair("-p", Verb::print), std::pair("-w", Verb::write),
+                           std::pair("-d", Verb::remove), std::pair("-c", Verb::clear)};
     std::optional<Verb> verb;
     for (const auto &[option, meant] : verbs) {
         if (!arguments.has(option))
@@ -49,7 +49,7 @@ std::optional<Verb> verbFrom(const ParsedArguments &arguments)
             return {};
         verb = meant;
     }
-    return verb.value_or(Verb::List);
+    return verb.value_or(Verb::list);
 }
 
 /// Nothing if words are missing, or a value is no hexadecimal one where it should be.
@@ -61,13 +61,13 @@ std::optional<Order> orderFrom(const ParsedArguments &arguments)
     Order order;
     order.verb = *verb;
     order.files = arguments.operands;
-    const bool hasName = order.verb != Verb::List && order.verb != Verb::Clear;
-    const std::size_t words = order.verb == Verb::Write ? 2 : hasName ? 1 : 0;
+    const bool hasName = order.verb != Verb::list && order.verb != Verb::clear;
+    const std::size_t words = order.verb == Verb::write ? 2 : hasName ? 1 : 0;
     if (order.files.size() <= words)
         return {};
     if (hasName)
         order.name = order.files[0];
-    if (order.verb == Verb::Write) {
+    if (order.verb == Verb::write) {
         const auto value = arguments.has("-x") ? fromHex(order.files[1]) : std::optional(order.files[1]);
         if (!value)
             return {};

@@ -22,7 +22,7 @@ namespace toolchain {
 
 namespace {
 
-enum class Links { Followed, TakenAsTheyAre };
+enum class Links { followed, takenAsTheyAre };
 
 bool belongsToHost(const std::string &name)
 {
@@ -45,7 +45,7 @@ std::vector<std::string> splitNames(const std::string &block)
 /// Answers 0 or the system's error number.
 int listAttributes(const fs::path &path, Links links, std::vector<std::string> &names)
 {
-    const auto list = links == Links::Followed ? listxattr : llistxattr;
+    const auto list = links == Links::followed ? listxattr : llistxattr;
     std::string block;
     ssize_t length = 0;
     do { // the attributes may change between the two calls
@@ -72,7 +72,7 @@ QString targetOf(const fs::path &path, Links links)
 {
     std::error_code error;
     const bool isLink = fs::is_symlink(fs::symlink_status(path, error));
-    const fs::path target = links == Links::Followed && isLink ? fs::canonical(path, error) : path;
+    const fs::path target = links == Links::followed && isLink ? fs::canonical(path, error) : path;
     return textOf(error ? path : target);
 }
 
@@ -100,7 +100,7 @@ int clearAttributes(const fs::path &path, Links links)
     std::vector<std::string> names;
     if (const int error = listAttributes(path, links, names))
         return error;
-    const auto remove = links == Links::Followed ? removexattr : lremovexattr;
+    const auto remove = links == Links::followed ? removexattr : lremovexattr;
     for (const std::string &name : names) {
         if (remove(path.c_str(), name.c_str()) != 0 && errno != ENODATA)
             return errno;
@@ -117,7 +117,7 @@ public:
         , m_namesFile(m_order.files.size() > 1 || m_recursive || arguments.has("-v"))
         , m_showsValues(arguments.has("-l"))
         , m_isHex(arguments.has("-x"))
-        , m_links(arguments.has("-s") ? Links::TakenAsTheyAre : Links::Followed)
+        , m_links(arguments.has("-s") ? Links::takenAsTheyAre : Links::followed)
     {
     }
 
@@ -144,7 +144,7 @@ private:
         auto entry = fs::recursive_directory_iterator(path, error);
         for (; !error && entry != fs::recursive_directory_iterator(); entry.increment(error)) {
             if (!isSidecar(textOf(entry->path())) && !isGone(entry->path()))
-                actOn(entry->path(), Links::TakenAsTheyAre);
+                actOn(entry->path(), Links::takenAsTheyAre);
         }
         if (error)
             fail(path, error.value());
@@ -161,16 +161,16 @@ private:
     void actOn(const fs::path &path, Links links)
     {
         switch (m_order.verb) {
-        case Verb::List:
+        case Verb::list:
             return list(path, links);
-        case Verb::Print:
+        case Verb::print:
             return printOne(path, links);
-        case Verb::Write:
+        case Verb::write:
             return failIf(writeAttribute(targetOf(path, links), attributeIn(m_order.name),
                                          QByteArray::fromStdString(m_order.value)));
-        case Verb::Delete:
+        case Verb::remove:
             return removeOne(path, links);
-        case Verb::Clear:
+        case Verb::clear:
             if (const int error = clearAttributes(path, links))
                 fail(path, error);
         }

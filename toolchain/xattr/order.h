@@ -7,11 +7,11 @@
 
 namespace toolchain {
 
-enum class Verb { List, Print, Write, Delete, Clear };
+enum class Verb { list, print, write, remove, clear };
 
 /// The verb and the words that belong to it.
 struct Order {
-    Verb verb = Verb::List;
+    Verb verb = Verb::list;
     std::string name;
     std::string value;
     std::vector<std::string> files;

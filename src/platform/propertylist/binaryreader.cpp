@@ -26,17 +26,17 @@ constexpr double secondsToReferenceDate = 978'307'200;
 constexpr double farthestSeconds = 1e12;
 
 enum ObjectKind {
-    Singleton = 0x0,
-    Integer = 0x1,
-    Real = 0x2,
-    Date = 0x3,
-    Data = 0x4,
-    AsciiString = 0x5,
-    Utf16String = 0x6,
-    Uid = 0x8,
-    Array = 0xa,
-    Set = 0xc,
-    Dictionary = 0xd,
+    singleton = 0x0,
+    integer = 0x1,
+    real = 0x2,
+    date = 0x3,
+    data = 0x4,
+    asciiString = 0x5,
+    utf16String = 0x6,
+    uid = 0x8,
+    array = 0xa,
+    set = 0xc,
+    dictionary = 0xd,
 };
 
 /// The last 32 bytes, which say how to read the rest.
@@ -176,26 +176,26 @@ QVariant BinaryReader::object(quint64 index, qint64 referredAt, int depth)
 QVariant BinaryReader::objectAt(const Marker &marker, int depth)
 {
     switch (marker.kind) {
-    case Singleton:
+    case ObjectKind::singleton:
         return singleton(marker);
-    case Integer:
+    case ObjectKind::integer:
         return integer(marker);
-    case Real:
+    case ObjectKind::real:
         return real(marker);
-    case Date:
+    case ObjectKind::date:
         return date(marker);
-    case Data:
+    case ObjectKind::data:
         return data(marker);
-    case AsciiString:
+    case ObjectKind::asciiString:
         return asciiString(marker);
-    case Utf16String:
+    case ObjectKind::utf16String:
         return utf16String(marker);
-    case Uid:
+    case ObjectKind::uid:
         return uid(marker);
-    case Array:
-    case Set:
+    case ObjectKind::array:
+    case ObjectKind::set:
         return array(marker, depth);
-    case Dictionary:
+    case ObjectKind::dictionary:
         return dictionary(marker, depth);
     default:
         return fail(marker.position,
@@ -357,7 +357,7 @@ bool BinaryReader::measure(const Marker &marker, int unitSize, Contents &content
             return false;
         const auto byte = static_cast<uchar>(m_data[contents.position]);
         const int size = 1 << (byte & 0xf);
-        if (byte >> 4 != Integer || size > largestField) {
+        if (byte >> 4 != ObjectKind::integer || size > largestField) {
             fail(contents.position, u"the length of an object is no integer"_s);
             return false;
         }

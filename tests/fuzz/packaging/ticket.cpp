@@ -17,6 +17,6 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
             require(entry.hash.size() == 20 && read->vouchesFor(entry));
     }
     const auto answer = ticket::readLookupReply(bytes, QStringLiteral("2/2/00"));
-    require(answer.kind != ticket::LookupAnswer::Kind::Found || !answer.ticket.isNull());
+    require(answer.kind != ticket::LookupAnswer::Kind::found || !answer.ticket.isNull());
     return 0;
 }

@@ -114,7 +114,7 @@ bool CertificateFacts::hasPolicy(const QString &oid) const
 
 QByteArray CertificateFacts::sha1() const
 {
-    return digestOf(m_der, HashType::Sha1);
+    return digestOf(m_der, HashType::sha1);
 }
 
 } // namespace toolchain::codesignature

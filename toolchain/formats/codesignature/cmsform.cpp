@@ -185,8 +185,8 @@ int digestOfOnlySigner(const QByteArray &content, const QByteArray &leaf)
 bool isContent(const QByteArray &content, CmsContent kind)
 {
     Values values(content);
-    values.takeExactly(kind == CmsContent::TimeStamp ? timeStampType : dataType);
-    if (kind == CmsContent::TimeStamp)
+    values.takeExactly(kind == CmsContent::timeStamp ? timeStampType : dataType);
+    if (kind == CmsContent::timeStamp)
         (void)values.take(firstContext);
     return values.isDone();
 }
@@ -194,7 +194,7 @@ bool isContent(const QByteArray &content, CmsContent kind)
 bool isSignedData(const QByteArray &content, const QByteArray &leaf, CmsContent kind)
 {
     Values values(content);
-    values.takeExactly(kind == CmsContent::TimeStamp ? versionThree : versionOne);
+    values.takeExactly(kind == CmsContent::timeStamp ? versionThree : versionOne);
     const QByteArray digests = values.contentOf(setTag);
     const bool isGood = isContent(values.contentOf(sequenceTag), kind);
     (void)values.take(firstContext);

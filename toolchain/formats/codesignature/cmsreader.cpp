@@ -177,7 +177,7 @@ Result<CmsSignature> readCms(const QByteArray &bytes)
                            signedAttributesIn(outer->whole),
                            value,
                            {},
-                           objectionToForm(outer->whole, derOf(leaf), CmsContent::Detached)},
+                           objectionToForm(outer->whole, derOf(leaf), CmsContent::detached)},
                           signer);
 }
 

@@ -52,7 +52,7 @@ struct CmsJudgement {
     QString problem; ///< what `objectionTo` says; empty if the signature is that of the content
     Trust trust; ///< of the signer, for the time stamp's moment, or for now without one
     std::optional<QDateTime> timestamp; ///< of a token that is over this signature and trusted
-    Anchor timestampAnchor = Anchor::Other;
+    Anchor timestampAnchor = Anchor::other;
     QString timestampProblem; ///< why there is a token but no time stamp
     QDateTime signingTime;
 

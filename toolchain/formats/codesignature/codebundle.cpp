@@ -66,7 +66,7 @@ CodeBundle placesOf(const QString &root)
     const bool hasVersions = isFolder(root + u"/Versions/Current"_s);
     bundle.base = hasVersions ? currentVersion(root) : root;
     const bool isVersion = hasVersions || !QFileInfo::exists(root + u"/Info.plist"_s);
-    bundle.layout = isVersion ? BundleLayout::FrameworkVersion : BundleLayout::Flat;
+    bundle.layout = isVersion ? BundleLayout::frameworkVersion : BundleLayout::flat;
     bundle.infoPath = bundle.base + (isVersion ? u"/Resources/Info.plist"_s : u"/Info.plist"_s);
     return bundle;
 }
@@ -79,7 +79,7 @@ QString defaultExecutable(const CodeBundle &bundle)
 
 Result<CodeBundle> withExecutable(CodeBundle bundle)
 {
-    const QString folder = bundle.layout == BundleLayout::Contents ? u"MacOS/"_s : QString();
+    const QString folder = bundle.layout == BundleLayout::contents ? u"MacOS/"_s : QString();
     const QString named = bundle.info.value(u"CFBundleExecutable"_s).toString();
     const QString name = named.isEmpty() ? defaultExecutable(bundle) : named;
     if (!isPlainName(name))
@@ -120,7 +120,7 @@ QString CodeBundle::sealPath() const
 
 bool CodeBundle::isFramework() const
 {
-    return layout == BundleLayout::FrameworkVersion || root.endsWith(u".framework"_s);
+    return layout == BundleLayout::frameworkVersion || root.endsWith(u".framework"_s);
 }
 
 QString CodeBundle::kindText() const

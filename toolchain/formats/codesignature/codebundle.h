@@ -41,9 +41,9 @@ inline const QString badEntitlements = QStringLiteral("invalid entitlement plist
 } // namespace text
 
 enum class BundleLayout {
-    Contents, ///< everything is below a folder Contents
-    FrameworkVersion, ///< a version of a framework, with its Info.plist in Resources
-    Flat ///< Info.plist and executable lie in the bundle's own folder
+    contents, ///< everything is below a folder Contents
+    frameworkVersion, ///< a version of a framework, with its Info.plist in Resources
+    flat ///< Info.plist and executable lie in the bundle's own folder
 };
 
 /// A bundle as code signing sees it. Paths begin as the bundle's own was given and have no slash at the end.
@@ -51,7 +51,7 @@ enum class BundleLayout {
 struct CodeBundle {
     QString root; ///< the folder that was given
     QString base; ///< the folder that the seal's paths start from
-    BundleLayout layout = BundleLayout::Contents;
+    BundleLayout layout = BundleLayout::contents;
     QVariantMap info; ///< the Info.plist
     QString infoPath;
     QString executable; ///< relative to base; empty for a bundle without one

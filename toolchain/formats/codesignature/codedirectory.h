@@ -45,7 +45,7 @@ inline constexpr quint64 canExecuteCdHash = 0x200;
 /// What a code directory tells beside the digests. Format: Apple's <kern/cs_blobs.h>, CS_CodeDirectory.
 struct CodeDirectoryFields {
     quint32 flags = 0;
-    HashType hashType = HashType::Sha256;
+    HashType hashType = HashType::sha256;
     quint8 platform = 0;
     quint8 pageShift = 0; ///< the page size is 1 << pageShift; 0: one page that holds everything
     quint64 codeLimit = 0; ///< how many bytes from the beginning are covered

@@ -15,26 +15,26 @@ constexpr quint32 rootSlot = quint32(-1);
 
 QByteArray both(const QByteArray &left, const QByteArray &right)
 {
-    return RequirementWriter().operation(Operation::And).expression(left).expression(right).bytes();
+    return RequirementWriter().operation(Operation::conjunction).expression(left).expression(right).bytes();
 }
 
 QByteArray extensionExists(quint32 certificate, const QString &oid)
 {
     return RequirementWriter()
-        .operation(Operation::CertificateGeneric)
+        .operation(Operation::certificateGeneric)
         .number(certificate)
         .data(oidBody(oid))
-        .match(Match::Exists)
+        .match(Match::exists)
         .bytes();
 }
 
 QByteArray leafHas(const QByteArray &field, const QString &value)
 {
     return RequirementWriter()
-        .operation(Operation::CertificateField)
+        .operation(Operation::certificateField)
         .number(0)
         .data(field)
-        .match(Match::Equal)
+        .match(Match::equal)
         .data(value.toUtf8())
         .bytes();
 }
@@ -42,7 +42,7 @@ QByteArray leafHas(const QByteArray &field, const QString &value)
 QByteArray anchoredBy(quint32 certificate, const CertificateFacts &facts)
 {
     return RequirementWriter()
-        .operation(Operation::AnchorHash)
+        .operation(Operation::anchorHash)
         .number(certificate)
         .data(facts.sha1())
         .bytes();
@@ -50,7 +50,7 @@ QByteArray anchoredBy(quint32 certificate, const CertificateFacts &facts)
 
 QByteArray appleGeneric()
 {
-    return RequirementWriter().operation(Operation::AppleGenericAnchor).bytes();
+    return RequirementWriter().operation(Operation::appleGenericAnchor).bytes();
 }
 
 QList<CertificateFacts> factsOf(const QList<QByteArray> &chain)
@@ -95,7 +95,7 @@ QByteArray signersPart(const SignerFacts &signer)
             appleGeneric(),
             both(leafHas("subject.CN", chain.first().commonName()), extensionExists(1, developerAuthority)));
     if (signer.endsInApplesRoot)
-        return RequirementWriter().operation(Operation::AppleAnchor).bytes();
+        return RequirementWriter().operation(Operation::appleAnchor).bytes();
     return ownersAnchor(chain);
 }
 
@@ -104,7 +104,7 @@ QByteArray signersPart(const SignerFacts &signer)
 QByteArray designatedRequirementFor(const QString &identifier, const SignerFacts &signer)
 {
     const QByteArray name =
-        RequirementWriter().operation(Operation::Identifier).data(identifier.toUtf8()).bytes();
+        RequirementWriter().operation(Operation::identifier).data(identifier.toUtf8()).bytes();
     return requirementBlob(both(name, signersPart(signer)));
 }
 

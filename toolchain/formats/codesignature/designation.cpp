@@ -26,7 +26,7 @@ Result<QByteArray> designatedRequirementOf(const SignedCode &code)
     const auto set = blob.isEmpty() ? Result<RequirementSet>(RequirementSet()) : readRequirementSet(blob);
     if (!set)
         return set.failure();
-    const QByteArray own = set->value(RequirementType::Designated);
+    const QByteArray own = set->value(RequirementType::designated);
     return own.isEmpty() ? requirementForCdHashes(cdHashesOf(code)) : own;
 }
 

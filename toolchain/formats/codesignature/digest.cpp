@@ -20,9 +20,9 @@ struct Kind {
 };
 
 constexpr std::array kinds{
-    Kind{HashType::Sha1, 20, 1, "sha1", EVP_sha1}, Kind{HashType::Sha256, 32, 3, "sha256", EVP_sha256},
-    Kind{HashType::Sha256Truncated, 20, 2, "sha256t", EVP_sha256},
-    Kind{HashType::Sha384, 48, 4, "sha384", EVP_sha384}, Kind{HashType::Sha512, 64, 5, "sha512", EVP_sha512}};
+    Kind{HashType::sha1, 20, 1, "sha1", EVP_sha1}, Kind{HashType::sha256, 32, 3, "sha256", EVP_sha256},
+    Kind{HashType::sha256Truncated, 20, 2, "sha256t", EVP_sha256},
+    Kind{HashType::sha384, 48, 4, "sha384", EVP_sha384}, Kind{HashType::sha512, 64, 5, "sha512", EVP_sha512}};
 
 const Kind *kindOf(HashType type)
 {
@@ -53,7 +53,7 @@ HashType hashTypeNamed(QStringView name)
         if (name == QLatin1StringView(kind.name))
             return kind.type;
     }
-    return HashType::None;
+    return HashType::none;
 }
 
 int hashRank(HashType type)

@@ -8,7 +8,7 @@
 namespace toolchain::codesignature {
 
 /// Numbers of digests in code directories: CS_HASHTYPE_… of Apple's <kern/cs_blobs.h>.
-enum class HashType : quint8 { None = 0, Sha1 = 1, Sha256 = 2, Sha256Truncated = 3, Sha384 = 4, Sha512 = 5 };
+enum class HashType : quint8 { none = 0, sha1 = 1, sha256 = 2, sha256Truncated = 3, sha384 = 4, sha512 = 5 };
 
 /// The length of a digest as a code directory holds it; 0 for a number that is none.
 [[nodiscard]] qsizetype hashSize(HashType type);

@@ -80,7 +80,7 @@ Result<SuperBlob> signatureOfFile(const QString &path, quint64 length, const Sig
         blobs.set(directorySlot(index), directory);
         digests.append({type, digestOf(directory, type)});
         if (index == 0)
-            contentDigest = digestOf(directory, HashType::Sha256);
+            contentDigest = digestOf(directory, HashType::sha256);
     }
     const auto cms = cmsBlob(plan, contentDigest, digests);
     if (!cms)
@@ -149,7 +149,7 @@ platform::Result<SuperBlob> impliedSignatureOfImage(const QString &path)
     SignaturePlan plan;
     plan.fields.flags = codeflag::adhoc;
     plan.fields.identifier = QStringLiteral("disk-image");
-    plan.digests = {HashType::Sha256};
+    plan.digests = {HashType::sha256};
     plan.components.insert(slot::requirements, requirementSetBlob({}));
     plan.components.insert(slot::imageTrailer, place->trailerToDigest());
     return signatureOfFile(path, place->contentLength, plan);

@@ -111,7 +111,7 @@ private:
             return;
         const QByteArray name = m_numbers.name(at);
         // Files that hold symbols alone keep the sections of the code that they describe.
-        if (m_slice.fileType == MachOFileType::DebugSymbols)
+        if (m_slice.fileType == MachOFileType::debugSymbols)
             return;
         if (!isInside(range))
             return complain(

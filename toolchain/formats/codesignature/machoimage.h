@@ -18,13 +18,13 @@ inline constexpr quint32 cpuArm64 = 0x0100000c;
 inline constexpr quint32 cpuArm64_32 = 0x0200000c;
 
 enum class MachOFileType : quint32 {
-    Object = 1,
-    Executable = 2,
-    DynamicLibrary = 6,
-    DynamicLinker = 7,
-    LoadableBundle = 8,
-    DebugSymbols = 10,
-    KernelExtension = 11
+    object = 1,
+    executable = 2,
+    dynamicLibrary = 6,
+    dynamicLinker = 7,
+    loadableBundle = 8,
+    debugSymbols = 10,
+    kernelExtension = 11
 };
 
 /// A stretch of bytes, counted from the beginning of its slice.
@@ -68,7 +68,7 @@ struct MachOSlice {
     quint32 cpuSubtype = 0;
     bool is64Bit = true;
     bool isBigEndian = false;
-    MachOFileType fileType = MachOFileType::Object;
+    MachOFileType fileType = MachOFileType::object;
     quint32 flags = 0;
     quint32 commandCount = 0;
     QByteArray head; ///< the header and all load commands, as they stand

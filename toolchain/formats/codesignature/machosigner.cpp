@@ -74,7 +74,7 @@ public:
 private:
     struct Directory {
         quint32 slotNumber = 0;
-        HashType type = HashType::Sha256;
+        HashType type = HashType::sha256;
         QByteArray head;
         quint64 size = 0;
         quint64 offset = 0; ///< in the new file
@@ -169,7 +169,7 @@ private:
             if (digests.last().digest.isEmpty())
                 return lastSystemError();
         }
-        const auto cms = cmsBlob(plan, directoryDigest(m_directories.first(), HashType::Sha256), digests);
+        const auto cms = cmsBlob(plan, directoryDigest(m_directories.first(), HashType::sha256), digests);
         if (!cms)
             return cms.error();
         const quint64 end = m_signatureEnd - m_targetOffset - m_layout.codeLength + quint64(cms->size());

@@ -50,7 +50,7 @@ public:
             problem = checkResourcesAreSealed();
         if (problem.isNone())
             problem = checkPages();
-        if (problem.isNone() && m_order.strictness == Strictness::Strict)
+        if (problem.isNone() && m_order.strictness == Strictness::strict)
             problem = checkStrictly();
         return problem;
     }
@@ -89,7 +89,7 @@ private:
         if (m_slice)
             return m_slice->codeLength();
         const auto size = quint64(QFileInfo(m_code.mainFile).size());
-        const auto place = m_code.kind == CodeKind::DiskImage
+        const auto place = m_code.kind == CodeKind::diskImage
             ? udif::readSignaturePlace(m_code.mainFile)
             : platform::Result<udif::SignaturePlace>(platform::Error());
         return place ? place->contentLength : size;
@@ -104,11 +104,11 @@ private:
         if (!signer->problem.isEmpty())
             return trouble(text::invalidSignature, signer->problem);
         // Whoever made a certificate of his own may have had it stamped by an authority of his own.
-        if (!signer->timestampProblem.isEmpty() && signer->trust.anchor != Anchor::Other)
+        if (!signer->timestampProblem.isEmpty() && signer->trust.anchor != Anchor::other)
             return trouble(text::invalidSignature, signer->timestampProblem);
         const TrustProblem doubt = signer->trust.problem;
-        const bool isBroken = doubt == TrustProblem::Broken || doubt == TrustProblem::NoCertificate
-            || doubt == TrustProblem::WrongPurpose;
+        const bool isBroken = doubt == TrustProblem::broken || doubt == TrustProblem::noCertificate
+            || doubt == TrustProblem::wrongPurpose;
         return isBroken ? trouble(u"CSSMERR_TP_NOT_TRUSTED"_s, signer->trust.text()) : CodeProblem();
     }
 
@@ -176,7 +176,7 @@ private:
     [[nodiscard]] QByteArray imageTrailer() const
     {
         const auto place = udif::readSignaturePlace(m_code.mainFile);
-        return place && m_code.kind == CodeKind::DiskImage ? place->trailerToDigest() : QByteArray();
+        return place && m_code.kind == CodeKind::diskImage ? place->trailerToDigest() : QByteArray();
     }
 
     CodeProblem checkResourcesAreSealed()

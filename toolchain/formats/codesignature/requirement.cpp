@@ -27,15 +27,15 @@ void appendBase128(QByteArray &body, quint64 number)
 QString requirementTypeName(RequirementType type)
 {
     switch (type) {
-    case RequirementType::Host:
+    case RequirementType::host:
         return u"host"_s;
-    case RequirementType::Guest:
+    case RequirementType::guest:
         return u"guest"_s;
-    case RequirementType::Designated:
+    case RequirementType::designated:
         return u"designated"_s;
-    case RequirementType::Library:
+    case RequirementType::library:
         return u"library"_s;
-    case RequirementType::Plugin:
+    case RequirementType::plugin:
         return u"plugin"_s;
     }
     return u"/*unknown type*/ %1"_s.arg(quint32(type));
@@ -118,10 +118,13 @@ QByteArray requirementForCdHashes(const QList<QByteArray> &cdHashes)
 {
     QByteArray expression;
     for (const QByteArray &cdHash : cdHashes) {
-        const QByteArray one = RequirementWriter().operation(Operation::CdHash).data(cdHash).bytes();
-        expression = expression.isEmpty()
-            ? one
-            : RequirementWriter().operation(Operation::Or).expression(expression).expression(one).bytes();
+        const QByteArray one = RequirementWriter().operation(Operation::cdHash).data(cdHash).bytes();
+        expression = expression.isEmpty() ? one
+                                          : RequirementWriter()
+                                                .operation(Operation::disjunction)
+                                                .expression(expression)
+                                                .expression(one)
+                                                .bytes();
     }
     return requirementBlob(expression);
 }

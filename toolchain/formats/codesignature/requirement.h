@@ -14,7 +14,7 @@
 /// Public document: Apple's Code Signing Guide, "Code Signing Requirement Language".
 namespace toolchain::codesignature {
 
-enum class RequirementType : quint32 { Host = 1, Guest = 2, Designated = 3, Library = 4, Plugin = 5 };
+enum class RequirementType : quint32 { host = 1, guest = 2, designated = 3, library = 4, plugin = 5 };
 
 /// The word in front of "=>".
 [[nodiscard]] QString requirementTypeName(RequirementType type);

@@ -18,7 +18,7 @@ constexpr qint32 mostCertificates = 16;
 
 /// The comparison of a field, as it stands in a requirement.
 struct Comparison {
-    Match match = Match::Exists;
+    Match match = Match::exists;
     QString text;
     qint64 date = 0;
 };
@@ -45,21 +45,21 @@ int compared(const QString &one, const QString &other)
 bool matchesText(const QString &value, const Comparison &comparison)
 {
     switch (comparison.match) {
-    case Match::Equal:
+    case Match::equal:
         return value == comparison.text;
-    case Match::Contains:
+    case Match::contains:
         return value.contains(comparison.text);
-    case Match::BeginsWith:
+    case Match::beginsWith:
         return value.startsWith(comparison.text);
-    case Match::EndsWith:
+    case Match::endsWith:
         return value.endsWith(comparison.text);
-    case Match::LessThan:
+    case Match::lessThan:
         return compared(value, comparison.text) < 0;
-    case Match::GreaterThan:
+    case Match::greaterThan:
         return compared(value, comparison.text) > 0;
-    case Match::LessEqual:
+    case Match::lessEqual:
         return compared(value, comparison.text) <= 0;
-    case Match::GreaterEqual:
+    case Match::greaterEqual:
         return compared(value, comparison.text) >= 0;
     default:
         return false;
@@ -74,13 +74,13 @@ bool matchesDate(const QString &value, const Comparison &comparison)
     date.setTimeZone(QTimeZone::utc());
     const qint64 seconds = date.toSecsSinceEpoch() - referenceDate;
     switch (comparison.match) {
-    case Match::On:
+    case Match::on:
         return date.isValid() && seconds == comparison.date;
-    case Match::Before:
+    case Match::before:
         return date.isValid() && seconds < comparison.date;
-    case Match::After:
+    case Match::after:
         return date.isValid() && seconds > comparison.date;
-    case Match::OnOrBefore:
+    case Match::onOrBefore:
         return date.isValid() && seconds <= comparison.date;
     default:
         return date.isValid() && seconds >= comparison.date;
@@ -90,19 +90,19 @@ bool matchesDate(const QString &value, const Comparison &comparison)
 /// An invalid value stands for a field that is not there. Of a list one element is enough.
 bool matches(const QVariant &value, const Comparison &comparison)
 {
-    if (comparison.match == Match::Absent)
+    if (comparison.match == Match::absent)
         return !value.isValid();
     if (!value.isValid())
         return false;
     const bool isFalse = value.metaType() == QMetaType::fromType<bool>() && !value.toBool();
-    if (comparison.match == Match::Exists)
+    if (comparison.match == Match::exists)
         return !isFalse;
     if (value.metaType() == QMetaType::fromType<QVariantList>()) {
         const QVariantList list = value.toList();
         return std::any_of(list.begin(), list.end(),
                            [&comparison](const QVariant &element) { return matches(element, comparison); });
     }
-    const bool isDated = comparison.match >= Match::On && comparison.match <= Match::OnOrAfter;
+    const bool isDated = comparison.match >= Match::on && comparison.match <= Match::onOrAfter;
     return isDated ? matchesDate(value.toString(), comparison) : matchesText(value.toString(), comparison);
 }
 
@@ -134,15 +134,15 @@ private:
         if (!m_problem.isEmpty() || m_reader.isCut())
             return false;
         switch (Operation(operation & operationMask)) {
-        case Operation::And: {
+        case Operation::conjunction: {
             const bool left = expression(depth + 1);
             return expression(depth + 1) && left;
         }
-        case Operation::Or: {
+        case Operation::disjunction: {
             const bool left = expression(depth + 1);
             return expression(depth + 1) || left;
         }
-        case Operation::Not:
+        case Operation::negation:
             return !expression(depth + 1);
         default:
             return simple(operation);
@@ -152,28 +152,28 @@ private:
     bool simple(quint32 operation)
     {
         switch (Operation(operation & operationMask)) {
-        case Operation::False:
+        case Operation::never:
             return false;
-        case Operation::True:
+        case Operation::always:
             return true;
-        case Operation::Identifier:
+        case Operation::identifier:
             return QString::fromUtf8(m_reader.data()) == m_subject.identifier;
-        case Operation::CdHash:
+        case Operation::cdHash:
             return m_subject.cdHashes.contains(m_reader.data());
-        case Operation::AppleAnchor:
+        case Operation::appleAnchor:
             return isApplesOwn();
-        case Operation::AppleGenericAnchor:
+        case Operation::appleGenericAnchor:
             return m_subject.endsInApplesRoot;
-        case Operation::NamedAnchor:
-        case Operation::NamedCode:
+        case Operation::namedAnchor:
+        case Operation::namedCode:
             (void)m_reader.data();
             return false;
-        case Operation::Platform:
+        case Operation::platform:
             (void)m_reader.number();
             return false;
-        case Operation::Notarized:
+        case Operation::notarized:
             return m_subject.isNotarized;
-        case Operation::LegacyDevId:
+        case Operation::legacyDevId:
             return false;
         default:
             return keyed(operation);
@@ -183,13 +183,13 @@ private:
     bool keyed(quint32 operation)
     {
         switch (Operation(operation & operationMask)) {
-        case Operation::InfoKeyValue: {
+        case Operation::infoKeyValue: {
             const QVariant value = m_subject.info.value(QString::fromUtf8(m_reader.data()));
             return value.isValid() && value.toString() == QString::fromUtf8(m_reader.data());
         }
-        case Operation::InfoKeyField:
+        case Operation::infoKeyField:
             return isMatched(m_subject.info.value(QString::fromUtf8(m_reader.data())));
-        case Operation::EntitlementField:
+        case Operation::entitlementField:
             return isMatched(m_subject.entitlements.value(QString::fromUtf8(m_reader.data())));
         default:
             return ofCertificate(operation);
@@ -199,21 +199,21 @@ private:
     bool ofCertificate(quint32 operation)
     {
         switch (Operation(operation & operationMask)) {
-        case Operation::AnchorHash: {
+        case Operation::anchorHash: {
             const QByteArray certificate = certificateAt(m_reader.number());
             const QByteArray hash = m_reader.data();
             return !certificate.isEmpty() && CertificateFacts(certificate).sha1() == hash;
         }
-        case Operation::CertificateField:
+        case Operation::certificateField:
             return fieldOfCertificate();
-        case Operation::CertificateGeneric:
-        case Operation::CertificateFieldDate:
+        case Operation::certificateGeneric:
+        case Operation::certificateFieldDate:
             return extensionOfCertificate();
-        case Operation::CertificatePolicy:
+        case Operation::certificatePolicy:
             return policyOfCertificate();
-        case Operation::TrustedCertificate:
+        case Operation::trustedCertificate:
             return isTrusted(indexOf(m_reader.number()));
-        case Operation::TrustedCertificates:
+        case Operation::trustedCertificates:
             return isAnyTrusted();
         default:
             return unknown(operation);
@@ -259,11 +259,11 @@ private:
     bool isMatched(const QVariant &value)
     {
         Comparison comparison{Match(m_reader.number()), {}, 0};
-        if (comparison.match > Match::Absent)
+        if (comparison.match > Match::absent)
             m_problem = u"the requirement has an unknown comparison %1"_s.arg(quint32(comparison.match));
-        else if (comparison.match >= Match::On && comparison.match <= Match::OnOrAfter)
+        else if (comparison.match >= Match::on && comparison.match <= Match::onOrAfter)
             comparison.date = m_reader.date();
-        else if (comparison.match != Match::Exists && comparison.match != Match::Absent)
+        else if (comparison.match != Match::exists && comparison.match != Match::absent)
             comparison.text = QString::fromUtf8(m_reader.data());
         return matches(value, comparison);
     }

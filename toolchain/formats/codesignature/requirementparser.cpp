@@ -28,7 +28,7 @@ public:
     {
         const QByteArray code = alternatives(0);
         while (accept(";")) { }
-        if (m_problem.isEmpty() && next().kind != TokenKind::End)
+        if (m_problem.isEmpty() && next().kind != TokenKind::end)
             complain(u"unexpected \"%1\""_s.arg(QString::fromUtf8(next().bytes)));
         return m_problem.isEmpty() ? Result<QByteArray>(requirementBlob(code)) : Error{m_problem};
     }
@@ -36,7 +36,7 @@ public:
     Result<RequirementSet> set()
     {
         RequirementSet set;
-        while (m_problem.isEmpty() && next().kind != TokenKind::End) {
+        while (m_problem.isEmpty() && next().kind != TokenKind::end) {
             const auto type = requirementType();
             expect("=>");
             const QByteArray code = alternatives(0);
@@ -54,8 +54,8 @@ private:
     RequirementType requirementType()
     {
         for (const RequirementType type :
-             {RequirementType::Host, RequirementType::Guest, RequirementType::Designated,
-              RequirementType::Library, RequirementType::Plugin}) {
+             {RequirementType::host, RequirementType::guest, RequirementType::designated,
+              RequirementType::library, RequirementType::plugin}) {
             if (accept(requirementTypeName(type).toLatin1()))
                 return type;
         }
@@ -68,7 +68,7 @@ private:
     {
         QByteArray code = conjunction(depth);
         while (accept("or"))
-            code = joined(Operation::Or, code, conjunction(depth));
+            code = joined(Operation::disjunction, code, conjunction(depth));
         return code;
     }
 
@@ -76,7 +76,7 @@ private:
     {
         QByteArray code = primary(depth);
         while (accept("and"))
-            code = joined(Operation::And, code, primary(depth));
+            code = joined(Operation::conjunction, code, primary(depth));
         return code;
     }
 
@@ -94,15 +94,15 @@ private:
         if (accept("("))
             return closed(alternatives(depth + 1));
         if (accept("!"))
-            return RequirementWriter().operation(Operation::Not).expression(primary(depth + 1)).bytes();
+            return RequirementWriter().operation(Operation::negation).expression(primary(depth + 1)).bytes();
         if (accept("always") || accept("true"))
-            return plain(Operation::True);
+            return plain(Operation::always);
         if (accept("never") || accept("false"))
-            return plain(Operation::False);
+            return plain(Operation::never);
         if (accept("notarized"))
-            return plain(Operation::Notarized);
+            return plain(Operation::notarized);
         if (accept("legacy"))
-            return plain(Operation::LegacyDevId);
+            return plain(Operation::legacyDevId);
         return term();
     }
 
@@ -110,10 +110,10 @@ private:
     {
         if (accept("identifier")) {
             (void)accept("=");
-            return RequirementWriter().operation(Operation::Identifier).data(string()).bytes();
+            return RequirementWriter().operation(Operation::identifier).data(string()).bytes();
         }
         if (accept("cdhash"))
-            return RequirementWriter().operation(Operation::CdHash).data(hash()).bytes();
+            return RequirementWriter().operation(Operation::cdHash).data(hash()).bytes();
         if (accept("platform"))
             return platform();
         if (accept("anchor"))
@@ -122,13 +122,13 @@ private:
             return ofCertificate(certificateSlot());
         if (accept("info"))
             return RequirementWriter()
-                .operation(Operation::InfoKeyField)
+                .operation(Operation::infoKeyField)
                 .data(key())
                 .expression(match())
                 .bytes();
         if (accept("entitlement"))
             return RequirementWriter()
-                .operation(Operation::EntitlementField)
+                .operation(Operation::entitlementField)
                 .data(key())
                 .expression(match())
                 .bytes();
@@ -147,24 +147,24 @@ private:
     QByteArray platform()
     {
         expect("=");
-        return RequirementWriter().operation(Operation::Platform).number(number()).bytes();
+        return RequirementWriter().operation(Operation::platform).number(number()).bytes();
     }
 
     QByteArray anchor()
     {
         if (accept("apple")) {
             if (accept("generic"))
-                return plain(Operation::AppleGenericAnchor);
-            if (next().kind != TokenKind::Text)
-                return plain(Operation::AppleAnchor);
-            return RequirementWriter().operation(Operation::NamedAnchor).data(string()).bytes();
+                return plain(Operation::appleGenericAnchor);
+            if (next().kind != TokenKind::text)
+                return plain(Operation::appleAnchor);
+            return RequirementWriter().operation(Operation::namedAnchor).data(string()).bytes();
         }
         if (accept("generic")) {
             expect("apple");
-            return plain(Operation::AppleGenericAnchor);
+            return plain(Operation::appleGenericAnchor);
         }
         if (accept("trusted"))
-            return plain(Operation::TrustedCertificates);
+            return plain(Operation::trustedCertificates);
         return ofCertificate(quint32(-1));
     }
 
@@ -190,20 +190,20 @@ private:
     QByteArray ofCertificate(quint32 slotNumber)
     {
         if (accept("trusted"))
-            return RequirementWriter().operation(Operation::TrustedCertificate).number(slotNumber).bytes();
+            return RequirementWriter().operation(Operation::trustedCertificate).number(slotNumber).bytes();
         if (next().bytes == "[")
             return ofCertificateField(slotNumber);
         (void)accept("=");
-        return RequirementWriter().operation(Operation::AnchorHash).number(slotNumber).data(hash()).bytes();
+        return RequirementWriter().operation(Operation::anchorHash).number(slotNumber).data(hash()).bytes();
     }
 
     QByteArray ofCertificateField(quint32 slotNumber)
     {
         static const QList<std::pair<QByteArray, Operation>> kinds{
-            {"field.", Operation::CertificateGeneric},
-            {"extension.", Operation::CertificateGeneric},
-            {"policy.", Operation::CertificatePolicy},
-            {"timestamp.", Operation::CertificateFieldDate}};
+            {"field.", Operation::certificateGeneric},
+            {"extension.", Operation::certificateGeneric},
+            {"policy.", Operation::certificatePolicy},
+            {"timestamp.", Operation::certificateFieldDate}};
         const QByteArray name = key();
         for (const auto &[prefix, operation] : kinds) {
             if (name.startsWith(prefix))
@@ -212,7 +212,7 @@ private:
         if (!name.startsWith("subject."))
             complain(u"unknown field \"%1\" of a certificate"_s.arg(QString::fromUtf8(name)));
         return RequirementWriter()
-            .operation(Operation::CertificateField)
+            .operation(Operation::certificateField)
             .number(slotNumber)
             .data(name)
             .expression(match())
@@ -235,21 +235,21 @@ private:
     QByteArray match()
     {
         static const QList<std::pair<QByteArray, std::pair<Match, Match>>> signs{
-            {"<", {Match::LessThan, Match::Before}},
-            {">", {Match::GreaterThan, Match::After}},
-            {"<=", {Match::LessEqual, Match::OnOrBefore}},
-            {">=", {Match::GreaterEqual, Match::OnOrAfter}}};
+            {"<", {Match::lessThan, Match::before}},
+            {">", {Match::greaterThan, Match::after}},
+            {"<=", {Match::lessEqual, Match::onOrBefore}},
+            {">=", {Match::greaterEqual, Match::onOrAfter}}};
         if (accept("="))
-            return accept("timestamp") ? dated(Match::On) : equalMatch();
+            return accept("timestamp") ? dated(Match::on) : equalMatch();
         for (const auto &[sign, matches] : signs) {
             if (accept(sign))
                 return accept("timestamp") ? dated(matches.second)
                                            : RequirementWriter().match(matches.first).data(string()).bytes();
         }
         if (accept("absent"))
-            return RequirementWriter().match(Match::Absent).bytes();
+            return RequirementWriter().match(Match::absent).bytes();
         (void)accept("exists");
-        return RequirementWriter().match(Match::Exists).bytes();
+        return RequirementWriter().match(Match::exists).bytes();
     }
 
     QByteArray equalMatch()
@@ -257,9 +257,9 @@ private:
         const bool isOpenBefore = accept("*");
         const QByteArray text = string();
         const bool isOpenBehind = accept("*");
-        Match match = isOpenBefore ? Match::EndsWith : Match::Equal;
+        Match match = isOpenBefore ? Match::endsWith : Match::equal;
         if (isOpenBehind)
-            match = isOpenBefore ? Match::Contains : Match::BeginsWith;
+            match = isOpenBefore ? Match::contains : Match::beginsWith;
         return RequirementWriter().match(match).data(text).bytes();
     }
 
@@ -288,7 +288,7 @@ private:
     QByteArray string()
     {
         const Token token = take();
-        if (token.kind != TokenKind::Word && token.kind != TokenKind::Text)
+        if (token.kind != TokenKind::word && token.kind != TokenKind::text)
             complain(u"a string is missing"_s);
         return token.bytes;
     }
@@ -296,7 +296,7 @@ private:
     QByteArray hash()
     {
         const Token token = take();
-        if (token.kind != TokenKind::Hash || token.bytes.size() != sha1Size)
+        if (token.kind != TokenKind::hash || token.bytes.size() != sha1Size)
             complain(u"a hash of 20 bytes is missing, such as H\"…\""_s);
         return token.bytes;
     }
@@ -313,7 +313,7 @@ private:
     bool accept(QByteArrayView word)
     {
         const Token &token = next();
-        const bool isWord = token.kind == TokenKind::Word || token.kind == TokenKind::Symbol;
+        const bool isWord = token.kind == TokenKind::word || token.kind == TokenKind::symbol;
         if (!isWord || token.bytes != word)
             return false;
         ++m_at;

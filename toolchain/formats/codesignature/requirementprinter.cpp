@@ -16,7 +16,7 @@ namespace {
 constexpr qsizetype longestText = 1 << 20;
 
 /// What stands around an expression, and so whether it needs parentheses.
-enum class Around { Nothing, Or, And, Not };
+enum class Around { nothing, disjunction, conjunction, negation };
 
 bool isLetterOrDigit(QChar character)
 {
@@ -101,7 +101,7 @@ public:
 
     Result<QString> print()
     {
-        expression(Around::Nothing, 0);
+        expression(Around::nothing, 0);
         if (!m_problem.isEmpty())
             return Error{m_problem};
         if (m_reader.isCut() || !m_reader.isAtEnd())
@@ -118,13 +118,14 @@ private:
         if (!m_problem.isEmpty() || m_reader.isCut())
             return;
         switch (Operation(operation & operationMask)) {
-        case Operation::And:
-            return pair(u" and "_s, Around::And, around == Around::Not, depth);
-        case Operation::Or:
-            return pair(u" or "_s, Around::Or, around == Around::And || around == Around::Not, depth);
-        case Operation::Not:
+        case Operation::conjunction:
+            return pair(u" and "_s, Around::conjunction, around == Around::negation, depth);
+        case Operation::disjunction:
+            return pair(u" or "_s, Around::disjunction,
+                        around == Around::conjunction || around == Around::negation, depth);
+        case Operation::negation:
             m_text += u"! "_s;
-            return expression(Around::Not, depth + 1);
+            return expression(Around::negation, depth + 1);
         default:
             return simple(operation);
         }
@@ -142,29 +143,29 @@ private:
     void simple(quint32 operation)
     {
         switch (Operation(operation & operationMask)) {
-        case Operation::False:
+        case Operation::never:
             return add(u"never"_s);
-        case Operation::True:
+        case Operation::always:
             return add(u"always"_s);
-        case Operation::Identifier:
+        case Operation::identifier:
             return add(u"identifier "_s + stringText(m_reader.data()));
-        case Operation::AppleAnchor:
+        case Operation::appleAnchor:
             return add(u"anchor apple"_s);
-        case Operation::AppleGenericAnchor:
+        case Operation::appleGenericAnchor:
             return add(u"anchor apple generic"_s);
-        case Operation::NamedAnchor:
+        case Operation::namedAnchor:
             return add(u"anchor apple "_s + alwaysQuoted(m_reader.data()));
-        case Operation::NamedCode:
+        case Operation::namedCode:
             return add(u'(' + stringText(m_reader.data()) + u')');
-        case Operation::CdHash:
+        case Operation::cdHash:
             return add(u"cdhash "_s + hashText(m_reader.data()));
-        case Operation::TrustedCertificates:
+        case Operation::trustedCertificates:
             return add(u"anchor trusted"_s);
-        case Operation::Platform:
+        case Operation::platform:
             return add(u"platform = %1"_s.arg(qint32(m_reader.number())));
-        case Operation::Notarized:
+        case Operation::notarized:
             return add(u"notarized"_s);
-        case Operation::LegacyDevId:
+        case Operation::legacyDevId:
             return add(u"legacy"_s);
         default:
             return keyed(operation);
@@ -174,14 +175,14 @@ private:
     void keyed(quint32 operation)
     {
         switch (Operation(operation & operationMask)) {
-        case Operation::InfoKeyValue: {
+        case Operation::infoKeyValue: {
             const QString key = keyText(m_reader.data());
             return add(u"info[%1] = "_s.arg(key) + stringText(m_reader.data()));
         }
-        case Operation::InfoKeyField:
+        case Operation::infoKeyField:
             add(u"info[%1]"_s.arg(keyText(m_reader.data())));
             return match();
-        case Operation::EntitlementField:
+        case Operation::entitlementField:
             add(u"entitlement[%1]"_s.arg(keyText(m_reader.data())));
             return match();
         default:
@@ -192,21 +193,21 @@ private:
     void ofCertificate(quint32 operation)
     {
         switch (Operation(operation & operationMask)) {
-        case Operation::AnchorHash:
+        case Operation::anchorHash:
             certificate();
             return add(u" = "_s + hashText(m_reader.data()));
-        case Operation::TrustedCertificate:
+        case Operation::trustedCertificate:
             certificate();
             return add(u" trusted"_s);
-        case Operation::CertificateField:
+        case Operation::certificateField:
             certificate();
             add(u"[%1]"_s.arg(keyText(m_reader.data())));
             return match();
-        case Operation::CertificateGeneric:
+        case Operation::certificateGeneric:
             return ofObject(u"field"_s);
-        case Operation::CertificatePolicy:
+        case Operation::certificatePolicy:
             return ofObject(u"policy"_s);
-        case Operation::CertificateFieldDate:
+        case Operation::certificateFieldDate:
             return ofObject(u"timestamp"_s);
         default:
             return unknown(operation);
@@ -225,28 +226,28 @@ private:
     void match()
     {
         const auto match = Match(m_reader.number());
-        if (match >= Match::On && match <= Match::OnOrAfter)
+        if (match >= Match::on && match <= Match::onOrAfter)
             return dateMatch(match);
         switch (match) {
-        case Match::Exists:
+        case Match::exists:
             return add(u" /* exists */"_s);
-        case Match::Absent:
+        case Match::absent:
             return add(u" absent"_s);
-        case Match::Equal:
+        case Match::equal:
             return add(u" = "_s + stringText(m_reader.data()));
-        case Match::Contains:
+        case Match::contains:
             return add(u" = *%1*"_s.arg(stringText(m_reader.data())));
-        case Match::BeginsWith:
+        case Match::beginsWith:
             return add(u" = %1*"_s.arg(stringText(m_reader.data())));
-        case Match::EndsWith:
+        case Match::endsWith:
             return add(u" = *"_s + stringText(m_reader.data()));
-        case Match::LessThan:
+        case Match::lessThan:
             return add(u" < "_s + stringText(m_reader.data()));
-        case Match::GreaterThan:
+        case Match::greaterThan:
             return add(u" > "_s + stringText(m_reader.data()));
-        case Match::LessEqual:
+        case Match::lessEqual:
             return add(u" <= "_s + stringText(m_reader.data()));
-        case Match::GreaterEqual:
+        case Match::greaterEqual:
             return add(u" >= "_s + stringText(m_reader.data()));
         default:
             m_problem = u"the requirement has an unknown comparison %1"_s.arg(quint32(match));
@@ -255,11 +256,11 @@ private:
 
     void dateMatch(Match match)
     {
-        static const QMap<Match, QString> signs{{Match::On, u" = "_s},
-                                                {Match::Before, u" < "_s},
-                                                {Match::After, u" > "_s},
-                                                {Match::OnOrBefore, u" <= "_s},
-                                                {Match::OnOrAfter, u" >= "_s}};
+        static const QMap<Match, QString> signs{{Match::on, u" = "_s},
+                                                {Match::before, u" < "_s},
+                                                {Match::after, u" > "_s},
+                                                {Match::onOrBefore, u" <= "_s},
+                                                {Match::onOrAfter, u" >= "_s}};
         add(signs.value(match) + dateText(m_reader.date()));
     }
 

@@ -29,7 +29,7 @@ public:
             takeOne();
         if (!m_problem.isEmpty())
             return Error{m_problem + u" at character %1"_s.arg(m_at + 1)};
-        m_tokens.append({TokenKind::End, {}, m_at});
+        m_tokens.append({TokenKind::end, {}, m_at});
         return m_tokens;
     }
 
@@ -77,7 +77,7 @@ private:
         const QByteArray bytes = QByteArray::fromHex(digits);
         if (end < 0 || bytes.isEmpty() || bytes.toHex() != digits.toLower())
             m_problem = u"invalid hash"_s;
-        add(TokenKind::Hash, bytes, end + 1);
+        add(TokenKind::hash, bytes, end + 1);
     }
 
     void takeQuoted()
@@ -90,7 +90,7 @@ private:
         }
         if (at >= m_text.size())
             m_problem = u"unterminated string"_s;
-        add(TokenKind::Text, bytes, at + 1);
+        add(TokenKind::text, bytes, at + 1);
     }
 
     void takeHexadecimal()
@@ -100,13 +100,13 @@ private:
         const QByteArray bytes = QByteArray::fromHex(digits);
         if (bytes.toHex() != digits.toLower())
             m_problem = u"invalid bytes"_s;
-        add(TokenKind::Text, bytes, end);
+        add(TokenKind::text, bytes, end);
     }
 
     void takeWord()
     {
         const qsizetype end = wordEnd();
-        add(TokenKind::Word, m_text.mid(m_at, end - m_at), end);
+        add(TokenKind::word, m_text.mid(m_at, end - m_at), end);
     }
 
     /// A hyphen belongs to a word that has begun.
@@ -122,7 +122,7 @@ private:
     {
         for (const char *symbol : {"=>", "<=", ">=", "(", ")", "[", "]", "=", "!", "<", ">", "*", ";", "-"}) {
             if (startsWith(symbol))
-                return add(TokenKind::Symbol, symbol, m_at + qsizetype(strlen(symbol)));
+                return add(TokenKind::symbol, symbol, m_at + qsizetype(strlen(symbol)));
         }
         m_problem = u"unexpected character"_s;
     }

@@ -9,16 +9,16 @@
 namespace toolchain::codesignature {
 
 enum class TokenKind {
-    Word, ///< letters, digits, dots, hyphens and underscores: a keyword, a key or a string
-    Text, ///< between quotes, or bytes as 0x…
-    Hash, ///< H"…"
-    Symbol, ///< ( ) [ ] = => ! < <= > >= * ; -
-    End
+    word, ///< letters, digits, dots, hyphens and underscores: a keyword, a key or a string
+    text, ///< between quotes, or bytes as 0x…
+    hash, ///< H"…"
+    symbol, ///< ( ) [ ] = => ! < <= > >= * ; -
+    end
 };
 
 /// A piece of a requirement's text.
 struct Token {
-    TokenKind kind = TokenKind::End;
+    TokenKind kind = TokenKind::end;
     QByteArray bytes; ///< without quotes; a hash in binary
     qsizetype at = 0; ///< where it begins in the text
 };

@@ -9,7 +9,7 @@ namespace toolchain::codesignature {
 [[nodiscard]] inline seal::SealedFolder sealedFolder(const CodeBundle &bundle)
 {
     const auto layout =
-        bundle.layout == BundleLayout::Flat ? seal::Layout::Flat : seal::Layout::WithResources;
+        bundle.layout == BundleLayout::flat ? seal::Layout::flat : seal::Layout::withResources;
     return {bundle.base, layout, bundle.mainFile().sliced(bundle.base.size() + 1).toUtf8()};
 }
 

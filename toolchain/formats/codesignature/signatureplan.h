@@ -11,7 +11,7 @@ namespace toolchain::codesignature {
 
 /// The digest of a finished code directory, at full length.
 struct DirectoryDigest {
-    HashType type = HashType::Sha256;
+    HashType type = HashType::sha256;
     QByteArray digest;
 };
 

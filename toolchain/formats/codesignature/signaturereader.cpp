@@ -69,7 +69,7 @@ SignedPart partInFile(QIODevice &file, ByteRange place, SignatureDepth depth)
 {
     if (place.length == 0)
         return {};
-    if (depth == SignatureDepth::Heads) {
+    if (depth == SignatureDepth::heads) {
         auto heads = readSignatureHeads(file, place);
         return orDamage(heads ? partWith(*std::move(heads)) : heads.failure());
     }
@@ -132,7 +132,7 @@ Result<SignedCode> readMachO(SignedCode code, SignatureDepth depth)
     auto image = readMachOImage(file);
     if (!image)
         return Error{text::badObject + u'\n' + image.error()};
-    code.kind = CodeKind::MachO;
+    code.kind = CodeKind::machO;
     for (const MachOSlice &slice : image->slices)
         code.parts.append(partOfSlice(file, slice, depth));
     code.image = *std::move(image);
@@ -145,7 +145,7 @@ bool isSignedWithin(const QString &path)
     if (!looksLikeMachOFile(path))
         return false;
     const auto image = readMachOImage(path);
-    return !image || image->slices.first().fileType != MachOFileType::Object;
+    return !image || image->slices.first().fileType != MachOFileType::object;
 }
 
 Result<SignedCode> readDiskImage(SignedCode code)
@@ -153,7 +153,7 @@ Result<SignedCode> readDiskImage(SignedCode code)
     const auto signature = udif::readImageSignature(code.mainFile);
     if (!signature)
         return Error{text::badImage};
-    code.kind = CodeKind::DiskImage;
+    code.kind = CodeKind::diskImage;
     code.parts.append(signature->isEmpty() ? SignedPart() : orDamage(readSignedPart(*signature)));
     return code;
 }
@@ -208,9 +208,9 @@ QByteArray SignedPart::ticket() const
 QString SignedCode::formatText() const
 {
     QString kindText = u"generic"_s;
-    if (kind == CodeKind::MachO)
+    if (kind == CodeKind::machO)
         kindText = image->description();
-    else if (kind == CodeKind::DiskImage)
+    else if (kind == CodeKind::diskImage)
         kindText = u"disk image"_s;
     return bundle ? bundle->kindText() + u" with "_s + kindText : kindText;
 }

@@ -12,9 +12,9 @@
 namespace toolchain::codesignature {
 
 enum class CodeKind {
-    MachO, ///< signed within the file
-    Generic, ///< signed by extended attributes, or in the seal's folder if it is the main file of a bundle
-    DiskImage ///< signed before its trailer
+    machO, ///< signed within the file
+    generic, ///< signed by extended attributes, or in the seal's folder if it is the main file of a bundle
+    diskImage ///< signed before its trailer
 };
 
 /// The signature of one slice of a Mach-O file, or the whole signature of anything else.
@@ -46,7 +46,7 @@ struct SignedPart {
 /// Any item that can be signed, with what is found of its signature.
 struct SignedCode {
     QString path; ///< as it was given
-    CodeKind kind = CodeKind::Generic;
+    CodeKind kind = CodeKind::generic;
     std::optional<CodeBundle> bundle; ///< of a folder
     QString mainFile; ///< the file that the code directories describe
     std::optional<MachOImage> image; ///< of Mach-O
@@ -62,8 +62,8 @@ struct SignedCode {
 
 /// How much is read of a Mach-O file's signature.
 enum class SignatureDepth {
-    Whole,
-    Heads ///< without the digests of the code, and so without a hash of the code: see signatureheads.h
+    whole,
+    heads ///< without the digests of the code, and so without a hash of the code: see signatureheads.h
 };
 
 /// Reads what there is of an item's signature: of a Mach-O file, a bundle, a framework, a disk image or any
@@ -71,7 +71,7 @@ enum class SignatureDepth {
 /// what is damaged, without the item's name. Reads the whole signature, and of the code nothing but its head.
 /// Any thread.
 [[nodiscard]] platform::Result<SignedCode> readSignedCode(const QString &path,
-                                                          SignatureDepth depth = SignatureDepth::Whole);
+                                                          SignatureDepth depth = SignatureDepth::whole);
 
 /// The same; an item that is not signed is a failure, with the text `text::notSigned`.
 [[nodiscard]] platform::Result<SignedCode> readCodeSignature(const QString &path);

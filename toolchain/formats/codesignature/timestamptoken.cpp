@@ -141,14 +141,14 @@ Result<VerifiedTimestamp> trusted(const QByteArray &bytes, PKCS7 *token, TS_TST_
     X509 *signer = verifiedSigner(token);
     if (!signer || !isOverWhatStandsThere(bytes, token))
         return Error{u"the time stamp's own signature does not verify"_s};
-    const QString formProblem = objectionToForm(bytes, derOf(signer), CmsContent::TimeStamp);
+    const QString formProblem = objectionToForm(bytes, derOf(signer), CmsContent::timeStamp);
     if (!formProblem.isEmpty())
         return Error{u"the time stamp is damaged: "_s + formProblem};
     const QDateTime time = momentOf(TS_TST_INFO_get_time(info));
     if (!time.isValid())
         return Error{u"the time stamp tells no time"_s};
     const Trust trust =
-        trustOf(derOf(signer), certificatesOf(token), TrustPurpose::Timestamping, time, store);
+        trustOf(derOf(signer), certificatesOf(token), TrustPurpose::timestamping, time, store);
     if (!trust.isGood())
         return Error{u"the time stamp's signer is not accepted: "_s + trust.text()};
     if (!bringsItsChain(certificatesOf(token), trust))

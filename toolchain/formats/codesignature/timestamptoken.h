@@ -11,7 +11,7 @@ namespace toolchain {
 /// A time stamp that holds: over the bytes that are meant, and by a signer that is trusted.
 struct VerifiedTimestamp {
     QDateTime time; ///< UTC
-    Anchor anchor = Anchor::Other;
+    Anchor anchor = Anchor::other;
     QByteArray
         nonce; ///< of the question that it answers, as an unsigned big-endian number; empty if it had none
     QByteArray serialNumber; ///< the same form

@@ -84,7 +84,7 @@ QList<QByteArray> listOf(const STACK_OF(X509) * stack)
 
 QList<QByteArray> anchorsFor(const TrustStore &store, TrustPurpose purpose)
 {
-    const bool countsService = purpose == TrustPurpose::Timestamping;
+    const bool countsService = purpose == TrustPurpose::timestamping;
     return store.apple + store.thisMachine + (countsService ? store.service : QList<QByteArray>());
 }
 
@@ -107,7 +107,7 @@ int passOverDates(int isFine, X509_STORE_CTX *context)
     if (isFine == 1 || (error != X509_V_ERR_CERT_HAS_EXPIRED && error != X509_V_ERR_CERT_NOT_YET_VALID))
         return isFine;
     auto *problem = static_cast<TrustProblem *>(X509_STORE_CTX_get_app_data(context));
-    *problem = error == X509_V_ERR_CERT_HAS_EXPIRED ? TrustProblem::Expired : TrustProblem::NotYetValid;
+    *problem = error == X509_V_ERR_CERT_HAS_EXPIRED ? TrustProblem::expired : TrustProblem::notYetValid;
     return 1;
 }
 
@@ -120,9 +120,9 @@ TrustProblem problemOf(int error)
     case X509_V_ERR_SELF_SIGNED_CERT_IN_CHAIN:
     case X509_V_ERR_UNABLE_TO_VERIFY_LEAF_SIGNATURE:
     case X509_V_ERR_CERT_UNTRUSTED:
-        return TrustProblem::Untrusted;
+        return TrustProblem::untrusted;
     default:
-        return TrustProblem::Broken;
+        return TrustProblem::broken;
     }
 }
 
@@ -130,24 +130,24 @@ Anchor anchorOf(const QList<QByteArray> &chain, const TrustStore &store)
 {
     const QByteArray root = chain.value(chain.size() - 1);
     if (store.apple.contains(root))
-        return Anchor::Apple;
+        return Anchor::apple;
     if (store.thisMachine.contains(root))
-        return Anchor::ThisMachine;
-    return store.service.contains(root) ? Anchor::Service : Anchor::Other;
+        return Anchor::thisMachine;
+    return store.service.contains(root) ? Anchor::service : Anchor::other;
 }
 
 bool isFit(X509 *leaf, TrustPurpose purpose)
 {
     switch (purpose) {
-    case TrustPurpose::Any:
+    case TrustPurpose::any:
         return true;
-    case TrustPurpose::CodeSigning:
+    case TrustPurpose::codeSigning:
         return hasUsage(leaf, codeSigningUsage);
-    case TrustPurpose::PackageSigning:
+    case TrustPurpose::packageSigning:
         return hasExtension(leaf, developerIdInstaller) || hasExtension(leaf, developerIdApplication);
-    case TrustPurpose::Timestamping:
+    case TrustPurpose::timestamping:
         return hasUsage(leaf, timeStampingUsage);
-    case TrustPurpose::Tickets:
+    case TrustPurpose::tickets:
         return hasExtension(leaf, ticketSigning);
     }
     return false;
@@ -175,11 +175,11 @@ Trust verified(X509 *leaf, const QList<QByteArray> &anchors, const QList<QByteAr
 {
     const Store store = storeWith(anchors);
     const Stack others = stackOf(helpers);
-    TrustProblem dates = TrustProblem::None;
+    TrustProblem dates = TrustProblem::none;
     const StoreContext context = contextFor(leaf, store.get(), others.get(), at, &dates);
     const bool isVerified = X509_verify_cert(context.get()) == 1;
     ERR_clear_error();
-    return {listOf(X509_STORE_CTX_get0_chain(context.get())), Anchor::Other,
+    return {listOf(X509_STORE_CTX_get0_chain(context.get())), Anchor::other,
             isVerified ? dates : problemOf(X509_STORE_CTX_get_error(context.get()))};
 }
 
@@ -196,19 +196,19 @@ bool isDeveloperId(const QList<QByteArray> &chain, const char *leafMarker)
 QString Trust::text() const
 {
     switch (problem) {
-    case TrustProblem::None:
+    case TrustProblem::none:
         return {};
-    case TrustProblem::NoCertificate:
+    case TrustProblem::noCertificate:
         return u"there is no certificate"_s;
-    case TrustProblem::Broken:
+    case TrustProblem::broken:
         return u"the chain of certificates does not verify"_s;
-    case TrustProblem::Untrusted:
+    case TrustProblem::untrusted:
         return u"the certificate is not trusted: its chain ends in no known root"_s;
-    case TrustProblem::WrongPurpose:
+    case TrustProblem::wrongPurpose:
         return u"the certificate is for another purpose"_s;
-    case TrustProblem::NotYetValid:
+    case TrustProblem::notYetValid:
         return u"the certificate is not valid yet"_s;
-    case TrustProblem::Expired:
+    case TrustProblem::expired:
         return u"the certificate has expired"_s;
     }
     return {};
@@ -225,13 +225,13 @@ Trust trustOf(const QByteArray &leaf, const QList<QByteArray> &others, TrustPurp
         others.first(std::min(others.size(), mostCertificates)) + store.intermediates;
     const QList<QByteArray> issuers = possibleIssuers(certificate.get(), helpers + anchors);
     Trust trust = verified(certificate.get(), membersOf(issuers, anchors), issuers, at);
-    if (trust.problem == TrustProblem::Untrusted) // names may be the same and written differently
+    if (trust.problem == TrustProblem::untrusted) // names may be the same and written differently
         trust = verified(certificate.get(), anchors, helpers, at);
-    const bool isVerified = trust.problem != TrustProblem::Untrusted && trust.problem != TrustProblem::Broken;
+    const bool isVerified = trust.problem != TrustProblem::untrusted && trust.problem != TrustProblem::broken;
     if (isVerified)
         trust.anchor = anchorOf(trust.chain, store);
     if (isVerified && !isFit(certificate.get(), purpose))
-        trust.problem = TrustProblem::WrongPurpose;
+        trust.problem = TrustProblem::wrongPurpose;
     return trust;
 }
 

@@ -9,31 +9,31 @@ namespace toolchain {
 
 /// What a chain of certificates ends in.
 enum class Anchor {
-    Other, ///< nothing that is trusted
-    Apple, ///< a root of Apple's
-    ThisMachine, ///< the authority of this machine
-    Service ///< the `ca` of the notary service's settings; vouches for time stamps alone
+    other, ///< nothing that is trusted
+    apple, ///< a root of Apple's
+    thisMachine, ///< the authority of this machine
+    service ///< the `ca` of the notary service's settings; vouches for time stamps alone
 };
 
 /// What a leaf is asked to be good for.
 enum class TrustPurpose {
-    Any, ///< no more than a chain
-    CodeSigning, ///< extended key usage codeSigning
-    PackageSigning, ///< a Developer ID certificate for packages, or for code
-    Timestamping, ///< extended key usage timeStamping (RFC 3161, 2.3)
-    Tickets ///< Apple's marker 1.2.840.113635.100.6.1.30
+    any, ///< no more than a chain
+    codeSigning, ///< extended key usage codeSigning
+    packageSigning, ///< a Developer ID certificate for packages, or for code
+    timestamping, ///< extended key usage timeStamping (RFC 3161, 2.3)
+    tickets ///< Apple's marker 1.2.840.113635.100.6.1.30
 };
 
 /// What speaks against a chain, the worst first.
-enum class TrustProblem { None, NoCertificate, Broken, Untrusted, WrongPurpose, NotYetValid, Expired };
+enum class TrustProblem { none, noCertificate, broken, untrusted, wrongPurpose, notYetValid, expired };
 
 /// A judgement on a certificate.
 struct Trust {
     QList<QByteArray> chain; ///< in DER form from the leaf upwards, as far as it could be built
-    Anchor anchor = Anchor::Other; ///< told too where only the dates are wrong
-    TrustProblem problem = TrustProblem::NoCertificate;
+    Anchor anchor = Anchor::other; ///< told too where only the dates are wrong
+    TrustProblem problem = TrustProblem::noCertificate;
 
-    [[nodiscard]] bool isGood() const { return problem == TrustProblem::None; }
+    [[nodiscard]] bool isGood() const { return problem == TrustProblem::none; }
     /// For a person, such as "the certificate has expired"; empty if nothing speaks against it.
     [[nodiscard]] QString text() const;
 };

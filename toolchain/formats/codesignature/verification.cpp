@@ -42,10 +42,10 @@ CodeProblem problemWith(const QString &text)
 /// Strict: nothing lies in the bundle's own folder but what belongs there.
 QString rootProblem(const CodeBundle &bundle)
 {
-    if (bundle.layout == BundleLayout::Flat)
+    if (bundle.layout == BundleLayout::flat)
         return {};
     const bool isVersioned = QFileInfo(bundle.root + u"/Versions"_s).isDir();
-    if (bundle.layout == BundleLayout::FrameworkVersion && !isVersioned)
+    if (bundle.layout == BundleLayout::frameworkVersion && !isVersioned)
         return {};
     const auto entries =
         QDir(bundle.root)
@@ -144,7 +144,7 @@ private:
 
     void checkRoot()
     {
-        if (m_order.strictness == Strictness::Usual)
+        if (m_order.strictness == Strictness::usual)
             return;
         const SignedCode &code = *m_result.code;
         QString problem = detritusProblem(code);
@@ -165,7 +165,7 @@ private:
             return;
         }
         const auto strictness =
-            m_order.strictness == Strictness::Strict ? seal::Strictness::Strict : seal::Strictness::Usual;
+            m_order.strictness == Strictness::strict ? seal::Strictness::strict : seal::Strictness::usual;
         const auto problems = seal::checkSeal(
             *seal, sealedFolder(*code.bundle), strictness,
             [this](const QString &path, const seal::Entry &entry) { return nested(path, entry); });
@@ -179,13 +179,13 @@ private:
         CodeProblem result;
         for (const seal::Problem &problem : problems) {
             const bool isFirst = result.isNone();
-            if (isFirst && problem.kind == seal::ProblemKind::Nested && m_nested)
+            if (isFirst && problem.kind == seal::ProblemKind::nested && m_nested)
                 result = *m_nested;
             else if (isFirst) {
                 result.text = problem.text;
                 result.detail = problem.detail;
             }
-            if (isFirst && problem.kind == seal::ProblemKind::Nested && !m_nested)
+            if (isFirst && problem.kind == seal::ProblemKind::nested && !m_nested)
                 result.subcomponent = problem.path;
             if (!problem.line().isEmpty() && !result.files.contains(problem.line()))
                 result.files.append(problem.line());
@@ -249,7 +249,7 @@ CmsJudgement judgePart(const SignedPart &part, const TrustStore &store)
         return QCryptographicHash::hash(part.primary().bytes(), algorithm);
     };
     content.directories = directoryDigests(part);
-    return judgeCms(*signature, content, TrustPurpose::CodeSigning, store);
+    return judgeCms(*signature, content, TrustPurpose::codeSigning, store);
 }
 
 RequirementSubject requirementSubject(const SignedCode &code, const std::optional<CmsJudgement> &signer)
@@ -264,9 +264,9 @@ RequirementSubject requirementSubject(const SignedCode &code, const std::optiona
         return subject;
     subject.chain = signer->trust.chain;
     const Anchor anchor = signer->trust.anchor;
-    subject.endsInApplesRoot = anchor == Anchor::Apple;
+    subject.endsInApplesRoot = anchor == Anchor::apple;
     subject.isTrusted = [anchor, last = subject.chain.size() - 1](qsizetype index) {
-        return index == last && (anchor == Anchor::Apple || anchor == Anchor::ThisMachine);
+        return index == last && (anchor == Anchor::apple || anchor == Anchor::thisMachine);
     };
     return subject;
 }

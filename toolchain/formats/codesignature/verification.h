@@ -10,11 +10,11 @@
 
 namespace toolchain::codesignature {
 
-enum class Strictness { Usual, Strict };
+enum class Strictness { usual, strict };
 
 /// What is to be verified beside the code itself.
 struct VerificationOrder {
-    Strictness strictness = Strictness::Usual;
+    Strictness strictness = Strictness::usual;
     QByteArray requirement; ///< a blob that the code has to meet; empty: none
     TrustStore store = TrustStore::ofThisMachine();
     /// Told of nested code, by its absolute path, before and after it has been looked at; may be empty.

@@ -107,7 +107,7 @@ std::optional<QByteArray> fileName(const QString &storedName, NameForm form)
 {
     if (!storedName.isValidUtf16())
         return {};
-    QString name = form == NameForm::Composed ? inForm(QString::NormalizationForm_C, storedName) : storedName;
+    QString name = form == NameForm::composed ? inForm(QString::NormalizationForm_C, storedName) : storedName;
     name.replace(u'/', u':');
     const bool isPossible = !name.isEmpty() && !name.contains(QChar(u'\0')) && name != QStringView(u".")
         && name != QStringView(u"..");
@@ -118,8 +118,8 @@ NameForm formOf(std::string_view name, const QString &storedName)
 {
     const QByteArrayView bytes(name.data(), qsizetype(name.size()));
     const bool isComposed =
-        fileName(storedName) != bytes && fileName(storedName, NameForm::Composed) == bytes;
-    return isComposed ? NameForm::Composed : NameForm::AsStored;
+        fileName(storedName) != bytes && fileName(storedName, NameForm::composed) == bytes;
+    return isComposed ? NameForm::composed : NameForm::asStored;
 }
 
 std::u16string foldedName(const QString &storedName)

@@ -18,13 +18,13 @@ inline constexpr qsizetype longestName = 255; ///< in UTF-16 units, after taking
 [[nodiscard]] std::optional<QString> storedName(std::string_view fileName);
 
 enum class NameForm {
-    AsStored, ///< with characters taken apart, as macOS gives it to programs
-    Composed ///< with characters put together, as the file was called that the name comes from
+    asStored, ///< with characters taken apart, as macOS gives it to programs
+    composed ///< with characters put together, as the file was called that the name comes from
 };
 
 /// The file name in UTF-8 that a stored name stands for. Empty if no file can be called so.
 [[nodiscard]] std::optional<QByteArray> fileName(const QString &storedName,
-                                                 NameForm form = NameForm::AsStored);
+                                                 NameForm form = NameForm::asStored);
 
 /// The form in which a stored name gives back the file name that it was made of.
 [[nodiscard]] NameForm formOf(std::string_view fileName, const QString &storedName);

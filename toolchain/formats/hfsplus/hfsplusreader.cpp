@@ -70,7 +70,7 @@ VolumeEntry entryFrom(const QString &name, QByteArrayView record, bool isFolder)
     entry.number = bigEndianAt<quint32>(record, numberOffset);
     entry.storedName = name;
     if (bigEndianAt<quint32>(record, encodingOffset) == composedNameEncoding)
-        entry.nameForm = NameForm::Composed;
+        entry.nameForm = NameForm::composed;
     entry.mode = modeAt(record, isFolder);
     entry.modified = dateAt(record, modifiedOffset);
     entry.accessed = dateAt(record, accessedOffset);
@@ -112,16 +112,16 @@ HfsPlusReader::HfsPlusReader(ByteSource source)
     const bool hasHeader = m_source(volumeHeaderOffset, header.data(), header.size());
     m_blockSize = bigEndianAt<quint32>(header, blockSizeOffset);
     if (!hasHeader || m_blockSize < 512 || m_blockSize > largestBlock
-        || !readTree(forkAt(header, hfsplus::extentsFork, {extentsFile, ForkKind::Data}),
+        || !readTree(forkAt(header, hfsplus::extentsFork, {extentsFile, ForkKind::data}),
                      &HfsPlusReader::takeExtents)
-        || !readTree(forkAt(header, hfsplus::catalogFork, {catalogFile, ForkKind::Data}),
+        || !readTree(forkAt(header, hfsplus::catalogFork, {catalogFile, ForkKind::data}),
                      &HfsPlusReader::takeCatalogRecord)
         || m_root.number != hfsplus::rootFolder) {
         if (m_error.empty())
             m_error = damaged;
         return;
     }
-    const StoredFork attributes = forkAt(header, hfsplus::attributesFork, {attributesFile, ForkKind::Data});
+    const StoredFork attributes = forkAt(header, hfsplus::attributesFork, {attributesFile, ForkKind::data});
     if (attributes.size > 0 && !readTree(attributes, &HfsPlusReader::takeAttribute) && m_error.empty())
         m_error = damaged;
     followHardLinks();
@@ -259,7 +259,7 @@ bool HfsPlusReader::takeExtents(QByteArrayView key, QByteArrayView data)
     constexpr qsizetype forkKindOffset = 2;
     constexpr qsizetype fileOffset = 4;
     const auto kind = ForkKind(bigEndianAt<quint8>(key, forkKindOffset));
-    if (kind != ForkKind::Data && kind != ForkKind::Resource)
+    if (kind != ForkKind::data && kind != ForkKind::resource)
         return true;
     auto &runs = m_moreRuns[{bigEndianAt<quint32>(key, fileOffset), kind}];
     for (int place = 0; place < extentsInFork; ++place)
@@ -285,8 +285,8 @@ bool HfsPlusReader::takeCatalogRecord(QByteArrayView key, QByteArrayView data)
     const quint32 folder = bigEndianAt<quint32>(key, 2);
     VolumeEntry entry = entryFrom(nameAt(key, 6), data, isFolder);
     if (!isFolder) {
-        entry.data = forkAt(data, dataForkOffset, {entry.number, ForkKind::Data});
-        entry.resource = forkAt(data, resourceForkOffset, {entry.number, ForkKind::Resource});
+        entry.data = forkAt(data, dataForkOffset, {entry.number, ForkKind::data});
+        entry.resource = forkAt(data, resourceForkOffset, {entry.number, ForkKind::resource});
     }
     if (folder == rootParent) {
         m_root = entry;
@@ -316,7 +316,7 @@ bool HfsPlusReader::takeAttribute(QByteArrayView key, QByteArrayView data)
         attribute.value = data.sliced(valueOffset, size).toByteArray();
     else if (kind == forkAttribute && data.size() >= 8 + forkSize)
         attribute.fork =
-            forkAt(data, 8, {attributesFile, ForkKind::Resource}); // there are no more runs of these
+            forkAt(data, 8, {attributesFile, ForkKind::resource}); // there are no more runs of these
     else
         return kind == moreOfForkAttribute;
     m_attributeBytes += quint64(attribute.value.size() + key.size());

@@ -36,7 +36,7 @@ struct StoredAttribute {
 struct VolumeEntry {
     quint32 number = 0; ///< the catalog's; entriesOf() takes that of a folder
     QString storedName;
-    NameForm nameForm = NameForm::AsStored;
+    NameForm nameForm = NameForm::asStored;
     quint16 mode = 0; ///< as stat gives it; the kind of file is always set
     qint64 modified = 0; ///< seconds since 1970
     qint64 accessed = 0;
@@ -101,7 +101,7 @@ public:
 private:
     using RecordHandler = bool (HfsPlusReader::*)(QByteArrayView key, QByteArrayView data);
 
-    enum class ForkKind : quint8 { Data = 0, Resource = 0xff };
+    enum class ForkKind : quint8 { data = 0, resource = 0xff };
     using ForkName = std::pair<quint32, ForkKind>; ///< a file's number, and which of its forks
 
     [[nodiscard]] hfsplus::StoredFork forkAt(QByteArrayView bytes, qsizetype offset, ForkName name) const;

@@ -70,7 +70,7 @@ quint16 attributesFlag(const SourceItem &item)
 
 quint32 encodingOf(const SourceItem &item)
 {
-    return item.nameForm == NameForm::Composed ? composedNameEncoding : 0;
+    return item.nameForm == NameForm::composed ? composedNameEncoding : 0;
 }
 
 QByteArray finderInfoOf(const SourceItem &item, qint64 added)

@@ -37,10 +37,10 @@ public:
     {
         const fs::path source = top.path;
         top.status = plainFolder(time);
-        if (root == VolumeRoot::Contents && !readWhatItIs(top))
+        if (root == VolumeRoot::contents && !readWhatItIs(top))
             return std::move(m_tree);
         m_tree.items.push_back(top);
-        if (root == VolumeRoot::Item)
+        if (root == VolumeRoot::item)
             add(source, 0);
         else
             addContents(0);

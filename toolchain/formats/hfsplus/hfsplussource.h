@@ -14,8 +14,8 @@
 namespace toolchain::hfsplus {
 
 enum class VolumeRoot {
-    Contents, ///< the volume holds what lies in the source folder
-    Item ///< the volume holds the source itself
+    contents, ///< the volume holds what lies in the source folder
+    item ///< the volume holds the source itself
 };
 
 /// A run of blocks that holds a file's bytes.
@@ -46,7 +46,7 @@ struct HardLink {
 struct SourceItem {
     std::filesystem::path path; ///< where its bytes come from
     QString storedName; ///< the volume's name for the first item, the root folder
-    NameForm nameForm = NameForm::AsStored; ///< in which it is called as its source
+    NameForm nameForm = NameForm::asStored; ///< in which it is called as its source
     std::size_t folder = 0; ///< the place of the folder that it lies in; the root folder's is its own
     quint32 entryCount = 0; ///< of a folder
     struct stat status = {};

@@ -47,7 +47,7 @@ Result<Vault::Status> Vault::status() const
         return Status{};
     const VaultFile &vault = **file;
     const bool isLocked =
-        vault.lock.protection == VaultProtection::Passphrase && !SessionKey(m_folder).read().has_value();
+        vault.lock.protection == VaultProtection::passphrase && !SessionKey(m_folder).read().has_value();
     return Status{true, isLocked, vault.lock.protection, vault.keyIds.size()};
 }
 
@@ -89,7 +89,7 @@ Outcome Vault::change(const Change &change) const
     const bool isSame = *file && secrets->toBytes() == before;
     if (!changed || isSame)
         return changed;
-    return *file ? write(**file, *key, *secrets) : writeAnew(*secrets, VaultProtection::KeyFile, {});
+    return *file ? write(**file, *key, *secrets) : writeAnew(*secrets, VaultProtection::keyFile, {});
 }
 
 Outcome Vault::unlock(const QByteArray &passphrase) const
@@ -101,8 +101,8 @@ Outcome Vault::unlock(const QByteArray &passphrase) const
     if (!file)
         return file.failure();
     if (!*file)
-        return writeAnew({}, VaultProtection::Passphrase, passphrase);
-    if ((**file).lock.protection != VaultProtection::Passphrase)
+        return writeAnew({}, VaultProtection::passphrase, passphrase);
+    if ((**file).lock.protection != VaultProtection::passphrase)
         return Error{u"the keychain is under no passphrase"_s};
     const auto key = vaultKeyFrom((**file).lock, passphrase);
     const auto secrets = key ? secretsOf(**file, *key) : key.failure();
@@ -117,7 +117,7 @@ Outcome Vault::lock() const
     const auto now = status();
     if (!now)
         return now.failure();
-    if (now->protection != VaultProtection::Passphrase)
+    if (now->protection != VaultProtection::passphrase)
         return Error{u"the keychain is under no passphrase, so it cannot be locked"_s};
     SessionKey(m_folder).forget();
     return Outcome::success();
@@ -140,7 +140,7 @@ Outcome Vault::protect(VaultProtection protection, const QByteArray &passphrase)
 
 Result<QByteArray> Vault::keyOf(const VaultFile &file) const
 {
-    if (file.lock.protection != VaultProtection::Passphrase)
+    if (file.lock.protection != VaultProtection::passphrase)
         return keptVaultKey(m_folder, file.lock);
     const auto key = SessionKey(m_folder).read();
     return key ? Result<QByteArray>(*key)
@@ -175,7 +175,7 @@ Outcome Vault::writeAnew(const VaultSecrets &secrets, VaultProtection protection
         return written;
     SessionKey session(m_folder);
     session.forget();
-    const QString problem = protection == VaultProtection::Passphrase ? session.keep(made->key) : QString();
+    const QString problem = protection == VaultProtection::passphrase ? session.keep(made->key) : QString();
     return problem.isEmpty() ? Outcome::success() : Error{problem};
 }
 

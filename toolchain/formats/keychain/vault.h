@@ -23,7 +23,7 @@ public:
     struct Status {
         bool exists = false;
         bool isLocked = false;
-        VaultProtection protection = VaultProtection::KeyFile;
+        VaultProtection protection = VaultProtection::keyFile;
         qsizetype keys = 0;
     };
     [[nodiscard]] platform::Result<Status> status() const;
@@ -45,7 +45,7 @@ public:
     [[nodiscard]] platform::Outcome lock() const;
 
     /// Encrypts everything anew under another protection; the vault must be open. `passphrase` is that of
-    /// `VaultProtection::Passphrase` and not looked at for the others.
+    /// `VaultProtection::passphrase` and not looked at for the others.
     [[nodiscard]] platform::Outcome protect(VaultProtection protection,
                                             const QByteArray &passphrase = {}) const;
 

@@ -24,9 +24,9 @@ struct ProtectionName {
 };
 
 constexpr ProtectionName protectionNames[] = {
-    {VaultProtection::KeyFile, "key-file"_L1},
-    {VaultProtection::Passphrase, "passphrase"_L1},
-    {VaultProtection::SecretService, "secret-service"_L1},
+    {VaultProtection::keyFile, "key-file"_L1},
+    {VaultProtection::passphrase, "passphrase"_L1},
+    {VaultProtection::secretService, "secret-service"_L1},
 };
 
 QString pathIn(const QString &folder)
@@ -70,7 +70,7 @@ quint64 numberIn(const QJsonValue &value)
 QJsonObject objectOf(const VaultLock &lock)
 {
     QJsonObject object{{u"kind"_s, nameOf(lock.protection)}};
-    if (lock.protection != VaultProtection::Passphrase) {
+    if (lock.protection != VaultProtection::passphrase) {
         object.insert(u"keeper"_s, lock.keeper);
         return object;
     }
@@ -92,7 +92,7 @@ std::optional<VaultLock> lockIn(const QJsonObject &object)
                          bytesIn(object.value(u"salt"_s)),
                          bytesIn(object.value(u"sealedKey"_s))};
     const bool isFit =
-        *protection == VaultProtection::Passphrase ? lock.cost.isBearable() : !lock.keeper.contains(u'/');
+        *protection == VaultProtection::passphrase ? lock.cost.isBearable() : !lock.keeper.contains(u'/');
     return isFit ? std::optional(lock) : std::nullopt;
 }
 

@@ -14,14 +14,14 @@ namespace toolchain {
 
 /// What keeps a vault's own key.
 enum class VaultProtection {
-    KeyFile, ///< a file beside the vault: no more than the folder's own protection
-    Passphrase, ///< the key is sealed under a passphrase
-    SecretService ///< the desktop's Secret Service keeps it
+    keyFile, ///< a file beside the vault: no more than the folder's own protection
+    passphrase, ///< the key is sealed under a passphrase
+    secretService ///< the desktop's Secret Service keeps it
 };
 
 /// How a vault's key is come by. What belongs to other protections is empty.
 struct VaultLock {
-    VaultProtection protection = VaultProtection::KeyFile;
+    VaultProtection protection = VaultProtection::keyFile;
     QString keeper; ///< the key file's name, or the entry in the Secret Service
     ScryptCost cost;
     QByteArray salt;

@@ -27,7 +27,7 @@ Result<LockedKey> keyUnder(const QByteArray &passphrase, const QByteArray &key)
 {
     if (passphrase.isEmpty())
         return Error{u"an empty passphrase protects nothing"_s};
-    VaultLock lock{VaultProtection::Passphrase, {}, {}, randomBytes(saltSize), {}};
+    VaultLock lock{VaultProtection::passphrase, {}, {}, randomBytes(saltSize), {}};
     const QByteArray outer = keyFromPassphrase(passphrase, lock.salt, lock.cost);
     if (outer.isEmpty())
         return Error{u"no key could be made of the passphrase"_s};
@@ -37,14 +37,14 @@ Result<LockedKey> keyUnder(const QByteArray &passphrase, const QByteArray &key)
 
 Result<LockedKey> keyInFile(const QString &folder, const QByteArray &key)
 {
-    const VaultLock lock{VaultProtection::KeyFile, newName() + u".key"_s, {}, {}, {}};
+    const VaultLock lock{VaultProtection::keyFile, newName() + u".key"_s, {}, {}, {}};
     const QString problem = writePrivateFile(folder + u'/' + lock.keeper, key);
     return problem.isEmpty() ? Result<LockedKey>(LockedKey{lock, key}) : Error{problem};
 }
 
 Result<LockedKey> keyInSecretService(const QByteArray &key)
 {
-    const VaultLock lock{VaultProtection::SecretService, u"keychain "_s + newName(), {}, {}, {}};
+    const VaultLock lock{VaultProtection::secretService, u"keychain "_s + newName(), {}, {}, {}};
     const auto kept = secretservice::store(lock.keeper, key);
     return kept ? Result<LockedKey>(LockedKey{lock, key}) : kept.failure();
 }
@@ -56,11 +56,11 @@ Result<LockedKey> makeVaultKey(const QString &folder, VaultProtection protection
 {
     const QByteArray key = randomBytes(sealingKeySize);
     switch (protection) {
-    case VaultProtection::KeyFile:
+    case VaultProtection::keyFile:
         return keyInFile(folder, key);
-    case VaultProtection::Passphrase:
+    case VaultProtection::passphrase:
         return keyUnder(passphrase, key);
-    case VaultProtection::SecretService:
+    case VaultProtection::secretService:
         return keyInSecretService(key);
     }
     return Error{u"no such protection"_s};
@@ -68,7 +68,7 @@ Result<LockedKey> makeVaultKey(const QString &folder, VaultProtection protection
 
 Result<QByteArray> keptVaultKey(const QString &folder, const VaultLock &lock)
 {
-    if (lock.protection == VaultProtection::SecretService)
+    if (lock.protection == VaultProtection::secretService)
         return secretservice::read(lock.keeper);
     QFile file(folder + u'/' + lock.keeper);
     if (!file.open(QIODevice::ReadOnly))
@@ -85,9 +85,9 @@ Result<QByteArray> vaultKeyFrom(const VaultLock &lock, const QByteArray &passphr
 
 void dropVaultKey(const QString &folder, const VaultLock &lock)
 {
-    if (lock.protection == VaultProtection::KeyFile)
+    if (lock.protection == VaultProtection::keyFile)
         QFile::remove(folder + u'/' + lock.keeper);
-    if (lock.protection == VaultProtection::SecretService)
+    if (lock.protection == VaultProtection::secretService)
         static_cast<void>(secretservice::remove(lock.keeper));
 }
 

@@ -30,14 +30,14 @@ QList<HttpHeader> sorted(QList<HttpHeader> headers)
 
 QByteArray percentEncoded(const QByteArray &plain, Slash slash)
 {
-    return plain.toPercentEncoding(slash == Slash::Kept ? "/" : "");
+    return plain.toPercentEncoding(slash == Slash::kept ? "/" : "");
 }
 
 QByteArray canonicalQuery(const QList<QPair<QByteArray, QByteArray>> &query)
 {
     QList<QPair<QByteArray, QByteArray>> encoded;
     for (const auto &[name, value] : query)
-        encoded.append({percentEncoded(name, Slash::Encoded), percentEncoded(value, Slash::Encoded)});
+        encoded.append({percentEncoded(name, Slash::encoded), percentEncoded(value, Slash::encoded)});
     std::sort(encoded.begin(), encoded.end()); // by name first: '=' would sort behind '-'
     QByteArrayList parts;
     for (const auto &[name, value] : encoded)

@@ -27,7 +27,7 @@ struct SignableRequest {
 };
 
 /// Every byte but A-Za-z0-9-._~ (and the slash, where it is kept) in upper-case percent form.
-enum class Slash { Kept, Encoded };
+enum class Slash { kept, encoded };
 [[nodiscard]] QByteArray percentEncoded(const QByteArray &plain, Slash slash);
 
 /// The query as it is sent and signed: sorted, each part with its '='.

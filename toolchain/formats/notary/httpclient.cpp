@@ -205,7 +205,7 @@ private:
     void setAddress(const HttpRequest &request)
     {
         const bool isLocal = isLoopback(QUrl::fromEncoded(request.url).host());
-        const bool takesPlain = isLocal || request.plainHttp == PlainHttp::Allowed;
+        const bool takesPlain = isLocal || request.plainHttp == PlainHttp::allowed;
         curl_easy_setopt(m_curl, CURLOPT_URL, request.url.constData());
         curl_easy_setopt(m_curl, CURLOPT_PROTOCOLS_STR, takesPlain ? "https,http" : "https");
         curl_easy_setopt(m_curl, CURLOPT_REDIR_PROTOCOLS_STR, "https");
@@ -316,7 +316,7 @@ HttpReply HttpClient::perform(const HttpRequest &request)
     HttpReply reply = m_handle->perform(request);
     const QByteArray target = reply.headers.value("location");
     const bool isRedirect = reply.status >= 301 && reply.status <= 308 && !target.isEmpty();
-    if (!isRedirect || request.redirects == RedirectPolicy::Refused
+    if (!isRedirect || request.redirects == RedirectPolicy::refused
         || !isAcceptable(QUrl::fromEncoded(target)))
         return reply;
     HttpRequest onward = request;

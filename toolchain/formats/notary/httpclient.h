@@ -27,13 +27,13 @@ struct FilePiece {
 };
 
 enum class RedirectPolicy {
-    Refused,
-    OnceToHttps ///< without any of the request's headers
+    refused,
+    onceToHttps ///< without any of the request's headers
 };
 
 enum class PlainHttp {
-    LoopbackOnly,
-    Allowed ///< for what is signed by itself, as a time stamp is
+    loopbackOnly,
+    allowed ///< for what is signed by itself, as a time stamp is
 };
 
 struct HttpRequest {
@@ -45,8 +45,8 @@ struct HttpRequest {
     qint64 largestReply = 5'000'000; ///< bytes; a longer body is a failure
     Milliseconds idleLimit{20'000}; ///< without a byte in either direction
     Milliseconds wholeLimit{150'000};
-    RedirectPolicy redirects = RedirectPolicy::Refused;
-    PlainHttp plainHttp = PlainHttp::LoopbackOnly;
+    RedirectPolicy redirects = RedirectPolicy::refused;
+    PlainHttp plainHttp = PlainHttp::loopbackOnly;
     std::function<void(qint64 sent)> progress; ///< may be empty
 };
 

@@ -50,10 +50,10 @@ NextStep NotaryApi::judge(const HttpReply &reply, IsUsable isUsable)
 {
     m_clock.learn(reply);
     if (reply.status == 401)
-        return NextStep::TryAtOnce; // with a new token, and by the service's own clock
+        return NextStep::tryAtOnce; // with a new token, and by the service's own clock
     if (reply.status == 200 && !isUsable(reply.body))
-        return NextStep::TryLater; // a gateway's page, or half a reply
-    return mayPass(reply) ? NextStep::TryLater : NextStep::Take;
+        return NextStep::tryLater; // a gateway's page, or half a reply
+    return mayPass(reply) ? NextStep::tryLater : NextStep::take;
 }
 
 HttpReply NotaryApi::call(const QByteArray &method, const QString &path, IsUsable isUsable,
@@ -116,11 +116,11 @@ Answer<QByteArray> NotaryApi::fetchLog(const QByteArray &url)
     const auto attempt = [&](HttpRequest request) {
         request.url = url;
         request.largestReply = largestLog;
-        request.redirects = RedirectPolicy::OnceToHttps;
+        request.redirects = RedirectPolicy::onceToHttps;
         return m_http.perform(request);
     };
     const auto judgeLog = [](const HttpReply &reply) {
-        return mayPass(reply) ? NextStep::TryLater : NextStep::Take;
+        return mayPass(reply) ? NextStep::tryLater : NextStep::take;
     };
     const HttpReply reply = Retries().run(attempt, judgeLog);
     return reply.status == 200 ? Answer<QByteArray>(reply.body) : Answer<QByteArray>(failureOf(reply));

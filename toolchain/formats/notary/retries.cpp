@@ -57,11 +57,11 @@ HttpReply Retries::run(const std::function<HttpReply(const HttpRequest &limits)>
             std::min(scaledLimit(idleLimits.at(std::size_t(number)), leastIdle), limits.wholeLimit);
         const HttpReply reply = attempt(limits);
         NextStep step = judge(reply);
-        if (step == NextStep::TryAtOnce && std::exchange(wasPutRight, true))
-            step = NextStep::Take;
-        if (step == NextStep::Take)
+        if (step == NextStep::tryAtOnce && std::exchange(wasPutRight, true))
+            step = NextStep::take;
+        if (step == NextStep::take)
             return reply;
-        if (step == NextStep::TryAtOnce)
+        if (step == NextStep::tryAtOnce)
             continue;
         const Milliseconds pause = pauseAfter(reply, number);
         if (++number == tries || Clock::now() + pause >= deadline)

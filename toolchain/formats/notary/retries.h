@@ -8,9 +8,9 @@ namespace toolchain::notary {
 
 /// What is to be done after a reply.
 enum class NextStep {
-    Take, ///< the reply stands, be it good or bad
-    TryLater, ///< what may pass by itself
-    TryAtOnce ///< something was put right; once in a call
+    take, ///< the reply stands, be it good or bad
+    tryLater, ///< what may pass by itself
+    tryAtOnce ///< something was put right; once in a call
 };
 
 /// One call with its tries: 4 at most, none begun more than 150 seconds after the first. Longer and longer

@@ -14,8 +14,8 @@ const QByteArray nothingsDigest = "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b9
 QByteArray addressOf(const ServiceConfig &config, const UploadPlace &place)
 {
     QByteArray address = config.upload.toUtf8();
-    address.replace("{bucket}", percentEncoded(place.bucket, Slash::Encoded));
-    return address.replace("{object}", percentEncoded(place.object, Slash::Kept));
+    address.replace("{bucket}", percentEncoded(place.bucket, Slash::encoded));
+    return address.replace("{object}", percentEncoded(place.object, Slash::kept));
 }
 
 /// The request line's path, as it stands in the address.
@@ -167,13 +167,13 @@ NextStep Upload::judge(const HttpReply &reply)
 {
     m_api.clock().learn(reply);
     if (m_file.hasChanged())
-        return NextStep::Take;
+        return NextStep::take;
     const QByteArray code = reply.isWhole() ? storageErrorCode(reply.body) : QByteArray();
     m_mustStartAgain = code == "ExpiredToken" || code == "NoSuchUpload";
     if (code == "RequestTimeTooSkewed")
-        return NextStep::TryAtOnce; // signed by the storage's own clock
+        return NextStep::tryAtOnce; // signed by the storage's own clock
     const bool isPassing = code == "RequestTimeout" || code == "InternalError" || code == "SlowDown";
-    return isPassing || mayPass(reply) ? NextStep::TryLater : NextStep::Take;
+    return isPassing || mayPass(reply) ? NextStep::tryLater : NextStep::take;
 }
 
 ServiceFailure Upload::failure(const HttpReply &reply)

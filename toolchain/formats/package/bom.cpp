@@ -159,16 +159,16 @@ private:
     {
         BomEntry entry;
         const int type = details[0];
-        entry.type = type == 2 ? BomType::Folder
-            : type == 3        ? BomType::Link
-            : type == 4        ? BomType::Device
-                               : BomType::File;
+        entry.type = type == 2 ? BomType::folder
+            : type == 3        ? BomType::link
+            : type == 4        ? BomType::device
+                               : BomType::file;
         entry.mode = bigEndianAt<quint16>(details, 4);
         entry.user = bigEndianAt<quint32>(details, 6);
         entry.group = bigEndianAt<quint32>(details, 10);
         entry.size = bigEndianAt<quint32>(details, 18);
         entry.checksum = bigEndianAt<quint32>(details, 23);
-        if (entry.type == BomType::Link)
+        if (entry.type == BomType::link)
             entry.linkTarget = textAt(details, 31);
         return entry;
     }

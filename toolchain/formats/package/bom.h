@@ -8,12 +8,12 @@
 
 namespace toolchain::package {
 
-enum class BomType { File, Folder, Link, Device };
+enum class BomType { file, folder, link, device };
 
 /// An item of a bill of materials.
 struct BomEntry {
     QByteArray path; ///< "." for the folder that all lies in, "./name" for what lies in it
-    BomType type = BomType::File;
+    BomType type = BomType::file;
     quint32 mode = 0; ///< with the type's bits
     quint32 user = 0;
     quint32 group = 0;

@@ -39,13 +39,13 @@ CpioType typeOf(quint64 mode)
 {
     switch (mode & typeMask) {
     case 0100000:
-        return CpioType::File;
+        return CpioType::file;
     case 0040000:
-        return CpioType::Folder;
+        return CpioType::folder;
     case 0120000:
-        return CpioType::Link;
+        return CpioType::link;
     default:
-        return CpioType::Other;
+        return CpioType::other;
     }
 }
 
@@ -73,7 +73,7 @@ std::optional<QByteArray> cleanPath(const QByteArray &path)
 
 platform::Outcome CpioReader::add(QByteArrayView bytes)
 {
-    while (!bytes.isEmpty() && m_state != State::End) {
+    while (!bytes.isEmpty() && m_state != State::end) {
         const auto outcome = step(bytes);
         if (!outcome)
             return outcome;
@@ -83,26 +83,26 @@ platform::Outcome CpioReader::add(QByteArrayView bytes)
 
 platform::Outcome CpioReader::finish() const
 {
-    return m_state == State::End ? platform::Outcome() : platform::Outcome(damaged());
+    return m_state == State::end ? platform::Outcome() : platform::Outcome(damaged());
 }
 
 platform::Outcome CpioReader::step(QByteArrayView &bytes)
 {
     switch (m_state) {
-    case State::Head:
+    case State::head:
         if (!gather(bytes, 6))
             return {};
-        m_form = m_gathered.startsWith("070707") ? Form::Portable : Form::Newer;
-        return gather(bytes, m_form == Form::Portable ? portableHead : newerHead) ? takeHead()
+        m_form = m_gathered.startsWith("070707") ? Form::portable : Form::newer;
+        return gather(bytes, m_form == Form::portable ? portableHead : newerHead) ? takeHead()
                                                                                   : platform::Outcome();
-    case State::Name:
+    case State::name:
         return gather(bytes, m_nameSize) ? takeName() : platform::Outcome();
-    case State::Content:
+    case State::content:
         return giveContent(bytes);
-    case State::Padding:
+    case State::padding:
         skipPadding(bytes);
         return {};
-    case State::End:
+    case State::end:
         break;
     }
     return {};
@@ -118,7 +118,7 @@ bool CpioReader::gather(QByteArrayView &bytes, qsizetype wanted)
 
 platform::Outcome CpioReader::takeHead()
 {
-    const bool isPortable = m_form == Form::Portable;
+    const bool isPortable = m_form == Form::portable;
     if (!isPortable && !m_gathered.startsWith("070701") && !m_gathered.startsWith("070702"))
         return damaged();
     const int base = isPortable ? 8 : 16;
@@ -132,7 +132,7 @@ platform::Outcome CpioReader::takeHead()
     m_nameSize = qsizetype(*nameSize) + (isPortable ? 0 : toFour(newerHead + *nameSize));
     m_padding = isPortable ? 0 : toFour(*size);
     m_gathered.clear();
-    m_state = State::Name;
+    m_state = State::name;
     return {};
 }
 
@@ -142,7 +142,7 @@ platform::Outcome CpioReader::takeName()
         m_gathered.first(m_gathered.indexOf('\0') < 0 ? m_gathered.size() : m_gathered.indexOf('\0'));
     m_gathered.clear();
     if (name == lastName) {
-        m_state = State::End;
+        m_state = State::end;
         return {};
     }
     const auto path = cleanPath(name);
@@ -151,7 +151,7 @@ platform::Outcome CpioReader::takeName()
             u"%1: the name leads out of the archive's folder"_s.arg(QString::fromUtf8(name))};
     m_entry.path = *path;
     m_left = m_entry.size;
-    m_state = State::Content;
+    m_state = State::content;
     const auto outcome = m_visitor.entry(m_entry);
     if (outcome && m_left == 0)
         beginNext();
@@ -165,7 +165,7 @@ platform::Outcome CpioReader::giveContent(QByteArrayView &bytes)
     bytes = bytes.sliced(length);
     m_left -= quint64(length);
     if (m_left == 0) {
-        m_state = m_padding > 0 ? State::Padding : State::Head;
+        m_state = m_padding > 0 ? State::padding : State::head;
         m_left = quint64(m_padding);
     }
     return outcome;
@@ -182,7 +182,7 @@ void CpioReader::skipPadding(QByteArrayView &bytes)
 
 void CpioReader::beginNext()
 {
-    m_state = State::Head;
+    m_state = State::head;
     m_left = 0;
 }
 

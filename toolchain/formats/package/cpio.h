@@ -9,12 +9,12 @@
 
 namespace toolchain::package {
 
-enum class CpioType { File, Folder, Link, Other };
+enum class CpioType { file, folder, link, other };
 
 /// One item of a cpio archive.
 struct CpioEntry {
     QByteArray path; ///< without "./" in front and "/" behind; empty for the folder that all lies in
-    CpioType type = CpioType::Other;
+    CpioType type = CpioType::other;
     quint32 mode = 0; ///< permissions
     quint64 size = 0; ///< bytes of the content, a link's target included
     qint64 modified = 0; ///< seconds since 1970
@@ -43,8 +43,8 @@ public:
     [[nodiscard]] platform::Outcome finish() const;
 
 private:
-    enum class Form { Portable, Newer };
-    enum class State { Head, Name, Content, Padding, End };
+    enum class Form { portable, newer };
+    enum class State { head, name, content, padding, end };
 
     [[nodiscard]] platform::Outcome step(QByteArrayView &bytes);
     [[nodiscard]] platform::Outcome takeHead();
@@ -55,8 +55,8 @@ private:
     void beginNext();
 
     const CpioVisitor &m_visitor;
-    State m_state = State::Head;
-    Form m_form = Form::Portable;
+    State m_state = State::head;
+    Form m_form = Form::portable;
     QByteArray m_gathered;
     qsizetype m_nameSize = 0; ///< bytes, with what pads them
     quint64 m_left = 0; ///< of the content or of what pads it

@@ -32,16 +32,16 @@ private:
     {
         m_path = entry.path.isEmpty() ? m_below : m_below + '/' + entry.path;
         m_target.clear();
-        m_targetLeft = entry.type == CpioType::Link ? entry.size : 0;
+        m_targetLeft = entry.type == CpioType::link ? entry.size : 0;
         switch (entry.type) {
-        case CpioType::Folder:
+        case CpioType::folder:
             return m_folder.makeFolder(m_path, entry.mode);
-        case CpioType::File:
+        case CpioType::file:
             return m_folder.beginFile(m_path, entry.mode, entry.size);
-        case CpioType::Link:
+        case CpioType::link:
             return entry.size > 0 && entry.size <= longestTarget ? platform::Outcome()
                                                                  : wrong(u"a link without a target"_s);
-        case CpioType::Other:
+        case CpioType::other:
             break;
         }
         return wrong(u"neither a file, a folder nor a symbolic link"_s);
@@ -82,7 +82,7 @@ public:
         : m_archive(archive)
         , m_folder(folder)
     {
-        if (depth == Depth::Payloads)
+        if (depth == Depth::payloads)
             m_payloads = payloadsOf(archive);
     }
 
@@ -101,13 +101,13 @@ private:
     {
         const QByteArray path = file.path.toUtf8();
         switch (file.type) {
-        case xar::TocFileType::Folder:
+        case xar::TocFileType::folder:
             return m_folder.makeFolder(path, file.mode);
-        case xar::TocFileType::Link:
+        case xar::TocFileType::link:
             return m_folder.makeLink(path, file.linkTarget.toUtf8());
-        case xar::TocFileType::File:
+        case xar::TocFileType::file:
             return m_payloads.contains(&file) || isScripts(file.path) ? takeCpio(file) : takeFile(file, path);
-        case xar::TocFileType::Other:
+        case xar::TocFileType::other:
             break;
         }
         return platform::Error{file.path + u": neither a file, a folder nor a symbolic link"_s};

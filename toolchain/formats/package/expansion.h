@@ -6,8 +6,8 @@
 namespace toolchain::package {
 
 enum class Depth {
-    Archive, ///< the package's own files; its scripts become a folder, payloads stay as they are
-    Payloads ///< payloads become folders too
+    archive, ///< the package's own files; its scripts become a folder, payloads stay as they are
+    payloads ///< payloads become folders too
 };
 
 /// Unpacks a package into a new folder, as `pkgutil --expand` and `--expand-full` do. Device nodes, links

@@ -60,7 +60,7 @@ public:
 private:
     PackageJudgement damage(const QString &problem)
     {
-        m_result.verdict = PackageJudgement::Verdict::Damaged;
+        m_result.verdict = PackageJudgement::Verdict::damaged;
         m_result.problem = problem;
         return m_result;
     }
@@ -70,7 +70,7 @@ private:
         m_result.trust = trust;
         m_result.problem = trust.text();
         m_result.verdict =
-            trust.isGood() ? PackageJudgement::Verdict::Good : PackageJudgement::Verdict::Untrusted;
+            trust.isGood() ? PackageJudgement::Verdict::good : PackageJudgement::Verdict::untrusted;
         return m_result;
     }
 
@@ -85,7 +85,7 @@ private:
     PackageJudgement judgeLeafOf(const xar::TocSignature &signature)
     {
         return judgeBy(trustOf(signature.certificates.first(), signature.certificates,
-                               TrustPurpose::PackageSigning, {}, TrustStore::ofThisMachine()));
+                               TrustPurpose::packageSigning, {}, TrustStore::ofThisMachine()));
     }
 
     PackageJudgement judgeCmsOf(const xar::TocSignature &signature)
@@ -100,7 +100,7 @@ private:
             return QCryptographicHash::hash(m_archive.checksum(), algorithm);
         };
         const CmsJudgement judgement =
-            judgeCms(*cms, {digest, {}}, TrustPurpose::PackageSigning, TrustStore::ofThisMachine());
+            judgeCms(*cms, {digest, {}}, TrustPurpose::packageSigning, TrustStore::ofThisMachine());
         if (!judgement.problem.isEmpty())
             return damage(u"the CMS signature is invalid: "_s + judgement.problem);
         if (!namesTheSame(signature.certificates, *cms))

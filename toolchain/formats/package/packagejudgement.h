@@ -11,20 +11,20 @@ namespace toolchain::package {
 /// What an installer would say of a package.
 struct PackageJudgement {
     enum class Verdict {
-        NotSigned,
-        Damaged, ///< a file, or a signature, does not agree with the table
-        Untrusted, ///< the signatures hold, the certificate does not
-        Good
+        notSigned,
+        damaged, ///< a file, or a signature, does not agree with the table
+        untrusted, ///< the signatures hold, the certificate does not
+        good
     };
-    Verdict verdict = Verdict::NotSigned;
+    Verdict verdict = Verdict::notSigned;
     QString problem; ///< what speaks against it, for a person; empty for Good
     Trust trust; ///< of the signer at the moment of the time stamp, or now without one
     std::optional<QDateTime> timestamp; ///< UTC; of a trusted token
-    Anchor timestampAnchor = Anchor::Other;
+    Anchor timestampAnchor = Anchor::other;
     QDateTime signingTime; ///< as the signer says it; not valid if it says nothing
     ticket::TicketJudgement ticket; ///< of the one that is attached
 
-    [[nodiscard]] bool isGood() const { return verdict == Verdict::Good; }
+    [[nodiscard]] bool isGood() const { return verdict == Verdict::good; }
 };
 
 /// Judges a package as an installer does: all checksums, the CMS signature or, in older packages, the RSA

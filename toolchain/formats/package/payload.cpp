@@ -105,7 +105,7 @@ std::unique_ptr<xar::Unpacker> unpackerByMagic(QByteArrayView first)
 
 bool isPayload(const xar::TocFile &file)
 {
-    return file.type == xar::TocFileType::File
+    return file.type == xar::TocFileType::file
         && (file.path == u"Payload" || (file.path.endsWith(u"/Payload") && file.path.count(u'/') == 1));
 }
 

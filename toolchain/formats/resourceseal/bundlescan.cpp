@@ -24,15 +24,15 @@ namespace {
 constexpr qsizetype mostItems = 2'000'000;
 constexpr QByteArrayView appleDoubleMagic("\x00\x05\x16\x07", 4);
 
-enum class EntryType { File, Folder, Link, Other };
+enum class EntryType { file, folder, link, other };
 
 EntryType typeOf(mode_t mode)
 {
     if (S_ISREG(mode))
-        return EntryType::File;
+        return EntryType::file;
     if (S_ISDIR(mode))
-        return EntryType::Folder;
-    return S_ISLNK(mode) ? EntryType::Link : EntryType::Other;
+        return EntryType::folder;
+    return S_ISLNK(mode) ? EntryType::link : EntryType::other;
 }
 
 /// Whether XML 1.0 can hold the bytes, which are UTF-8.
@@ -95,7 +95,7 @@ private:
             if (path == m_folder.executable || isOutsideOfSeals(path)
                 || isAttributesOfAnother(path, name, names))
                 continue;
-            if (name.type == EntryType::Folder && !isNestedFolder(path, name.name))
+            if (name.type == EntryType::folder && !isNestedFolder(path, name.name))
                 waiting.append(path);
             else
                 take(path, name.type);
@@ -134,13 +134,13 @@ private:
             return seal::typeOf(mode_t(DTTOIF(entry.d_type)));
         struct stat information { };
         const int outcome = fstatat(folder, entry.d_name, &information, AT_SYMLINK_NOFOLLOW);
-        return outcome == 0 ? seal::typeOf(information.st_mode) : EntryType::Other;
+        return outcome == 0 ? seal::typeOf(information.st_mode) : EntryType::other;
     }
 
     /// `names` is all that lies in the folder, in the order of names.
     bool isAttributesOfAnother(const QByteArray &path, const Name &name, const std::vector<Name> &names) const
     {
-        const bool isSuspect = name.name.startsWith("._") && name.type == EntryType::File;
+        const bool isSuspect = name.name.startsWith("._") && name.type == EntryType::file;
         if (!isSuspect
             || !std::binary_search(names.begin(), names.end(), Name{name.name.mid(2), {}}, isBefore))
             return false;
@@ -152,7 +152,7 @@ private:
 
     bool isNestedFolder(const QByteArray &path, const QByteArray &name)
     {
-        return name.contains('.') && coverage(m_rules2, path) == Coverage::Nested;
+        return name.contains('.') && coverage(m_rules2, path) == Coverage::nested;
     }
 
     Coverage coverage(const RuleSet &rules, const QByteArray &path)
@@ -160,28 +160,28 @@ private:
         const auto result = rules.coverageOf(path);
         if (!result)
             fail(path, u"a resource rule takes too long on this name"_s);
-        return result.value_or(Coverage::Omitted);
+        return result.value_or(Coverage::omitted);
     }
 
     void take(const QByteArray &path, EntryType type)
     {
         if (!isPlain(path) && !checkCharacters(path))
             return;
-        ScannedItem item{path, ItemKind::File, Coverage::Omitted, coverage(m_rules2, path), {}};
-        const bool isNested = item.second == Coverage::Nested && type != EntryType::Link;
+        ScannedItem item{path, ItemKind::file, Coverage::omitted, coverage(m_rules2, path), {}};
+        const bool isNested = item.second == Coverage::nested && type != EntryType::link;
         if (isNested)
-            item.kind = ItemKind::NestedCode;
-        else if (type == EntryType::File)
+            item.kind = ItemKind::nestedCode;
+        else if (type == EntryType::file)
             item.first = coverage(m_rules, path);
-        if (item.first == Coverage::Omitted && item.second == Coverage::Omitted)
+        if (item.first == Coverage::omitted && item.second == Coverage::omitted)
             return;
-        if (type == EntryType::Other)
+        if (type == EntryType::other)
             return fail(path, u"neither a file, a folder nor a symbolic link"_s);
-        if (type == EntryType::Link)
+        if (type == EntryType::link)
             readLink(item);
         if (++m_found > mostItems)
             return fail(path, u"the bundle has more than %1 files"_s.arg(mostItems));
-        if (m_keep == Keep::everything || item.kind != ItemKind::File)
+        if (m_keep == Keep::everything || item.kind != ItemKind::file)
             m_items.push_back(std::move(item));
     }
 
@@ -196,7 +196,7 @@ private:
 
     void readLink(ScannedItem &item)
     {
-        item.kind = ItemKind::Link;
+        item.kind = ItemKind::link;
         QByteArray target(PATH_MAX, Qt::Uninitialized);
         const ssize_t length =
             readlink((m_base + '/' + item.path).constData(), target.data(), std::size_t(target.size()));
@@ -220,7 +220,7 @@ private:
 /// How many folders lie between a bundle's own folder and the one that the seal's paths start from.
 qsizetype levelsInBundle(const SealedFolder &folder)
 {
-    if (folder.layout == Layout::Flat)
+    if (folder.layout == Layout::flat)
         return 0;
     return folder.base.endsWith(u"/Contents"_s) ? 1 : folder.base.contains(u"/Versions/"_s) ? 2 : 0;
 }

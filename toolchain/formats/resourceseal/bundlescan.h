@@ -10,17 +10,17 @@ namespace toolchain::seal {
 struct SealedFolder {
     QString base; ///< the folder that the seal's paths start from: Contents, a framework's version, or a flat
                   ///< bundle
-    Layout layout = Layout::WithResources;
+    Layout layout = Layout::withResources;
     QByteArray executable; ///< what the signature itself covers, relative to base; empty if there is nothing
 };
 
-enum class ItemKind { File, Link, NestedCode };
+enum class ItemKind { file, link, nestedCode };
 
 struct ScannedItem {
     QByteArray path; ///< bytes as the file system has them, valid UTF-8, relative to the base
-    ItemKind kind = ItemKind::File;
-    Coverage first = Coverage::Omitted; ///< by "rules"; always Omitted for links and nested code
-    Coverage second = Coverage::Omitted; ///< by "rules2"
+    ItemKind kind = ItemKind::file;
+    Coverage first = Coverage::omitted; ///< by "rules"; always Omitted for links and nested code
+    Coverage second = Coverage::omitted; ///< by "rules2"
     QByteArray linkTarget; ///< of a link
 };
 

@@ -46,14 +46,14 @@ public:
 private:
     QString take(ScannedItem &item)
     {
-        if (item.kind == ItemKind::NestedCode)
+        if (item.kind == ItemKind::nestedCode)
             return takeNested(item);
-        if (item.kind == ItemKind::Link)
+        if (item.kind == ItemKind::link)
             return takeLink(item);
         SealedFile file;
         file.path = std::move(item.path);
-        file.wantsSha1 = item.first != Coverage::Omitted || m_digests != Digests::Sha256;
-        file.wantsSha256 = item.second != Coverage::Omitted && m_digests != Digests::Sha1;
+        file.wantsSha1 = item.first != Coverage::omitted || m_digests != Digests::sha256;
+        file.wantsSha256 = item.second != Coverage::omitted && m_digests != Digests::sha1;
         file.first = item.first;
         file.second = item.second;
         m_files.push_back(std::move(file));
@@ -79,7 +79,7 @@ private:
             return fullPath(m_folder, item.path) + u": invalid destination for symbolic link in bundle"_s;
         Entry entry;
         entry.linkTarget = item.linkTarget;
-        entry.isOptional = item.second == Coverage::Optional;
+        entry.isOptional = item.second == Coverage::optional;
         m_others.push_back({item.path, entry});
         return {};
     }
@@ -110,7 +110,7 @@ platform::Result<QList<QString>> nestedCodeIn(const SealedFolder &folder)
         return items.failure();
     QList<QString> nested;
     for (const ScannedItem &item : *items) {
-        if (item.kind == ItemKind::NestedCode)
+        if (item.kind == ItemKind::nestedCode)
             nested.append(fullPath(folder, item.path));
     }
     return nested;

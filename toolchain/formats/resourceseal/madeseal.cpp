@@ -12,16 +12,16 @@ Entry firstEntry(const SealedFile &file)
 {
     Entry entry;
     entry.sha1 = file.sha1.view();
-    entry.isOptional = file.first == Coverage::Optional;
+    entry.isOptional = file.first == Coverage::optional;
     return entry;
 }
 
 Entry secondEntry(const SealedFile &file, Digests digests)
 {
     Entry entry;
-    entry.sha1 = digests == Digests::Sha256 ? QByteArray() : file.sha1.view();
+    entry.sha1 = digests == Digests::sha256 ? QByteArray() : file.sha1.view();
     entry.sha256 = file.sha256.view();
-    entry.isOptional = file.second == Coverage::Optional;
+    entry.isOptional = file.second == Coverage::optional;
     return entry;
 }
 
@@ -41,7 +41,7 @@ MadeSeal::MadeSeal(Layout layout, Digests digests, std::vector<SealedFile> files
 void MadeSeal::visitFiles(const EntryVisitor &visit) const
 {
     for (const SealedFile &file : m_files) {
-        if (file.first != Coverage::Omitted)
+        if (file.first != Coverage::omitted)
             visit(file.path, firstEntry(file));
     }
 }
@@ -50,7 +50,7 @@ void MadeSeal::visitFiles2(const EntryVisitor &visit) const
 {
     auto other = m_others.begin();
     for (const SealedFile &file : m_files) {
-        if (file.second == Coverage::Omitted)
+        if (file.second == Coverage::omitted)
             continue;
         for (; other != m_others.end() && byPath(*other, file); ++other)
             visit(other->path, other->entry);

@@ -6,12 +6,12 @@
 namespace toolchain::seal {
 
 /// Which digests the entries under "files2" carry; those under "files" are SHA-1 always.
-enum class Digests { Sha1, Sha256, Sha1AndSha256 };
+enum class Digests { sha1, sha256, sha1AndSha256 };
 
 /// A file that a seal covers.
 struct SealedFile : DigestJob {
-    Coverage first = Coverage::Omitted; ///< by "rules"
-    Coverage second = Coverage::Omitted; ///< by "rules2"
+    Coverage first = Coverage::omitted; ///< by "rules"
+    Coverage second = Coverage::omitted; ///< by "rules2"
 };
 
 /// A seal that is made and not yet text. It takes some 200 bytes a file, the text twice as much.

@@ -38,7 +38,7 @@ public:
         static const RuleSet none = *RuleSet::fromRules({});
         const auto items = scanFolder(m_folder, none, rules);
         if (!items)
-            return {{ProblemKind::BadSeal, m_folder.base, invalidResource, items.error()}};
+            return {{ProblemKind::badSeal, m_folder.base, invalidResource, items.error()}};
         for (const ScannedItem &item : *items)
             take(item, strictness);
         takeDigests();
@@ -62,20 +62,20 @@ private:
 
     void take(const ScannedItem &item, Strictness strictness)
     {
-        const bool isBeyondSeal = m_seal.version == 1 && item.kind == ItemKind::Link;
-        if (strictness == Strictness::Strict && item.kind == ItemKind::Link
+        const bool isBeyondSeal = m_seal.version == 1 && item.kind == ItemKind::link;
+        if (strictness == Strictness::strict && item.kind == ItemKind::link
             && leadsOut(m_folder, item.path, item.linkTarget))
-            add(ProblemKind::BadLink, item.path, u"invalid destination for symbolic link in bundle"_s);
+            add(ProblemKind::badLink, item.path, u"invalid destination for symbolic link in bundle"_s);
         const auto entry = entries().constFind(item.path);
         m_seen.insert(item.path);
         if (entry == entries().constEnd()) {
             if (!isBeyondSeal)
-                add(ProblemKind::Added, item.path);
+                add(ProblemKind::added, item.path);
             return;
         }
         if (entry->isNested())
             takeNested(item, *entry);
-        else if (entry->isLink() || item.kind != ItemKind::File)
+        else if (entry->isLink() || item.kind != ItemKind::file)
             takeLink(item, *entry);
         else
             takeFile(item, *entry);
@@ -83,25 +83,25 @@ private:
 
     void takeNested(const ScannedItem &item, const Entry &entry)
     {
-        if (item.kind == ItemKind::Link)
-            return add(ProblemKind::Modified, item.path);
+        if (item.kind == ItemKind::link)
+            return add(ProblemKind::modified, item.path);
         const QString text = m_verify(m_folder.base + u'/' + QFile::decodeName(item.path), entry);
         if (!text.isEmpty())
-            add(ProblemKind::Nested, item.path, text);
+            add(ProblemKind::nested, item.path, text);
     }
 
     void takeLink(const ScannedItem &item, const Entry &entry)
     {
         const bool agrees =
-            item.kind == ItemKind::Link && entry.isLink() && item.linkTarget == entry.linkTarget;
+            item.kind == ItemKind::link && entry.isLink() && item.linkTarget == entry.linkTarget;
         if (!agrees)
-            add(ProblemKind::Modified, item.path);
+            add(ProblemKind::modified, item.path);
     }
 
     void takeFile(const ScannedItem &item, const Entry &entry)
     {
         if (entry.sha1.isEmpty() && entry.sha256.isEmpty())
-            return add(ProblemKind::Modified, item.path);
+            return add(ProblemKind::modified, item.path);
         m_jobs.push_back({item.path, !entry.sha1.isEmpty(), !entry.sha256.isEmpty(), {}, {}, {}});
     }
 
@@ -111,9 +111,9 @@ private:
         for (const DigestJob &job : m_jobs) {
             const Entry &entry = *entries().constFind(job.path);
             if (!job.problem.isEmpty())
-                add(ProblemKind::Modified, job.path, invalidResource, job.problem);
+                add(ProblemKind::modified, job.path, invalidResource, job.problem);
             else if (!(job.sha1 == entry.sha1) || !(job.sha256 == entry.sha256))
-                add(ProblemKind::Modified, job.path);
+                add(ProblemKind::modified, job.path);
         }
     }
 
@@ -121,7 +121,7 @@ private:
     {
         for (auto entry = entries().begin(); entry != entries().end(); ++entry) {
             if (!entry->isOptional && !m_seen.contains(entry.key()))
-                add(ProblemKind::Missing, entry.key());
+                add(ProblemKind::missing, entry.key());
         }
     }
 
@@ -137,10 +137,10 @@ QList<Problem> obsolescence(const CodeSeal &seal, const RuleSet &rules, const QS
 {
     if (seal.version == 1)
         return {
-            {ProblemKind::Obsolete, sealPath, u"resource envelope is obsolete (version 1 signature)"_s, {}}};
+            {ProblemKind::obsolete, sealPath, u"resource envelope is obsolete (version 1 signature)"_s, {}}};
     if (omitsMoreThanUsual(rules))
         return {
-            {ProblemKind::Obsolete, sealPath, u"resource envelope is obsolete (custom omit rules)"_s, {}}};
+            {ProblemKind::obsolete, sealPath, u"resource envelope is obsolete (custom omit rules)"_s, {}}};
     return {};
 }
 
@@ -149,11 +149,11 @@ QList<Problem> obsolescence(const CodeSeal &seal, const RuleSet &rules, const QS
 QString Problem::line() const
 {
     switch (kind) {
-    case ProblemKind::Modified:
+    case ProblemKind::modified:
         return u"file modified: "_s + path;
-    case ProblemKind::Added:
+    case ProblemKind::added:
         return u"file added: "_s + path;
-    case ProblemKind::Missing:
+    case ProblemKind::missing:
         return u"file missing: "_s + path;
     default:
         return {};
@@ -166,7 +166,7 @@ QList<Problem> checkSeal(const QByteArray &sealBytes, const SealedFolder &folder
     const QString sealPath = folder.base + u"/_CodeSignature/CodeResources"_s;
     const auto unreadable = [&](const QString &reason) {
         return QList<Problem>{
-            {ProblemKind::BadSeal, sealPath, u"the sealed resource directory is invalid"_s, reason}};
+            {ProblemKind::badSeal, sealPath, u"the sealed resource directory is invalid"_s, reason}};
     };
     const auto seal = readSeal(sealBytes);
     if (!seal)
@@ -175,7 +175,7 @@ QList<Problem> checkSeal(const QByteArray &sealBytes, const SealedFolder &folder
     if (!rules)
         return unreadable(rules.error());
     QList<Problem> problems;
-    if (strictness == Strictness::Strict)
+    if (strictness == Strictness::strict)
         problems = obsolescence(*seal, *rules, sealPath);
     return problems + SealChecker(folder, *seal, verify).check(*rules, strictness);
 }

@@ -10,18 +10,18 @@
 namespace toolchain::seal {
 
 enum class ProblemKind {
-    Modified, ///< "file modified: PATH"
-    Added, ///< "file added: PATH"
-    Missing, ///< "file missing: PATH"
-    Nested, ///< of nested code; "In subcomponent: PATH"
-    BadSeal, ///< the seal or the folder cannot be read
-    BadLink, ///< strict: a link that leads out of the bundle
-    Obsolete ///< strict: rules that omit more than usual, or a seal of the first version
+    modified, ///< "file modified: PATH"
+    added, ///< "file added: PATH"
+    missing, ///< "file missing: PATH"
+    nested, ///< of nested code; "In subcomponent: PATH"
+    badSeal, ///< the seal or the folder cannot be read
+    badLink, ///< strict: a link that leads out of the bundle
+    obsolete ///< strict: rules that omit more than usual, or a seal of the first version
 };
 
 /// One way in which files and seal differ.
 struct Problem {
-    ProblemKind kind = ProblemKind::Modified;
+    ProblemKind kind = ProblemKind::modified;
     QString path; ///< as the base is given, of the item; of the seal for BadSeal and Obsolete
     QString text; ///< what codesign says of the bundle or, for Nested, of the subcomponent
     QString detail; ///< the reason behind it where there is more to say; codesign has no place for it
@@ -34,7 +34,7 @@ struct Problem {
 /// an empty text. Called on the caller's thread.
 using VerifyNested = std::function<QString(const QString &path, const Entry &entry)>;
 
-enum class Strictness { Usual, Strict };
+enum class Strictness { usual, strict };
 
 /// Compares a seal's bytes with the files of a bundle by the seal's own rules, and answers all problems, the
 /// digests being made on all cores. None means that they agree.

@@ -134,7 +134,7 @@ private:
     {
         Rule rule{pattern};
         if (m_xml.name() != u"dict") {
-            rule.coverage = readTruth() ? Coverage::Sealed : Coverage::Omitted;
+            rule.coverage = readTruth() ? Coverage::sealed : Coverage::omitted;
             return rule;
         }
         forEachKey([&](const QString &key) { readRuleValue(rule, key); });
@@ -154,10 +154,10 @@ private:
     static std::optional<Coverage> coverageNamed(const QString &key)
     {
         if (key == u"nested")
-            return Coverage::Nested;
+            return Coverage::nested;
         if (key == u"omit")
-            return Coverage::Omitted;
-        return key == u"optional" ? std::optional(Coverage::Optional) : std::nullopt;
+            return Coverage::omitted;
+        return key == u"optional" ? std::optional(Coverage::optional) : std::nullopt;
     }
 
     bool readTruth()

@@ -108,32 +108,32 @@ QString perlForm(const QString &pattern)
 
 QList<Rule> languageRules(const QString &folder)
 {
-    return {{u'^' + folder + u".*\\.lproj/"_s, Coverage::Optional, 1000},
-            {u'^' + folder + u".*\\.lproj/locversion.plist$"_s, Coverage::Omitted, 1100},
-            {u'^' + folder + u"Base\\.lproj/"_s, Coverage::Sealed, 1010}};
+    return {{u'^' + folder + u".*\\.lproj/"_s, Coverage::optional, 1000},
+            {u'^' + folder + u".*\\.lproj/locversion.plist$"_s, Coverage::omitted, 1100},
+            {u'^' + folder + u"Base\\.lproj/"_s, Coverage::sealed, 1010}};
 }
 
 QList<Rule> firstRuleList(Layout layout)
 {
-    const bool isFlat = layout == Layout::Flat;
+    const bool isFlat = layout == Layout::flat;
     return QList<Rule>{{isFlat ? u"^.*"_s : u"^Resources/"_s}, {u"^version.plist$"_s}}
     + languageRules(isFlat ? QString() : u"Resources/"_s);
 }
 
 QList<Rule> secondRuleList(Layout layout)
 {
-    const bool isFlat = layout == Layout::Flat;
-    QList<Rule> rules{{u".*\\.dSYM($|/)"_s, Coverage::Sealed, 11},
-                      {u"^(.*/)?\\.DS_Store$"_s, Coverage::Omitted, 2000},
+    const bool isFlat = layout == Layout::flat;
+    QList<Rule> rules{{u".*\\.dSYM($|/)"_s, Coverage::sealed, 11},
+                      {u"^(.*/)?\\.DS_Store$"_s, Coverage::omitted, 2000},
                       {u"^.*"_s},
-                      {u"^Info\\.plist$"_s, Coverage::Omitted, 20},
-                      {u"^PkgInfo$"_s, Coverage::Omitted, 20},
-                      {u"^embedded\\.provisionprofile$"_s, Coverage::Sealed, 20},
-                      {u"^version\\.plist$"_s, Coverage::Sealed, 20}};
+                      {u"^Info\\.plist$"_s, Coverage::omitted, 20},
+                      {u"^PkgInfo$"_s, Coverage::omitted, 20},
+                      {u"^embedded\\.provisionprofile$"_s, Coverage::sealed, 20},
+                      {u"^version\\.plist$"_s, Coverage::sealed, 20}};
     if (!isFlat)
-        rules += {{u"^Resources/"_s, Coverage::Sealed, 20},
-                  {u"^[^/]+$"_s, Coverage::Nested, 10},
-                  {nestedFolders.toString(), Coverage::Nested, 10}};
+        rules += {{u"^Resources/"_s, Coverage::sealed, 20},
+                  {u"^[^/]+$"_s, Coverage::nested, 10},
+                  {nestedFolders.toString(), Coverage::nested, 10}};
     return rules + languageRules(isFlat ? QString() : u"Resources/"_s);
 }
 
@@ -189,36 +189,36 @@ std::optional<Coverage> RuleSet::coverageOf(const QByteArray &path) const
         if (match.hasMatch())
             return rule.coverage;
     }
-    return Coverage::Omitted;
+    return Coverage::omitted;
 }
 
 const RuleSet &firstRules(Layout layout)
 {
-    static const RuleSet withResources = *RuleSet::fromRules(firstRuleList(Layout::WithResources));
-    static const RuleSet flat = *RuleSet::fromRules(firstRuleList(Layout::Flat));
-    return layout == Layout::Flat ? flat : withResources;
+    static const RuleSet withResources = *RuleSet::fromRules(firstRuleList(Layout::withResources));
+    static const RuleSet flat = *RuleSet::fromRules(firstRuleList(Layout::flat));
+    return layout == Layout::flat ? flat : withResources;
 }
 
 const RuleSet &secondRules(Layout layout)
 {
-    static const RuleSet withResources = *RuleSet::fromRules(secondRuleList(Layout::WithResources));
-    static const RuleSet flat = *RuleSet::fromRules(secondRuleList(Layout::Flat));
-    return layout == Layout::Flat ? flat : withResources;
+    static const RuleSet withResources = *RuleSet::fromRules(secondRuleList(Layout::withResources));
+    static const RuleSet flat = *RuleSet::fromRules(secondRuleList(Layout::flat));
+    return layout == Layout::flat ? flat : withResources;
 }
 
 bool omitsMoreThanUsual(const RuleSet &rules)
 {
     const auto isUsual = [](const Rule &rule) {
         const auto isSame = [&rule](const Rule &usual) {
-            return usual.pattern == rule.pattern && usual.coverage == Coverage::Omitted;
+            return usual.pattern == rule.pattern && usual.coverage == Coverage::omitted;
         };
-        const auto &withResources = secondRules(Layout::WithResources).rules();
-        const auto &flat = secondRules(Layout::Flat).rules();
+        const auto &withResources = secondRules(Layout::withResources).rules();
+        const auto &flat = secondRules(Layout::flat).rules();
         return std::any_of(withResources.begin(), withResources.end(), isSame)
             || std::any_of(flat.begin(), flat.end(), isSame);
     };
     return std::any_of(rules.rules().begin(), rules.rules().end(), [&](const Rule &rule) {
-        return rule.coverage == Coverage::Omitted && !isUsual(rule);
+        return rule.coverage == Coverage::omitted && !isUsual(rule);
     });
 }
 

@@ -15,22 +15,22 @@ namespace toolchain::seal {
 
 /// How a bundle's folders lie below the one that the seal's paths start from.
 enum class Layout {
-    WithResources, ///< a Contents folder or a framework's version, whether or not it has a folder Resources
-    Flat ///< everything lies at the top, as on iOS and in driver extensions
+    withResources, ///< a Contents folder or a framework's version, whether or not it has a folder Resources
+    flat ///< everything lies at the top, as on iOS and in driver extensions
 };
 
 /// What a set of rules says of one path.
 enum class Coverage {
-    Omitted, ///< the seal says nothing about it
-    Sealed,
-    Optional, ///< sealed, but may be missing afterwards
-    Nested ///< a file or a folder with a dot in its name is code that bears a signature of its own
+    omitted, ///< the seal says nothing about it
+    sealed,
+    optional, ///< sealed, but may be missing afterwards
+    nested ///< a file or a folder with a dot in its name is code that bears a signature of its own
 };
 
 /// One resource rule. The pattern is a POSIX extended regular expression, searched for in the path.
 struct Rule {
     QString pattern;
-    Coverage coverage = Coverage::Sealed;
+    Coverage coverage = Coverage::sealed;
     double weight = 1;
 };
 

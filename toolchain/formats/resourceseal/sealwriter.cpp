@@ -186,14 +186,14 @@ void writeRule(ListWriter &list, const Rule &rule)
 {
     list.key(rule.pattern.toUtf8());
     const bool isPlain = rule.weight == 1;
-    if (isPlain && rule.coverage == Coverage::Sealed)
+    if (isPlain && rule.coverage == Coverage::sealed)
         return list.yes();
-    if (isPlain && rule.coverage == Coverage::Omitted)
+    if (isPlain && rule.coverage == Coverage::omitted)
         return list.no();
     list.beginDictionary();
-    writeTruth(list, rule, Coverage::Nested, "nested");
-    writeTruth(list, rule, Coverage::Omitted, "omit");
-    writeTruth(list, rule, Coverage::Optional, "optional");
+    writeTruth(list, rule, Coverage::nested, "nested");
+    writeTruth(list, rule, Coverage::omitted, "omit");
+    writeTruth(list, rule, Coverage::optional, "optional");
     if (!isPlain) {
         list.key("weight");
         list.real(rule.weight);

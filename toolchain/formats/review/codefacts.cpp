@@ -50,12 +50,12 @@ bool isKnownToMacs(const MachOSlice &slice)
 SignatureState stateOf(const SignedPart &part)
 {
     if (!part.damage.isEmpty())
-        return SignatureState::Damaged;
+        return SignatureState::damaged;
     if (!part.isSigned())
-        return SignatureState::None;
+        return SignatureState::none;
     if (part.isLinkerSigned())
-        return SignatureState::Linker;
-    return part.cms().isEmpty() ? SignatureState::AdHoc : SignatureState::Signed;
+        return SignatureState::linker;
+    return part.cms().isEmpty() ? SignatureState::adHoc : SignatureState::certified;
 }
 
 QVariantMap dictionaryIn(const QByteArray &propertyList)
@@ -100,7 +100,7 @@ SliceFacts factsOf(QIODevice &file, const MachOSlice &slice, const TrustStore &s
 
 bool SliceFacts::isExecutable() const
 {
-    return fileType == quint32(MachOFileType::Executable);
+    return fileType == quint32(MachOFileType::executable);
 }
 
 bool SliceFacts::mustBeSigned() const
@@ -134,7 +134,7 @@ SignatureFacts signatureFacts(const SignedPart &part, const TrustStore &store)
     facts.cdHash = directory.cdHash();
     facts.hashType = int(directory.fields().hashType);
     facts.entitlements = dictionaryIn(part.entitlements());
-    if (facts.state != SignatureState::Signed)
+    if (facts.state != SignatureState::certified)
         return facts;
     const SignerFacts signer = signerFacts(part, store);
     facts.authorities = signer.names;

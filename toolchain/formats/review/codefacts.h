@@ -17,16 +17,16 @@ struct SignedPart;
 namespace toolchain::review {
 
 enum class SignatureState {
-    None,
-    AdHoc, ///< without any certificate
-    Linker, ///< by a linker, which counts as none where something is to be signed
-    Signed, ///< with a certificate
-    Damaged ///< is there and cannot be read
+    none,
+    adHoc, ///< without any certificate
+    linker, ///< by a linker, which counts as none where something is to be signed
+    certified,
+    damaged ///< is there and cannot be read
 };
 
 /// What a signature says of itself. Whether it is true is another question.
 struct SignatureFacts {
-    SignatureState state = SignatureState::None;
+    SignatureState state = SignatureState::none;
     QStringList authorities; ///< the names of the certificates, the signer's first
     QString team; ///< empty if there is none
     QString identifier;

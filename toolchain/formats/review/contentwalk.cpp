@@ -146,7 +146,7 @@ ArchiveKind kindOf(const WalkFile &found)
 {
     const ArchiveKind kind = archiveKind(found.beginning, found.place.file);
     const bool isItem = found.place.path == "."_L1;
-    return kind == ArchiveKind::None && isItem && udif::endsAsDiskImage(found.place.file) ? ArchiveKind::Image
+    return kind == ArchiveKind::none && isItem && udif::endsAsDiskImage(found.place.file) ? ArchiveKind::image
                                                                                           : kind;
 }
 
@@ -233,7 +233,7 @@ private:
         if (found.beginning.startsWith("#!"))
             return m_visitor.script(found);
         const ArchiveKind kind = kindOf(found);
-        if (kind != ArchiveKind::None)
+        if (kind != ArchiveKind::none)
             walkArchive(found, kind);
         m_visitor.file(found);
     }

@@ -22,19 +22,19 @@ bool asksForTasks(const QVariantMap &entitlements)
 QList<Objection> objectionsToSignature(const SliceFacts &slice)
 {
     const SignatureFacts &signature = slice.signature;
-    if (signature.state == SignatureState::None)
-        return {Objection::NotSigned};
-    if (signature.state == SignatureState::Damaged || signature.isInvalid)
-        return {Objection::Invalid};
+    if (signature.state == SignatureState::none)
+        return {Objection::notSigned};
+    if (signature.state == SignatureState::damaged || signature.isInvalid)
+        return {Objection::invalid};
     QList<Objection> objections;
     if (!signature.isDeveloperId)
-        objections.append(Objection::NotDeveloperId);
+        objections.append(Objection::notDeveloperId);
     if (!signature.timestamp.isValid())
-        objections.append(Objection::NoTimestamp);
+        objections.append(Objection::noTimestamp);
     if (slice.isExecutable() && !signature.hasRuntime)
-        objections.append(Objection::NoRuntime);
+        objections.append(Objection::noRuntime);
     if (slice.isExecutable() && asksForTasks(signature.entitlements))
-        objections.append(Objection::GetTaskAllow);
+        objections.append(Objection::getTaskAllow);
     return objections;
 }
 
@@ -43,21 +43,21 @@ QList<Objection> objectionsToSignature(const SliceFacts &slice)
 QString message(Objection objection)
 {
     switch (objection) {
-    case Objection::Damaged:
+    case Objection::damaged:
         return u"The binary is damaged and cannot be read."_s;
-    case Objection::NotSigned:
+    case Objection::notSigned:
         return u"The binary is not signed."_s;
-    case Objection::Invalid:
+    case Objection::invalid:
         return u"The signature of the binary is invalid."_s;
-    case Objection::NotDeveloperId:
+    case Objection::notDeveloperId:
         return u"The binary is not signed with a valid Developer ID certificate."_s;
-    case Objection::NoTimestamp:
+    case Objection::noTimestamp:
         return u"The signature does not include a secure timestamp."_s;
-    case Objection::NoRuntime:
+    case Objection::noRuntime:
         return u"The executable does not have the hardened runtime enabled."_s;
-    case Objection::GetTaskAllow:
+    case Objection::getTaskAllow:
         return u"The executable requests the com.apple.security.get-task-allow entitlement."_s;
-    case Objection::OldSdk:
+    case Objection::oldSdk:
         return u"The binary uses an SDK older than the 10.9 SDK."_s;
     }
     return {};
@@ -68,20 +68,20 @@ QString documentUrl(Objection objection)
     const QString page =
         u"https://developer.apple.com/documentation/security/resolving-common-notarization-issues"_s;
     switch (objection) {
-    case Objection::Damaged:
+    case Objection::damaged:
         return {};
-    case Objection::NotSigned:
-    case Objection::NotDeveloperId:
+    case Objection::notSigned:
+    case Objection::notDeveloperId:
         return page + u"#Use-a-valid-Developer-ID-certificate"_s;
-    case Objection::Invalid:
+    case Objection::invalid:
         return page + u"#Ensure-a-valid-code-signature"_s;
-    case Objection::NoTimestamp:
+    case Objection::noTimestamp:
         return page + u"#Include-a-secure-timestamp"_s;
-    case Objection::NoRuntime:
+    case Objection::noRuntime:
         return page + u"#Enable-hardened-runtime"_s;
-    case Objection::GetTaskAllow:
+    case Objection::getTaskAllow:
         return page + u"#Avoid-the-get-task-allow-entitlement"_s;
-    case Objection::OldSdk:
+    case Objection::oldSdk:
         return page + u"#Use-the-macOS-10.9-SDK-or-later"_s;
     }
     return {};
@@ -93,13 +93,13 @@ QList<Objection> objectionsTo(const SliceFacts &slice)
         return {};
     QList<Objection> objections = objectionsToSignature(slice);
     if (hasOldSdk(slice))
-        objections.append(Objection::OldSdk);
+        objections.append(Objection::oldSdk);
     return objections;
 }
 
 QList<Objection> objectionsOnceSigned(const SliceFacts &slice)
 {
-    return slice.mustBeSigned() && hasOldSdk(slice) ? QList{Objection::OldSdk} : QList<Objection>();
+    return slice.mustBeSigned() && hasOldSdk(slice) ? QList{Objection::oldSdk} : QList<Objection>();
 }
 
 } // namespace toolchain::review

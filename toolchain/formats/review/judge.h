@@ -6,14 +6,14 @@ namespace toolchain::review {
 
 /// What the service objects to in code.
 enum class Objection {
-    Damaged, ///< the file cannot be read
-    NotSigned,
-    Invalid, ///< the signature does not verify
-    NotDeveloperId,
-    NoTimestamp,
-    NoRuntime,
-    GetTaskAllow,
-    OldSdk
+    damaged, ///< the file cannot be read
+    notSigned,
+    invalid, ///< the signature does not verify
+    notDeveloperId,
+    noTimestamp,
+    noRuntime,
+    getTaskAllow,
+    oldSdk
 };
 
 /// The service's sentence. Public document: Apple's "Resolving common notarization issues".

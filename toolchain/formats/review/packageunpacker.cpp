@@ -66,7 +66,7 @@ private:
         if (!copied)
             return copied;
         QDir().mkpath(place);
-        auto unpacked = unpackStream(packed, ArchiveKind::Compressed, place, m_budget);
+        auto unpacked = unpackStream(packed, ArchiveKind::compressed, place, m_budget);
         QFile::remove(packed);
         return unpacked;
     }
@@ -95,7 +95,7 @@ Result<void> unpackPackage(const QString &package, const QString &folder, Unpack
     if (!archive)
         return archive.failure();
     QDir().rmdir(folder); // it is to be a new one
-    if (package::expandPackage(*archive, folder, package::Depth::Payloads))
+    if (package::expandPackage(*archive, folder, package::Depth::payloads))
         return {};
     // Payloads may hold links to places on the disk they are installed to, which nobody follows here.
     QDir(folder).removeRecursively();

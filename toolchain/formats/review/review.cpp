@@ -46,7 +46,7 @@ public:
     {
         checkLength(place);
         if (m_links.judge(place.file, target).value_or(LinkTarget::good) != LinkTarget::good)
-            object(place, {}, Objection::Invalid);
+            object(place, {}, Objection::invalid);
     }
 
     void machO(const WalkFile &file) override
@@ -54,7 +54,7 @@ public:
         checkLength(file.place);
         CodeFacts facts = readCodeFacts(file.place.file, m_store);
         if (!facts.damage.isEmpty())
-            return object(file.place, {}, Objection::Damaged);
+            return object(file.place, {}, Objection::damaged);
         verifySignatures(m_bundles.value(file.place.file, file.place.file), facts, m_store);
         for (const SliceFacts &slice : facts.slices)
             judge(file.place, slice);
@@ -80,15 +80,15 @@ public:
     void judgeImage(const QString &image)
     {
         const auto code = codesignature::readSignedCode(image);
-        if (!code || code->kind != codesignature::CodeKind::DiskImage)
+        if (!code || code->kind != codesignature::CodeKind::diskImage)
             return;
         if (!code->isSigned())
             return vouchForUnsignedImage(image);
         const SignatureFacts signature = signatureFacts(code->native(), m_store);
         if (signature.isInvalid || !codesignature::verifyCode(image, {}).problem.isNone())
-            object({u"."_s, image, 0}, {}, Objection::Invalid);
+            object({u"."_s, image, 0}, {}, Objection::invalid);
         else if (!signature.isDeveloperId)
-            object({u"."_s, image, 0}, {}, Objection::NotDeveloperId);
+            object({u"."_s, image, 0}, {}, Objection::notDeveloperId);
         else
             m_review.ticketContents.append(
                 {m_archiveName, {}, signature.cdHash, signature.hashType == 1 ? 1 : 2});
@@ -113,14 +113,14 @@ public:
             return; // told where it is to be unpacked
         const auto judgement = package::judgePackage(*archive);
         using Verdict = package::PackageJudgement::Verdict;
-        if (judgement.verdict == Verdict::NotSigned)
-            object(place, {}, Objection::NotSigned);
-        else if (judgement.verdict == Verdict::Damaged)
-            object(place, {}, Objection::Invalid);
-        else if (judgement.verdict == Verdict::Untrusted)
-            object(place, {}, Objection::NotDeveloperId);
+        if (judgement.verdict == Verdict::notSigned)
+            object(place, {}, Objection::notSigned);
+        else if (judgement.verdict == Verdict::damaged)
+            object(place, {}, Objection::invalid);
+        else if (judgement.verdict == Verdict::untrusted)
+            object(place, {}, Objection::notDeveloperId);
         else if (!judgement.timestamp)
-            object(place, {}, Objection::NoTimestamp);
+            object(place, {}, Objection::noTimestamp);
         // a package's record is named "2/1/…" whatever the kind of its checksum
         m_review.ticketContents.append({m_archiveName, {}, archive->checksum().left(20), 1});
     }
@@ -168,7 +168,7 @@ bool isUpload(const QString &path)
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return false;
-    return archiveKind(file.read(tellingBytes), path) != ArchiveKind::None || udif::endsAsDiskImage(path);
+    return archiveKind(file.read(tellingBytes), path) != ArchiveKind::none || udif::endsAsDiskImage(path);
 }
 
 } // namespace

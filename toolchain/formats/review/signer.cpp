@@ -39,8 +39,8 @@ SignedContent contentOf(const codesignature::SignedPart &part)
         content.directories.append(
             {int(each.fields().hashType),
              codesignature::digestOf(each.bytes(),
-                                     each.fields().hashType == codesignature::HashType::Sha256Truncated
-                                         ? codesignature::HashType::Sha256
+                                     each.fields().hashType == codesignature::HashType::sha256Truncated
+                                         ? codesignature::HashType::sha256
                                          : each.fields().hashType)});
     return content;
 }
@@ -63,7 +63,7 @@ SignerFacts signerFacts(const codesignature::SignedPart &part, const TrustStore 
         facts.problem = cms.error();
         return facts;
     }
-    const CmsJudgement judgement = judgeCms(*cms, contentOf(part), TrustPurpose::CodeSigning, store);
+    const CmsJudgement judgement = judgeCms(*cms, contentOf(part), TrustPurpose::codeSigning, store);
     facts.names = commonNames(judgement.trust.chain);
     facts.isDeveloperId = judgement.trust.isGood() && isDeveloperIdForCode(judgement.trust.chain);
     facts.timestamp = judgement.timestamp ? judgement.timestamp->toUTC() : QDateTime();

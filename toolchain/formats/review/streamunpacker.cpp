@@ -68,13 +68,13 @@ public:
         archive_read_support_filter_gzip(m_archive.get());
         archive_read_support_filter_bzip2(m_archive.get());
         archive_read_support_filter_xz(m_archive.get());
-        if (kind == ArchiveKind::Zip) {
+        if (kind == ArchiveKind::zip) {
             archive_read_support_format_zip(m_archive.get());
             m_names = namesIn(path);
         }
         archive_read_support_format_tar(m_archive.get());
         archive_read_support_format_cpio(m_archive.get());
-        if (kind == ArchiveKind::Compressed)
+        if (kind == ArchiveKind::compressed)
             archive_read_support_format_raw(m_archive.get());
         constexpr std::size_t blockSize = 1 << 18;
         m_isOpen = archive_read_open_filename(m_archive.get(), QFile::encodeName(path).constData(), blockSize)
@@ -238,7 +238,7 @@ bool beginsAsCodeOrArchive(QByteArrayView beginning, const QString &path)
 {
     if (codesignature::looksLikeMachO(beginning) || path.endsWith(".dmg"_L1, Qt::CaseInsensitive))
         return true;
-    return archiveKind(beginning, {}) != ArchiveKind::None;
+    return archiveKind(beginning, {}) != ArchiveKind::none;
 }
 
 } // namespace

@@ -52,28 +52,28 @@ Result<void> unpackImage(const QString &path, const QString &folder)
 ArchiveKind archiveKind(QByteArrayView beginning, const QString &path)
 {
     if (beginning.startsWith("PK\x03\x04"))
-        return ArchiveKind::Zip;
+        return ArchiveKind::zip;
     if (beginning.startsWith("xar!"))
-        return ArchiveKind::Package;
+        return ArchiveKind::package;
     if (isTar(beginning))
-        return ArchiveKind::Tar;
+        return ArchiveKind::tar;
     if (isNamedAsImage(path) && udif::endsAsDiskImage(path))
-        return ArchiveKind::Image;
-    return isCompressed(beginning) ? ArchiveKind::Compressed : ArchiveKind::None;
+        return ArchiveKind::image;
+    return isCompressed(beginning) ? ArchiveKind::compressed : ArchiveKind::none;
 }
 
 Result<bool> mayHoldCode(const QString &archive, ArchiveKind kind, UnpackBudget &budget)
 {
-    if (kind == ArchiveKind::Image || kind == ArchiveKind::Package)
+    if (kind == ArchiveKind::image || kind == ArchiveKind::package)
         return true;
     return streamMayHoldCode(archive, kind, budget);
 }
 
 Result<void> unpack(const QString &archive, ArchiveKind kind, const QString &folder, UnpackBudget &budget)
 {
-    if (kind == ArchiveKind::Image)
+    if (kind == ArchiveKind::image)
         return unpackImage(archive, folder);
-    if (kind == ArchiveKind::Package)
+    if (kind == ArchiveKind::package)
         return unpackPackage(archive, folder, budget);
     return unpackStream(archive, kind, folder, budget);
 }

@@ -9,12 +9,12 @@ namespace toolchain::review {
 
 /// What a file is by its bytes, as far as something may be packed in it.
 enum class ArchiveKind {
-    None,
-    Zip, ///< also jar, whl and the like
-    Tar,
-    Compressed, ///< gzip, bzip2 or xz, around a tar archive or around one file
-    Package, ///< xar, which is what a flat installer package is
-    Image ///< a disk image
+    none,
+    zip, ///< also jar, whl and the like
+    tar,
+    compressed, ///< gzip, bzip2 or xz, around a tar archive or around one file
+    package, ///< xar, which is what a flat installer package is
+    image ///< a disk image
 };
 
 /// How many bytes of a file's beginning tell what it is.

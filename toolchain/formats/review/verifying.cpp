@@ -16,7 +16,7 @@ namespace {
 
 bool wouldDo(const SliceFacts &slice)
 {
-    return slice.signature.state == SignatureState::Signed && objectionsTo(slice).isEmpty();
+    return slice.signature.state == SignatureState::certified && objectionsTo(slice).isEmpty();
 }
 
 bool isVersionFolder(const QString &folder)
@@ -32,7 +32,7 @@ void verifySignatures(const QString &path, CodeFacts &facts, const TrustStore &s
     if (std::none_of(facts.slices.cbegin(), facts.slices.cend(), wouldDo))
         return;
     codesignature::VerificationOrder order;
-    order.strictness = codesignature::Strictness::Strict;
+    order.strictness = codesignature::Strictness::strict;
     order.store = store;
     const auto problem = verifyCode(path, order).problem;
     if (problem.isNone())

@@ -8,7 +8,7 @@ namespace toolchain::ticket {
 platform::Result<QByteArray> mintTicketOfThisMachine(const QList<TicketEntry> &entries,
                                                      const QDateTime &issued)
 {
-    const auto key = Authority(keychainFolder()).serviceKey(LeafPurpose::Ticket);
+    const auto key = Authority(keychainFolder()).serviceKey(LeafPurpose::ticket);
     if (!key)
         return key.failure();
     return mintTicket(entries, issued, key->chain.first(2), key->key.get());

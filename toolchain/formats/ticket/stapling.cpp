@@ -27,7 +27,7 @@ constexpr qsizetype hashSize = 20;
 
 TicketEntry entryOf(const cs::CodeDirectory &directory)
 {
-    const bool isSha1 = directory.fields().hashType == cs::HashType::Sha1;
+    const bool isSha1 = directory.fields().hashType == cs::HashType::sha1;
     return {quint8(isSha1 ? 1 : 2), directory.cdHash()};
 }
 
@@ -134,7 +134,7 @@ OpenTarget openBundle(const QString &path)
     const auto code = cs::readSignedCode(path);
     if (!code)
         return code.failure();
-    if (!code->bundle || code->bundle->layout != cs::BundleLayout::Contents)
+    if (!code->bundle || code->bundle->layout != cs::BundleLayout::contents)
         return platform::Error{u"a ticket can be attached to a bundle with a Contents folder only"_s};
     return std::shared_ptr<const StapleTarget>(std::make_shared<StapledBundle>(*code));
 }

@@ -8,9 +8,9 @@ namespace toolchain::ticket {
 
 namespace {
 
-TicketJudgement bad(const QString &problem, Anchor anchor = Anchor::Other)
+TicketJudgement bad(const QString &problem, Anchor anchor = Anchor::other)
 {
-    return {TicketJudgement::Verdict::Bad, anchor, problem};
+    return {TicketJudgement::Verdict::bad, anchor, problem};
 }
 
 } // namespace
@@ -24,7 +24,7 @@ TicketJudgement judgeTicket(const QByteArray &bytes, const QList<TicketEntry> &e
         return bad(ticket.error());
     if (!ticket->isSignatureGood())
         return bad(u"the ticket's signature is invalid"_s);
-    const Trust trust = trustOf(ticket->certificates.first(), ticket->certificates, TrustPurpose::Tickets,
+    const Trust trust = trustOf(ticket->certificates.first(), ticket->certificates, TrustPurpose::tickets,
                                 ticket->issued, TrustStore::forTickets());
     if (!trust.isGood())
         return bad(u"the ticket's signer is not trusted: "_s + trust.text(), trust.anchor);
@@ -32,7 +32,7 @@ TicketJudgement judgeTicket(const QByteArray &bytes, const QList<TicketEntry> &e
                                      [&](const TicketEntry &entry) { return ticket->vouchesFor(entry); });
     if (!isNamed)
         return bad(u"the ticket is about another item"_s, trust.anchor);
-    return {TicketJudgement::Verdict::Good, trust.anchor, {}};
+    return {TicketJudgement::Verdict::good, trust.anchor, {}};
 }
 
 } // namespace toolchain::ticket

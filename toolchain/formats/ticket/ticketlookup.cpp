@@ -17,9 +17,9 @@ LookupAnswer answerOf(const QJsonObject &record)
     const auto ticket =
         QByteArray::fromBase64Encoding(value.toLatin1(), QByteArray::AbortOnBase64DecodingErrors);
     if (!value.isEmpty() && ticket)
-        return {LookupAnswer::Kind::Found, ticket.decoded, {}};
+        return {LookupAnswer::Kind::found, ticket.decoded, {}};
     const QJsonValue reason = record.value(u"reason"_s);
-    return {LookupAnswer::Kind::NotFound, {}, reason.isString() ? reason.toString() : QString()};
+    return {LookupAnswer::Kind::notFound, {}, reason.isString() ? reason.toString() : QString()};
 }
 
 } // namespace

@@ -8,11 +8,11 @@ namespace toolchain::ticket {
 /// How the ticket service answered for one record.
 struct LookupAnswer {
     enum class Kind {
-        Found,
-        NotFound, ///< there is no ticket, or not yet
-        Unclear ///< no answer that could be understood
+        found,
+        notFound, ///< there is no ticket, or not yet
+        unclear ///< no answer that could be understood
     };
-    Kind kind = Kind::Unclear;
+    Kind kind = Kind::unclear;
     QByteArray ticket; ///< as it came
     QString reason; ///< the service's word, such as "Record not found"; null if it gave none
 };

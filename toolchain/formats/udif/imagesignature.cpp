@@ -90,7 +90,7 @@ QString replaceImageSignature(const QString &path, const QByteArray &superblob)
     if (!place)
         return place.error();
     const std::filesystem::path name = QFile::encodeName(path).toStdString();
-    const OpenFile old(name, LastLink::Followed);
+    const OpenFile old(name, LastLink::followed);
     if (old.descriptor() < 0)
         return QString::fromStdString(systemError(name, errno));
     const quint64 offset = superblob.isEmpty() ? 0 : place->contentLength;

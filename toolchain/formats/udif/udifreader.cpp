@@ -25,7 +25,7 @@ constexpr const char *corrupt = "corrupt image";
 } // namespace
 
 UdifReader::UdifReader(const std::filesystem::path &path)
-    : m_file(path, LastLink::Followed)
+    : m_file(path, LastLink::followed)
     , m_path(path)
 {
     struct stat status = {};

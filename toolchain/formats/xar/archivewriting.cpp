@@ -21,7 +21,7 @@ constexpr quint32 longestTicket = 16 << 20; // bytes
 
 /// What stands around a ticket behind the heap: "t8lr", a version, a kind, and the length of what precedes
 /// it.
-enum class TrailerKind : quint16 { End = 1, Ticket = 2 };
+enum class TrailerKind : quint16 { end = 1, ticket = 2 };
 
 QByteArray trailer(TrailerKind kind, quint32 precedingLength)
 {
@@ -162,8 +162,8 @@ QByteArray Archive::ticket() const
     const auto length = last.size() == trailerSize ? qFromLittleEndian<quint32>(last.constData() + 8) : 0;
     const qint64 start = file.size() - trailerSize - length;
     const bool isTicket = length > 0 && length <= longestTicket
-        && last == trailer(TrailerKind::Ticket, length) && start - trailerSize >= heapEnd()
-        && file.seek(start - trailerSize) && file.read(trailerSize) == trailer(TrailerKind::End, 0);
+        && last == trailer(TrailerKind::ticket, length) && start - trailerSize >= heapEnd()
+        && file.seek(start - trailerSize) && file.read(trailerSize) == trailer(TrailerKind::end, 0);
     return isTicket ? file.read(length) : QByteArray();
 }
 
@@ -173,7 +173,7 @@ platform::Outcome Archive::attachTicket(const QByteArray &ticket) const
     if (!archive.open(QIODevice::ReadOnly))
         return platform::Error{m_path + u": "_s + archive.errorString()};
     const QByteArray tail =
-        trailer(TrailerKind::End, 0) + ticket + trailer(TrailerKind::Ticket, quint32(ticket.size()));
+        trailer(TrailerKind::end, 0) + ticket + trailer(TrailerKind::ticket, quint32(ticket.size()));
     WholeFile file(QFile::encodeName(m_path).toStdString());
     const bool isWritten = file.descriptor() >= 0 && file.append(archive.handle(), quint64(heapEnd()))
         && file.write({tail.constData(), std::size_t(tail.size())}) && file.takeAfter(archive.handle())

@@ -183,10 +183,10 @@ private:
     void takeType(TocFile &file)
     {
         file.typeText = m_xml.readElementText();
-        file.type = file.typeText == u"file" ? TocFileType::File
-            : file.typeText == u"directory"  ? TocFileType::Folder
-            : file.typeText == u"symlink"    ? TocFileType::Link
-                                             : TocFileType::Other;
+        file.type = file.typeText == u"file" ? TocFileType::file
+            : file.typeText == u"directory"  ? TocFileType::folder
+            : file.typeText == u"symlink"    ? TocFileType::link
+                                             : TocFileType::other;
     }
 
     HeapPiece readPiece()

@@ -36,11 +36,11 @@ struct HeapPiece {
     Checksum extracted; ///< of the unpacked ones
 };
 
-enum class TocFileType { File, Folder, Link, Other };
+enum class TocFileType { file, folder, link, other };
 
 struct TocFile {
     QString path; ///< with slashes between the names; a name itself has none and is neither "." nor ".."
-    TocFileType type = TocFileType::File;
+    TocFileType type = TocFileType::file;
     QString typeText; ///< as the table has it
     QString linkTarget;
     quint32 mode = 0644; ///< permissions

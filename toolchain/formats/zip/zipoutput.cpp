@@ -89,9 +89,9 @@ void ZipOutput::add(const Member &member, const QByteArray &bytes)
     begin(member, quint64(bytes.size()));
     for (qsizetype done = 0; done == 0 || done < bytes.size(); done += blockSize) {
         const bool isLast = bytes.size() - done <= blockSize;
-        const Place place = done == 0 ? (isLast ? Place::Only : Place::First)
-            : isLast                  ? Place::Last
-                                      : Place::Middle;
+        const Place place = done == 0 ? (isLast ? Place::only : Place::first)
+            : isLast                  ? Place::last
+                                      : Place::middle;
         const qsizetype before = std::min(done, dictionarySize);
         give(place, bytes.mid(done, blockSize), bytes.mid(done - before, before));
     }
@@ -113,9 +113,9 @@ void ZipOutput::addFile(const Member &member, const std::filesystem::path &path,
             return;
         const bool isFirst = left == size;
         left -= quint64(bytes.size());
-        give(isFirst         ? (left == 0 ? Place::Only : Place::First)
-                 : left == 0 ? Place::Last
-                             : Place::Middle,
+        give(isFirst         ? (left == 0 ? Place::only : Place::first)
+                 : left == 0 ? Place::last
+                             : Place::middle,
              bytes, before);
         before = bytes.last(std::min(bytes.size(), dictionarySize));
     } while (left > 0);
@@ -156,8 +156,8 @@ void ZipOutput::give(Place place, const QByteArray &bytes, const QByteArray &bef
 ZipOutput::Block ZipOutput::pack(Place place, const QByteArray &bytes, const QByteArray &before, int level)
 {
     Block block{place, quint64(bytes.size()), crc(bytes), false, {}};
-    block.bytes = deflated(bytes, before, place == Place::Only || place == Place::Last, level);
-    block.isStored = place == Place::Only && block.bytes.size() >= bytes.size();
+    block.bytes = deflated(bytes, before, place == Place::only || place == Place::last, level);
+    block.isStored = place == Place::only && block.bytes.size() >= bytes.size();
     if (block.isStored)
         block.bytes = bytes;
     return block;
@@ -176,16 +176,16 @@ void ZipOutput::store(const Block &block)
     entry.checksum = quint32(crc32_combine(entry.checksum, block.checksum, z_off_t(block.plainSize)));
     entry.plainSize += block.plainSize;
     entry.packedSize += quint64(block.bytes.size());
-    if (block.place == Place::Only || block.place == Place::First) {
+    if (block.place == Place::only || block.place == Place::first) {
         entry.offset = m_length;
         entry.method = block.isStored ? storedMethod : deflateMethod;
         write(localHeader(entry) + block.bytes);
     } else {
         write(block.bytes);
     }
-    if (block.place == Place::Last)
+    if (block.place == Place::last)
         patch(entry);
-    if (block.place == Place::Only || block.place == Place::Last)
+    if (block.place == Place::only || block.place == Place::last)
         ++m_stored;
 }
 

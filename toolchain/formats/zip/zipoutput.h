@@ -41,11 +41,11 @@ public:
     [[nodiscard]] const std::string &error() const { return m_error; }
 
 private:
-    enum class Place { Only, First, Middle, Last };
+    enum class Place { only, first, middle, last };
 
     /// A block on its way into the archive.
     struct Block {
-        Place place = Place::Only;
+        Place place = Place::only;
         quint64 plainSize = 0;
         quint32 checksum = 0; ///< CRC-32 of the plain bytes
         bool isStored = false; ///< the bytes are as they were
