@@ -168,10 +168,10 @@ int notarizeApp(const ParsedArguments &arguments, Session &session)
     if (const auto *failure = std::get_if<ServiceFailure>(&uploaded))
         return fail(arguments, *failure);
     const QString id = std::get<QString>(uploaded);
-    const QString unkept =
+    const auto kept =
         keepReceipt(id, {(*file)->name(), (*file)->sha256(), argument(arguments, "--primary-bundle-id")});
-    if (!unkept.isEmpty())
-        warn(u"no receipt of the upload is kept: "_s + unkept);
+    if (!kept)
+        warn(u"no receipt of the upload is kept: "_s + kept.error());
     return answer(uploadReply(id, path, formatFrom(arguments)));
 }
 

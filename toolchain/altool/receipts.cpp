@@ -1,6 +1,6 @@
 #include "altool/receipts.h"
 
-#include "formats/notary/serviceconfig.h"
+#include "formats/keychain/privatefile.h"
 #include "formats/statefolder.h"
 
 #include <QDateTime>
@@ -9,6 +9,7 @@
 #include <QJsonObject>
 
 using namespace Qt::StringLiterals;
+using platform::Outcome;
 
 namespace toolchain {
 
@@ -26,16 +27,16 @@ QString receiptPath(const QString &id)
 
 } // namespace
 
-QString keepReceipt(const QString &id, const Receipt &receipt)
+Outcome keepReceipt(const QString &id, const Receipt &receipt)
 {
-    const QString problem = makePrivateFolder(folder(u"receipts"_s));
-    if (!problem.isEmpty())
-        return problem;
+    const Outcome made = makePrivateFolder(folder(u"receipts"_s));
+    if (!made)
+        return made;
     const QJsonObject form{{u"name"_s, receipt.name},
                            {u"sha256"_s, QString::fromLatin1(receipt.sha256)},
                            {u"bundleIdentifier"_s, receipt.bundleIdentifier},
                            {u"uploaded"_s, QDateTime::currentDateTimeUtc().toString(Qt::ISODate)}};
-    return notary::writePrivateFile(receiptPath(id), QJsonDocument(form).toJson());
+    return writePrivateFile(receiptPath(id), QJsonDocument(form).toJson());
 }
 
 Receipt receiptOf(const QString &id)
@@ -51,8 +52,7 @@ Receipt receiptOf(const QString &id)
 QString keepLog(const QString &id, const QByteArray &log)
 {
     const QString path = folder(u"logs"_s) + u'/' + id.toLower() + u".json"_s;
-    const bool isKept =
-        makePrivateFolder(folder(u"logs"_s)).isEmpty() && notary::writePrivateFile(path, log).isEmpty();
+    const bool isKept = makePrivateFolder(folder(u"logs"_s)) && writePrivateFile(path, log);
     return isKept ? path : QString();
 }
 

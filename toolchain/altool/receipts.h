@@ -3,6 +3,8 @@
 #include <QByteArray>
 #include <QString>
 
+#include "platform/result.h"
+
 namespace toolchain {
 
 /// What this machine knows of an upload besides what the service tells. No credentials.
@@ -12,8 +14,8 @@ struct Receipt {
     QString bundleIdentifier;
 };
 
-/// Keeps the receipt of an upload, by its request identifier. Answers what went wrong, or an empty text.
-[[nodiscard]] QString keepReceipt(const QString &id, const Receipt &receipt);
+/// Keeps the receipt of an upload, by its request identifier.
+[[nodiscard]] platform::Outcome keepReceipt(const QString &id, const Receipt &receipt);
 
 /// Empty fields if there is none.
 [[nodiscard]] Receipt receiptOf(const QString &id);

@@ -172,9 +172,9 @@ public:
 
     Result<IssuedKey> keep(const QString &name, const IssuedKey &issued)
     {
-        const QString problem = writeCertificateFile(pathOf(name), {issued.chain.first()});
-        if (!problem.isEmpty())
-            return Error{problem};
+        const platform::Outcome written = writeCertificateFile(pathOf(name), {issued.chain.first()});
+        if (!written)
+            return written.failure();
         m_secrets.keys.insert(publicKeyId(issued.key.get()), derOf(issued.key.get()));
         return issued;
     }

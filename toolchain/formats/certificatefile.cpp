@@ -59,10 +59,10 @@ QByteArray pemOf(const QList<QByteArray> &certificates)
     return writtenTo(memory.get());
 }
 
-QString writeCertificateFile(const QString &path, const QList<QByteArray> &certificates)
+platform::Outcome writeCertificateFile(const QString &path, const QList<QByteArray> &certificates)
 {
-    const QString problem = makePrivateFolder(path.left(path.lastIndexOf(u'/')));
-    return problem.isEmpty() ? writePrivateFile(path, pemOf(certificates)) : problem;
+    const platform::Outcome made = makePrivateFolder(path.left(path.lastIndexOf(u'/')));
+    return made ? writePrivateFile(path, pemOf(certificates)) : made;
 }
 
 bool certificateAnswersFor(X509 *certificate, const QStringList &hosts)

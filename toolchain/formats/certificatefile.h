@@ -6,6 +6,7 @@
 #include <QStringList>
 
 #include "formats/cryptography.h"
+#include "platform/result.h"
 
 namespace toolchain {
 
@@ -15,9 +16,10 @@ namespace toolchain {
 [[nodiscard]] QList<QByteArray> certificatesInPem(const QByteArray &pem);
 [[nodiscard]] QByteArray pemOf(const QList<QByteArray> &certificates);
 
-/// Writes certificates in PEM form, and the folder if it is not there. Answers what went wrong, or an empty
-/// text.
-[[nodiscard]] QString writeCertificateFile(const QString &path, const QList<QByteArray> &certificates);
+/// Writes certificates in PEM form, and the folder if it is not there. Fails with the file's or
+/// the folder's name.
+[[nodiscard]] platform::Outcome writeCertificateFile(const QString &path,
+                                                     const QList<QByteArray> &certificates);
 
 /// Whether a server's certificate names all of these hosts and addresses; true for none.
 [[nodiscard]] bool certificateAnswersFor(X509 *certificate, const QStringList &hosts);

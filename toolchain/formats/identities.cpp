@@ -14,6 +14,8 @@
 #include "formats/keychaincontents.h"
 
 using namespace Qt::StringLiterals;
+using platform::Error;
+using platform::Result;
 
 namespace toolchain {
 
@@ -112,12 +114,12 @@ bool satisfiesCodeSigningPolicy(const Identity &identity)
     return identity.canSignCode && (!isDeveloperId || isDeveloperIdForCode(identity.trust.chain));
 }
 
-IdentityChoice chooseIdentity(const QString &folder, const QString &wanted, IdentityKind kind)
+Result<Identity> chooseIdentity(const QString &folder, const QString &wanted, IdentityKind kind)
 {
     return chooseIdentity(readKeychain(folder), wanted, kind);
 }
 
-IdentityChoice chooseIdentity(const KeychainContents &contents, const QString &wanted, IdentityKind kind)
+Result<Identity> chooseIdentity(const KeychainContents &contents, const QString &wanted, IdentityKind kind)
 {
     QList<Identity> matches;
     for (const auto &entry : contents.entries) {
@@ -130,12 +132,12 @@ IdentityChoice chooseIdentity(const KeychainContents &contents, const QString &w
     matches = preferred(matches, [](const Identity &identity) { return identity.isValidNow; });
     matches = preferred(matches, [&](const Identity &identity) { return identity.commonName == wanted; });
     if (matches.isEmpty())
-        return {std::nullopt, u"no identity found"_s};
+        return Error{u"no identity found"_s};
     if (matches.size() > 1)
-        return {std::nullopt, u"ambiguous (matches %1 in %2)"_s.arg(namesOf(matches), contents.folder)};
+        return Error{u"ambiguous (matches %1 in %2)"_s.arg(namesOf(matches), contents.folder)};
     matches.first().trust = trustOf(matches.first().certificate, contents.certificates(), TrustPurpose::any,
                                     {}, TrustStore::ofThisMachine());
-    return {matches.first(), {}};
+    return matches.first();
 }
 
 QString identityCommonName(const QString &name, IdentityKind kind)
@@ -145,7 +147,7 @@ QString identityCommonName(const QString &name, IdentityKind kind)
         + name;
 }
 
-NewIdentity makeIdentity(const QString &folder, const QString &name, IdentityKind kind)
+Result<QString> makeIdentity(const QString &folder, const QString &name, IdentityKind kind)
 {
     const QString commonName = identityCommonName(name, kind);
     const Holder holder = holderFrom(name);
@@ -154,11 +156,11 @@ NewIdentity makeIdentity(const QString &folder, const QString &name, IdentityKin
     const auto issued =
         Authority(folder).issueDeveloper(purpose, commonName, holder.team, holder.organisation);
     if (!issued)
-        return {{}, issued.error()};
+        return issued.failure();
     const QString fileName = QString::fromLatin1(QUrl::toPercentEncoding(commonName, " (),:")) + u".pem"_s;
     const QString path = folder + u'/' + fileName;
-    const QString problem = writeCertificateFile(path, {issued->chain.first()});
-    return problem.isEmpty() ? NewIdentity{path, {}} : NewIdentity{{}, problem};
+    const platform::Outcome written = writeCertificateFile(path, {issued->chain.first()});
+    return written ? Result<QString>(path) : written.failure();
 }
 
 } // namespace toolchain

@@ -8,6 +8,7 @@
 #include <optional>
 
 #include "formats/codesignature/trust.h"
+#include "platform/result.h"
 
 namespace toolchain {
 
@@ -42,29 +43,22 @@ enum class IdentityKind {
 /// the leaf.
 [[nodiscard]] bool satisfiesCodeSigningPolicy(const Identity &identity);
 
-struct IdentityChoice {
-    std::optional<Identity> identity;
-    QString problem; ///< why there is none; empty if there is
-};
-
 /// The one identity of a kind that is meant by a certificate's name, a part of it, or its SHA-1. A whole name
 /// goes before names that it is a part of, identities that are within their dates go before others.
-[[nodiscard]] IdentityChoice chooseIdentity(const QString &folder, const QString &wanted, IdentityKind kind);
+[[nodiscard]] platform::Result<Identity> chooseIdentity(const QString &folder, const QString &wanted,
+                                                        IdentityKind kind);
 
 /// The same in a keychain folder that has been read.
-[[nodiscard]] IdentityChoice chooseIdentity(const KeychainContents &contents, const QString &wanted,
-                                            IdentityKind kind);
+[[nodiscard]] platform::Result<Identity> chooseIdentity(const KeychainContents &contents,
+                                                        const QString &wanted, IdentityKind kind);
 
 /// The common name of the identity that `makeIdentity` makes.
 [[nodiscard]] QString identityCommonName(const QString &name, IdentityKind kind);
 
-struct NewIdentity {
-    QString path; ///< of the certificate's PEM file; empty on failure
-    QString error;
-};
-
 /// Has the authority of this machine make a key (RSA of 2048 bits, kept in the vault) and a certificate for
 /// it with Apple's extensions for Developer ID. `name` is the holder with the team in parentheses.
-[[nodiscard]] NewIdentity makeIdentity(const QString &folder, const QString &name, IdentityKind kind);
+/// Answers the path of the certificate's PEM file.
+[[nodiscard]] platform::Result<QString> makeIdentity(const QString &folder, const QString &name,
+                                                     IdentityKind kind);
 
 } // namespace toolchain

@@ -10,26 +10,33 @@
 #include "support/wholefile.h"
 
 using namespace Qt::StringLiterals;
+using platform::Error;
+using platform::Outcome;
 
 namespace toolchain {
 
 namespace {
 
-QString writeFile(const QString &path, const QByteArray &bytes)
+const std::optional<NotaryRequest> noRequest;
+
+Outcome writeFile(const QString &path, const QByteArray &bytes)
 {
-    return QString::fromStdString(
-        writeWholeFile(path.toStdString(), {bytes.constData(), std::size_t(bytes.size())}));
+    const std::string error =
+        writeWholeFile(path.toStdString(), {bytes.constData(), std::size_t(bytes.size())});
+    return error.empty() ? Outcome::success() : Error{QString::fromStdString(error)};
 }
 
 NotaryLookup readRequest(const QString &path)
 {
     QFile file(path);
     if (!file.exists())
-        return {};
+        return noRequest;
     if (!file.open(QIODevice::ReadOnly))
-        return {std::nullopt, path + u": "_s + file.errorString()};
+        return Error{path + u": "_s + file.errorString()};
     const auto request = requestFromJson(file.readAll());
-    return {request, request ? QString() : path + u": not a request of the notary, or a damaged one"_s};
+    if (!request)
+        return Error{path + u": not a request of the notary, or a damaged one"_s};
+    return request;
 }
 
 } // namespace
@@ -39,38 +46,36 @@ NotaryState::NotaryState(QString folder)
 {
 }
 
-QString NotaryState::store(const NotaryRequest &request) const
+Outcome NotaryState::store(const NotaryRequest &request) const
 {
     for (const QString &folder : {requestFolder(), m_folder + u"/logs"_s}) {
-        const QString problem = makePrivateFolder(folder);
-        if (!problem.isEmpty())
-            return problem;
+        const Outcome made = makePrivateFolder(folder);
+        if (!made)
+            return made;
     }
-    const QString problem =
-        request.phase == Phase::reviewed ? writeFile(logPath(request.uuid), logOf(request)) : QString();
-    return problem.isEmpty() ? write(request) : problem;
+    const Outcome logged = request.phase == Phase::reviewed ? writeFile(logPath(request.uuid), logOf(request))
+                                                            : Outcome::success();
+    return logged ? write(request) : logged;
 }
 
 NotaryLookup NotaryState::poll(const QString &uuid) const
 {
     if (QUuid::fromString(uuid).isNull() || !QFile::exists(requestPath(uuid)))
-        return {};
+        return noRequest;
     const FolderLock lock(m_folder); // two questions at once must count twice
     if (!lock.isHeld())
-        return {std::nullopt, m_folder + u": cannot be locked"_s};
+        return Error{m_folder + u": cannot be locked"_s};
     NotaryLookup lookup = readRequest(requestPath(uuid));
-    if (!lookup.request || lookup.request->verdict() != Verdict::inProgress)
+    if (!lookup || !*lookup || (**lookup).verdict() != Verdict::inProgress)
         return lookup;
-    ++lookup.request->polls;
-    lookup.error = write(*lookup.request);
-    if (!lookup.error.isEmpty())
-        lookup.request.reset();
-    return lookup;
+    ++(**lookup).polls;
+    const Outcome written = write(**lookup);
+    return written ? lookup : written.failure();
 }
 
 NotaryLookup NotaryState::find(const QString &uuid) const
 {
-    return QUuid::fromString(uuid).isNull() ? NotaryLookup() : readRequest(requestPath(uuid));
+    return QUuid::fromString(uuid).isNull() ? NotaryLookup(noRequest) : readRequest(requestPath(uuid));
 }
 
 NotaryHistory NotaryState::history() const
@@ -79,10 +84,10 @@ NotaryHistory NotaryState::history() const
     const auto names = QDir(requestFolder()).entryList({u"*.json"_s}, QDir::Files, QDir::Name);
     for (const QString &name : names) {
         const NotaryLookup lookup = readRequest(requestFolder() + u'/' + name);
-        if (lookup.request)
-            history.requests.append(*lookup.request);
-        else
-            history.warnings.append(lookup.error);
+        if (!lookup)
+            history.warnings.append(lookup.error());
+        else if (*lookup)
+            history.requests.append(**lookup);
     }
     std::stable_sort(history.requests.begin(), history.requests.end(),
                      [](const NotaryRequest &a, const NotaryRequest &b) { return a.uploaded > b.uploaded; });
@@ -104,7 +109,7 @@ QString NotaryState::requestPath(const QString &uuid) const
     return requestFolder() + u'/' + QUuid::fromString(uuid).toString(QUuid::WithoutBraces) + u".json"_s;
 }
 
-QString NotaryState::write(const NotaryRequest &request) const
+Outcome NotaryState::write(const NotaryRequest &request) const
 {
     return writeFile(requestPath(request.uuid), jsonOf(request));
 }

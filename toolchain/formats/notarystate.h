@@ -4,12 +4,13 @@
 
 #include <QStringList>
 
+#include "platform/result.h"
+
 namespace toolchain {
 
-struct NotaryLookup {
-    std::optional<NotaryRequest> request; ///< nothing if there is none of that identifier, or it is damaged
-    QString error; ///< what is damaged or cannot be written; empty for a request that does not exist
-};
+/// A request, or nothing if there is none of that identifier; fails with what is damaged or cannot be
+/// written.
+using NotaryLookup = platform::Result<std::optional<NotaryRequest>>;
 
 struct NotaryHistory {
     QList<NotaryRequest> requests; ///< newest first
@@ -22,9 +23,8 @@ class NotaryState {
 public:
     explicit NotaryState(QString folder);
 
-    /// Keeps a request as it stands now, with its log once it has been reviewed. Answers what went wrong, or
-    /// an empty text.
-    [[nodiscard]] QString store(const NotaryRequest &request) const;
+    /// Keeps a request as it stands now, with its log once it has been reviewed.
+    [[nodiscard]] platform::Outcome store(const NotaryRequest &request) const;
 
     /// Counts one question of the sender, and answers the request as it stands after it.
     [[nodiscard]] NotaryLookup poll(const QString &uuid) const;
@@ -39,7 +39,7 @@ public:
 private:
     [[nodiscard]] QString requestFolder() const;
     [[nodiscard]] QString requestPath(const QString &uuid) const;
-    [[nodiscard]] QString write(const NotaryRequest &request) const;
+    [[nodiscard]] platform::Outcome write(const NotaryRequest &request) const;
 
     const QString m_folder;
 };

@@ -37,7 +37,7 @@ std::optional<QByteArray> readPassword(const QString &name)
     return item ? std::optional(item->password) : readPlainPassword(name);
 }
 
-QString storePassword(const QString &name, const QByteArray &password)
+Outcome storePassword(const QString &name, const QByteArray &password)
 {
     const auto changed = Vault(keychainFolder()).change([&](VaultSecrets &secrets) {
         if (PasswordItem *item = secrets.find(name))
@@ -48,7 +48,7 @@ QString storePassword(const QString &name, const QByteArray &password)
     });
     if (changed)
         QFile::remove(plainPath(name));
-    return changed.error();
+    return changed;
 }
 
 Result<std::optional<PasswordItem>> findPassword(const QString &item, const QString &account)

@@ -15,8 +15,7 @@ namespace toolchain {
 [[nodiscard]] std::optional<QByteArray> readPassword(const QString &name);
 
 /// Keeps a password under a name in the keychain's vault, encrypted; an item of that name is replaced.
-/// Answers what went wrong, or an empty text.
-[[nodiscard]] QString storePassword(const QString &name, const QByteArray &password);
+[[nodiscard]] platform::Outcome storePassword(const QString &name, const QByteArray &password);
 
 /// An item by its name, and by its account if that is not null; no item is not a failure, a locked vault is
 /// one.

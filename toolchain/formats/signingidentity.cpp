@@ -36,8 +36,8 @@ Result<SigningIdentity> opened(const KeychainContents &contents, const Identity 
 Result<SigningIdentity> findSigningIdentity(const QString &wanted, IdentityKind kind)
 {
     const KeychainContents contents = readKeychain(keychainFolder());
-    const IdentityChoice choice = chooseIdentity(contents, wanted, kind);
-    return choice.identity ? opened(contents, *choice.identity) : Error{choice.problem};
+    const auto identity = chooseIdentity(contents, wanted, kind);
+    return identity ? opened(contents, *identity) : identity.failure();
 }
 
 } // namespace toolchain

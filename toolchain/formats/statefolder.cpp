@@ -35,13 +35,15 @@ QString notaryFolder()
     return stateFolder() + u"/notary"_s;
 }
 
-QString makePrivateFolder(const QString &path)
+platform::Outcome makePrivateFolder(const QString &path)
 {
     const mode_t mask = umask(077);
     std::error_code error;
     std::filesystem::create_directories(path.toStdString(), error);
     umask(mask);
-    return error ? path + u": "_s + QString::fromStdString(error.message()) : QString();
+    if (error)
+        return platform::Error{path + u": "_s + QString::fromStdString(error.message())};
+    return {};
 }
 
 FolderLock::FolderLock(const QString &folder)

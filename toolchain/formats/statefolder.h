@@ -2,6 +2,8 @@
 
 #include <QString>
 
+#include "platform/result.h"
+
 namespace toolchain {
 
 /// Where the toolchain keeps what has to outlive a tool's run: SEALWRIGHT_TOOLCHAIN_STATE of the
@@ -15,9 +17,8 @@ namespace toolchain {
 /// The local notary's requests and logs.
 [[nodiscard]] QString notaryFolder();
 
-/// Makes a folder that nobody but its owner may look into, with those above it. Answers what went wrong,
-/// naming the folder, or an empty text.
-[[nodiscard]] QString makePrivateFolder(const QString &path);
+/// Makes a folder that nobody but its owner may look into, with those above it. An error names the folder.
+[[nodiscard]] platform::Outcome makePrivateFolder(const QString &path);
 
 /// Holds an advisory lock on a file for as long as it lives, and waits for it first. The system drops the
 /// lock when the process ends, however it ends.

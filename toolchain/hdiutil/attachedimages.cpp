@@ -102,7 +102,7 @@ bool isInUse(const std::string &folder)
 AttachedImages::AttachedImages()
     : m_folder(stateFolder() + u"/diskimages"_s)
 {
-    m_error = makePrivateFolder(m_folder + u"/attached"_s).toStdString();
+    m_error = makePrivateFolder(m_folder + u"/attached"_s).error().toStdString();
     if (!m_error.empty())
         return;
     m_lock.emplace(m_folder);

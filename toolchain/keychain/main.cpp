@@ -85,9 +85,9 @@ bool isThere(const QString &commonName)
 
 int makeNamedIdentity(const QString &name, IdentityKind kind)
 {
-    const QString problem = makePrivateFolder(keychainFolder());
-    if (!problem.isEmpty())
-        return fail(problem);
+    const auto folder = makePrivateFolder(keychainFolder());
+    if (!folder)
+        return fail(folder.error());
     const FolderLock lock(
         keychainFolder()); // of two that start at once, the second one finds the identity there
     if (!lock.isHeld())
@@ -97,10 +97,10 @@ int makeNamedIdentity(const QString &name, IdentityKind kind)
         print("\"" + commonName.toStdString() + "\" is there already\n");
         return 0;
     }
-    const NewIdentity identity = makeIdentity(keychainFolder(), name, kind);
-    if (!identity.error.isEmpty())
-        return fail(identity.error);
-    print("\"" + commonName.toStdString() + "\" made: " + identity.path.toStdString() + "\n");
+    const auto path = makeIdentity(keychainFolder(), name, kind);
+    if (!path)
+        return fail(path.error());
+    print("\"" + commonName.toStdString() + "\" made: " + path->toStdString() + "\n");
     return 0;
 }
 
@@ -122,9 +122,9 @@ int addPassword(const std::string &name)
     std::getline(std::cin, password);
     if (password.empty())
         return fail(u"no password on standard input"_s);
-    const QString problem = storePassword(QString::fromStdString(name), QByteArray::fromStdString(password));
-    if (!problem.isEmpty())
-        return fail(problem);
+    const auto kept = storePassword(QString::fromStdString(name), QByteArray::fromStdString(password));
+    if (!kept)
+        return fail(kept.error());
     print("password kept under \"" + name + "\"\n");
     return 0;
 }

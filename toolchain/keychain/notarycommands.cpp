@@ -32,9 +32,9 @@ QString textOf(const ParsedArguments &arguments, const char *name)
 
 int keep(const QString &item, const ApiKey &key)
 {
-    const QString problem = storePassword(item, notary::itemOf(key));
-    if (!problem.isEmpty())
-        return fail(problem);
+    const auto kept = storePassword(item, notary::itemOf(key));
+    if (!kept)
+        return fail(kept.error());
     print("API key " + key.keyId.toStdString() + " kept under \"" + item.toStdString() + "\"\n");
     return 0;
 }
@@ -93,9 +93,9 @@ int makeApiKey(const ParsedArguments &arguments)
 int useNotary(const ParsedArguments &arguments)
 {
     const QString choice = QString::fromStdString(arguments.operands.at(1));
-    const QString problem = notary::chooseService(choice);
-    if (!problem.isEmpty())
-        return fail(problem);
+    const auto chosen = notary::chooseService(choice);
+    if (!chosen)
+        return fail(chosen.error());
     const auto config = notary::readServiceConfig();
     print("notary service: "
           + (config && !config->isLocal ? notary::hostAndPort(config->api).toStdString() : "of this machine")

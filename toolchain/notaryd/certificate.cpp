@@ -9,6 +9,7 @@
 
 #include <memory>
 
+#include "formats/keychain/privatefile.h"
 #include "formats/notary/serviceconfig.h"
 
 using namespace Qt::StringLiterals;
@@ -107,9 +108,9 @@ Result<ServerCertificate> serverCertificate(const QString &address)
     extend(server.get(), authority.get(), NID_subject_alt_name, namesFor(address));
     extend(server.get(), authority.get(), NID_authority_key_identifier, "keyid");
     X509_sign(server.get(), authorityKey.get(), EVP_sha256());
-    const QString problem = toolchain::notary::writePrivateFile(authorityFile(), pemOf(authority.get()));
-    if (!problem.isEmpty())
-        return Error{problem};
+    const auto written = toolchain::writePrivateFile(authorityFile(), pemOf(authority.get()));
+    if (!written)
+        return written.failure();
     return ServerCertificate{pemOf(key.get()), pemOf(server.get())};
 }
 

@@ -4,6 +4,7 @@
 #include "notaryd/server.h"
 #include "notaryd/verdict.h"
 
+#include "formats/keychain/privatefile.h"
 #include "formats/notary/localservice.h"
 #include "formats/statefolder.h"
 #include "support/arguments.h"
@@ -24,6 +25,7 @@
 #include <thread>
 
 using namespace Qt::StringLiterals;
+using platform::Outcome;
 using namespace notaryd;
 using namespace toolchain;
 
@@ -126,7 +128,7 @@ bool goesBeforeOthers(const Options &options)
 std::unique_ptr<notary::ServiceLock> takeOver(const Options &options)
 {
     auto lock = std::make_unique<notary::ServiceLock>();
-    const auto isTaken = [&lock] { return !lock->isHeld() && lock->problem().isEmpty(); };
+    const auto isTaken = [&lock] { return !lock->isHeld() && lock->opened(); };
     for (int look = 0; isTaken() && goesBeforeOthers(options) && look < takeOverLooks; ++look) {
         const pid_t process = runningProcess();
         if (process > 1)
@@ -152,10 +154,10 @@ quint16 earlierPort()
     return quint16(std::max(0, QUrl(api).port(0)));
 }
 
-QString listen(Server &server, ListenAddress address, const ServerCertificate &certificate)
+Outcome listen(Server &server, ListenAddress address, const ServerCertificate &certificate)
 {
     const quint16 earlier = address.port == 0 ? earlierPort() : 0;
-    if (earlier != 0 && server.listen({address.host, earlier, -1}, certificate).isEmpty())
+    if (earlier != 0 && server.listen({address.host, earlier, -1}, certificate))
         return {};
     return server.listen(address, certificate);
 }
@@ -167,7 +169,7 @@ struct Publication {
     bool isActivated = false;
 };
 
-QString publish(const Publication &what)
+Outcome publish(const Publication &what)
 {
     notary::ServiceConfig config = notary::serviceAt(what.origin);
     config.ca = authorityFile();
@@ -181,10 +183,9 @@ QString publish(const Publication &what)
     const auto kept = file.open(QIODevice::ReadOnly) ? notary::serviceConfigFrom(file.readAll())
                                                      : platform::Result<notary::ServiceConfig>(config);
     const bool isChosen = !kept || kept->isLocal;
-    const QString problem = isChosen ? notary::writePrivateFile(notary::serviceFile(), bytes) : QString();
+    const Outcome written = isChosen ? writePrivateFile(notary::serviceFile(), bytes) : Outcome::success();
     // last, since whoever waits for the service waits for its process in this file
-    return problem.isEmpty() ? notary::writePrivateFile(notary::serviceFolder() + u"/address.json"_s, bytes)
-                             : problem;
+    return written ? writePrivateFile(notary::serviceFolder() + u"/address.json"_s, bytes) : written;
 }
 
 /// Until a signal ends the service, nobody needs it, or its folder has gone.
@@ -223,7 +224,7 @@ QByteArray newSecret()
 /// Why the lock is not held.
 QString reasonOf(const notary::ServiceLock &lock)
 {
-    return lock.problem().isEmpty() ? u"another service runs and does not end"_s : lock.problem();
+    return lock.opened() ? u"another service runs and does not end"_s : lock.opened().error();
 }
 
 int failToStart(const QString &reason, Starter &starter)
@@ -238,14 +239,14 @@ int announce(const Options &options)
     const auto lock = takeOver(options);
     if (!lock->isHeld())
         return fail(reasonOf(*lock));
-    const QString problem = publish({originOf(options.address, options.address.port), 0, true});
-    return problem.isEmpty() ? 0 : fail(problem);
+    const Outcome published = publish({originOf(options.address, options.address.port), 0, true});
+    return published ? 0 : fail(published.error());
 }
 
 int serve(const Options &options, Starter starter)
 {
     const auto lock = takeOver(options);
-    if (!lock->isHeld() && lock->problem().isEmpty() && !goesBeforeOthers(options)) {
+    if (!lock->isHeld() && lock->opened() && !goesBeforeOthers(options)) {
         starter.tell("+");
         return 0;
     }
@@ -255,13 +256,14 @@ int serve(const Options &options, Starter starter)
     Service service(notaryFolder());
     service.faults().replace(options.faults);
     Server server(service);
-    const QString problem = certificate ? listen(server, options.address, *certificate) : certificate.error();
+    const Outcome listening =
+        certificate ? listen(server, options.address, *certificate) : certificate.failure();
     const bool isHanded = options.address.socket >= 0;
     const QString origin = originOf(options.address, isHanded ? options.address.port : server.port());
     service.setFacts({origin, newSecret(), options.hasControl});
-    const QString unpublished = problem.isEmpty() ? publish({origin, getpid(), isHanded}) : problem;
-    if (!unpublished.isEmpty())
-        return failToStart(unpublished, starter);
+    const Outcome published = listening ? publish({origin, getpid(), isHanded}) : listening;
+    if (!published)
+        return failToStart(published.error(), starter);
     starter.tell((u"+"_s + origin + u'\n').toUtf8());
     if (options.isInForeground) {
         print(origin.toStdString() + "\n");
@@ -273,9 +275,9 @@ int serve(const Options &options, Starter starter)
 
 int run(const Options &options)
 {
-    const QString problem = makePrivateFolder(notary::serviceFolder());
-    if (!problem.isEmpty())
-        return fail(problem);
+    const Outcome folder = makePrivateFolder(notary::serviceFolder());
+    if (!folder)
+        return fail(folder.error());
     if (options.isAnnouncement)
         return announce(options);
     blockSignals();

@@ -79,7 +79,7 @@ QByteArray MultipartUpload::begin(const QString &objectFolder)
 {
     const QByteArray identifier = QUuid::createUuid().toByteArray(QUuid::Id128);
     const QString folder = objectFolder + u"/parts-"_s + QString::fromLatin1(identifier);
-    return toolchain::makePrivateFolder(folder).isEmpty() ? identifier : QByteArray();
+    return toolchain::makePrivateFolder(folder) ? identifier : QByteArray();
 }
 
 MultipartUpload::MultipartUpload(const QString &objectFolder, QByteArray identifier)
@@ -158,16 +158,18 @@ bool MultipartUpload::listParts(const QList<Part> &wanted) const
     return file.open(QIODevice::WriteOnly) && file.write(lines) == lines.size() && file.flush();
 }
 
-QString MultipartUpload::complete(const QByteArray &list) const
+platform::Outcome MultipartUpload::complete(const QByteArray &list) const
 {
     const auto wanted = partsIn(list);
     if (!wanted)
-        return u"MalformedXML"_s;
+        return platform::Error{u"MalformedXML"_s};
     const QString objection = objectionTo(*wanted);
     if (!objection.isEmpty())
-        return objection;
+        return platform::Error{objection};
     QFile mark(m_folder + u"/completed"_s);
-    return listParts(*wanted) && mark.open(QIODevice::WriteOnly) ? QString() : u"InternalError"_s;
+    if (!listParts(*wanted) || !mark.open(QIODevice::WriteOnly))
+        return platform::Error{u"InternalError"_s};
+    return {};
 }
 
 void MultipartUpload::abort() const

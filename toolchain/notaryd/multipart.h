@@ -1,6 +1,7 @@
 #pragma once
 
 #include "notaryd/partlist.h"
+#include "platform/result.h"
 
 #include <QString>
 
@@ -32,8 +33,8 @@ public:
     [[nodiscard]] bool keepPart(const QByteArray &number, const QString &file, const QByteArray &etag) const;
     [[nodiscard]] QList<Part> parts() const; ///< by number
 
-    /// Notes at `listPath()` which parts make the object. Answers the storage's error code, or an empty text.
-    [[nodiscard]] QString complete(const QByteArray &list) const;
+    /// Notes at `listPath()` which parts make the object. An error is one of the storage's codes.
+    [[nodiscard]] platform::Outcome complete(const QByteArray &list) const;
     [[nodiscard]] QString listPath() const;
     void abort() const;
 

@@ -107,13 +107,13 @@ Server::~Server()
         MHD_stop_daemon(m_daemon);
 }
 
-QString Server::listen(const ListenAddress &address, const ServerCertificate &certificate)
+platform::Outcome Server::listen(const ListenAddress &address, const ServerCertificate &certificate)
 {
     std::signal(SIGPIPE, SIG_IGN);
     noteUse();
     SocketAddress place = socketAddress(address);
     if (!place.isNumber)
-        return u"'%1' is no address of this machine"_s.arg(address.host);
+        return platform::Error{u"'%1' is no address of this machine"_s.arg(address.host)};
     const unsigned flags = MHD_USE_INTERNAL_POLLING_THREAD | MHD_USE_THREAD_PER_CONNECTION | MHD_USE_POLL
         | MHD_USE_TLS | MHD_USE_SUPPRESS_DATE_NO_CLOCK | MHD_USE_ITC
         | (place.isSix ? unsigned(MHD_USE_IPv6) : 0U);
@@ -131,9 +131,10 @@ QString Server::listen(const ListenAddress &address, const ServerCertificate &ce
                                 MHD_OPTION_CONNECTION_LIMIT, mostConnections, //
                                 MHD_OPTION_CONNECTION_TIMEOUT, idleConnectionSeconds, //
                                 MHD_OPTION_END);
-    return m_daemon ? QString()
-                    : u"cannot listen at %1 port %2: %3"_s.arg(address.host, QString::number(address.port),
-                                                               QString::fromLocal8Bit(std::strerror(errno)));
+    if (!m_daemon)
+        return platform::Error{u"cannot listen at %1 port %2: %3"_s.arg(
+            address.host, QString::number(address.port), QString::fromLocal8Bit(std::strerror(errno)))};
+    return {};
 }
 
 quint16 Server::port() const

@@ -2,6 +2,7 @@
 
 #include "notaryd/certificate.h"
 #include "notaryd/service.h"
+#include "platform/result.h"
 
 #include <chrono>
 
@@ -23,8 +24,8 @@ public:
     Server(const Server &) = delete;
     Server &operator=(const Server &) = delete;
 
-    /// Answers what went wrong, or an empty text.
-    [[nodiscard]] QString listen(const ListenAddress &address, const ServerCertificate &certificate);
+    [[nodiscard]] platform::Outcome listen(const ListenAddress &address,
+                                           const ServerCertificate &certificate);
     [[nodiscard]] quint16 port() const;
 
     /// For how long nobody has asked anything and no connection is open.

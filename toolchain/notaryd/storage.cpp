@@ -187,10 +187,8 @@ private:
 
     Response complete(const UploadSession &session, MultipartUpload &upload, const QByteArray &body)
     {
-        const QString problem = upload.complete(body);
-        if (!problem.isEmpty())
-            return storageError(problem);
-        return kept(session, upload);
+        const auto isComplete = upload.complete(body);
+        return isComplete ? kept(session, upload) : storageError(isComplete.error());
     }
 
     Response kept(const UploadSession &session, const MultipartUpload &upload)

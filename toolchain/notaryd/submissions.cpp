@@ -88,13 +88,13 @@ Result<UploadSession> Submissions::begin(const NotaryRequest &announced, const Q
                                 "prod/AROA" + randomLetters(17) + ':' + request.uuid.toLatin1(),
                                 {"ASIA" + randomLetters(16), randomText(30), randomText(96)},
                                 now.addSecs(credentialsLifetime)};
-    const QString problem = toolchain::makePrivateFolder(folderOf(request.uuid));
-    if (!problem.isEmpty())
-        return Error{problem};
+    const auto folder = toolchain::makePrivateFolder(folderOf(request.uuid));
+    if (!folder)
+        return folder.failure();
     const std::scoped_lock lock(m_mutex, m_stateMutex);
-    const QString unwritten = m_state.store(request);
-    if (!unwritten.isEmpty())
-        return Error{unwritten};
+    const auto stored = m_state.store(request);
+    if (!stored)
+        return stored.failure();
     m_sessions.insert(session.credentials.accessKey, session);
     return session;
 }
@@ -152,15 +152,15 @@ std::optional<Submissions::Refusal> Submissions::place(const QString &id, const 
     {
         const std::scoped_lock lock(m_mutex, m_stateMutex);
         NotaryLookup lookup = m_state.find(id);
-        if (!lookup.request)
-            return Refusal{u"InternalError"_s,
-                           lookup.error.isEmpty() ? u"There is no such submission"_s : lookup.error};
-        if (const auto refusal = moveToObject(*lookup.request, file))
+        if (!lookup || !*lookup)
+            return Refusal{u"InternalError"_s, lookup ? u"There is no such submission"_s : lookup.error()};
+        NotaryRequest &request = **lookup;
+        if (const auto refusal = moveToObject(request, file))
             return refusal;
-        lookup.request->phase = Phase::uploaded;
-        const QString problem = m_state.store(*lookup.request);
-        if (!problem.isEmpty())
-            return Refusal{u"InternalError"_s, problem};
+        request.phase = Phase::uploaded;
+        const auto stored = m_state.store(request);
+        if (!stored)
+            return Refusal{u"InternalError"_s, stored.error()};
         m_waiting.insert(id, Clock::now() + toolchain::notary::scaled(reviewPause));
     }
     m_changed.notify_all();
@@ -177,12 +177,12 @@ std::optional<NotaryRequest> Submissions::ask(const QString &id)
     }
     m_changed.notify_all();
     const std::scoped_lock lock(m_stateMutex);
-    return m_state.poll(id).request;
+    return m_state.poll(id).valueOr(std::nullopt);
 }
 
 std::optional<NotaryRequest> Submissions::find(const QString &id) const
 {
-    return m_state.find(id).request;
+    return m_state.find(id).valueOr(std::nullopt);
 }
 
 QList<NotaryRequest> Submissions::all() const
@@ -245,11 +245,11 @@ bool Submissions::review(const QString &id)
     m_review(*request, objectOf(id));
     {
         const std::scoped_lock lock(m_stateMutex);
-        const auto now = m_state.find(id).request; // questions have been counted meanwhile
+        const auto now = find(id); // questions have been counted meanwhile
         request->polls = now ? now->polls : request->polls;
         request->phase = Phase::reviewed;
         request->decided = QDateTime::currentDateTimeUtc();
-        if (!m_state.store(*request).isEmpty())
+        if (!m_state.store(*request))
             return false;
     }
     QDir(folderOf(id)).removeRecursively();

@@ -3,6 +3,7 @@
 #include <QFile>
 
 #include "formats/authority.h"
+#include "formats/keychain/privatefile.h"
 #include "formats/notary/serviceconfig.h"
 #include "formats/statefolder.h"
 #include "formats/ticket/signedticket.h"
@@ -42,8 +43,8 @@ QByteArray Vouching::ticketOf(const NotaryRequest &request)
     if (kept.open(QIODevice::ReadOnly))
         return kept.readAll();
     const QByteArray ticket = mint(request);
-    if (!ticket.isEmpty() && makePrivateFolder(notaryFolder() + u"/tickets"_s).isEmpty())
-        static_cast<void>(notary::writePrivateFile(ticketPath(request), ticket));
+    if (!ticket.isEmpty() && makePrivateFolder(notaryFolder() + u"/tickets"_s))
+        toolchain::writePrivateFile(ticketPath(request), ticket).ignore();
     return ticket;
 }
 

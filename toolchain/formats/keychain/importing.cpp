@@ -9,6 +9,7 @@
 
 using namespace Qt::StringLiterals;
 using platform::Error;
+using platform::Outcome;
 using platform::Result;
 
 namespace toolchain {
@@ -21,7 +22,7 @@ constexpr qsizetype mostItems = 1000;
 /// Where libcrypto's question for a passphrase leads, and what came of it.
 struct Asking {
     const PassphraseSource &source;
-    QString problem;
+    Outcome answered; ///< fails where the source has none, or none that can be taken
 };
 
 int answerFor(char *buffer, int size, int, void *asking)
@@ -29,7 +30,7 @@ int answerFor(char *buffer, int size, int, void *asking)
     auto *state = static_cast<Asking *>(asking);
     const auto passphrase = state->source();
     if (!passphrase || passphrase->size() > size) {
-        state->problem = passphrase ? u"the passphrase is too long"_s : passphrase.error();
+        state->answered = passphrase ? Error{u"the passphrase is too long"_s} : passphrase.failure();
         return -1;
     }
     std::copy(passphrase->begin(), passphrase->end(), buffer);
@@ -60,9 +61,8 @@ Result<ImportedItems> readPem(const QByteArray &bytes, const PassphraseSource &p
         const Key key(PEM_read_bio_PrivateKey(memory.get(), nullptr, answerFor, &asking));
         ERR_clear_error();
         if (!key)
-            return Error{asking.problem.isEmpty()
-                             ? u"a key in it cannot be read, or the passphrase is wrong"_s
-                             : asking.problem};
+            return asking.answered ? Error{u"a key in it cannot be read, or the passphrase is wrong"_s}
+                                   : asking.answered.failure();
         items.keys.append(derOf(key.get()));
     }
     return items;

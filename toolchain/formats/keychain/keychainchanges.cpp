@@ -62,9 +62,9 @@ Result<QList<QByteArray>> addCertificates(const QString &folder, const QList<QBy
         const Certificate certificate = certificateFrom(der);
         if (!certificate || known.contains(der))
             continue;
-        const QString problem = writeCertificateFile(newPathFor(folder, certificate.get()), {der});
-        if (!problem.isEmpty())
-            return Error{problem};
+        const Outcome written = writeCertificateFile(newPathFor(folder, certificate.get()), {der});
+        if (!written)
+            return written.failure();
         known.append(der);
         added.append(der);
     }

@@ -8,13 +8,15 @@
 
 namespace toolchain {
 
-QString writePrivateFile(const QString &path, const QByteArray &bytes)
+platform::Outcome writePrivateFile(const QString &path, const QByteArray &bytes)
 {
     const mode_t mask = umask(077);
     const std::string error = writeWholeFile(QFile::encodeName(path).toStdString(),
                                              {bytes.constData(), static_cast<std::size_t>(bytes.size())});
     umask(mask);
-    return QString::fromStdString(error);
+    if (!error.empty())
+        return platform::Error{QString::fromStdString(error)};
+    return {};
 }
 
 } // namespace toolchain

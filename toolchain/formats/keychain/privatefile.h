@@ -3,10 +3,11 @@
 #include <QByteArray>
 #include <QString>
 
+#include "platform/result.h"
+
 namespace toolchain {
 
-/// Writes a whole file that only its owner may read. Answers what went wrong, naming the file, or an empty
-/// text.
-[[nodiscard]] QString writePrivateFile(const QString &path, const QByteArray &bytes);
+/// Writes a whole file that only its owner may read. An error names the file.
+[[nodiscard]] platform::Outcome writePrivateFile(const QString &path, const QByteArray &bytes);
 
 } // namespace toolchain

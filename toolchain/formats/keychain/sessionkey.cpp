@@ -54,14 +54,15 @@ std::optional<QByteArray> SessionKey::read() const
     return file.read(mostBytes);
 }
 
-QString SessionKey::keep(const QByteArray &key) const
+platform::Outcome SessionKey::keep(const QByteArray &key) const
 {
     const QString folder = m_path.left(m_path.lastIndexOf(u'/'));
-    const QString problem = makePrivateFolder(folder);
-    if (!problem.isEmpty())
-        return problem;
-    return isOurs(folder) ? writePrivateFile(m_path, key)
-                          : folder + u": is not a private folder of this user"_s;
+    const platform::Outcome made = makePrivateFolder(folder);
+    if (!made)
+        return made;
+    if (!isOurs(folder))
+        return platform::Error{folder + u": is not a private folder of this user"_s};
+    return writePrivateFile(m_path, key);
 }
 
 void SessionKey::forget() const

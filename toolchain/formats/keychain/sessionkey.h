@@ -5,6 +5,8 @@
 
 #include <optional>
 
+#include "platform/result.h"
+
 namespace toolchain {
 
 /// An unlocked vault's key, kept in the login session's runtime folder (XDG Base Directory Specification),
@@ -16,8 +18,7 @@ public:
 
     /// Nothing if the vault has not been unlocked in this session.
     [[nodiscard]] std::optional<QByteArray> read() const;
-    /// Answers what went wrong, or an empty text.
-    [[nodiscard]] QString keep(const QByteArray &key) const;
+    [[nodiscard]] platform::Outcome keep(const QByteArray &key) const;
     void forget() const;
 
 private:

@@ -47,10 +47,8 @@ Outcome keepPin(const QString &folder, const QString &uri, const QByteArray &pin
 Outcome keepEntry(const QString &folder, const QString &uri, const QString &id)
 {
     const QByteArray json = QJsonDocument(QJsonObject{{u"uri"_s, uri}}).toJson();
-    QString problem = makePrivateFolder(folder + u"/tokens"_s);
-    if (problem.isEmpty())
-        problem = writePrivateFile(folder + u"/tokens/"_s + id + u".json"_s, json);
-    return problem.isEmpty() ? Outcome::success() : Error{problem};
+    const Outcome made = makePrivateFolder(folder + u"/tokens"_s);
+    return made ? writePrivateFile(folder + u"/tokens/"_s + id + u".json"_s, json) : made;
 }
 
 } // namespace

@@ -17,17 +17,18 @@ namespace {
 class VaultTurn {
 public:
     explicit VaultTurn(const QString &folder)
-        : m_problem(makePrivateFolder(folder))
+        : m_taken(makePrivateFolder(folder))
         , m_lock(folder)
     {
-        if (m_problem.isEmpty() && !m_lock.isHeld())
-            m_problem = folder + u": cannot be locked against other processes"_s;
+        if (m_taken && !m_lock.isHeld())
+            m_taken = Error{folder + u": cannot be locked against other processes"_s};
     }
 
-    [[nodiscard]] const QString &problem() const { return m_problem; }
+    /// Fails where it is not this process's turn.
+    [[nodiscard]] const Outcome &taken() const { return m_taken; }
 
 private:
-    QString m_problem;
+    Outcome m_taken;
     FolderLock m_lock;
 };
 
@@ -73,8 +74,8 @@ Result<VaultSecrets> Vault::read() const
 Outcome Vault::change(const Change &change) const
 {
     const VaultTurn turn(m_folder);
-    if (!turn.problem().isEmpty())
-        return Error{turn.problem()};
+    if (!turn.taken())
+        return turn.taken();
     const auto file = VaultFile::read(m_folder);
     if (!file)
         return file.failure();
@@ -95,8 +96,8 @@ Outcome Vault::change(const Change &change) const
 Outcome Vault::unlock(const QByteArray &passphrase) const
 {
     const VaultTurn turn(m_folder);
-    if (!turn.problem().isEmpty())
-        return Error{turn.problem()};
+    if (!turn.taken())
+        return turn.taken();
     const auto file = VaultFile::read(m_folder);
     if (!file)
         return file.failure();
@@ -108,8 +109,7 @@ Outcome Vault::unlock(const QByteArray &passphrase) const
     const auto secrets = key ? secretsOf(**file, *key) : key.failure();
     if (!secrets)
         return secrets.failure();
-    const QString problem = SessionKey(m_folder).keep(*key);
-    return problem.isEmpty() ? Outcome::success() : Error{problem};
+    return SessionKey(m_folder).keep(*key);
 }
 
 Outcome Vault::lock() const
@@ -126,8 +126,8 @@ Outcome Vault::lock() const
 Outcome Vault::protect(VaultProtection protection, const QByteArray &passphrase) const
 {
     const VaultTurn turn(m_folder);
-    if (!turn.problem().isEmpty())
-        return Error{turn.problem()};
+    if (!turn.taken())
+        return turn.taken();
     const auto file = VaultFile::read(m_folder);
     const auto secrets = read();
     if (!file || !secrets)
@@ -175,8 +175,7 @@ Outcome Vault::writeAnew(const VaultSecrets &secrets, VaultProtection protection
         return written;
     SessionKey session(m_folder);
     session.forget();
-    const QString problem = protection == VaultProtection::passphrase ? session.keep(made->key) : QString();
-    return problem.isEmpty() ? Outcome::success() : Error{problem};
+    return protection == VaultProtection::passphrase ? session.keep(made->key) : Outcome::success();
 }
 
 } // namespace toolchain

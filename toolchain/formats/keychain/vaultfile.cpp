@@ -134,10 +134,7 @@ Outcome VaultFile::write(const QString &folder) const
                              {u"protection"_s, objectOf(lock)},
                              {u"keys"_s, QJsonArray::fromStringList(keyIds)},
                              {u"sealed"_s, base64(sealed)}};
-    const QString problem = writePrivateFile(pathIn(folder), QJsonDocument(object).toJson());
-    if (!problem.isEmpty())
-        return Error{problem};
-    return Outcome::success();
+    return writePrivateFile(pathIn(folder), QJsonDocument(object).toJson());
 }
 
 } // namespace toolchain

@@ -8,6 +8,7 @@
 
 using namespace Qt::StringLiterals;
 using platform::Error;
+using platform::Outcome;
 using platform::Result;
 
 namespace toolchain {
@@ -38,8 +39,8 @@ Result<LockedKey> keyUnder(const QByteArray &passphrase, const QByteArray &key)
 Result<LockedKey> keyInFile(const QString &folder, const QByteArray &key)
 {
     const VaultLock lock{VaultProtection::keyFile, newName() + u".key"_s, {}, {}, {}};
-    const QString problem = writePrivateFile(folder + u'/' + lock.keeper, key);
-    return problem.isEmpty() ? Result<LockedKey>(LockedKey{lock, key}) : Error{problem};
+    const Outcome written = writePrivateFile(folder + u'/' + lock.keeper, key);
+    return written ? Result<LockedKey>(LockedKey{lock, key}) : written.failure();
 }
 
 Result<LockedKey> keyInSecretService(const QByteArray &key)
@@ -88,7 +89,7 @@ void dropVaultKey(const QString &folder, const VaultLock &lock)
     if (lock.protection == VaultProtection::keyFile)
         QFile::remove(folder + u'/' + lock.keeper);
     if (lock.protection == VaultProtection::secretService)
-        static_cast<void>(secretservice::remove(lock.keeper));
+        secretservice::remove(lock.keeper).ignore();
 }
 
 } // namespace toolchain

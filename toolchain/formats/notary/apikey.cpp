@@ -15,11 +15,13 @@
 #include <array>
 #include <mutex>
 
+#include "formats/keychain/privatefile.h"
 #include "formats/notary/serviceconfig.h"
 #include "formats/statefolder.h"
 
 using namespace Qt::StringLiterals;
 using platform::Error;
+using platform::Outcome;
 using platform::Result;
 
 namespace toolchain::notary {
@@ -213,18 +215,16 @@ Result<ApiKey> makeLocalApiKey()
     const ApiKey key{newKeyId(), QUuid::createUuid().toString(QUuid::WithoutBraces), newPrivateKey(), {}, {}};
     if (key.privateKey.isEmpty())
         return Error{u"no key could be made"_s};
-    const QString problem = enrol(key);
-    if (!problem.isEmpty())
-        return Error{problem};
-    return key;
+    const Outcome enrolled = enrol(key);
+    return enrolled ? Result<ApiKey>(key) : enrolled.failure();
 }
 
-QString enrol(const ApiKey &key)
+Outcome enrol(const ApiKey &key)
 {
     const QString folder = serviceFolder() + u"/keys"_s;
-    const QString problem = makePrivateFolder(folder);
-    if (!problem.isEmpty())
-        return problem;
+    const Outcome made = makePrivateFolder(folder);
+    if (!made)
+        return made;
     const QJsonObject form{{u"key_id"_s, key.keyId},
                            {u"issuer_id"_s, key.issuerId},
                            {u"public_key"_s, QString::fromLatin1(publicKeyOf(key))}};

@@ -42,7 +42,7 @@ struct ApiKey {
 /// Makes a team key and enrols it with the service of this machine.
 [[nodiscard]] platform::Result<ApiKey> makeLocalApiKey();
 
-/// Makes the key known to the service of this machine. Answers what went wrong, or an empty text.
-[[nodiscard]] QString enrol(const ApiKey &key);
+/// Makes the key known to the service of this machine.
+[[nodiscard]] platform::Outcome enrol(const ApiKey &key);
 
 } // namespace toolchain::notary

@@ -31,6 +31,7 @@ extern char **environ; // NOLINT(readability-redundant-declaration): POSIX leave
 
 using namespace Qt::StringLiterals;
 using platform::Error;
+using platform::Outcome;
 using platform::Result;
 
 namespace toolchain::notary {
@@ -102,21 +103,21 @@ pid_t spawn(const QString &program, int output)
     return error == 0 ? process : -error;
 }
 
-/// Empty once the service listens.
-QString startProgram(const QString &program)
+/// Answers once the service listens.
+Outcome startProgram(const QString &program)
 {
     std::array<int, 2> ends{};
     if (pipe2(ends.data(), O_CLOEXEC) != 0)
-        return QString::fromLocal8Bit(std::strerror(errno));
+        return Error{QString::fromLocal8Bit(std::strerror(errno))};
     const pid_t process = spawn(program, ends[1]);
     close(ends[1]);
     const QString text = said(ends[0]);
     close(ends[0]);
     int status = 0;
     if (process < 0)
-        return program + u": "_s + QString::fromLocal8Bit(std::strerror(-process));
+        return Error{program + u": "_s + QString::fromLocal8Bit(std::strerror(-process))};
     waitpid(process, &status, 0);
-    return WIFEXITED(status) && WEXITSTATUS(status) == 0 ? QString() : text;
+    return WIFEXITED(status) && WEXITSTATUS(status) == 0 ? Outcome::success() : Error{text};
 }
 
 /// What the latest service has left about itself.
@@ -184,20 +185,20 @@ bool isWoken()
     return connection >= 0 && isRunning();
 }
 
-QString start()
+Outcome start()
 {
-    const QString problem = makePrivateFolder(serviceFolder());
-    if (!problem.isEmpty())
-        return problem;
+    const Outcome made = makePrivateFolder(serviceFolder());
+    if (!made)
+        return made;
     const FolderLock starting(serviceFolder());
     if (!starting.isHeld())
-        return serviceFolder() + u": cannot be locked"_s;
+        return Error{serviceFolder() + u": cannot be locked"_s};
     if (isRunning())
         return {};
     const QString program = serviceProgram();
     if (program.isEmpty())
-        return u"there is no sealwright-notaryd beside this tool"_s;
-    return isWoken() ? QString() : startProgram(program);
+        return Error{u"there is no sealwright-notaryd beside this tool"_s};
+    return isWoken() ? Outcome::success() : startProgram(program);
 }
 
 } // namespace
@@ -209,9 +210,9 @@ Result<ServiceConfig> ensureService()
         return config;
     const auto deadline = Clock::now() + startLimit;
     while (Clock::now() < deadline) {
-        const QString problem = isRunning() ? QString() : start();
-        if (!problem.isEmpty())
-            return Error{u"The local notary service could not be started: "_s + problem};
+        const Outcome started = isRunning() ? Outcome::success() : start();
+        if (!started)
+            return Error{u"The local notary service could not be started: "_s + started.error()};
         if (const auto running = configOfRunning())
             return *running;
         std::this_thread::sleep_for(lookPause); // it is on its way up, or on its way down
@@ -223,7 +224,8 @@ ServiceLock::ServiceLock()
     : m_descriptor(::open(lockPath().constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0600))
 {
     if (m_descriptor < 0)
-        m_problem = QFile::decodeName(lockPath()) + u": "_s + QString::fromLocal8Bit(std::strerror(errno));
+        m_opened =
+            Error{QFile::decodeName(lockPath()) + u": "_s + QString::fromLocal8Bit(std::strerror(errno))};
     for (int look = 0; m_descriptor >= 0 && flock(m_descriptor, LOCK_EX | LOCK_NB) != 0; ++look) {
         std::this_thread::sleep_for(lockPause);
         if (look + 1 == lockLooks)

@@ -19,15 +19,15 @@ public:
 
     /// False if another service runs, or if there is a problem.
     [[nodiscard]] bool isHeld() const { return m_descriptor >= 0; }
-    /// Why no service can hold it at all; empty if one can.
-    [[nodiscard]] QString problem() const { return m_problem; }
+    /// Fails where no service can hold it at all.
+    [[nodiscard]] const platform::Outcome &opened() const { return m_opened; }
     /// Whether the lock's file still is the one in the state folder; a folder that was removed is nobody's
     /// state.
     [[nodiscard]] bool isInPlace() const;
 
 private:
     int m_descriptor = -1;
-    QString m_problem;
+    platform::Outcome m_opened;
 };
 
 } // namespace toolchain::notary

@@ -12,11 +12,12 @@
 #include <array>
 #include <utility>
 
+#include "formats/keychain/privatefile.h"
 #include "formats/statefolder.h"
-#include "support/wholefile.h"
 
 using namespace Qt::StringLiterals;
 using platform::Error;
+using platform::Outcome;
 using platform::Result;
 
 namespace toolchain::notary {
@@ -221,7 +222,7 @@ ServiceConfig serviceAt(const QString &origin)
             .isLocal = false};
 }
 
-QString chooseService(const QString &choice)
+Outcome chooseService(const QString &choice)
 {
     const auto before = readServiceConfig();
     const ServiceConfig own = serviceOfThisMachine();
@@ -232,8 +233,8 @@ QString chooseService(const QString &choice)
         const QUrl address =
             QUrl(withoutSlash(choice), QUrl::StrictMode).adjusted(QUrl::NormalizePathSegments);
         if (!canBeChosen(address))
-            return u"'%1' is neither apple nor local nor the https address of a service"_s.arg(
-                harmless(choice));
+            return Error{u"'%1' is neither apple nor local nor the https address of a service"_s.arg(
+                harmless(choice))};
         config = serviceAt(address.toString(QUrl::RemovePath));
         if (!address.path().isEmpty())
             config.api = address.toString();
@@ -241,8 +242,8 @@ QString chooseService(const QString &choice)
             config.ca = own.ca;
     }
     config.proxy = before ? before->proxy : QString();
-    const QString problem = makePrivateFolder(notaryFolder());
-    return problem.isEmpty() ? writePrivateFile(serviceFile(), jsonOf(config)) : problem;
+    const Outcome made = makePrivateFolder(notaryFolder());
+    return made ? writePrivateFile(serviceFile(), jsonOf(config)) : made;
 }
 
 bool isLoopback(const QString &host)
@@ -267,15 +268,6 @@ QString hostAndPort(const QString &address)
     const QUrl url(address);
     const QString host = url.host().contains(u':') ? u'[' + url.host() + u']' : url.host();
     return u"%1:%2"_s.arg(host, QString::number(url.port(url.scheme() == u"http"_s ? 80 : 443)));
-}
-
-QString writePrivateFile(const QString &path, const QByteArray &bytes)
-{
-    const mode_t mask = umask(077);
-    const std::string error =
-        writeWholeFile(QFile::encodeName(path).toStdString(), {bytes.constData(), std::size_t(bytes.size())});
-    umask(mask);
-    return QString::fromStdString(error);
 }
 
 } // namespace toolchain::notary

@@ -42,9 +42,9 @@ struct ServiceConfig {
 /// The addresses of a service that is laid out as sealwright-notaryd is; `origin` is "https://HOST:PORT".
 [[nodiscard]] ServiceConfig serviceAt(const QString &origin);
 
-/// Keeps the choice of a person in service.json: "apple", "local", or the address of a service. Answers what
-/// went wrong, or an empty text.
-[[nodiscard]] QString chooseService(const QString &choice);
+/// Keeps the choice of a person in service.json: "apple", "local", or the address of a service. Fails for
+/// another word, and where it cannot be kept.
+[[nodiscard]] platform::Outcome chooseService(const QString &choice);
 
 /// Whether requests may go there: https, or http to 127.0.0.0/8, ::1 or localhost.
 [[nodiscard]] bool isAcceptable(const QUrl &address);
@@ -54,8 +54,5 @@ struct ServiceConfig {
 
 /// "HOST:PORT" with the scheme's port where the address names none; an IPv6 number in brackets.
 [[nodiscard]] QString hostAndPort(const QString &address);
-
-/// Writes a file that only its owner may read; answers what went wrong, or an empty text.
-[[nodiscard]] QString writePrivateFile(const QString &path, const QByteArray &bytes);
 
 } // namespace toolchain::notary

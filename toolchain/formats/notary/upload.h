@@ -26,8 +26,8 @@ public:
 
 private:
     UploadFile(QString path, int descriptor);
-    [[nodiscard]] QString readWhole();
-    [[nodiscard]] QString readPieces();
+    [[nodiscard]] platform::Outcome readWhole();
+    [[nodiscard]] platform::Outcome readPieces();
 
     const QString m_path;
     const int m_descriptor;

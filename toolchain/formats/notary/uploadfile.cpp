@@ -18,6 +18,7 @@
 
 using namespace Qt::StringLiterals;
 using platform::Error;
+using platform::Outcome;
 using platform::Result;
 
 namespace toolchain::notary {
@@ -98,37 +99,39 @@ Result<std::shared_ptr<UploadFile>> UploadFile::open(const QString &path)
         return Error{reason(path, u"it is empty"_s)};
     file->m_size = facts.st_size;
     file->m_changed = changeTime(facts);
-    const QString problem = file->readWhole();
-    if (!problem.isEmpty())
-        return Error{problem};
+    const Outcome read = file->readWhole();
+    if (!read)
+        return read.failure();
     return file;
 }
 
 /// The submission tells the digest of the whole file, and each request that of its part: with two processors
 /// the one costs no time beside the other.
-QString UploadFile::readWhole()
+Outcome UploadFile::readWhole()
 {
     posix_fadvise(m_descriptor, 0, 0, POSIX_FADV_SEQUENTIAL);
     const qint64 partSize = partSizeFor(m_size);
     for (qint64 offset = 0; offset < m_size; offset += partSize)
         m_pieces.append(FilePiece{m_descriptor, offset, std::min(partSize, m_size - offset)});
     auto digesting = std::async(std::launch::async, sha256Of, FilePiece{m_descriptor, 0, m_size});
-    const QString problem = m_pieces.size() > 1 ? readPieces() : QString();
+    const Outcome pieces = m_pieces.size() > 1 ? readPieces() : Outcome::success();
     const auto whole = digesting.get();
-    if (!whole || !problem.isEmpty())
-        return reason(m_path, whole ? problem : whole.error());
+    if (!whole || !pieces)
+        return Error{reason(m_path, whole ? pieces.error() : whole.error())};
     m_sha256 = *whole;
     if (m_pieces.size() == 1)
         m_digests = {m_sha256};
-    return hasChanged() ? reason(m_path, u"it changed while it was being read"_s) : QString();
+    if (hasChanged())
+        return Error{reason(m_path, u"it changed while it was being read"_s)};
+    return {};
 }
 
-QString UploadFile::readPieces()
+Outcome UploadFile::readPieces()
 {
     for (const FilePiece &piece : std::as_const(m_pieces)) {
         const auto digest = sha256Of(piece);
         if (!digest)
-            return digest.error();
+            return digest.failure();
         m_digests.append(*digest);
     }
     return {};
