@@ -70,9 +70,10 @@ protected:
     {
         bundlebuilder::writeFile(path(u"tree/file"_s), "a script");
         for (auto attribute = m_attributes.begin(); attribute != m_attributes.end(); ++attribute)
-            ASSERT_EQ(toolchain::writeAttribute(path(u"tree/file"_s), attribute.key(), attribute.value()),
-                      QString());
-        ASSERT_EQ(toolchain::writeAttribute(path(u"tree"_s), "on.the.folder", "1"), QString());
+            ASSERT_EQ(
+                toolchain::writeAttribute(path(u"tree/file"_s), attribute.key(), attribute.value()).error(),
+                QString());
+        ASSERT_EQ(toolchain::writeAttribute(path(u"tree"_s), "on.the.folder", "1").error(), QString());
         ASSERT_EQ(run(ditto,
                       QStringList{u"-c"_s, u"-k"_s, u"--keepParent"_s} + options
                           + QStringList{path(u"tree"_s), path(u"out/a.zip"_s)})

@@ -128,9 +128,9 @@ TEST_F(HdiutilAttach, attributesAndResourceForksComeBack)
         {u"sub/small"_s, small}, {u"large"_s, large}, {u"sub"_s, {{"on a folder", "3"}}}};
     for (const auto &[name, attributes] : items) {
         for (auto attribute = attributes.begin(); attribute != attributes.end(); ++attribute)
-            ASSERT_EQ(
-                toolchain::writeAttribute(path(u"folder/"_s) + name, attribute.key(), attribute.value()),
-                QString());
+            ASSERT_EQ(toolchain::writeAttribute(path(u"folder/"_s) + name, attribute.key(), attribute.value())
+                          .error(),
+                      QString());
     }
     const QString image = imageOf(path(u"folder"_s));
     EXPECT_TRUE(runProgram(u"7z"_s, {u"t"_s, image}).output.contains(u"Everything is Ok"_s));
@@ -147,7 +147,7 @@ TEST_F(HdiutilAttach, theNamesOfOneFileStayTheNamesOfOneFile)
     ASSERT_EQ(link(first.constData(), QFile::encodeName(path(u"folder/second"_s)).constData()), 0);
     ASSERT_EQ(link(first.constData(), QFile::encodeName(path(u"folder/third"_s)).constData()), 0);
     ASSERT_EQ(link(first.constData(), QFile::encodeName(path(u"outside"_s)).constData()), 0);
-    ASSERT_EQ(toolchain::writeAttribute(path(u"outside"_s), "note", "kept"), QString());
+    ASSERT_EQ(toolchain::writeAttribute(path(u"outside"_s), "note", "kept").error(), QString());
     const QString image = imageOf(path(u"folder"_s));
     const QString volume = mountPointIn(attach(image));
     struct stat statuses[3] = {};
@@ -352,7 +352,7 @@ TEST_F(HdiutilAttach, anImageWithoutAVolumeHasNothingToMount)
 TEST_F(HdiutilAttach, anotherProgramHelpsWithChunksThatCannotBeUnpackedHere)
 {
     bundlebuilder::writeFile(path(u"folder/sub/a file"_s), QByteArray(900'000, 'f'));
-    ASSERT_EQ(toolchain::writeAttribute(path(u"folder/sub/a file"_s), "note", "kept"), QString());
+    ASSERT_EQ(toolchain::writeAttribute(path(u"folder/sub/a file"_s), "note", "kept").error(), QString());
     const QString image = path(u"other.dmg"_s);
     writeLzfseImage(volumeOf(imageOf(path(u"folder"_s))), image);
     EXPECT_EQ(run(hdiutil, {u"imageinfo"_s, u"-format"_s, image}).output, u"ULFO\n"_s);

@@ -26,7 +26,7 @@ void KeychainFixture::TearDown()
 void KeychainFixture::makeIdentity(toolchain::IdentityKind kind) const
 {
     const auto made = toolchain::makeIdentity(toolchain::keychainFolder(), holder, kind);
-    ASSERT_TRUE(made.error.isEmpty()) << made.error.toStdString();
+    ASSERT_TRUE(made) << made.error().toStdString();
 }
 
 bool KeychainFixture::opensslVerifies(const QByteArray &cms, const QByteArray &content) const

@@ -40,19 +40,19 @@ SignaturePlan planAfter(const SignedCode &code, qsizetype index)
     return plan;
 }
 
-QString resign(const QString &file, const QString &copy)
+platform::Outcome resign(const QString &file, const QString &copy)
 {
     QFile::remove(copy);
     if (!QFile::copy(file, copy))
-        return QStringLiteral("it cannot be copied");
+        return platform::Error{QStringLiteral("it cannot be copied")};
     const auto code = readCodeSignature(copy);
     if (!code || !code->image)
-        return code.error();
+        return platform::Error{code.error()};
     QList<SignaturePlan> plans;
     for (qsizetype index = 0; index < code->parts.size(); ++index)
         plans.append(planAfter(*code, index));
-    const QString problem = stripMachO(copy);
-    return problem.isEmpty() ? signMachO(copy, plans) : problem;
+    const platform::Outcome stripped = stripMachO(copy);
+    return stripped ? signMachO(copy, plans) : stripped;
 }
 
 } // namespace
@@ -61,8 +61,8 @@ int main(int argc, char **argv)
 {
     if (argc != 3)
         return 2;
-    const QString problem = resign(QString::fromLocal8Bit(argv[1]), QString::fromLocal8Bit(argv[2]));
-    if (!problem.isEmpty())
-        std::fprintf(stderr, "%s: %s\n", argv[1], qPrintable(problem));
-    return problem.isEmpty() ? 0 : 1;
+    const platform::Outcome done = resign(QString::fromLocal8Bit(argv[1]), QString::fromLocal8Bit(argv[2]));
+    if (!done)
+        std::fprintf(stderr, "%s: %s\n", argv[1], qPrintable(done.error()));
+    return done ? 0 : 1;
 }

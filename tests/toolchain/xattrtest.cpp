@@ -179,7 +179,7 @@ TEST_F(Xattr, actsOnAWholeTreeWithEveryVerb)
 TEST_F(Xattr, whatLiesBesideAFileCountsAndIsClearedWithIt)
 {
     const QString file = path(u"tree/inner/file"_s);
-    ASSERT_EQ(toolchain::writeAttribute(file, "large", QByteArray(100'000, 'x')), QString());
+    ASSERT_EQ(toolchain::writeAttribute(file, "large", QByteArray(100'000, 'x')).error(), QString());
     ASSERT_TRUE(QFile::exists(path(u"tree/inner/._file"_s)));
     EXPECT_EQ(run(xattr, {file}).output, u"user.com.apple.quarantine\nuser.large\n"_s);
     EXPECT_EQ(run(xattr, {u"-r"_s, path(u"tree/inner"_s)}).output.count(u'\n'), 3);

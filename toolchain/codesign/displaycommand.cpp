@@ -11,21 +11,24 @@
 
 using namespace Qt::StringLiterals;
 using namespace toolchain::codesignature;
+using platform::Error;
+using platform::Outcome;
 using platform::Result;
 
 namespace toolchain::codesign {
 
 namespace {
 
-/// To a file, or to standard output for "-"; answers what went wrong, or nothing.
-QString put(const QByteArray &bytes, const QString &destination)
+/// To a file, or to standard output for "-".
+Outcome put(const QByteArray &bytes, const QString &destination)
 {
     if (destination == u"-"_s || destination == u":-"_s) {
         print({bytes.constData(), std::size_t(bytes.size())});
         return {};
     }
     const QString path = destination.startsWith(u':') ? destination.sliced(1) : destination;
-    return QString::fromStdString(writeWholeFile(path.toStdString(), bytes.toStdString()));
+    const std::string error = writeWholeFile(path.toStdString(), bytes.toStdString());
+    return error.empty() ? Outcome::success() : Error{QString::fromStdString(error)};
 }
 
 /// A designated requirement that the signature does not hold itself is marked so.
@@ -45,10 +48,10 @@ Result<QString> requirementLines(const SignedCode &code)
     return u"# designated => "_s + *text + u'\n' + *lines;
 }
 
-QString putRequirements(const SignedCode &code, const QString &destination)
+Outcome putRequirements(const SignedCode &code, const QString &destination)
 {
     const auto lines = requirementLines(code);
-    return lines ? put(lines->toUtf8(), destination) : lines.error();
+    return lines ? put(lines->toUtf8(), destination) : lines.failure();
 }
 
 int displayOne(const QString &path, const Options &options)
@@ -60,12 +63,12 @@ int displayOne(const QString &path, const Options &options)
     if (!code->native().cms().isEmpty())
         signer = judgePart(code->native(), TrustStore::ofThisMachine());
     printError((describe(*code, signer, options.verbosity).join(u'\n') + u'\n').toStdString());
-    QString problem;
+    Outcome done;
     if (options.entitlements && !code->native().entitlements().isEmpty())
-        problem = put(code->native().entitlements(), *options.entitlements);
-    if (problem.isEmpty() && options.requirements)
-        problem = putRequirements(*code, *options.requirements);
-    return problem.isEmpty() ? 0 : fail(path, problem);
+        done = put(code->native().entitlements(), *options.entitlements);
+    if (done && options.requirements)
+        done = putRequirements(*code, *options.requirements);
+    return done ? 0 : fail(path, done.error());
 }
 
 } // namespace

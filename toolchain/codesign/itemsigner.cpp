@@ -16,6 +16,7 @@
 using namespace Qt::StringLiterals;
 using namespace toolchain::codesignature;
 using platform::Error;
+using platform::Outcome;
 using platform::Result;
 
 namespace toolchain::codesign {
@@ -28,11 +29,6 @@ seal::Digests sealDigests(const QList<HashType> &digests)
     if (digests.size() == 1 && hasSha1)
         return seal::Digests::sha1;
     return hasSha1 ? seal::Digests::sha1AndSha256 : seal::Digests::sha256;
-}
-
-QString subcomponent(const QString &problem, const QString &path)
-{
-    return problem + u"\nIn subcomponent: "_s + path;
 }
 
 QList<QByteArray> digestsOf(const seal::MadeSeal &seal, const QList<HashType> &kinds)
@@ -52,12 +48,12 @@ QList<QByteArray> digestsOf(const seal::MadeSeal &seal, const QList<HashType> &k
 }
 
 /// A symbolic link in the seal's place, or in that of its folder, is not followed out of the bundle.
-QString writeSeal(const CodeBundle &bundle, const seal::MadeSeal &seal)
+Outcome writeSeal(const CodeBundle &bundle, const seal::MadeSeal &seal)
 {
     if (QFileInfo(bundle.sealFolder()).isSymLink())
-        return text::badLink;
+        return Error{text::badLink};
     if (!QDir().mkpath(bundle.sealFolder()))
-        return bundle.sealFolder() + u": cannot be made"_s;
+        return Error{bundle.sealFolder() + u": cannot be made"_s};
     if (QFileInfo(bundle.sealPath()).isSymLink())
         QFile::remove(bundle.sealPath());
     QSaveFile file(bundle.sealPath());
@@ -65,7 +61,7 @@ QString writeSeal(const CodeBundle &bundle, const seal::MadeSeal &seal)
         return file.write(bytes.data(), bytes.size()) == bytes.size();
     };
     const bool isWritten = file.open(QIODevice::WriteOnly) && seal.write(sink) && file.commit();
-    return isWritten ? QString() : bundle.sealPath() + u": "_s + file.errorString();
+    return isWritten ? Outcome::success() : Error{bundle.sealPath() + u": "_s + file.errorString()};
 }
 
 bool isOfSignature(const QString &name)
@@ -103,15 +99,15 @@ public:
         SigningReport report;
         if (isSignedAlready()) {
             if (m_order.oldSignature == OldSignature::isRefused)
-                return {u"is already signed"_s, {}, {}};
+                return {Error{u"is already signed"_s}, {}, {}};
             report.notice = u"replacing existing signature"_s;
         }
         m_item.identifier = chosenIdentifier(m_code, m_order);
         m_item.digests = digestsFor(m_code, m_order);
         for (const auto step :
              {&ItemSigner::signNested, &ItemSigner::makeSeal, &ItemSigner::makePlans, &ItemSigner::write}) {
-            report.error = (this->*step)();
-            if (!report.error.isEmpty())
+            report.outcome = (this->*step)();
+            if (!report.outcome)
                 return report;
         }
         report.done = u"signed %1 [%2]"_s.arg(m_code.formatText(), m_item.identifier);
@@ -126,7 +122,7 @@ private:
         });
     }
 
-    QString signNested()
+    Outcome signNested()
     {
         if (!m_code.bundle)
             return {};
@@ -136,26 +132,26 @@ private:
             return {};
         const auto nested = seal::nestedCodeIn(sealedFolder(*m_code.bundle));
         if (!nested)
-            return nested.error();
+            return nested.failure();
         for (const QString &path : *nested) {
-            const QString problem = signOneNested(path);
-            if (!problem.isEmpty())
-                return subcomponent(problem, path);
+            const Outcome isSigned = signOneNested(path);
+            if (!isSigned)
+                return Error{isSigned.error() + u"\nIn subcomponent: "_s + path};
         }
         return {};
     }
 
-    QString signOneNested(const QString &path)
+    Outcome signOneNested(const QString &path)
     {
         auto code = readSignedCode(path, SignatureDepth::heads);
         if (!code)
-            return code.error();
+            return code.failure();
         ItemSigner signer(*std::move(code), m_order);
         const bool isLeft = signer.isSignedAlready() && m_order.oldSignature == OldSignature::isRefused;
-        return isLeft ? QString() : signer.sign().error;
+        return isLeft ? Outcome::success() : signer.sign().outcome;
     }
 
-    QString makeSeal()
+    Outcome makeSeal()
     {
         if (!m_code.bundle)
             return {};
@@ -167,44 +163,43 @@ private:
         };
         auto seal = seal::collectSeal(sealedFolder(*m_code.bundle), sealDigests(m_item.digests), describe);
         if (!seal)
-            return seal.error();
+            return seal.failure();
         m_seal = *std::move(seal);
         m_item.sealDigests = digestsOf(*m_seal, m_item.digests);
         return {};
     }
 
-    QString makePlans()
+    Outcome makePlans()
     {
         for (qsizetype part = 0; part < m_code.parts.size(); ++part) {
             auto plan = planFor(m_code, part, m_order, m_item);
             if (!plan)
-                return plan.error();
+                return plan.failure();
             m_plans.append(*std::move(plan));
         }
         return {};
     }
 
-    QString write()
+    Outcome write()
     {
         if (m_code.kind == CodeKind::diskImage)
             return signDiskImage(m_code.mainFile, m_plans.first());
         if (!m_code.bundle)
             return m_code.image ? signMachO(m_code.mainFile, m_plans)
                                 : signByAttributes(m_code.mainFile, m_plans.first());
-        const QString problem = writeBundle(*m_code.bundle);
-        if (problem.isEmpty())
+        const Outcome written = writeBundle(*m_code.bundle);
+        if (written)
             tidySealFolder(*m_code.bundle, !m_code.image);
-        return problem;
+        return written;
     }
 
-    QString writeBundle(const CodeBundle &bundle)
+    Outcome writeBundle(const CodeBundle &bundle)
     {
         if (m_code.image)
             return signMachO(m_code.mainFile, m_plans,
                              [this, &bundle] { return writeSeal(bundle, *m_seal); });
-        const QString problem = writeSeal(bundle, *m_seal);
-        return problem.isEmpty() ? signBesideSeal(m_code.mainFile, bundle.sealFolder(), m_plans.first())
-                                 : problem;
+        const Outcome written = writeSeal(bundle, *m_seal);
+        return written ? signBesideSeal(m_code.mainFile, bundle.sealFolder(), m_plans.first()) : written;
     }
 
     SignedCode m_code;
@@ -221,11 +216,11 @@ QString targetOf(const QString &path)
     return item.isSymLink() && item.isFile() ? item.canonicalFilePath() : path;
 }
 
-QString removeFromBundle(const SignedCode &code)
+Outcome removeFromBundle(const SignedCode &code)
 {
-    const QString problem = code.image ? stripMachO(code.mainFile) : QString();
-    if (!problem.isEmpty())
-        return problem;
+    const Outcome stripped = code.image ? stripMachO(code.mainFile) : Outcome::success();
+    if (!stripped)
+        return stripped;
     for (const quint32 number : {slot::codeDirectory, slot::requirements, slot::resources, slot::entitlements,
                                  slot::entitlementsDer, slot::firstAlternateDirectory, slot::cms})
         QFile::remove(code.bundle->sealFolder() + u'/' + slotFileName(number));
@@ -241,16 +236,16 @@ SigningReport signItem(const QString &path, const SigningOrder &order)
     const QString absolute = QDir::cleanPath(QDir::current().absoluteFilePath(path));
     auto code = readSignedCode(targetOf(absolute), SignatureDepth::heads);
     if (!code)
-        return {code.error(), {}, {}};
+        return {code.failure(), {}, {}};
     code->path = absolute;
     return ItemSigner(*std::move(code), order).sign();
 }
 
-QString removeSignature(const QString &path)
+Outcome removeSignature(const QString &path)
 {
     const auto code = readSignedCode(targetOf(path), SignatureDepth::heads);
     if (!code)
-        return code.error();
+        return code.failure();
     if (code->bundle)
         return removeFromBundle(*code);
     if (code->kind == CodeKind::diskImage)

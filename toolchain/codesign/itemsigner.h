@@ -4,11 +4,13 @@
 
 #include <QString>
 
+#include "platform/result.h"
+
 namespace toolchain::codesign {
 
 /// What became of an item.
 struct SigningReport {
-    QString error; ///< codesign's words, without the item's path; empty on success
+    platform::Outcome outcome; ///< an error has codesign's words, without the item's path
     QString notice; ///< "replacing existing signature", or nothing
     QString done; ///< "signed bundle with … [identifier]"
 };
@@ -17,7 +19,7 @@ struct SigningReport {
 /// Where it fails, the item itself is as it was. One at a time in a process.
 [[nodiscard]] SigningReport signItem(const QString &path, const SigningOrder &order);
 
-/// Takes an item's signature away. Answers what went wrong, without the item's path, or nothing.
-[[nodiscard]] QString removeSignature(const QString &path);
+/// Takes an item's signature away. An error has codesign's words, without the item's path.
+[[nodiscard]] platform::Outcome removeSignature(const QString &path);
 
 } // namespace toolchain::codesign

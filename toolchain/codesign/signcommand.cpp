@@ -18,8 +18,8 @@ int signOne(const QString &path, const SigningOrder &order, int verbosity)
     const SigningReport report = signItem(path, order);
     if (!report.notice.isEmpty())
         printError((path + u": "_s + report.notice + u'\n').toStdString());
-    if (!report.error.isEmpty())
-        return fail(path, report.error);
+    if (!report.outcome)
+        return fail(path, report.outcome.error());
     if (verbosity > 0)
         printError((path + u": "_s + report.done + u'\n').toStdString());
     return 0;
@@ -54,9 +54,9 @@ int runSign(const Options &options)
 int runRemoveSignature(const Options &options)
 {
     for (const QString &path : options.paths) {
-        const QString problem = removeSignature(QDir::cleanPath(path));
-        if (!problem.isEmpty())
-            return fail(path, problem);
+        const auto removed = removeSignature(QDir::cleanPath(path));
+        if (!removed)
+            return fail(path, removed.error());
     }
     return 0;
 }

@@ -14,6 +14,9 @@
 #include <cstring>
 
 using namespace Qt::StringLiterals;
+using platform::Error;
+using platform::Outcome;
+using platform::Result;
 
 namespace toolchain {
 
@@ -35,13 +38,13 @@ bool isRegularFile(const QString &path)
 }
 
 /// Names of the host's attributes; errno tells of a failure where there are none.
-platform::Result<QByteArrayList> hostNames(const QString &path)
+Result<QByteArrayList> hostNames(const QString &path)
 {
     QByteArray block(longestNameList, Qt::Uninitialized);
     const ssize_t length =
         llistxattr(QFile::encodeName(path).constData(), block.data(), std::size_t(block.size()));
     if (length < 0 && errno != ENOTSUP && errno != EPERM)
-        return platform::Error{errorOf(path, errno)};
+        return Error{errorOf(path, errno)};
     block.truncate(std::max<qsizetype>(length, 0));
     QByteArrayList names = block.split('\0');
     names.removeAll({});
@@ -60,28 +63,29 @@ std::optional<QByteArray> hostValue(const QString &path, const QByteArray &hostN
     return value;
 }
 
-platform::Result<FileAttributes> readSidecar(const QString &path)
+Result<FileAttributes> readSidecar(const QString &path)
 {
     const QString sidecar = sidecarOf(path);
     if (!isSidecar(sidecar))
         return FileAttributes();
     QFile file(sidecar);
     if (!file.open(QIODevice::ReadOnly) || file.size() > longestSidecar)
-        return platform::Error{sidecar + u": cannot be read, or is too large"_s};
+        return Error{sidecar + u": cannot be read, or is too large"_s};
     auto attributes = appledouble::attributesIn(file.readAll());
     if (!attributes)
-        return platform::Error{sidecar + u": "_s + attributes.error()};
+        return Error{sidecar + u": "_s + attributes.error()};
     return attributes;
 }
 
-QString writeSidecar(const QString &path, const FileAttributes &attributes)
+Outcome writeSidecar(const QString &path, const FileAttributes &attributes)
 {
     const QString sidecar = sidecarOf(path);
     if (attributes.isEmpty())
-        return QFile::remove(sidecar) ? QString() : errorOf(sidecar, errno);
+        return QFile::remove(sidecar) ? Outcome::success() : Error{errorOf(sidecar, errno)};
     const QByteArray bytes = appledouble::fileWith(attributes);
-    return QString::fromStdString(writeWholeFile(QFile::encodeName(sidecar).toStdString(),
-                                                 {bytes.constData(), std::size_t(bytes.size())}));
+    const std::string error = writeWholeFile(QFile::encodeName(sidecar).toStdString(),
+                                             {bytes.constData(), std::size_t(bytes.size())});
+    return error.empty() ? Outcome::success() : Error{QString::fromStdString(error)};
 }
 
 QByteArray hostName(const QByteArray &name)
@@ -95,35 +99,35 @@ bool isWantOfRoom(int error)
     return error == ENOSPC || error == E2BIG || error == ERANGE || error == ENOTSUP || error == EDQUOT;
 }
 
-QString removeFromHost(const QString &path, const QByteArray &name)
+Outcome removeFromHost(const QString &path, const QByteArray &name)
 {
     if (lremovexattr(QFile::encodeName(path).constData(), hostName(name).constData()) == 0 || errno == ENODATA
         || errno == ENOTSUP)
         return {};
-    return errorOf(path, errno);
+    return Error{errorOf(path, errno)};
 }
 
-QString removeFromSidecar(const QString &path, const QByteArray &name)
+Outcome removeFromSidecar(const QString &path, const QByteArray &name)
 {
     auto attributes = readSidecar(path);
     if (!attributes)
-        return attributes.error();
-    return attributes->remove(name) > 0 ? writeSidecar(path, *attributes) : QString();
+        return attributes.failure();
+    return attributes->remove(name) > 0 ? writeSidecar(path, *attributes) : Outcome::success();
 }
 
-QString writeBeside(const QString &path, const QByteArray &name, const QByteArray &value)
+Outcome writeBeside(const QString &path, const QByteArray &name, const QByteArray &value)
 {
     auto attributes = readSidecar(path);
     if (!attributes)
-        return attributes.error();
+        return attributes.failure();
     attributes->insert(name, value);
-    const QString problem = writeSidecar(path, *attributes);
-    return problem.isEmpty() ? removeFromHost(path, name) : problem;
+    const Outcome written = writeSidecar(path, *attributes);
+    return written ? removeFromHost(path, name) : written;
 }
 
 } // namespace
 
-platform::Result<FileAttributes> readAttributes(const QString &path)
+Result<FileAttributes> readAttributes(const QString &path)
 {
     const auto names = hostNames(path);
     if (!names)
@@ -142,19 +146,19 @@ platform::Result<FileAttributes> readAttributes(const QString &path)
     return attributes;
 }
 
-QString writeAttribute(const QString &path, const QByteArray &name, const QByteArray &value)
+Outcome writeAttribute(const QString &path, const QByteArray &name, const QByteArray &value)
 {
     const int result = lsetxattr(QFile::encodeName(path).constData(), hostName(name).constData(),
                                  value.constData(), std::size_t(value.size()), 0);
     if (result == 0)
         return removeFromSidecar(path, name);
-    return isWantOfRoom(errno) ? writeBeside(path, name, value) : errorOf(path, errno);
+    return isWantOfRoom(errno) ? writeBeside(path, name, value) : Error{errorOf(path, errno)};
 }
 
-QString removeAttribute(const QString &path, const QByteArray &name)
+Outcome removeAttribute(const QString &path, const QByteArray &name)
 {
-    const QString problem = removeFromHost(path, name);
-    return problem.isEmpty() ? removeFromSidecar(path, name) : problem;
+    const Outcome removed = removeFromHost(path, name);
+    return removed ? removeFromSidecar(path, name) : removed;
 }
 
 QString sidecarOf(const QString &path)

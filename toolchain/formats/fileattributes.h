@@ -19,12 +19,13 @@ using FileAttributes = QMap<QByteArray, QByteArray>;
 /// Empty where a file has none.
 [[nodiscard]] platform::Result<FileAttributes> readAttributes(const QString &path);
 
-/// Sets an attribute, in the file beside where the file system refuses it for want of room. Answers what went
-/// wrong, naming the file, or an empty text.
-[[nodiscard]] QString writeAttribute(const QString &path, const QByteArray &name, const QByteArray &value);
+/// Sets an attribute, in the file beside where the file system refuses it for want of room. An error names
+/// the file.
+[[nodiscard]] platform::Outcome writeAttribute(const QString &path, const QByteArray &name,
+                                               const QByteArray &value);
 
 /// Removes an attribute from wherever it lies; one that is not there is no failure.
-[[nodiscard]] QString removeAttribute(const QString &path, const QByteArray &name);
+[[nodiscard]] platform::Outcome removeAttribute(const QString &path, const QByteArray &name);
 
 /// The path of the AppleDouble file that belongs to a file: FOLDER/._NAME.
 [[nodiscard]] QString sidecarOf(const QString &path);

@@ -25,7 +25,7 @@ QByteArray scratchFolder()
 }
 
 /// Takes what the program prints, piece by piece. Answers what went wrong, or an empty text.
-QString run(const QStringList &arguments, const ByteSink &output)
+platform::Outcome run(const QStringList &arguments, const ByteSink &output)
 {
     QProcess program;
     program.setProcessChannelMode(QProcess::SeparateChannels);
@@ -33,18 +33,18 @@ QString run(const QStringList &arguments, const ByteSink &output)
     program.setStandardInputFile(QProcess::nullDevice());
     program.start(u"7z"_s, arguments, QIODevice::ReadOnly);
     if (!program.waitForStarted(withoutLimit))
-        return u"the program 7z, which reads such images, is not installed"_s;
+        return platform::Error{u"the program 7z, which reads such images, is not installed"_s};
     bool goesOn = true;
     while (goesOn && (program.bytesAvailable() > 0 || program.waitForReadyRead(withoutLimit)))
         goesOn = output(program.readAllStandardOutput());
     if (!goesOn) {
         program.kill();
         program.waitForFinished(withoutLimit);
-        return u"the image holds more than it says, or there is no room for it"_s;
+        return platform::Error{u"the image holds more than it says, or there is no room for it"_s};
     }
     program.waitForFinished(withoutLimit);
     const bool isDone = program.exitStatus() == QProcess::NormalExit && program.exitCode() == 0;
-    return isDone ? QString() : u"corrupt image"_s;
+    return isDone ? platform::Outcome() : platform::Error{u"corrupt image"_s};
 }
 
 bool isZero(QByteArrayView bytes)
@@ -96,12 +96,12 @@ platform::Result<std::shared_ptr<ScratchFile>> unpackDisk(const QString &image, 
     if (disk->descriptor() < 0)
         return platform::Error{u"there is no folder for temporary files"_s};
     quint64 written = 0;
-    const QString problem = run({u"e"_s, u"-so"_s, u"-tdmg"_s, u"--"_s, image}, [&](QByteArrayView bytes) {
+    const auto unpacked = run({u"e"_s, u"-so"_s, u"-tdmg"_s, u"--"_s, image}, [&](QByteArrayView bytes) {
         written += quint64(bytes.size());
         return written <= size && disk->append(bytes);
     });
-    if (!problem.isEmpty())
-        return platform::Error{problem};
+    if (!unpacked)
+        return unpacked.failure();
     if (written != size)
         return platform::Error{u"corrupt image"_s};
     return disk;
@@ -111,19 +111,21 @@ platform::Result<QString> apfsVolumeName(const QString &file)
 {
     constexpr qsizetype mostOutput = 1 << 20; // the volume comes before its files
     QByteArray listing;
-    const QString problem = run({u"l"_s, u"-slt"_s, u"-tAPFS"_s, u"--"_s, file}, [&](QByteArrayView bytes) {
+    const auto listed = run({u"l"_s, u"-slt"_s, u"-tAPFS"_s, u"--"_s, file}, [&](QByteArrayView bytes) {
         if (listing.size() < mostOutput)
             listing.append(bytes);
         return true;
     });
     static const QRegularExpression name(u"(?m)^volume_name: (.+)$"_s);
     const auto match = name.match(QString::fromUtf8(listing));
-    if (!problem.isEmpty() || !match.hasMatch())
-        return platform::Error{problem.isEmpty() ? u"no mountable file systems"_s : problem};
+    if (!listed)
+        return listed.failure();
+    if (!match.hasMatch())
+        return platform::Error{u"no mountable file systems"_s};
     return match.captured(1).trimmed();
 }
 
-QString extractApfs(const QString &file, const QString &folder)
+platform::Outcome extractApfs(const QString &file, const QString &folder)
 {
     return run({u"x"_s, u"-y"_s, u"-bd"_s, u"-tAPFS"_s, u"-o"_s + folder, u"--"_s, file},
                [](QByteArrayView) { return true; });

@@ -41,9 +41,8 @@ namespace sevenzip {
 /// The name of the one APFS volume in a file.
 [[nodiscard]] platform::Result<QString> apfsVolumeName(const QString &file);
 
-/// Copies what lies on the APFS volumes in a file into an empty folder. Answers what went wrong, or an empty
-/// text.
-[[nodiscard]] QString extractApfs(const QString &file, const QString &folder);
+/// Copies what lies on the APFS volumes in a file into an empty folder.
+[[nodiscard]] platform::Outcome extractApfs(const QString &file, const QString &folder);
 
 } // namespace sevenzip
 

@@ -261,7 +261,7 @@ private:
         fchmod(file, (entry.mode & ordinaryRights) | S_IWUSR);
         for (auto attribute = attributes->begin(); attribute != attributes->end() && m_error.isEmpty();
              ++attribute)
-            m_error = writeAttribute(path, attribute.key(), attribute.value());
+            m_error = writeAttribute(path, attribute.key(), attribute.value()).error();
         if (!chmodTo(file, entry) && m_error.isEmpty())
             failWith(entry, errno);
     }

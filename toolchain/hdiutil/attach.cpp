@@ -204,10 +204,11 @@ platform::Result<Volume> apfsVolume(ImageVolume &source)
     const auto name = sevenzip::apfsVolumeName(container->path());
     if (!name)
         return name.failure();
-    return Volume{
-        usableName(hfsplus::fileName(*name)), "Apple_APFS", [container](const std::string &folder) {
-            return sevenzip::extractApfs(container->path(), QString::fromStdString(folder)).toStdString();
-        }};
+    return Volume{usableName(hfsplus::fileName(*name)), "Apple_APFS", [container](const std::string &folder) {
+                      return sevenzip::extractApfs(container->path(), QString::fromStdString(folder))
+                          .error()
+                          .toStdString();
+                  }};
 }
 
 std::string copyVolumeInto(const std::string &mountPoint, const Volume &volume)

@@ -104,8 +104,8 @@ int importFrom(const QString &name, const QByteArray &bytes, const QString &pass
     return 0;
 }
 
-/// The SHA-1 of the one identity that is meant; empty if it is none or several.
-QString sha1Of(const QString &sha1, const QString &name, QString &problem)
+/// The SHA-1 of the one identity that is meant; fails if it is none or several.
+platform::Result<QString> sha1Of(const QString &sha1, const QString &name)
 {
     QStringList found;
     for (const Identity &identity : readIdentities(keychainFolder()).identities) {
@@ -115,10 +115,10 @@ QString sha1Of(const QString &sha1, const QString &name, QString &problem)
             found.append(identity.sha1);
     }
     if (found.isEmpty())
-        problem = u"The specified item could not be found in the keychain."_s;
-    else if (found.size() > 1)
-        problem = u"\"%1\" is ambiguous, matches more than one certificate"_s.arg(name);
-    return problem.isEmpty() ? found.first() : QString();
+        return platform::Error{u"The specified item could not be found in the keychain."_s};
+    if (found.size() > 1)
+        return platform::Error{u"\"%1\" is ambiguous, matches more than one certificate"_s.arg(name)};
+    return found.first();
 }
 
 } // namespace
@@ -156,11 +156,10 @@ int deleteIdentity(const ParsedArguments &arguments)
     const QString name = QString::fromStdString(arguments.value("-c"));
     if (sha1.isEmpty() == name.isEmpty())
         return refuse("delete-identity: needs either -Z or -c", usageStatus);
-    QString problem;
-    const QString found = sha1Of(sha1, name, problem);
-    if (!problem.isEmpty())
-        return fail(problem, problem.startsWith(u'"') ? 1 : notFoundStatus);
-    const auto removed = removeIdentity(keychainFolder(), found);
+    const auto found = sha1Of(sha1, name);
+    if (!found)
+        return fail(found.error(), found.error().startsWith(u'"') ? 1 : notFoundStatus);
+    const auto removed = removeIdentity(keychainFolder(), *found);
     return removed ? 0 : fail(removed.error());
 }
 

@@ -166,8 +166,8 @@ private:
         case Verb::print:
             return printOne(path, links);
         case Verb::write:
-            return failIf(writeAttribute(targetOf(path, links), attributeIn(m_order.name),
-                                         QByteArray::fromStdString(m_order.value)));
+            return note(writeAttribute(targetOf(path, links), attributeIn(m_order.name),
+                                       QByteArray::fromStdString(m_order.value)));
         case Verb::remove:
             return removeOne(path, links);
         case Verb::clear:
@@ -183,7 +183,7 @@ private:
             return fail(path, error);
         const auto values = m_showsValues ? readAttributes(targetOf(path, links)) : FileAttributes();
         if (!values)
-            return failIf(values.error());
+            return note(values.failure());
         for (const std::string &name : names)
             print(prefixFor(path) + name + (m_showsValues ? shown(values->value(attributeIn(name))) : "\n"));
     }
@@ -205,7 +205,7 @@ private:
     void removeOne(const fs::path &path, Links links)
     {
         if (existing(path, links))
-            failIf(removeAttribute(targetOf(path, links), attributeIn(m_order.name)));
+            note(removeAttribute(targetOf(path, links), attributeIn(m_order.name)));
     }
 
     /// The attributes of a file that has the one in question. Having it is not asked of everything in a tree.
@@ -219,11 +219,12 @@ private:
         }
         const auto values = readAttributes(target);
         if (!values)
-            failIf(values.error());
+            note(values.failure());
         if (values && values->contains(attributeIn(m_order.name)))
             return *values;
         if (values && !m_recursive)
-            failIf(textOf(path) + QStringLiteral(": No such xattr: ") + QString::fromStdString(m_order.name));
+            note(platform::Error{textOf(path) + QStringLiteral(": No such xattr: ")
+                                 + QString::fromStdString(m_order.name)});
         return {};
     }
 
@@ -254,11 +255,11 @@ private:
         m_status = 1;
     }
 
-    void failIf(const QString &problem)
+    void note(const platform::Outcome &outcome)
     {
-        if (problem.isEmpty())
+        if (outcome)
             return;
-        printError("xattr: " + problem.toStdString() + "\n");
+        printError("xattr: " + outcome.error().toStdString() + "\n");
         m_status = 1;
     }
 

@@ -9,6 +9,7 @@
 
 using namespace Qt::StringLiterals;
 using platform::Error;
+using platform::Outcome;
 using platform::Result;
 
 namespace toolchain::codesignature {
@@ -124,21 +125,21 @@ Result<CodeDirectory> CodeDirectory::parse(const QByteArray &blob)
         return Error{u"a code directory is damaged: "_s + all.error()};
     CodeDirectory directory;
     directory.m_bytes = all->size() == blob.size() ? blob : all->toByteArray();
-    for (const QString &problem : {directory.readNumbers(), directory.checkSlots(), directory.readTexts()}) {
-        if (!problem.isEmpty())
-            return Error{u"a code directory is damaged: "_s + problem};
+    for (const Outcome &read : {directory.readNumbers(), directory.checkSlots(), directory.readTexts()}) {
+        if (!read)
+            return Error{u"a code directory is damaged: "_s + read.error()};
     }
     return directory;
 }
 
-QString CodeDirectory::readNumbers()
+Outcome CodeDirectory::readNumbers()
 {
     const QByteArrayView bytes(m_bytes);
     m_version = bigEndianAt<quint32>(bytes, 8);
     if (m_version < earliestVersion || m_version >= nextFormat)
-        return u"its version %1 is unknown"_s.arg(m_version, 0, 16);
+        return Error{u"its version %1 is unknown"_s.arg(m_version, 0, 16)};
     if (quint64(bytes.size()) < fixedSize(m_version))
-        return u"it is cut off"_s;
+        return Error{u"it is cut off"_s};
     m_fields.flags = bigEndianAt<quint32>(bytes, 12);
     m_hashOffset = bigEndianAt<quint32>(bytes, 16);
     m_specialSlots = bigEndianAt<quint32>(bytes, 24);
@@ -159,38 +160,39 @@ QString CodeDirectory::readNumbers()
     return {};
 }
 
-QString CodeDirectory::checkSlots() const
+Outcome CodeDirectory::checkSlots() const
 {
     const auto size = quint64(hashSize(m_fields.hashType));
     if (size == 0 || bigEndianAt<quint8>(m_bytes, 36) != size)
-        return u"its kind of digest is unknown"_s;
+        return Error{u"its kind of digest is unknown"_s};
     if (m_fields.pageShift > largestPageShift)
-        return u"its page size is impossible"_s;
+        return Error{u"its page size is impossible"_s};
     if (m_version >= withScatter && bigEndianAt<quint32>(m_bytes, 44) != 0)
-        return u"it describes scattered code"_s;
+        return Error{u"it describes scattered code"_s};
     const quint64 before = m_specialSlots * size;
     const quint64 behind = m_codeSlots * size;
     const auto length = quint64(m_bytes.size());
     if (m_hashOffset > length || behind > length - m_hashOffset)
-        return u"the digests of the code reach beyond its end"_s;
-    return before > m_hashOffset - std::min<quint64>(m_hashOffset, fixedSize(m_version))
-        ? u"the digests of the special slots overlap its head"_s
-        : QString();
+        return Error{u"the digests of the code reach beyond its end"_s};
+    if (before > m_hashOffset - std::min<quint64>(m_hashOffset, fixedSize(m_version)))
+        return Error{u"the digests of the special slots overlap its head"_s};
+    return {};
 }
 
-QString CodeDirectory::readTexts()
+Outcome CodeDirectory::readTexts()
 {
     const auto identifier = textAt(bigEndianAt<quint32>(m_bytes, 20));
     if (!identifier)
-        return identifier.error();
+        return identifier.failure();
     m_fields.identifier = *identifier;
     const quint32 teamOffset = m_version >= withTeam ? bigEndianAt<quint32>(m_bytes, 48) : 0;
     if (teamOffset == 0)
         return {};
     const auto team = textAt(teamOffset);
-    if (team)
-        m_fields.team = *team;
-    return team.error();
+    if (!team)
+        return team.failure();
+    m_fields.team = *team;
+    return {};
 }
 
 Result<QString> CodeDirectory::textAt(qsizetype offset) const

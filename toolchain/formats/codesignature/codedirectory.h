@@ -85,9 +85,9 @@ public:
 
 private:
     [[nodiscard]] platform::Result<QString> textAt(qsizetype offset) const;
-    [[nodiscard]] QString readNumbers();
-    [[nodiscard]] QString readTexts();
-    [[nodiscard]] QString checkSlots() const;
+    [[nodiscard]] platform::Outcome readNumbers();
+    [[nodiscard]] platform::Outcome readTexts();
+    [[nodiscard]] platform::Outcome checkSlots() const;
 
     QByteArray m_bytes;
     CodeDirectoryFields m_fields;

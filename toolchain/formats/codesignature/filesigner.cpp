@@ -20,6 +20,7 @@
 
 using namespace Qt::StringLiterals;
 using platform::Error;
+using platform::Outcome;
 using platform::Result;
 
 namespace toolchain::codesignature {
@@ -89,56 +90,56 @@ Result<SuperBlob> signatureOfFile(const QString &path, quint64 length, const Sig
     return blobs;
 }
 
-QString removeAttributesOfSignature(const QString &path)
+Outcome removeAttributesOfSignature(const QString &path)
 {
     const auto attributes = readAttributes(path);
     if (!attributes)
-        return attributes.error();
+        return attributes.failure();
     for (const QByteArray &name : attributes->keys()) {
-        const QString problem =
-            name.startsWith(signatureAttributes) ? removeAttribute(path, name) : QString();
-        if (!problem.isEmpty())
-            return problem;
+        const Outcome removed =
+            name.startsWith(signatureAttributes) ? removeAttribute(path, name) : Outcome::success();
+        if (!removed)
+            return removed;
     }
     return {};
 }
 
-QString signByAttributes(const QString &path, const SignaturePlan &plan)
+Outcome signByAttributes(const QString &path, const SignaturePlan &plan)
 {
     const auto blobs = signatureOfFile(path, quint64(QFileInfo(path).size()), plan);
     if (!blobs)
-        return blobs.error();
-    QString problem = removeAttributesOfSignature(path);
+        return blobs.failure();
+    Outcome done = removeAttributesOfSignature(path);
     for (const IndexedBlob &blob : blobs->blobs()) {
-        if (problem.isEmpty())
-            problem = writeAttribute(path, signatureAttributes + slotFileName(blob.type).toUtf8(),
-                                     storedForm(blob));
+        if (done)
+            done = writeAttribute(path, signatureAttributes + slotFileName(blob.type).toUtf8(),
+                                  storedForm(blob));
     }
-    return problem;
+    return done;
 }
 
-QString signBesideSeal(const QString &mainFile, const QString &sealFolder, const SignaturePlan &plan)
+Outcome signBesideSeal(const QString &mainFile, const QString &sealFolder, const SignaturePlan &plan)
 {
     const auto blobs = signatureOfFile(mainFile, quint64(QFileInfo(mainFile).size()), plan);
     if (!blobs)
-        return blobs.error();
+        return blobs.failure();
     for (const IndexedBlob &blob : blobs->blobs()) {
         const std::string problem = writeWholeFile(
             (sealFolder + u'/' + slotFileName(blob.type)).toStdString(), storedForm(blob).toStdString());
         if (!problem.empty())
-            return QString::fromStdString(problem);
+            return Error{QString::fromStdString(problem)};
     }
     return {};
 }
 
-QString signDiskImage(const QString &path, SignaturePlan plan)
+Outcome signDiskImage(const QString &path, SignaturePlan plan)
 {
     const auto place = udif::readSignaturePlace(path);
     if (!place)
-        return text::badImage;
+        return Error{text::badImage};
     plan.components.insert(slot::imageTrailer, place->trailerToDigest());
     const auto blobs = signatureOfFile(path, place->contentLength, plan);
-    return blobs ? udif::replaceImageSignature(path, blobs->bytes()) : blobs.error();
+    return blobs ? udif::replaceImageSignature(path, blobs->bytes()) : blobs.failure();
 }
 
 platform::Result<SuperBlob> impliedSignatureOfImage(const QString &path)

@@ -13,16 +13,16 @@ namespace toolchain::codesignature {
                                                           const SignaturePlan &plan);
 
 /// Signs a file by extended attributes.
-[[nodiscard]] QString signByAttributes(const QString &path, const SignaturePlan &plan);
-[[nodiscard]] QString removeAttributesOfSignature(const QString &path);
+[[nodiscard]] platform::Outcome signByAttributes(const QString &path, const SignaturePlan &plan);
+[[nodiscard]] platform::Outcome removeAttributesOfSignature(const QString &path);
 
 /// Signs the main file of a bundle that is no Mach-O file: the parts lie in files of their own in this
 /// folder.
-[[nodiscard]] QString signBesideSeal(const QString &mainFile, const QString &sealFolder,
-                                     const SignaturePlan &plan);
+[[nodiscard]] platform::Outcome signBesideSeal(const QString &mainFile, const QString &sealFolder,
+                                               const SignaturePlan &plan);
 
 /// Signs a disk image, whose trailer becomes a part of what is digested.
-[[nodiscard]] QString signDiskImage(const QString &path, SignaturePlan plan);
+[[nodiscard]] platform::Outcome signDiskImage(const QString &path, SignaturePlan plan);
 
 /// What an unsigned disk image would be signed with ad hoc, under a name that does not depend on the file's:
 /// by its code directory a ticket can name an image that nobody has signed. Nothing is written.

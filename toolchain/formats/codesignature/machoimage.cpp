@@ -10,6 +10,7 @@
 
 using namespace Qt::StringLiterals;
 using platform::Error;
+using platform::Outcome;
 using platform::Result;
 
 namespace toolchain::codesignature {
@@ -72,15 +73,15 @@ Result<MachOSlice> readSlice(QIODevice &file, ByteRange place)
     return readLoadCommands(std::move(slice));
 }
 
-QString placeProblem(const MachOImage &image, ByteRange place, quint64 headerEnd)
+Outcome checkPlace(const MachOImage &image, ByteRange place, quint64 headerEnd)
 {
     if (place.offset > image.size || place.length > image.size - place.offset)
-        return u"a slice of the universal file reaches beyond its end"_s;
+        return Error{u"a slice of the universal file reaches beyond its end"_s};
     if (place.offset < headerEnd)
-        return u"a slice of the universal file overlaps its header"_s;
+        return Error{u"a slice of the universal file overlaps its header"_s};
     for (const MachOSlice &other : image.slices) {
         if (place.offset < other.place.end() && other.place.offset < place.end())
-            return u"slices of the universal file overlap"_s;
+            return Error{u"slices of the universal file overlap"_s};
     }
     return {};
 }
@@ -105,9 +106,9 @@ Result<MachOImage> readUniversal(QIODevice &file, quint32 magic)
     for (quint32 index = 0; index < count; ++index) {
         const FatEntry entry =
             fatEntryFrom(QByteArrayView(table).sliced(qsizetype(index * entrySize)), image.hasWideHeader);
-        const QString problem = placeProblem(image, entry.place, headerEnd);
-        if (!problem.isEmpty())
-            return Error{problem};
+        const Outcome checked = checkPlace(image, entry.place, headerEnd);
+        if (!checked)
+            return checked.failure();
         auto slice = readFatSlice(file, entry);
         if (!slice)
             return slice.failure();

@@ -16,6 +16,7 @@
 
 using namespace Qt::StringLiterals;
 using platform::Error;
+using platform::Outcome;
 using platform::Result;
 
 namespace toolchain::codesignature {
@@ -24,9 +25,9 @@ namespace {
 
 constexpr quint64 largestFile = 0xffffffff;
 
-QString lastSystemError()
+Error lastSystemError()
 {
-    return QString::fromLocal8Bit(std::strerror(errno));
+    return Error{QString::fromLocal8Bit(std::strerror(errno))};
 }
 
 /// What tells whether a file is still the one that was read.
@@ -49,7 +50,7 @@ public:
     }
 
     /// Answers what went wrong, or nothing.
-    QString writeSigned(const SignaturePlan &plan)
+    Outcome writeSigned(const SignaturePlan &plan)
     {
         prepareDirectories(plan);
         const CodeReader reader = [this](quint64 offset, char *buffer, quint64 length) {
@@ -62,13 +63,13 @@ public:
         return writeRest(plan);
     }
 
-    QString writePlain()
+    Outcome writePlain()
     {
         const CodeReader reader = [this](quint64 offset, char *buffer, quint64 length) {
             return readCode(offset, buffer, length);
         };
         const PageSink sink = [this](const PageRun &run) { return writeRun(run); };
-        return digestPages(m_layout.codeLength, 0, {}, reader, sink) ? QString() : lastSystemError();
+        return digestPages(m_layout.codeLength, 0, {}, reader, sink) ? Outcome::success() : lastSystemError();
     }
 
 private:
@@ -161,7 +162,7 @@ private:
     }
 
     /// Digests the finished directories, and writes the blobs that depend on them.
-    QString writeRest(const SignaturePlan &plan)
+    Outcome writeRest(const SignaturePlan &plan)
     {
         QList<DirectoryDigest> digests;
         for (const Directory &directory : m_directories) {
@@ -171,11 +172,11 @@ private:
         }
         const auto cms = cmsBlob(plan, directoryDigest(m_directories.first(), HashType::sha256), digests);
         if (!cms)
-            return cms.error();
+            return cms.failure();
         const quint64 end = m_signatureEnd - m_targetOffset - m_layout.codeLength + quint64(cms->size());
         if (end > m_layout.signatureRoom)
-            return text::tooLarge;
-        return writeBlobs(*cms) ? QString() : lastSystemError();
+            return Error{text::tooLarge};
+        return writeBlobs(*cms) ? Outcome::success() : lastSystemError();
     }
 
     bool writeBlobs(const QByteArray &cms)
@@ -227,7 +228,7 @@ public:
     }
 
     template <typename WriteSlice>
-    QString write(const QList<SliceLayout> &layouts, const BeforeReplacing &beforeReplacing,
+    Outcome write(const QList<SliceLayout> &layouts, const BeforeReplacing &beforeReplacing,
                   const WriteSlice &writeSlice)
     {
         if (m_source.descriptor() < 0 || fstat(m_source.descriptor(), &m_before) != 0)
@@ -235,36 +236,36 @@ public:
         WholeFile target(m_path, m_path + ".cstemp");
         if (target.descriptor() < 0)
             return lastSystemError();
-        const QString problem = writeInto(target.descriptor(), layouts, writeSlice);
-        if (!problem.isEmpty())
-            return problem;
+        const Outcome written = writeInto(target.descriptor(), layouts, writeSlice);
+        if (!written)
+            return written;
         if (!isUnchanged(m_before, m_source.descriptor()))
-            return u"was changed by somebody else while it was signed"_s;
+            return Error{u"was changed by somebody else while it was signed"_s};
         if (!target.takeAfter(m_source.descriptor()))
             return lastSystemError();
-        const QString objection = beforeReplacing ? beforeReplacing() : QString();
-        if (!objection.isEmpty())
-            return objection;
-        return target.finish() ? QString() : lastSystemError();
+        const Outcome prepared = beforeReplacing ? beforeReplacing() : Outcome::success();
+        if (!prepared)
+            return prepared;
+        return target.finish() ? Outcome::success() : lastSystemError();
     }
 
 private:
     template <typename WriteSlice>
-    QString writeInto(int target, const QList<SliceLayout> &layouts, const WriteSlice &writeSlice)
+    Outcome writeInto(int target, const QList<SliceLayout> &layouts, const WriteSlice &writeSlice)
     {
         const QList<quint64> offsets = m_image.isUniversal ? sliceOffsets(layouts) : QList<quint64>{0};
         const quint64 size = offsets.last() + layouts.last().length();
         if (size > largestFile)
-            return text::tooLarge;
+            return Error{text::tooLarge};
         if (ftruncate(target, off_t(size)) != 0)
             return lastSystemError();
         if (m_image.isUniversal && !writeAt(target, universalHeader(m_image, layouts), 0))
             return lastSystemError();
         for (qsizetype index = 0; index < layouts.size(); ++index) {
             SliceWriter writer(m_source.descriptor(), target, offsets[index], layouts[index]);
-            const QString problem = writeSlice(writer, index);
-            if (!problem.isEmpty())
-                return problem;
+            const Outcome written = writeSlice(writer, index);
+            if (!written)
+                return written;
         }
         return {};
     }
@@ -292,19 +293,19 @@ Result<MachOImage> readWritable(const QString &path)
 
 } // namespace
 
-QString signMachO(const QString &path, const QList<SignaturePlan> &plans,
+Outcome signMachO(const QString &path, const QList<SignaturePlan> &plans,
                   const BeforeReplacing &beforeReplacing)
 {
     const auto image = readWritable(path);
     if (!image)
-        return image.error();
+        return image.failure();
     QList<SliceLayout> layouts;
     for (qsizetype index = 0; index < image->slices.size(); ++index) {
         const MachOSlice &slice = image->slices[index];
         const quint64 room = roomForSignature(plans[index], codeLengthFor(slice));
         auto layout = layoutWithSignature(slice, room, plans[index].segmentAlignment);
         if (!layout)
-            return layout.error();
+            return layout.failure();
         layouts.append(*std::move(layout));
     }
     return FileWriter(path, *image)
@@ -312,16 +313,16 @@ QString signMachO(const QString &path, const QList<SignaturePlan> &plans,
                [&plans](SliceWriter &writer, qsizetype index) { return writer.writeSigned(plans[index]); });
 }
 
-QString stripMachO(const QString &path)
+Outcome stripMachO(const QString &path)
 {
     const auto image = readWritable(path);
     if (!image)
-        return image.error();
+        return image.failure();
     QList<SliceLayout> layouts;
     for (const MachOSlice &slice : image->slices) {
         auto layout = layoutWithoutSignature(slice);
         if (!layout)
-            return layout.error();
+            return layout.failure();
         layouts.append(*std::move(layout));
     }
     return FileWriter(path, *image).write(layouts, {}, [](SliceWriter &writer, qsizetype) {

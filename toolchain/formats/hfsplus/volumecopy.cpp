@@ -197,7 +197,7 @@ private:
         if (!value)
             return fail(path, "has an attribute that cannot be read from the image");
         const QString file = QFile::decodeName(QByteArray::fromStdString(path.native()));
-        m_error = writeAttribute(file, name, *value).toStdString();
+        m_error = writeAttribute(file, name, *value).error().toStdString();
     }
 
     /// Gives a file or folder its mode and times, after which it may be closed to writing.

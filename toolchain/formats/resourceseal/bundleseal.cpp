@@ -3,6 +3,8 @@
 #include <QFile>
 
 using namespace Qt::StringLiterals;
+using platform::Error;
+using platform::Outcome;
 
 namespace toolchain::seal {
 
@@ -32,19 +34,19 @@ public:
     {
         m_files.reserve(items.size());
         for (ScannedItem &item : items) {
-            const QString problem = take(item);
-            if (!problem.isEmpty())
-                return platform::Error{problem};
+            const Outcome taken = take(item);
+            if (!taken)
+                return taken.failure();
         }
         items = {};
-        const QString problem = digestAll();
-        if (!problem.isEmpty())
-            return platform::Error{problem};
+        const Outcome digested = digestAll();
+        if (!digested)
+            return digested.failure();
         return MadeSeal(m_folder.layout, m_digests, std::move(m_files), std::move(m_others));
     }
 
 private:
-    QString take(ScannedItem &item)
+    Outcome take(ScannedItem &item)
     {
         if (item.kind == ItemKind::nestedCode)
             return takeNested(item);
@@ -60,12 +62,12 @@ private:
         return {};
     }
 
-    QString takeNested(const ScannedItem &item)
+    Outcome takeNested(const ScannedItem &item)
     {
         const QString path = fullPath(m_folder, item.path);
         const auto code = m_describe(path);
         if (!code)
-            return code.error() + u"\nIn subcomponent: "_s + path;
+            return Error{code.error() + u"\nIn subcomponent: "_s + path};
         Entry entry;
         entry.cdHash = code->cdHash;
         entry.requirement = code->requirement.isNull() ? u""_s : code->requirement;
@@ -73,10 +75,11 @@ private:
         return {};
     }
 
-    QString takeLink(const ScannedItem &item)
+    Outcome takeLink(const ScannedItem &item)
     {
         if (leadsOut(m_folder, item.path, item.linkTarget))
-            return fullPath(m_folder, item.path) + u": invalid destination for symbolic link in bundle"_s;
+            return Error{fullPath(m_folder, item.path)
+                         + u": invalid destination for symbolic link in bundle"_s};
         Entry entry;
         entry.linkTarget = item.linkTarget;
         entry.isOptional = item.second == Coverage::optional;
@@ -84,12 +87,12 @@ private:
         return {};
     }
 
-    QString digestAll()
+    Outcome digestAll()
     {
         digestFiles(m_folder.base, m_files);
         for (const SealedFile &file : m_files) {
             if (!file.problem.isEmpty())
-                return fullPath(m_folder, file.path) + u": "_s + file.problem;
+                return Error{fullPath(m_folder, file.path) + u": "_s + file.problem};
         }
         return {};
     }

@@ -93,8 +93,7 @@ public:
     {
         cs::SuperBlob blobs = m_signature;
         blobs.set(cs::slot::ticket, cs::makeBlob(cs::magic::wrapper, ticket));
-        const QString problem = udif::replaceImageSignature(m_code.path, blobs.bytes());
-        return problem.isEmpty() ? platform::Outcome() : platform::Error{problem};
+        return udif::replaceImageSignature(m_code.path, blobs.bytes());
     }
 
 private:

@@ -84,22 +84,24 @@ platform::Result<QByteArray> readImageSignature(const QString &path)
     return bytes;
 }
 
-QString replaceImageSignature(const QString &path, const QByteArray &superblob)
+platform::Outcome replaceImageSignature(const QString &path, const QByteArray &superblob)
 {
     const auto place = readSignaturePlace(path);
     if (!place)
-        return place.error();
+        return place.failure();
     const std::filesystem::path name = QFile::encodeName(path).toStdString();
     const OpenFile old(name, LastLink::followed);
     if (old.descriptor() < 0)
-        return QString::fromStdString(systemError(name, errno));
+        return platform::Error{QString::fromStdString(systemError(name, errno))};
     const quint64 offset = superblob.isEmpty() ? 0 : place->contentLength;
     const QByteArray trailer = trailerWith(place->trailer, offset, quint64(superblob.size()));
     WholeFile file(name);
     const bool isWritten = file.descriptor() >= 0 && file.append(old.descriptor(), place->contentLength)
         && file.write(viewOf(superblob)) && file.write(viewOf(trailer)) && file.takeAfter(old.descriptor())
         && file.finish();
-    return isWritten ? QString() : QString::fromStdString(systemError(name, errno));
+    if (!isWritten)
+        return platform::Error{QString::fromStdString(systemError(name, errno))};
+    return {};
 }
 
 } // namespace toolchain::udif

@@ -35,8 +35,7 @@ struct SignaturePlace {
 [[nodiscard]] platform::Result<QByteArray> readImageSignature(const QString &path);
 
 /// Puts a superblob in the place of the one that is there, or takes it out if it is empty. The image under
-/// the path is the old or the new one at every moment, and keeps its mode. Answers what went wrong, naming
-/// the file, or an empty text.
-[[nodiscard]] QString replaceImageSignature(const QString &path, const QByteArray &superblob);
+/// the path is the old or the new one at every moment, and keeps its mode. An error names the file.
+[[nodiscard]] platform::Outcome replaceImageSignature(const QString &path, const QByteArray &superblob);
 
 } // namespace toolchain::udif

@@ -112,13 +112,13 @@ platform::Result<Archive> Archive::open(const QString &path)
         return platform::Error{file.errorString()};
     Archive archive;
     archive.m_path = path;
-    const QString problem = archive.readHead(file);
-    if (!problem.isEmpty())
-        return platform::Error{problem};
+    const platform::Outcome read = archive.readHead(file);
+    if (!read)
+        return read.failure();
     return archive;
 }
 
-QString Archive::readHead(QFile &file)
+platform::Outcome Archive::readHead(QFile &file)
 {
     m_header = file.read(smallestHeader);
     const auto headerSize = bigEndianAt<quint16>(m_header, 4);
@@ -128,28 +128,31 @@ QString Archive::readHead(QFile &file)
         && headerSize >= smallestHeader && headerSize <= largestHeader && packedSize <= longestTable
         && size <= longestTable && packedSize <= quint64(file.size());
     if (!isHeader)
-        return damaged;
+        return platform::Error{damaged};
     m_header += file.read(headerSize - smallestHeader);
     m_packedToc = file.read(qint64(packedSize));
     m_xml = unpackedToc(m_packedToc, size);
     const auto toc = readToc(m_xml);
     if (!toc)
-        return damaged + u": "_s + toc.error();
+        return platform::Error{damaged + u": "_s + toc.error()};
     m_toc = *toc;
     if (m_toc.heapEnd() > quint64(std::max(file.size() - heapStart(), qint64(0))))
-        return damaged + u": it is cut short"_s;
+        return platform::Error{damaged + u": it is cut short"_s};
     const auto algorithm = digestNamed(m_toc.checksumStyle);
     if (!algorithm || *algorithm == QCryptographicHash::Md5)
-        return damaged + u": the table's checksum is of the kind \"%1\""_s.arg(m_toc.checksumStyle.left(20));
+        return platform::Error{
+            damaged + u": the table's checksum is of the kind \"%1\""_s.arg(m_toc.checksumStyle.left(20))};
     m_algorithm = *algorithm;
     // The header is in front of all that is digested; it has to say what the table says.
     if (bigEndianAt<quint16>(m_header, headerHasVersion) != 1
         || !isNumberOf(m_algorithm, bigEndianAt<quint32>(m_header, headerHasAlgorithm)))
-        return damaged + u": its header does not agree with its table"_s;
+        return platform::Error{damaged + u": its header does not agree with its table"_s};
     m_checksum = heapBytes(m_toc.checksum);
     const bool isTrue =
         m_toc.checksum.offset == 0 && m_checksum == QCryptographicHash::hash(m_packedToc, m_algorithm);
-    return isTrue ? QString() : damaged + u": the table does not agree with its checksum"_s;
+    if (!isTrue)
+        return platform::Error{damaged + u": the table does not agree with its checksum"_s};
+    return {};
 }
 
 bool Archive::isPackage() const

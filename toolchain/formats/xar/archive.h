@@ -74,7 +74,7 @@ public:
 
 private:
     Archive() = default;
-    [[nodiscard]] QString readHead(QFile &file);
+    [[nodiscard]] platform::Outcome readHead(QFile &file);
     [[nodiscard]] qint64 heapStart() const { return m_header.size() + m_packedToc.size(); }
     [[nodiscard]] qint64 heapEnd() const { return heapStart() + qint64(m_toc.heapEnd()); }
 
