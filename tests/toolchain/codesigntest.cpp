@@ -1,4 +1,5 @@
 #include "formats/codesignature/signaturereader.h"
+#include "formats/fileattributes.h"
 #include "platform/propertylist/propertylist.h"
 #include "toolchain/bundlebuilder.h"
 #include "toolchain/machobuilder.h"
@@ -223,8 +224,8 @@ TEST_F(Codesign, refusesMachOFilesThatCannotHoldASignature)
     const QByteArray thin = thinMachO(arm64);
     for (const QByteArray &bytes :
          {thinMachO(powerPC, ByteOrder::big), universalMachO(true), machO(full), universal.left(200),
-          universal.chopped(1), universal.left(0x8000), thin.left(31), thin.chopped(1), thin + "more",
-          QByteArray::fromHex("cafebabe00000003")}) {
+          universal.chopped(1), universal + "more", universal.left(0x8000), thin.left(31), thin.chopped(1),
+          thin + "more", QByteArray::fromHex("cafebabe00000003")}) {
         writeFile(path(u"file"_s), bytes);
         const ToolResult result = sign(path(u"file"_s));
         EXPECT_EQ(result.status, 1) << bytes.left(16).toHex().toStdString();
@@ -245,6 +246,51 @@ TEST_F(Codesign, signsAnyOtherFileByItsAttributes)
         EXPECT_EQ(readFile(path(u"file.txt"_s)), bytes);
         EXPECT_TRUE(codesignature::readCodeSignature(path(u"file.txt"_s)));
     }
+}
+
+TEST_F(Codesign, signsMachOFilesThatAreNoProgramsAsAnyOtherFile)
+{
+    using namespace bundlebuilder;
+    QList<QByteArray> files{"!<arch>\nlibrary"};
+    for (const std::uint32_t type : {1, 9, 10}) { // an object file, a stub of a library, symbols
+        MachORecipe recipe;
+        recipe.fileType = type;
+        files.append(machO(recipe));
+    }
+    files.append(universalOf({"!<arch>\none", "!<arch>\nother"}));
+    for (const QByteArray &bytes : files) {
+        writeFile(path(u"library"_s), bytes);
+        const ToolResult result = sign(path(u"library"_s), {u"--force"_s});
+        EXPECT_EQ(result.status, 0) << result.error.toStdString();
+        EXPECT_TRUE(result.error.endsWith(u"signed generic [library]\n"_s)) << result.error.toStdString();
+        EXPECT_EQ(readFile(path(u"library"_s)), bytes);
+        EXPECT_EQ(run(codesign, {u"--verify"_s, path(u"library"_s)}).status, 0);
+    }
+}
+
+TEST_F(Codesign, refusesResourceForksWhichNoSignatureCovers)
+{
+    const QString file = contents(u"Resources/Größe.txt"_s);
+    const QString message = app()
+        + u": resource fork, Finder information, or similar detritus not allowed\nIn detail: %1 has a resource fork or Finder information\n"_s;
+    ASSERT_TRUE(writeAttribute(file, "com.apple.ResourceFork", "fork"));
+    EXPECT_EQ(sign(app()).error, message.arg(file));
+    ASSERT_TRUE(removeAttribute(file, "com.apple.ResourceFork"));
+    ASSERT_TRUE(writeAttribute(app(), "com.apple.FinderInfo", QByteArray(32, 'x')));
+    EXPECT_EQ(sign(app()).error, message.arg(app()));
+    EXPECT_FALSE(QFileInfo::exists(app() + seal));
+    ASSERT_TRUE(removeAttribute(app(), "com.apple.FinderInfo"));
+    ASSERT_TRUE(writeAttribute(file, "com.apple.quarantine", "0081"));
+    EXPECT_EQ(sign(app()).status, 0);
+}
+
+TEST_F(Codesign, aLinkOutOfTheBundleIsNamed)
+{
+    const QString link = contents(u"Resources/out"_s);
+    ASSERT_TRUE(QFile::link(u"/etc/passwd"_s, link));
+    EXPECT_EQ(sign(app()).error,
+              app() + u": invalid destination for symbolic link in bundle\nIn detail: "_s + link + u'\n');
+    EXPECT_FALSE(QFileInfo::exists(app() + seal));
 }
 
 TEST_F(Codesign, refusesFoldersThatAreNoBundles)

@@ -1,9 +1,11 @@
 #include "formats/codesignature/verification.h"
+#include "formats/fileattributes.h"
 #include "toolchain/coveredbytes.h"
 #include "toolchain/machobuilder.h"
 #include "toolchain/toolfixture.h"
 
 #include <QFileInfo>
+#include <QProcess>
 
 #include <random>
 
@@ -191,6 +193,64 @@ TEST_F(CodeVerify, strictAsksForACleanBundle)
     EXPECT_EQ(verify({app()}).status, 0);
     EXPECT_EQ(verify({u"--strict"_s, app()}).error.section(u'\n', 0, 0),
               app() + u": unsealed contents present in the bundle root"_s);
+}
+
+TEST_F(CodeVerify, strictAsksThatNothingFollowsTheCode)
+{
+    using namespace bundlebuilder;
+    const QString file = path(u"code"_s);
+    for (const QByteArray &bytes : {thinMachO(arm64), universalMachO()}) {
+        writeFile(file, bytes);
+        ASSERT_EQ(sign(file).status, 0);
+        EXPECT_EQ(verify({u"--strict"_s, file}).status, 0);
+        writeFile(file, readFile(file) + 'x');
+        EXPECT_EQ(verify({file}).status, 0);
+        EXPECT_EQ(verify({u"--strict"_s, file}).error.section(u'\n', 0, 0),
+                  file + u": main executable failed strict validation"_s);
+    }
+}
+
+TEST_F(CodeVerify, strictAsksThatWhatIsSignedOfAFrameworksOtherVersionsHolds)
+{
+    const QString version = bundlebuilder::frameworkVersionOf(app());
+    const QString older = contents(u"Frameworks/Inner.framework/Versions/Older"_s);
+    ASSERT_EQ(QProcess::execute(u"cp"_s, {u"-a"_s, version, older}), 0);
+    ASSERT_EQ(run(codesign, {u"-s"_s, identity, older}).status, 0);
+    ASSERT_EQ(sign(app()).status, 0);
+    EXPECT_EQ(verify({u"--strict"_s, app()}).error, QString());
+    writeFile(older + u"/Resources/more"_s, "added");
+    EXPECT_EQ(verify({app()}).status, 0);
+    EXPECT_EQ(verify({u"--strict"_s, app()}).error,
+              app() + u": embedded framework contains modified or invalid version\nIn subcomponent: "_s
+                  + contents(u"Frameworks/Inner.framework\n"_s));
+    ASSERT_EQ(run(codesign, {u"--remove-signature"_s, older}).status, 0);
+    EXPECT_EQ(verify({u"--strict"_s, app()}).status, 0); // no seal speaks of it
+}
+
+TEST_F(CodeVerify, strictAsksForNoResourceForkOnAnyFile)
+{
+    ASSERT_EQ(sign(app()).status, 0);
+    const QString file = contents(u"Resources/Größe.txt"_s);
+    ASSERT_TRUE(writeAttribute(file, "com.apple.FinderInfo", QByteArray(32, '\0')));
+    EXPECT_EQ(verify({u"--strict"_s, app()}).error, QString()); // zeros say nothing
+    ASSERT_TRUE(writeAttribute(file, "com.apple.ResourceFork", "fork"));
+    EXPECT_EQ(verify({app()}).status, 0);
+    EXPECT_EQ(verify({u"--strict"_s, u"-v"_s, app()}).error,
+              app() + u": resource fork, Finder information, or similar detritus not allowed\nIn detail: "_s
+                  + file + u" has a resource fork or Finder information\n"_s);
+}
+
+TEST_F(CodeVerify, aCodeDirectoryInAnotherPlaceOfTheIndexIsNone)
+{
+    const QString file = path(u"code"_s);
+    writeFile(file, bundlebuilder::thinMachO(bundlebuilder::arm64));
+    ASSERT_EQ(sign(file).status, 0);
+    const QByteArray bytes = readFile(file);
+    const qsizetype alternate =
+        bytes.indexOf(QByteArray::fromHex("00001000"), bytes.indexOf(QByteArray::fromHex("fade0cc0")));
+    ASSERT_GT(alternate, 0);
+    writeFile(file, QByteArray(bytes).replace(alternate, 4, QByteArray::fromHex("00001001")));
+    EXPECT_FALSE(isFine(judge(file)));
 }
 
 TEST_F(CodeVerify, aFileOfAnotherKindIsHeldAgainstItsAttributes)

@@ -2,6 +2,7 @@
 
 #include "codesign/itemplan.h"
 #include "formats/codesignature/designation.h"
+#include "formats/codesignature/detritus.h"
 #include "formats/codesignature/filesigner.h"
 #include "formats/codesignature/machosigner.h"
 #include "formats/codesignature/sealedbundle.h"
@@ -238,6 +239,9 @@ SigningReport signItem(const QString &path, const SigningOrder &order)
     if (!code)
         return {code.failure(), {}, {}};
     code->path = absolute;
+    const QString detritus = code->bundle || code->image ? detritusIn(absolute) : QString();
+    if (!detritus.isEmpty())
+        return {Error{text::detritus + u"\nIn detail: "_s + detritusDetail(detritus)}, {}, {}};
     return ItemSigner(*std::move(code), order).sign();
 }
 

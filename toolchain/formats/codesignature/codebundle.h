@@ -31,6 +31,8 @@ inline const QString unsealedFrameworkRoot =
     QStringLiteral("unsealed contents present in the root directory of an embedded framework");
 inline const QString notRegular =
     QStringLiteral("the main executable or Info.plist must be a regular file (no symlinks, etc.)");
+inline const QString badFrameworkVersion =
+    QStringLiteral("embedded framework contains modified or invalid version");
 inline const QString strictExecutable = QStringLiteral("main executable failed strict validation");
 inline const QString ambiguousBundle =
     QStringLiteral("bundle format is ambiguous (could be app or framework)");

@@ -180,6 +180,12 @@ quint64 MachOSlice::codeLength() const
     return signature ? signature->data.offset : place.length;
 }
 
+bool MachOImage::hasMoreBehindSlices() const
+{
+    return std::all_of(slices.begin(), slices.end(),
+                       [this](const MachOSlice &slice) { return slice.place.end() < size; });
+}
+
 QString MachOImage::description() const
 {
     QStringList names;
@@ -197,6 +203,30 @@ qsizetype MachOImage::nativeIndex() const
         }
     }
     return 0;
+}
+
+bool canHoldSignature(MachOFileType type)
+{
+    switch (type) {
+    case MachOFileType::executable:
+    case MachOFileType::dynamicLibrary:
+    case MachOFileType::dynamicLinker:
+    case MachOFileType::loadableBundle:
+    case MachOFileType::kernelExtension:
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool isUniversalArchive(QIODevice &file)
+{
+    constexpr quint64 tableAt = 8;
+    constexpr QByteArrayView archiveMagic("!<arch>\n");
+    if (bigEndianAt<quint32>(bytesAt(file, 0, 4), 0) != fatMagic32)
+        return false;
+    const FatEntry first = fatEntryFrom(bytesAt(file, tableAt, 20), false);
+    return bytesAt(file, first.place.offset, quint64(archiveMagic.size())) == archiveMagic;
 }
 
 bool looksLikeMachO(QByteArrayView beginning)

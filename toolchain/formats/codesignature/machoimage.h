@@ -98,12 +98,21 @@ struct MachOImage {
     bool hasWideHeader = false; ///< the universal header with 64-bit offsets
     quint64 size = 0; ///< of the file, in bytes
 
+    /// Whether something lies behind the last slice, which nothing tells of.
+    [[nodiscard]] bool hasMoreBehindSlices() const;
     /// "Mach-O thin (arm64)" or "Mach-O universal (x86_64 arm64)".
     [[nodiscard]] QString description() const;
     /// The slice that this toolchain takes for the machine's own: arm64 if there is one, else x86_64, else
     /// the first.
     [[nodiscard]] qsizetype nativeIndex() const;
 };
+
+/// Whether files of this type hold a signature of their own: programs, libraries, loadable bundles and kernel
+/// extensions. Object files, symbols and the like are signed as any other file is.
+[[nodiscard]] bool canHoldSignature(MachOFileType type);
+
+/// Whether a universal file holds static libraries, as `ar` writes them, in place of Mach-O files.
+[[nodiscard]] bool isUniversalArchive(QIODevice &file);
 
 /// Whether a file that begins so claims to be Mach-O: thin or universal, of either byte order. A Java class,
 /// which has the magic number of universal files, is told by its version. Eight bytes are enough.

@@ -288,6 +288,8 @@ Result<MachOImage> readWritable(const QString &path)
         return Error{text::badObject + u"\nit is a universal file with 64-bit offsets"_s};
     if (image->size > largestFile)
         return Error{text::badObject + u"\nit has 4 GiB or more"_s};
+    if (image->hasMoreBehindSlices())
+        return Error{text::strictExecutable + u"\nthere is more behind its last slice"_s};
     return image;
 }
 

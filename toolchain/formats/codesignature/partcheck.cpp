@@ -237,8 +237,18 @@ private:
         return true;
     }
 
+    /// Bytes behind the signature, or behind the last slice, are covered by nothing.
+    [[nodiscard]] bool hasTrailer() const
+    {
+        const bool endsSlice =
+            !m_slice || !m_slice->signature || m_slice->signature->data.end() == m_slice->place.length;
+        return !endsSlice || (m_code.image && m_code.image->hasMoreBehindSlices());
+    }
+
     CodeProblem checkStrictly()
     {
+        if (hasTrailer())
+            return trouble(text::strictExecutable, u"there is more behind the signature"_s);
         for (const CodeDirectory &directory : m_part.directories) {
             if (directory.fields().codeLimit != m_codeLength)
                 return trouble(text::strictExecutable, u"the signature does not cover all of the code"_s);

@@ -38,12 +38,20 @@ bool isDirectorySlot(quint32 type)
         || (type >= slot::firstAlternateDirectory && type <= slot::lastAlternateDirectory);
 }
 
+/// The first code directory and its alternates take the places that are meant for them one after the other.
+quint32 placeOfDirectory(qsizetype index)
+{
+    return index == 0 ? slot::codeDirectory : slot::firstAlternateDirectory + quint32(index - 1);
+}
+
 Result<SignedPart> partWith(SuperBlob blobs)
 {
     SignedPart part;
     for (const IndexedBlob &blob : blobs.blobs()) {
         if (!isDirectorySlot(blob.type))
             continue;
+        if (blob.type != placeOfDirectory(part.directories.size()))
+            return Error{u"a code directory is missing before the one in slot %1"_s.arg(blob.type)};
         auto directory = CodeDirectory::parse(blob.bytes);
         if (!directory)
             return directory.failure();
@@ -139,13 +147,14 @@ Result<SignedCode> readMachO(SignedCode code, SignatureDepth depth)
     return code;
 }
 
-/// Object files bear no signature of their own, and count as any other file.
+/// Object files, static libraries and the like bear no signature of their own, and count as any other file.
 bool isSignedWithin(const QString &path)
 {
-    if (!looksLikeMachOFile(path))
+    QFile file(path);
+    if (!looksLikeMachOFile(path) || !file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
         return false;
-    const auto image = readMachOImage(path);
-    return !image || image->slices.first().fileType != MachOFileType::object;
+    const auto image = readMachOImage(file);
+    return image ? canHoldSignature(image->slices.first().fileType) : !isUniversalArchive(file);
 }
 
 Result<SignedCode> readDiskImage(SignedCode code)

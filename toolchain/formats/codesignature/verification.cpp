@@ -1,6 +1,7 @@
 #include "formats/codesignature/verification.h"
 
 #include "formats/codesignature/designation.h"
+#include "formats/codesignature/detritus.h"
 #include "formats/codesignature/entitlementsder.h"
 #include "formats/codesignature/partcheck.h"
 #include "formats/codesignature/sealedbundle.h"
@@ -71,17 +72,20 @@ bool meetsItsOwn(SignedCode code, qsizetype part, const std::optional<CmsJudgeme
     return designated && isMet(*designated, requirementSubject(code, signer));
 }
 
-/// Strict: no resource fork and no Finder information on what is signed.
-QString detritusProblem(const SignedCode &code)
+/// The folders of a versioned framework's other versions, beside the one that is current.
+QStringList otherVersionsOf(const CodeBundle &bundle)
 {
-    for (const QString &path : {code.path, code.mainFile}) {
-        const auto attributes = readAttributes(path);
-        if (attributes
-            && (attributes->contains("com.apple.ResourceFork")
-                || attributes->contains("com.apple.FinderInfo")))
-            return text::detritus;
+    const QString folder = bundle.root + u"/Versions"_s;
+    if (bundle.layout != BundleLayout::frameworkVersion || !QFileInfo(folder).isDir())
+        return {};
+    QStringList versions;
+    const auto entries =
+        QDir(folder).entryInfoList(QDir::Dirs | QDir::Hidden | QDir::NoSymLinks | QDir::NoDotAndDotDot);
+    for (const QFileInfo &entry : entries) {
+        if (entry.filePath() != QDir::cleanPath(bundle.base))
+            versions.append(entry.filePath());
     }
-    return {};
+    return versions;
 }
 
 class Verifier {
@@ -147,11 +151,12 @@ private:
         if (m_order.strictness == Strictness::usual)
             return;
         const SignedCode &code = *m_result.code;
-        QString problem = detritusProblem(code);
-        if (problem.isEmpty() && code.bundle)
-            problem = rootProblem(*code.bundle);
-        if (!problem.isEmpty())
-            m_result.problem = problemWith(problem);
+        // What lies in nested code has been looked at with the item that it is nested in.
+        const QString detritus = m_depth == 0 ? detritusIn(code.path) : QString();
+        if (!detritus.isEmpty())
+            m_result.problem = problemWith(text::detritus + u'\n' + detritusDetail(detritus));
+        else if (code.bundle)
+            m_result.problem = problemWith(rootProblem(*code.bundle));
     }
 
     void checkResources()
@@ -204,6 +209,8 @@ private:
         Verification inner = Verifier(order, m_depth + 1).verify(path);
         if (inner.problem.isNone() && !fitsEntry(inner, entry))
             inner.problem = problemWith(text::nestedModified);
+        if (inner.problem.isNone())
+            inner.problem = otherVersionsProblem(*inner.code);
         if (!inner.problem.isNone() && inner.problem.subcomponent.isEmpty())
             inner.problem.subcomponent = path;
         if (!inner.problem.isNone() && !m_nested)
@@ -211,6 +218,22 @@ private:
         if (inner.problem.isNone() && m_order.validated)
             m_order.validated(path);
         return inner.problem.text;
+    }
+
+    /// Strict: what is signed of a framework's other versions holds. The seal says nothing of them, so one
+    /// that nobody has signed is no failure here.
+    [[nodiscard]] CodeProblem otherVersionsProblem(const SignedCode &code) const
+    {
+        if (m_order.strictness == Strictness::usual || !code.bundle)
+            return {};
+        VerificationOrder order = m_order;
+        order.requirement.clear();
+        for (const QString &version : otherVersionsOf(*code.bundle)) {
+            const CodeProblem problem = Verifier(order, m_depth + 1).verify(version).problem;
+            if (!problem.isNone() && (problem.text != text::notSigned || !problem.subcomponent.isEmpty()))
+                return problemWith(text::badFrameworkVersion + u'\n' + version + u": "_s + problem.text);
+        }
+        return {};
     }
 
     static bool fitsEntry(const Verification &inner, const seal::Entry &entry)

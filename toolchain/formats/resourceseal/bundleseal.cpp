@@ -78,8 +78,8 @@ private:
     Outcome takeLink(const ScannedItem &item)
     {
         if (leadsOut(m_folder, item.path, item.linkTarget))
-            return Error{fullPath(m_folder, item.path)
-                         + u": invalid destination for symbolic link in bundle"_s};
+            return Error{u"invalid destination for symbolic link in bundle\nIn detail: "_s
+                         + fullPath(m_folder, item.path)};
         Entry entry;
         entry.linkTarget = item.linkTarget;
         entry.isOptional = item.second == Coverage::optional;
