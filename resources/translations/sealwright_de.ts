@@ -1058,6 +1058,10 @@ In das ausgewählte Feld gehört der Name des anwendungsspezifischen Passworts.<
 <context>
     <name>sealwright::HistoryPane</name>
     <message>
+        <source>The submissions of the account stand here once “Fetch History” has asked for them.</source>
+        <translation>Hier stehen die Einreichungen des Kontos, sobald „Verlauf abrufen“ sie erfragt hat.</translation>
+    </message>
+    <message>
         <source>Search the history</source>
         <translation>Verlauf durchsuchen</translation>
     </message>
@@ -1128,6 +1132,10 @@ In das ausgewählte Feld gehört der Name des anwendungsspezifischen Passworts.<
 <context>
     <name>sealwright::IssueTable</name>
     <message>
+        <source>What the notary service finds fault with stands here.</source>
+        <translation>Hier steht, was der Beglaubigungsdienst beanstandet.</translation>
+    </message>
+    <message>
         <source>What the service said</source>
         <translation>Was der Dienst gesagt hat</translation>
     </message>
@@ -1146,6 +1154,10 @@ In das ausgewählte Feld gehört der Name des anwendungsspezifischen Passworts.<
 </context>
 <context>
     <name>sealwright::ItemHeader</name>
+    <message>
+        <source>Chooses an item, and submits it</source>
+        <translation>Wählt ein Objekt und reicht es ein</translation>
+    </message>
     <message>
         <source>Icon of the item</source>
         <translation>Symbol des Objekts</translation>
@@ -2178,8 +2190,8 @@ In das ausgewählte Feld gehört der Name des anwendungsspezifischen Passworts.<
         <translation>&lt;b&gt;1. Identität&lt;/b&gt;: ein Zertifikat „Developer ID“ mit seinem Schlüssel</translation>
     </message>
     <message>
-        <source>&lt;b&gt;2. Key or password&lt;/b&gt; for Apple&apos;s notary service, which takes keys only by now</source>
-        <translation>&lt;b&gt;2. Schlüssel oder Passwort&lt;/b&gt; für Apples Beglaubigungsdienst, der inzwischen nur noch Schlüssel annimmt</translation>
+        <source>&lt;b&gt;2. Key or password&lt;/b&gt; of the notary service: Apple&apos;s takes API keys only</source>
+        <translation>&lt;b&gt;2. Schlüssel oder Passwort&lt;/b&gt; des Beglaubigungsdienstes: Apples Dienst nimmt nur API-Schlüssel an</translation>
     </message>
     <message>
         <source>Key or password</source>

@@ -47,6 +47,7 @@ platform::Result<Choices> choicesFromJson(const QByteArray &json)
     choices.replacesSignatures = object.value("replacesSignatures"_L1).toBool(true);
     choices.team = object.value("team"_L1).toString();
     choices.fileTool = object.value("fileTool"_L1).toString();
+    choices.countsSize = object.value("countsSize"_L1).toBool();
     return choices;
 }
 
@@ -63,6 +64,7 @@ QByteArray toJson(const Choices &choices)
         {u"replacesSignatures"_s, choices.replacesSignatures},
         {u"team"_s, choices.team},
         {u"fileTool"_s, choices.fileTool},
+        {u"countsSize"_s, choices.countsSize},
     };
     return QJsonDocument(object).toJson(QJsonDocument::Compact);
 }

@@ -150,11 +150,13 @@ QByteArray toJson(const Examination &examination)
     QJsonArray findings;
     for (const Finding &finding : examination.findings)
         findings.append(findingObject(finding));
-    const QJsonObject object{{u"item"_s, examination.item},
-                             {u"kind"_s, name(examination.kind)},
-                             {u"refused"_s, examination.isRefused()},
-                             {u"code"_s, code},
-                             {u"findings"_s, findings}};
+    QJsonObject object{{u"item"_s, examination.item},
+                       {u"kind"_s, name(examination.kind)},
+                       {u"refused"_s, examination.isRefused()},
+                       {u"code"_s, code},
+                       {u"findings"_s, findings}};
+    if (examination.size > 0)
+        object.insert(u"size"_s, examination.size);
     return QJsonDocument(object).toJson(QJsonDocument::Indented);
 }
 

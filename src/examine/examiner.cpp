@@ -133,7 +133,8 @@ Result<Examination> examineItem(const QString &item, const Choices &choices)
                                [item = examination->item, kind = examination->kind, &choices, &files] {
                                    return predict(item, kind, choices, files);
                                });
-    Collector collected(*examination, files, Collector::Sizes::leftOut);
+    Collector collected(*examination, files,
+                        choices.countsSize ? Collector::Sizes::counted : Collector::Sizes::leftOut);
     collect(*examination, collected);
     const Prediction prediction = foretold.get();
     Judgement(*examination, prediction, choices, collected).run();

@@ -11,6 +11,7 @@ namespace {
 
 constexpr qreal radius = 5; // pixels, of a corner
 constexpr qreal radiusOfBox = 3.5;
+constexpr qreal radiusOfFrame = 2; // what is in a frame has sharp corners
 constexpr qreal radiusOfCard = 8;
 constexpr qreal ring = 2; // pixels, round what has the keyboard
 constexpr qreal faint = 0.12; // of the text's colour in a line that only divides
@@ -194,6 +195,20 @@ void controlpainting::drawTab(QPainter &painter, const QStyleOptionTab &option)
     painter.fillRect(QRectF(rect.left(), rect.bottom() - height, rect.width(), height), line);
 }
 
+void controlpainting::drawTabClose(QPainter &painter, const QStyleOption &option)
+{
+    const Soft soft(painter);
+    const QColor text = option.palette.color(QPalette::WindowText);
+    const QRectF rect = option.rect;
+    const bool isTouched = isOn(option, QStyle::State_MouseOver) || isOn(option, QStyle::State_Sunken);
+    if (isTouched)
+        drawRounded(painter, rect, {}, touched(option, divider(option.palette), text), radiusOfBox);
+    const qreal reach = rect.width() * 0.2;
+    painter.setPen(QPen(text, 1.4, Qt::SolidLine, Qt::RoundCap));
+    for (const QPointF corner : {QPointF(reach, reach), QPointF(reach, -reach)})
+        painter.drawLine(rect.center() - corner, rect.center() + corner);
+}
+
 void controlpainting::drawHeading(QPainter &painter, const QStyleOption &option)
 {
     painter.fillRect(option.rect, option.palette.color(QPalette::Window));
@@ -217,9 +232,9 @@ void controlpainting::drawSlider(QPainter &painter, const QStyleOption &option, 
 void controlpainting::drawFrame(QPainter &painter, const QStyleOption &option)
 {
     const Soft soft(painter);
-    drawRounded(painter, option.rect, outlineOf(option), Qt::NoBrush, radius);
+    drawRounded(painter, option.rect, outlineOf(option), Qt::NoBrush, radiusOfFrame);
     if (isOn(option, QStyle::State_HasFocus))
-        drawRing(painter, option, radius);
+        drawRing(painter, option, radiusOfFrame);
 }
 
 } // namespace sealwright

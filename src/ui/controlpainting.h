@@ -28,6 +28,7 @@ void drawPopupArrow(QPainter &painter, const QStyleOption &option, const QRect &
 /// What is behind a group of controls.
 void drawCard(QPainter &painter, const QStyleOption &option);
 void drawTab(QPainter &painter, const QStyleOptionTab &option);
+void drawTabClose(QPainter &painter, const QStyleOption &option);
 void drawHeading(QPainter &painter, const QStyleOption &option);
 /// The piece of a scroll bar that is dragged.
 void drawSlider(QPainter &painter, const QStyleOption &option, const QRect &slider);

@@ -20,6 +20,7 @@ constexpr int fieldMargin = 4; // between the edge of a field and what is in it
 constexpr int titleMargin = 8; // over the title of a group
 constexpr int titleIndent = 10;
 constexpr int roomForArrow = 18; // of a button with a menu
+constexpr int roomInRow = 6; // pixels, of a list or tree
 constexpr int roomInButton = 8; // more than a button of that style has beside its title
 
 QFont bold(QFont font)
@@ -188,12 +189,16 @@ bool ControlStyle::drawPlain(PrimitiveElement element, const QStyleOption &optio
         controlpainting::drawCheckBox(painter, option);
         return true;
     case PE_FrameGroupBox:
+    case PE_FrameTabWidget:
         controlpainting::drawCard(painter, option);
         return true;
     case PE_Frame:
         if (!hasFrame(element, option))
             return false;
         controlpainting::drawFrame(painter, option);
+        return true;
+    case PE_IndicatorTabClose:
+        controlpainting::drawTabClose(painter, option);
         return true;
     case PE_FrameTabBarBase:
     case PE_FrameDefaultButton:
@@ -276,6 +281,16 @@ bool ControlStyle::drawPlain(ComplexControl control, const QStyleOptionComplex &
     return false;
 }
 
+int ControlStyle::styleHint(StyleHint hint, const QStyleOption *option, const QWidget *widget,
+                            QStyleHintReturn *data) const
+{
+    if (hint == SH_TabBar_Alignment && widget && widget->property(tabsAtTheEnd).toBool())
+        return Qt::AlignRight;
+    if (hint == SH_DialogButtonBox_ButtonsHaveIcons && isPlain())
+        return 0; // as on all other buttons with a title
+    return QProxyStyle::styleHint(hint, option, widget, data);
+}
+
 int ControlStyle::pixelMetric(PixelMetric metric, const QStyleOption *option, const QWidget *widget) const
 {
     const int given = QProxyStyle::pixelMetric(metric, option, widget);
@@ -309,6 +324,8 @@ QSize ControlStyle::sizeFromContents(ContentsType type, const QStyleOption *opti
         return size + QSize(hasMenu(*option) ? roomForArrow : 0, 0);
     case CT_TabBarTab:
         return size + QSize(0, 2);
+    case CT_ItemViewItem:
+        return size + QSize(0, roomInRow);
     default:
         return size;
     }

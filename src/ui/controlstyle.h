@@ -7,6 +7,9 @@ class QStyleOptionToolButton;
 
 namespace sealwright {
 
+/// A bar of tabs that has this property has its tabs at its end.
+inline constexpr auto tabsAtTheEnd = "tabsAtTheEnd";
+
 /// The desktop's style, in which every control has an outline that can be seen on a light window and on a
 /// dark one. Where the desktop has none of its own and the plain one of Qt stands in, the controls are drawn
 /// flat, with round corners, and grow with the font. Main thread.
@@ -20,6 +23,8 @@ public:
                      const QWidget *widget) const override;
     void drawComplexControl(ComplexControl control, const QStyleOptionComplex *option, QPainter *painter,
                             const QWidget *widget) const override;
+    int styleHint(StyleHint hint, const QStyleOption *option, const QWidget *widget,
+                  QStyleHintReturn *data) const override;
     int pixelMetric(PixelMetric metric, const QStyleOption *option, const QWidget *widget) const override;
     QSize sizeFromContents(ContentsType type, const QStyleOption *option, const QSize &contents,
                            const QWidget *widget) const override;

@@ -10,9 +10,11 @@
 #include "ui/commandbar.h"
 #include "ui/dropoverlay.h"
 #include "ui/itemheader.h"
+#include "ui/itemlook.h"
 #include "ui/logpane.h"
 #include "ui/logview.h"
 #include "ui/outcomebanner.h"
+#include "ui/pageparts.h"
 #include "ui/progresstext.h"
 #include "ui/runpanes.h"
 #include "ui/settingspane.h"
@@ -25,7 +27,6 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QMimeData>
-#include <QSplitter>
 
 #include <algorithm>
 
@@ -58,7 +59,8 @@ void acceptCopy(QDropEvent &event)
 
 DocumentPage::DocumentPage(MainWinController &document)
     : m_document(document)
-    , m_header(new ItemHeader(document, this))
+    , m_look(new ItemLook(document, this))
+    , m_header(new ItemHeader(document, *m_look, this))
     , m_setupBanner(new SetupBanner(document, this))
     , m_banner(new OutcomeBanner(document, this))
     , m_dropOutline(new DropOverlay(this))
@@ -98,14 +100,10 @@ bool DocumentPage::eventFilter(QObject *watched, QEvent *event)
 
 QWidget *DocumentPage::makeParts()
 {
-    auto *const parts = new QSplitter(Qt::Vertical, this);
-    parts->setChildrenCollapsible(false);
-    parts->addWidget(new SettingsPane(m_document, parts));
-    auto *const run = new RunPanes(m_document, parts);
+    auto *const settings = new SettingsPane(m_document, this);
+    auto *const run = new RunPanes(m_document, *m_look, this);
     m_logPane = &run->log();
-    parts->addWidget(run);
-    parts->setStretchFactor(1, 1);
-    return parts;
+    return new PageParts(*settings, *run, this);
 }
 
 QWidget &DocumentPage::header() const
@@ -141,7 +139,9 @@ std::optional<StepState> DocumentPage::runState() const
 
 QString DocumentPage::progress() const
 {
-    const QString present = progresstext::present(m_document.stepList);
+    // A countdown would stand still there: nobody is told of each second.
+    const bool isWaiting = m_document.stepList.wait().has_value();
+    const QString present = isWaiting ? QString() : progresstext::present(m_document.stepList);
     return present.isEmpty() && runState() ? m_banner->outcome().title : present;
 }
 

@@ -16,6 +16,7 @@ class CommandBar;
 class DropOverlay;
 class FindBar;
 class ItemHeader;
+class ItemLook;
 class LogPane;
 class MainWinController;
 class OutcomeBanner;
@@ -70,6 +71,7 @@ private:
     void makeRoomForBanners();
 
     MainWinController &m_document;
+    ItemLook *m_look;
     ItemHeader *m_header;
     SetupBanner *m_setupBanner;
     OutcomeBanner *m_banner;

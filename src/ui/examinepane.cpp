@@ -1,7 +1,6 @@
 #include "ui/examinepane.h"
 
 #include "app/appdelegate.h"
-#include "document/documentdefaults.h"
 #include "document/mainwincontroller.h"
 #include "platform/fileservice.h"
 #include "platform/itempath.h"
@@ -11,6 +10,7 @@
 #include "platform/workspace.h"
 #include "scripting/examining.h"
 #include "ui/differenceentries.h"
+#include "ui/itemlook.h"
 #include "ui/named.h"
 
 #include <QAction>
@@ -23,6 +23,7 @@
 #include <QLineEdit>
 #include <QPointer>
 #include <QPushButton>
+#include <QStyledItemDelegate>
 #include <QTreeWidget>
 
 #include <algorithm>
@@ -34,7 +35,6 @@ namespace sealwright {
 namespace {
 
 constexpr int pathRole = Qt::UserRole; ///< of an entry, from the item
-constexpr int patience = 300; ///< milliseconds that further changes have to come
 
 QString textOf(const QJsonObject &object, QLatin1StringView key)
 {
@@ -79,8 +79,9 @@ QString detailOf(const QJsonObject &code)
     const QJsonValue order = code.value("order"_L1);
     const QString place = order.isDouble() ? QObject::tr("signed as number %1").arg(order.toInt())
                                            : QObject::tr("not signed: %1").arg(textOf(code, "reason"_L1));
-    const QStringList parts{textOf(code, "kind"_L1), joined(code.value("architectures"_L1).toArray()),
-                            textOf(code.value("signature"_L1).toObject(), "state"_L1), place};
+    const QStringList parts{textOf(code, "kind"_L1), place,
+                            textOf(code.value("signature"_L1).toObject(), "state"_L1),
+                            joined(code.value("architectures"_L1).toArray())};
     QStringList told;
     std::copy_if(parts.cbegin(), parts.cend(), std::back_inserter(told),
                  [](const QString &part) { return !part.isEmpty(); });
@@ -103,6 +104,19 @@ QTreeWidgetItem *bundleAbove(const QString &path, const QHash<QString, QTreeWidg
     return nullptr;
 }
 
+/// Of a path the beginning and the end matter, of a text the beginning.
+class ShortenedTexts : public QStyledItemDelegate {
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+protected:
+    void initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const override
+    {
+        QStyledItemDelegate::initStyleOption(option, index);
+        option->textElideMode = index.column() == 0 ? Qt::ElideMiddle : Qt::ElideRight;
+    }
+};
+
 /// Whether the entry or one below it has the text; those that have it not are hidden.
 bool showMatches(QTreeWidgetItem &entry, const QString &text)
 {
@@ -116,9 +130,10 @@ bool showMatches(QTreeWidgetItem &entry, const QString &text)
 
 } // namespace
 
-ExaminePane::ExaminePane(MainWinController &document, QWidget *parent)
+ExaminePane::ExaminePane(MainWinController &document, const ItemLook &look, QWidget *parent)
     : QWidget(parent)
     , m_document(document)
+    , m_look(look)
     , m_summary(named(new QLabel(this), u"examineSummary"_s, tr("Examination")))
     , m_search(named(new QLineEdit(this), u"examineSearch"_s, tr("Search the examination")))
     , m_compare(named(new QPushButton(tr("Compare…"), this), u"examineCompare"_s, tr("Compare…")))
@@ -133,7 +148,7 @@ ExaminePane::ExaminePane(MainWinController &document, QWidget *parent)
     m_tree->setHeaderLabels({tr("Item"), tr("What is found")});
     m_tree->setUniformRowHeights(true);
     m_tree->header()->setSectionResizeMode(QHeaderView::Stretch);
-    m_tree->setTextElideMode(Qt::ElideMiddle);
+    m_tree->setItemDelegate(new ShortenedTexts(m_tree));
     m_detail->setTextFormat(Qt::PlainText);
     m_detail->setWordWrap(true);
     m_detail->setTextInteractionFlags(Qt::TextSelectableByMouse);
@@ -160,47 +175,15 @@ ExaminePane::ExaminePane(MainWinController &document, QWidget *parent)
     m_tree->addAction(show);
     m_tree->setContextMenuPolicy(Qt::ActionsContextMenu);
     m_compare->setEnabled(false);
-    m_soon.setSingleShot(true);
-    m_soon.setInterval(patience);
-    connect(&m_soon, &QTimer::timeout, this, &ExaminePane::look);
-    watchChoices();
-    lookSoon();
+    connect(&m_look, &ItemLook::begun, this, &ExaminePane::expect);
+    connect(&m_look, &ItemLook::ended, this, &ExaminePane::take);
+    setExamination({});
 }
 
-void ExaminePane::watchChoices()
+void ExaminePane::expect()
 {
-    connect(&m_document.appletNameField, &Control::changed, this, &ExaminePane::lookSoon);
-    connect(&m_document.extraEntitlementsURL, &Observable::changed, this, &ExaminePane::lookSoon);
-    connect(&m_document.useDiskImage, &Observable::changed, this, &ExaminePane::lookSoon);
-    for (const CheckboxDefault &setting : checkboxDefaults())
-        connect(&(m_document.*setting.checkbox), &Control::changed, this, &ExaminePane::lookSoon);
-}
-
-void ExaminePane::lookSoon()
-{
-    const bool hasItem = !m_document.appletNameField.stringValue().isEmpty();
-    if (hasItem && !m_document.appDelegate().examineProgram().isEmpty())
-        m_soon.start();
-    else
-        setExamination({});
-}
-
-void ExaminePane::look()
-{
-    m_item = itempath::fromUrl(m_document.originalAppletURL());
-    if (m_item.isEmpty())
-        return;
+    m_item = m_look.item();
     m_summary->setText(tr("Looking at the item…"));
-    const auto &application = m_document.appDelegate();
-    application.host().workers.post([pane = QPointer(this), &application, item = m_item, number = ++m_looks,
-                                     choices = examining::choicesOf(m_document)] {
-        const auto look = examining::examineItem(application, item, choices);
-        const QJsonObject examination = QJsonDocument::fromJson(look.valueOr({})).object();
-        application.host().mainQueue.post([pane, number, examination, error = look.error()] {
-            if (pane && pane->m_looks == number) // a later look has more to say
-                pane->take(examination, error);
-        });
-    });
 }
 
 void ExaminePane::take(const QJsonObject &examination, const QString &error)

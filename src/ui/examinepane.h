@@ -2,7 +2,6 @@
 
 #include <QJsonArray>
 #include <QJsonObject>
-#include <QTimer>
 #include <QWidget>
 
 class QLabel;
@@ -13,16 +12,15 @@ class QTreeWidgetItem;
 
 namespace sealwright {
 
+class ItemLook;
 class MainWinController;
 
-/// What a look at the document's item tells: the findings first, then all code, folded by bundle. It looks by
-/// itself when an item is chosen or dropped, and again when a choice changes that matters; nothing of the run
-/// changes.
+/// What a look at the document's item tells: the findings first, then all code, folded by bundle.
 class ExaminePane : public QWidget {
     Q_OBJECT
 
 public:
-    explicit ExaminePane(MainWinController &document, QWidget *parent = nullptr);
+    ExaminePane(MainWinController &document, const ItemLook &look, QWidget *parent = nullptr);
 
     /// Shows an examination, as docs/scripting.md describes it.
     void setExamination(const QJsonObject &examination);
@@ -33,9 +31,7 @@ private:
     void askForOlder();
     void compareWith(const QString &old);
     void takeComparison(const QString &old, const QJsonObject &answer, const QString &error);
-    void watchChoices();
-    void lookSoon();
-    void look();
+    void expect();
     void take(const QJsonObject &examination, const QString &error);
     void addFindings(const QJsonObject &examination);
     void addCode(const QJsonObject &examination);
@@ -44,14 +40,13 @@ private:
     void reveal(QTreeWidgetItem *item);
 
     MainWinController &m_document;
+    const ItemLook &m_look;
     QLabel *m_summary;
     QLineEdit *m_search;
     QPushButton *m_compare;
     QTreeWidget *m_tree;
     QLabel *m_detail; ///< of the entry that is chosen
-    QTimer m_soon;
     QString m_item; ///< path of what has been looked at, or is being looked at
-    quint64 m_looks = 0; ///< the number of the latest look
 };
 
 } // namespace sealwright

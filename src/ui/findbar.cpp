@@ -1,5 +1,6 @@
 #include "ui/findbar.h"
 
+#include "ui/icons.h"
 #include "ui/named.h"
 
 #include <QBoxLayout>
@@ -13,14 +14,19 @@ using namespace Qt::StringLiterals;
 
 namespace sealwright {
 
+using icons::Command;
+
 namespace {
 
 constexpr QChar paragraphSeparator(0x2029);
 
-QToolButton *makeButton(QWidget *parent, const QString &text, const QString &name, const QString &toolTip)
+QToolButton *makeButton(QWidget *parent, const QString &text, Command picture, const QString &name,
+                        const QString &toolTip)
 {
     auto *const button = named(new QToolButton(parent), name, text);
     button->setText(text);
+    button->setIcon(icons::of(picture));
+    button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     button->setToolTip(toolTip);
     button->setFocusPolicy(Qt::TabFocus);
     return button;
@@ -48,10 +54,12 @@ FindBar::FindBar(QPlainTextEdit &text, QWidget *parent)
     nameClearButton(*m_words);
     m_words->setAcceptDrops(false);
     m_result->setObjectName(u"findResult"_s);
-    auto *const previous =
-        makeButton(this, tr("Previous"), u"findPreviousButton"_s, tr("The place before (Shift+F3)"));
-    auto *const next = makeButton(this, tr("Next"), u"findNextButton"_s, tr("The next place (F3)"));
-    auto *const done = makeButton(this, tr("Done"), u"findDoneButton"_s, tr("Puts the search away (Esc)"));
+    auto *const previous = makeButton(this, tr("Previous"), Command::findPrevious, u"findPreviousButton"_s,
+                                      tr("The place before (Shift+F3)"));
+    auto *const next =
+        makeButton(this, tr("Next"), Command::findNext, u"findNextButton"_s, tr("The next place (F3)"));
+    auto *const done =
+        makeButton(this, tr("Done"), Command::close, u"findDoneButton"_s, tr("Puts the search away (Esc)"));
     auto *const row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
     row->addWidget(m_words, 1);

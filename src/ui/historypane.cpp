@@ -4,9 +4,11 @@
 #include "document/mainwincontroller.h"
 #include "platform/itempath.h"
 #include "platform/workspace.h"
+#include "ui/emptyhint.h"
 #include "ui/historymodel.h"
 #include "ui/named.h"
 #include "ui/submitteditems.h"
+#include "ui/twopartrow.h"
 
 #include <QBoxLayout>
 #include <QClipboard>
@@ -25,6 +27,7 @@ namespace sealwright {
 namespace {
 
 constexpr qreal rowHeight = 1.6; // of the text's
+constexpr int rowsMeasured = 100; // for the widths of the columns
 
 /// The address of the log in what the service has on record; invalid if there is none.
 QUrl addressOfLog(const QString &record)
@@ -57,6 +60,8 @@ HistoryPane::HistoryPane(MainWinController &document, QWidget *parent)
     connect(m_table, &QTableView::activated, this, &HistoryPane::showReport);
     connect(&document.progressIndicator, &Control::changed, this, &HistoryPane::offerWhatCanBeDone);
     connect(&document.statusTextView, &LogText::appended, this, &HistoryPane::heedLog);
+    new EmptyHint(*m_table,
+                  tr("The submissions of the account stand here once “Fetch History” has asked for them."));
     offerWhatCanBeDone();
 }
 
@@ -72,15 +77,15 @@ void HistoryPane::setUpTable()
     m_table->verticalHeader()->hide();
     m_table->verticalHeader()->setDefaultSectionSize(qRound(fontMetrics().height() * rowHeight));
     m_table->horizontalHeader()->setStretchLastSection(true);
-    const int letter = fontMetrics().averageCharWidth();
-    const QList<int> widths{27, 12, 18, 36}; // characters
-    for (int column = 0; column < widths.size(); ++column)
-        m_table->setColumnWidth(column, widths.at(column) * letter);
+    m_table->horizontalHeader()->setDefaultAlignment(Qt::AlignLeading | Qt::AlignVCenter);
+    m_table->horizontalHeader()->setHighlightSections(false);
+    m_table->horizontalHeader()->setResizeContentsPrecision(rowsMeasured);
+    m_table->setShowGrid(false);
 }
 
 QWidget *HistoryPane::makeButtons()
 {
-    auto *const place = new QWidget(this);
+    auto *const place = new TwoPartRow(this);
     m_report = makeButton(u"historyReport"_s, tr("Report"), tr("Prints what the service has on record"),
                           &HistoryPane::showReport);
     m_log = makeButton(u"historyLog"_s, tr("Log"), tr("Opens the service's log in the browser"),
@@ -89,12 +94,10 @@ QWidget *HistoryPane::makeButtons()
     m_staple =
         makeButton(u"historyStaple"_s, tr("Staple"),
                    tr("Staples the item, which lies in a folder of this document"), &HistoryPane::staple);
-    auto *const grid = new QGridLayout(place);
-    grid->setContentsMargins(0, 0, 0, 0);
-    grid->addWidget(m_report, 0, 0);
-    grid->addWidget(m_log, 0, 1);
-    grid->addWidget(m_copy, 1, 0);
-    grid->addWidget(m_staple, 1, 1);
+    place->first().addWidget(m_report);
+    place->first().addWidget(m_log);
+    place->second().addWidget(m_copy);
+    place->second().addWidget(m_staple);
     return place;
 }
 
@@ -110,9 +113,13 @@ QPushButton *HistoryPane::makeButton(const QString &name, const QString &title, 
 
 void HistoryPane::heedLog(const LogText::Run &run)
 {
-    if (run.style == LogStyle::plain)
-        m_history->take(historyEntries(run.text));
+    const auto entries = run.style == LogStyle::plain ? historyEntries(run.text) : QList<HistoryEntry>();
+    m_history->take(entries);
     openLogOnceToldOf(run.text);
+    if (entries.isEmpty())
+        return;
+    m_table->resizeColumnsToContents();
+    Q_EMIT told();
 }
 
 QString HistoryPane::selectedIdentifier() const

@@ -24,6 +24,10 @@ class HistoryPane : public QWidget {
 public:
     explicit HistoryPane(MainWinController &document, QWidget *parent = nullptr);
 
+Q_SIGNALS:
+    /// Submissions have come into the table.
+    void told();
+
 private:
     void setUpTable();
     QWidget *makeButtons();

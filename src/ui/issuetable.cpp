@@ -2,6 +2,7 @@
 
 #include "document/mainwincontroller.h"
 #include "platform/workspace.h"
+#include "ui/emptyhint.h"
 #include "ui/named.h"
 
 #include <QAction>
@@ -24,6 +25,10 @@ using namespace Qt::StringLiterals;
 namespace sealwright {
 
 namespace {
+
+constexpr int messageColumn = 3;
+constexpr qreal rowHeight = 1.6; // of the text's
+constexpr int mostLetters = 44; // of a column, as wide as it is at first
 
 struct Column {
     QString key;
@@ -84,6 +89,14 @@ IssueTable::IssueTable(MainWinController &document, QWidget *parent)
     m_table->setSelectionBehavior(QAbstractItemView::SelectRows);
     m_table->setEditTriggers(QAbstractItemView::NoEditTriggers);
     m_table->setTabKeyNavigation(false);
+    m_table->horizontalHeader()->setDefaultAlignment(Qt::AlignLeading | Qt::AlignVCenter);
+    m_table->horizontalHeader()->setHighlightSections(false);
+    m_table->horizontalHeader()->moveSection(messageColumn, 1); // what matters stands where it is seen
+    m_table->setWordWrap(false);
+    m_table->setTextElideMode(Qt::ElideMiddle);
+    m_table->setShowGrid(false);
+    m_table->verticalHeader()->setDefaultSectionSize(qRound(fontMetrics().height() * rowHeight));
+    new EmptyHint(*m_table, tr("What the notary service finds fault with stands here."));
     m_table->horizontalHeader()->setSortIndicator(0, Qt::AscendingOrder); // errors before warnings
     addAction(tr("Copy"), {QKeySequence::Copy}, &IssueTable::copyRows);
     addAction(tr("Open Link"), {Qt::Key_Return, Qt::Key_Enter}, &IssueTable::openLinkOfRow);
@@ -139,8 +152,17 @@ void IssueTable::showIssues()
         }
     }
     m_table->setSortingEnabled(true);
-    m_table->resizeColumnsToContents();
+    fitColumns();
     m_copy->setEnabled(m_table->rowCount() > 0);
+}
+
+/// A long path leaves the message its place.
+void IssueTable::fitColumns()
+{
+    const int most = mostLetters * fontMetrics().averageCharWidth();
+    m_table->resizeColumnsToContents();
+    for (int column = 0; column < m_table->columnCount(); ++column)
+        m_table->setColumnWidth(column, qMin(most, m_table->columnWidth(column)));
 }
 
 /// Those that are selected, or all; from top to bottom.

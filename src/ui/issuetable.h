@@ -22,6 +22,7 @@ public:
 private:
     void addAction(const QString &text, const QList<QKeySequence> &keys, void (IssueTable::*method)());
     void showIssues();
+    void fitColumns();
     [[nodiscard]] QList<int> rowsToCopy() const;
     void copyRows();
     void openLink(const QTableWidgetItem *cell);

@@ -15,7 +15,15 @@ namespace sealwright {
 
 namespace {
 
-QString nameOf(ItemKind kind)
+int decimalsOf(qint64 bytes)
+{
+    constexpr qint64 gigabyte = 1'000'000'000;
+    return bytes < gigabyte ? 0 : 1;
+}
+
+} // namespace
+
+QString itemfacts::nameOf(ItemKind kind)
 {
     switch (kind) {
     case ItemKind::app:
@@ -32,14 +40,6 @@ QString nameOf(ItemKind kind)
     }
     return QObject::tr("Item");
 }
-
-int decimalsOf(qint64 bytes)
-{
-    constexpr qint64 gigabyte = 1'000'000'000;
-    return bytes < gigabyte ? 0 : 1;
-}
-
-} // namespace
 
 QString itemfacts::describe(const platform::FileService &files, const QString &path)
 {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "run/item.h"
+
 #include <QString>
 
 namespace platform {
@@ -13,6 +15,9 @@ struct ItemSurvey;
 
 /// What a person reads of an item below its name.
 namespace itemfacts {
+
+/// "Application". Any thread.
+[[nodiscard]] QString nameOf(ItemKind kind);
 
 /// "Application · com.example.foo · version 1.2"; empty for a path where nothing lies. Main thread.
 [[nodiscard]] QString describe(const platform::FileService &files, const QString &path);

@@ -4,12 +4,14 @@
 #include "platform/itempath.h"
 #include "platform/mainqueue.h"
 #include "platform/workerqueue.h"
+#include "run/item.h"
 #include "run/status.h"
 #include "ui/bindings.h"
 #include "ui/busybar.h"
 #include "ui/elidedlabel.h"
 #include "ui/itemfacts.h"
 #include "ui/itemicon.h"
+#include "ui/itemlook.h"
 #include "ui/keepplace.h"
 #include "ui/named.h"
 #include "ui/profilebutton.h"
@@ -17,9 +19,11 @@
 #include "ui/statuspill.h"
 
 #include <QBoxLayout>
+#include <QFileInfo>
 #include <QGridLayout>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMouseEvent>
 #include <QPointer>
 #include <QPushButton>
 
@@ -38,9 +42,10 @@ constexpr qreal itemNameScale = 1.35;
 
 } // namespace
 
-ItemHeader::ItemHeader(MainWinController &document, QWidget *parent)
+ItemHeader::ItemHeader(MainWinController &document, const ItemLook &look, QWidget *parent)
     : QWidget(parent)
     , m_document(document)
+    , m_look(look)
     , m_icon(named(new QLabel(this), u"itemIcon"_s, tr("Icon of the item")))
     , m_statusWord(new StatusPill(this))
     , m_progressText(named(new ElidedLabel(this), u"progressText"_s, tr("What is going on")))
@@ -56,6 +61,8 @@ ItemHeader::ItemHeader(MainWinController &document, QWidget *parent)
              &document.appletNameField, &document.identitiesPopup, &document.createDiskImageCheckbox,
              &document.dontSignEnclosuresCheckbox, &document.submitAppButton})
         connect(control, &Control::changed, this, &ItemHeader::showItem);
+    connect(&look, &ItemLook::ended, this, &ItemHeader::heedLook);
+    connect(&document.progressIndicator, &Control::changed, this, &ItemHeader::offerChoice);
     showItem();
 }
 
@@ -85,6 +92,28 @@ void ItemHeader::showItem()
     m_icon->setPixmap(itemicon::pictureOf(m_document.host().files, path, side));
     survey(path);
     showFacts();
+    offerChoice();
+}
+
+bool ItemHeader::isWithoutItem() const
+{
+    return m_document.appletNameField.stringValue().isEmpty() && m_document.submitAppButton.isEnabled();
+}
+
+/// The empty place of the item is a way to choose one.
+void ItemHeader::offerChoice()
+{
+    m_icon->setCursor(isWithoutItem() ? Qt::PointingHandCursor : Qt::ArrowCursor);
+    m_icon->setToolTip(isWithoutItem() ? tr("Chooses an item, and submits it") : QString());
+}
+
+void ItemHeader::mouseReleaseEvent(QMouseEvent *event)
+{
+    const bool isOnIcon = m_icon->geometry().contains(event->position().toPoint());
+    if (event->button() == Qt::LeftButton && isOnIcon && isWithoutItem())
+        m_document.perform(m_document.submitAppButton.action());
+    else
+        QWidget::mouseReleaseEvent(event);
 }
 
 void ItemHeader::showFacts()
@@ -98,25 +127,46 @@ void ItemHeader::showFacts()
     m_facts->setToolTip(m_facts->text());
 }
 
-/// On a worker: the walk takes its time, and the item is on show meanwhile.
+/// A look at a bundle finds all of this out too. Where nothing looks, or it cannot, the bundle is walked.
 void ItemHeader::survey(const QString &path)
 {
     if (path == m_surveyed)
         return;
     m_surveyed = path;
     m_survey = {};
-    if (path.isEmpty())
+    if (!isBundleKind(itemKind(path)))
+        m_survey.bytes = QFileInfo(path).size();
+    else if (!m_look.isPossible())
+        walk();
+}
+
+void ItemHeader::heedLook(const QJsonObject &examination)
+{
+    if (!isBundleKind(itemKind(m_surveyed)) || m_look.item() != m_surveyed)
         return;
+    if (!examination.isEmpty())
+        take(surveyIn(examination));
+    else if (m_survey == ItemSurvey())
+        walk();
+}
+
+/// On a worker: the walk takes its time, and the item is on show meanwhile.
+void ItemHeader::walk()
+{
     const platform::Host &host = m_document.host();
-    host.workers.post([&host, path, header = QPointer(this)] {
+    host.workers.post([&host, path = m_surveyed, header = QPointer(this)] {
         const ItemSurvey survey = surveyOf(host.files, path);
         host.mainQueue.post([header, path, survey] {
-            if (!header || header->m_surveyed != path)
-                return;
-            header->m_survey = survey;
-            header->showFacts();
+            if (header && header->m_surveyed == path)
+                header->take(survey);
         });
     });
+}
+
+void ItemHeader::take(const ItemSurvey &survey)
+{
+    m_survey = survey;
+    showFacts();
 }
 
 void ItemHeader::setStatusWord(const QString &word)

@@ -12,6 +12,7 @@ namespace sealwright {
 
 class BusyBar;
 class ElidedLabel;
+class ItemLook;
 class MainWinController;
 
 /// What a document is about and how far it has come: the item's icon, name and facts, what it is about to
@@ -20,12 +21,13 @@ class ItemHeader : public QWidget {
     Q_OBJECT
 
 public:
-    explicit ItemHeader(MainWinController &document, QWidget *parent = nullptr);
+    ItemHeader(MainWinController &document, const ItemLook &look, QWidget *parent = nullptr);
 
     void setStatusWord(const QString &word);
 
 protected:
     void resizeEvent(QResizeEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
 
 private:
     QWidget *makeItemName();
@@ -34,10 +36,16 @@ private:
     QPushButton *makeCancelButton();
     QWidget *makeLines();
     void showItem();
+    bool isWithoutItem() const;
+    void offerChoice();
     void showFacts();
     void survey(const QString &path);
+    void walk();
+    void heedLook(const QJsonObject &examination);
+    void take(const ItemSurvey &survey);
 
     MainWinController &m_document;
+    const ItemLook &m_look;
     QLabel *m_icon;
     QLabel *m_statusWord;
     ElidedLabel *m_progressText;

@@ -26,30 +26,6 @@ quint32 lengthAt(const QByteArray &bytes, qsizetype offset)
     return qFromBigEndian<quint32>(bytes.constData() + offset + 4);
 }
 
-/// A sheet of paper's worth of colour with the kind written on it, for items that have no picture.
-QPixmap badgeOf(const QString &kind, int side)
-{
-    QPixmap picture(QSize(side, side) * qApp->devicePixelRatio());
-    picture.setDevicePixelRatio(qApp->devicePixelRatio());
-    picture.fill(Qt::transparent);
-    QPainter painter(&picture);
-    painter.setRenderHint(QPainter::Antialiasing);
-    const QPalette palette = QApplication::palette();
-    const QRectF square = QRectF(0, 0, side, side).adjusted(1, 1, -1, -1);
-    const bool isEmpty = kind.isEmpty();
-    painter.setPen(isEmpty ? QPen(theme::outline(palette), 1, Qt::DashLine) : QPen(Qt::NoPen));
-    if (!isEmpty)
-        painter.setBrush(theme::colourOf(theme::Meaning::underway, palette));
-    painter.drawRoundedRect(square, side * roundness, side * roundness);
-    QFont font = QApplication::font();
-    font.setBold(true);
-    font.setPixelSize(qMax(6, int(side * heightOfLetters)));
-    painter.setFont(font);
-    painter.setPen(palette.color(QPalette::Base));
-    painter.drawText(square, Qt::AlignCenter, kind.toUpper().left(mostLetters));
-    return picture;
-}
-
 QString iconFileOf(const platform::FileService &files, const QString &bundle)
 {
     QString name = platform::informationText(files, bundle, u"CFBundleIconFile"_s);
@@ -87,11 +63,34 @@ std::optional<QByteArray> itemicon::pictureIn(const QByteArray &icns)
     return largest;
 }
 
+QPixmap itemicon::pictureOfKind(const QString &kind, int side)
+{
+    QPixmap picture(QSize(side, side) * qApp->devicePixelRatio());
+    picture.setDevicePixelRatio(qApp->devicePixelRatio());
+    picture.fill(Qt::transparent);
+    QPainter painter(&picture);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QPalette palette = QApplication::palette();
+    const QRectF square = QRectF(0, 0, side, side).adjusted(1, 1, -1, -1);
+    const bool isEmpty = kind.isEmpty();
+    painter.setPen(isEmpty ? QPen(theme::outline(palette), 1, Qt::DashLine) : QPen(Qt::NoPen));
+    if (!isEmpty)
+        painter.setBrush(theme::colourOf(theme::Meaning::underway, palette));
+    painter.drawRoundedRect(square, side * roundness, side * roundness);
+    QFont font = QApplication::font();
+    font.setBold(true);
+    font.setPixelSize(qMax(6, int(side * heightOfLetters)));
+    painter.setFont(font);
+    painter.setPen(palette.color(QPalette::Base));
+    painter.drawText(square, Qt::AlignCenter, kind.toUpper().left(mostLetters));
+    return picture;
+}
+
 QPixmap itemicon::pictureOf(const platform::FileService &files, const QString &path, int side)
 {
     const auto picture = path.isEmpty() ? std::nullopt : ownPicture(files, path);
     if (!picture)
-        return badgeOf(itempath::lowerExtension(path), side);
+        return pictureOfKind(itempath::lowerExtension(path), side);
     const qreal ratio = qApp->devicePixelRatio();
     QPixmap scaled =
         picture->scaled(QSize(side, side) * ratio, Qt::KeepAspectRatio, Qt::SmoothTransformation);

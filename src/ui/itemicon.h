@@ -24,6 +24,10 @@ namespace itemicon {
 /// on a coloured square; an empty place for no path. Main thread; reads a file.
 [[nodiscard]] QPixmap pictureOf(const platform::FileService &files, const QString &path, int side);
 
+/// The name of a kind, which is its extension, on a coloured square so many points wide; an empty place for
+/// no kind. Main thread.
+[[nodiscard]] QPixmap pictureOfKind(const QString &kind, int side);
+
 } // namespace itemicon
 
 } // namespace sealwright

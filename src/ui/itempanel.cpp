@@ -1,13 +1,16 @@
 #include "ui/itempanel.h"
 
 #include "platform/itempath.h"
+#include "ui/itemkinds.h"
 #include "ui/shown.h"
 
 #include <QApplication>
 #include <QFileSystemModel>
+#include <QHeaderView>
 #include <QLineEdit>
 #include <QSortFilterProxyModel>
 #include <QSplitter>
+#include <QTreeView>
 
 using namespace Qt::StringLiterals;
 
@@ -15,8 +18,8 @@ namespace sealwright {
 
 namespace {
 
-constexpr int charactersAcross = 110;
-constexpr int linesDown = 28;
+constexpr int charactersAcross = 140;
+constexpr int linesDown = 34;
 const QString nameField = u"fileNameEdit"_s; // of a file dialog of Qt
 
 /// Leaves out the files of other types, and greys out what cannot be chosen all the same. A folder that
@@ -60,6 +63,7 @@ ItemPanel::ItemPanel(const platform::OpenPanel &panel, const QString &folder, QW
     , m_panel(panel)
 {
     setOption(DontUseNativeDialog);
+    setOption(DontUseCustomDirectoryIcons);
     setFileMode(panel.canChooseFiles ? ExistingFile : Directory);
     setProxyModel(new ChoosableItems([this](const QString &path) { return isChoosableFile(path); },
                                      [this](const QString &path) { return isEnabled(path); }, this));
@@ -69,8 +73,11 @@ ItemPanel::ItemPanel(const platform::OpenPanel &panel, const QString &folder, QW
         if (part)
             part->hide(); // there is one choice of what is on show
     }
+    setIconProvider(&ItemKinds::shared());
+    if (auto *const files = findChild<QTreeView *>(u"treeView"_s))
+        files->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
     if (auto *const columns = findChild<QSplitter *>(u"splitter"_s))
-        columns->setSizes({width() / 4, width() * 3 / 4});
+        columns->setSizes({width() / 5, width() * 4 / 5});
     connect(this, &QFileDialog::currentChanged, this, &ItemPanel::showName);
     connect(this, &QFileDialog::directoryEntered, this, [this](const QString &entered) {
         if (isChoosableFile(entered) && mayChoose(entered))

@@ -8,6 +8,8 @@
 
 #include <QDirIterator>
 #include <QFile>
+#include <QJsonArray>
+#include <QJsonObject>
 #include <QtEndian>
 
 using namespace Qt::StringLiterals;
@@ -127,6 +129,22 @@ ItemSurvey surveyOf(const platform::FileService &files, const QString &path)
     const QStringList nothingSkipped;
     ScanDecisions(files, nothingSkipped, places).parseDirectory(path);
     survey.places = qMax<qsizetype>(1, places.count());
+    return survey;
+}
+
+ItemSurvey surveyIn(const QJsonObject &examination)
+{
+    ItemSurvey survey;
+    survey.bytes = examination.value("size"_L1).toInteger();
+    if (!isBundleKind(itemKind(examination.value("item"_L1).toString())))
+        return survey;
+    for (const auto &value : examination.value("code"_L1).toArray()) {
+        const QJsonObject code = value.toObject();
+        survey.places += code.value("order"_L1).isDouble() ? 1 : 0;
+        if (code.value("path"_L1).toString() == "."_L1)
+            survey.architectures = code.value("architectures"_L1).toVariant().toStringList();
+    }
+    survey.places = qMax<qsizetype>(1, survey.places);
     return survey;
 }
 

@@ -3,6 +3,8 @@
 #include <QString>
 #include <QStringList>
 
+class QJsonObject;
+
 namespace platform {
 class FileService;
 }
@@ -21,6 +23,9 @@ struct ItemSurvey {
 /// Walks the item, and gives up beyond a number of files that no item has. Any thread but the main one: a
 /// large item takes seconds.
 [[nodiscard]] ItemSurvey surveyOf(const platform::FileService &files, const QString &path);
+
+/// The same out of a look at the item, in the form of docs/scripting.md with its `size`. Pure.
+[[nodiscard]] ItemSurvey surveyIn(const QJsonObject &examination);
 
 /// The architectures of Mach-O code by its first bytes, in the order of the file. Public document: Apple's
 /// <mach-o/loader.h>, <mach-o/fat.h> and <mach/machine.h>. Pure.

@@ -36,6 +36,7 @@ void KeychainWindow::present(const platform::Host &host, const QString &program)
     if (!window) {
         window = new KeychainWindow(host, program);
         window->setAttribute(Qt::WA_DeleteOnClose);
+        toplevel::placeOver(*window, QApplication::activeWindow());
     }
     toplevel::bringToFront(*window);
     window->activateWindow();

@@ -2,6 +2,7 @@
 
 #include "document/mainwincontroller.h"
 #include "ui/findbar.h"
+#include "ui/icons.h"
 #include "ui/logview.h"
 #include "ui/named.h"
 #include "ui/settingrows.h"
@@ -92,6 +93,8 @@ QWidget *LogPane::makeClearButton()
 {
     auto *const clear = named(new QToolButton(this), u"clearLogButton"_s, tr("Clear"));
     clear->setText(tr("Clear"));
+    clear->setIcon(icons::of(icons::Command::clear));
+    clear->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     clear->setToolTip(tr("Empties the log of this window, not the one in the item's folder"));
     clear->setFocusPolicy(Qt::TabFocus);
     connect(clear, &QToolButton::clicked, this, [this] { m_document.perform(Action::doClearStatus); });

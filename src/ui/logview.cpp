@@ -3,6 +3,7 @@
 #include "ui/outcome.h"
 #include "ui/theme.h"
 
+#include <QApplication>
 #include <QContextMenuEvent>
 #include <QFontDatabase>
 #include <QMenu>
@@ -20,6 +21,7 @@ namespace sealwright {
 namespace {
 
 constexpr qreal sizeAsDelivered = 12; // of the setting
+constexpr int marginOfHint = 24; // pixels, round what stands in an empty log
 constexpr qreal foldMargin = 8; // pixels, beside what says that there is more
 constexpr int meaningProperty = QTextFormat::UserProperty;
 constexpr int timeMeaning = 1;
@@ -124,8 +126,20 @@ void LogView::drawFold(QPainter &painter, const QTextBlock &head) const
     painter.drawText(place, Qt::AlignCenter, textOfFold(head));
 }
 
+/// In the middle: at the edge it would look like a line of the log.
+void LogView::drawHint()
+{
+    QPainter painter(viewport());
+    painter.setFont(QApplication::font(this));
+    painter.setPen(palette().color(QPalette::PlaceholderText));
+    const QRect room = viewport()->rect().adjusted(marginOfHint, marginOfHint, -marginOfHint, -marginOfHint);
+    painter.drawText(room, Qt::AlignCenter | Qt::TextWordWrap, placeholderText());
+}
+
 void LogView::paintEvent(QPaintEvent *event)
 {
+    if (document()->isEmpty())
+        return drawHint();
     QPlainTextEdit::paintEvent(event);
     QPainter painter(viewport());
     painter.setRenderHint(QPainter::Antialiasing);
@@ -203,7 +217,10 @@ void LogView::revealCursor()
 /// Painting waits until what is hidden has been laid out for the new width.
 void LogView::resizeEvent(QResizeEvent *event)
 {
+    const bool wasAtEnd = verticalScrollBar()->value() == verticalScrollBar()->maximum();
     QPlainTextEdit::resizeEvent(event);
+    if (wasAtEnd) // what a banner takes of the room is not the latest line
+        scrollToEndSoon();
     if (event->size().width() == event->oldSize().width())
         return;
     m_folds.layHiddenAnew();

@@ -49,6 +49,7 @@ private:
     void scrollToEndSoon();
     QRectF placeOfFold(const QTextBlock &head) const;
     static QString textOfFold(const QTextBlock &head);
+    void drawHint();
     void drawFold(QPainter &painter, const QTextBlock &head) const;
     QTextBlock foldAt(QPointF position) const;
     QTextCharFormat formatFor(const LogText::Run &run) const;

@@ -20,12 +20,15 @@ using namespace Qt::StringLiterals;
 
 namespace sealwright {
 
+using icons::Command;
+
 namespace {
 
 constexpr int charactersAcross = 84; // of a page
 constexpr int titleBarHeight = 40; // about what a desktop adds on top
 constexpr int sparedLines = 2; // for what comes up below a field
-constexpr int rowPadding = 10; // pixels added to the height of a row of the list
+constexpr int rowPadding = 5; // pixels round a row of the list
+constexpr int spacing = 3; // pixels, between two of them
 
 } // namespace
 
@@ -39,6 +42,7 @@ void PreferencesWindow::present(platform::Preferences &preferences, const Keycha
     if (!window) {
         window = new PreferencesWindow(preferences, keychain);
         window->setAttribute(Qt::WA_DeleteOnClose);
+        toplevel::placeOver(*window, QApplication::activeWindow());
     }
     toplevel::bringToFront(*window);
     window->activateWindow();
@@ -52,10 +56,13 @@ PreferencesWindow::PreferencesWindow(platform::Preferences &preferences,
     , m_pages(new QStackedWidget(this))
 {
     setWindowTitle(tr("Settings"));
-    addPage(tr("Signing"), &PreferencesWindow::addSigning);
-    addPage(tr("Notarization"), &PreferencesWindow::addNotarization);
-    addPage(tr("Log"), &PreferencesWindow::addLog);
-    addPage(tr("Tools"), &PreferencesWindow::addTools);
+    const int picture = style()->pixelMetric(QStyle::PM_SmallIconSize, nullptr, this);
+    m_list->setIconSize({picture, picture});
+    m_list->setSpacing(spacing);
+    addPage(tr("Signing"), Command::sign, &PreferencesWindow::addSigning);
+    addPage(tr("Notarization"), Command::submit, &PreferencesWindow::addNotarization);
+    addPage(tr("Log"), Command::selectAll, &PreferencesWindow::addLog);
+    addPage(tr("Tools"), Command::settings, &PreferencesWindow::addTools);
     connect(m_list, &QListWidget::currentRowChanged, m_pages, &QStackedWidget::setCurrentIndex);
     showPage(Page::signing);
     arrange();
@@ -90,7 +97,7 @@ void PreferencesWindow::arrange()
     columns->addWidget(m_list);
     columns->addWidget(m_pages, 1);
     m_list->setFrameShape(QFrame::NoFrame);
-    m_list->setFixedWidth(m_list->sizeHintForColumn(0) + 2 * m_list->fontMetrics().averageCharWidth());
+    m_list->setFixedWidth(m_list->sizeHintForColumn(0) + 2 * m_list->spacing());
     const int pageWidth = fontMetrics().averageCharWidth() * charactersAcross;
     int height = 0;
     for (auto *const scroll : m_pages->findChildren<QScrollArea *>(Qt::FindDirectChildrenOnly))
@@ -99,11 +106,12 @@ void PreferencesWindow::arrange()
     resize(wanted.boundedTo(screen()->availableSize() - QSize(0, titleBarHeight)));
 }
 
-void PreferencesWindow::addPage(const QString &title, void (PreferencesWindow::*fill)(SettingsSection &))
+void PreferencesWindow::addPage(const QString &title, icons::Command picture,
+                                void (PreferencesWindow::*fill)(SettingsSection &))
 {
-    auto *const item = new QListWidgetItem(title, m_list);
-    item->setSizeHint(QSize(m_list->fontMetrics().horizontalAdvance(title) + 2 * rowPadding,
-                            m_list->fontMetrics().height() + rowPadding));
+    auto *const item = new QListWidgetItem(icons::of(picture), title, m_list);
+    const int width = m_list->iconSize().width() + m_list->fontMetrics().horizontalAdvance(title);
+    item->setSizeHint(QSize(width + 4 * rowPadding, m_list->fontMetrics().height() + 2 * rowPadding));
     auto *const scroll = new QScrollArea(m_pages);
     scroll->setFrameShape(QFrame::NoFrame);
     scroll->setWidgetResizable(true);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/keychaintools.h"
+#include "ui/icons.h"
 
 #include <QWidget>
 
@@ -43,7 +44,8 @@ protected:
     void closeEvent(QCloseEvent *event) override;
 
 private:
-    void addPage(const QString &title, void (PreferencesWindow::*fill)(SettingsSection &));
+    void addPage(const QString &title, icons::Command picture,
+                 void (PreferencesWindow::*fill)(SettingsSection &));
     void addSigning(SettingsSection &section);
     void addNotarization(SettingsSection &section);
     void addLog(SettingsSection &section);

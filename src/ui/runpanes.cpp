@@ -5,10 +5,10 @@
 
 namespace sealwright {
 
-RunPanes::RunPanes(MainWinController &document, QWidget *parent)
+RunPanes::RunPanes(MainWinController &document, const ItemLook &look, QWidget *parent)
     : QSplitter(Qt::Horizontal, parent)
     , m_log(new LogPane(document, this))
-    , m_side(new SidePane(document, this))
+    , m_side(new SidePane(document, look, this))
 {
     setChildrenCollapsible(false);
     addWidget(m_log);

@@ -5,6 +5,7 @@
 
 namespace sealwright {
 
+class ItemLook;
 class LogPane;
 class MainWinController;
 class SidePane;
@@ -15,7 +16,7 @@ class RunPanes : public QSplitter {
     Q_OBJECT
 
 public:
-    explicit RunPanes(MainWinController &document, QWidget *parent = nullptr);
+    RunPanes(MainWinController &document, const ItemLook &look, QWidget *parent = nullptr);
 
     LogPane &log() const { return *m_log; }
 

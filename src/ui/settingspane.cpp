@@ -7,6 +7,7 @@
 #include "ui/toplevel.h"
 
 #include <QBoxLayout>
+#include <QEvent>
 
 namespace sealwright {
 
@@ -45,6 +46,14 @@ QSize SettingsPane::sizeHint() const
 QSize SettingsPane::minimumSizeHint() const
 {
     return {0, leastVisibleRows * fontMetrics().lineSpacing()};
+}
+
+/// What comes up below a field makes the whole higher.
+bool SettingsPane::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == widget() && event->type() == QEvent::LayoutRequest)
+        updateGeometry();
+    return QScrollArea::eventFilter(watched, event);
 }
 
 void SettingsPane::resizeEvent(QResizeEvent *event)

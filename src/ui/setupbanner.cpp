@@ -18,6 +18,8 @@ using namespace Qt::StringLiterals;
 
 namespace sealwright {
 
+using icons::Command;
+
 namespace {
 
 constexpr int edge = 6; // pixels between the frame and what stands in it
@@ -43,11 +45,11 @@ SetupBanner::SetupBanner(MainWinController &document, QWidget *parent)
     words->addWidget(text);
     auto *const row = new BannerRow(*this, words);
     layout()->setContentsMargins(2 * edge, edge, edge, edge);
-    addButton(*row, u"setupPractice"_s, tr("Practise on This Machine…"),
+    addButton(*row, u"setupPractice"_s, tr("Practise on This Machine…"), Command::setUp,
               [this] { Q_EMIT wanted(SetupRoad::practice); });
-    addButton(*row, u"setupDeveloperID"_s, tr("Use My Developer ID…"),
+    addButton(*row, u"setupDeveloperID"_s, tr("Use My Developer ID…"), Command::keychain,
               [this] { Q_EMIT wanted(SetupRoad::developerID); });
-    addButton(*row, u"setupNotNow"_s, tr("Not Now"), [this] { dismiss(); });
+    addButton(*row, u"setupNotNow"_s, tr("Not Now"), Command::close, [this] { dismiss(); });
     colour();
     setVisible(isNeeded());
 }
@@ -60,10 +62,11 @@ bool SetupBanner::isNeeded() const
         && !m_document.host().preferences.boolean(setupDismissed);
 }
 
-void SetupBanner::addButton(BannerRow &row, const QString &name, const QString &title,
+void SetupBanner::addButton(BannerRow &row, const QString &name, const QString &title, Command picture,
                             std::function<void()> press)
 {
     auto *const button = named(new QPushButton(title, this), name, title);
+    button->setIcon(icons::of(picture));
     button->setAutoDefault(false);
     connect(button, &QPushButton::clicked, this, std::move(press));
     row.addButton(*button);

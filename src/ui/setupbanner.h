@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ui/icons.h"
+
 #include <QFrame>
 
 #include <functional>
@@ -28,7 +30,8 @@ protected:
 
 private:
     bool isNeeded() const;
-    void addButton(BannerRow &row, const QString &name, const QString &title, std::function<void()> press);
+    void addButton(BannerRow &row, const QString &name, const QString &title, icons::Command picture,
+                   std::function<void()> press);
     void colour();
     void dismiss();
 

@@ -142,8 +142,8 @@ QWidget *SetupDialog::makeDeveloperID()
     rows->addWidget(import);
     rows->addWidget(m_identityState);
     rows->addWidget(makeText(page,
-                             tr("<b>2. Key or password</b> for Apple's notary service, which takes keys "
-                                "only by now")));
+                             tr("<b>2. Key or password</b> of the notary service: Apple's takes API keys "
+                                "only")));
     rows->addWidget(makeCredentialForms(page));
     rows->addWidget(m_credentialState);
     statetext::put(*m_credentialState, {}, theme::Meaning::quiet);

@@ -1,12 +1,18 @@
 #include "ui/sheetbackdrop.h"
 
+#include "ui/theme.h"
+
 #include <QDialog>
 #include <QFrame>
 #include <QGridLayout>
 #include <QKeyEvent>
+#include <QLabel>
+#include <QMessageBox>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPushButton>
+
+using namespace Qt::StringLiterals;
 
 namespace sealwright {
 
@@ -14,6 +20,7 @@ namespace {
 
 constexpr QColor dim(0, 0, 0, 110);
 constexpr int margin = 12; // between the frame of a sheet and the edge of its page, pixels
+constexpr qreal radius = 8; // pixels, of a corner of a sheet
 
 bool takesTab(const QWidget &widget)
 {
@@ -39,14 +46,43 @@ public:
     explicit SheetFrame(QWidget *parent)
         : QFrame(parent)
     {
-        setFrameShape(QFrame::StyledPanel);
-        setAutoFillBackground(true);
         setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Maximum);
         auto *const layout = new QGridLayout(this);
         layout->setContentsMargins(0, 0, 0, 0);
+        layout->setSpacing(0);
+    }
+
+    void setWantedSize(QSize size)
+    {
+        m_wanted = size;
+        setMaximumSize(size);
+    }
+
+    QSize sizeHint() const override { return m_wanted.isValid() ? m_wanted : QFrame::sizeHint(); }
+
+    void addTitle(const QString &text)
+    {
+        auto *const title = new QLabel(text, this);
+        title->setObjectName(u"sheetTitle"_s);
+        title->setTextFormat(Qt::PlainText);
+        title->setWordWrap(true);
+        title->setContentsMargins(margin, margin, margin, 0);
+        QFont font = title->font();
+        font.setBold(true);
+        title->setFont(font);
+        static_cast<QGridLayout *>(layout())->addWidget(title, 0, 0);
     }
 
 protected:
+    void paintEvent(QPaintEvent *) override
+    {
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(theme::outline(palette()));
+        painter.setBrush(palette().window());
+        painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), radius, radius);
+    }
+
     bool focusNextPrevChild(bool next) override
     {
         QWidget *const focused = window()->focusWidget();
@@ -55,6 +91,9 @@ protected:
             part->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
         return true;
     }
+
+private:
+    QSize m_wanted; ///< of a dialog that has been given one
 };
 
 QWidget *defaultButton(const QDialog &dialog)
@@ -64,6 +103,12 @@ QWidget *defaultButton(const QDialog &dialog)
             return button;
     }
     return nullptr;
+}
+
+/// An alert says in its text what it is about.
+bool hasTitleOnly(const QDialog &dialog)
+{
+    return !dialog.windowTitle().isEmpty() && !qobject_cast<const QMessageBox *>(&dialog);
 }
 
 bool hasFields(QDialog &dialog)
@@ -95,8 +140,10 @@ void SheetBackdrop::hold(QDialog &dialog)
     dialog.setParent(frame, Qt::Widget);
     dialog.setAttribute(Qt::WA_Moved); // or it would look for a place on the screen
     if (wanted.isValid() && dialog.testAttribute(Qt::WA_Resized))
-        frame->setMaximumSize(wanted.expandedTo(dialog.minimumSizeHint()));
-    static_cast<QGridLayout *>(frame->layout())->addWidget(&dialog, 0, 0);
+        frame->setWantedSize(wanted.expandedTo(dialog.minimumSizeHint()));
+    if (hasTitleOnly(dialog))
+        frame->addTitle(dialog.windowTitle());
+    static_cast<QGridLayout *>(frame->layout())->addWidget(&dialog, 1, 0);
     static_cast<QGridLayout *>(m_room->layout())->addWidget(frame, 0, 0, Qt::AlignCenter);
     frame->show();
     dialog.show();

@@ -1,6 +1,7 @@
 #include "ui/toplevel.h"
 
 #include <QApplication>
+#include <QScreen>
 #include <QScrollArea>
 #include <QShortcut>
 #include <QWheelEvent>
@@ -46,6 +47,17 @@ void toplevel::bringToFront(QWidget &window)
     window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
     window.show();
     window.raise();
+}
+
+void toplevel::placeOver(QWidget &window, const QWidget *owner)
+{
+    if (!owner)
+        return;
+    QRect place(QPoint(), window.size());
+    place.moveCenter(owner->window()->frameGeometry().center());
+    const QRect screen = owner->screen()->availableGeometry();
+    window.move(qMax(screen.left(), qMin(place.left(), screen.right() - place.width())),
+                qMax(screen.top(), qMin(place.top(), screen.bottom() - place.height())));
 }
 
 void toplevel::closeByKeys(QWidget &window)

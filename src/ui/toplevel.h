@@ -11,6 +11,9 @@ namespace toplevel {
 /// Brings a window on screen, in front of the others, also one that has been put away.
 void bringToFront(QWidget &window);
 
+/// Puts a window that is not on screen yet over the middle of another; null leaves its place to the desktop.
+void placeOver(QWidget &window, const QWidget *owner);
+
 /// Closes a window by Escape and by the desktop's key for it.
 void closeByKeys(QWidget &window);
 

@@ -3,6 +3,7 @@
 #include "document/applicationinterface.h"
 #include "document/mainwincontroller.h"
 #include "platform/itempath.h"
+#include "ui/icons.h"
 #include "ui/named.h"
 
 #include <QBoxLayout>
@@ -59,20 +60,23 @@ WaitingBanner::WaitingBanner(MainWinController &document, QWidget *parent)
     auto *const row = new QHBoxLayout(this);
     row->setContentsMargins(row->spacing(), row->spacing() / 2, row->spacing(), row->spacing() / 2);
     row->addWidget(m_text, 1);
-    addButton(*row, u"waitingGoOn"_s, tr("Go On Waiting"), &WaitingBanner::goOn);
-    addButton(*row, u"waitingDismiss"_s, tr("Not Now"), &WaitingBanner::dismiss);
+    addButton(*row, u"waitingGoOn"_s, tr("Go On Waiting"), &WaitingBanner::goOn)
+        .setIcon(icons::of(icons::Command::goOnWaiting));
+    addButton(*row, u"waitingDismiss"_s, tr("Not Now"), &WaitingBanner::dismiss)
+        .setIcon(icons::of(icons::Command::close));
     connect(&document.appDelegate().unattendedWaits, &Observable::changed, this, &WaitingBanner::follow);
     connect(&document.stepList, &Observable::changed, this, &WaitingBanner::follow);
     follow();
 }
 
-void WaitingBanner::addButton(QBoxLayout &row, const QString &name, const QString &title,
-                              void (WaitingBanner::*press)())
+QPushButton &WaitingBanner::addButton(QBoxLayout &row, const QString &name, const QString &title,
+                                      void (WaitingBanner::*press)())
 {
     auto *const button = named(new QPushButton(title, this), name, title);
     button->setAutoDefault(false);
     connect(button, &QPushButton::clicked, this, press);
     row.addWidget(button);
+    return *button;
 }
 
 void WaitingBanner::follow()

@@ -4,6 +4,7 @@
 
 class QBoxLayout;
 class QLabel;
+class QPushButton;
 
 namespace sealwright {
 
@@ -18,8 +19,8 @@ public:
     explicit WaitingBanner(MainWinController &document, QWidget *parent = nullptr);
 
 private:
-    void addButton(QBoxLayout &row, const QString &name, const QString &title,
-                   void (WaitingBanner::*press)());
+    QPushButton &addButton(QBoxLayout &row, const QString &name, const QString &title,
+                           void (WaitingBanner::*press)());
     void follow();
     void goOn();
     void dismiss();

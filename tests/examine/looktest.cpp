@@ -370,3 +370,15 @@ TEST(AComparison, ofWhatCannotBeReadIsNone)
         EXPECT_TRUE(ended.error.contains("cannot be read")) << ended.error.constData();
     }
 }
+
+TEST(ALook, tellsTheSizeOfTheItemWhereItIsAskedTo)
+{
+    ItemMaker item;
+    item.file(u"Contents/Resources/large"_s, QByteArray(100'000, 'x'));
+    const auto sizeFor = [&](const QString &choices) {
+        const Ended ended = run({u"--choices"_s, choices, item.item()});
+        return QJsonDocument::fromJson(ended.output).object().value("size"_L1);
+    };
+    EXPECT_GT(sizeFor(u"{\"countsSize\": true}"_s).toInteger(), 100'000);
+    EXPECT_TRUE(sizeFor(u"{}"_s).isUndefined());
+}

@@ -5,6 +5,7 @@
 #include "document/mainwincontroller.h"
 #include "support/items.h"
 #include "ui/examinepane.h"
+#include "ui/itemlook.h"
 #include "ui/panelchoice.h"
 
 #include <QAction>
@@ -41,12 +42,14 @@ const QByteArray examination = R"({"item": "/items/Foo.app", "kind": "app", "ref
 class TheExaminePage : public WindowTest {
 protected:
     TheExaminePage()
-        : pane(host.document())
+        : look(host.document())
+        , pane(host.document(), look)
     {
         pane.setExamination(QJsonDocument::fromJson(examination).object());
         tree = pane.findChild<QTreeWidget *>(u"examineTree"_s);
     }
 
+    ItemLook look;
     ExaminePane pane;
     QTreeWidget *tree = nullptr;
 };

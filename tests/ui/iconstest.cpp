@@ -3,6 +3,7 @@
 #include "support/items.h"
 #include "windowtest.h"
 
+#include <QAbstractButton>
 #include <QAction>
 #include <QImage>
 #include <QTemporaryDir>
@@ -99,4 +100,14 @@ TEST_F(WindowTest, commandsHaveTheirPicturesInTheMenus)
     for (const QAction *const action : widget().findChildren<QAction *>())
         pictures += action->icon().isNull() ? 0 : 1;
     EXPECT_GE(pictures, 25);
+}
+
+TEST_F(WindowTest, buttonsOfToolsAndBannersHaveTheirPicturesToo)
+{
+    for (const QString &name :
+         {u"clearLogButton"_s, u"findPreviousButton"_s, u"findNextButton"_s, u"findDoneButton"_s,
+          u"outcomeShowInFolder"_s, u"outcomeCopyIdentifier"_s, u"outcomeGoOnWaiting"_s, u"outcomeTryAgain"_s,
+          u"outcomeNewDocument"_s, u"setupPractice"_s, u"setupDeveloperID"_s, u"setupNotNow"_s,
+          u"waitingGoOn"_s, u"waitingDismiss"_s})
+        EXPECT_FALSE(part<QAbstractButton>(name).icon().isNull()) << name.toStdString();
 }

@@ -1,3 +1,4 @@
+#include "ui/itempanel.h"
 #include "windowtest.h"
 
 #include "support/items.h"
@@ -81,4 +82,19 @@ TEST_F(ItemHeaderTest, theFocusOfANewTabIsWhereOneTypes)
     const auto *const edit = qobject_cast<QLineEdit *>(QApplication::focusWidget());
     ASSERT_TRUE(edit);
     EXPECT_FALSE(edit->isReadOnly());
+}
+
+TEST_F(ItemHeaderTest, theEmptyPlaceOfTheItemIsAWayToChooseOne)
+{
+    auto &icon = part<QLabel>(u"itemIcon"_s);
+    EXPECT_EQ(icon.cursor().shape(), Qt::PointingHandCursor);
+    QTest::mouseClick(&icon, Qt::LeftButton);
+    until([this] { return page().findChild<ItemPanel *>(); });
+    page().findChild<ItemPanel *>()->reject();
+    until([this] { return !page().findChild<ItemPanel *>(); });
+    document().appletNameField.setStringValue(u"Foo.app"_s);
+    EXPECT_EQ(icon.cursor().shape(), Qt::ArrowCursor);
+    QTest::mouseClick(&icon, Qt::LeftButton);
+    EXPECT_FALSE(page().findChild<ItemPanel *>());
+    document().appletNameField.setStringValue({});
 }

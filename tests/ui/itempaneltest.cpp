@@ -1,9 +1,12 @@
 #include "ui/itempanel.h"
+#include "ui/itemkinds.h"
+#include "ui/sheets.h"
 
 #include "document/mainwincontroller.h"
 #include "platform/itempath.h"
 #include "support/items.h"
 
+#include <QLabel>
 #include <QLineEdit>
 #include <QListView>
 #include <QSortFilterProxyModel>
@@ -236,4 +239,35 @@ TEST_F(ItemPanelTest, aCancelledPanelHasNoItem)
     QTest::keyClick(&panel, Qt::Key_Escape);
     EXPECT_FALSE(panel.isVisible());
     EXPECT_TRUE(panel.chosenItem().isEmpty());
+}
+
+TEST_F(ItemPanelTest, bundlesAndPackagesAreShownAsWhatTheyAre)
+{
+    const ItemKinds kinds;
+    EXPECT_EQ(kinds.type(QFileInfo(path(u"Foo.app"_s))), u"Application"_s);
+    EXPECT_EQ(kinds.type(QFileInfo(path(u"Installer.pkg"_s))), u"Installer package"_s);
+    EXPECT_NE(kinds.type(QFileInfo(path(u"Folder"_s))), u"Application"_s);
+    items::makeFolder(path(u"Folder.dmg"_s));
+    EXPECT_NE(kinds.type(QFileInfo(path(u"Folder.dmg"_s))), u"Disk image"_s)
+        << "a name alone does not make one";
+    const auto picture = [&](const QString &name) {
+        return kinds.icon(QFileInfo(path(name))).pixmap(32).toImage();
+    };
+    EXPECT_NE(picture(u"Foo.app"_s), picture(u"Installer.pkg"_s));
+    EXPECT_NE(picture(u"Foo.app"_s), picture(u"Folder"_s));
+    EXPECT_EQ(picture(u"Folder.dmg"_s), picture(u"Folder"_s));
+}
+
+TEST_F(ItemPanelTest, asASheetSaysWhatItAsksFor)
+{
+    QWidget page;
+    page.resize(1000, 700);
+    page.show();
+    Sheets sheets(page);
+    sheets.begin(new ItemPanel(itemsToSubmit(), path({}), &page), [] {});
+    const auto *const title = page.findChild<QLabel *>(u"sheetTitle"_s);
+    ASSERT_TRUE(title);
+    EXPECT_EQ(title->text(), u"Choose an item"_s);
+    EXPECT_TRUE(title->isVisible());
+    sheets.drop();
 }

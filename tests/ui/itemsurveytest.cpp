@@ -7,7 +7,11 @@
 #include "support/items.h"
 #include "windowtest.h"
 
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonObject>
 #include <QLabel>
+#include <QTreeWidget>
 
 using namespace Qt::StringLiterals;
 
@@ -90,4 +94,83 @@ TEST_F(SurveyOfAnItem, standsBesideTheNameOfTheItem)
         << facts().toStdString();
     document().dontSignEnclosuresCheckbox.setState(1);
     EXPECT_FALSE(facts().contains(u"places"_s)) << "the main item alone";
+}
+
+namespace {
+
+/// A window with a program that looks at items and tells more of them than is so, or fails.
+class OneLookAtAnItem : public testing::Test {
+protected:
+    void open(const QByteArray &script)
+    {
+        items::makeBundle(host.item(u"Foo.app"_s));
+        items::makeFile(host.item(u"Foo.app/Contents/MacOS/Foo"_s), both, true);
+        items::makeFile(host.item(u"examine"_s), "#!/bin/sh\n" + script, true);
+        host.configuration.examineProgram = host.item(u"examine"_s);
+        host.applicationHost.otherWindows = [this] { return order.frontToBack(); };
+        host.takeConfiguration();
+        host.launch();
+        host.document().originalAppletURL.set(QUrl::fromLocalFile(host.item(u"Foo.app"_s)));
+        host.document().appletNameField.setStringValue(u"Foo.app"_s);
+    }
+    ~OneLookAtAnItem() override
+    {
+        host.settle();
+        while (!host.application().allControllers().isEmpty())
+            host.document().window().close();
+    }
+    template <class Widget>
+    Widget &part(const QString &name)
+    {
+        return *dynamic_cast<WidgetWindow &>(host.document().window()).page().findChild<Widget *>(name);
+    }
+    QString facts() { return part<QLabel>(u"itemFacts"_s).text(); }
+    static void until(const std::function<bool()> &condition)
+    {
+        ASSERT_TRUE(QTest::qWaitFor(condition, 20'000)) << "waited in vain";
+    }
+
+    WindowOrder order;
+    LogPrinter printer;
+    WidgetWindowFactory factory{order, printer};
+    TestHost host{&factory};
+};
+
+} // namespace
+
+TEST_F(OneLookAtAnItem, servesTheHeaderAndTheFindings)
+{
+    open("echo once >> \"${0%/*}/looks\"\n"
+         "echo '{\"item\": \"'\"$4\"'\", \"size\": 7000000, \"refused\": false, \"findings\": [], \"code\": "
+         "['\n"
+         "echo '{\"path\": \".\", \"kind\": \"app\", \"order\": 2, \"architectures\": [\"i386\"]},'\n"
+         "echo '{\"path\": \"Contents/a\", \"kind\": \"library\", \"order\": 1, \"architectures\": "
+         "[\"arm64\"]}'\n"
+         "echo ']}'\n");
+    until([this] { return facts().contains(u"i386"_s); });
+    EXPECT_TRUE(facts().contains(u" · 7 MB · i386"_s)) << "what the look tells, " << facts().toStdString();
+    EXPECT_EQ(part<QTreeWidget>(u"examineTree"_s).topLevelItemCount(), 3);
+    QFile looks(host.item(u"looks"_s));
+    ASSERT_TRUE(looks.open(QIODevice::ReadOnly));
+    EXPECT_EQ(looks.readAll(), "once\n");
+}
+
+TEST_F(OneLookAtAnItem, thatFailsLeavesTheHeaderToAWalk)
+{
+    open("echo 'sealwright-examine: No.' >&2\nexit 4\n");
+    until([this] { return facts().contains(u"x86_64, arm64"_s); });
+    EXPECT_EQ(part<QLabel>(u"examineSummary"_s).text(), u"No."_s);
+}
+
+TEST(SurveyInALook, countsWhatIsSignedAndKnowsTheMainExecutable)
+{
+    const QJsonArray code{
+        QJsonObject{{u"path"_s, u"."_s}, {u"order"_s, 2}, {u"architectures"_s, QJsonArray{u"arm64"_s}}},
+        QJsonObject{{u"path"_s, u"a"_s}, {u"order"_s, 1}},
+        QJsonObject{{u"path"_s, u"b"_s}, {u"order"_s, QJsonValue::Null}}};
+    const QJsonObject look{{u"item"_s, u"/Foo.app"_s}, {u"size"_s, 12}, {u"code"_s, code}};
+    EXPECT_EQ(surveyIn(look), (ItemSurvey{12, {u"arm64"_s}, 2}));
+    EXPECT_EQ(surveyIn({{u"item"_s, u"/Foo.app"_s}}).places, 1) << "the item itself";
+    EXPECT_EQ(surveyIn({{u"item"_s, u"/Foo.pkg"_s}, {u"size"_s, 12}, {u"code"_s, code}}),
+              (ItemSurvey{12, {}, 0}));
 }

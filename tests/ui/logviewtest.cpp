@@ -149,3 +149,21 @@ TEST(LogView, aSelectionOfTheReaderStaysWhenALineComes)
     log.append(run(u"second\n"_s, LogStyle::plain));
     EXPECT_EQ(view.textCursor().selectedText(), u"first"_s);
 }
+
+TEST(LogView, theEndStaysInSightWhereTheViewBecomesSmaller)
+{
+    LogText log;
+    LogView view(log);
+    view.resize(300, 200);
+    view.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&view));
+    for (int line = 0; line < 50; ++line)
+        log.append(run(u"line\n"_s, LogStyle::plain));
+    ASSERT_TRUE(showsItsEnd(view));
+    view.resize(300, 90);
+    EXPECT_TRUE(showsItsEnd(view));
+    view.verticalScrollBar()->setValue(3);
+    view.resize(300, 120);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(view.verticalScrollBar()->value(), 3) << "who reads elsewhere goes on reading";
+}

@@ -208,3 +208,11 @@ TEST_F(ProgressOfARun, isTheUploadAsTheToolTellsIt)
     until([this] { return progressText().contains(u"340 of 900 MB"_s); });
     qunsetenv("SEALWRIGHT_UPLOAD_PROGRESS");
 }
+
+TEST_F(ProgressOfARun, hasNoCountdownInATitleWhereItWouldStandStill)
+{
+    FrameWindow &frame = *window().frameWindow();
+    document().stepList.begin(step::awaitResult);
+    document().stepList.pollIn(30, 0);
+    EXPECT_EQ(frame.windowHandle()->title(), u"Untitled – Waiting for Apple's verdict"_s);
+}

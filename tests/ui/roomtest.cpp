@@ -4,6 +4,7 @@
 #include "ui/dropoverlay.h"
 #include "ui/logview.h"
 #include "ui/outcomebanner.h"
+#include "ui/pageparts.h"
 #include "ui/runpanes.h"
 #include "ui/setupdialog.h"
 #include "ui/twopartrow.h"
@@ -234,4 +235,61 @@ TEST_F(Room, ofAReportOfManyLinesTheFirstIsTold)
     host.settle();
     const QString sentence = page().banner().outcome().sentence;
     EXPECT_TRUE(sentence.endsWith(u"the first line …"_s)) << sentence.toStdString();
+}
+
+namespace {
+
+/// Something over something else, of heights that it is told.
+class Parts : public testing::Test {
+protected:
+    class Wanting : public QWidget {
+    public:
+        QSize sizeHint() const override { return {100, wanted}; }
+        void want(int height)
+        {
+            wanted = height;
+            updateGeometry();
+        }
+        int wanted = 150;
+    };
+
+    Parts()
+    {
+        run->setMinimumHeight(50);
+        parts.resize(300, 400);
+        parts.show();
+        QCoreApplication::processEvents();
+    }
+
+    Wanting *const settings = new Wanting;
+    QWidget *const run = new QWidget;
+    PageParts parts{*settings, *run};
+};
+
+} // namespace
+
+TEST_F(Parts, giveTheSettingsWhatTheyWantAndTheRunTheRest)
+{
+    EXPECT_EQ(settings->height(), 150);
+    settings->want(200);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(settings->height(), 200) << "when more has come into them";
+    parts.resize(300, 220);
+    EXPECT_GE(run->height(), 50);
+    parts.resize(300, 400);
+    EXPECT_EQ(settings->height(), 200);
+}
+
+TEST_F(Parts, stayWhereAPersonHasPutTheDivider)
+{
+    QWidget &handle = *parts.handle(1);
+    const QPoint middle = handle.rect().center();
+    QTest::mousePress(&handle, Qt::LeftButton, {}, middle);
+    QTest::mouseMove(&handle, middle - QPoint(0, 60));
+    QTest::mouseRelease(&handle, Qt::LeftButton, {}, middle - QPoint(0, 60));
+    const int chosen = settings->height();
+    ASSERT_LT(chosen, 150);
+    settings->want(200);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(settings->height(), chosen);
 }
