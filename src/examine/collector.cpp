@@ -2,6 +2,7 @@
 
 #include "examine/rules.h"
 #include "formats/appledouble.h"
+#include "formats/review/containers.h"
 #include "formats/review/verifying.h"
 #include "platform/bundle.h"
 #include "platform/itempath.h"
@@ -16,6 +17,7 @@ namespace sealwright {
 
 using toolchain::review::CodeFacts;
 using toolchain::review::LinkTarget;
+using toolchain::review::Objection;
 using toolchain::review::WalkFile;
 using toolchain::review::WalkPlace;
 
@@ -85,6 +87,13 @@ bool isPlain(const QString &name)
 QString folded(const QString &name)
 {
     return name.normalized(QString::NormalizationForm_D).toCaseFolded();
+}
+
+QString ruleForContainer(Objection objection)
+{
+    if (objection == Objection::notDeveloperId)
+        return rule::notDeveloperId;
+    return objection == Objection::noTimestamp ? rule::noTimestamp : rule::signatureInvalid;
 }
 
 } // namespace
@@ -234,10 +243,19 @@ void Collector::unreadable(const WalkPlace &place, const QString &reason)
     find(rule::unreadable, Severity::error, place.path, reason);
 }
 
+/// An image or a package within the item has a signature of its own.
+void Collector::judgeContainer(const WalkFile &file)
+{
+    for (const Objection objection : toolchain::review::nestedFacts(file.place.file, m_store).objections)
+        find(ruleForContainer(objection), Severity::error, file.place.path, message(objection));
+}
+
 void Collector::enterArchive(const WalkFile &file)
 {
-    if (file.place.path != "."_L1)
+    if (file.place.path != "."_L1) {
         m_archives.append(file.place.path);
+        judgeContainer(file);
+    }
     CodeEntry entry;
     entry.path = file.place.path;
     entry.kind = u"archive"_s;

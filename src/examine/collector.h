@@ -36,6 +36,7 @@ private:
                                                       const QString &target) const;
     void addBundle(const toolchain::review::WalkPlace &place, const QString &kind, const QString &executable);
     void take(const toolchain::review::WalkFile &file);
+    void judgeContainer(const toolchain::review::WalkFile &file);
     void checkNames(const toolchain::review::WalkPlace &place, const QStringList &names);
     void checkCharacters(const toolchain::review::WalkPlace &place, const QStringList &names);
     void checkLength(const toolchain::review::WalkPlace &place);

@@ -16,20 +16,19 @@ trust = ssl.create_default_context(cafile=service["ca"])
 origin = service["api"].removesuffix("/notary/v2")
 
 
-def token(**changes):
+def token(headers={}, **changes):
     now = int(time.time())
     claims = {"iss": key["issuer_id"], "iat": now, "exp": now + 600, "aud": "appstoreconnect-v1"}
     claims.update(changes)
     signing = changes.pop("signing_key", key["private_key"])
     claims.pop("signing_key", None)
-    return jwt.encode(claims, signing, algorithm="ES256", headers={"kid": key["key_id"]})
+    return jwt.encode(claims, signing, algorithm="ES256", headers={"kid": key["key_id"], **headers})
 
 
-def call(path, body=None, bearer=None):
+def call(path, body=None, bearer=None, scheme="Bearer", type="application/json"):
     request = urllib.request.Request(service["api"] + path, method="POST" if body else "GET",
                                      data=json.dumps(body).encode() if body else None,
-                                     headers={"Authorization": "Bearer " + (bearer or token()),
-                                              "Content-Type": "application/json"})
+                                     headers={"Authorization": scheme + " " + (bearer or token()), "Content-Type": type})
     try:
         with urllib.request.urlopen(request, context=trust) as reply:
             return reply.status, json.load(reply)
@@ -47,6 +46,35 @@ def tokens():
     other = ec.generate_private_key(ec.SECP256R1())
     assert call("/submissions", bearer=token(signing_key=other))[0] == 401
     assert call("/submissions", bearer=token()[:-6] + "AAAAAA")[0] == 401
+    assert call("/submissions", bearer=token() + "==")[0] == 401  # base64url has no padding in a token
+    assert call("/submissions", bearer=token(headers={"crit": ["b64"], "b64": True}))[0] == 401
+    now = time.time()
+    assert call("/submissions", bearer=token(iat=now - 10.5, exp=now - 0.25 - 10.5))[0] == 401
+    assert call("/submissions", bearer=token(iat=now - 0.5, exp=now + 600.25))[0] in (200, 404)
+    assert call("/submissions", scheme="bearer")[0] in (200, 404)
+
+
+def mediaTypes():
+    form = {"submissionName": "a.zip", "sha256": "0" * 64}
+    for type in ("application/json", "Application/JSON", "application/json; charset=utf-8"):
+        assert call("/submissions", form, type=type)[0] == 200, type
+    for type in ("application/jsonx", "text/plain", "application/x-www-form-urlencoded"):
+        assert call("/submissions", form, type=type)[0] == 400, type
+
+
+def protocols():
+    """No older one than TLS 1.2."""
+    host, port = origin.removeprefix("https://").split(":")
+    for version, is_good in ((ssl.TLSVersion.TLSv1, False), (ssl.TLSVersion.TLSv1_1, False), (ssl.TLSVersion.TLSv1_2, True),
+                             (ssl.TLSVersion.TLSv1_3, True)):
+        context = ssl.create_default_context(cafile=service["ca"])
+        context.set_ciphers("ALL:@SECLEVEL=0")
+        context.minimum_version = context.maximum_version = version
+        try:
+            context.wrap_socket(socket.create_connection((host, int(port))), server_hostname=host).close()
+            assert is_good, version
+        except (ssl.SSLError, ConnectionError):
+            assert not is_good, version
 
 
 def begin(data, name):
@@ -76,6 +104,32 @@ def uploads():
     for _ in range(2):  # the same bytes may be put again
         storage(place).put_object(Bucket=place["bucket"], Key=place["object"], Body=data)
     assert call(f"/submissions/{identifier}")[1]["data"]["attributes"]["status"] == "In Progress"
+
+
+def whatIsNoPut():
+    """What asks the storage for anything else changes nothing of the object."""
+    data = b"PK\3\4" + os.urandom(3000)
+    identifier, place = begin(data, "alone.zip")
+    client = storage(place)
+    where = {"Bucket": place["bucket"], "Key": place["object"]}
+    client.put_object(**where, Body=data)
+    for ask in (lambda: client.put_object_tagging(**where, Tagging={"TagSet": []}),
+                lambda: client.put_object_acl(**where, ACL="private"),
+                lambda: client.copy_object(**where, CopySource="a/b"), lambda: client.get_object(**where),
+                lambda: client.head_object(**where), lambda: client.delete_object(**where)):
+        try:
+            ask()
+            raise SystemExit("the storage has done more than to store")
+        except ClientError as error:
+            assert error.response["ResponseMetadata"]["HTTPStatusCode"] in (405, 501), error
+    assert verdict(identifier) == ("Invalid", ["The archive is damaged: its end is missing."]), verdict(identifier)
+    address = call(f"/submissions/{identifier}/logs")[1]["data"]["attributes"]["developerLogUrl"]
+    for method in ("POST", "DELETE"):
+        try:
+            urllib.request.urlopen(urllib.request.Request(address, method=method), context=trust)
+            raise SystemExit("a log was more than read")
+        except urllib.error.HTTPError as error:
+            assert error.code == 405, error
 
 
 def multipart():
@@ -202,6 +256,6 @@ def webhook():
     server.shutdown()
 
 
-for partner in (tokens, uploads, multipart, underTheBucketsOwnHost, aLatePut, webhook):
+for partner in (tokens, mediaTypes, protocols, uploads, whatIsNoPut, multipart, underTheBucketsOwnHost, aLatePut, webhook):
     partner()
 print("all agreed")

@@ -5,6 +5,7 @@ sealwright_test(tst_notary
     notaryfixture.cpp notaryfixture.h
     toolfixture.cpp toolfixture.h
     relay.cpp relay.h
+    foreignrepliestest.cpp
     notaryfaultstest.cpp
     notaryservicetest.cpp
     notarywaystest.cpp

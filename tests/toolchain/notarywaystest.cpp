@@ -225,6 +225,16 @@ TEST_F(NotaryWays, theChoiceOfAServiceIsKeptAndTold)
     EXPECT_FALSE(uuidIn(upload(makeArchive())).isEmpty());
 }
 
+TEST_F(NotaryWays, theHelpOfAltoolSaysWhichServiceIsAsked)
+{
+    const auto help = [this] { return run(xcrun, {u"altool"_s, u"--help"_s}).output; };
+    EXPECT_TRUE(help().contains(u"\nThe notary service that is asked is that of this machine; "_s));
+    ASSERT_EQ(run(keychain, {u"use-notary"_s, u"apple"_s}).status, 0);
+    EXPECT_TRUE(help().contains(u"\nThe notary service that is asked is appstoreconnect.apple.com:443; "_s));
+    writeFile(serviceFile(), "[]");
+    EXPECT_TRUE(help().contains(u"\nThe notary service cannot be asked: "_s));
+}
+
 TEST_F(NotaryWays, whatIsNoChoiceOfAServiceChangesNothing)
 {
     const QByteArray before = readFile(serviceFile());

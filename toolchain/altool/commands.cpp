@@ -282,6 +282,17 @@ std::string argumentProblem(const ParsedArguments &arguments)
     return format == "normal" || format == "xml" ? "" : "unknown output format '" + format + "'";
 }
 
+/// Which service would be asked now.
+std::string serviceLine()
+{
+    const auto config = notary::readServiceConfig();
+    if (!config)
+        return "\nThe notary service cannot be asked: " + config.error().toStdString() + "\n";
+    const QString service = config->isLocal ? u"that of this machine"_s : notary::hostAndPort(config->api);
+    return "\nThe notary service that is asked is " + service.toStdString()
+        + "; sealwright-keychain use-notary chooses it.\n";
+}
+
 } // namespace
 
 std::string altoolHelp()
@@ -289,7 +300,7 @@ std::string altoolHelp()
     // The application that runs this tool reads the version out of such a line, so it stands on one.
     return "altool of Sealwright's toolchain. This is not Apple's program; it takes the arguments of\n"
            "altool, Copyright (c) 2009-2019, Apple Inc. Version "
-        + toolVersion().toStdString() + "\n\n" + std::string(usage) + std::string(details);
+        + toolVersion().toStdString() + "\n\n" + std::string(usage) + std::string(details) + serviceLine();
 }
 
 std::vector<Option> altoolOptions()

@@ -40,6 +40,13 @@ QJsonObject withMeta(const QJsonValue &data)
     return {{u"data"_s, data}, {u"meta"_s, QJsonObject()}};
 }
 
+/// The media type alone, which may be written in any case and have parameters (RFC 9110, section 8.3.1).
+bool isJson(const Request &request)
+{
+    const QByteArray type = request.headers.value("content-type").split(';').first();
+    return type.trimmed().toLower() == "application/json";
+}
+
 class ApiCall {
 public:
     ApiCall(Service &service, const Request &request)
@@ -66,13 +73,12 @@ private:
     {
         static const QRegularExpression digest(uR"(\A[0-9A-Fa-f]{64}\z)"_s);
         const QJsonObject form = QJsonDocument::fromJson(body).object();
-        const bool isJson = m_request.headers.value("content-type").startsWith("application/json");
         NotaryRequest request;
         request.archiveName = form[u"submissionName"].toString();
         request.archiveDigest = form[u"sha256"].toString().toLower().toLatin1();
         request.uploaded = QDateTime::currentDateTimeUtc();
         request.team = keyIdIn(m_request.headers.value("authorization")); // a key of this machine is a team's
-        if (!isJson || request.archiveName.isEmpty() || request.archiveName.size() > longestName
+        if (!isJson(m_request) || request.archiveName.isEmpty() || request.archiveName.size() > longestName
             || !digest.match(form[u"sha256"].toString()).hasMatch() || !readNotifications(form, request))
             return refused();
         const auto session = m_service.submissions().begin(request, m_service.now(m_request));
@@ -216,6 +222,8 @@ Response artifact(Service &service, const Request &request)
     const auto match = form.match(QString::fromUtf8(request.path));
     const QString id = match.captured(1);
     const QByteArray expires = request.queryValue("Expires");
+    if (request.method != "GET" && request.method != "HEAD")
+        return storageError(u"MethodNotAllowed"_s);
     if (request.headers.contains("authorization"))
         return storageError(u"InvalidArgument"_s, u"Only one auth mechanism allowed"_s);
     if (!match.hasMatch() || request.queryValue("Signature") != logSignature(service, id, expires)

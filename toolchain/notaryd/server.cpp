@@ -22,6 +22,7 @@ constexpr std::size_t threadStack = 512 * 1024;
 constexpr std::size_t connectionMemory = 160 * 1024;
 constexpr unsigned mostConnections = 600;
 constexpr unsigned idleConnectionSeconds = 300;
+constexpr const char *protocols = "NORMAL:-VERS-TLS1.0:-VERS-TLS1.1"; // RFC 8996
 
 std::atomic<Clock::rep> lastUse = 0;
 std::atomic<int> openConnections = 0;
@@ -123,6 +124,7 @@ platform::Outcome Server::listen(const ListenAddress &address, const ServerCerti
                                 MHD_OPTION_ARRAY, listening.data(), //
                                 MHD_OPTION_HTTPS_MEM_KEY, certificate.key.constData(), //
                                 MHD_OPTION_HTTPS_MEM_CERT, certificate.chain.constData(), //
+                                MHD_OPTION_HTTPS_PRIORITIES, protocols, //
                                 MHD_OPTION_URI_LOG_CALLBACK, startRequest, &m_service, //
                                 MHD_OPTION_NOTIFY_COMPLETED, endRequest, nullptr, //
                                 MHD_OPTION_NOTIFY_CONNECTION, noteConnection, nullptr, //

@@ -18,6 +18,19 @@ namespace {
 
 constexpr qint64 largestPut = 5LL << 30;
 
+/// What a PUT's query and headers ask for beside the object or the part itself; null if there is nothing.
+/// Some clients name the operation in the query.
+QString moreThanPut(const Request &request)
+{
+    for (const auto &[name, value] : request.query) {
+        if (name != "partNumber" && name != "uploadId" && name != "x-id")
+            return u"NotImplemented"_s; // another property of the object, as its tags
+    }
+    if (request.headers.contains("x-amz-copy-source"))
+        return u"NotImplemented"_s;
+    return request.asks("partNumber") == request.asks("uploadId") ? QString() : u"InvalidArgument"_s;
+}
+
 /// Takes an object or a part of one: into a file of its own, which gets its place when it is whole and right.
 class PutHandler : public Handler {
 public:
@@ -76,6 +89,8 @@ private:
         if (!caller.session)
             return caller.refusal;
         m_session = *caller.session;
+        if (const QString more = moreThanPut(m_request); !more.isNull())
+            return storageError(more);
         if (!m_request.headers.contains("content-length"))
             return storageError(u"MissingContentLength"_s);
         if (m_request.headers.value("content-length").toLongLong() > largestPut)
@@ -129,6 +144,28 @@ Response listedParts(const MultipartUpload &upload)
         body += "<Part><PartNumber>" + QByteArray::number(part.number) + "</PartNumber><ETag>\"" + part.etag
             + "\"</ETag><Size>" + QByteArray::number(part.size) + "</Size></Part>";
     return {.status = 200, .body = body + "</ListPartsResult>", .type = "application/xml", .headers = {}};
+}
+
+/// Answers before any of the body has been read.
+class Refusal : public Handler {
+public:
+    explicit Refusal(Response answer)
+        : m_answer(std::move(answer))
+    {
+    }
+    Response begin() override { return m_answer; }
+    bool take(const char *, qint64) override { return false; }
+    Response end() override { return m_answer; }
+
+private:
+    const Response m_answer;
+};
+
+bool concernsParts(const Request &request)
+{
+    if (request.asks("uploadId"))
+        return request.method == "POST" || request.method == "GET" || request.method == "DELETE";
+    return request.method == "POST" && request.asks("uploads");
 }
 
 class MultipartCall {
@@ -217,12 +254,11 @@ std::unique_ptr<Handler> storageHandler(Service &service, const Request &request
 {
     if (request.method == "PUT")
         return std::make_unique<PutHandler>(service, request);
-    if (request.asks("uploads") || request.asks("uploadId"))
+    if (concernsParts(request))
         return std::make_unique<WholeBodyHandler>([call = std::make_shared<MultipartCall>(service, request)](
                                                       const QByteArray &body) { return call->answer(body); },
                                                   4 << 20);
-    return std::make_unique<WholeBodyHandler>(
-        [](const QByteArray &) { return storageError(u"MethodNotAllowed"_s); });
+    return std::make_unique<Refusal>(storageError(u"MethodNotAllowed"_s));
 }
 
 } // namespace notaryd

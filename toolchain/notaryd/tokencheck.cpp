@@ -24,9 +24,13 @@ constexpr qint64 longestLifetime = 1200; // seconds
 constexpr qint64 clockTolerance = 60;
 constexpr int halfOfSignature = 32;
 constexpr qsizetype longestToken = 16 * 1024;
+constexpr qsizetype lengthOfScheme = 7; // with the blank
 
+/// Base64url without padding (RFC 7515, section 2).
 std::optional<QByteArray> decoded(const QByteArray &text)
 {
+    if (text.contains('='))
+        return std::nullopt;
     const auto result =
         QByteArray::fromBase64Encoding(text,
                                        QByteArray::Base64UrlEncoding | QByteArray::OmitTrailingEquals
@@ -80,16 +84,23 @@ bool isSignedBy(const QByteArray &publicKey, const QByteArray &text, const QByte
         == 1;
 }
 
+/// The times may have fractions (RFC 7519, section 2, "NumericDate").
 QString objectionToTimes(const QJsonObject &claims, const QDateTime &now)
 {
-    const qint64 seconds = now.toSecsSinceEpoch();
-    const qint64 issued = claims[u"iat"].toInteger(-1);
-    const qint64 expires = claims[u"exp"].toInteger(-1);
-    if (expires < 0 || expires < seconds - clockTolerance)
+    const auto seconds = double(now.toSecsSinceEpoch());
+    const double issued = claims[u"iat"].toDouble(-1);
+    const double expires = claims[u"exp"].toDouble(-1);
+    if (expires < 0 || expires < issued || expires < seconds - clockTolerance)
         return u"the token has expired"_s;
     if (issued < 0 || issued > seconds + clockTolerance)
         return u"the token is not yet valid"_s;
     return expires - issued > longestLifetime ? u"the token lives too long"_s : QString();
+}
+
+/// An authorization's scheme is the same in upper and lower case (RFC 9110, section 11.1).
+bool isBearer(const QByteArray &authorization)
+{
+    return authorization.left(lengthOfScheme).toLower() == "bearer ";
 }
 
 /// A team's key names its issuer, an individual one its user.
@@ -104,14 +115,16 @@ bool fitsKey(const QJsonObject &claims, const QJsonObject &key)
 
 QString objectionToToken(const QByteArray &authorization, const QString &keyFolder, const QDateTime &now)
 {
-    const QByteArrayList parts = authorization.mid(7).split('.');
-    if (!authorization.startsWith("Bearer ") || authorization.size() > longestToken || parts.size() != 3)
+    const QByteArrayList parts = authorization.mid(lengthOfScheme).split('.');
+    if (!isBearer(authorization) || authorization.size() > longestToken || parts.size() != 3)
         return u"there is no token"_s;
     const QJsonObject header = objectIn(parts.at(0));
     const QJsonObject claims = objectIn(parts.at(1));
     const QJsonObject key = enrolledKey(keyFolder, header[u"kid"].toString());
     if (header[u"alg"].toString() != u"ES256"_s || key.isEmpty())
         return u"the key is not known"_s;
+    if (header.contains(u"crit"_s)) // RFC 7515, section 4.1.11
+        return u"the token asks for what is not known"_s;
     const auto signature = decoded(parts.at(2));
     if (!signature
         || !isSignedBy(key[u"public_key"].toString().toLatin1(), parts.at(0) + '.' + parts.at(1), *signature))
@@ -123,7 +136,7 @@ QString objectionToToken(const QByteArray &authorization, const QString &keyFold
 
 QString keyIdIn(const QByteArray &authorization)
 {
-    return objectIn(authorization.mid(7).split('.').first())[u"kid"].toString();
+    return objectIn(authorization.mid(lengthOfScheme).split('.').first())[u"kid"].toString();
 }
 
 } // namespace notaryd

@@ -116,11 +116,22 @@ private:
     void checkParts()
     {
         const SignedCode &code = *m_result.code;
+        if (!m_order.architecture.isEmpty())
+            return checkPartOf(m_order.architecture);
         // The native slice first: its problem is the one that the machine would meet.
         checkPartAt(code.nativeIndex());
         for (qsizetype part = 0; part < code.parts.size(); ++part) {
             if (m_result.problem.isNone() && part != code.nativeIndex())
                 checkOtherPart(part);
+        }
+    }
+
+    void checkPartOf(const QString &architecture)
+    {
+        const SignedCode &code = *m_result.code;
+        for (qsizetype part = 0; part < code.parts.size(); ++part) {
+            if (m_result.problem.isNone() && code.parts[part].architecture == architecture)
+                checkPartAt(part);
         }
     }
 
@@ -206,6 +217,7 @@ private:
             m_order.prepared(path);
         VerificationOrder order = m_order;
         order.requirement.clear();
+        order.architecture.clear();
         Verification inner = Verifier(order, m_depth + 1).verify(path);
         if (inner.problem.isNone() && !fitsEntry(inner, entry))
             inner.problem = problemWith(text::nestedModified);

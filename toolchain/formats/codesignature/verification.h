@@ -16,6 +16,7 @@ enum class Strictness { usual, strict };
 struct VerificationOrder {
     Strictness strictness = Strictness::usual;
     QByteArray requirement; ///< a blob that the code has to meet; empty: none
+    QString architecture; ///< the one slice of Mach-O code that is looked at; empty: all
     TrustStore store = TrustStore::ofThisMachine();
     /// Told of nested code, by its absolute path, before and after it has been looked at; may be empty.
     std::function<void(const QString &path)> prepared;

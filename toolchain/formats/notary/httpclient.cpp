@@ -158,6 +158,12 @@ QList<QByteArray> secretsOf(const HttpRequest &request)
     return secrets;
 }
 
+/// Whether a redirect may be followed: no other machine leads to plain services of this one.
+bool mayLead(const QUrl &asked, const QUrl &target)
+{
+    return target.scheme() == u"https"_s || (target.scheme() == asked.scheme() && isAcceptable(target));
+}
+
 void ensureLibrary()
 {
     static const CURLcode initialised = curl_global_init(CURL_GLOBAL_DEFAULT);
@@ -212,6 +218,7 @@ private:
         curl_easy_setopt(m_curl, CURLOPT_FOLLOWLOCATION, 0L);
         curl_easy_setopt(m_curl, CURLOPT_PATH_AS_IS, 1L);
         curl_easy_setopt(m_curl, CURLOPT_HTTP_VERSION, long(CURL_HTTP_VERSION_1_1));
+        curl_easy_setopt(m_curl, CURLOPT_SSLVERSION, long(CURL_SSLVERSION_TLSv1_2));
         curl_easy_setopt(m_curl, CURLOPT_USERAGENT, "sealwright-altool");
         trust(m_curl, m_config.ca);
         if (!m_config.proxy.isEmpty())
@@ -314,13 +321,14 @@ HttpClient::~HttpClient() = default;
 HttpReply HttpClient::perform(const HttpRequest &request)
 {
     HttpReply reply = m_handle->perform(request);
-    const QByteArray target = reply.headers.value("location");
-    const bool isRedirect = reply.status >= 301 && reply.status <= 308 && !target.isEmpty();
-    if (!isRedirect || request.redirects == RedirectPolicy::refused
-        || !isAcceptable(QUrl::fromEncoded(target)))
+    const QByteArray location = reply.headers.value("location");
+    const bool isRedirect = reply.status >= 301 && reply.status <= 308 && !location.isEmpty();
+    const QUrl asked = QUrl::fromEncoded(request.url);
+    const QUrl target = asked.resolved(QUrl::fromEncoded(location));
+    if (!isRedirect || request.redirects == RedirectPolicy::refused || !mayLead(asked, target))
         return reply;
     HttpRequest onward = request;
-    onward.url = target;
+    onward.url = target.toEncoded();
     onward.headers.clear();
     return m_handle->perform(onward);
 }

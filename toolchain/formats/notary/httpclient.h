@@ -28,7 +28,7 @@ struct FilePiece {
 
 enum class RedirectPolicy {
     refused,
-    onceToHttps ///< without any of the request's headers
+    onceToHttps ///< without any of the request's headers; from plain http of this machine to the like, too
 };
 
 enum class PlainHttp {

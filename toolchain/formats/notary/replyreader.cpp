@@ -28,6 +28,18 @@ QByteArray bytesOf(const QJsonValue &value)
     return value.toString().toUtf8();
 }
 
+/// Credentials become parts of header lines, where nothing but visible characters has a place.
+bool isHeaderWord(const QByteArray &text)
+{
+    return std::all_of(text.begin(), text.end(), [](char byte) { return byte > ' ' && byte < 0x7f; });
+}
+
+bool canBeSent(const UploadCredentials &credentials)
+{
+    return !credentials.accessKey.isEmpty() && !credentials.secretKey.isEmpty()
+        && isHeaderWord(credentials.accessKey) && isHeaderWord(credentials.sessionToken);
+}
+
 Submission submissionFrom(const QJsonValue &data)
 {
     const QJsonValue attributes = data[u"attributes"];
@@ -55,7 +67,7 @@ std::optional<UploadPlace> readPlace(const QByteArray &body)
                              bytesOf(attributes[u"awsSecretAccessKey"]),
                              bytesOf(attributes[u"awsSessionToken"])}};
     const bool isWhole = isRequestId(place.id) && !place.bucket.isEmpty() && !place.object.isEmpty()
-        && !place.credentials.accessKey.isEmpty() && !place.credentials.secretKey.isEmpty();
+        && canBeSent(place.credentials);
     return isWhole ? std::optional(place) : std::nullopt;
 }
 

@@ -1,9 +1,6 @@
 #include "formats/review/review.h"
 
-#include "formats/codesignature/filesigner.h"
-
-#include "formats/codesignature/verification.h"
-#include "formats/package/packagejudgement.h"
+#include "formats/review/containers.h"
 #include "formats/review/contentwalk.h"
 #include "formats/review/judge.h"
 #include "formats/review/linktarget.h"
@@ -31,6 +28,7 @@ public:
     void folder(const WalkPlace &place, const QStringList &names) override
     {
         checkLength(place);
+        m_hasSignedBundle = m_hasSignedBundle || names.contains(u"_CodeSignature"_s);
         const FoundBundle bundle = bundleAt(place.file, names);
         if (bundle.executable.isEmpty())
             return;
@@ -69,6 +67,15 @@ public:
             damage(reason);
     }
 
+    void tooDeep(const WalkFile &file) override
+    {
+        m_review.issues.append({u"warning"_s,
+                                pathOf(file.place),
+                                u"The archive lies in too many others to be looked into."_s,
+                                {},
+                                {}});
+    }
+
     void damage(const QString &reason)
     {
         m_review.isDamaged = true;
@@ -76,53 +83,33 @@ public:
             {u"error"_s, m_archiveName, u"The archive cannot be read: %1."_s.arg(reason), {}, {}});
     }
 
-    /// The signature of a disk image itself, if it has one: the service takes images without.
-    void judgeImage(const QString &image)
+    /// A container is vouched for beside what it holds, so that each can be stapled by itself.
+    void enterArchive(const WalkFile &file) override
     {
-        const auto code = codesignature::readSignedCode(image);
-        if (!code || code->kind != codesignature::CodeKind::diskImage)
+        if (file.place.path != "."_L1)
+            judge(file.place, nestedFacts(file.place.file, m_store));
+    }
+
+    /// The item's own signature.
+    void judgeItem(const QString &item)
+    {
+        const WalkPlace place{u"."_s, item, 0};
+        judge(place, imageFacts(item, m_store));
+        judge(place, packageFacts(item));
+    }
+
+    /// Where nothing has been found wrong: whether there is anything to make a ticket for.
+    void objectToNoCode()
+    {
+        if (!m_review.isAccepted() || m_hasSignedBundle || !m_review.ticketContents.isEmpty())
             return;
-        if (!code->isSigned())
-            return vouchForUnsignedImage(image);
-        const SignatureFacts signature = signatureFacts(code->native(), m_store);
-        if (signature.isInvalid || !codesignature::verifyCode(image, {}).problem.isNone())
-            object({u"."_s, image, 0}, {}, Objection::invalid);
-        else if (!signature.isDeveloperId)
-            object({u"."_s, image, 0}, {}, Objection::notDeveloperId);
-        else
-            m_review.ticketContents.append(
-                {m_archiveName, {}, signature.cdHash, signature.hashType == 1 ? 1 : 2});
-    }
-
-    void vouchForUnsignedImage(const QString &image)
-    {
-        const auto implied = codesignature::impliedSignatureOfImage(image);
-        const auto directory = implied
-            ? codesignature::CodeDirectory::parse(implied->blob(codesignature::slot::codeDirectory))
-            : implied.failure();
-        if (directory)
-            m_review.ticketContents.append({m_archiveName, {}, directory->cdHash(), 2});
-    }
-
-    /// The signature of a package, which the service wants.
-    void judgePackage(const QString &path)
-    {
-        const WalkPlace place{u"."_s, path, 0};
-        const auto archive = xar::Archive::open(path);
-        if (!archive)
-            return; // told where it is to be unpacked
-        const auto judgement = package::judgePackage(*archive);
-        using Verdict = package::PackageJudgement::Verdict;
-        if (judgement.verdict == Verdict::notSigned)
-            object(place, {}, Objection::notSigned);
-        else if (judgement.verdict == Verdict::damaged)
-            object(place, {}, Objection::invalid);
-        else if (judgement.verdict == Verdict::untrusted)
-            object(place, {}, Objection::notDeveloperId);
-        else if (!judgement.timestamp)
-            object(place, {}, Objection::noTimestamp);
-        // a package's record is named "2/1/…" whatever the kind of its checksum
-        m_review.ticketContents.append({m_archiveName, {}, archive->checksum().left(20), 1});
+        m_review.issues.append(
+            {u"error"_s,
+             m_archiveName,
+             u"Package %1 has no signed executables or bundles. No tickets can be generated."_s.arg(
+                 m_archiveName),
+             {},
+             {}});
     }
 
 private:
@@ -148,6 +135,14 @@ private:
                                             slice.signature.hashType == 1 ? 1 : 2});
     }
 
+    void judge(const WalkPlace &place, const ContainerFacts &container)
+    {
+        for (const Objection objection : container.objections)
+            object(place, {}, objection);
+        if (container.hash)
+            m_review.ticketContents.append({pathOf(place), {}, container.hash->bytes, container.hash->type});
+    }
+
     void object(const WalkPlace &place, const QString &architecture, Objection objection)
     {
         const QString url = documentUrl(objection);
@@ -161,6 +156,7 @@ private:
     BundleLinks m_links;
     QHash<QString, QString> m_bundles; ///< by their main executables
     ItemReview &m_review;
+    bool m_hasSignedBundle = false;
 };
 
 bool isUpload(const QString &path)
@@ -186,10 +182,9 @@ ItemReview reviewItem(const QString &path, const QString &archiveName)
     UnpackBudget budget;
     if (isUpload(path)) {
         // The item's own signature comes first: where it does not hold, damage within follows from that.
-        reviewer.judgeImage(path);
-        if (xar::Archive::looksLikeOne(path))
-            reviewer.judgePackage(path);
+        reviewer.judgeItem(path);
         walkContents(path, budget, reviewer);
+        reviewer.objectToNoCode();
     } else {
         reviewer.damage(u"it is neither a zip archive nor a disk image nor a flat package"_s);
     }

@@ -115,7 +115,7 @@ public:
     [[nodiscard]] Error failure() const
     {
         const char *text = archive_error_string(m_archive.get());
-        return {text ? QString::fromUtf8(text) : u"the archive cannot be read"_s};
+        return {text ? QString::fromUtf8(text).trimmed() : u"the archive cannot be read"_s};
     }
 
 private:

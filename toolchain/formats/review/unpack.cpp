@@ -51,7 +51,7 @@ Result<void> unpackImage(const QString &path, const QString &folder)
 
 ArchiveKind archiveKind(QByteArrayView beginning, const QString &path)
 {
-    if (beginning.startsWith("PK\x03\x04"))
+    if (beginning.startsWith("PK\x03\x04") || beginning.startsWith("PK\x05\x06")) // an empty one
         return ArchiveKind::zip;
     if (beginning.startsWith("xar!"))
         return ArchiveKind::package;

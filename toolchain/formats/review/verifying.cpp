@@ -19,6 +19,13 @@ bool wouldDo(const SliceFacts &slice)
     return slice.signature.state == SignatureState::certified && objectionsTo(slice).isEmpty();
 }
 
+/// A problem of one slice hides those of the others.
+bool holdsAlone(const QString &path, const SliceFacts &slice, codesignature::VerificationOrder order)
+{
+    order.architecture = slice.architecture;
+    return verifyCode(path, order).problem.isNone();
+}
+
 bool isVersionFolder(const QString &folder)
 {
     const QFileInfo info(folder);
@@ -38,7 +45,8 @@ void verifySignatures(const QString &path, CodeFacts &facts, const TrustStore &s
     if (problem.isNone())
         return;
     for (SliceFacts &slice : facts.slices) {
-        if (problem.architecture.isEmpty() || problem.architecture == slice.architecture)
+        const bool isMeant = problem.architecture.isEmpty() || problem.architecture == slice.architecture;
+        if (isMeant || (wouldDo(slice) && !holdsAlone(path, slice, order)))
             slice.signature.isInvalid = true;
     }
 }

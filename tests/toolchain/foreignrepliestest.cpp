@@ -1,0 +1,141 @@
+// What services may say that are none of ours.
+
+#include "formats/notary/httpclient.h"
+#include "formats/notary/replyreader.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <gtest/gtest.h>
+
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <thread>
+
+using namespace Qt::StringLiterals;
+using namespace toolchain::notary;
+
+namespace {
+
+/// A server on loopback that gives one answer after the other, each to one connection, and keeps what it was
+/// asked.
+class Answers {
+public:
+    explicit Answers(QByteArrayList answers)
+        : m_socket(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0))
+    {
+        sockaddr_in address = {};
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        EXPECT_EQ(bind(m_socket, reinterpret_cast<sockaddr *>(&address), sizeof address), 0);
+        EXPECT_EQ(listen(m_socket, 4), 0);
+        socklen_t length = sizeof address;
+        EXPECT_EQ(getsockname(m_socket, reinterpret_cast<sockaddr *>(&address), &length), 0);
+        m_origin = "http://127.0.0.1:" + QByteArray::number(ntohs(address.sin_port));
+        m_thread = std::thread([this, answers = std::move(answers)] { serve(answers); });
+    }
+    ~Answers()
+    {
+        shutdown(m_socket, SHUT_RDWR);
+        m_thread.join();
+        close(m_socket);
+    }
+    Answers(const Answers &) = delete;
+    Answers &operator=(const Answers &) = delete;
+
+    [[nodiscard]] QByteArray origin() const { return m_origin; }
+
+    /// To be asked when all answers have been had.
+    [[nodiscard]] const QByteArrayList &asked() const { return m_asked; }
+
+private:
+    void serve(const QByteArrayList &answers)
+    {
+        for (const QByteArray &answer : answers) {
+            const int connection = accept(m_socket, nullptr, nullptr);
+            if (connection < 0)
+                return;
+            QByteArray request;
+            char byte = 0;
+            while (!request.endsWith("\r\n\r\n") && read(connection, &byte, 1) == 1)
+                request += byte;
+            m_asked.append(request);
+            static_cast<void>(send(connection, answer.constData(), std::size_t(answer.size()), MSG_NOSIGNAL));
+            close(connection);
+        }
+    }
+
+    const int m_socket;
+    QByteArray m_origin;
+    QByteArrayList m_asked;
+    std::thread m_thread;
+};
+
+QByteArray redirectTo(const QByteArray &place)
+{
+    return "HTTP/1.1 302 Found\r\nLocation: " + place + "\r\nContent-Length: 0\r\nConnection: close\r\n\r\n";
+}
+
+const QByteArray good = "HTTP/1.1 200 OK\r\nContent-Length: 4\r\nConnection: close\r\n\r\ngood";
+
+HttpReply fetch(const QByteArray &url)
+{
+    HttpClient client(ServiceConfig{});
+    HttpRequest request;
+    request.url = url;
+    request.headers = {{"Authorization", "Bearer secret"}};
+    request.redirects = RedirectPolicy::onceToHttps;
+    return client.perform(request);
+}
+
+QByteArray placeWith(const QString &field, const QString &value)
+{
+    QJsonObject attributes{{u"awsAccessKeyId"_s, u"ASIA0123456789"_s},
+                           {u"awsSecretAccessKey"_s, u"secret"_s},
+                           {u"awsSessionToken"_s, u"session"_s},
+                           {u"bucket"_s, u"bucket"_s},
+                           {u"object"_s, u"prod/AROA:1"_s}};
+    attributes.insert(field, value);
+    const QJsonObject data{{u"id"_s, u"2efe2717-52ef-43a5-96dc-0797e4ca1041"_s},
+                           {u"attributes"_s, attributes}};
+    return QJsonDocument(QJsonObject{{u"data"_s, data}}).toJson();
+}
+
+} // namespace
+
+TEST(ForeignReplies, credentialsThatWouldBeMoreThanAHeaderAreNone)
+{
+    EXPECT_TRUE(readPlace(placeWith(u"awsSessionToken"_s, u"IQoJb3JpZ2lu+/="_s)));
+    EXPECT_TRUE(readPlace(placeWith(u"awsSessionToken"_s, QString())));
+    for (const QString &field : {u"awsAccessKeyId"_s, u"awsSessionToken"_s}) {
+        for (const QString &value : {u"a\r\nX-Other: 1"_s, u"a\nb"_s, u"a b"_s, u"a\u00e4"_s, u"a\u007f"_s})
+            EXPECT_FALSE(readPlace(placeWith(field, value))) << field.toStdString();
+    }
+    EXPECT_FALSE(readPlace(placeWith(u"awsAccessKeyId"_s, QString())));
+    EXPECT_FALSE(readPlace(placeWith(u"awsSecretAccessKey"_s, QString())));
+}
+
+TEST(ForeignReplies, aRedirectIsFollowedOnceWithoutTheRequestsHeaders)
+{
+    Answers answers({redirectTo("/elsewhere?x=1"), good});
+    const HttpReply reply = fetch(answers.origin() + "/log");
+    EXPECT_EQ(reply.status, 200);
+    EXPECT_EQ(reply.body, "good");
+    ASSERT_EQ(answers.asked().size(), 2);
+    EXPECT_TRUE(answers.asked().first().contains("secret"));
+    EXPECT_TRUE(answers.asked().last().startsWith("GET /elsewhere?x=1 HTTP/1.1\r\n"));
+    EXPECT_FALSE(answers.asked().last().contains("secret"));
+}
+
+TEST(ForeignReplies, aSecondRedirectAndOneToAnotherKindOfAddressAreNotFollowed)
+{
+    Answers twice({redirectTo("/elsewhere"), redirectTo("/log")});
+    EXPECT_EQ(fetch(twice.origin() + "/log").status, 302);
+    for (const QByteArray place : {"ftp://127.0.0.1/x", "file:///etc/passwd", "http://example.com/"}) {
+        Answers answers({redirectTo(place)});
+        EXPECT_EQ(fetch(answers.origin() + "/log").status, 302) << place.toStdString();
+    }
+}
