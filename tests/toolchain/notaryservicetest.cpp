@@ -147,6 +147,18 @@ TEST_F(NotaryService, aBigFileGoesInPartsAndWhatTheStorageSaysInASuccessIsRead)
     EXPECT_TRUE(refused.error.contains(u"AccessDenied"_s)) << refused.error.toStdString();
 }
 
+TEST_F(NotaryService, aRefusalOfAPartEndsThoseThatAreUnderWay)
+{
+    const QString big = makeArchive(u"Big.zip"_s, (128LL << 20) + 1);
+    ASSERT_EQ(setFaults(R"([{"fault":"delay","path":"^/s3/","method":"PUT","count":1},
+                            {"fault":"s3-error","value":"AccessDenied","method":"PUT","skip":1,"count":-1}])"),
+              200);
+    const ToolResult refused = upload(big);
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_TRUE(refused.error.contains(u"AccessDenied"_s)) << refused.error.toStdString();
+    EXPECT_EQ(requestsTo(putting), 2); // the one that is held up is not tried again
+}
+
 TEST_F(NotaryService, anEmptyFileIsRefusedBeforeAnyRequest)
 {
     writeFile(path(u"empty.zip"_s), {});

@@ -84,6 +84,8 @@ int seekBody(void *user, curl_off_t offset, int)
 int watch(void *user, curl_off_t, curl_off_t received, curl_off_t, curl_off_t sent)
 {
     auto &exchange = *static_cast<Exchange *>(user);
+    if (exchange.request.isWanted && !exchange.request.isWanted())
+        return 1;
     const qint64 moved = received + sent + exchange.headerBytes;
     if (moved != exchange.moved) {
         exchange.moved = moved;

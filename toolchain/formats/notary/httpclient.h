@@ -48,6 +48,8 @@ struct HttpRequest {
     RedirectPolicy redirects = RedirectPolicy::refused;
     PlainHttp plainHttp = PlainHttp::loopbackOnly;
     std::function<void(qint64 sent)> progress; ///< may be empty
+    std::function<bool()>
+        isWanted; ///< asked meanwhile; a request that is not any more breaks off; may be empty
 };
 
 /// What came back, or why nothing did.

@@ -4,6 +4,7 @@
 #include <QList>
 #include <QString>
 
+#include <atomic>
 #include <optional>
 #include <variant>
 
@@ -15,7 +16,7 @@
 
 namespace toolchain::notary {
 
-/// The service's clock as its replies show it.
+/// The service's clock as its replies show it. Any thread.
 class ServiceClock {
 public:
     void learn(const HttpReply &reply);
@@ -25,7 +26,7 @@ public:
     [[nodiscard]] qint64 offset() const { return m_offset; }
 
 private:
-    qint64 m_offset = 0;
+    std::atomic<qint64> m_offset = 0;
 };
 
 template <typename T>

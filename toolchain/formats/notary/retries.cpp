@@ -19,6 +19,7 @@ constexpr Milliseconds leastIdle{3'000};
 constexpr std::array<Milliseconds, tries> idleLimits{Milliseconds(20'000), Milliseconds(30'000),
                                                      Milliseconds(40'000), Milliseconds(50'000)};
 constexpr Milliseconds firstPause{1'000};
+constexpr Milliseconds slice{50}; // of a pause, between looks whether it is still meant
 constexpr qint64 longestRetryAfter = 30; // seconds
 
 /// What the service asks for, or twice the pause before.
@@ -45,6 +46,16 @@ bool mayPass(const HttpReply &reply)
     return std::find(passing.begin(), passing.end(), reply.transportError) != passing.end();
 }
 
+bool Retries::waitFor(Milliseconds pause) const
+{
+    const auto end = Clock::now() + pause;
+    while (m_isWanted && m_isWanted() && Clock::now() < end)
+        sleepFor(std::min(slice, std::chrono::ceil<Milliseconds>(end - Clock::now())));
+    if (!m_isWanted)
+        sleepFor(pause);
+    return !m_isWanted || m_isWanted();
+}
+
 HttpReply Retries::run(const std::function<HttpReply(const HttpRequest &limits)> &attempt,
                        const std::function<NextStep(const HttpReply &)> &judge) const
 {
@@ -64,9 +75,8 @@ HttpReply Retries::run(const std::function<HttpReply(const HttpRequest &limits)>
         if (step == NextStep::tryAtOnce)
             continue;
         const Milliseconds pause = pauseAfter(reply, number);
-        if (++number == tries || Clock::now() + pause >= deadline)
+        if (++number == tries || Clock::now() + pause >= deadline || !waitFor(pause))
             return reply;
-        sleepFor(pause);
     }
 }
 

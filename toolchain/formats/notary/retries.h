@@ -17,9 +17,13 @@ enum class NextStep {
 /// the tries bear silence, so that a service that is merely slow is heard in the end.
 class Retries {
 public:
-    /// `patience` is added to the call's time, for what is long by itself.
-    explicit Retries(Milliseconds patience = Milliseconds(0))
+    using IsWanted = std::function<bool()>;
+
+    /// `patience` is added to the call's time, for what is long by itself. A call that is not wanted any more
+    /// gets no further try; `isWanted` may be empty.
+    explicit Retries(Milliseconds patience = Milliseconds(0), IsWanted isWanted = {})
         : m_patience(patience)
+        , m_isWanted(std::move(isWanted))
     {
     }
 
@@ -28,7 +32,11 @@ public:
                                 const std::function<NextStep(const HttpReply &)> &judge) const;
 
 private:
+    /// False if the call is not wanted any more.
+    [[nodiscard]] bool waitFor(Milliseconds pause) const;
+
     const Milliseconds m_patience;
+    const IsWanted m_isWanted;
 };
 
 /// Whether a failure may pass by itself: a lost or broken connection, a timeout, 429, 500, 502, 503 and 504.

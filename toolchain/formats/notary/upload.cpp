@@ -2,6 +2,8 @@
 
 #include <QCryptographicHash>
 
+#include <future>
+
 using namespace Qt::StringLiterals;
 
 namespace toolchain::notary {
@@ -32,10 +34,9 @@ QByteArray hostOf(const QByteArray &address)
     return rest.split('/').first();
 }
 
-QByteArray partEntry(qsizetype number, const QByteArray &etag)
+ServiceFailure notUnderstood(const HttpReply &reply)
 {
-    return "<Part><PartNumber>" + QByteArray::number(number) + "</PartNumber><ETag>"
-        + QString::fromUtf8(etag).toHtmlEscaped().toUtf8() + "</ETag></Part>";
+    return {u"The upload failed: the storage's reply was not understood."_s, reply.status};
 }
 
 bool isError(const HttpReply &reply)
@@ -56,7 +57,7 @@ Upload::Upload(NotaryApi &api, const ServiceConfig &config, const UploadFile &fi
 Answer<QString> Upload::run()
 {
     for (bool isFirst = true;; isFirst = false) {
-        m_sentBefore = 0;
+        m_sent = 0;
         m_mustStartAgain = false;
         const auto answer = m_api.submit(m_file.name(), m_file.sha256());
         const auto *place = std::get_if<UploadPlace>(&answer);
@@ -92,48 +93,76 @@ std::optional<ServiceFailure> Upload::sendInParts(const UploadPlace &place)
         return failure(begun);
     const QByteArray uploadId = uploadIdIn(begun.body);
     if (uploadId.isEmpty())
-        return ServiceFailure{u"The upload failed: the storage's reply was not understood."_s, begun.status};
-    QByteArray partList;
-    const auto problem = sendParts(place, uploadId, partList);
+        return notUnderstood(begun);
+    PartQueue parts(m_file.pieces().size());
+    const auto problem = sendParts(place, uploadId, parts);
     if (problem)
         return problem;
-    const QByteArray body = "<CompleteMultipartUpload xmlns=\"http://s3.amazonaws.com/doc/2006-03-01/\">"
-        + partList + "</CompleteMultipartUpload>";
     const HttpReply ended =
-        call(place, {"POST", {{"uploadId", uploadId}}, {{"content-type", "application/xml"}}, body});
+        call(place, {"POST", {{"uploadId", uploadId}}, {{"content-type", "application/xml"}}, parts.list()});
     return !ended.isWhole() || isError(ended) ? std::optional(failure(ended)) : std::nullopt;
 }
 
+/// A storage takes longer to look at bytes than a client to send them, and an own processor for each
+/// connection.
 std::optional<ServiceFailure> Upload::sendParts(const UploadPlace &place, const QByteArray &uploadId,
-                                                QByteArray &partList)
+                                                PartQueue &parts)
 {
-    for (qsizetype index = 0; index < m_file.pieces().size(); ++index) {
+    HttpClient second(m_config);
+    Lane beside{second, &parts};
+    Lane here{m_api.http(), &parts};
+    const auto share = std::async(std::launch::async, [&] { sendShare(beside, place, uploadId); });
+    sendShare(here, place, uploadId);
+    share.wait();
+    const auto failed = parts.failedReply();
+    return failed ? std::optional(failure(*failed)) : std::nullopt;
+}
+
+void Upload::sendShare(Lane &lane, const UploadPlace &place, const QByteArray &uploadId)
+{
+    for (qsizetype part = lane.parts->next(); part >= 0; part = lane.parts->next()) {
         const HttpReply reply = call(
-            place,
-            {"PUT", {{"partNumber", QByteArray::number(index + 1)}, {"uploadId", uploadId}}, {}, {}, index});
+            lane, place,
+            {"PUT", {{"partNumber", QByteArray::number(part + 1)}, {"uploadId", uploadId}}, {}, {}, part});
         const QByteArray etag = reply.headers.value("etag");
-        if (!reply.isWhole() || isError(reply))
-            return failure(reply);
-        if (etag.isEmpty())
-            return ServiceFailure{u"The upload failed: the storage's reply was not understood."_s,
-                                  reply.status};
-        partList += partEntry(index + 1, etag);
-        m_sentBefore += m_file.pieces().at(index).length;
+        if (!reply.isWhole() || isError(reply) || etag.isEmpty())
+            return lane.parts->failed(reply);
+        lane.parts->done(part, etag);
+        show(lane, m_file.pieces().at(part).length);
+        lane.sent = 0;
     }
-    return std::nullopt;
 }
 
 HttpReply Upload::call(const UploadPlace &place, const StorageCall &call)
 {
+    Lane lane{m_api.http()};
+    return Upload::call(lane, place, call);
+}
+
+HttpReply Upload::call(Lane &lane, const UploadPlace &place, const StorageCall &call)
+{
     const qint64 length = call.piece < 0 ? 0 : m_file.pieces().at(call.piece).length;
+    const auto isWanted = [&lane] { return !lane.parts || !lane.parts->hasFailed(); };
     const auto attempt = [&](const HttpRequest &limits) {
         HttpRequest request = requestFor(place, call);
         request.idleLimit = limits.idleLimit;
         request.wholeLimit = limits.wholeLimit;
-        return m_api.http().perform(request);
+        request.isWanted = isWanted;
+        if (call.piece >= 0)
+            request.progress = [&](qint64 sent) { show(lane, sent); };
+        return lane.http.perform(request);
     };
-    return Retries(Milliseconds(length / slowestBytesInMillisecond))
-        .run(attempt, [this](const HttpReply &reply) { return judge(reply); });
+    return Retries(Milliseconds(length / slowestBytesInMillisecond), isWanted)
+        .run(attempt, [&](const HttpReply &reply) { return isWanted() ? judge(reply) : NextStep::Take; });
+}
+
+void Upload::show(Lane &lane, qint64 sent)
+{
+    const std::scoped_lock lock(m_progressMutex);
+    m_sent += sent - lane.sent;
+    lane.sent = sent;
+    if (m_progress)
+        m_progress(m_sent, m_file.size());
 }
 
 HttpRequest Upload::requestFor(const UploadPlace &place, const StorageCall &call) const
@@ -158,8 +187,6 @@ HttpRequest Upload::requestFor(const UploadPlace &place, const StorageCall &call
     request.body = call.body;
     if (call.piece >= 0)
         request.piece = m_file.pieces().at(call.piece);
-    if (m_progress)
-        request.progress = [this](qint64 sent) { m_progress(m_sentBefore + sent, m_file.size()); };
     return request;
 }
 
@@ -169,7 +196,6 @@ NextStep Upload::judge(const HttpReply &reply)
     if (m_file.hasChanged())
         return NextStep::take;
     const QByteArray code = reply.isWhole() ? storageErrorCode(reply.body) : QByteArray();
-    m_mustStartAgain = code == "ExpiredToken" || code == "NoSuchUpload";
     if (code == "RequestTimeTooSkewed")
         return NextStep::tryAtOnce; // signed by the storage's own clock
     const bool isPassing = code == "RequestTimeout" || code == "InternalError" || code == "SlowDown";
@@ -180,6 +206,10 @@ ServiceFailure Upload::failure(const HttpReply &reply)
 {
     if (m_file.hasChanged())
         return {u"The upload failed: the file was changed while it was being uploaded."_s, -1};
+    if (reply.isWhole() && !isError(reply))
+        return notUnderstood(reply);
+    const QByteArray code = reply.isWhole() ? storageErrorCode(reply.body) : QByteArray();
+    m_mustStartAgain = code == "ExpiredToken" || code == "NoSuchUpload";
     return storageFailureOf(reply);
 }
 

@@ -1,8 +1,10 @@
 #pragma once
 
 #include "formats/notary/notaryapi.h"
+#include "formats/notary/partqueue.h"
 
 #include <functional>
+#include <mutex>
 
 namespace toolchain::notary {
 
@@ -38,10 +40,11 @@ private:
     QList<QByteArray> m_digests;
 };
 
-/// Sends a file to the storage: in one request up to 128 MiB, in parts above that. Every try is signed anew.
+/// Sends a file to the storage: in one request up to 128 MiB, in parts above that, over two connections at
+/// once. Every try is signed anew.
 class Upload {
 public:
-    using Progress = std::function<void(qint64 sent, qint64 size)>;
+    using Progress = std::function<void(qint64 sent, qint64 size)>; ///< on any thread, one at a time
 
     Upload(NotaryApi &api, const ServiceConfig &config, const UploadFile &file, Progress progress);
 
@@ -58,12 +61,22 @@ private:
         qsizetype piece = -1; ///< of the file; -1 sends the body
     };
 
+    /// A connection, with what is under way over it.
+    struct Lane {
+        HttpClient &http;
+        PartQueue *parts = nullptr; ///< of which it sends a share; null for calls of their own
+        qint64 sent = 0; ///< of the piece
+    };
+
     [[nodiscard]] std::optional<ServiceFailure> send(const UploadPlace &place);
     [[nodiscard]] std::optional<ServiceFailure> sendWhole(const UploadPlace &place);
     [[nodiscard]] std::optional<ServiceFailure> sendInParts(const UploadPlace &place);
     [[nodiscard]] std::optional<ServiceFailure> sendParts(const UploadPlace &place,
-                                                          const QByteArray &uploadId, QByteArray &partList);
+                                                          const QByteArray &uploadId, PartQueue &parts);
+    void sendShare(Lane &lane, const UploadPlace &place, const QByteArray &uploadId);
     [[nodiscard]] HttpReply call(const UploadPlace &place, const StorageCall &call);
+    [[nodiscard]] HttpReply call(Lane &lane, const UploadPlace &place, const StorageCall &call);
+    void show(Lane &lane, qint64 sent);
     [[nodiscard]] HttpRequest requestFor(const UploadPlace &place, const StorageCall &call) const;
     [[nodiscard]] NextStep judge(const HttpReply &reply);
     [[nodiscard]] ServiceFailure failure(const HttpReply &reply);
@@ -72,7 +85,8 @@ private:
     const ServiceConfig m_config;
     const UploadFile &m_file;
     const Progress m_progress;
-    qint64 m_sentBefore = 0;
+    std::mutex m_progressMutex;
+    qint64 m_sent = 0; ///< over all connections
     bool m_mustStartAgain = false;
 };
 
