@@ -153,7 +153,7 @@ HttpReply Upload::call(Lane &lane, const UploadPlace &place, const StorageCall &
         return lane.http.perform(request);
     };
     return Retries(Milliseconds(length / slowestBytesInMillisecond), isWanted)
-        .run(attempt, [&](const HttpReply &reply) { return isWanted() ? judge(reply) : NextStep::Take; });
+        .run(attempt, [&](const HttpReply &reply) { return isWanted() ? judge(reply) : NextStep::take; });
 }
 
 void Upload::show(Lane &lane, qint64 sent)
