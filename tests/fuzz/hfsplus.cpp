@@ -46,7 +46,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
         return true;
     });
     std::set<quint32> seen;
-    if (volume.error().empty())
+    if (volume.outcome())
         walk(volume, volume.rootFolder().number, seen);
     return 0;
 }

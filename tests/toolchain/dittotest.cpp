@@ -99,7 +99,7 @@ protected:
         for (const auto &[entry, mode, content] : entries)
             output.add({entry, mode, 1'500'000'000}, content);
         output.finish();
-        EXPECT_EQ(output.error(), "");
+        EXPECT_EQ(output.outcome().error(), QString());
         close(file);
     }
 

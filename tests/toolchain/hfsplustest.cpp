@@ -88,7 +88,8 @@ protected:
         const QString target = path(u"copy"_s);
         EXPECT_TRUE(QDir().mkpath(target));
         const HfsPlusReader volume = reader();
-        return volume.error().empty() ? copyVolume(volume, target.toStdString()) : volume.error();
+        const auto copied = volume.outcome() ? copyVolume(volume, target.toStdString()) : volume.outcome();
+        return copied.error().toStdString();
     }
 
     /// How a catalog describes where the large file lies.

@@ -4,8 +4,8 @@
 #include "codesign/signcommand.h"
 #include "formats/codesignature/designation.h"
 #include "formats/codesignature/verification.h"
+#include "formats/failures.h"
 #include "support/console.h"
-#include "support/wholefile.h"
 
 #include <QDir>
 
@@ -27,8 +27,7 @@ Outcome put(const QByteArray &bytes, const QString &destination)
         return {};
     }
     const QString path = destination.startsWith(u':') ? destination.sliced(1) : destination;
-    const std::string error = writeWholeFile(path.toStdString(), bytes.toStdString());
-    return error.empty() ? Outcome::success() : Error{QString::fromStdString(error)};
+    return writeFileAt(path.toStdString(), bytes);
 }
 
 /// A designated requirement that the signature does not hold itself is marked so.

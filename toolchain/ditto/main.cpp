@@ -70,8 +70,8 @@ int pack(const ParsedArguments &arguments)
     std::error_code error;
     if (!fs::exists(fs::symlink_status(source, error)))
         return fail("Can't get real path for source '" + arguments.operands[0] + "'");
-    const std::string problem = writeZipArchive(source, optionsFrom(arguments), arguments.operands[1]);
-    return problem.empty() ? 0 : fail(problem);
+    const auto written = writeZipArchive(source, optionsFrom(arguments), arguments.operands[1]);
+    return written ? 0 : fail(written.error().toStdString());
 }
 
 int unpack(const ParsedArguments &arguments)
@@ -79,8 +79,8 @@ int unpack(const ParsedArguments &arguments)
     const auto path = [](const std::string &operand) {
         return QFile::decodeName(QByteArray::fromStdString(operand));
     };
-    const QString problem = extractZipArchive(path(arguments.operands[0]), path(arguments.operands[1]));
-    return problem.isEmpty() ? 0 : fail(problem.toStdString());
+    const auto unpacked = extractZipArchive(path(arguments.operands[0]), path(arguments.operands[1]));
+    return unpacked ? 0 : fail(unpacked.error().toStdString());
 }
 
 /// What is asked for and not built here; empty if nothing is.

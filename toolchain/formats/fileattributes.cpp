@@ -1,8 +1,8 @@
 #include "formats/fileattributes.h"
 
 #include "formats/appledouble.h"
+#include "formats/failures.h"
 #include "support/attributenames.h"
-#include "support/wholefile.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -83,9 +83,7 @@ Outcome writeSidecar(const QString &path, const FileAttributes &attributes)
     if (attributes.isEmpty())
         return QFile::remove(sidecar) ? Outcome::success() : Error{errorOf(sidecar, errno)};
     const QByteArray bytes = appledouble::fileWith(attributes);
-    const std::string error = writeWholeFile(QFile::encodeName(sidecar).toStdString(),
-                                             {bytes.constData(), std::size_t(bytes.size())});
-    return error.empty() ? Outcome::success() : Error{QString::fromStdString(error)};
+    return writeFileAt(QFile::encodeName(sidecar).toStdString(), bytes);
 }
 
 QByteArray hostName(const QByteArray &name)

@@ -6,28 +6,30 @@
 
 namespace toolchain {
 
-std::string unpackByOther(UdifReader &reader, const std::filesystem::path &image,
-                          std::shared_ptr<ScratchFile> &disk)
+platform::Result<std::shared_ptr<ScratchFile>> unpackByOther(UdifReader &reader,
+                                                             const std::filesystem::path &image)
 {
-    if (!reader.error().empty() || !reader.needsOtherReader())
-        return {};
+    if (!reader.outcome() || !reader.needsOtherReader())
+        return std::shared_ptr<ScratchFile>();
     quint64 size = 0;
     for (const udif::Partition &partition : reader.partitions())
         size += partition.sectorCount * udif::sectorSize;
     auto unpacked = sevenzip::unpackDisk(QFile::decodeName(QByteArray::fromStdString(image.native())), size);
-    if (!unpacked)
-        return unpacked.error().toStdString();
-    disk = *unpacked;
-    reader.readFrom(disk->descriptor());
-    return {};
+    if (unpacked)
+        reader.readFrom((*unpacked)->descriptor());
+    return unpacked;
 }
 
 ImageVolume::ImageVolume(const std::filesystem::path &image)
     : m_image(image)
-    , m_problem(unpackByOther(m_image, image, m_disk))
 {
-    if (m_problem.empty())
-        findVolume();
+    const auto disk = unpackByOther(m_image, image);
+    if (!disk) {
+        m_unpacked = disk.failure();
+        return;
+    }
+    m_disk = *disk;
+    findVolume();
 }
 
 void ImageVolume::findVolume()
@@ -63,13 +65,13 @@ std::shared_ptr<ScratchFile> ImageVolume::apfsContainer()
     return {};
 }
 
-std::string ImageVolume::error() const
+platform::Outcome ImageVolume::outcome() const
 {
-    if (!m_image.error().empty())
-        return m_image.error();
-    if (!m_problem.empty())
-        return m_problem;
-    return m_volume ? m_volume->error() : "no mountable file systems";
+    if (!m_image.outcome())
+        return m_image.outcome();
+    if (!m_unpacked)
+        return m_unpacked;
+    return m_volume ? m_volume->outcome() : platform::Error{QStringLiteral("no mountable file systems")};
 }
 
 std::string ImageVolume::scheme() const

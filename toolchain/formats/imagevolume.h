@@ -9,9 +9,9 @@
 namespace toolchain {
 
 /// Lets 7z unpack what the reader of an image cannot, into a temporary file that the reader reads from then.
-/// Answers what went wrong, or nothing, also where nothing was to be done; keeps the file.
-[[nodiscard]] std::string unpackByOther(UdifReader &reader, const std::filesystem::path &image,
-                                        std::shared_ptr<ScratchFile> &disk);
+/// Answers that file, or null where nothing was to be done; keep it as long as the reader.
+[[nodiscard]] platform::Result<std::shared_ptr<ScratchFile>>
+unpackByOther(UdifReader &reader, const std::filesystem::path &image);
 
 /// A disk image and the first HFS+ volume on it.
 class ImageVolume {
@@ -20,12 +20,12 @@ public:
     ImageVolume(const ImageVolume &) = delete;
     ImageVolume &operator=(const ImageVolume &) = delete;
 
-    /// Why there is no volume to read; empty if there is.
-    [[nodiscard]] std::string error() const;
+    /// Fails where there is no volume to read.
+    [[nodiscard]] platform::Outcome outcome() const;
 
     [[nodiscard]] UdifReader &image() { return m_image; }
 
-    /// Only if there is no error.
+    /// Only after a success.
     [[nodiscard]] const HfsPlusReader &volume() const { return *m_volume; }
 
     /// The bytes of the first APFS volume's container in a file of their own, for another program to read;
@@ -42,7 +42,7 @@ private:
 
     std::shared_ptr<ScratchFile> m_disk; ///< what the image is read from if it cannot be read itself
     UdifReader m_image;
-    std::string m_problem;
+    platform::Outcome m_unpacked;
     std::unique_ptr<HfsPlusReader> m_volume;
 };
 

@@ -6,8 +6,8 @@
 
 #include <algorithm>
 
+#include "formats/failures.h"
 #include "formats/statefolder.h"
-#include "support/wholefile.h"
 
 using namespace Qt::StringLiterals;
 using platform::Error;
@@ -18,13 +18,6 @@ namespace toolchain {
 namespace {
 
 const std::optional<NotaryRequest> noRequest;
-
-Outcome writeFile(const QString &path, const QByteArray &bytes)
-{
-    const std::string error =
-        writeWholeFile(path.toStdString(), {bytes.constData(), std::size_t(bytes.size())});
-    return error.empty() ? Outcome::success() : Error{QString::fromStdString(error)};
-}
 
 NotaryLookup readRequest(const QString &path)
 {
@@ -53,8 +46,9 @@ Outcome NotaryState::store(const NotaryRequest &request) const
         if (!made)
             return made;
     }
-    const Outcome logged = request.phase == Phase::reviewed ? writeFile(logPath(request.uuid), logOf(request))
-                                                            : Outcome::success();
+    const Outcome logged = request.phase == Phase::reviewed
+        ? writeFileAt(logPath(request.uuid).toStdString(), logOf(request))
+        : Outcome::success();
     return logged ? write(request) : logged;
 }
 
@@ -111,7 +105,7 @@ QString NotaryState::requestPath(const QString &uuid) const
 
 Outcome NotaryState::write(const NotaryRequest &request) const
 {
-    return writeFile(requestPath(request.uuid), jsonOf(request));
+    return writeFileAt(requestPath(request.uuid).toStdString(), jsonOf(request));
 }
 
 } // namespace toolchain

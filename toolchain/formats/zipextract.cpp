@@ -19,6 +19,8 @@
 #include <optional>
 
 using namespace Qt::StringLiterals;
+using platform::Error;
+using platform::Outcome;
 
 namespace toolchain {
 
@@ -92,27 +94,26 @@ public:
     {
     }
 
-    QString extract()
+    Outcome extract()
     {
         if (m_top.get() < 0)
-            return errorOf(m_folder, errno);
+            return Error{errorOf(m_folder, errno)};
         checkAll();
         // Links come after the files, so that no file can be written through one; folders get their modes and
         // times when nothing is put into them any more.
         forEach(&PackedEntry::isFolder, &Extractor::makeFolder);
         forEach(&PackedEntry::isFile, &Extractor::unpackFile);
         forEach(&PackedEntry::isLink, &Extractor::makeLink);
-        for (auto folder = m_finishedLast.rbegin(); folder != m_finishedLast.rend() && m_error.isEmpty();
-             ++folder)
+        for (auto folder = m_finishedLast.rbegin(); folder != m_finishedLast.rend() && m_outcome; ++folder)
             finishFolder(**folder);
-        return m_error;
+        return m_outcome;
     }
 
 private:
     void forEach(bool (PackedEntry::*isMeant)() const, void (Extractor::*action)(const PackedEntry &))
     {
         for (const PackedEntry &entry : m_archive.entries()) {
-            if (!m_error.isEmpty())
+            if (!m_outcome)
                 return;
             if ((entry.*isMeant)() && !m_attributes.isPartOfAnother(entry))
                 (this->*action)(entry);
@@ -123,9 +124,10 @@ private:
     {
         struct statvfs room = {};
         if (fstatvfs(m_top.get(), &room) == 0 && m_archive.plainSize() / room.f_frsize > room.f_bavail)
-            m_error = u"the archive holds %1 bytes, for which there is no room"_s.arg(m_archive.plainSize());
+            m_outcome =
+                Error{u"the archive holds %1 bytes, for which there is no room"_s.arg(m_archive.plainSize())};
         for (const PackedEntry &entry : m_archive.entries()) {
-            if (!m_error.isEmpty())
+            if (!m_outcome)
                 return;
             check(entry);
         }
@@ -146,7 +148,7 @@ private:
             return;
         const auto target = m_archive.bytesOf(entry, longestLink);
         if (!target)
-            m_error = target.error();
+            m_outcome = target.failure();
         else if (!staysInside(*target, parts->size() - 1))
             fail(entry, u"is a link that leads out of the folder"_s);
     }
@@ -193,12 +195,12 @@ private:
         NewFile file(folder.get(), parts.last().toStdString());
         int error = file.descriptor() < 0 ? errno : 0;
         if (error == 0) {
-            m_error = m_archive.read(entry, [&](QByteArrayView bytes) {
+            m_outcome = m_archive.read(entry, [&](QByteArrayView bytes) {
                 error = file.write({bytes.data(), std::size_t(bytes.size())}) ? 0 : errno;
                 return error == 0;
             });
         }
-        if (!m_error.isEmpty())
+        if (!m_outcome)
             return;
         if (error == 0
             && !(setTimes(file.descriptor(), entry) && chmodTo(file.descriptor(), entry) && file.finish()))
@@ -231,7 +233,7 @@ private:
         if (!openFolder(*partsOf(entry.name), folder))
             return failWith(entry, errno);
         setAttributes(entry, folder.get());
-        if (m_error.isEmpty() && !(setTimes(folder.get(), entry) && chmodTo(folder.get(), entry)))
+        if (m_outcome && !(setTimes(folder.get(), entry) && chmodTo(folder.get(), entry)))
             failWith(entry, errno);
     }
 
@@ -259,10 +261,9 @@ private:
             return fail(*holder, u"cannot be read: "_s + attributes.error());
         const QString path = m_folder + u'/' + QFile::decodeName(partsOf(entry.name)->join('/'));
         fchmod(file, (entry.mode & ordinaryRights) | S_IWUSR);
-        for (auto attribute = attributes->begin(); attribute != attributes->end() && m_error.isEmpty();
-             ++attribute)
-            m_error = writeAttribute(path, attribute.key(), attribute.value()).error();
-        if (!chmodTo(file, entry) && m_error.isEmpty())
+        for (auto attribute = attributes->begin(); attribute != attributes->end() && m_outcome; ++attribute)
+            m_outcome = writeAttribute(path, attribute.key(), attribute.value());
+        if (!chmodTo(file, entry) && m_outcome)
             failWith(entry, errno);
     }
 
@@ -273,13 +274,13 @@ private:
 
     void failWith(const PackedEntry &entry, int error)
     {
-        if (m_error.isEmpty())
-            m_error = errorOf(m_folder + u'/' + QString::fromUtf8(entry.name), error);
+        if (m_outcome)
+            m_outcome = Error{errorOf(m_folder + u'/' + QString::fromUtf8(entry.name), error)};
     }
 
     void fail(const PackedEntry &entry, const QString &reason)
     {
-        m_error = u"the entry \"%1\" %2"_s.arg(QString::fromUtf8(entry.name), reason);
+        m_outcome = Error{u"the entry \"%1\" %2"_s.arg(QString::fromUtf8(entry.name), reason)};
     }
 
     zip::ZipDirectory &m_archive;
@@ -288,20 +289,20 @@ private:
     const Descriptor m_top;
     QSet<QByteArray> m_paths;
     std::vector<const PackedEntry *> m_finishedLast;
-    QString m_error;
+    platform::Outcome m_outcome;
 };
 
 } // namespace
 
-QString extractZipArchive(const QString &archive, const QString &folder)
+Outcome extractZipArchive(const QString &archive, const QString &folder)
 {
     zip::ZipDirectory directory(archive);
-    if (!directory.error().isEmpty())
-        return archive + u": "_s + directory.error();
+    if (!directory.outcome())
+        return Error{archive + u": "_s + directory.outcome().error()};
     if (!QDir().mkpath(folder))
-        return folder + u": cannot be made"_s;
-    const QString problem = Extractor(directory, folder).extract();
-    return problem.isEmpty() ? QString() : archive + u": "_s + problem;
+        return Error{folder + u": cannot be made"_s};
+    const Outcome extracted = Extractor(directory, folder).extract();
+    return extracted ? extracted : Error{archive + u": "_s + extracted.error()};
 }
 
 } // namespace toolchain

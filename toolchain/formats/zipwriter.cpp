@@ -1,6 +1,7 @@
 #include "formats/zipwriter.h"
 
 #include "formats/appledouble.h"
+#include "formats/failures.h"
 #include "formats/fileattributes.h"
 #include "formats/zip/zipoutput.h"
 #include "support/wholefile.h"
@@ -16,6 +17,8 @@
 #include <vector>
 
 namespace fs = std::filesystem;
+using platform::Outcome;
+using platform::Result;
 
 namespace toolchain {
 
@@ -29,7 +32,7 @@ struct Source {
 };
 
 /// Everything to pack, parents first, in the order of the names.
-std::vector<Source> sourcesIn(const fs::path &source, ZipRoot root, std::string &problem)
+Result<std::vector<Source>> sourcesIn(const fs::path &source, ZipRoot root)
 {
     std::vector<Source> sources;
     const fs::path base = root == ZipRoot::parent ? source.parent_path() : source;
@@ -44,7 +47,7 @@ std::vector<Source> sourcesIn(const fs::path &source, ZipRoot root, std::string 
             sources.push_back({entry->path(), entry->path().native().substr(skipped)});
     }
     if (error)
-        problem = systemError(source, error.value());
+        return systemFailure(source, error.value());
     std::sort(sources.begin(), sources.end(),
               [](const Source &a, const Source &b) { return a.name < b.name; });
     return sources;
@@ -59,7 +62,7 @@ public:
     {
     }
 
-    [[nodiscard]] const std::string &error() const { return m_error; }
+    [[nodiscard]] const platform::Outcome &outcome() const { return m_outcome; }
 
     void pack(const Source &source)
     {
@@ -68,13 +71,13 @@ public:
             return;
         struct stat info = {};
         if (lstat(source.path.c_str(), &info) != 0)
-            m_error = systemError(source.path, errno);
+            m_outcome = systemFailure(source.path, errno);
         else
             packAs(source, info);
-        if (m_error.empty() && m_attributes != ZipAttributes::leftOut)
+        if (m_outcome && m_attributes != ZipAttributes::leftOut)
             packAttributes(source, path, info.st_mtim.tv_sec);
-        if (m_error.empty())
-            m_error = m_output.error();
+        if (m_outcome)
+            m_outcome = m_output.outcome();
     }
 
 private:
@@ -83,7 +86,7 @@ private:
     bool takeName(const Source &source)
     {
         if (source.name.size() > longestName) {
-            m_error = source.path.string() + ": the path is too long for an archive";
+            m_outcome = failureOf(source.path, "the path is too long for an archive");
             return false;
         }
         const bool isAscii =
@@ -93,13 +96,13 @@ private:
         QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
         const QString name = decoder(QByteArrayView(source.name.data(), qsizetype(source.name.size())));
         if (decoder.hasError())
-            m_error = source.path.string() + ": not a name that macOS can hold";
+            m_outcome = failureOf(source.path, "not a name that macOS can hold");
         else if (const QString same = name.normalized(QString::NormalizationForm_D); m_names.contains(same))
-            m_error = source.path.string()
-                + ": macOS takes its name for the same as that of another file in its folder";
+            m_outcome = failureOf(source.path,
+                                  "macOS takes its name for the same as that of another file in its folder");
         else
             m_names.insert(same);
-        return m_error.empty();
+        return bool(m_outcome);
     }
 
     void packAs(const Source &source, const struct stat &info)
@@ -115,9 +118,9 @@ private:
             std::error_code error;
             m_output.add(member, QByteArray::fromStdString(fs::read_symlink(source.path, error).native()));
             if (error)
-                m_error = systemError(source.path, error.value());
+                m_outcome = systemFailure(source.path, error.value());
         } else {
-            m_error = source.path.string() + ": neither a file, a folder nor a symbolic link";
+            m_outcome = failureOf(source.path, "neither a file, a folder nor a symbolic link");
         }
     }
 
@@ -125,7 +128,7 @@ private:
     {
         const auto attributes = readAttributes(path);
         if (!attributes)
-            m_error = attributes.error().toStdString();
+            m_outcome = attributes.failure();
         else if (!attributes->isEmpty())
             m_output.add({nameForAttributesOf(source.name), S_IFREG | 0644, modified},
                          appledouble::fileWith(*attributes));
@@ -142,32 +145,31 @@ private:
 
     zip::ZipOutput &m_output;
     const ZipAttributes m_attributes;
-    std::string m_error;
+    platform::Outcome m_outcome;
     QSet<QString> m_names; ///< those that are not ASCII, taken apart
 };
 
 } // namespace
 
-std::string writeZipArchive(const fs::path &source, const ZipOptions &options, const fs::path &destination)
+Outcome writeZipArchive(const fs::path &source, const ZipOptions &options, const fs::path &destination)
 {
-    std::string problem;
-    const auto sources = sourcesIn(source, options.root, problem);
-    if (!problem.empty())
-        return problem;
+    const auto sources = sourcesIn(source, options.root);
+    if (!sources)
+        return sources.failure();
     WholeFile file(destination);
     if (file.descriptor() < 0)
-        return systemError(destination, errno);
+        return systemFailure(destination, errno);
     zip::ZipOutput output(file.descriptor(), destination, options.level);
     Packer packer(output, options.attributes);
-    for (const Source &one : sources) {
+    for (const Source &one : *sources) {
         packer.pack(one);
-        if (!packer.error().empty())
-            return packer.error();
+        if (!packer.outcome())
+            return packer.outcome();
     }
     output.finish();
-    if (!output.error().empty())
-        return output.error();
-    return file.finish() ? std::string() : systemError(destination, errno);
+    if (!output.outcome())
+        return output.outcome();
+    return file.finish() ? Outcome::success() : systemFailure(destination, errno);
 }
 
 } // namespace toolchain

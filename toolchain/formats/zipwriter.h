@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/result.h"
+
 #include <filesystem>
 #include <string>
 
@@ -25,8 +27,9 @@ struct ZipOptions {
 
 /// Writes a zip archive of a file or folder with symbolic links, modes, times and attributes. Names are kept
 /// byte for byte; two of them that macOS takes for one are refused. The archive appears under its path only
-/// when it is whole. Answers what went wrong, naming the file, or nothing.
-[[nodiscard]] std::string writeZipArchive(const std::filesystem::path &source, const ZipOptions &options,
-                                          const std::filesystem::path &destination);
+/// when it is whole. An error names the file.
+[[nodiscard]] platform::Outcome writeZipArchive(const std::filesystem::path &source,
+                                                const ZipOptions &options,
+                                                const std::filesystem::path &destination);
 
 } // namespace toolchain

@@ -1,12 +1,12 @@
 #include "hdiutil/attach.h"
 
+#include "formats/failures.h"
 #include "formats/hfsplus/hfsplusnames.h"
 #include "formats/hfsplus/volumecopy.h"
 #include "formats/imagevolume.h"
 #include "hdiutil/attachedimages.h"
 #include "support/confinement.h"
 #include "support/console.h"
-#include "support/wholefile.h"
 
 #include <QFile>
 #include <QUuid>
@@ -165,22 +165,22 @@ int tellAttached(const AttachedImage &image, const ParsedArguments &arguments)
     return 0;
 }
 
-/// What keeps a folder from being the mount point; empty if nothing does.
-std::string complaintAboutMountPoint(const AttachedImage &image)
+/// Fails with what keeps a folder from being the mount point.
+platform::Outcome checkMountPoint(const AttachedImage &image)
 {
     std::error_code error;
     if (image.wasThere && !fs::is_directory(image.mountPoint))
-        return systemError(image.mountPoint, ENOTDIR);
+        return systemFailure(image.mountPoint, ENOTDIR);
     if (image.wasThere && !fs::is_empty(image.mountPoint, error) && !error)
-        return systemError(image.mountPoint, ENOTEMPTY);
-    return error ? systemError(image.mountPoint, error.value()) : std::string();
+        return systemFailure(image.mountPoint, ENOTEMPTY);
+    return error ? systemFailure(image.mountPoint, error.value()) : platform::Outcome();
 }
 
 /// What is to be attached, whatever its file system.
 struct Volume {
     std::string name; ///< that a folder can have
     const char *kind = ""; ///< as the list of devices calls it
-    std::function<std::string(const std::string &folder)> copyInto; ///< answers what went wrong, or nothing
+    std::function<platform::Outcome(const std::string &folder)> copyInto;
 };
 
 std::string usableName(const std::optional<QByteArray> &name)
@@ -200,37 +200,33 @@ platform::Result<Volume> apfsVolume(ImageVolume &source)
 {
     const auto container = source.apfsContainer();
     if (!container)
-        return platform::Error{QString::fromStdString(source.error())};
+        return source.outcome().failure();
     const auto name = sevenzip::apfsVolumeName(container->path());
     if (!name)
         return name.failure();
     return Volume{usableName(hfsplus::fileName(*name)), "Apple_APFS", [container](const std::string &folder) {
-                      return sevenzip::extractApfs(container->path(), QString::fromStdString(folder))
-                          .error()
-                          .toStdString();
+                      return sevenzip::extractApfs(container->path(), QString::fromStdString(folder));
                   }};
 }
 
-std::string copyVolumeInto(const std::string &mountPoint, const Volume &volume)
+platform::Outcome copyVolumeInto(const std::string &mountPoint, const Volume &volume)
 {
     std::error_code error;
     fs::create_directories(mountPoint, error);
-    return error ? systemError(mountPoint, error.value()) : volume.copyInto(mountPoint);
+    return error ? systemFailure(mountPoint, error.value()) : volume.copyInto(mountPoint);
 }
 
 /// Keeps a record of the copy before it is begun, so that an early end leaves nothing for good.
-std::string copyIntoPlace(AttachedImage &image, const Volume &volume, const AttachedImages &images)
+platform::Outcome copyIntoPlace(AttachedImage &image, const Volume &volume, const AttachedImages &images)
 {
-    std::string problem = images.store(image);
-    if (!problem.empty())
-        return problem;
-    problem = copyVolumeInto(image.mountPoint, volume);
-    image.isWhole = problem.empty();
-    if (problem.empty())
-        problem = images.store(image);
-    if (!problem.empty())
-        problem += images.remove(image);
-    return problem;
+    const platform::Outcome begun = images.store(image);
+    if (!begun)
+        return begun;
+    platform::Outcome done = copyVolumeInto(image.mountPoint, volume);
+    image.isWhole = bool(done);
+    if (done)
+        done = images.store(image);
+    return done ? done : platform::Error{done.error() + images.remove(image).error()};
 }
 
 int attachAnew(AttachedImage &image, const ParsedArguments &arguments, const AttachedImages &images)
@@ -239,15 +235,15 @@ int attachAnew(AttachedImage &image, const ParsedArguments &arguments, const Att
     const ReaderConfinement confinement(chosen.places(images));
     confinement.tellComplaint("hdiutil");
     ImageVolume source(image.image);
-    if (source.error().empty() && !arguments.has("-noverify")) {
+    if (source.outcome() && !arguments.has("-noverify")) {
         tellDetail(arguments, "Verifying...");
         if (!source.image().verify())
             tellDetail(arguments, "The checksums cannot be compared, or differ.");
     }
-    const bool hasNoHfs = !source.error().empty() && source.image().error().empty();
-    const auto apfs = hasNoHfs ? apfsVolume(source) : platform::Error{QString::fromStdString(source.error())};
-    if (!source.error().empty() && !apfs)
-        return failVerb(verb, apfs.error().toStdString());
+    const bool hasNoHfs = !source.outcome() && source.image().outcome();
+    const auto apfs = hasNoHfs ? apfsVolume(source) : source.outcome().failure();
+    if (!source.outcome() && !apfs)
+        return failVerb(verb, apfs.failure());
     const Volume volume = apfs ? *apfs : hfsVolume(source.volume());
     image.number = images.freeNumber();
     image.scheme = source.scheme();
@@ -255,12 +251,12 @@ int attachAnew(AttachedImage &image, const ParsedArguments &arguments, const Att
     image.mountPoint = mountPointFor(arguments, images, volume.name).string();
     const bool isJustMade = chosen.isMade() && arguments.has("-mountpoint");
     image.wasThere = !isJustMade && fs::exists(image.mountPoint);
-    std::string problem = complaintAboutMountPoint(image);
+    platform::Outcome done = checkMountPoint(image);
     tellDetail(arguments, "Copying the volume to " + image.mountPoint);
-    if (problem.empty())
-        problem = copyIntoPlace(image, volume, images);
-    if (!problem.empty())
-        return failVerb(verb, problem);
+    if (done)
+        done = copyIntoPlace(image, volume, images);
+    if (!done)
+        return failVerb(verb, done.failure());
     chosen.keep();
     return tellAttached(image, arguments);
 }
@@ -280,8 +276,8 @@ int attach(const VerbArguments &words)
         return failVerb(verb, std::strerror(errno));
     image.identity = *identity;
     const AttachedImages images;
-    if (!images.error().empty())
-        return failVerb(verb, images.error());
+    if (!images.outcome())
+        return failVerb(verb, images.outcome().failure());
     for (const AttachedImage &other : images.all()) {
         if (other.identity == image.identity && fs::exists(other.mountPoint))
             return tellAttached(other, arguments);

@@ -1,6 +1,6 @@
 #include "hdiutil/attachedimages.h"
 
-#include "support/wholefile.h"
+#include "formats/failures.h"
 
 #include <QDir>
 #include <QFile>
@@ -102,12 +102,12 @@ bool isInUse(const std::string &folder)
 AttachedImages::AttachedImages()
     : m_folder(stateFolder() + u"/diskimages"_s)
 {
-    m_error = makePrivateFolder(m_folder + u"/attached"_s).error().toStdString();
-    if (!m_error.empty())
+    m_outcome = makePrivateFolder(m_folder + u"/attached"_s);
+    if (!m_outcome)
         return;
     m_lock.emplace(m_folder);
     if (!m_lock->isHeld()) {
-        m_error = m_folder.toStdString() + ": cannot be locked";
+        m_outcome = platform::Error{m_folder + u": cannot be locked"_s};
         return;
     }
     clearUnfinished();
@@ -118,12 +118,12 @@ AttachedImages::AttachedImages()
 void AttachedImages::clearUnfinished()
 {
     for (const AttachedImage &image : all()) {
-        if (image.isWhole || !m_error.empty())
+        if (image.isWhole || !m_outcome)
             continue;
         if (image.wasThere)
             forget(image);
         else
-            m_error = remove(image);
+            m_outcome = remove(image);
     }
 }
 
@@ -131,8 +131,8 @@ void AttachedImages::clearUnfinished()
 void AttachedImages::clearUnreachable()
 {
     for (const AttachedImage &image : all()) {
-        if (m_error.empty() && image.isWhole && isUnreachable(image))
-            (void)remove(image);
+        if (m_outcome && image.isWhole && isUnreachable(image))
+            remove(image).ignore();
     }
 }
 
@@ -173,14 +173,13 @@ int AttachedImages::freeNumber() const
     return number;
 }
 
-std::string AttachedImages::store(const AttachedImage &image) const
+platform::Outcome AttachedImages::store(const AttachedImage &image) const
 {
     const QByteArray bytes = QJsonDocument(jsonOf(image)).toJson();
-    return writeWholeFile(recordPath(image.number).toStdString(),
-                          {bytes.constData(), std::size_t(bytes.size())});
+    return writeFileAt(recordPath(image.number).toStdString(), bytes);
 }
 
-std::string AttachedImages::remove(const AttachedImage &image) const
+platform::Outcome AttachedImages::remove(const AttachedImage &image) const
 {
     std::error_code error;
     if (fs::is_directory(fs::symlink_status(image.mountPoint, error))) {
@@ -189,7 +188,7 @@ std::string AttachedImages::remove(const AttachedImage &image) const
         if (!error && !image.wasThere)
             fs::remove(image.mountPoint, error);
         if (error)
-            return systemError(image.mountPoint, error.value());
+            return systemFailure(image.mountPoint, error.value());
     }
     forget(image);
     return {};

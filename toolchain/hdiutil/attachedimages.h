@@ -41,8 +41,8 @@ class AttachedImages {
 public:
     AttachedImages();
 
-    /// Why the state folder cannot be used; empty if it can.
-    [[nodiscard]] const std::string &error() const { return m_error; }
+    /// Fails where the state folder cannot be used.
+    [[nodiscard]] const platform::Outcome &outcome() const { return m_outcome; }
 
     /// By number. A damaged file is passed over.
     [[nodiscard]] std::vector<AttachedImage> all() const;
@@ -53,11 +53,11 @@ public:
     /// A disk number that is free.
     [[nodiscard]] int freeNumber() const;
 
-    /// Answers what went wrong, naming the file, or nothing.
-    [[nodiscard]] std::string store(const AttachedImage &image) const;
+    /// An error names the file.
+    [[nodiscard]] platform::Outcome store(const AttachedImage &image) const;
 
-    /// Removes the copy, then what is known of it. Answers what went wrong, naming the file, or nothing.
-    [[nodiscard]] std::string remove(const AttachedImage &image) const;
+    /// Removes the copy, then what is known of it. An error names the file.
+    [[nodiscard]] platform::Outcome remove(const AttachedImage &image) const;
 
 private:
     void clearUnfinished();
@@ -67,7 +67,7 @@ private:
     [[nodiscard]] QString recordPath(int number) const;
 
     const QString m_folder;
-    std::string m_error;
+    platform::Outcome m_outcome;
     std::optional<FolderLock> m_lock;
 };
 

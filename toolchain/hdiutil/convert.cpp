@@ -1,5 +1,6 @@
 #include "hdiutil/convert.h"
 
+#include "formats/failures.h"
 #include "formats/imagevolume.h"
 #include "formats/udif/udifwriter.h"
 #include "support/console.h"
@@ -81,21 +82,20 @@ bool copyPartition(UdifReader &source, const udif::Partition &partition, UdifWri
     return true;
 }
 
-/// Answers what went wrong, or nothing.
-std::string makeImage(const Plan &plan, UdifReader &source)
+platform::Outcome makeImage(const Plan &plan, UdifReader &source)
 {
     WholeFile file(plan.image);
     if (file.descriptor() < 0)
-        return systemError(plan.image, errno);
+        return systemFailure(plan.image, errno);
     UdifWriter writer(file.descriptor(), plan.image, plan.format, plan.level);
     for (const udif::Partition &partition : source.partitions()) {
         if (!copyPartition(source, partition, writer))
-            return source.error() + writer.error();
+            return source.outcome() ? writer.outcome() : source.outcome();
     }
     writer.finish();
-    if (!writer.error().empty())
-        return writer.error();
-    return file.finish() ? std::string() : systemError(plan.image, errno);
+    if (!writer.outcome())
+        return writer.outcome();
+    return file.finish() ? platform::Outcome() : systemFailure(plan.image, errno);
 }
 
 } // namespace
@@ -108,16 +108,14 @@ int convert(const VerbArguments &words)
         return refuseVerbArguments(verb, complaint);
     const Plan plan = planFrom(arguments);
     UdifReader source(plan.source);
-    if (!source.error().empty())
-        return failVerb(verb, source.error());
+    if (!source.outcome())
+        return failVerb(verb, source.outcome().failure());
     if (fs::exists(fs::symlink_status(plan.image)) && !arguments.has("-ov"))
         return failVerb(verb, std::strerror(EEXIST));
-    std::shared_ptr<ScratchFile> disk;
-    std::string problem = unpackByOther(source, plan.source, disk);
-    if (problem.empty())
-        problem = makeImage(plan, source);
-    if (!problem.empty())
-        return failVerb(verb, problem);
+    const auto disk = unpackByOther(source, plan.source);
+    const auto made = disk ? makeImage(plan, source) : disk.failure();
+    if (!made)
+        return failVerb(verb, made.failure());
     if (arguments.has("-plist"))
         printPropertyList(QStringList{QString::fromStdString(plan.image.string())});
     else

@@ -1,5 +1,6 @@
 #include "hdiutil/create.h"
 
+#include "formats/failures.h"
 #include "formats/hfsplus/hfspluswriter.h"
 #include "formats/udif/guidtable.h"
 #include "formats/udif/udifwriter.h"
@@ -127,27 +128,26 @@ void writeDisk(UdifWriter &writer, HfsPlusWriter &volume)
     writer.finish();
 }
 
-/// Answers what went wrong, or nothing.
-std::string makeImage(const Plan &plan, const ParsedArguments &arguments)
+platform::Outcome makeImage(const Plan &plan, const ParsedArguments &arguments)
 {
     tellDetail(arguments, "Initializing...");
     const qint64 now = std::time(nullptr);
     HfsPlusWriter volume(hfsplus::readSourceTree(plan.source, rootOf(plan.source), plan.volumeName, now),
                          now);
-    if (!volume.error().empty())
-        return volume.error();
+    if (!volume.outcome())
+        return volume.outcome();
     WholeFile file(plan.image);
     if (file.descriptor() < 0)
-        return systemError(plan.image, errno);
+        return systemFailure(plan.image, errno);
     tellDetail(arguments,
                "Copying " + plan.source.string() + " to a volume of "
                    + std::to_string(volume.size() / udif::sectorSize) + " sectors...");
     UdifWriter writer(file.descriptor(), plan.image, plan.format, plan.level);
     writeDisk(writer, volume);
-    if (!volume.error().empty() || !writer.error().empty())
-        return volume.error() + writer.error();
+    if (!volume.outcome() || !writer.outcome())
+        return volume.outcome() ? writer.outcome() : volume.outcome();
     tellDetail(arguments, "Finishing...");
-    return file.finish() ? std::string() : systemError(plan.image, errno);
+    return file.finish() ? platform::Outcome() : systemFailure(plan.image, errno);
 }
 
 } // namespace
@@ -167,10 +167,10 @@ int create(const VerbArguments &words)
     { // makes room before room is taken
         const AttachedImages leftOver;
     }
-    const std::string problem = makeImage(plan, arguments);
-    tellDetail(arguments, "hdiutil: create: returning " + std::to_string(problem.empty() ? 0 : 1));
-    if (!problem.empty())
-        return failVerb(verb, problem);
+    const auto made = makeImage(plan, arguments);
+    tellDetail(arguments, "hdiutil: create: returning " + std::to_string(made ? 0 : 1));
+    if (!made)
+        return failVerb(verb, made.failure());
     if (arguments.has("-plist"))
         printPropertyList(QStringList{QString::fromStdString(plan.image.string())});
     else

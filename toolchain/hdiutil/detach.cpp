@@ -37,14 +37,14 @@ int detach(const VerbArguments &words)
         return refuseVerbArguments(verb,
                                    arguments.error.empty() ? "one mount point is needed" : arguments.error);
     const AttachedImages images;
-    if (!images.error().empty())
-        return failVerb(verb, images.error());
+    if (!images.outcome())
+        return failVerb(verb, images.outcome().failure());
     for (const AttachedImage &image : images.all()) {
         if (!isMeant(image, arguments.operands.front()))
             continue;
-        const std::string problem = images.remove(image);
-        if (!problem.empty())
-            return failVerb(verb, problem);
+        const auto removed = images.remove(image);
+        if (!removed)
+            return failVerb(verb, removed.failure());
         print(std::string("\"").append(image.device()).append("\" ejected.\n"));
         return 0;
     }
@@ -59,8 +59,8 @@ int info(const VerbArguments &words)
         return refuseVerbArguments("info",
                                    arguments.error.empty() ? "nothing can be named" : arguments.error);
     const AttachedImages images;
-    if (!images.error().empty())
-        return failVerb("info", images.error());
+    if (!images.outcome())
+        return failVerb("info", images.outcome().failure());
     QVariantList list;
     for (const AttachedImage &image : images.all()) {
         list.append(QVariantMap{{u"image-path"_s, QString::fromStdString(image.image)},

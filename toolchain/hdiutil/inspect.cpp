@@ -77,11 +77,11 @@ int verify(const VerbArguments &words)
     confinement.tellComplaint("hdiutil");
     const std::string &path = arguments.operands.front();
     UdifReader image(path);
-    std::shared_ptr<ScratchFile> disk;
-    if (const std::string problem = unpackByOther(image, path, disk); !problem.empty())
-        return failVerb("verify", problem);
+    const auto disk = unpackByOther(image, path);
+    if (!disk)
+        return failVerb("verify", disk.failure());
     if (!image.verify())
-        return failVerb("verify", image.error());
+        return failVerb("verify", image.outcome().failure());
     printError("hdiutil: verify: checksum of \"" + path + "\" is VALID\n");
     return 0;
 }
@@ -96,8 +96,8 @@ int imageInfo(const VerbArguments &words)
     const ReaderConfinement confinement;
     confinement.tellComplaint("hdiutil");
     const UdifReader image(arguments.operands.front());
-    if (!image.error().empty())
-        return failVerb("imageinfo", image.error());
+    if (!image.outcome())
+        return failVerb("imageinfo", image.outcome().failure());
     if (arguments.has("-format"))
         print(std::string(formatOf(image).name) + "\n");
     else if (arguments.has("-plist"))

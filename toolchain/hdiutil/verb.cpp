@@ -53,6 +53,11 @@ int failVerb(const std::string &verb, const std::string &reason)
     return failureStatus;
 }
 
+int failVerb(const std::string &verb, const platform::Error &reason)
+{
+    return failVerb(verb, reason.text.toStdString());
+}
+
 std::filesystem::path fullPath(const std::string &path)
 {
     const std::filesystem::path full = std::filesystem::absolute(path).lexically_normal();

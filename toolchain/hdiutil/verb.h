@@ -1,6 +1,7 @@
 #pragma once
 
 #include "formats/udif/chunkpacking.h"
+#include "platform/result.h"
 #include "support/arguments.h"
 
 #include <QVariant>
@@ -28,6 +29,7 @@ void printPropertyList(const QVariant &value);
 
 /// Says on standard error that a verb failed and why, and answers the exit status for it.
 [[nodiscard]] int failVerb(const std::string &verb, const std::string &reason);
+[[nodiscard]] int failVerb(const std::string &verb, const platform::Error &reason);
 
 /// The path in full, without a slash at its end, so that its last part is its name.
 [[nodiscard]] std::filesystem::path fullPath(const std::string &path);

@@ -65,9 +65,9 @@ int signPackage(const QString &wanted, const TimestampChoice &choice, const QStr
     if (EVP_PKEY_get_base_id(identity->key.get()) != EVP_PKEY_RSA)
         return fail(u"The key of \"%1\" is no RSA key."_s.arg(identity->commonName));
     const auto package = xar::Archive::open(input);
-    const QString problem = problemOf(input, package);
-    if (!problem.isEmpty())
-        return fail(problem);
+    const auto checked = checkPackage(input, package);
+    if (!checked)
+        return fail(checked.error());
     const auto stamper = stamperFor(choice, package->checksumAlgorithm());
     if (!stamper)
         return fail(stamper.error());

@@ -8,16 +8,19 @@ using namespace Qt::StringLiterals;
 
 namespace toolchain {
 
-QString problemOf(const QString &path, const platform::Result<xar::Archive> &package)
+platform::Outcome checkPackage(const QString &path, const platform::Result<xar::Archive> &package)
 {
     if (!QFileInfo::exists(path))
-        return u"The package \"%1\" does not exist."_s.arg(path);
+        return platform::Error{u"The package \"%1\" does not exist."_s.arg(path)};
     if (!package)
-        return u"\"%1\" is no flat package: %2."_s.arg(path, package.error());
+        return platform::Error{u"\"%1\" is no flat package: %2."_s.arg(path, package.error())};
     if (!package->isPackage())
-        return u"\"%1\" is no package: neither a Distribution nor a PackageInfo is at its top."_s.arg(path);
+        return platform::Error{
+            u"\"%1\" is no package: neither a Distribution nor a PackageInfo is at its top."_s.arg(path)};
     const QString damaged = package->damagedFile();
-    return damaged.isEmpty() ? QString() : u"\"%1\" is damaged: %2."_s.arg(path, damaged);
+    if (!damaged.isEmpty())
+        return platform::Error{u"\"%1\" is damaged: %2."_s.arg(path, damaged)};
+    return {};
 }
 
 platform::Outcome writeSignedPackage(const xar::Archive &package, const SigningIdentity &identity,

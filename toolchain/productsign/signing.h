@@ -5,8 +5,9 @@
 
 namespace toolchain {
 
-/// What keeps a file from being signed as a package; empty if nothing does. Reads the whole package.
-[[nodiscard]] QString problemOf(const QString &path, const platform::Result<xar::Archive> &package);
+/// Fails with what keeps a file from being signed as a package. Reads the whole package.
+[[nodiscard]] platform::Outcome checkPackage(const QString &path,
+                                             const platform::Result<xar::Archive> &package);
 
 /// Writes a copy of a package with both signatures of the identity, which must have an RSA key, and its whole
 /// chain of certificates.

@@ -69,7 +69,7 @@ public:
         return element(tag::dictionary, content);
     }
 
-    [[nodiscard]] const QString &problem() const { return m_problem; }
+    [[nodiscard]] const platform::Outcome &outcome() const { return m_outcome; }
 
 private:
     QByteArray value(const QVariant &value, int depth)
@@ -105,13 +105,13 @@ private:
 
     QByteArray complain(const QString &problem)
     {
-        if (m_problem.isEmpty())
-            m_problem = u"the value of \"%1\" "_s.arg(m_key) + problem;
+        if (m_outcome)
+            m_outcome = platform::Error{u"the value of \"%1\" "_s.arg(m_key) + problem};
         return {};
     }
 
     QString m_key;
-    QString m_problem;
+    platform::Outcome m_outcome;
 };
 
 /// An element at the beginning of some bytes.
@@ -231,8 +231,8 @@ Result<QByteArray> entitlementsAsDer(const QVariantMap &entitlements)
 {
     Encoder encoder;
     const QByteArray dictionary = encoder.dictionary(entitlements, 0);
-    if (!encoder.problem().isEmpty())
-        return Error{encoder.problem()};
+    if (!encoder.outcome())
+        return encoder.outcome().failure();
     return element(tag::top, element(tag::integer, integerContent(1)) + dictionary);
 }
 

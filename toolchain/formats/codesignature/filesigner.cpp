@@ -1,6 +1,7 @@
 #include "formats/codesignature/filesigner.h"
 
 #include "formats/codesignature/requirement.h"
+#include "formats/failures.h"
 
 #include "formats/codesignature/filebytes.h"
 #include "formats/codesignature/pagedigests.h"
@@ -8,7 +9,6 @@
 #include "formats/fileattributes.h"
 #include "formats/udif/imagesignature.h"
 #include "support/openfile.h"
-#include "support/wholefile.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -124,10 +124,10 @@ Outcome signBesideSeal(const QString &mainFile, const QString &sealFolder, const
     if (!blobs)
         return blobs.failure();
     for (const IndexedBlob &blob : blobs->blobs()) {
-        const std::string problem = writeWholeFile(
-            (sealFolder + u'/' + slotFileName(blob.type)).toStdString(), storedForm(blob).toStdString());
-        if (!problem.empty())
-            return Error{QString::fromStdString(problem)};
+        const Outcome written =
+            writeFileAt((sealFolder + u'/' + slotFileName(blob.type)).toStdString(), storedForm(blob));
+        if (!written)
+            return written;
     }
     return {};
 }

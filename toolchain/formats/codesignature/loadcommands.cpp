@@ -39,15 +39,15 @@ public:
         readHeader();
         quint64 at = m_slice.headerSize();
         const auto end = quint64(m_slice.head.size());
-        for (quint32 index = 0; index < m_slice.commandCount && m_problem.isEmpty(); ++index) {
+        for (quint32 index = 0; index < m_slice.commandCount && m_outcome; ++index) {
             const quint64 size = m_numbers.u32(at + 4);
             if (end - at < 8 || size < 8 || size % 4 != 0 || size > end - at)
                 return Error{u"load command %1 does not fit in its place"_s.arg(index)};
             readCommand(at, size);
             at += size;
         }
-        if (!m_problem.isEmpty())
-            return Error{m_problem};
+        if (!m_outcome)
+            return m_outcome.failure();
         return std::move(m_slice);
     }
 
@@ -185,13 +185,13 @@ private:
 
     void complain(const QString &problem)
     {
-        if (m_problem.isEmpty())
-            m_problem = problem;
+        if (m_outcome)
+            m_outcome = platform::Error{problem};
     }
 
     MachOSlice m_slice;
     const HeadReader m_numbers;
-    QString m_problem;
+    platform::Outcome m_outcome;
 };
 
 } // namespace

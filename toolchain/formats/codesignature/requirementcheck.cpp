@@ -117,8 +117,8 @@ public:
     Result<bool> run()
     {
         const bool isMet = expression(0);
-        if (!m_problem.isEmpty())
-            return Error{m_problem};
+        if (!m_outcome)
+            return m_outcome.failure();
         if (m_reader.isCut() || !m_reader.isAtEnd())
             return Error{u"the requirement does not end where it should"_s};
         return isMet;
@@ -129,9 +129,9 @@ private:
     bool expression(int depth)
     {
         if (depth > deepestExpression)
-            m_problem = u"the requirement is too large"_s;
+            m_outcome = platform::Error{u"the requirement is too large"_s};
         const quint32 operation = m_reader.number();
-        if (!m_problem.isEmpty() || m_reader.isCut())
+        if (!m_outcome || m_reader.isCut())
             return false;
         switch (Operation(operation & operationMask)) {
         case Operation::conjunction: {
@@ -252,7 +252,8 @@ private:
         if (operation & (unknownIsFalse | unknownIsSkipped))
             (void)m_reader.data();
         else
-            m_problem = u"the requirement has an unknown operation %1"_s.arg(operation & operationMask);
+            m_outcome = platform::Error{
+                u"the requirement has an unknown operation %1"_s.arg(operation & operationMask)};
         return (operation & unknownIsFalse) == 0;
     }
 
@@ -260,7 +261,8 @@ private:
     {
         Comparison comparison{Match(m_reader.number()), {}, 0};
         if (comparison.match > Match::absent)
-            m_problem = u"the requirement has an unknown comparison %1"_s.arg(quint32(comparison.match));
+            m_outcome = platform::Error{
+                u"the requirement has an unknown comparison %1"_s.arg(quint32(comparison.match))};
         else if (comparison.match >= Match::on && comparison.match <= Match::onOrAfter)
             comparison.date = m_reader.date();
         else if (comparison.match != Match::exists && comparison.match != Match::absent)
@@ -308,7 +310,7 @@ private:
 
     RequirementReader m_reader;
     const RequirementSubject &m_subject;
-    QString m_problem;
+    platform::Outcome m_outcome;
 };
 
 } // namespace

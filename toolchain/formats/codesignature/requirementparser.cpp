@@ -28,15 +28,15 @@ public:
     {
         const QByteArray code = alternatives(0);
         while (accept(";")) { }
-        if (m_problem.isEmpty() && next().kind != TokenKind::end)
+        if (m_outcome && next().kind != TokenKind::end)
             complain(u"unexpected \"%1\""_s.arg(QString::fromUtf8(next().bytes)));
-        return m_problem.isEmpty() ? Result<QByteArray>(requirementBlob(code)) : Error{m_problem};
+        return m_outcome ? Result<QByteArray>(requirementBlob(code)) : m_outcome.failure();
     }
 
     Result<RequirementSet> set()
     {
         RequirementSet set;
-        while (m_problem.isEmpty() && next().kind != TokenKind::end) {
+        while (m_outcome && next().kind != TokenKind::end) {
             const auto type = requirementType();
             expect("=>");
             const QByteArray code = alternatives(0);
@@ -47,7 +47,7 @@ public:
         }
         if (set.isEmpty())
             complain(u"there is no requirement"_s);
-        return m_problem.isEmpty() ? Result<RequirementSet>(set) : Error{m_problem};
+        return m_outcome ? Result<RequirementSet>(set) : m_outcome.failure();
     }
 
 private:
@@ -89,7 +89,7 @@ private:
     {
         if (++m_terms > mostTerms || depth > deepestExpression)
             complain(u"the requirement is too large"_s);
-        if (!m_problem.isEmpty())
+        if (!m_outcome)
             return {};
         if (accept("("))
             return closed(alternatives(depth + 1));
@@ -328,8 +328,8 @@ private:
 
     void complain(const QString &problem)
     {
-        if (m_problem.isEmpty())
-            m_problem = problem + u" at character %1"_s.arg(next().at + 1);
+        if (m_outcome)
+            m_outcome = platform::Error{problem + u" at character %1"_s.arg(next().at + 1)};
     }
 
     static constexpr int mostTerms = 2000;
@@ -337,7 +337,7 @@ private:
     QList<Token> m_tokens;
     qsizetype m_at = 0;
     int m_terms = 0;
-    QString m_problem;
+    platform::Outcome m_outcome;
 };
 
 } // namespace

@@ -102,8 +102,8 @@ public:
     Result<QString> print()
     {
         expression(Around::nothing, 0);
-        if (!m_problem.isEmpty())
-            return Error{m_problem};
+        if (!m_outcome)
+            return m_outcome.failure();
         if (m_reader.isCut() || !m_reader.isAtEnd())
             return Error{u"the requirement does not end where it should"_s};
         return m_text;
@@ -113,9 +113,9 @@ private:
     void expression(Around around, int depth)
     {
         if (depth > deepestExpression || m_text.size() > longestText)
-            m_problem = u"the requirement is too large"_s;
+            m_outcome = platform::Error{u"the requirement is too large"_s};
         const quint32 operation = m_reader.number();
-        if (!m_problem.isEmpty() || m_reader.isCut())
+        if (!m_outcome || m_reader.isCut())
             return;
         switch (Operation(operation & operationMask)) {
         case Operation::conjunction:
@@ -250,7 +250,8 @@ private:
         case Match::greaterEqual:
             return add(u" >= "_s + stringText(m_reader.data()));
         default:
-            m_problem = u"the requirement has an unknown comparison %1"_s.arg(quint32(match));
+            m_outcome =
+                platform::Error{u"the requirement has an unknown comparison %1"_s.arg(quint32(match))};
         }
     }
 
@@ -274,7 +275,7 @@ private:
         else if (operation & unknownIsSkipped)
             add(u" /* opcode %1 */"_s.arg(number));
         else
-            m_problem = u"the requirement has an unknown operation %1"_s.arg(number);
+            m_outcome = platform::Error{u"the requirement has an unknown operation %1"_s.arg(number)};
         if (operation & (unknownIsFalse | unknownIsSkipped))
             (void)m_reader.data();
     }
@@ -283,7 +284,7 @@ private:
 
     RequirementReader m_reader;
     QString m_text;
-    QString m_problem;
+    platform::Outcome m_outcome;
 };
 
 } // namespace

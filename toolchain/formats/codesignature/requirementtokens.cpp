@@ -25,10 +25,10 @@ public:
 
     Result<QList<Token>> tokens()
     {
-        while (m_problem.isEmpty() && passOverBlanks())
+        while (m_outcome && passOverBlanks())
             takeOne();
-        if (!m_problem.isEmpty())
-            return Error{m_problem + u" at character %1"_s.arg(m_at + 1)};
+        if (!m_outcome)
+            return Error{m_outcome.error() + u" at character %1"_s.arg(m_at + 1)};
         m_tokens.append({TokenKind::end, {}, m_at});
         return m_tokens;
     }
@@ -76,7 +76,7 @@ private:
         const QByteArray digits = m_text.mid(m_at + 2, end - m_at - 2);
         const QByteArray bytes = QByteArray::fromHex(digits);
         if (end < 0 || bytes.isEmpty() || bytes.toHex() != digits.toLower())
-            m_problem = u"invalid hash"_s;
+            m_outcome = platform::Error{u"invalid hash"_s};
         add(TokenKind::hash, bytes, end + 1);
     }
 
@@ -89,7 +89,7 @@ private:
             bytes.append(m_text[at]);
         }
         if (at >= m_text.size())
-            m_problem = u"unterminated string"_s;
+            m_outcome = platform::Error{u"unterminated string"_s};
         add(TokenKind::text, bytes, at + 1);
     }
 
@@ -99,7 +99,7 @@ private:
         const QByteArray digits = m_text.mid(m_at + 2, end - m_at - 2);
         const QByteArray bytes = QByteArray::fromHex(digits);
         if (bytes.toHex() != digits.toLower())
-            m_problem = u"invalid bytes"_s;
+            m_outcome = platform::Error{u"invalid bytes"_s};
         add(TokenKind::text, bytes, end);
     }
 
@@ -124,12 +124,12 @@ private:
             if (startsWith(symbol))
                 return add(TokenKind::symbol, symbol, m_at + qsizetype(strlen(symbol)));
         }
-        m_problem = u"unexpected character"_s;
+        m_outcome = platform::Error{u"unexpected character"_s};
     }
 
     void add(TokenKind kind, const QByteArray &bytes, qsizetype end)
     {
-        if (!m_problem.isEmpty())
+        if (!m_outcome)
             return;
         m_tokens.append({kind, bytes, m_at});
         m_at = end;
@@ -143,7 +143,7 @@ private:
     QByteArray m_text;
     qsizetype m_at = 0;
     QList<Token> m_tokens;
-    QString m_problem;
+    platform::Outcome m_outcome;
 };
 
 } // namespace

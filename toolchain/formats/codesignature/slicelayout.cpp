@@ -8,6 +8,7 @@
 
 using namespace Qt::StringLiterals;
 using platform::Error;
+using platform::Outcome;
 using platform::Result;
 
 namespace toolchain::codesignature {
@@ -62,21 +63,21 @@ void setCommands(QByteArray &head, const MachOSlice &slice, quint32 count)
     put(head, commandsSizeAt, quint32(quint64(head.size()) - slice.headerSize()));
 }
 
-QString formatProblem(const MachOSlice &slice)
+Outcome checkFormat(const MachOSlice &slice)
 {
     const MachOSegment *linkedit = slice.segment("__LINKEDIT");
     if (slice.isBigEndian || !linkedit)
-        return text::badObject;
+        return Error{text::badObject};
     const quint64 end = linkedit->file.end();
     for (const MachOSegment &segment : slice.segments) {
         if (segment.file.end() > end)
-            return text::strictExecutable;
+            return Error{text::strictExecutable};
     }
     const bool endsSlice = end == slice.place.length;
     const bool endsWithSignature = !slice.signature
         || (slice.signature->data.offset >= linkedit->file.offset
             && aligned(slice.signature->data.end(), signatureAlignment) >= end);
-    return endsSlice && endsWithSignature ? QString() : text::strictExecutable;
+    return endsSlice && endsWithSignature ? Outcome::success() : Error{text::strictExecutable};
 }
 
 bool hasRoomForCommand(const MachOSlice &slice)
@@ -103,9 +104,9 @@ quint64 codeLengthFor(const MachOSlice &slice)
 
 Result<SliceLayout> layoutWithSignature(const MachOSlice &slice, quint64 room, quint64 segmentAlignment)
 {
-    const QString problem = formatProblem(slice);
-    if (!problem.isEmpty())
-        return Error{problem};
+    const Outcome checked = checkFormat(slice);
+    if (!checked)
+        return checked.failure();
     if (!slice.signature && !hasRoomForCommand(slice))
         return Error{u"there is no room in the Mach-O header for the command of a signature"_s};
     SliceLayout layout{slice.place, slice.head, std::min(codeLengthFor(slice), slice.place.length),
@@ -130,9 +131,9 @@ Result<SliceLayout> layoutWithoutSignature(const MachOSlice &slice)
     SliceLayout layout{slice.place, slice.head, slice.codeLength(), slice.codeLength(), 0};
     if (!slice.signature)
         return layout;
-    const QString problem = formatProblem(slice);
-    if (!problem.isEmpty())
-        return Error{problem};
+    const Outcome checked = checkFormat(slice);
+    if (!checked)
+        return checked.failure();
     const quint64 names = slice.stringTableEnd.value_or(0);
     if (names <= layout.codeLength && layout.codeLength - names <= mostPaddingBeforeSignature)
         layout.codeLength = names;

@@ -9,6 +9,7 @@
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
+using platform::Error;
 
 namespace toolchain {
 
@@ -16,7 +17,7 @@ using namespace hfsplus;
 
 namespace {
 
-constexpr const char *damaged = "the volume is damaged";
+const QString damaged = u"the volume is damaged"_s;
 constexpr qsizetype pieceSize = 256 << 10;
 constexpr quint8 compressedFlag = 0x20;
 const QString compressionAttribute = u"com.apple.decmpfs"_s;
@@ -117,13 +118,13 @@ HfsPlusReader::HfsPlusReader(ByteSource source)
         || !readTree(forkAt(header, hfsplus::catalogFork, {catalogFile, ForkKind::data}),
                      &HfsPlusReader::takeCatalogRecord)
         || m_root.number != hfsplus::rootFolder) {
-        if (m_error.empty())
-            m_error = damaged;
+        if (m_outcome)
+            m_outcome = Error{damaged};
         return;
     }
     const StoredFork attributes = forkAt(header, hfsplus::attributesFork, {attributesFile, ForkKind::data});
-    if (attributes.size > 0 && !readTree(attributes, &HfsPlusReader::takeAttribute) && m_error.empty())
-        m_error = damaged;
+    if (attributes.size > 0 && !readTree(attributes, &HfsPlusReader::takeAttribute) && m_outcome)
+        m_outcome = Error{damaged};
     followHardLinks();
 }
 
@@ -279,7 +280,7 @@ bool HfsPlusReader::takeCatalogRecord(QByteArrayView key, QByteArrayView data)
     if (!isFolder && !(kind == fileRecord && data.size() >= fileRecordSize))
         return true;
     if (++m_entryCount > mostEntries) {
-        m_error = "there are too many files on the volume to be read here";
+        m_outcome = Error{u"there are too many files on the volume to be read here"_s};
         return false;
     }
     const quint32 folder = bigEndianAt<quint32>(key, 2);
@@ -321,7 +322,7 @@ bool HfsPlusReader::takeAttribute(QByteArrayView key, QByteArrayView data)
         return kind == moreOfForkAttribute;
     m_attributeBytes += quint64(attribute.value.size() + key.size());
     if (m_attributeBytes > mostBytes) {
-        m_error = "there are too many attributes on the volume to be read here";
+        m_outcome = Error{u"there are too many attributes on the volume to be read here"_s};
         return false;
     }
     m_attributes[file].push_back(std::move(attribute));

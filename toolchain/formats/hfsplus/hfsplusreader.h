@@ -2,6 +2,7 @@
 
 #include "formats/bytestreams.h"
 #include "formats/hfsplus/hfsplusnames.h"
+#include "platform/result.h"
 
 #include <QByteArray>
 #include <QString>
@@ -65,9 +66,9 @@ public:
     /// Reads the catalog and the attributes.
     explicit HfsPlusReader(ByteSource source);
 
-    /// What makes the volume unreadable; empty if nothing does. A source that gives no bytes is not told of
+    /// Fails with what makes the volume unreadable. A source that gives no bytes is not told of
     /// here.
-    [[nodiscard]] const std::string &error() const { return m_error; }
+    [[nodiscard]] const platform::Outcome &outcome() const { return m_outcome; }
 
     [[nodiscard]] const QString &volumeName() const { return m_volumeName; }
 
@@ -116,7 +117,7 @@ private:
     [[nodiscard]] QByteArray compressionOf(const hfsplus::VolumeEntry &entry) const;
 
     const ByteSource m_source;
-    std::string m_error;
+    platform::Outcome m_outcome;
     quint32 m_blockSize = 0;
     QString m_volumeName;
     hfsplus::VolumeEntry m_root;

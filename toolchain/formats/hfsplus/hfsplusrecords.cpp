@@ -1,6 +1,7 @@
 #include "formats/hfsplus/hfsplusrecords.h"
 
 #include "formats/bigendian.h"
+#include "formats/failures.h"
 #include "formats/hfsplus/hfsplusformat.h"
 #include "formats/hfsplus/hfsplusnames.h"
 
@@ -193,17 +194,18 @@ quint32 catalogNumber(std::size_t place)
     return place == 0 ? rootFolder : firstUserItem + quint32(place) - 1;
 }
 
-std::string catalogRecords(const std::vector<SourceItem> &items, qint64 volumeCreated,
-                           std::vector<TreeRecord> &records)
+platform::Result<std::vector<TreeRecord>> catalogRecords(const std::vector<SourceItem> &items,
+                                                         qint64 volumeCreated)
 {
+    std::vector<TreeRecord> records;
     auto ordered = orderedRecords(items, volumeCreated);
     for (std::size_t index = 0; index < ordered.size(); ++index) {
         if (index > 0 && !comesBefore(ordered[index - 1], ordered[index]))
-            return items[ordered[index].place].path.string()
-                + ": HFS+ takes its name for the same as that of another file in its folder";
+            return failureOf(items[ordered[index].place].path,
+                             "HFS+ takes its name for the same as that of another file in its folder");
         records.push_back(std::move(ordered[index].record));
     }
-    return {};
+    return records;
 }
 
 std::vector<TreeRecord> attributeRecords(const std::vector<SourceItem> &items)

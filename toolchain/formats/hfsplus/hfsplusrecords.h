@@ -22,11 +22,11 @@ struct VolumeSummary {
 /// The number in the catalog of the item at a place of the source tree.
 [[nodiscard]] quint32 catalogNumber(std::size_t place);
 
-/// All records of the catalog, in the order of their keys. `volumeCreated` is in seconds since 1970. Answers
-/// which file's name is as good as another's to HFS+, or nothing. Format: Apple Technical Note TN1150,
-/// "Catalog File".
-[[nodiscard]] std::string catalogRecords(const std::vector<SourceItem> &items, qint64 volumeCreated,
-                                         std::vector<TreeRecord> &records);
+/// All records of the catalog, in the order of their keys. `volumeCreated` is in seconds since 1970. Fails
+/// with the file whose name is as good as another's to HFS+. Format: Apple Technical Note TN1150, "Catalog
+/// File".
+[[nodiscard]] platform::Result<std::vector<TreeRecord>> catalogRecords(const std::vector<SourceItem> &items,
+                                                                       qint64 volumeCreated);
 
 /// All records of the attributes' tree, in the order of their keys. Format: Apple Technical Note TN1150,
 /// "Attributes File", and bsd/hfs/hfs_format.h of Apple's published kernel sources for the records of short

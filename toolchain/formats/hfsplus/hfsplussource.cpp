@@ -1,11 +1,11 @@
 #include "formats/hfsplus/hfsplussource.h"
 
 #include "formats/appledouble.h"
+#include "formats/failures.h"
 #include "formats/fileattributes.h"
 #include "formats/hfsplus/hfsplusformat.h"
 #include "formats/hfsplus/hfsplusnames.h"
 #include "formats/hfsplus/sourcelinks.h"
-#include "support/wholefile.h"
 
 #include <QFile>
 
@@ -44,11 +44,11 @@ public:
             add(source, 0);
         else
             addContents(0);
-        for (std::size_t place = 1; place < m_tree.items.size() && m_tree.error.empty(); ++place) {
+        for (std::size_t place = 1; place < m_tree.items.size() && m_tree.outcome; ++place) {
             if (m_tree.items[place].isFolder())
                 addContents(place);
         }
-        if (m_tree.error.empty())
+        if (m_tree.outcome)
             joinHardLinks(m_tree.items, plainFolder(time));
         return std::move(m_tree);
     }
@@ -62,10 +62,10 @@ private:
         for (fs::directory_iterator entry(path, error), end; !error && entry != end; entry.increment(error))
             entries.push_back(entry->path());
         if (error)
-            m_tree.error = systemError(path, error.value());
+            m_tree.outcome = systemFailure(path, error.value());
         std::sort(entries.begin(), entries.end());
         for (const fs::path &entry : entries) {
-            if (!m_tree.error.empty())
+            if (!m_tree.outcome)
                 return;
             if (!isSidecar(textOf(entry)))
                 add(entry, folder);
@@ -79,7 +79,7 @@ private:
         item.folder = folder;
         const auto name = storedName(path.filename().native());
         if (!name) {
-            m_tree.error = path.string() + ": not a name that HFS+ can hold";
+            m_tree.outcome = failureOf(path, "not a name that HFS+ can hold");
             return;
         }
         item.storedName = *name;
@@ -93,11 +93,11 @@ private:
     bool readWhatItIs(SourceItem &item)
     {
         if (lstat(item.path.c_str(), &item.status) != 0)
-            return fail(systemError(item.path, errno));
+            return fail(systemFailure(item.path, errno));
         if (item.isLink() && !readLink(item))
             return false;
         if (!item.isLink() && !item.isFolder() && !S_ISREG(item.status.st_mode))
-            return fail(item.path.string() + ": neither a file, a folder nor a symbolic link");
+            return fail(failureOf(item.path, "neither a file, a folder nor a symbolic link"));
         if (S_ISREG(item.status.st_mode))
             item.data.size = quint64(item.status.st_size);
         return readAttributesOf(item);
@@ -108,14 +108,14 @@ private:
         std::error_code error;
         item.linkTarget = QByteArray::fromStdString(fs::read_symlink(item.path, error).native());
         item.data.size = quint64(item.linkTarget.size());
-        return !error || fail(systemError(item.path, error.value()));
+        return !error || fail(systemFailure(item.path, error.value()));
     }
 
     bool readAttributesOf(SourceItem &item)
     {
         auto attributes = readAttributes(textOf(item.path));
         if (!attributes)
-            return fail(attributes.error().toStdString());
+            return fail(attributes.failure());
         item.resource.size = quint64(attributes->take(appledouble::resourceFork).size());
         const QByteArray info = attributes->take(appledouble::finderInfo);
         if (!info.isEmpty())
@@ -134,8 +134,8 @@ private:
         SourceAttribute attribute;
         attribute.name = QString::fromUtf8(name);
         if (attribute.name.size() > longestAttributeName)
-            return fail(item.path.string() + ": the name of its attribute " + name.toStdString()
-                        + " is too long");
+            return fail(
+                failureOf(item.path, "the name of its attribute " + name.toStdString() + " is too long"));
         if (value.size() <= longestInlineAttribute)
             attribute.value = value;
         else
@@ -144,9 +144,9 @@ private:
         return true;
     }
 
-    bool fail(const std::string &problem)
+    bool fail(const platform::Error &error)
     {
-        m_tree.error = problem;
+        m_tree.outcome = error;
         return false;
     }
 
@@ -160,7 +160,7 @@ SourceTree readSourceTree(const fs::path &source, VolumeRoot root, std::string_v
     const auto name = storedName(volumeName);
     if (!name || name->isEmpty()) {
         SourceTree refused;
-        refused.error = std::string(volumeName) + ": not a name that HFS+ can hold";
+        refused.outcome = failureOf(volumeName, "not a name that HFS+ can hold");
         return refused;
     }
     SourceItem top;

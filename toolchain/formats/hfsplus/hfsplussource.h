@@ -1,6 +1,7 @@
 #pragma once
 
 #include "formats/hfsplus/hfsplusnames.h"
+#include "platform/result.h"
 
 #include <QByteArray>
 #include <QString>
@@ -65,7 +66,7 @@ struct SourceItem {
 
 struct SourceTree {
     std::vector<SourceItem> items; ///< the root folder first, folders before what lies in them
-    std::string error; ///< which file cannot be taken, and why; empty if all can
+    platform::Outcome outcome; ///< an error says which file cannot be taken, and why
 };
 
 /// Looks through what a volume called `volumeName` (UTF-8) is to hold. Never follows links. Takes no more

@@ -1,10 +1,10 @@
 #include "formats/hfsplus/hfspluswriter.h"
 
 #include "formats/appledouble.h"
+#include "formats/failures.h"
 #include "formats/fileattributes.h"
 #include "formats/hfsplus/hfsplusformat.h"
 #include "support/openfile.h"
-#include "support/wholefile.h"
 
 #include <QFile>
 #include <QRandomGenerator>
@@ -14,6 +14,8 @@
 #include <algorithm>
 #include <cerrno>
 #include <limits>
+
+using namespace Qt::StringLiterals;
 
 namespace toolchain {
 
@@ -48,11 +50,11 @@ Fork forkAt(quint64 &nextBlock, quint64 blocks)
 HfsPlusWriter::HfsPlusWriter(SourceTree tree, qint64 time)
     : m_items(std::move(tree.items))
     , m_time(time)
-    , m_error(std::move(tree.error))
+    , m_outcome(std::move(tree.outcome))
 {
-    if (m_error.empty())
+    if (m_outcome)
         layOutFiles();
-    if (m_error.empty())
+    if (m_outcome)
         layOutSpecialFiles();
 }
 
@@ -73,7 +75,7 @@ void HfsPlusWriter::layOutFiles()
         for (SourceAttribute &attribute : item.attributes)
             fits = fits && layOut(attribute.fork, nextBlock);
         if (!fits) {
-            m_error = item.path.string() + ": the volume becomes too large";
+            m_outcome = failureOf(item.path, "the volume becomes too large");
             return;
         }
         ++(item.isFolder() ? m_summary.folderCount : m_summary.fileCount);
@@ -96,16 +98,17 @@ bool HfsPlusWriter::layOut(Fork &fork, quint64 &nextBlock)
 /// them.
 void HfsPlusWriter::layOutSpecialFiles()
 {
-    std::vector<TreeRecord> records;
-    m_error = catalogRecords(m_items, m_time, records);
-    if (m_error.empty())
-        m_catalog = treeFile(records, catalogForm);
-    if (m_error.empty())
-        m_attributes = treeFile(attributeRecords(m_items), attributesForm);
-    if (m_error.empty() && (m_catalog.isEmpty() || m_attributes.isEmpty()))
-        m_error = "there are too many files for one volume";
-    if (!m_error.empty())
+    const auto records = catalogRecords(m_items, m_time);
+    if (!records) {
+        m_outcome = records.failure();
         return;
+    }
+    m_catalog = treeFile(*records, catalogForm);
+    m_attributes = treeFile(attributeRecords(m_items), attributesForm);
+    if (m_catalog.isEmpty() || m_attributes.isEmpty()) {
+        m_outcome = platform::Error{u"there are too many files for one volume"_s};
+        return;
+    }
     quint64 nextBlock = m_summary.attributes.firstBlock;
     m_summary.attributes = forkAt(nextBlock, blocksFor(quint64(m_attributes.size())));
     m_summary.catalog = forkAt(nextBlock, blocksFor(quint64(m_catalog.size())));
@@ -147,7 +150,7 @@ bool HfsPlusWriter::writeForks(const SourceItem &item)
         return true;
     const auto values = readAttributes(QFile::decodeName(QByteArray::fromStdString(item.path.native())));
     if (!values) {
-        m_error = values.error().toStdString();
+        m_outcome = values.failure();
         return false;
     }
     bool goesOn = writeFork(item, item.resource, values->value(appledouble::resourceFork));
@@ -161,7 +164,7 @@ bool HfsPlusWriter::writeForks(const SourceItem &item)
 bool HfsPlusWriter::writeFork(const SourceItem &item, const Fork &fork, const QByteArray &bytes)
 {
     if (quint64(bytes.size()) != fork.size) {
-        m_error = item.path.string() + ": its attributes changed while they were read";
+        m_outcome = failureOf(item.path, "its attributes changed while they were read");
         return false;
     }
     return writeBytes(bytes) && writePadding();
@@ -172,7 +175,7 @@ bool HfsPlusWriter::writeFile(const SourceItem &item)
 {
     const OpenFile file(item.path);
     if (file.descriptor() < 0) {
-        m_error = systemError(item.path, errno);
+        m_outcome = systemFailure(item.path, errno);
         return false;
     }
     QByteArray buffer(256 << 10, Qt::Uninitialized);
@@ -182,8 +185,8 @@ bool HfsPlusWriter::writeFile(const SourceItem &item)
         if (length < 0 && errno == EINTR)
             continue;
         if (length <= 0) {
-            m_error = length < 0 ? systemError(item.path, errno)
-                                 : item.path.string() + ": became shorter while it was read";
+            m_outcome = length < 0 ? systemFailure(item.path, errno)
+                                   : failureOf(item.path, "became shorter while it was read");
             return false;
         }
         if (!writeBytes({buffer.constData(), length}))

@@ -2,6 +2,7 @@
 
 #include "formats/bytestreams.h"
 #include "formats/hfsplus/hfsplusrecords.h"
+#include "platform/result.h"
 
 namespace toolchain {
 
@@ -14,8 +15,8 @@ public:
     /// `time` is the volume's date of creation in seconds since 1970, the one that the tree was read with.
     HfsPlusWriter(hfsplus::SourceTree tree, qint64 time);
 
-    /// Why there can be no such volume, or what went wrong while it was written; empty if all is well.
-    [[nodiscard]] const std::string &error() const { return m_error; }
+    /// Fails where there can be no such volume, and with what went wrong while it was written.
+    [[nodiscard]] const platform::Outcome &outcome() const { return m_outcome; }
 
     /// Of the volume in bytes, a multiple of 4,096.
     [[nodiscard]] quint64 size() const;
@@ -38,7 +39,7 @@ private:
 
     std::vector<hfsplus::SourceItem> m_items;
     const qint64 m_time;
-    std::string m_error;
+    platform::Outcome m_outcome;
     hfsplus::VolumeSummary m_summary;
     QByteArray m_catalog;
     QByteArray m_extents;

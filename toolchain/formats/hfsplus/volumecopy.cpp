@@ -1,9 +1,9 @@
 #include "formats/hfsplus/volumecopy.h"
 
 #include "formats/appledouble.h"
+#include "formats/failures.h"
 #include "formats/fileattributes.h"
 #include "formats/hfsplus/hfsplusnames.h"
-#include "support/wholefile.h"
 
 #include <QFile>
 
@@ -21,6 +21,7 @@
 #include <vector>
 
 namespace fs = std::filesystem;
+using platform::Outcome;
 
 namespace toolchain {
 
@@ -38,19 +39,20 @@ public:
     {
     }
 
-    std::string copy(const fs::path &target)
+    Outcome copy(const fs::path &target)
     {
         struct statvfs room = {};
         if (statvfs(target.c_str(), &room) == 0 && contentSize() / room.f_frsize > room.f_bavail)
-            return target.string() + ": the volume holds " + std::to_string(contentSize())
-                + " bytes, for which there is no room";
+            return failureOf(target,
+                             "the volume holds " + std::to_string(contentSize())
+                                 + " bytes, for which there is no room");
         m_folders.push_back({target, &m_volume.rootFolder()});
-        for (std::size_t place = 0; place < m_folders.size() && m_error.empty(); ++place)
+        for (std::size_t place = 0; place < m_folders.size() && m_outcome; ++place)
             copyContents(m_folders[place].path, m_folders[place].entry->number);
         // what lies inside comes first, since a folder need not be writable afterwards
-        for (auto folder = m_folders.rbegin(); folder != m_folders.rend() && m_error.empty(); ++folder)
+        for (auto folder = m_folders.rbegin(); folder != m_folders.rend() && m_outcome; ++folder)
             finish(folder->path, *folder->entry);
-        return m_error;
+        return m_outcome;
     }
 
 private:
@@ -89,7 +91,7 @@ private:
             if (!name)
                 return fail(folder, "holds a name that no file can have here");
             copyEntry(folder / name->toStdString(), entry);
-            if (!m_error.empty())
+            if (!m_outcome)
                 return;
         }
     }
@@ -113,7 +115,7 @@ private:
     void makeFolder(const fs::path &path, const VolumeEntry &entry)
     {
         if (mkdir(path.c_str(), S_IRWXU) != 0)
-            m_error = systemError(path, errno);
+            m_outcome = systemFailure(path, errno);
         else
             m_folders.push_back({path, &entry});
     }
@@ -124,22 +126,22 @@ private:
         if (first == m_linkedFiles.end())
             return copyBytes(path, entry);
         if (link(first->second.c_str(), path.c_str()) != 0)
-            m_error = systemError(path, errno);
+            m_outcome = systemFailure(path, errno);
     }
 
     void copyBytes(const fs::path &path, const VolumeEntry &entry)
     {
         const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR);
         if (file < 0) {
-            m_error = systemError(path, errno);
+            m_outcome = systemFailure(path, errno);
             return;
         }
         if (!m_volume.readFile(entry, [&](QByteArrayView bytes) { return write(file, bytes, path); })
-            && m_error.empty())
+            && m_outcome)
             fail(path, "cannot be read from the image");
-        if (close(file) != 0 && m_error.empty())
-            m_error = systemError(path, errno);
-        if (m_error.empty())
+        if (close(file) != 0 && m_outcome)
+            m_outcome = systemFailure(path, errno);
+        if (m_outcome)
             finish(path, entry);
         if (entry.link != 0)
             m_linkedFiles.emplace(entry.link, path);
@@ -152,7 +154,7 @@ private:
             if (length < 0 && errno == EINTR)
                 continue;
             if (length < 0) {
-                m_error = systemError(path, errno);
+                m_outcome = systemFailure(path, errno);
                 return false;
             }
             bytes = bytes.sliced(length);
@@ -171,7 +173,7 @@ private:
         if (!isRead)
             fail(path, "cannot be read from the image");
         else if (symlink(target.c_str(), path.c_str()) != 0 || !setTimes(path, entry))
-            m_error = systemError(path, errno);
+            m_outcome = systemFailure(path, errno);
     }
 
     static bool setTimes(const fs::path &path, const VolumeEntry &entry)
@@ -192,36 +194,36 @@ private:
 
     void setAttribute(const fs::path &path, const QByteArray &name, const std::optional<QByteArray> &value)
     {
-        if (!m_error.empty())
+        if (!m_outcome)
             return;
         if (!value)
             return fail(path, "has an attribute that cannot be read from the image");
         const QString file = QFile::decodeName(QByteArray::fromStdString(path.native()));
-        m_error = writeAttribute(file, name, *value).error().toStdString();
+        m_outcome = writeAttribute(file, name, *value);
     }
 
     /// Gives a file or folder its mode and times, after which it may be closed to writing.
     void finish(const fs::path &path, const VolumeEntry &entry)
     {
         copyAttributes(path, entry);
-        if (!m_error.empty())
+        if (!m_outcome)
             return;
         if (!setTimes(path, entry) || chmod(path.c_str(), entry.mode & ordinaryRights) != 0)
-            m_error = systemError(path, errno);
+            m_outcome = systemFailure(path, errno);
     }
 
-    void fail(const fs::path &path, const char *reason) { m_error = path.string() + ": " + reason; }
+    void fail(const fs::path &path, const char *reason) { m_outcome = failureOf(path, reason); }
 
     const HfsPlusReader &m_volume;
     std::deque<Folder> m_folders; // they stay in place while others are added
     std::set<quint32> m_seen;
     std::map<quint32, fs::path> m_linkedFiles; ///< the first name of each file with more than one
-    std::string m_error;
+    platform::Outcome m_outcome;
 };
 
 } // namespace
 
-std::string copyVolume(const HfsPlusReader &volume, const fs::path &folder)
+Outcome copyVolume(const HfsPlusReader &volume, const fs::path &folder)
 {
     return Copier(volume).copy(folder);
 }

@@ -4,19 +4,16 @@
 
 #include <sys/stat.h>
 
-#include "support/wholefile.h"
+#include "formats/failures.h"
 
 namespace toolchain {
 
 platform::Outcome writePrivateFile(const QString &path, const QByteArray &bytes)
 {
     const mode_t mask = umask(077);
-    const std::string error = writeWholeFile(QFile::encodeName(path).toStdString(),
-                                             {bytes.constData(), static_cast<std::size_t>(bytes.size())});
+    const platform::Outcome written = writeFileAt(QFile::encodeName(path).toStdString(), bytes);
     umask(mask);
-    if (!error.empty())
-        return platform::Error{QString::fromStdString(error)};
-    return {};
+    return written;
 }
 
 } // namespace toolchain

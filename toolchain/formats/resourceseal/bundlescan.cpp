@@ -70,18 +70,19 @@ public:
     platform::Result<std::vector<ScannedItem>> scan()
     {
         QList<QByteArray> waiting{QByteArray()};
-        while (!waiting.isEmpty() && m_error.isEmpty())
+        while (!waiting.isEmpty() && m_outcome)
             scanOne(waiting.takeLast(), waiting);
-        if (!m_error.isEmpty())
-            return platform::Error{m_error};
+        if (!m_outcome)
+            return m_outcome.failure();
         return std::move(m_items);
     }
 
 private:
     void fail(const QByteArray &path, const QString &reason)
     {
-        if (m_error.isEmpty())
-            m_error = QFile::decodeName(m_base + (path.isEmpty() ? "" : "/") + path) + u": "_s + reason;
+        if (m_outcome)
+            m_outcome = platform::Error{QFile::decodeName(m_base + (path.isEmpty() ? "" : "/") + path)
+                                        + u": "_s + reason};
     }
     void failWithErrno(const QByteArray &path) { fail(path, QString::fromLocal8Bit(std::strerror(errno))); }
 
@@ -90,7 +91,7 @@ private:
         const std::vector<Name> names = namesIn(folder);
         for (const Name &name : names) {
             const QByteArray path = folder.isEmpty() ? name.name : QByteArray(folder % '/' % name.name);
-            if (!m_error.isEmpty())
+            if (!m_outcome)
                 return;
             if (path == m_folder.executable || isOutsideOfSeals(path)
                 || isAttributesOfAnother(path, name, names))
@@ -191,7 +192,7 @@ private:
             fail(path, u"the name is not valid UTF-8"_s);
         else if (!isText(path))
             fail(path, u"the name holds characters that a property list cannot hold"_s);
-        return m_error.isEmpty();
+        return bool(m_outcome);
     }
 
     void readLink(ScannedItem &item)
@@ -214,7 +215,7 @@ private:
     const Keep m_keep;
     std::vector<ScannedItem> m_items;
     qsizetype m_found = 0; ///< kept or not
-    QString m_error;
+    platform::Outcome m_outcome;
 };
 
 /// How many folders lie between a bundle's own folder and the one that the seal's paths start from.

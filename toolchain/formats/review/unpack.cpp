@@ -41,10 +41,8 @@ bool isCompressed(QByteArrayView beginning)
 Result<void> unpackImage(const QString &path, const QString &folder)
 {
     const ImageVolume image(path.toStdString());
-    if (!image.error().empty())
-        return Error{QString::fromStdString(image.error())};
-    const std::string problem = copyVolume(image.volume(), folder.toStdString());
-    return problem.empty() ? Result<void>() : Error{QString::fromStdString(problem)};
+    const Result<void> readable = image.outcome();
+    return readable ? copyVolume(image.volume(), folder.toStdString()) : readable;
 }
 
 } // namespace

@@ -2,10 +2,10 @@
 
 #include "formats/codesignature/filesigner.h"
 #include "formats/codesignature/signaturereader.h"
+#include "formats/failures.h"
 #include "formats/udif/imagesignature.h"
 #include "formats/xar/archive.h"
 #include "support/openfile.h"
-#include "support/wholefile.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -66,9 +66,7 @@ public:
 
     platform::Outcome attach(const QByteArray &ticket) const override
     {
-        const std::string problem =
-            writeWholeFile(QFile::encodeName(ticketPath()).toStdString(), ticket.toStdString());
-        return problem.empty() ? platform::Outcome() : platform::Error{QString::fromStdString(problem)};
+        return writeFileAt(QFile::encodeName(ticketPath()).toStdString(), ticket);
     }
 
 private:

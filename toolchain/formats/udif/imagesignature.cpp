@@ -1,9 +1,9 @@
 #include "formats/udif/imagesignature.h"
 
 #include "formats/bigendian.h"
+#include "formats/failures.h"
 #include "formats/udif/udifformat.h"
 #include "support/openfile.h"
-#include "support/wholefile.h"
 
 #include <QFile>
 
@@ -92,7 +92,7 @@ platform::Outcome replaceImageSignature(const QString &path, const QByteArray &s
     const std::filesystem::path name = QFile::encodeName(path).toStdString();
     const OpenFile old(name, LastLink::followed);
     if (old.descriptor() < 0)
-        return platform::Error{QString::fromStdString(systemError(name, errno))};
+        return systemFailure(name, errno);
     const quint64 offset = superblob.isEmpty() ? 0 : place->contentLength;
     const QByteArray trailer = trailerWith(place->trailer, offset, quint64(superblob.size()));
     WholeFile file(name);
@@ -100,7 +100,7 @@ platform::Outcome replaceImageSignature(const QString &path, const QByteArray &s
         && file.write(viewOf(superblob)) && file.write(viewOf(trailer)) && file.takeAfter(old.descriptor())
         && file.finish();
     if (!isWritten)
-        return platform::Error{QString::fromStdString(systemError(name, errno))};
+        return systemFailure(name, errno);
     return {};
 }
 

@@ -10,6 +10,8 @@
 #include <cerrno>
 #include <cstring>
 
+using namespace Qt::StringLiterals;
+
 namespace toolchain {
 
 using namespace udif;
@@ -19,8 +21,8 @@ namespace {
 constexpr quint64 longestList = 64 << 20; ///< bytes; the tables of a disk of some terabytes
 constexpr std::size_t mostReaders = 6; ///< threads; an lzma decoder takes some megabytes
 
-constexpr const char *notRecognized = "image not recognized";
-constexpr const char *corrupt = "corrupt image";
+const QString notRecognized = u"image not recognized"_s;
+const QString corrupt = u"corrupt image"_s;
 
 } // namespace
 
@@ -30,10 +32,11 @@ UdifReader::UdifReader(const std::filesystem::path &path)
 {
     struct stat status = {};
     if (m_file.descriptor() < 0 || fstat(m_file.descriptor(), &status) != 0)
-        m_error = std::strerror(errno);
+        m_outcome = platform::Error{QString::fromLocal8Bit(std::strerror(errno))};
     m_fileSize = quint64(status.st_size);
-    if (m_error.empty() && (!S_ISREG(status.st_mode) || !readTables()))
-        m_error = isEncrypted() ? "the image is encrypted, which cannot be read here" : notRecognized;
+    if (m_outcome && (!S_ISREG(status.st_mode) || !readTables()))
+        m_outcome = platform::Error{isEncrypted() ? u"the image is encrypted, which cannot be read here"_s
+                                                  : notRecognized};
 }
 
 /// Encrypted images begin or, older ones, end with a word of their own.
@@ -41,7 +44,7 @@ bool UdifReader::isEncrypted()
 {
     constexpr qsizetype wordSize = 8;
     QByteArray word(wordSize, '\0');
-    m_error.clear();
+    m_outcome = {};
     if (m_fileSize < quint64(wordSize) || !readStored(0, word.data(), wordSize))
         return false;
     return word == "encrcdsa"
@@ -83,10 +86,10 @@ bool UdifReader::readTables()
     return partitions.has_value();
 }
 
-bool UdifReader::fail(const char *reason)
+bool UdifReader::fail(const QString &reason)
 {
-    if (m_error.empty())
-        m_error = reason;
+    if (m_outcome)
+        m_outcome = platform::Error{reason};
     return false;
 }
 
@@ -95,7 +98,7 @@ bool UdifReader::readStored(quint64 offset, char *target, qsizetype size)
     if (offset > m_fileSize || quint64(size) > m_fileSize - offset)
         return fail(corrupt);
     return readFully(m_file.descriptor(), offset, target, size)
-        || fail(errno != 0 ? std::strerror(errno) : corrupt);
+        || fail(errno != 0 ? QString::fromLocal8Bit(std::strerror(errno)) : corrupt);
 }
 
 bool UdifReader::readFromDisk(const Partition &partition, quint64 offset, char *target, qsizetype size)
@@ -152,7 +155,7 @@ bool UdifReader::readChunk(const Partition &partition, const Chunk &chunk, quint
         std::memcpy(target, m_unpacked.constData() + offset, std::size_t(size));
         return true;
     default:
-        return fail("this kind of compression is not known here");
+        return fail(u"this kind of compression is not known here"_s);
     }
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "formats/udif/udiftables.h"
+#include "platform/result.h"
 #include "support/openfile.h"
 #include "support/orderedwork.h"
 
@@ -18,10 +19,10 @@ class UdifReader {
 public:
     explicit UdifReader(const std::filesystem::path &path);
 
-    /// Why there is no reading, or no reading on; empty if there is. Says "image not recognized" of a file
+    /// Fails where there is no reading, or no reading on. Says "image not recognized" of a file
     /// that is no disk image, "corrupt image" of one whose bytes are not those that were written, and of one
     /// that is encrypted that it is.
-    [[nodiscard]] const std::string &error() const { return m_error; }
+    [[nodiscard]] const platform::Outcome &outcome() const { return m_outcome; }
 
     [[nodiscard]] const std::vector<udif::Partition> &partitions() const { return m_partitions; }
     [[nodiscard]] quint64 sectorCount() const { return m_trailer.sectorCount; }
@@ -59,11 +60,11 @@ private:
     bool verifyStored();
     bool verifyPartition(const udif::Partition &partition);
     bool verifyOtherwise(const udif::Partition &partition);
-    bool fail(const char *reason);
+    bool fail(const QString &reason);
 
     const OpenFile m_file;
     const std::filesystem::path m_path;
-    std::string m_error;
+    platform::Outcome m_outcome;
     quint64 m_fileSize = 0;
     udif::Trailer m_trailer;
     std::vector<udif::Partition> m_partitions;

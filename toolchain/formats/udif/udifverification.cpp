@@ -8,6 +8,8 @@
 
 #include <algorithm>
 
+using namespace Qt::StringLiterals;
+
 namespace toolchain {
 
 using namespace udif;
@@ -21,7 +23,7 @@ struct UdifReader::Checked {
 
 namespace {
 
-constexpr const char *corrupt = "corrupt image";
+const QString corrupt = u"corrupt image"_s;
 constexpr qsizetype pieceSize = 1 << 20;
 
 quint32 crc(quint32 before, QByteArrayView bytes)
@@ -68,7 +70,7 @@ private:
 
 bool UdifReader::verify()
 {
-    if (!m_error.empty())
+    if (!m_outcome)
         return false;
     if (m_trailer.masterChecksum.kind == crc32Kind
         && m_trailer.masterChecksum.value != masterChecksum(m_partitions))

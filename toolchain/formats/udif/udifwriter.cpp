@@ -1,7 +1,7 @@
 #include "formats/udif/udifwriter.h"
 
+#include "formats/failures.h"
 #include "formats/udif/udiftables.h"
-#include "support/wholefile.h"
 
 #include <unistd.h>
 #include <zlib.h>
@@ -56,19 +56,19 @@ void UdifWriter::beginPartition(const QString &name)
 
 bool UdifWriter::write(QByteArrayView bytes)
 {
-    while (!bytes.isEmpty() && m_error.empty()) {
+    while (!bytes.isEmpty() && m_outcome) {
         const auto length = std::min(bytes.size(), m_format.chunkSize - m_pending.size());
         m_pending.append(bytes.first(length));
         bytes = bytes.sliced(length);
         if (m_pending.size() == m_format.chunkSize)
             giveChunk();
     }
-    return m_error.empty();
+    return bool(m_outcome);
 }
 
 void UdifWriter::endPartition()
 {
-    if (!m_pending.isEmpty() && m_error.empty())
+    if (!m_pending.isEmpty() && m_outcome)
         giveChunk();
 }
 
@@ -105,7 +105,7 @@ UdifWriter::PackedChunk UdifWriter::pack(std::size_t partition, const QByteArray
 void UdifWriter::takeChunk()
 {
     const PackedChunk chunk = m_work.take();
-    if (m_error.empty())
+    if (m_outcome)
         storeChunk(chunk);
 }
 
@@ -127,12 +127,12 @@ void UdifWriter::storeChunk(const PackedChunk &packed)
 
 void UdifWriter::store(QByteArrayView bytes)
 {
-    while (!bytes.isEmpty() && m_error.empty()) {
+    while (!bytes.isEmpty() && m_outcome) {
         const ssize_t length = ::write(m_descriptor, bytes.data(), std::size_t(bytes.size()));
         if (length < 0 && errno == EINTR)
             continue;
         if (length < 0) {
-            m_error = systemError(m_path, errno);
+            m_outcome = systemFailure(m_path, errno);
             return;
         }
         bytes = bytes.sliced(length);

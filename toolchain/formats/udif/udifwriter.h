@@ -1,6 +1,7 @@
 #pragma once
 
 #include "formats/udif/chunkpacking.h"
+#include "platform/result.h"
 #include "support/orderedwork.h"
 
 #include <QByteArray>
@@ -31,7 +32,7 @@ public:
     /// Writes what belongs behind the last partition.
     void finish();
 
-    [[nodiscard]] const std::string &error() const { return m_error; }
+    [[nodiscard]] const platform::Outcome &outcome() const { return m_outcome; }
 
 private:
     /// A chunk that is ready to be stored.
@@ -55,7 +56,7 @@ private:
     const std::filesystem::path m_path;
     const udif::ImageFormat m_format;
     const int m_level;
-    std::string m_error;
+    platform::Outcome m_outcome;
     std::vector<udif::Partition> m_partitions;
     QByteArray m_pending; ///< bytes of the chunk that is being filled
     quint64 m_length = 0; ///< of what the file holds

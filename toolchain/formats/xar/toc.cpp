@@ -31,21 +31,21 @@ public:
             else if (m_xml.name() != u"xar")
                 m_xml.skipCurrentElement();
         }
-        if (m_xml.hasError() && m_problem.isEmpty())
-            m_problem = u"line %1: %2"_s.arg(m_xml.lineNumber()).arg(m_xml.errorString());
-        if (m_problem.isEmpty() && m_toc.checksumStyle.isEmpty())
-            m_problem = u"the table has no checksum"_s;
+        if (m_xml.hasError() && m_outcome)
+            m_outcome = platform::Error{u"line %1: %2"_s.arg(m_xml.lineNumber()).arg(m_xml.errorString())};
+        if (m_outcome && m_toc.checksumStyle.isEmpty())
+            m_outcome = platform::Error{u"the table has no checksum"_s};
         makePaths();
-        if (!m_problem.isEmpty())
-            return platform::Error{m_problem};
+        if (!m_outcome)
+            return m_outcome.failure();
         return std::move(m_toc);
     }
 
 private:
     void fail(const QString &problem)
     {
-        if (m_problem.isEmpty())
-            m_problem = problem;
+        if (m_outcome)
+            m_outcome = platform::Error{problem};
         m_xml.raiseError(problem);
     }
 
@@ -153,13 +153,13 @@ private:
     void makePaths()
     {
         qsizetype total = 0;
-        for (qsizetype number = 0; number < m_toc.files.size() && m_problem.isEmpty(); ++number) {
+        for (qsizetype number = 0; number < m_toc.files.size() && m_outcome; ++number) {
             const qsizetype folder = m_folders[number];
             if (folder >= 0)
                 m_toc.files[number].path.prepend(m_toc.files[folder].path + u'/');
             total += m_toc.files[number].path.size();
             if (m_toc.files[number].path.size() > longestPath || total > mostPathCharacters)
-                m_problem = u"the archive's paths are too long"_s;
+                m_outcome = platform::Error{u"the archive's paths are too long"_s};
         }
     }
 
@@ -220,7 +220,7 @@ private:
     }
 
     QXmlStreamReader m_xml;
-    QString m_problem;
+    platform::Outcome m_outcome;
     Toc m_toc;
     QList<qsizetype> m_folders; ///< of each file, the number of the folder that it lies in; -1 at the top
 };

@@ -15,7 +15,7 @@ bool beginsAsAppleDouble(ZipDirectory &directory, const PackedEntry &entry)
         start = piece.first(std::min<qsizetype>(piece.size(), 8)).toByteArray();
         return false; // no more is needed
     };
-    return entry.isFile() && directory.read(entry, takeStart).isEmpty() && appledouble::isAppleDouble(start);
+    return entry.isFile() && directory.read(entry, takeStart) && appledouble::isAppleDouble(start);
 }
 
 } // namespace

@@ -10,6 +10,8 @@
 #include <memory>
 
 using namespace Qt::StringLiterals;
+using platform::Error;
+using platform::Outcome;
 
 namespace toolchain::zip {
 
@@ -94,24 +96,24 @@ ZipDirectory::ZipDirectory(const QString &path)
 {
     struct stat status = {};
     if (stat(QFile::encodeName(path).constData(), &status) == 0 && !S_ISREG(status.st_mode)) {
-        m_error = u"is no file"_s;
+        m_outcome = Error{u"is no file"_s};
         return;
     }
     if (!m_file.open(QIODevice::ReadOnly)) {
-        m_error = m_file.errorString();
+        m_outcome = Error{m_file.errorString()};
         return;
     }
     Ending ending;
     if (!readEnding(ending)) {
-        m_error = notAnArchive;
+        m_outcome = Error{notAnArchive};
         return;
     }
     readEntries(ending);
     for (PackedEntry &entry : m_entries) {
-        if (m_error.isEmpty())
+        if (m_outcome)
             locate(entry, ending.offset);
     }
-    if (m_error.isEmpty())
+    if (m_outcome)
         refuseSharedBytes();
 }
 
@@ -176,10 +178,10 @@ void ZipDirectory::readEntries(const Ending &ending)
 {
     const QByteArray directory = bytesAt(ending.offset, qsizetype(ending.size));
     qsizetype at = 0;
-    for (quint64 number = 0; number < ending.count && m_error.isEmpty(); ++number) {
+    for (quint64 number = 0; number < ending.count && m_outcome; ++number) {
         at = readEntry(directory, at);
         if (at < 0)
-            m_error = notAnArchive;
+            m_outcome = Error{notAnArchive};
     }
 }
 
@@ -245,7 +247,7 @@ void ZipDirectory::refuseSharedBytes()
     }
 }
 
-QString ZipDirectory::read(const PackedEntry &entry, const ByteSink &sink)
+Outcome ZipDirectory::read(const PackedEntry &entry, const ByteSink &sink)
 {
     quint64 size = 0;
     uLong checksum = crc32(0, nullptr, 0);
@@ -254,33 +256,34 @@ QString ZipDirectory::read(const PackedEntry &entry, const ByteSink &sink)
         checksum = crc32(checksum, reinterpret_cast<const Bytef *>(bytes.data()), uInt(bytes.size()));
         return size <= entry.plainSize && sink(bytes);
     };
-    const QString problem =
-        entry.method == deflateMethod ? inflate(entry, checked) : copyStored(entry, checked);
-    if (problem.isNull() && (size != entry.plainSize || checksum != entry.checksum))
-        return u"\"%1\" is damaged"_s.arg(QString::fromUtf8(entry.name));
-    return problem;
+    const Given given = entry.method == deflateMethod ? inflate(entry, checked) : copyStored(entry, checked);
+    if (!given)
+        return given.failure();
+    if (*given == Giving::isDone && (size != entry.plainSize || checksum != entry.checksum))
+        return Error{u"\"%1\" is damaged"_s.arg(QString::fromUtf8(entry.name))};
+    return {};
 }
 
-QString ZipDirectory::copyStored(const PackedEntry &entry, const ByteSink &sink)
+ZipDirectory::Given ZipDirectory::copyStored(const PackedEntry &entry, const ByteSink &sink)
 {
     for (quint64 done = 0; done < entry.packedSize;) {
         const QByteArray piece = bytesAt(entry.bytesOffset + done,
                                          qsizetype(std::min(entry.packedSize - done, quint64(pieceSize))));
         if (piece.isEmpty())
-            return u"\"%1\" cannot be read"_s.arg(QString::fromUtf8(entry.name));
+            return Error{u"\"%1\" cannot be read"_s.arg(QString::fromUtf8(entry.name))};
         if (!sink(piece))
-            return u""_s;
+            return Giving::isStopped;
         done += quint64(piece.size());
     }
-    return {};
+    return Giving::isDone;
 }
 
-QString ZipDirectory::inflate(const PackedEntry &entry, const ByteSink &sink)
+ZipDirectory::Given ZipDirectory::inflate(const PackedEntry &entry, const ByteSink &sink)
 {
-    const QString damaged = u"\"%1\" is damaged"_s.arg(QString::fromUtf8(entry.name));
+    const Error damaged{u"\"%1\" is damaged"_s.arg(QString::fromUtf8(entry.name))};
     z_stream stream = {};
     if (inflateInit2(&stream, -MAX_WBITS) != Z_OK)
-        return u"there is not enough memory"_s;
+        return Error{u"there is not enough memory"_s};
     const std::unique_ptr<z_stream, decltype(&inflateEnd)> ended(&stream, inflateEnd);
     QByteArray plain(pieceSize, Qt::Uninitialized);
     QByteArray packed;
@@ -299,9 +302,9 @@ QString ZipDirectory::inflate(const PackedEntry &entry, const ByteSink &sink)
         if (result != Z_OK && result != Z_STREAM_END)
             return damaged;
         if (!sink(QByteArrayView(plain).first(plain.size() - qsizetype(stream.avail_out))))
-            return stream.total_out > entry.plainSize ? damaged : u""_s;
+            return stream.total_out > entry.plainSize ? damaged : Given(Giving::isStopped);
     }
-    return {};
+    return Giving::isDone;
 }
 
 platform::Result<QByteArray> ZipDirectory::bytesOf(const PackedEntry &entry, quint64 most)
@@ -309,19 +312,19 @@ platform::Result<QByteArray> ZipDirectory::bytesOf(const PackedEntry &entry, qui
     if (entry.plainSize > most)
         return platform::Error{u"\"%1\" is too large"_s.arg(QString::fromUtf8(entry.name))};
     QByteArray bytes;
-    const QString problem = read(entry, [&bytes](QByteArrayView piece) {
+    const Outcome given = read(entry, [&bytes](QByteArrayView piece) {
         bytes.append(piece);
         return true;
     });
-    if (!problem.isEmpty())
-        return platform::Error{problem};
+    if (!given)
+        return given.failure();
     return bytes;
 }
 
 void ZipDirectory::fail(const QByteArray &name, const QString &reason)
 {
-    if (m_error.isEmpty())
-        m_error = u"the entry \"%1\" %2"_s.arg(QString::fromUtf8(name), reason);
+    if (m_outcome)
+        m_outcome = Error{u"the entry \"%1\" %2"_s.arg(QString::fromUtf8(name), reason)};
 }
 
 } // namespace toolchain::zip

@@ -37,8 +37,8 @@ public:
     /// Reads the directory.
     explicit ZipDirectory(const QString &path);
 
-    /// Why the archive cannot be used; empty if it can.
-    [[nodiscard]] const QString &error() const { return m_error; }
+    /// Fails where the archive cannot be used.
+    [[nodiscard]] const platform::Outcome &outcome() const { return m_outcome; }
 
     /// In the order of the directory.
     [[nodiscard]] const std::vector<PackedEntry> &entries() const { return m_entries; }
@@ -49,9 +49,9 @@ public:
     /// The entry of that name; null if there is none.
     [[nodiscard]] const PackedEntry *find(const QByteArray &name) const;
 
-    /// Gives the bytes of an entry to the sink. Answers what is wrong with them, or an empty text, also where
-    /// the sink stopped it.
-    [[nodiscard]] QString read(const PackedEntry &entry, const ByteSink &sink);
+    /// Gives the bytes of an entry to the sink. Fails where something is wrong with them; a sink that stops
+    /// it is no failure.
+    [[nodiscard]] platform::Outcome read(const PackedEntry &entry, const ByteSink &sink);
 
     /// The bytes of an entry of at most `most` bytes.
     [[nodiscard]] platform::Result<QByteArray> bytesOf(const PackedEntry &entry, quint64 most);
@@ -62,6 +62,8 @@ private:
         quint64 offset = 0;
         quint64 size = 0;
     };
+    enum class Giving { isDone, isStopped };
+    using Given = platform::Result<Giving>;
 
     [[nodiscard]] bool readEnding(Ending &ending);
     [[nodiscard]] bool readLargeEnding(qint64 endOffset, Ending &ending);
@@ -70,12 +72,12 @@ private:
     [[nodiscard]] qsizetype readEntry(QByteArrayView directory, qsizetype at);
     void locate(PackedEntry &entry, quint64 directoryOffset);
     void refuseSharedBytes();
-    [[nodiscard]] QString inflate(const PackedEntry &entry, const ByteSink &sink);
-    [[nodiscard]] QString copyStored(const PackedEntry &entry, const ByteSink &sink);
+    [[nodiscard]] Given inflate(const PackedEntry &entry, const ByteSink &sink);
+    [[nodiscard]] Given copyStored(const PackedEntry &entry, const ByteSink &sink);
     void fail(const QByteArray &name, const QString &reason);
 
     QFile m_file;
-    QString m_error;
+    platform::Outcome m_outcome;
     std::vector<PackedEntry> m_entries;
     QHash<QByteArray, std::size_t> m_places;
 };

@@ -1,5 +1,6 @@
 #include "formats/zip/zipoutput.h"
 
+#include "formats/failures.h"
 #include "formats/zip/zipformat.h"
 #include "support/openfile.h"
 #include "support/wholefile.h"
@@ -84,7 +85,7 @@ ZipOutput::ZipOutput(int descriptor, std::filesystem::path path, int level)
 
 void ZipOutput::add(const Member &member, const QByteArray &bytes)
 {
-    if (!m_error.empty())
+    if (!m_outcome)
         return;
     begin(member, quint64(bytes.size()));
     for (qsizetype done = 0; done == 0 || done < bytes.size(); done += blockSize) {
@@ -100,16 +101,16 @@ void ZipOutput::add(const Member &member, const QByteArray &bytes)
 void ZipOutput::addFile(const Member &member, const std::filesystem::path &path, quint64 size)
 {
     const OpenFile file(path);
-    if (m_error.empty() && file.descriptor() < 0)
-        m_error = systemError(path, errno);
-    if (m_error.empty())
+    if (m_outcome && file.descriptor() < 0)
+        m_outcome = systemFailure(path, errno);
+    if (m_outcome)
         begin(member, size);
     QByteArray before;
     quint64 left = size;
     do {
         const QByteArray bytes =
             readBlock(file.descriptor(), qsizetype(std::min(left, quint64(blockSize))), path);
-        if (!m_error.empty())
+        if (!m_outcome)
             return;
         const bool isFirst = left == size;
         left -= quint64(bytes.size());
@@ -123,14 +124,14 @@ void ZipOutput::addFile(const Member &member, const std::filesystem::path &path,
 
 QByteArray ZipOutput::readBlock(int file, qsizetype size, const std::filesystem::path &path)
 {
-    QByteArray bytes(m_error.empty() ? size : 0, Qt::Uninitialized);
+    QByteArray bytes(m_outcome ? size : 0, Qt::Uninitialized);
     for (qsizetype done = 0; done < bytes.size();) {
         const ssize_t length = read(file, bytes.data() + done, std::size_t(bytes.size() - done));
         if (length < 0 && errno == EINTR)
             continue;
         if (length <= 0) {
-            m_error =
-                length < 0 ? systemError(path, errno) : path.string() + ": became shorter while it was read";
+            m_outcome =
+                length < 0 ? systemFailure(path, errno) : failureOf(path, "became shorter while it was read");
             return {};
         }
         done += length;
@@ -166,7 +167,7 @@ ZipOutput::Block ZipOutput::pack(Place place, const QByteArray &bytes, const QBy
 void ZipOutput::take()
 {
     const Block block = m_work.take();
-    if (m_error.empty())
+    if (m_outcome)
         store(block);
 }
 
@@ -193,20 +194,20 @@ void ZipOutput::store(const Block &block)
 void ZipOutput::patch(const Entry &entry)
 {
     const QByteArray header = localHeader(entry);
-    if (m_error.empty()
+    if (m_outcome
         && pwrite(m_descriptor, header.constData(), std::size_t(header.size()), off_t(entry.offset))
             != header.size())
-        m_error = systemError(m_path, errno);
+        m_outcome = systemFailure(m_path, errno);
 }
 
 void ZipOutput::write(QByteArrayView bytes)
 {
-    while (!bytes.isEmpty() && m_error.empty()) {
+    while (!bytes.isEmpty() && m_outcome) {
         const ssize_t length = ::write(m_descriptor, bytes.data(), std::size_t(bytes.size()));
         if (length < 0 && errno == EINTR)
             continue;
         if (length < 0) {
-            m_error = systemError(m_path, errno);
+            m_outcome = systemFailure(m_path, errno);
             return;
         }
         bytes = bytes.sliced(length);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/result.h"
 #include "support/orderedwork.h"
 
 #include <QByteArray>
@@ -38,7 +39,7 @@ public:
     /// Writes what belongs behind the last member.
     void finish();
 
-    [[nodiscard]] const std::string &error() const { return m_error; }
+    [[nodiscard]] const platform::Outcome &outcome() const { return m_outcome; }
 
 private:
     enum class Place { only, first, middle, last };
@@ -79,7 +80,7 @@ private:
     const int m_descriptor;
     const std::filesystem::path m_path;
     const int m_level;
-    std::string m_error;
+    platform::Outcome m_outcome;
     std::vector<Entry> m_entries;
     std::size_t m_stored = 0; ///< entries that are in the file as a whole
     quint64 m_length = 0; ///< of what the file holds

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "platform/result.h"
+#include "support/wholefile.h"
+
+#include <QByteArrayView>
+
+namespace toolchain {
+
+/// "PATH: what the system says about the error number".
+[[nodiscard]] inline platform::Error systemFailure(const std::filesystem::path &path, int error)
+{
+    return {QString::fromStdString(systemError(path, error))};
+}
+
+/// "PATH: REASON".
+[[nodiscard]] inline platform::Error failureOf(const std::filesystem::path &path, const std::string &reason)
+{
+    return {QString::fromStdString(path.string() + ": " + reason)};
+}
+
+/// Writes a whole file at once. An error names the file.
+[[nodiscard]] inline platform::Outcome writeFileAt(const std::filesystem::path &path, QByteArrayView bytes)
+{
+    const std::string error = writeWholeFile(path, {bytes.data(), std::size_t(bytes.size())});
+    return error.empty() ? platform::Outcome() : platform::Error{QString::fromStdString(error)};
+}
+
+} // namespace toolchain
