@@ -78,7 +78,12 @@ QString junit(const QString &name, QList<Result> results)
     const auto errors =
         std::count_if(results.cbegin(), results.cend(), [](const Result &result) { return result.isError; });
     if (results.isEmpty())
-        results.append({u"nothing-found"_s, false, name, {}, u"Nothing was found."_s, {}});
+        results.append({.rule = u"nothing-found"_s,
+                        .isError = false,
+                        .path = name,
+                        .architecture = {},
+                        .message = u"Nothing was found."_s,
+                        .help = {}});
     QString document;
     QXmlStreamWriter xml(&document);
     xml.setAutoFormatting(true);

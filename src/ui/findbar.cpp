@@ -131,20 +131,20 @@ void FindBar::find(Direction direction)
     const bool isForward = direction == Direction::forward;
     const auto flags = isForward ? QTextDocument::FindFlags() : QTextDocument::FindBackward;
     if (m_text.find(m_words->text(), flags))
-        return tell(true);
+        return tellFound();
     const QTextCursor before = m_text.textCursor();
     m_text.moveCursor(isForward ? QTextCursor::Start : QTextCursor::End);
     const bool isFound = m_text.find(m_words->text(), flags);
-    if (!isFound)
-        m_text.setTextCursor(before);
-    tell(isFound);
+    if (isFound)
+        return tellFound();
+    m_text.setTextCursor(before);
+    m_result->setText(tr("Not found"));
 }
 
-void FindBar::tell(bool isFound)
+void FindBar::tellFound()
 {
-    m_result->setText(isFound ? placeText() : tr("Not found"));
-    if (isFound)
-        Q_EMIT found();
+    m_result->setText(placeText());
+    Q_EMIT found();
 }
 
 /// "3 of 12": the place that is selected, among all. Beyond so many, only that there are more.

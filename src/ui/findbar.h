@@ -37,7 +37,7 @@ private:
 
     void findWhileTyping();
     void find(Direction direction);
-    void tell(bool isFound);
+    void tellFound();
     QString placeText() const;
     void putAway();
 

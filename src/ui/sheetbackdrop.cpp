@@ -28,12 +28,14 @@ bool takesTab(const QWidget &widget)
         && widget.isVisible();
 }
 
+enum class Direction { forward, backward };
+
 /// The next part below `root` that the Tab key would lead to, beginning behind `from`; null if there is none.
-QWidget *nextPart(const QWidget &root, QWidget &from, bool forward)
+QWidget *nextPart(const QWidget &root, QWidget &from, Direction direction)
 {
     QWidget *part = &from;
     do {
-        part = forward ? part->nextInFocusChain() : part->previousInFocusChain();
+        part = direction == Direction::forward ? part->nextInFocusChain() : part->previousInFocusChain();
         if (root.isAncestorOf(part) && takesTab(*part))
             return part;
     } while (part != &from);
@@ -86,7 +88,8 @@ protected:
     bool focusNextPrevChild(bool next) override
     {
         QWidget *const focused = window()->focusWidget();
-        QWidget *const part = nextPart(*this, focused && isAncestorOf(focused) ? *focused : *this, next);
+        QWidget *const part = nextPart(*this, focused && isAncestorOf(focused) ? *focused : *this,
+                                       next ? Direction::forward : Direction::backward);
         if (part)
             part->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
         return true;
@@ -113,7 +116,7 @@ bool hasTitleOnly(const QDialog &dialog)
 
 bool hasFields(QDialog &dialog)
 {
-    const QWidget *const first = nextPart(dialog, dialog, true);
+    const QWidget *const first = nextPart(dialog, dialog, Direction::forward);
     return first && !qobject_cast<const QPushButton *>(first);
 }
 
@@ -168,7 +171,7 @@ void SheetBackdrop::giveKeys(QDialog &dialog)
     if (!part && !hasFields(dialog))
         part = defaultButton(dialog);
     if (!part)
-        part = nextPart(dialog, dialog, true);
+        part = nextPart(dialog, dialog, Direction::forward);
     (part ? part : &dialog)->setFocus(Qt::ActiveWindowFocusReason);
 }
 

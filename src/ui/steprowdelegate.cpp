@@ -23,11 +23,15 @@ QFont bold(QFont font)
 }
 
 /// Where the parts of a row stand, in a row of that width. All of it grows with the font.
+enum class RowKind { step, heading };
+
 struct RowLayout {
-    RowLayout(const QFont &font, const QRect &row, bool isStep)
-        : metrics(isStep ? bold(font) : font) // of any step, so that none changes its height when it runs
+    RowLayout(const QFont &font, const QRect &row, RowKind kind)
+        : metrics(kind == RowKind::step ? bold(font)
+                                        : font) // of any step, so that none changes its height when it runs
         , gap(metrics.height() / 3)
     {
+        const bool isStep = kind == RowKind::step;
         const int side = metrics.ascent();
         const QRect inner = row.adjusted(gap, margin(), -gap, -margin());
         const int durationWidth = isStep ? metrics.horizontalAdvance(u"0:00:00"_s) : 0;
@@ -47,9 +51,9 @@ struct RowLayout {
     QRect duration;
 };
 
-bool isStep(const QModelIndex &index)
+RowKind kindOf(const QModelIndex &index)
 {
-    return index.data(StepListModel::stateRole).isValid();
+    return index.data(StepListModel::stateRole).isValid() ? RowKind::step : RowKind::heading;
 }
 
 /// The name, and how much of the work is done.
@@ -95,7 +99,7 @@ void drawLine(QPainter &painter, const QRectF &sign, const QRect &row, const QMo
         painter.setPen(pen(runsign::isReached(stateOf(index))));
         painter.drawLine(middle + QPointF(0, row.top()), middle + QPointF(0, sign.top()));
     }
-    if (next.isValid() && isStep(next)) {
+    if (next.isValid() && kindOf(next) == RowKind::step) {
         painter.setPen(pen(runsign::isReached(stateOf(next))));
         painter.drawLine(middle + QPointF(0, sign.bottom()), middle + QPointF(0, row.bottom() + 1));
     }
@@ -115,7 +119,7 @@ void drawFocus(QPainter &painter, const QStyleOptionViewItem &option)
 void StepRowDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
                             const QModelIndex &index) const
 {
-    const RowLayout layout(option.font, option.rect, isStep(index));
+    const RowLayout layout(option.font, option.rect, kindOf(index));
     const auto mirrored = [&option](const QRect &place) {
         return QStyle::visualRect(option.direction, option.rect, place);
     };
@@ -146,7 +150,7 @@ QSize StepRowDelegate::sizeHint(const QStyleOptionViewItem &option, const QModel
 {
     const auto *const view = qobject_cast<const QAbstractItemView *>(option.widget);
     const int width = view ? view->viewport()->width() : option.rect.width();
-    const RowLayout layout(option.font, {0, 0, width, tallestRow}, isStep(index));
+    const RowLayout layout(option.font, {0, 0, width, tallestRow}, kindOf(index));
     const QRect text =
         layout.metrics.boundingRect(layout.name, Qt::AlignTop | Qt::TextWordWrap, textOf(index));
     return {0, text.height() + 2 * layout.margin()}; // the view makes a row as wide as itself
@@ -154,14 +158,14 @@ QSize StepRowDelegate::sizeHint(const QStyleOptionViewItem &option, const QModel
 
 int StepRowDelegate::widthFor(const QString &text, const QFont &font)
 {
-    const RowLayout layout(font, {}, true);
+    const RowLayout layout(font, {}, RowKind::step);
     const int rest = -layout.name.width(); // what an empty row lacks for the parts that are not its name
     return rest + layout.metrics.horizontalAdvance(text);
 }
 
 int StepRowDelegate::heightOfOneLine(const QFont &font)
 {
-    const RowLayout layout(font, {}, true);
+    const RowLayout layout(font, {}, RowKind::step);
     return layout.metrics.height() + 2 * layout.margin();
 }
 

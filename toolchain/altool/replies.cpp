@@ -131,18 +131,27 @@ QVariantMap historyEntries(const QList<notary::Submission> &submissions)
     return {{u"items"_s, items}};
 }
 
+StatusTexts decided(const QString &status, int code, const QString &message)
+{
+    return {.status = status, .isDecided = true, .isKnown = true, .code = code, .message = message};
+}
+
 } // namespace
 
 StatusTexts textsOf(const QString &serviceWord)
 {
     const QString word = serviceWord.trimmed().toLower();
     if (word == u"accepted"_s)
-        return {u"success"_s, true, true, 0, u"Package Approved"_s};
+        return decided(u"success"_s, 0, u"Package Approved"_s);
     if (word == u"invalid"_s)
-        return {u"invalid"_s, true, true, 2, u"Package Invalid"_s};
+        return decided(u"invalid"_s, 2, u"Package Invalid"_s);
     if (word == u"rejected"_s)
-        return {u"rejected"_s, true, true, 2, u"Package Rejected"_s};
-    return {u"in progress"_s, false, word == u"in progress"_s, 0, {}};
+        return decided(u"rejected"_s, 2, u"Package Rejected"_s);
+    return {.status = u"in progress"_s,
+            .isDecided = false,
+            .isKnown = word == u"in progress"_s,
+            .code = 0,
+            .message = {}};
 }
 
 Reply uploadReply(const QString &id, const QString &archive, OutputFormat format)

@@ -45,7 +45,7 @@ std::string complaintAbout(const ParsedArguments &arguments)
         return arguments.error;
     if (arguments.operands.size() != 1 || !arguments.has("-o"))
         return "one image and -o with another are needed";
-    if (!format || !format->isMade)
+    if (!format || !format->isMade())
         return "the format " + arguments.value("-format") + " is not made here; those made are "
             + udif::formatsMade().toStdString();
     if (arguments.has("-imagekey") && !isZlibLevel(key))

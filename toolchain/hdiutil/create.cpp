@@ -52,7 +52,7 @@ std::optional<udif::ImageFormat> formatFrom(const ParsedArguments &arguments)
 {
     const auto format = udif::imageFormat(
         arguments.has("-format") ? QString::fromStdString(arguments.value("-format")) : u"UDZO"_s);
-    return format && format->isMade ? format : std::nullopt;
+    return format && format->isMade() ? format : std::nullopt;
 }
 
 /// What this tool cannot do of what the arguments ask; empty if it can do all.

@@ -239,7 +239,8 @@ int announce(const Options &options)
     const auto lock = takeOver(options);
     if (!lock->isHeld())
         return fail(reasonOf(*lock));
-    const Outcome published = publish({originOf(options.address, options.address.port), 0, true});
+    const Outcome published = publish(
+        {.origin = originOf(options.address, options.address.port), .process = 0, .isActivated = true});
     return published ? 0 : fail(published.error());
 }
 

@@ -46,15 +46,25 @@ QString named(const QString &rule, const Signer &signer, Anchor ticketAnchor)
     return isApples ? rule : rule + u" of this machine"_s;
 }
 
+Assessment accepted(const QString &source, const QString &origin)
+{
+    return {.isAccepted = true, .source = source, .origin = origin, .note = {}};
+}
+
+Assessment rejected(const QString &source, const QString &origin = {})
+{
+    return {.isAccepted = false, .source = source, .origin = origin, .note = {}};
+}
+
 /// For a signature that holds and a certificate that is right: what is left is the ticket.
 Assessment byTicket(const Signer &signer, const TicketJudgement &approval)
 {
     const QString origin = originOf(signer);
     if (approval.isGood())
-        return {true, named(u"Notarized Developer ID"_s, signer, approval.anchor), origin, {}};
+        return accepted(named(u"Notarized Developer ID"_s, signer, approval.anchor), origin);
     if (isOlderThanTickets(signer))
-        return {true, named(u"Developer ID"_s, signer, Anchor::apple), origin, {}};
-    return {false, named(u"Unnotarized Developer ID"_s, signer, Anchor::apple), origin, {}};
+        return accepted(named(u"Developer ID"_s, signer, Anchor::apple), origin);
+    return rejected(named(u"Unnotarized Developer ID"_s, signer, Anchor::apple), origin);
 }
 
 quint8 hashTypeOf(const codesignature::SignedPart &part)
@@ -107,15 +117,15 @@ Assessment judged(const Verification &verification)
 {
     const bool isSigned = verification.code && verification.code->isSigned();
     if (!isSigned)
-        return {false, noUsableSignature, {}, {}};
+        return rejected(noUsableSignature);
     const QString origin = verification.signer ? originOf({verification.signer->trust, {}}) : QString();
     if (!verification.problem.isNone())
-        return {false, verification.problem.text, origin, {}};
+        return rejected(verification.problem.text, origin);
     if (!verification.signer)
-        return {false, noUsableSignature, {}, {}};
+        return rejected(noUsableSignature);
     const QString objection = objectionTo(*verification.signer);
     if (!objection.isEmpty())
-        return {false, objection, origin, {}};
+        return rejected(objection, origin);
     Assessment assessment = byTicket({verification.signer->trust, verification.signer->timestamp},
                                      approvalOfCode(*verification.code));
     if (!assessment.isAccepted)
@@ -128,7 +138,7 @@ Assessment assessCode(const QString &path, Use use)
     const auto code = codesignature::readSignedCode(path);
     const bool isImage = code && code->kind == codesignature::CodeKind::diskImage;
     if (isImage && use != Use::open)
-        return {false, noUsableSignature, {}, {}};
+        return rejected(noUsableSignature);
     return judged(codesignature::verifyCode(path, {}));
 }
 
@@ -136,13 +146,13 @@ Assessment assessPackage(const QString &path)
 {
     const auto archive = xar::Archive::open(path);
     if (!archive)
-        return {false, noUsableSignature, {}, {}};
+        return rejected(noUsableSignature);
     const auto judgement = package::judgePackage(*archive);
     const Signer signer{judgement.trust, judgement.timestamp};
     if (judgement.verdict == package::PackageJudgement::Verdict::notSigned)
-        return {false, noUsableSignature, {}, {}};
+        return rejected(noUsableSignature);
     if (!judgement.isGood())
-        return {false, judgement.problem, originOf(signer), {}};
+        return rejected(judgement.problem, originOf(signer));
     if (judgement.ticket.isGood())
         return byTicket(signer, judgement.ticket);
     const auto target = ticket::StapleTarget::open(path);
@@ -162,7 +172,7 @@ Assessment assess(const QString &path, Use use, Context context)
     if (use == Use::install)
         return assessPackage(path);
     if (use == Use::open && context == Context::none && isDiskImage(path))
-        return {false, u"Insufficient Context"_s, {}, {}};
+        return rejected(u"Insufficient Context"_s);
     return assessCode(path, use);
 }
 

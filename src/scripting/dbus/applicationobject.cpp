@@ -203,7 +203,7 @@ const BusInterface &desktopInterface()
              {{u"uris"_s, u"as"_s}, platformData},
              {},
              openingDocuments(withActivationToken(1, open)),
-             true},
+             Readiness::atOnce},
             {u"ActivateAction"_s,
              {{u"action_name"_s, u"s"_s}, {u"parameter"_s, u"av"_s}, platformData},
              {},

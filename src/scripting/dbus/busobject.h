@@ -50,13 +50,16 @@ struct BusArgument {
     QString type; ///< signature
 };
 
+/// When a method is answered; a call that comes too early waits.
+enum class Readiness { afterLaunch, atOnce };
+
 struct BusMethod {
     QString name;
     QList<BusArgument> in;
     QList<BusArgument> out;
     /// Answers the call, now or later. The arguments are of the types above.
     std::function<void(const BusObject &, const BusCall &)> handle;
-    bool worksDuringLaunch = false; ///< the others wait until launch has ended
+    Readiness readiness = Readiness::afterLaunch;
     QString description = {};
 };
 

@@ -81,7 +81,7 @@ std::optional<QVariant> typed(const BusObject &object, const QVariant &value, Va
         return documentFrom(object, *plain);
     if (type == ValueType{Type::rectangle})
         return QVariant::fromValue(qdbus_cast<platform::QDRect>(*plain));
-    if (type == ValueType{Type::text, true})
+    if (type == ValueType{.type = Type::text, .isList = true})
         return qdbus_cast<QStringList>(*plain);
     return plain;
 }

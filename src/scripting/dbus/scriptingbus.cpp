@@ -240,7 +240,7 @@ void ScriptingBus::serve(const BusCall &call, const BusObject &object, const Bus
         return call.replyWithError(buserror::invalidArgs,
                                    u"%1 takes arguments of the types \"%2\", not \"%3\"."_s.arg(
                                        method.name, signature, call.signature()));
-    if (isLaunching() && !method.worksDuringLaunch) {
+    if (isLaunching() && method.readiness == Readiness::afterLaunch) {
         m_waitingCalls.append(call);
         return;
     }

@@ -100,9 +100,9 @@ const BusInterface &propertiesInterface()
 {
     static const BusInterface interface {
         .name = bus::propertiesInterface, .methods = {
-            {u"Get"_s, {interfaceName, propertyName}, {{u"value"_s, u"v"_s}}, get, true},
-            {u"Set"_s, {interfaceName, propertyName, {u"value"_s, u"v"_s}}, {}, set, true},
-            {u"GetAll"_s, {interfaceName}, {{u"properties"_s, u"a{sv}"_s}}, getAll, true},
+            {u"Get"_s, {interfaceName, propertyName}, {{u"value"_s, u"v"_s}}, get, Readiness::atOnce},
+            {u"Set"_s, {interfaceName, propertyName, {u"value"_s, u"v"_s}}, {}, set, Readiness::atOnce},
+            {u"GetAll"_s, {interfaceName}, {{u"properties"_s, u"a{sv}"_s}}, getAll, Readiness::atOnce},
         }
     };
     return interface;
@@ -112,8 +112,11 @@ const BusInterface &objectManagerInterface()
 {
     static const BusInterface interface {
         .name = bus::objectManagerInterface,
-        .methods =
-            {{u"GetManagedObjects"_s, {}, {{u"objects"_s, u"a{oa{sa{sv}}}"_s}}, getManagedObjects, true}},
+        .methods = {{u"GetManagedObjects"_s,
+                     {},
+                     {{u"objects"_s, u"a{oa{sa{sv}}}"_s}},
+                     getManagedObjects,
+                     Readiness::atOnce}},
         .signalList = {
             {u"InterfacesAdded"_s, {{u"object"_s, u"o"_s}, {u"interfaces"_s, u"a{sa{sv}}"_s}}},
             {u"InterfacesRemoved"_s, {{u"object"_s, u"o"_s}, {u"interfaces"_s, u"as"_s}}},

@@ -79,7 +79,7 @@ QString keyOf(const XmlElement &element)
 ValueType typeOf(const XmlElement &element)
 {
     if (element.hasAttribute(u"type"_s))
-        return {typeNamed(element.attribute(u"type"_s)), false};
+        return {.type = typeNamed(element.attribute(u"type"_s)), .isList = false};
     const XmlElement type = element.child(u"type"_s);
     return {typeNamed(type.attribute(u"type"_s)), isYes(type, u"list"_s)};
 }

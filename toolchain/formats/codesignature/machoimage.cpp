@@ -96,7 +96,10 @@ Result<MachOSlice> readFatSlice(QIODevice &file, const FatEntry &entry)
 
 Result<MachOImage> readUniversal(QIODevice &file, quint32 magic)
 {
-    MachOImage image{{}, true, magic == fatMagic64, quint64(file.size())};
+    MachOImage image{.slices = {},
+                     .isUniversal = true,
+                     .hasWideHeader = magic == fatMagic64,
+                     .size = quint64(file.size())};
     const auto count = bigEndianAt<quint32>(bytesAt(file, 4, 4), 0);
     const quint64 entrySize = image.hasWideHeader ? 32 : 20;
     const quint64 headerEnd = 8 + count * entrySize;
@@ -258,7 +261,8 @@ Result<MachOImage> readMachOImage(QIODevice &file)
     auto slice = readSlice(file, {0, size});
     if (!slice)
         return slice.failure();
-    return MachOImage{{*std::move(slice)}, false, false, size};
+    return MachOImage{
+        .slices = {*std::move(slice)}, .isUniversal = false, .hasWideHeader = false, .size = size};
 }
 
 Result<MachOImage> readMachOImage(const QString &path)

@@ -49,7 +49,10 @@ Result<Vault::Status> Vault::status() const
     const VaultFile &vault = **file;
     const bool isLocked =
         vault.lock.protection == VaultProtection::passphrase && !SessionKey(m_folder).read().has_value();
-    return Status{true, isLocked, vault.lock.protection, vault.keyIds.size()};
+    return Status{.exists = true,
+                  .isLocked = isLocked,
+                  .protection = vault.lock.protection,
+                  .keys = vault.keyIds.size()};
 }
 
 Result<QStringList> Vault::keyIds() const

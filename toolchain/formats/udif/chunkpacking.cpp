@@ -18,13 +18,20 @@ constexpr qsizetype kibibyte = 1024;
 constexpr int allThreads = 16;
 constexpr int someThreads = 6; ///< each with some megabytes of its own
 
+using Support = ImageFormat::Support;
+
 constexpr std::array formats{
-    ImageFormat{rawChunk, "UDRO", "UDIF read-only", 256 * kibibyte, true, allThreads},
-    ImageFormat{adcChunk, "UDCO", "UDIF read-only compressed (ADC)", 256 * kibibyte, false, allThreads},
-    ImageFormat{zlibChunk, "UDZO", "UDIF read-only compressed (zlib)", 256 * kibibyte, true, allThreads},
-    ImageFormat{bzip2Chunk, "UDBZ", "UDIF read-only compressed (bzip2)", 512 * kibibyte, true, someThreads},
-    ImageFormat{lzfseChunk, "ULFO", "UDIF read-only compressed (lzfse)", 256 * kibibyte, false, allThreads},
-    ImageFormat{xzChunk, "ULMO", "UDIF read-only compressed (lzma)", 1024 * kibibyte, true, someThreads},
+    ImageFormat{rawChunk, "UDRO", "UDIF read-only", 256 * kibibyte, Support::readingAndMaking, allThreads},
+    ImageFormat{adcChunk, "UDCO", "UDIF read-only compressed (ADC)", 256 * kibibyte, Support::reading,
+                allThreads},
+    ImageFormat{zlibChunk, "UDZO", "UDIF read-only compressed (zlib)", 256 * kibibyte,
+                Support::readingAndMaking, allThreads},
+    ImageFormat{bzip2Chunk, "UDBZ", "UDIF read-only compressed (bzip2)", 512 * kibibyte,
+                Support::readingAndMaking, someThreads},
+    ImageFormat{lzfseChunk, "ULFO", "UDIF read-only compressed (lzfse)", 256 * kibibyte, Support::reading,
+                allThreads},
+    ImageFormat{xzChunk, "ULMO", "UDIF read-only compressed (lzma)", 1024 * kibibyte,
+                Support::readingAndMaking, someThreads},
 };
 
 const std::uint8_t *bytesOf(QByteArrayView bytes)

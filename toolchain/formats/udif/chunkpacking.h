@@ -11,12 +11,16 @@ namespace toolchain::udif {
 
 /// A format of read-only images, by what hdiutil calls it.
 struct ImageFormat {
+    enum class Support { reading, readingAndMaking }; ///< what can be done here with images of it
+
     quint32 chunkKind = rawChunk; ///< of those chunks that it makes smaller
     const char *name = "";
     const char *description = "";
     qsizetype chunkSize = 0; ///< bytes of the disk in a chunk
-    bool isMade = false; ///< whether images of it can be made here
+    Support support = Support::reading;
     int mostThreads = 0; ///< that may pack at once without taking much memory
+
+    [[nodiscard]] constexpr bool isMade() const { return support == Support::readingAndMaking; }
 };
 
 /// The format of that name, such as "UDZO"; nothing if there is none.

@@ -124,7 +124,7 @@ bool UdifReader::verifyPartition(const Partition &partition)
         work.give([file = m_file.descriptor(), dataOffset = m_trailer.dataOffset, chunk] {
             const quint64 size = chunk.sectorCount * sectorSize;
             if (chunk.kind == zeroChunk || chunk.kind == ignoredChunk)
-                return Checked{true, crcOfZeros(size), size};
+                return Checked{.isGood = true, .checksum = crcOfZeros(size), .size = size};
             const Unpacked bytes = unpackedFrom(file, dataOffset, chunk);
             return Checked{bytes.has_value(), crc(0, bytes.value_or(QByteArray())), size};
         });

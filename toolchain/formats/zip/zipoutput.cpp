@@ -156,7 +156,11 @@ void ZipOutput::give(Place place, const QByteArray &bytes, const QByteArray &bef
 
 ZipOutput::Block ZipOutput::pack(Place place, const QByteArray &bytes, const QByteArray &before, int level)
 {
-    Block block{place, quint64(bytes.size()), crc(bytes), false, {}};
+    Block block{.place = place,
+                .plainSize = quint64(bytes.size()),
+                .checksum = crc(bytes),
+                .isStored = false,
+                .bytes = {}};
     block.bytes = deflated(bytes, before, place == Place::only || place == Place::last, level);
     block.isStored = place == Place::only && block.bytes.size() >= bytes.size();
     if (block.isStored)
