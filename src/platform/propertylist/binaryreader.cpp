@@ -1,3 +1,4 @@
+#include "platform/propertylist/binarytrailer.h"
 #include "platform/propertylist/limits.h"
 #include "platform/propertylist/readers.h"
 
@@ -14,11 +15,6 @@ using namespace Qt::StringLiterals;
 namespace platform::propertylist {
 
 namespace {
-
-constexpr QByteArrayView magic = "bplist00";
-constexpr qint64 trailerSize = 32;
-/// The largest integer that a size, an offset or a reference is stored in.
-constexpr int largestField = 8;
 
 /// Seconds between 1970 and 2001, where the dates of the binary form begin to count.
 constexpr double secondsToReferenceDate = 978'307'200;
@@ -37,15 +33,6 @@ enum ObjectKind {
     array = 0xa,
     set = 0xc,
     dictionary = 0xd,
-};
-
-/// The last 32 bytes, which say how to read the rest.
-struct Trailer {
-    int offsetSize = 0;
-    int referenceSize = 0;
-    quint64 objectCount = 0;
-    quint64 topObject = 0;
-    quint64 tableOffset = 0;
 };
 
 class BinaryReader {
@@ -70,8 +57,6 @@ private:
     };
 
     // Each answers an invalid value (or false) after it has called fail().
-    bool readTrailer();
-    bool checkTrailer();
     QVariant object(quint64 index, qint64 referredAt, int depth);
     QVariant objectAt(const Marker &marker, int depth);
     QVariant singleton(const Marker &marker);
@@ -89,7 +74,7 @@ private:
     bool measure(const Marker &marker, int unitSize, Contents &contents);
     bool fits(qint64 position, qint64 size);
     bool take(const Marker &marker, qint64 bytes);
-    quint64 field(qint64 position, int size) const;
+    quint64 field(qint64 position, int size) const { return fieldAt(m_data, position, size); }
     quint64 reference(qint64 position) const { return field(position, m_trailer.referenceSize); }
     QVariant fail(qint64 position, const QString &message);
 
@@ -98,58 +83,18 @@ private:
     /// Objects that are being read, so that one that holds itself is found.
     std::vector<bool> m_isOpen;
     Budget m_budget;
-    QString m_error;
+    Outcome m_outcome;
 };
 
 Result<QVariant> BinaryReader::read()
 {
-    QVariant value;
-    if (readTrailer()) {
-        m_isOpen.resize(m_trailer.objectCount);
-        value = object(m_trailer.topObject, m_data.size() - trailerSize + 16, 1);
-    }
-    return m_error.isNull() ? Result(value) : Error{m_error};
-}
-
-bool BinaryReader::readTrailer()
-{
-    if (!m_data.startsWith(magic)) {
-        fail(magic.size() - 1, u"this version of the binary form is not known"_s);
-        return false;
-    }
-    if (m_data.size() < magic.size() + trailerSize) {
-        fail(m_data.size(), u"the list ends before its trailer"_s);
-        return false;
-    }
-    const qint64 start = m_data.size() - trailerSize;
-    m_trailer.offsetSize = int(field(start + 6, 1));
-    m_trailer.referenceSize = int(field(start + 7, 1));
-    m_trailer.objectCount = field(start + 8, 8);
-    m_trailer.topObject = field(start + 16, 8);
-    m_trailer.tableOffset = field(start + 24, 8);
-    return checkTrailer();
-}
-
-bool BinaryReader::checkTrailer()
-{
-    const qint64 start = m_data.size() - trailerSize;
-    const auto isSize = [](int size) { return size >= 1 && size <= largestField; };
-    if (!isSize(m_trailer.offsetSize)) {
-        fail(start + 6, u"offsets of %1 bytes are not possible"_s.arg(m_trailer.offsetSize));
-    } else if (!isSize(m_trailer.referenceSize)) {
-        fail(start + 7, u"references of %1 bytes are not possible"_s.arg(m_trailer.referenceSize));
-    } else if (m_trailer.tableOffset < quint64(magic.size()) || m_trailer.tableOffset > quint64(start)) {
-        fail(start + 24, u"the offset table lies outside the list"_s);
-    } else if (m_trailer.objectCount == 0) {
-        fail(start + 8, u"the list holds no object"_s);
-    } else if (m_trailer.objectCount
-               > (quint64(start) - m_trailer.tableOffset) / quint64(m_trailer.offsetSize)) {
-        fail(start + 8, u"the offset table is too short for %1 objects"_s.arg(m_trailer.objectCount));
-    } else if (m_trailer.tableOffset + m_trailer.objectCount * quint64(m_trailer.offsetSize)
-               != quint64(start)) {
-        fail(start, u"there are bytes between the offset table and the trailer"_s);
-    }
-    return m_error.isNull();
+    const auto trailer = readTrailer(m_data);
+    if (!trailer)
+        return trailer.failure();
+    m_trailer = *trailer;
+    m_isOpen.resize(m_trailer.objectCount);
+    const QVariant value = object(m_trailer.topObject, m_data.size() - trailerSize + 16, 1);
+    return m_outcome ? Result(value) : m_outcome.failure();
 }
 
 /// Reads one object; referredAt is the byte of the reference to it, for the error.
@@ -161,7 +106,7 @@ QVariant BinaryReader::object(quint64 index, qint64 referredAt, int depth)
             u"object %1 is not among the %2 objects of the list"_s.arg(index).arg(m_trailer.objectCount));
     const qint64 entry = qint64(m_trailer.tableOffset + index * quint64(m_trailer.offsetSize));
     const quint64 position = field(entry, m_trailer.offsetSize);
-    if (position < quint64(magic.size()) || position >= m_trailer.tableOffset)
+    if (position < quint64(binaryMagic.size()) || position >= m_trailer.tableOffset)
         return fail(entry, u"object %1 lies outside the list"_s.arg(index));
     if (m_isOpen[index])
         return fail(referredAt, u"object %1 contains itself"_s.arg(index));
@@ -386,19 +331,10 @@ bool BinaryReader::take(const Marker &marker, qint64 bytes)
     return bound.isNull();
 }
 
-/// A big-endian number of 1 to 8 bytes, which the caller knows to be there.
-quint64 BinaryReader::field(qint64 position, int size) const
-{
-    quint64 number = 0;
-    for (const char byte : m_data.sliced(position, size))
-        number = number << 8 | static_cast<uchar>(byte);
-    return number;
-}
-
 QVariant BinaryReader::fail(qint64 position, const QString &message)
 {
-    if (m_error.isNull())
-        m_error = u"Byte %1: %2"_s.arg(position).arg(message);
+    if (m_outcome)
+        m_outcome = errorAt(position, message);
     return {};
 }
 
