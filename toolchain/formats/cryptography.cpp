@@ -93,6 +93,14 @@ QByteArray derOf(X509 *certificate)
     return encoded<i2d_X509>(certificate);
 }
 
+QList<QByteArray> derOfAll(const STACK_OF(X509) * certificates)
+{
+    QList<QByteArray> list;
+    for (int index = 0; certificates && index < sk_X509_num(certificates); ++index)
+        list.append(derOf(sk_X509_value(certificates, index)));
+    return list;
+}
+
 Certificate certificateFrom(const QByteArray &der)
 {
     static ParsedCertificates parsed;

@@ -54,6 +54,8 @@ template <auto i2d, typename T>
 }
 
 [[nodiscard]] QByteArray derOf(X509 *certificate);
+/// The same of each; none of null.
+[[nodiscard]] QList<QByteArray> derOfAll(const STACK_OF(X509) * certificates);
 
 /// A certificate of exactly these DER bytes; null if they are none. It may be shared with others who ask for
 /// the same and must not be changed. Any thread.

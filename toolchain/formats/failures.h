@@ -5,7 +5,16 @@
 
 #include <QByteArrayView>
 
+#include <cerrno>
+#include <cstring>
+
 namespace toolchain {
+
+/// What the system says about errno.
+[[nodiscard]] inline platform::Error lastSystemError()
+{
+    return {QString::fromLocal8Bit(std::strerror(errno))};
+}
 
 /// "PATH: what the system says about the error number".
 [[nodiscard]] inline platform::Error systemFailure(const std::filesystem::path &path, int error)

@@ -1,5 +1,7 @@
 #include "keychain/commandline.h"
 
+#include "support/console.h"
+
 #include <algorithm>
 #include <array>
 #include <cstddef>
@@ -71,6 +73,12 @@ std::string commandLineProblem(const ParsedArguments &arguments)
             return name + " takes no option '" + option + "'";
     }
     return operandProblem(*command, arguments);
+}
+
+int failCommand(const QString &message)
+{
+    printError("sealwright-keychain: " + message.toStdString() + "\n");
+    return 1;
 }
 
 } // namespace toolchain

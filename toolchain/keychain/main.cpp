@@ -48,12 +48,6 @@ std::string shortUsage()
 /// A certificate's common name holds 64 characters at most (X.520, ub-common-name).
 constexpr qsizetype longestCommonName = 64;
 
-int fail(const QString &message)
-{
-    printError("sealwright-keychain: " + message.toStdString() + "\n");
-    return 1;
-}
-
 std::optional<IdentityKind> kindFrom(const ParsedArguments &arguments)
 {
     const std::string kind = arguments.has("--kind") ? arguments.value("--kind") : "application";
@@ -87,11 +81,11 @@ int makeNamedIdentity(const QString &name, IdentityKind kind)
 {
     const auto folder = makePrivateFolder(keychainFolder());
     if (!folder)
-        return fail(folder.error());
+        return failCommand(folder.error());
     const FolderLock lock(
         keychainFolder()); // of two that start at once, the second one finds the identity there
     if (!lock.isHeld())
-        return fail(keychainFolder() + u": cannot be locked"_s);
+        return failCommand(keychainFolder() + u": cannot be locked"_s);
     const QString commonName = identityCommonName(name, kind);
     if (isThere(commonName)) {
         print("\"" + commonName.toStdString() + "\" is there already\n");
@@ -99,7 +93,7 @@ int makeNamedIdentity(const QString &name, IdentityKind kind)
     }
     const auto path = makeIdentity(keychainFolder(), name, kind);
     if (!path)
-        return fail(path.error());
+        return failCommand(path.error());
     print("\"" + commonName.toStdString() + "\" made: " + path->toStdString() + "\n");
     return 0;
 }
@@ -121,10 +115,10 @@ int addPassword(const std::string &name)
     std::string password;
     std::getline(std::cin, password);
     if (password.empty())
-        return fail(u"no password on standard input"_s);
+        return failCommand(u"no password on standard input"_s);
     const auto kept = storePassword(QString::fromStdString(name), QByteArray::fromStdString(password));
     if (!kept)
-        return fail(kept.error());
+        return failCommand(kept.error());
     print("password kept under \"" + name + "\"\n");
     return 0;
 }

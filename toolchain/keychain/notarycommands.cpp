@@ -1,4 +1,5 @@
 #include "keychain/notarycommands.h"
+#include "keychain/commandline.h"
 
 #include "formats/notary/apikey.h"
 #include "formats/notary/serviceconfig.h"
@@ -19,12 +20,6 @@ namespace {
 
 constexpr qint64 largestKeyFile = 64 * 1024;
 
-int fail(const QString &message)
-{
-    printError("sealwright-keychain: " + message.toStdString() + "\n");
-    return 1;
-}
-
 QString textOf(const ParsedArguments &arguments, const char *name)
 {
     return QString::fromStdString(arguments.value(name));
@@ -34,7 +29,7 @@ int keep(const QString &item, const ApiKey &key)
 {
     const auto kept = storePassword(item, notary::itemOf(key));
     if (!kept)
-        return fail(kept.error());
+        return failCommand(kept.error());
     print("API key " + key.keyId.toStdString() + " kept under \"" + item.toStdString() + "\"\n");
     return 0;
 }
@@ -63,7 +58,7 @@ int addApiKey(const ParsedArguments &arguments)
     const QString path = QString::fromStdString(arguments.operands.at(2));
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
-        return fail(path + u": "_s + file.errorString());
+        return failCommand(path + u": "_s + file.errorString());
     ApiKey key{textOf(arguments, "--key-id"),
                textOf(arguments, "--issuer"),
                file.read(largestKeyFile),
@@ -73,11 +68,12 @@ int addApiKey(const ParsedArguments &arguments)
         key.keyId = keyIdIn(path);
     const QString wrong = objectionTo(key);
     if (!wrong.isEmpty())
-        return fail(wrong);
+        return failCommand(wrong);
     if (key.keyId.isEmpty())
-        return fail(path + u": its name is not AuthKey_ID.p8; tell the key's identifier by --key-id"_s);
+        return failCommand(path
+                           + u": its name is not AuthKey_ID.p8; tell the key's identifier by --key-id"_s);
     if (!notary::privateKeyOf(key))
-        return fail(path + u": this is no private key on the curve P-256"_s);
+        return failCommand(path + u": this is no private key on the curve P-256"_s);
     return keep(item, key);
 }
 
@@ -85,7 +81,7 @@ int makeApiKey(const ParsedArguments &arguments)
 {
     auto key = notary::makeLocalApiKey();
     if (!key)
-        return fail(key.error());
+        return failCommand(key.error());
     key->team = textOf(arguments, "--team");
     return keep(QString::fromStdString(arguments.operands.at(1)), *key);
 }
@@ -95,7 +91,7 @@ int useNotary(const ParsedArguments &arguments)
     const QString choice = QString::fromStdString(arguments.operands.at(1));
     const auto chosen = notary::chooseService(choice);
     if (!chosen)
-        return fail(chosen.error());
+        return failCommand(chosen.error());
     const auto config = notary::readServiceConfig();
     print("notary service: "
           + (config && !config->isLocal ? notary::hostAndPort(config->api).toStdString() : "of this machine")
@@ -116,7 +112,7 @@ int tellNotary()
 {
     const auto config = notary::readServiceConfig();
     if (!config)
-        return fail(config.error());
+        return failCommand(config.error());
     print(choiceOf(*config).toStdString() + "\n");
     return 0;
 }

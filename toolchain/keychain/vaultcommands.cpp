@@ -1,4 +1,5 @@
 #include "keychain/vaultcommands.h"
+#include "keychain/commandline.h"
 
 #include <QFile>
 
@@ -39,16 +40,10 @@ A passphrase is the first line of FILE, or of standard input for "-". Without th
 sealwright-keychain, if there is one, and else asked for at the terminal.
 )";
 
-int fail(const QString &message)
-{
-    printError("sealwright-keychain: " + message.toStdString() + "\n");
-    return 1;
-}
-
 int ended(const Outcome &outcome, const QString &text)
 {
     if (!outcome)
-        return fail(outcome.error());
+        return failCommand(outcome.error());
     print(text.toStdString() + "\n");
     return 0;
 }
@@ -78,7 +73,7 @@ int showStatus()
 {
     const auto status = Vault(keychainFolder()).status();
     if (!status)
-        return fail(status.error());
+        return failCommand(status.error());
     QString text = u"keychain: %1\n"_s.arg(keychainFolder()) + protectionText(*status);
     text += status->exists ? u"private keys: %1\n"_s.arg(status->keys)
                            : u"private keys: 0 (there is no keychain yet)\n"_s;
@@ -93,14 +88,14 @@ int unlock(const ParsedArguments &arguments)
     const Vault vault(keychainFolder());
     const auto status = vault.status();
     if (!status)
-        return fail(status.error());
+        return failCommand(status.error());
     if (status->exists && status->protection != VaultProtection::passphrase) {
         printError("sealwright-keychain: the keychain is under no passphrase; set-passphrase sets one\n");
         return 0;
     }
     const auto passphrase = passphraseFrom(fileOption(arguments), u"Passphrase of the keychain:"_s);
     if (!passphrase)
-        return fail(passphrase.error());
+        return failCommand(passphrase.error());
     return ended(vault.unlock(*passphrase), u"unlocked"_s);
 }
 
@@ -109,10 +104,10 @@ int setPassphrase(const ParsedArguments &arguments)
     const Vault vault(keychainFolder());
     const auto open = vault.read();
     if (!open)
-        return fail(open.error());
+        return failCommand(open.error());
     const auto passphrase = passphraseFrom(fileOption(arguments), u"New passphrase of the keychain:"_s);
     if (!passphrase)
-        return fail(passphrase.error());
+        return failCommand(passphrase.error());
     return ended(vault.protect(VaultProtection::passphrase, *passphrase), u"the passphrase is set"_s);
 }
 
@@ -127,7 +122,8 @@ int useStore(const std::string &name)
         return ended(Outcome::success(), text); // and keeps its passphrase
     if (name == "file")
         return ended(vault.protect(VaultProtection::keyFile), text);
-    static_cast<void>(fail(u"no store '%1': secret-service or file"_s.arg(QString::fromStdString(name))));
+    static_cast<void>(
+        failCommand(u"no store '%1': secret-service or file"_s.arg(QString::fromStdString(name))));
     return usageStatus;
 }
 
@@ -139,7 +135,7 @@ int importToken(const ParsedArguments &arguments)
             return file.isEmpty() ? askPassphrase(u"PIN of the token:"_s) : passphraseFromFile(file);
         });
     if (!name)
-        return fail(name.error());
+        return failCommand(name.error());
     print(u"\"%1\" can be used; its key stays in the token\n"_s.arg(*name).toStdString());
     return 0;
 }

@@ -9,6 +9,7 @@
 
 #include <memory>
 
+#include "formats/cryptography.h"
 #include "formats/keychain/privatefile.h"
 #include "formats/notary/serviceconfig.h"
 
@@ -27,25 +28,18 @@ using Memory = std::unique_ptr<BIO, int (*)(BIO *)>;
 constexpr long lifetime = 365L * 24 * 60 * 60; // seconds
 constexpr long backdated = 24L * 60 * 60;
 
-QByteArray contentsOf(BIO *memory)
-{
-    char *bytes = nullptr;
-    const long length = BIO_get_mem_data(memory, &bytes);
-    return QByteArray(bytes, qsizetype(length));
-}
-
 QByteArray pemOf(X509 *certificate)
 {
     const Memory memory(BIO_new(BIO_s_mem()), BIO_free);
     PEM_write_bio_X509(memory.get(), certificate);
-    return contentsOf(memory.get());
+    return toolchain::writtenTo(memory.get());
 }
 
 QByteArray pemOf(EVP_PKEY *key)
 {
     const Memory memory(BIO_new(BIO_s_mem()), BIO_free);
     PEM_write_bio_PKCS8PrivateKey(memory.get(), key, nullptr, nullptr, 0, nullptr, nullptr);
-    return contentsOf(memory.get());
+    return toolchain::writtenTo(memory.get());
 }
 
 void extend(X509 *certificate, X509 *issuer, int name, const QByteArray &value)

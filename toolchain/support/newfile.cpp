@@ -1,5 +1,7 @@
 #include "support/newfile.h"
 
+#include "support/openfile.h"
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -44,15 +46,7 @@ NewFile::~NewFile()
 
 bool NewFile::write(std::string_view bytes) const
 {
-    while (!bytes.empty()) {
-        const ssize_t length = ::write(m_descriptor, bytes.data(), bytes.size());
-        if (length < 0 && errno == EINTR)
-            continue;
-        if (length < 0)
-            return false;
-        bytes.remove_prefix(std::size_t(length));
-    }
-    return true;
+    return writeFully(m_descriptor, bytes);
 }
 
 bool NewFile::nameIt(const char *name) const

@@ -36,4 +36,17 @@ bool readFully(int file, std::uint64_t offset, char *target, std::ptrdiff_t size
     return true;
 }
 
+bool writeFully(int descriptor, std::string_view bytes)
+{
+    while (!bytes.empty()) {
+        const ssize_t length = write(descriptor, bytes.data(), bytes.size());
+        if (length < 0 && errno == EINTR)
+            continue;
+        if (length < 0)
+            return false;
+        bytes.remove_prefix(std::size_t(length));
+    }
+    return true;
+}
+
 } // namespace toolchain

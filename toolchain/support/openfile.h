@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <string_view>
 
 namespace toolchain {
 
@@ -29,5 +30,8 @@ private:
 /// Fills `size` bytes with those of an open file from `offset` on. False if it does not give them all, with
 /// errno telling why; 0 if the file ends before.
 [[nodiscard]] bool readFully(int file, std::uint64_t offset, char *target, std::ptrdiff_t size);
+
+/// Writes all bytes where an open file stands. False, with errno telling why, if that fails.
+[[nodiscard]] bool writeFully(int descriptor, std::string_view bytes);
 
 } // namespace toolchain

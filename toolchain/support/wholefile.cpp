@@ -1,5 +1,7 @@
 #include "support/wholefile.h"
 
+#include "support/openfile.h"
+
 #include <fcntl.h>
 #include <signal.h>
 #include <sys/stat.h>
@@ -110,15 +112,7 @@ WholeFile::~WholeFile()
 
 bool WholeFile::write(std::string_view bytes)
 {
-    while (!bytes.empty()) {
-        const ssize_t length = ::write(m_descriptor, bytes.data(), bytes.size());
-        if (length < 0 && errno == EINTR)
-            continue;
-        if (length < 0)
-            return false;
-        bytes.remove_prefix(static_cast<std::size_t>(length));
-    }
-    return true;
+    return writeFully(m_descriptor, bytes);
 }
 
 bool WholeFile::append(int source, std::uint64_t length)

@@ -62,14 +62,6 @@ std::optional<QCryptographicHash::Algorithm> algorithmOf(const X509_ALGOR *ident
     }
 }
 
-QList<QByteArray> certificatesOf(const STACK_OF(X509) * stack)
-{
-    QList<QByteArray> list;
-    for (int index = 0; stack && index < sk_X509_num(stack); ++index)
-        list.append(derOf(sk_X509_value(stack, index)));
-    return list;
-}
-
 PKCS7_SIGNER_INFO *onlySigner(PKCS7 *cms)
 {
     STACK_OF(PKCS7_SIGNER_INFO) *signers =
@@ -168,7 +160,7 @@ Result<CmsSignature> readCms(const QByteArray &bytes)
     const QByteArray value(reinterpret_cast<const char *>(ASN1_STRING_get0_data(signer->enc_digest)),
                            ASN1_STRING_length(signer->enc_digest));
     return withAttributes({derOf(leaf),
-                           certificatesOf(cms->d.sign->cert),
+                           derOfAll(cms->d.sign->cert),
                            *algorithm,
                            {},
                            {},

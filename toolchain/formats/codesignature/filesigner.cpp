@@ -27,11 +27,6 @@ namespace toolchain::codesignature {
 
 namespace {
 
-Error lastSystemError()
-{
-    return Error{QString::fromLocal8Bit(std::strerror(errno))};
-}
-
 /// One digest of each kind over all bytes of a file up to a length.
 Result<QList<QByteArray>> digestsOfFile(const QString &path, quint64 length, const QList<HashType> &kinds)
 {

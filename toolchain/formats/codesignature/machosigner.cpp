@@ -4,6 +4,7 @@
 #include "formats/codesignature/filebytes.h"
 #include "formats/codesignature/pagedigests.h"
 #include "formats/codesignature/slicelayout.h"
+#include "formats/failures.h"
 #include "support/openfile.h"
 #include "support/wholefile.h"
 
@@ -24,11 +25,6 @@ namespace toolchain::codesignature {
 namespace {
 
 constexpr quint64 largestFile = 0xffffffff;
-
-Error lastSystemError()
-{
-    return Error{QString::fromLocal8Bit(std::strerror(errno))};
-}
 
 /// What tells whether a file is still the one that was read.
 bool isUnchanged(const struct stat &before, int descriptor)

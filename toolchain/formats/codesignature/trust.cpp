@@ -74,14 +74,6 @@ Stack stackOf(const QList<QByteArray> &certificates)
     return stack;
 }
 
-QList<QByteArray> listOf(const STACK_OF(X509) * stack)
-{
-    QList<QByteArray> list;
-    for (int index = 0; stack && index < sk_X509_num(stack); ++index)
-        list.append(derOf(sk_X509_value(stack, index)));
-    return list;
-}
-
 QList<QByteArray> anchorsFor(const TrustStore &store, TrustPurpose purpose)
 {
     const bool countsService = purpose == TrustPurpose::timestamping;
@@ -179,7 +171,7 @@ Trust verified(X509 *leaf, const QList<QByteArray> &anchors, const QList<QByteAr
     const StoreContext context = contextFor(leaf, store.get(), others.get(), at, &dates);
     const bool isVerified = X509_verify_cert(context.get()) == 1;
     ERR_clear_error();
-    return {listOf(X509_STORE_CTX_get0_chain(context.get())), Anchor::other,
+    return {derOfAll(X509_STORE_CTX_get0_chain(context.get())), Anchor::other,
             isVerified ? dates : problemOf(X509_STORE_CTX_get_error(context.get()))};
 }
 

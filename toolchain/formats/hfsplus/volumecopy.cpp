@@ -4,6 +4,7 @@
 #include "formats/failures.h"
 #include "formats/fileattributes.h"
 #include "formats/hfsplus/hfsplusnames.h"
+#include "support/openfile.h"
 
 #include <QFile>
 
@@ -149,17 +150,10 @@ private:
 
     bool write(int file, QByteArrayView bytes, const fs::path &path)
     {
-        while (!bytes.isEmpty()) {
-            const ssize_t length = ::write(file, bytes.data(), std::size_t(bytes.size()));
-            if (length < 0 && errno == EINTR)
-                continue;
-            if (length < 0) {
-                m_outcome = systemFailure(path, errno);
-                return false;
-            }
-            bytes = bytes.sliced(length);
-        }
-        return true;
+        const bool isWritten = writeFully(file, {bytes.data(), std::size_t(bytes.size())});
+        if (!isWritten)
+            m_outcome = systemFailure(path, errno);
+        return isWritten;
     }
 
     void copyLink(const fs::path &path, const VolumeEntry &entry)

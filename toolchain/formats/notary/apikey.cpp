@@ -15,6 +15,7 @@
 #include <array>
 #include <mutex>
 
+#include "formats/cryptography.h"
 #include "formats/keychain/privatefile.h"
 #include "formats/notary/serviceconfig.h"
 #include "formats/statefolder.h"
@@ -32,13 +33,6 @@ constexpr int halfOfSignature = 32;
 constexpr qint64 backdated = 60; // seconds, for a clock that is a little ahead
 constexpr qint64 lifetime = 1140; // seconds; the service takes 1200 at most
 constexpr int keyIdLength = 10;
-
-QByteArray contentsOf(BIO *memory)
-{
-    char *bytes = nullptr;
-    const long length = BIO_get_mem_data(memory, &bytes);
-    return QByteArray(bytes, qsizetype(length));
-}
 
 bool isOnP256(EVP_PKEY *key)
 {
@@ -135,7 +129,7 @@ QByteArray newPrivateKey()
     if (!key
         || PEM_write_bio_PKCS8PrivateKey(memory.get(), key.get(), nullptr, nullptr, 0, nullptr, nullptr) != 1)
         return {};
-    return contentsOf(memory.get());
+    return writtenTo(memory.get());
 }
 
 QString newKeyId()
@@ -197,7 +191,7 @@ QByteArray publicKeyOf(const ApiKey &key)
 {
     const PrivateKey pair = privateKeyOf(key);
     const std::unique_ptr<BIO, int (*)(BIO *)> memory(BIO_new(BIO_s_mem()), BIO_free);
-    return pair && PEM_write_bio_PUBKEY(memory.get(), pair.get()) == 1 ? contentsOf(memory.get())
+    return pair && PEM_write_bio_PUBKEY(memory.get(), pair.get()) == 1 ? writtenTo(memory.get())
                                                                        : QByteArray();
 }
 

@@ -1,9 +1,10 @@
 #include "formats/udif/guidtable.h"
 
+#include "formats/crc.h"
+#include "formats/littleendian.h"
+
 #include <QUuid>
 #include <QtEndian>
-
-#include <zlib.h>
 
 #include <algorithm>
 #include <limits>
@@ -19,35 +20,11 @@ constexpr quint64 entriesSectors = entrySize * entryCount / sectorSize;
 constexpr quint64 firstUsableSector = 2 + entriesSectors;
 constexpr quint64 volumeSector = 40;
 
-/// Bytes that grow number by number, the least significant byte first.
-class LittleEndianBytes {
-public:
-    template <typename Number>
-    LittleEndianBytes &add(Number number)
-    {
-        const Number swapped = qToLittleEndian(number);
-        m_bytes.append(reinterpret_cast<const char *>(&swapped), sizeof swapped);
-        return *this;
-    }
-
-    /// An identifier as the format keeps it: its first three parts with the least significant byte first.
-    LittleEndianBytes &add(const QUuid &identifier)
-    {
-        add(quint32(identifier.data1)).add(quint16(identifier.data2)).add(quint16(identifier.data3));
-        m_bytes.append(reinterpret_cast<const char *>(identifier.data4), sizeof identifier.data4);
-        return *this;
-    }
-
-    [[nodiscard]] QByteArray filledTo(qsizetype size) const { return m_bytes.leftJustified(size, '\0'); }
-    [[nodiscard]] const QByteArray &bytes() const { return m_bytes; }
-
-private:
-    QByteArray m_bytes;
-};
-
-quint32 crc(const QByteArray &bytes)
+/// An identifier as the format keeps it: its first three parts with the least significant byte first.
+LittleEndianBytes &addIdentifier(LittleEndianBytes &bytes, const QUuid &identifier)
 {
-    return quint32(crc32(0, reinterpret_cast<const Bytef *>(bytes.constData()), uInt(bytes.size())));
+    bytes.u32(identifier.data1).u16(identifier.data2).u16(identifier.data3);
+    return bytes.raw({reinterpret_cast<const char *>(identifier.data4), sizeof identifier.data4});
 }
 
 /// A master boot record whose one partition keeps old programs off the whole disk.
@@ -68,11 +45,11 @@ QByteArray entries(quint64 volumeSectors)
 {
     const QUuid appleHfs(0x48465300, 0x0000, 0x11aa, 0xaa, 0x11, 0x00, 0x30, 0x65, 0x43, 0xec, 0xac);
     LittleEndianBytes entry;
-    entry.add(appleHfs).add(QUuid::createUuid());
+    addIdentifier(addIdentifier(entry, appleHfs), QUuid::createUuid());
     entry.add(volumeSector).add(volumeSector + volumeSectors - 1).add(quint64(0));
     for (const char16_t unit : std::u16string_view(u"disk image"))
         entry.add(quint16(unit));
-    return entry.filledTo(entrySize * entryCount);
+    return entry.bytes().leftJustified(entrySize * entryCount, '\0');
 }
 
 struct HeaderPlaces {
@@ -93,11 +70,12 @@ QByteArray headerFor(const HeaderPlaces &places, quint64 lastUsable, const QUuid
             .add(headerSize)
             .add(checksum)
             .add(quint32(0));
-        header.add(places.own).add(places.other).add(firstUsableSector).add(lastUsable).add(disk);
+        header.add(places.own).add(places.other).add(firstUsableSector).add(lastUsable);
+        addIdentifier(header, disk);
         header.add(places.entries).add(entryCount).add(entrySize).add(entriesChecksum);
         return header.bytes();
     };
-    return withChecksum(crc(withChecksum(0))).leftJustified(sectorSize, '\0');
+    return withChecksum(crcOf(withChecksum(0))).leftJustified(sectorSize, '\0');
 }
 
 } // namespace
@@ -109,7 +87,7 @@ GuidTable guidTableFor(quint64 volumeSectors)
     const QUuid disk = QUuid::createUuid();
     GuidTable table;
     table.entries = entries(volumeSectors);
-    const quint32 checksum = crc(table.entries);
+    const quint32 checksum = crcOf(table.entries);
     table.protectiveRecord = protectiveRecord(lastSector + 1);
     table.header = headerFor({1, lastSector, 2}, behindVolume - 1, disk, checksum);
     table.gap = QByteArray(qsizetype(volumeSector - firstUsableSector) * sectorSize, '\0');

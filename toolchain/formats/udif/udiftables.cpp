@@ -1,13 +1,12 @@
 #include "formats/udif/udiftables.h"
 
 #include "formats/bigendian.h"
+#include "formats/crc.h"
 
 #include "platform/propertylist/propertylist.h"
 
 #include <QUuid>
 #include <QVariantMap>
-
-#include <zlib.h>
 
 using namespace Qt::StringLiterals;
 
@@ -159,7 +158,7 @@ quint32 masterChecksum(const std::vector<Partition> &partitions)
     for (const Partition &partition : partitions)
         checksums.u32(partition.checksum.value);
     const QByteArray bytes = checksums.bytes();
-    return quint32(crc32(0, reinterpret_cast<const Bytef *>(bytes.constData()), uInt(bytes.size())));
+    return crcOf(bytes);
 }
 
 } // namespace toolchain::udif

@@ -1,5 +1,6 @@
 // The checksums of a disk image, computed on all cores.
 
+#include "formats/crc.h"
 #include "formats/udif/chunkpacking.h"
 #include "formats/udif/udifreader.h"
 #include "support/openfile.h"
@@ -26,26 +27,16 @@ namespace {
 const QString corrupt = u"corrupt image"_s;
 constexpr qsizetype pieceSize = 1 << 20;
 
-quint32 crc(quint32 before, QByteArrayView bytes)
-{
-    return quint32(crc32(before, reinterpret_cast<const Bytef *>(bytes.data()), uInt(bytes.size())));
-}
-
-quint32 joined(quint32 first, quint32 second, quint64 length)
-{
-    return quint32(crc32_combine(first, second, z_off_t(length)));
-}
-
 /// The checksum of zeros, in as many steps as their count has bits.
 quint32 crcOfZeros(quint64 count)
 {
     const char zero = 0;
     quint32 result = 0;
-    quint32 power = crc(0, QByteArrayView(&zero, 1));
+    quint32 power = crcOf(QByteArrayView(&zero, 1));
     for (quint64 length = 1; count > 0; length *= 2, count /= 2) {
         if (count % 2 != 0)
-            result = joined(result, power, length);
-        power = joined(power, power, length);
+            result = joinedCrc(result, power, length);
+        power = joinedCrc(power, power, length);
     }
     return result;
 }
@@ -57,7 +48,7 @@ public:
     void add(const Checked &piece)
     {
         m_isGood = m_isGood && piece.isGood;
-        m_checksum = joined(m_checksum, piece.checksum, piece.size);
+        m_checksum = joinedCrc(m_checksum, piece.checksum, piece.size);
     }
     [[nodiscard]] bool is(quint32 checksum) const { return m_isGood && m_checksum == checksum; }
 
@@ -96,7 +87,7 @@ bool UdifReader::verifyStored()
         work.give([file = m_file.descriptor(), offset, length] {
             QByteArray piece(length, Qt::Uninitialized);
             const bool isGood = readFully(file, offset, piece.data(), length);
-            return Checked{isGood, crc(0, piece), quint64(length)};
+            return Checked{isGood, crcOf(piece), quint64(length)};
         });
     }
     while (!work.isEmpty())
@@ -126,7 +117,7 @@ bool UdifReader::verifyPartition(const Partition &partition)
             if (chunk.kind == zeroChunk || chunk.kind == ignoredChunk)
                 return Checked{.isGood = true, .checksum = crcOfZeros(size), .size = size};
             const Unpacked bytes = unpackedFrom(file, dataOffset, chunk);
-            return Checked{bytes.has_value(), crc(0, bytes.value_or(QByteArray())), size};
+            return Checked{bytes.has_value(), crcOf(bytes.value_or(QByteArray())), size};
         });
     }
     while (!work.isEmpty())
@@ -144,7 +135,7 @@ bool UdifReader::verifyOtherwise(const Partition &partition)
         const auto length = qsizetype(std::min(size - done, quint64(pieceSize)));
         if (!read(partition, done, piece.data(), length))
             return false;
-        value = crc(value, QByteArrayView(piece).first(length));
+        value = crcOf(QByteArrayView(piece).first(length), value);
         done += quint64(length);
     }
     return value == partition.checksum.value || fail(corrupt);

@@ -1,7 +1,9 @@
 #include "formats/udif/udifwriter.h"
 
+#include "formats/crc.h"
 #include "formats/failures.h"
 #include "formats/udif/udiftables.h"
+#include "support/openfile.h"
 
 #include <unistd.h>
 #include <zlib.h>
@@ -15,17 +17,6 @@ namespace toolchain {
 using namespace udif;
 
 namespace {
-
-quint32 crc(QByteArrayView bytes)
-{
-    return quint32(crc32(0, reinterpret_cast<const Bytef *>(bytes.data()), uInt(bytes.size())));
-}
-
-/// The checksum of some bytes and `length` more, from the checksums of both.
-quint32 joined(quint32 first, quint32 second, quint64 length)
-{
-    return quint32(crc32_combine(first, second, z_off_t(length)));
-}
 
 bool isZero(QByteArrayView bytes)
 {
@@ -91,14 +82,14 @@ UdifWriter::PackedChunk UdifWriter::pack(std::size_t partition, const QByteArray
     PackedChunk chunk;
     chunk.partition = partition;
     chunk.size = quint64(bytes.size());
-    chunk.checksum = crc(bytes);
+    chunk.checksum = crcOf(bytes);
     if (isZero(bytes))
         return chunk;
     chunk.stored = packedChunk(kind, bytes, level);
     chunk.kind = chunk.stored.isEmpty() ? rawChunk : kind;
     if (chunk.stored.isEmpty())
         chunk.stored = bytes;
-    chunk.storedChecksum = crc(chunk.stored);
+    chunk.storedChecksum = crcOf(chunk.stored);
     return chunk;
 }
 
@@ -118,8 +109,8 @@ void UdifWriter::storeChunk(const PackedChunk &packed)
     chunk.sectorCount = packed.size / sectorSize;
     chunk.offset = m_length;
     chunk.length = quint64(packed.stored.size());
-    m_dataChecksum = joined(m_dataChecksum, packed.storedChecksum, chunk.length);
-    partition.checksum.value = joined(partition.checksum.value, packed.checksum, packed.size);
+    m_dataChecksum = joinedCrc(m_dataChecksum, packed.storedChecksum, chunk.length);
+    partition.checksum.value = joinedCrc(partition.checksum.value, packed.checksum, packed.size);
     partition.sectorCount += chunk.sectorCount;
     partition.chunks.push_back(chunk);
     store(packed.stored);
@@ -127,17 +118,11 @@ void UdifWriter::storeChunk(const PackedChunk &packed)
 
 void UdifWriter::store(QByteArrayView bytes)
 {
-    while (!bytes.isEmpty() && m_outcome) {
-        const ssize_t length = ::write(m_descriptor, bytes.data(), std::size_t(bytes.size()));
-        if (length < 0 && errno == EINTR)
-            continue;
-        if (length < 0) {
-            m_outcome = systemFailure(m_path, errno);
-            return;
-        }
-        bytes = bytes.sliced(length);
-        m_length += quint64(length);
-    }
+    if (!m_outcome)
+        return;
+    if (!writeFully(m_descriptor, {bytes.data(), std::size_t(bytes.size())}))
+        m_outcome = systemFailure(m_path, errno);
+    m_length += quint64(bytes.size());
 }
 
 void UdifWriter::finish()

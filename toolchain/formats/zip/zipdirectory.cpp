@@ -1,5 +1,6 @@
 #include "formats/zip/zipdirectory.h"
 
+#include "formats/crc.h"
 #include "formats/zip/zipformat.h"
 
 #include <sys/stat.h>
@@ -250,10 +251,10 @@ void ZipDirectory::refuseSharedBytes()
 Outcome ZipDirectory::read(const PackedEntry &entry, const ByteSink &sink)
 {
     quint64 size = 0;
-    uLong checksum = crc32(0, nullptr, 0);
+    quint32 checksum = 0;
     const auto checked = [&](QByteArrayView bytes) {
         size += quint64(bytes.size());
-        checksum = crc32(checksum, reinterpret_cast<const Bytef *>(bytes.data()), uInt(bytes.size()));
+        checksum = crcOf(bytes, checksum);
         return size <= entry.plainSize && sink(bytes);
     };
     const Given given = entry.method == deflateMethod ? inflate(entry, checked) : copyStored(entry, checked);

@@ -1,5 +1,6 @@
 #include "formats/zip/zipoutput.h"
 
+#include "formats/crc.h"
 #include "formats/failures.h"
 #include "formats/zip/zipformat.h"
 #include "support/openfile.h"
@@ -24,11 +25,6 @@ constexpr quint64 largeSize = 0xf0000000; ///< leaves room for what packing may 
 constexpr quint16 noFlags = 0;
 constexpr quint16 versionNeeded = 20;
 constexpr quint16 versionNeededFor64 = 45;
-
-quint32 crc(const QByteArray &bytes)
-{
-    return quint32(crc32(0, reinterpret_cast<const Bytef *>(bytes.constData()), uInt(bytes.size())));
-}
 
 /// Packs a block; the next one may be put right behind it. Empty after a failure, which is one of memory.
 QByteArray deflated(const QByteArray &bytes, const QByteArray &before, bool isLast, int level)
@@ -158,7 +154,7 @@ ZipOutput::Block ZipOutput::pack(Place place, const QByteArray &bytes, const QBy
 {
     Block block{.place = place,
                 .plainSize = quint64(bytes.size()),
-                .checksum = crc(bytes),
+                .checksum = crcOf(bytes),
                 .isStored = false,
                 .bytes = {}};
     block.bytes = deflated(bytes, before, place == Place::only || place == Place::last, level);
@@ -178,7 +174,7 @@ void ZipOutput::take()
 void ZipOutput::store(const Block &block)
 {
     Entry &entry = m_entries[m_stored];
-    entry.checksum = quint32(crc32_combine(entry.checksum, block.checksum, z_off_t(block.plainSize)));
+    entry.checksum = joinedCrc(entry.checksum, block.checksum, block.plainSize);
     entry.plainSize += block.plainSize;
     entry.packedSize += quint64(block.bytes.size());
     if (block.place == Place::only || block.place == Place::first) {
@@ -206,17 +202,11 @@ void ZipOutput::patch(const Entry &entry)
 
 void ZipOutput::write(QByteArrayView bytes)
 {
-    while (!bytes.isEmpty() && m_outcome) {
-        const ssize_t length = ::write(m_descriptor, bytes.data(), std::size_t(bytes.size()));
-        if (length < 0 && errno == EINTR)
-            continue;
-        if (length < 0) {
-            m_outcome = systemFailure(m_path, errno);
-            return;
-        }
-        bytes = bytes.sliced(length);
-        m_length += quint64(length);
-    }
+    if (!m_outcome)
+        return;
+    if (!writeFully(m_descriptor, {bytes.data(), std::size_t(bytes.size())}))
+        m_outcome = systemFailure(m_path, errno);
+    m_length += quint64(bytes.size());
 }
 
 QByteArray ZipOutput::localHeader(const Entry &entry)
