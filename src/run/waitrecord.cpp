@@ -15,9 +15,9 @@ namespace {
 /// What was uploaded for the item.
 QString packingOf(const WaitRecord &record)
 {
-    if (!isBundleKind(itemKind(record.original)))
+    if (!Item(record.original).isBundle())
         return u"none"_s;
-    return isBundleKind(itemKind(record.item)) ? u"zip"_s : u"dmg"_s;
+    return Item(record.item).isBundle() ? u"zip"_s : u"dmg"_s;
 }
 
 /// A name and no way to another folder.

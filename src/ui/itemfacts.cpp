@@ -68,7 +68,7 @@ QString itemfacts::describe(const ItemSurvey &survey)
 QString itemfacts::intention(MainWinController &document, const QString &path, qsizetype places)
 {
     const QString identity = shown(document.identitiesPopup.titleOfSelectedItem());
-    if (!isBundleKind(itemKind(path)))
+    if (!Item(path).isBundle())
         return QObject::tr("will be signed by %1 and uploaded as it is").arg(identity);
     const bool isImage = document.createDiskImageCheckbox.isOn();
     if (places > 1 && !document.dontSignEnclosuresCheckbox.isOn())

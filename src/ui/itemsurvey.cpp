@@ -122,7 +122,7 @@ ItemSurvey surveyOf(const platform::FileService &files, const QString &path)
     if (bytes < 0)
         return survey;
     survey.bytes = bytes;
-    if (!isBundleKind(itemKind(path)))
+    if (!Item(path).isBundle())
         return survey;
     survey.architectures = architecturesIn(beginningOf(mainExecutable(files, path)));
     Places places;

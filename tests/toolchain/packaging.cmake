@@ -1,5 +1,6 @@
 # Seals, packages and tickets.
 target_sources(tst_toolchain PRIVATE
+    bom.cpp bom.h
     cpiobuilder.cpp cpiobuilder.h
     packagesigningtest.cpp
     payloadtest.cpp
@@ -8,4 +9,4 @@ target_sources(tst_toolchain PRIVATE
     tickettest.cpp
     xartest.cpp
     xarbuilder.cpp xarbuilder.h)
-target_link_libraries(tst_toolchain PRIVATE lzma tool_package tool_packagejudgement tool_localticket tool_seal tool_stapling tool_ticketjudgement tool_timestampauthority tool_xar)
+target_link_libraries(tst_toolchain PRIVATE lzma tool_package tool_packagejudgement tool_authority tool_seal tool_stapling tool_ticketjudgement tool_timestampauthority tool_xar)

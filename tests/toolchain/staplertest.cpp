@@ -1,4 +1,6 @@
-#include "formats/ticket/localticket.h"
+#include "formats/authority.h"
+#include "formats/statefolder.h"
+#include "formats/ticket/signedticket.h"
 #include "formats/ticket/stapling.h"
 #include "formats/ticket/ticketjudgement.h"
 #include "formats/ticket/ticketlookup.h"
@@ -104,9 +106,11 @@ protected:
 
     [[nodiscard]] static QByteArray minted(const QList<TicketEntry> &entries)
     {
-        const auto bytes = ticket::mintTicketOfThisMachine(entries, QDateTime::currentDateTimeUtc());
-        EXPECT_TRUE(bytes) << bytes.error().toStdString();
-        return bytes ? *bytes : QByteArray();
+        const auto key = Authority(keychainFolder()).serviceKey(LeafPurpose::ticket);
+        EXPECT_TRUE(key) << key.error().toStdString();
+        return ticket::mintTicket(entries, QDateTime::currentDateTimeUtc(), key->chain.first(2),
+                                  key->key.get())
+            .valueOr({});
     }
 
     TicketService service;

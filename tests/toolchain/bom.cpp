@@ -1,4 +1,4 @@
-#include "formats/package/bom.h"
+#include "toolchain/bom.h"
 
 #include "formats/bigendian.h"
 
