@@ -6,9 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include <sched.h>
-#include <sys/resource.h>
-#include <unistd.h>
+#include <thread>
 
 using namespace Qt::StringLiterals;
 
@@ -68,54 +66,48 @@ TEST_F(TwoDocuments, ofVersionThreeTakeTurns)
 
 namespace {
 
-/// Has the calling thread run on the first processor alone, so that of two such threads the one that gives
-/// way is behind the other one.
-void keepToOneProcessor()
+/// Whether another thread could begin at the runner if the run itself let go of it: on the thread of a run,
+/// which holds the monitor once more than the caller who wants the output does.
+bool isFreeBehindItsRun(SLWTaskMaster &runner)
 {
-#ifdef __linux__
-    cpu_set_t allowed;
-    sched_getaffinity(0, sizeof allowed, &allowed);
-    int first = 0;
-    while (!CPU_ISSET(first, &allowed))
-        ++first;
-    cpu_set_t one;
-    CPU_ZERO(&one);
-    CPU_SET(first, &one);
-    sched_setaffinity(0, sizeof one, &one);
-#endif
-}
-
-void giveWay()
-{
-#ifdef __linux__
-    setpriority(PRIO_PROCESS, static_cast<id_t>(gettid()), 19);
-#endif
+    runner.monitor().unlock();
+    bool isFree = false;
+    std::thread([&] {
+        isFree = runner.monitor().try_lock();
+        if (isFree)
+            runner.monitor().unlock();
+    }).join();
+    runner.monitor().lock();
+    return isFree;
 }
 
 } // namespace
 
-TEST_F(TwoDocuments, ofVersionThreeHaveTheirOutputBeforeTheNextRunEmptiesIt)
+/// The next run empties the buffers that a response has of its runner until it keeps copies.
+TEST_F(TwoDocuments, ofVersionThreeKeepTheRunnerUntilTheirOutputIsTheirs)
 {
     launchWithVersion("3.2.1");
-    host.tools.answer(u"xattr"_s, {.output = "a's text", .hangs = true});
-    std::atomic<int> atTheRunner = 0;
-    QString textOfA;
+    host.tools.answer(u"xattr"_s, {.output = "a's text"});
+    host.tools.answer(u"altool--notarization-info"_s, {.output = "a's verdict"});
+    host.tools.answer(u"altool--notarize-app"_s, {.output = "a's receipt"});
+    SLWTaskMasterPtr runner;
+    int runs = 0;
+    host.launcher.afterRun = [&](const QString &path) {
+        ++runs;
+        EXPECT_FALSE(isFreeBehindItsRun(*runner)) << path.toStdString();
+    };
+    QStringList texts;
     a->dispatchToWorker([&] {
-        keepToOneProcessor();
-        giveWay();
-        textOfA = SingleSteps(*a).tools.run(xattr, {})->outputString();
+        const SingleSteps::Tools tools = SingleSteps(*a).tools;
+        runner = a->taskRunner();
+        texts = {tools.run(xattr, {})->outputString(),
+                 tools.askService({u"--notarization-info"_s})->outputString()};
+        runner = a->uploadTaskRunner();
+        texts += tools.upload({u"--notarize-app"_s})->outputString();
     });
-    host.runUntil([this] { return !host.tools.calls().isEmpty(); });
-    b->dispatchToWorker([&] { // is awake before the slower thread has done anything more
-        keepToOneProcessor();
-        ++atTheRunner;
-        answerOfB = SingleSteps(*b).tools.run(ditto, {host.item(u"x"_s)});
-    });
-    host.runUntil([&] { return atTheRunner > 0; });
-    host.tools.release(u"xattr"_s);
     host.settle();
-    EXPECT_EQ(textOfA, u"a's text"_s);
-    EXPECT_EQ(answerOfB->status(), 0);
+    EXPECT_EQ(texts, (QStringList{u"a's text"_s, u"a's verdict"_s, u"a's receipt"_s}));
+    EXPECT_EQ(runs, 3);
 }
 
 TEST_F(TwoDocuments, ofVersionThreeUploadBesideAnothersTool)
