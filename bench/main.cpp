@@ -26,6 +26,7 @@ constexpr Row table[] = {
     {"log", rows::windowLog},
     {"submission", rows::submissionOfManyItems},
     {"waiting", rows::waitingDocuments},
+    {"documents", rows::manyDocuments},
     {"scripted", rows::scriptedSubmissions},
     {"images", rows::diskImages},
     {"archives", rows::archives},

@@ -15,6 +15,7 @@ namespace rows {
 [[nodiscard]] QList<Figure> windowLog();
 [[nodiscard]] QList<Figure> submissionOfManyItems();
 [[nodiscard]] QList<Figure> waitingDocuments();
+[[nodiscard]] QList<Figure> manyDocuments();
 [[nodiscard]] QList<Figure> scriptedSubmissions();
 [[nodiscard]] QList<Figure> diskImages();
 [[nodiscard]] QList<Figure> archives();

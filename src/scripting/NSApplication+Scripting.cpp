@@ -8,11 +8,29 @@
 #include "scripting/commandchecks.h"
 #include "scripting/examining.h"
 
+#include <QHash>
+
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
 
 namespace sealwright {
+
+namespace {
+
+using DocumentsByWindow = QHash<const platform::Window *, MainWinController *>;
+
+/// Of every open document. To look for each window's document in the list took a second with thousands.
+DocumentsByWindow documentsByWindow(const ApplicationInterface &application)
+{
+    DocumentsByWindow documents;
+    documents.reserve(application.allControllers().size());
+    for (const DocumentPtr &document : application.allControllers())
+        documents.insert(&document->window(), document.get());
+    return documents;
+}
+
+} // namespace
 
 void NSApplicationScripting::AESubmitForNotarizing(const ScriptCommandPtr &command)
 {
@@ -92,11 +110,9 @@ QStringList NSApplicationScripting::waiting() const
 
 QList<platform::Window *> NSApplicationScripting::orderedWindows() const
 {
-    QList<platform::Window *> windows;
-    for (platform::Window *window : m_appDelegate.host().application.windowsFrontToBack()) {
-        if (windowController(window))
-            windows.append(window);
-    }
+    const DocumentsByWindow documents = documentsByWindow(m_appDelegate);
+    QList<platform::Window *> windows = m_appDelegate.host().application.windowsFrontToBack();
+    windows.removeIf([&documents](const platform::Window *window) { return !documents.contains(window); });
     return windows;
 }
 
@@ -134,9 +150,10 @@ QList<platform::Window *> tabsByNearness(const QList<platform::Window *> &tabs, 
 
 QList<MainWinController *> NSApplicationScripting::orderedPseudoDocuments() const
 {
+    const DocumentsByWindow known = documentsByWindow(m_appDelegate);
     QList<MainWinController *> documents;
     for (const platform::Window *window : allOrderedWindows())
-        documents.append(windowController(window));
+        documents.append(known.value(window));
     return documents;
 }
 
