@@ -11,10 +11,8 @@ using namespace Qt::StringLiterals;
 
 class ReleaseScript : public HostOnBus {
 protected:
-    /// Runs the script to its end, while polls fire as they are armed.
-    int run(const QStringList &arguments, const QString &limit = u"60"_s)
+    void start(const QStringList &arguments, const QString &limit)
     {
-        QProcess script;
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.insert(
             u"PATH"_s, QFileInfo(QStringLiteral(SEALWRIGHTCTL)).path() + u':' + environment.value(u"PATH"_s));
@@ -22,16 +20,28 @@ protected:
         script.setProcessEnvironment(environment);
         script.start(QStringLiteral(SOURCE "/docs/examples/release.sh"), arguments);
         EXPECT_TRUE(script.waitForStarted());
-        host.runUntil([&] {
+    }
+
+    /// Waits for its end, while polls fire as they are armed.
+    int end()
+    {
+        host.runUntil([this] {
             host.timers.fireNext();
             return script.state() == QProcess::NotRunning;
         });
         error = QString::fromUtf8(script.readAllStandardError());
         return script.exitCode();
     }
+
+    int run(const QStringList &arguments, const QString &limit = u"60"_s)
+    {
+        start(arguments, limit);
+        return end();
+    }
     qsizetype documentCount() { return host.application().allControllers().size(); }
     QString dist() const { return host.item(u"dist"_s); }
 
+    QProcess script;
     QString error;
 };
 
@@ -65,6 +75,19 @@ TEST_F(ReleaseScript, cancelsWhatTakesTooLong)
     host.tools.answer(u"altool--notarization-history"_s, {.hangs = true});
     EXPECT_EQ(run({dist(), host.item(u"Foo.app"_s)}, u"1"_s), 3);
     EXPECT_TRUE(error.contains(u"no verdict"_s)) << error.toStdString();
+    host.runUntil([this] { return documentCount() == 1; });
+    host.settle();
+}
+
+TEST_F(ReleaseScript, obeysATerminationWhileItsItemIsWorkedOn)
+{
+    appURL();
+    host.tools.answer(u"altool--notarization-history"_s, {.hangs = true});
+    start({dist(), host.item(u"Foo.app"_s)}, u"60"_s);
+    host.runUntil([this] { return host.tools.order().contains(u"altool--notarization-history"_s); });
+    script.terminate();
+    EXPECT_EQ(end(), 143) << error.toStdString();
+    EXPECT_FALSE(error.contains(u"no verdict"_s)) << error.toStdString();
     host.runUntil([this] { return documentCount() == 1; });
     host.settle();
 }

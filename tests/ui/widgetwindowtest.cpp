@@ -87,6 +87,13 @@ TEST_F(WidgetWindowTest, aPlaceBeyondTheRangeOfBoundsIsAtItsEnd)
     EXPECT_EQ(window().boundsAsQDRect().top, -32'768);
 }
 
+TEST_F(WidgetWindowTest, boundsOfAnySizeMakeNoWindowThatTakesAllMemory)
+{
+    window().setBoundsAsQDRect({0, 0, 32'767, 32'767});
+    const QSize largest = QSize(4096, 4096).expandedTo(widget().screen()->virtualSize());
+    EXPECT_EQ(widget().frameGeometry().size(), largest);
+}
+
 TEST_F(WidgetWindowTest, boundsThatAreInsideOutLeaveTheLeastSize)
 {
     window().setBoundsAsQDRect({400, 300, 200, 100});
