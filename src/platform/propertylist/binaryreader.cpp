@@ -251,8 +251,8 @@ QVariant BinaryReader::uid(const Marker &marker)
 
 QVariant BinaryReader::array(const Marker &marker, int depth)
 {
-    if (const QString bound = Budget::checkDepth(depth); !bound.isNull())
-        return fail(marker.position, bound);
+    if (const Outcome bounded = Budget::checkDepth(depth); !bounded)
+        return fail(marker.position, bounded.error());
     Contents contents;
     if (!measure(marker, m_trailer.referenceSize, contents) || !take(marker, 0))
         return {};
@@ -270,8 +270,8 @@ QVariant BinaryReader::array(const Marker &marker, int depth)
 
 QVariant BinaryReader::dictionary(const Marker &marker, int depth)
 {
-    if (const QString bound = Budget::checkDepth(depth); !bound.isNull())
-        return fail(marker.position, bound);
+    if (const Outcome bounded = Budget::checkDepth(depth); !bounded)
+        return fail(marker.position, bounded.error());
     Contents contents; // all keys, then all values
     if (!measure(marker, 2 * m_trailer.referenceSize, contents) || !take(marker, 0))
         return {};
@@ -325,10 +325,10 @@ bool BinaryReader::fits(qint64 position, qint64 size)
 
 bool BinaryReader::take(const Marker &marker, qint64 bytes)
 {
-    const QString bound = m_budget.take(bytes);
-    if (!bound.isNull())
-        fail(marker.position, bound);
-    return bound.isNull();
+    const Outcome taken = m_budget.take(bytes);
+    if (!taken)
+        fail(marker.position, taken.error());
+    return bool(taken);
 }
 
 QVariant BinaryReader::fail(qint64 position, const QString &message)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QString>
+#include "platform/result.h"
 
 /// What a property list may cost. A few hundred bytes can ask for any amount of memory (shared references,
 /// nesting), so every reader is held to the same bounds.
@@ -20,24 +20,23 @@ inline constexpr qint64 maximumExpandedBytes = 256 * mebibyte;
 /// Keeps the account of one list while it is read.
 class Budget {
 public:
-    /// Takes one object with so many bytes of contents. Null while within bounds, otherwise the reason to
-    /// stop.
-    [[nodiscard]] QString take(qint64 contentBytes = 0)
+    /// Takes one object with so many bytes of contents. Fails beyond the bounds, with the reason to stop.
+    [[nodiscard]] Outcome take(qint64 contentBytes = 0)
     {
         m_bytes += contentBytes;
         if (++m_objects > maximumObjects)
-            return QStringLiteral("the list holds more than %1 objects").arg(maximumObjects);
+            return Error{QStringLiteral("the list holds more than %1 objects").arg(maximumObjects)};
         if (m_bytes > maximumExpandedBytes)
-            return QStringLiteral("the list expands to more than %1 MiB")
-                .arg(maximumExpandedBytes / mebibyte);
+            return Error{
+                QStringLiteral("the list expands to more than %1 MiB").arg(maximumExpandedBytes / mebibyte)};
         return {};
     }
 
-    /// Null for a depth within bounds, otherwise the reason to stop.
-    [[nodiscard]] static QString checkDepth(int depth)
+    /// Fails for a depth beyond the bounds, with the reason to stop.
+    [[nodiscard]] static Outcome checkDepth(int depth)
     {
         if (depth > maximumDepth)
-            return QStringLiteral("the list is nested deeper than %1 levels").arg(maximumDepth);
+            return Error{QStringLiteral("the list is nested deeper than %1 levels").arg(maximumDepth)};
         return {};
     }
 

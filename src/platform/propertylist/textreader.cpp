@@ -88,13 +88,13 @@ private:
     QStringView m_text;
     qsizetype m_position = 0;
     Budget m_budget;
-    QString m_error;
+    Outcome m_outcome;
 };
 
 Result<QVariant> TextReader::read()
 {
     const QVariant value = document();
-    return m_error.isNull() ? Result(value) : Error{m_error};
+    return m_outcome ? Result(value) : m_outcome.failure();
 }
 
 QVariant TextReader::document()
@@ -104,7 +104,7 @@ QVariant TextReader::document()
     if (!isAt(u'{') && !isAt(u'(') && !isAt(u'<'))
         return wordOrStringsFile();
     QVariant contents = value(1);
-    if (!m_error.isNull() || !skipBlanks())
+    if (!m_outcome || !skipBlanks())
         return {};
     return isAtEnd() ? contents : unexpected();
 }
@@ -297,10 +297,10 @@ QChar TextReader::numberedCharacter(int base, int mostDigits)
 
 bool TextReader::enterContainer(int depth)
 {
-    const QString bound = Budget::checkDepth(depth);
-    if (!bound.isNull())
-        fail(m_position - 1, bound);
-    return bound.isNull() && take(m_position - 1, 0);
+    const Outcome bounded = Budget::checkDepth(depth);
+    if (!bounded)
+        fail(m_position - 1, bounded.error());
+    return bounded && take(m_position - 1, 0);
 }
 
 /// Passes over white space and comments; false for a comment that does not end.
@@ -334,10 +334,10 @@ bool TextReader::skipBlockComment()
 
 bool TextReader::take(qsizetype start, qint64 bytes)
 {
-    const QString bound = m_budget.take(bytes);
-    if (!bound.isNull())
-        fail(start, bound);
-    return bound.isNull();
+    const Outcome taken = m_budget.take(bytes);
+    if (!taken)
+        fail(start, taken.error());
+    return bool(taken);
 }
 
 bool TextReader::passOver(char16_t character)
@@ -361,8 +361,8 @@ QVariant TextReader::unexpected()
 
 QVariant TextReader::fail(qsizetype position, const QString &message)
 {
-    if (m_error.isNull())
-        m_error = placeInText(m_text, position) + message;
+    if (m_outcome)
+        m_outcome = Error{placeInText(m_text, position) + message};
     return {};
 }
 

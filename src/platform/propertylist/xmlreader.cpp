@@ -136,7 +136,7 @@ private:
 
     QXmlStreamReader m_xml;
     Budget m_budget;
-    QString m_error;
+    Outcome m_outcome;
     qint64 m_skippedLines = 0;
     qint64 m_skippedColumns = 0;
 };
@@ -159,7 +159,7 @@ XmlReader::XmlReader(const QString &text)
 Result<QVariant> XmlReader::read()
 {
     QVariant value = document();
-    return m_error.isNull() ? Result(value) : Error{m_error};
+    return m_outcome ? Result(value) : m_outcome.failure();
 }
 
 QVariant XmlReader::document()
@@ -168,7 +168,7 @@ QVariant XmlReader::document()
         return {};
     const bool isWrapped = m_xml.qualifiedName() == "plist"_L1;
     QVariant contents = isWrapped ? wrappedValue() : value(1);
-    if (m_error.isNull())
+    if (m_outcome)
         nextTag(); // the end, or a complaint about what follows
     return contents;
 }
@@ -181,7 +181,7 @@ QVariant XmlReader::wrappedValue()
     if (first != QXmlStreamReader::StartElement)
         return {};
     QVariant contents = value(1);
-    if (m_error.isNull() && nextTag() == QXmlStreamReader::StartElement)
+    if (m_outcome && nextTag() == QXmlStreamReader::StartElement)
         return fail(u"the <plist> holds more than one value"_s);
     return contents;
 }
@@ -214,7 +214,7 @@ QVariant XmlReader::array(int depth)
             return {};
         items.append(item);
     }
-    return m_error.isNull() ? QVariant(items) : QVariant();
+    return m_outcome ? QVariant(items) : QVariant();
 }
 
 QVariant XmlReader::dictionary(int depth)
@@ -234,17 +234,16 @@ QVariant XmlReader::dictionary(int depth)
             return {};
         entries.insert(key, entry);
     }
-    return m_error.isNull() ? QVariant(entries) : QVariant();
+    return m_outcome ? QVariant(entries) : QVariant();
 }
 
 bool XmlReader::enterContainer(int depth)
 {
-    QString bound = Budget::checkDepth(depth);
-    if (bound.isNull())
-        bound = m_budget.take();
-    if (!bound.isNull())
-        fail(bound);
-    return bound.isNull();
+    const Outcome bounded = Budget::checkDepth(depth);
+    const Outcome taken = bounded ? m_budget.take() : bounded;
+    if (!taken)
+        fail(taken.error());
+    return bool(taken);
 }
 
 /// Goes from the end of a key to the start of its value.
@@ -299,16 +298,16 @@ bool XmlReader::text(QString &contents)
 
 bool XmlReader::takeText(const QString &contents)
 {
-    const QString bound = m_budget.take(contents.size() * qint64(sizeof(QChar)));
-    if (!bound.isNull())
-        fail(bound);
-    return bound.isNull();
+    const Outcome taken = m_budget.take(contents.size() * qint64(sizeof(QChar)));
+    if (!taken)
+        fail(taken.error());
+    return bool(taken);
 }
 
 /// The next start or end tag, or the end of the document, with nothing but white space and comments between.
 QXmlStreamReader::TokenType XmlReader::nextTag()
 {
-    while (m_error.isNull()) {
+    while (m_outcome) {
         const auto token = m_xml.readNext();
         switch (token) {
         case QXmlStreamReader::StartElement:
@@ -346,10 +345,10 @@ void XmlReader::refuseEntityDeclarations()
 /// The first failure is the one to tell; what follows from it is noise.
 QVariant XmlReader::fail(const QString &message)
 {
-    if (m_error.isNull()) {
+    if (m_outcome) {
         const qint64 line = m_xml.lineNumber() + m_skippedLines;
         const qint64 column = m_xml.columnNumber() + 1 + (m_xml.lineNumber() == 1 ? m_skippedColumns : 0);
-        m_error = u"Line %1, column %2: %3"_s.arg(line).arg(column).arg(message);
+        m_outcome = Error{u"Line %1, column %2: %3"_s.arg(line).arg(column).arg(message)};
     }
     return {};
 }

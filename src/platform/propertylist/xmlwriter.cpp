@@ -85,7 +85,7 @@ private:
     bool fail(const QString &message);
 
     QByteArray m_xml;
-    QString m_error;
+    Outcome m_outcome;
     /// Key path to the value at fault, put together on the way out.
     QString m_path;
 };
@@ -95,8 +95,8 @@ Result<QByteArray> XmlWriter::write(const QVariant &value)
     m_xml = head.toByteArray();
     if (!writeValue(value, 0)) {
         const QString path = m_path.startsWith(u'.') ? m_path.sliced(1) : m_path;
-        return Error{path.isEmpty() ? u"The top level %1"_s.arg(m_error)
-                                    : u"The value at '%1' %2"_s.arg(path, m_error)};
+        return Error{path.isEmpty() ? u"The top level %1"_s.arg(m_outcome.error())
+                                    : u"The value at '%1' %2"_s.arg(path, m_outcome.error())};
     }
     m_xml += tail;
     return m_xml;
@@ -144,8 +144,8 @@ bool XmlWriter::writeValue(const QVariant &value, int depth)
 
 bool XmlWriter::writeDictionary(const QVariantMap &entries, int depth)
 {
-    if (depth >= propertylist::maximumDepth)
-        return fail(propertylist::Budget::checkDepth(depth + 1));
+    if (const Outcome bounded = propertylist::Budget::checkDepth(depth + 1); !bounded)
+        return fail(bounded.error());
     if (entries.isEmpty())
         return writeLine("<dict/>", depth);
     writeLine("<dict>", depth);
@@ -160,8 +160,8 @@ bool XmlWriter::writeDictionary(const QVariantMap &entries, int depth)
 
 bool XmlWriter::writeArray(const QVariantList &items, int depth)
 {
-    if (depth >= propertylist::maximumDepth)
-        return fail(propertylist::Budget::checkDepth(depth + 1));
+    if (const Outcome bounded = propertylist::Budget::checkDepth(depth + 1); !bounded)
+        return fail(bounded.error());
     if (items.isEmpty())
         return writeLine("<array/>", depth);
     writeLine("<array>", depth);
@@ -215,7 +215,7 @@ bool XmlWriter::writeLine(const QByteArray &line, int depth)
 
 bool XmlWriter::fail(const QString &message)
 {
-    m_error = message;
+    m_outcome = Error{message};
     return false;
 }
 
