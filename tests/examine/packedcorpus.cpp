@@ -164,6 +164,20 @@ void addDamagedImages(Corpus &corpus)
                {u"damaged-code ."_s});
 }
 
+QByteArray signedPackage(const ItemMaker &item)
+{
+    const ItemMaker before;
+    const QString place = before.folder() + u"/Unsigned.pkg"_s;
+    QFile file(place);
+    EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(item.packageBytes({{u"a.txt"_s, "text"}}));
+    file.close();
+    expectSigned(SigningPlace::signPackage(place, before.folder() + u"/Signed.pkg"_s));
+    QFile signedFile(before.folder() + u"/Signed.pkg"_s);
+    EXPECT_TRUE(signedFile.open(QIODevice::ReadOnly));
+    return signedFile.readAll();
+}
+
 } // namespace
 
 void addPackages(Corpus &corpus)
@@ -187,18 +201,17 @@ void addPackages(Corpus &corpus)
     corpus.add(u"a package that links to a place on the disk"_s, [](ItemMaker &item) {
         becomePackage(item, {{u"a.txt"_s, "text"}, {u"usr/local/bin/tool"_s, {}, u"/opt/foo/bin/tool"_s}});
     });
-    corpus.add(u"a package that was signed before"_s, [](ItemMaker &item) {
-        const ItemMaker before;
-        const QString place = before.folder() + u"/Unsigned.pkg"_s;
-        QFile file(place);
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(item.packageBytes({{u"a.txt"_s, "text"}}));
-        file.close();
-        expectSigned(SigningPlace::signPackage(place, before.folder() + u"/Signed.pkg"_s));
-        QFile signedFile(before.folder() + u"/Signed.pkg"_s);
-        EXPECT_TRUE(signedFile.open(QIODevice::ReadOnly));
-        item.become(u"Foo.pkg"_s, signedFile.readAll());
-    });
+    corpus.add(u"a package that was signed before"_s,
+               [](ItemMaker &item) { item.become(u"Foo.pkg"_s, signedPackage(item)); });
+    corpus.add(u"an app with a signed package"_s,
+               [](ItemMaker &item) { item.file(u"Contents/Resources/Inner.pkg"_s, signedPackage(item)); });
+    corpus.add(u"an app with a package whose signature does not hold"_s,
+               [](ItemMaker &item) {
+                   QByteArray package = signedPackage(item);
+                   package.back() = char(package.back() + 1);
+                   item.file(u"Contents/Resources/Inner.pkg"_s, package);
+               },
+               {u"signature-invalid Contents/Resources/Inner.pkg"_s});
     corpus.add(u"a package that Apple has notarized"_s, [](ItemMaker &item) {
         QFile real(QString::fromUtf8(TEST_DATA)
                    + u"/package/Karabiner-DriverKit-VirtualHIDDevice-7.3.0.pkg"_s);

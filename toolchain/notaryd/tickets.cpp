@@ -55,12 +55,13 @@ bool vouchesFor(const NotaryRequest &request, int hashType, const QByteArray &ha
                        });
 }
 
-QJsonObject lookUp(Service &service, const Request &request, const QString &name)
+QJsonObject lookUp(Service &service, const Request &request, const QList<NotaryRequest> &submissions,
+                   const QString &name)
 {
     static const QRegularExpression form(uR"(\A2/([12])/([0-9a-f]{40})\z)"_s);
     const auto match = form.match(name);
     const QByteArray hash = match.captured(2).toLatin1();
-    for (const NotaryRequest &candidate : service.submissions().all()) {
+    for (const NotaryRequest &candidate : submissions) {
         if (!match.hasMatch() || candidate.verdict() != toolchain::Verdict::success
             || !vouchesFor(candidate, match.captured(1).toInt(), hash))
             continue;
@@ -81,9 +82,10 @@ Response answer(Service &service, const Request &request, const QByteArray &body
     const QJsonArray records = document[u"records"].toArray();
     if (request.method != "POST" || !document[u"records"].isArray() || records.size() > mostRecords)
         return badRequest(u"a list of records is needed"_s);
+    const auto submissions = service.submissions().all(); // read once for all records
     QJsonArray answers;
     for (const QJsonValue &record : records)
-        answers.append(lookUp(service, request, record[u"recordName"].toString()));
+        answers.append(lookUp(service, request, submissions, record[u"recordName"].toString()));
     return jsonReply({{u"records"_s, answers}});
 }
 
