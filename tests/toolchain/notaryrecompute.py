@@ -19,6 +19,7 @@ place = {"awsAccessKeyId": credentials.access_key, "awsSecretAccessKey": credent
          "awsSessionToken": credentials.token, "bucket": "some-bucket", "object": "prod/AROA+X Y:ü(*')~/name"}
 agreed = {"signatures": 0, "tokens": 0}
 problems = []
+one_at_a_time = threading.Lock()  # two parts come at once, and botocore's clock is set for one
 
 
 def recomputed(handler, body):
@@ -29,7 +30,7 @@ def recomputed(handler, body):
                          headers=kept, data=body)
     request.context["payload_signing_enabled"] = True
     now = datetime.datetime.strptime(handler.headers["x-amz-date"], "%Y%m%dT%H%M%SZ")
-    with mock.patch("botocore.auth.datetime") as clock:
+    with one_at_a_time, mock.patch("botocore.auth.datetime") as clock:
         clock.datetime.utcnow.return_value = now
         signer = auth.S3SigV4Auth(credentials, "s3", "us-west-2")
         signer.add_auth(request)
@@ -101,5 +102,16 @@ for file in sys.argv[2:]:
                          capture_output=True, text=True)
     if run.returncode != 0:
         problems.append(run.stderr)
-print(f"{agreed['signatures']} signatures and {agreed['tokens']} tokens agreed" if not problems else problems)
+told = f"{agreed['signatures']} signatures and {agreed['tokens']} tokens agreed"
+
+# A service that has room for one connection alone gets a big file as well.
+lonely = http.server.HTTPServer(("127.0.0.1", 0), Service)
+threading.Thread(target=lonely.serve_forever, daemon=True).start()
+addresses = {name: address.replace(str(server.server_port), str(lonely.server_port)) for name, address in addresses.items()}
+run = subprocess.run([sys.argv[1], "altool", "--notarize-app", "-f", sys.argv[-1], "--primary-bundle-id", "a.b", "-u", "me",
+                      "-p", "@keychain:item"], env={**os.environ, **addresses, "SEALWRIGHT_WAIT_SCALE": "0.02"},
+                     capture_output=True, text=True)
+if run.returncode != 0:
+    problems.append(run.stderr)
+print(told if not problems else problems)
 sys.exit(1 if problems else 0)

@@ -15,7 +15,15 @@ QByteArray partEntry(qsizetype number, const QByteArray &etag)
 qsizetype PartQueue::next()
 {
     const std::scoped_lock lock(m_mutex);
-    return m_failed || m_next == m_etags.size() ? -1 : m_next++;
+    if (m_failed || (m_next == m_etags.size() && m_givenBack.isEmpty()))
+        return -1;
+    return m_next < m_etags.size() ? m_next++ : m_givenBack.takeFirst();
+}
+
+void PartQueue::giveBack(qsizetype part)
+{
+    const std::scoped_lock lock(m_mutex);
+    m_givenBack.append(part);
 }
 
 void PartQueue::done(qsizetype part, const QByteArray &etag)

@@ -20,6 +20,9 @@ public:
 
     void done(qsizetype part, const QByteArray &etag);
 
+    /// A part that somebody else is to send.
+    void giveBack(qsizetype part);
+
     /// The reply for which a part cannot be had; the first one stays.
     void failed(const HttpReply &reply);
     [[nodiscard]] bool hasFailed() const;
@@ -33,6 +36,7 @@ private:
     mutable std::mutex m_mutex;
     QByteArrayList m_etags; ///< as the storage gave them
     qsizetype m_next = 0;
+    QList<qsizetype> m_givenBack;
     std::optional<HttpReply> m_failed;
 };
 

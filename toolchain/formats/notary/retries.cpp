@@ -70,7 +70,7 @@ HttpReply Retries::run(const std::function<HttpReply(const HttpRequest &limits)>
         NextStep step = judge(reply);
         if (step == NextStep::tryAtOnce && std::exchange(wasPutRight, true))
             step = NextStep::take;
-        if (step == NextStep::take)
+        if (step == NextStep::take || m_tries == Tries::one)
             return reply;
         if (step == NextStep::tryAtOnce)
             continue;

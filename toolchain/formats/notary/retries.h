@@ -18,12 +18,15 @@ enum class NextStep {
 class Retries {
 public:
     using IsWanted = std::function<bool()>;
+    enum class Tries { all, one };
 
     /// `patience` is added to the call's time, for what is long by itself. A call that is not wanted any more
     /// gets no further try; `isWanted` may be empty.
-    explicit Retries(Milliseconds patience = Milliseconds(0), IsWanted isWanted = {})
+    explicit Retries(Milliseconds patience = Milliseconds(0), IsWanted isWanted = {},
+                     Tries tries = Tries::all)
         : m_patience(patience)
         , m_isWanted(std::move(isWanted))
+        , m_tries(tries)
     {
     }
 
@@ -37,6 +40,7 @@ private:
 
     const Milliseconds m_patience;
     const IsWanted m_isWanted;
+    const Tries m_tries;
 };
 
 /// Whether a failure may pass by itself: a lost or broken connection, a timeout, 429, 500, 502, 503 and 504.

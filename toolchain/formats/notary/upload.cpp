@@ -104,33 +104,53 @@ std::optional<ServiceFailure> Upload::sendInParts(const UploadPlace &place)
 }
 
 /// A storage takes longer to look at bytes than a client to send them, and an own processor for each
-/// connection.
+/// connection. What the second one cannot send is left to the first.
 std::optional<ServiceFailure> Upload::sendParts(const UploadPlace &place, const QByteArray &uploadId,
                                                 PartQueue &parts)
 {
-    HttpClient second(m_config);
-    Lane beside{second, &parts};
-    Lane here{m_api.http(), &parts};
-    const auto share = std::async(std::launch::async, [&] { sendShare(beside, place, uploadId); });
-    sendShare(here, place, uploadId);
-    share.wait();
+    const auto help = std::async(std::launch::async, [&] { lendAHand(parts, place, uploadId); });
+    Lane lane{m_api.http(), &parts};
+    sendShare(lane, place, uploadId);
+    help.wait();
+    sendShare(lane, place, uploadId);
     const auto failed = parts.failedReply();
     return failed ? std::optional(failure(*failed)) : std::nullopt;
 }
 
 void Upload::sendShare(Lane &lane, const UploadPlace &place, const QByteArray &uploadId)
 {
-    for (qsizetype part = lane.parts->next(); part >= 0; part = lane.parts->next()) {
-        const HttpReply reply = call(
-            lane, place,
-            {"PUT", {{"partNumber", QByteArray::number(part + 1)}, {"uploadId", uploadId}}, {}, {}, part});
-        const QByteArray etag = reply.headers.value("etag");
-        if (!reply.isWhole() || isError(reply) || etag.isEmpty())
-            return lane.parts->failed(reply);
-        lane.parts->done(part, etag);
-        show(lane, m_file.pieces().at(part).length);
-        lane.sent = 0;
+    for (qsizetype part = lane.parts->next(); part >= 0; part = lane.parts->next())
+        settle(lane, part, call(lane, place, callForPart(part, uploadId)));
+}
+
+/// Over a connection of its own, which ends with the first trouble: some services have room for one alone.
+void Upload::lendAHand(PartQueue &parts, const UploadPlace &place, const QByteArray &uploadId)
+{
+    HttpClient http(m_config);
+    Lane lane{http, &parts, Retries::Tries::one};
+    for (qsizetype part = parts.next(); part >= 0; part = parts.next()) {
+        const HttpReply reply = call(lane, place, callForPart(part, uploadId));
+        if (judge(reply) != NextStep::take) {
+            show(lane, 0);
+            return parts.giveBack(part);
+        }
+        settle(lane, part, reply);
     }
+}
+
+void Upload::settle(Lane &lane, qsizetype part, const HttpReply &reply)
+{
+    const QByteArray etag = reply.headers.value("etag");
+    if (!reply.isWhole() || isError(reply) || etag.isEmpty())
+        return lane.parts->failed(reply);
+    lane.parts->done(part, etag);
+    show(lane, m_file.pieces().at(part).length);
+    lane.sent = 0;
+}
+
+Upload::StorageCall Upload::callForPart(qsizetype part, const QByteArray &uploadId)
+{
+    return {"PUT", {{"partNumber", QByteArray::number(part + 1)}, {"uploadId", uploadId}}, {}, {}, part};
 }
 
 HttpReply Upload::call(const UploadPlace &place, const StorageCall &call)
@@ -152,7 +172,7 @@ HttpReply Upload::call(Lane &lane, const UploadPlace &place, const StorageCall &
             request.progress = [&](qint64 sent) { show(lane, sent); };
         return lane.http.perform(request);
     };
-    return Retries(Milliseconds(length / slowestBytesInMillisecond), isWanted)
+    return Retries(Milliseconds(length / slowestBytesInMillisecond), isWanted, lane.tries)
         .run(attempt, [&](const HttpReply &reply) { return isWanted() ? judge(reply) : NextStep::take; });
 }
 

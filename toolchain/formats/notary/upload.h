@@ -65,6 +65,7 @@ private:
     struct Lane {
         HttpClient &http;
         PartQueue *parts = nullptr; ///< of which it sends a share; null for calls of their own
+        Retries::Tries tries = Retries::Tries::all;
         qint64 sent = 0; ///< of the piece
     };
 
@@ -74,6 +75,9 @@ private:
     [[nodiscard]] std::optional<ServiceFailure> sendParts(const UploadPlace &place,
                                                           const QByteArray &uploadId, PartQueue &parts);
     void sendShare(Lane &lane, const UploadPlace &place, const QByteArray &uploadId);
+    void lendAHand(PartQueue &parts, const UploadPlace &place, const QByteArray &uploadId);
+    void settle(Lane &lane, qsizetype part, const HttpReply &reply);
+    [[nodiscard]] static StorageCall callForPart(qsizetype part, const QByteArray &uploadId);
     [[nodiscard]] HttpReply call(const UploadPlace &place, const StorageCall &call);
     [[nodiscard]] HttpReply call(Lane &lane, const UploadPlace &place, const StorageCall &call);
     void show(Lane &lane, qint64 sent);
