@@ -30,6 +30,10 @@ public:
     void setValue(const QString &key, const QVariant &value);
     void remove(const QString &key);
 
+    /// Returns once what has been set is stored for whoever looks from outside. It is stored soon without
+    /// this too.
+    virtual void save() = 0;
+
     /// Tells of each write of any key, on the thread that wrote.
     Observable changes;
 

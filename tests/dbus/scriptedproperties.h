@@ -14,6 +14,7 @@ protected:
     void expectTaken(const QString &name, const QVariant &value)
     {
         EXPECT_EQ(failureOf(set(name, value)), QStringLiteral("no error")) << name.toStdString();
+        EXPECT_TRUE(host.preferences.isSaved) << name.toStdString();
     }
     QVariant stored(const QString &key) const { return host.preferences.stored().value(key); }
     QVariantMap getAll()

@@ -129,6 +129,18 @@ TEST_F(SettingsFile, whatIsSetIsOnDiskOnceTheEventLoopRuns)
     EXPECT_EQ(contentsOf(path), "[General]\nkey=from a worker\n");
 }
 
+TEST_F(SettingsFile, whatIsSavedIsOnDiskAtOnce)
+{
+    SettingsPreferences preferences(path);
+    preferences.setValue(u"key"_s, u"text"_s);
+    preferences.setValue(u"other"_s, 1);
+    preferences.save();
+    EXPECT_EQ(contentsOf(path), "[General]\nkey=text\nother=1\n");
+    preferences.remove(u"other"_s);
+    preferences.save();
+    EXPECT_EQ(contentsOf(path), "[General]\nkey=text\n");
+}
+
 TEST_F(SettingsFile, anEditFromOutsideIsSeenAtTheNextLaunchOnlyAndIsKept)
 {
     SettingsPreferences preferences = typed("[General]\nkey=first\n");

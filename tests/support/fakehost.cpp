@@ -125,6 +125,7 @@ void MemoryPreferences::store(const QString &key, const QVariant &value)
     const std::scoped_lock lock(m_mutex);
     m_values.insert(key, value);
     m_changes.append(key);
+    isSaved = false;
 }
 
 void MemoryPreferences::discard(const QString &key)
@@ -132,6 +133,7 @@ void MemoryPreferences::discard(const QString &key)
     const std::scoped_lock lock(m_mutex);
     m_values.remove(key);
     m_changes.append(key);
+    isSaved = false;
 }
 
 QVariantMap MemoryPreferences::stored() const

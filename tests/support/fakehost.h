@@ -104,6 +104,9 @@ public:
     /// The keys that were stored or removed since the last call, in order.
     QStringList takeChanges();
 
+    void save() override { isSaved = true; }
+    std::atomic<bool> isSaved = true; ///< whether all that was stored has been saved since
+
 protected:
     QVariant storedValue(const QString &key) const override;
     void store(const QString &key, const QVariant &value) override;

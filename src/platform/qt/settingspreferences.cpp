@@ -38,6 +38,12 @@ SettingsPreferences::SettingsPreferences(const QString &path)
 
 SettingsPreferences::~SettingsPreferences() = default;
 
+void SettingsPreferences::save()
+{
+    const std::lock_guard lock(m_mutex);
+    m_file->sync();
+}
+
 void SettingsPreferences::store(const QString &key, const QVariant &value)
 {
     const std::lock_guard lock(m_mutex);

@@ -14,9 +14,11 @@ namespace platform {
 class SettingsPreferences : public Preferences {
 public:
     /// Reads the file at `path`, which need not be there. What another program writes to it later is seen at
-    /// the next launch. What is set here is on disk once the event loop has been entered, or at the end.
+    /// the next launch. What is set here is on disk once it is saved or the event loop has been entered.
     explicit SettingsPreferences(const QString &path);
     ~SettingsPreferences() override;
+
+    void save() override;
 
 protected:
     QVariant storedValue(const QString &key) const override;

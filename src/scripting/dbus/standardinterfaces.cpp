@@ -1,3 +1,5 @@
+#include "app/appdelegate.h"
+#include "platform/preferences.h"
 #include "scripting/dbus/busnames.h"
 #include "scripting/dbus/busobjects.h"
 #include "scripting/dbus/busvalue.h"
@@ -63,6 +65,7 @@ void set(const BusObject &object, const BusCall &call)
     if (!value)
         return;
     const ScriptReply reply = scriptcalls::carryOut([&] { property->write(object, *value); });
+    object.application.host().preferences.save(); // the next command of a script may read the file
     if (reply.isError())
         call.replyWithScriptError(reply);
     else
