@@ -18,6 +18,8 @@ const QString xcodeIdentifier = u"com.apple.dt.Xcode"_s;
 const QString transporterIdentifier = u"com.apple.TransporterApp"_s;
 const QString dropDMGIdentifier = u"com.c-command.DropDMG"_s;
 const QString probeOwner = u"0"_s;
+/// The script's own limit, and what the tool needs to say that it is over.
+constexpr auto scriptLimit = std::chrono::milliseconds(3500);
 
 } // namespace
 
@@ -81,7 +83,8 @@ void AppDelegate::loadDropDMGConfigNames()
 void AppDelegate::loadDropDMGConfigNamesViaScript()
 {
     const auto result = m_host.appleScript.execute(
-        u"with timeout of 3 seconds\ntell application id \"com.c-command.DropDMG\" to name of every configuration\nend timeout"_s);
+        u"with timeout of 3 seconds\ntell application id \"com.c-command.DropDMG\" to name of every configuration\nend timeout"_s,
+        scriptLimit);
     QStringList names = result.list.value_or(QStringList());
     names.removeAll(QString());
     setConfigNames(names);

@@ -3,6 +3,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <chrono>
 #include <optional>
 
 namespace platform {
@@ -19,8 +20,10 @@ class AppleScript {
 public:
     virtual ~AppleScript() = default;
 
-    /// Runs the source and blocks until it has ended. Any thread.
-    virtual AppleScriptResult execute(const QString &source) = 0;
+    /// Runs the source and blocks until it has ended. One that lasts longer than the limit is ended then, and
+    /// has no result. Any thread.
+    virtual AppleScriptResult execute(const QString &source,
+                                      std::optional<std::chrono::milliseconds> limit = {}) = 0;
 };
 
 } // namespace platform

@@ -113,6 +113,7 @@ TEST_F(DropDMG, isAskedByScriptWhereItRuns)
         host.appleScript.sources,
         QStringList{
             u"with timeout of 3 seconds\ntell application id \"com.c-command.DropDMG\" to name of every configuration\nend timeout"_s});
+    EXPECT_TRUE(host.appleScript.limits.first()) << "launch waits for it";
     EXPECT_EQ(names(), (QStringList{u"Item 2"_s, u"Item 10"_s}));
     EXPECT_TRUE(isThere());
 }

@@ -96,6 +96,18 @@ TEST(OsaScript, theToolIsRunWithTheSource)
     EXPECT_EQ(result.list, (QStringList{u"-s"_s, u"s"_s, u"-e"_s, u"with timeout\nend timeout"_s}));
 }
 
+TEST(OsaScript, aScriptThatLastsLongerThanItMayIsEndedAndHasNoResult)
+{
+    const TemporaryFolder folder;
+    const QString tool = folder.file(u"osascript"_s, "#!/bin/sh\nsleep 600\nprintf '{\"late\"}'\n");
+    ASSERT_TRUE(PosixFileService().setPermissions(tool, 0755));
+    PosixProcessLauncher launcher([&](const QString &) { return tool; });
+    const AppleScriptResult result =
+        OsaScript(launcher).execute(u"delay 600"_s, std::chrono::milliseconds(1));
+    EXPECT_FALSE(result.list);
+    EXPECT_FALSE(result.file);
+}
+
 TEST(OsaScript, aToolThatIsMissingIsAnError)
 {
     PosixProcessLauncher launcher([](const QString &) { return u"/no/such/tool"_s; });

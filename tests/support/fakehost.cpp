@@ -292,9 +292,11 @@ Outcome FakeWorkspace::launchInBackground(const QString &bundleIdentifier)
                                                 : Outcome::failure(bundleIdentifier + u" is not installed"_s);
 }
 
-platform::AppleScriptResult FakeAppleScript::execute(const QString &source)
+platform::AppleScriptResult FakeAppleScript::execute(const QString &source,
+                                                     std::optional<std::chrono::milliseconds> limit)
 {
     sources.append(source);
+    limits.append(limit);
     if (whileRunning)
         whileRunning();
     return result;

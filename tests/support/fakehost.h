@@ -193,7 +193,9 @@ public:
 
 class FakeAppleScript : public platform::AppleScript {
 public:
-    platform::AppleScriptResult execute(const QString &source) override;
+    platform::AppleScriptResult execute(const QString &source,
+                                        std::optional<std::chrono::milliseconds> limit = {}) override;
+    QList<std::optional<std::chrono::milliseconds>> limits; ///< one for each source
     QStringList sources;
     std::function<void()> whileRunning; ///< called on the thread of whoever runs a script
     platform::AppleScriptResult result{{}, {}, QStringLiteral("no such application")};

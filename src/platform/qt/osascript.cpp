@@ -2,6 +2,9 @@
 
 #include "platform/process.h"
 
+#include <future>
+#include <thread>
+
 using namespace Qt::StringLiterals;
 
 namespace platform {
@@ -93,6 +96,31 @@ std::optional<QString> fileIn(const QString &reply)
     return reader.isAtEnd() ? path : std::nullopt;
 }
 
+/// Ends a process that lasts longer than it may.
+class TimeLimit {
+public:
+    TimeLimit(Process &process, std::optional<std::chrono::milliseconds> limit)
+    {
+        if (limit)
+            m_watch = std::thread([&process, limit = *limit, ended = m_ended.get_future()] {
+                if (ended.wait_for(limit) == std::future_status::timeout)
+                    process.terminate();
+            });
+    }
+    ~TimeLimit()
+    {
+        m_ended.set_value();
+        if (m_watch.joinable())
+            m_watch.join();
+    }
+    TimeLimit(const TimeLimit &) = delete;
+    TimeLimit &operator=(const TimeLimit &) = delete;
+
+private:
+    std::promise<void> m_ended;
+    std::thread m_watch;
+};
+
 } // namespace
 
 AppleScriptResult readOsascriptReply(int status, const QByteArray &output, const QByteArray &error)
@@ -113,11 +141,12 @@ OsaScript::OsaScript(ProcessLauncher &launcher)
 {
 }
 
-AppleScriptResult OsaScript::execute(const QString &source)
+AppleScriptResult OsaScript::execute(const QString &source, std::optional<std::chrono::milliseconds> limit)
 {
     const auto process = m_launcher.process(u"/usr/bin/osascript"_s, {u"-s"_s, u"s"_s, u"-e"_s, source});
     if (const Outcome launched = process->launch(); !launched)
         return {std::nullopt, std::nullopt, launched.error()};
+    const TimeLimit watch(*process, limit);
     QByteArray output;
     QByteArray error;
     process->waitUntilExit([&output](const QByteArray &chunk) { output += chunk; },

@@ -16,7 +16,8 @@ class OsaScript : public AppleScript {
 public:
     explicit OsaScript(ProcessLauncher &launcher);
 
-    AppleScriptResult execute(const QString &source) override;
+    AppleScriptResult execute(const QString &source,
+                              std::optional<std::chrono::milliseconds> limit = {}) override;
 
 private:
     ProcessLauncher &m_launcher;
