@@ -1,4 +1,5 @@
 #include "platform/posix/posixfileservice.h"
+#include "support/changedvariable.h"
 #include "temporaryfolder.h"
 
 #include <QDir>
@@ -20,22 +21,6 @@ class Files : public testing::Test {
 protected:
     PosixFileService files;
     TemporaryFolder folder;
-};
-
-/// An environment variable that has another value for a while.
-class ChangedVariable {
-public:
-    ChangedVariable(const char *name, const QString &value)
-        : m_name(name)
-        , m_before(qgetenv(name))
-    {
-        qputenv(name, QFile::encodeName(value));
-    }
-    ~ChangedVariable() { m_before.isNull() ? qunsetenv(m_name) : qputenv(m_name, m_before); }
-
-private:
-    const char *const m_name;
-    const QByteArray m_before;
 };
 
 unsigned modeOf(const QString &path)
@@ -562,6 +547,21 @@ TEST_F(Files, aTrashedItemCanBeTakenBackAndDoesNotOustAnother)
     EXPECT_TRUE(inodes.isEmpty()); // both were there
     EXPECT_TRUE(files.removeItem(probe));
     EXPECT_TRUE(files.removeItem(trash.filePath(u"../info/%1.trashinfo"_s.arg(QFileInfo(probe).fileName()))));
+}
+
+TEST_F(Files, theTrashKnowsWhereAnItemWasWhateverItsName)
+{
+    const ChangedVariable data("XDG_DATA_HOME", folder.folder(u"data"_s));
+    const QString item = folder.file(u"100 %41 é\n.app"_s, "text");
+    const Outcome outcome = files.trashItem(item);
+    ASSERT_TRUE(outcome) << outcome.error().toStdString();
+    QStringList described = QDir(folder.path(u"data/Trash/info"_s)).entryList(QDir::Files);
+    ASSERT_EQ(described.size(), 1);
+    const QByteArray info = contentsOf(folder.path(u"data/Trash/info/"_s + described.first()));
+    const QByteArray place = QFile::encodeName(folder.path()).toPercentEncoding("/");
+    EXPECT_TRUE(
+        info.startsWith("[Trash Info]\nPath=" + place + "/100%20%2541%20%C3%A9%0A.app\nDeletionDate="))
+        << info.toStdString();
 }
 
 TEST_F(Files, withoutAUsableTrashNothingIsTrashedAnywhereElse)

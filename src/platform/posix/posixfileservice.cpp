@@ -10,12 +10,12 @@
 #include "platform/posix/itemremover.h"
 #include "platform/posix/portablecalls.h"
 #include "platform/posix/posixfilehandle.h"
+#include "platform/posix/trash.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
-#include <QStandardPaths>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -78,14 +78,6 @@ bool hasBundleExtension(const QString &path)
                                         u"bundle"_s, u"kext"_s,       u"xpc"_s,         u"appex"_s,
                                         u"saver"_s,  u"mdimporter"_s, u"qlgenerator"_s, u"prefpane"_s};
     return extensions.contains(QFileInfo(QFile::decodeName(nativePath(path))).suffix().toLower());
-}
-
-/// Made for the user alone if it is not there.
-bool isUsableFolder(const QString &path)
-{
-    const QByteArray native = nativePath(path);
-    const bool isThere = mkdir(native.constData(), 0700) == 0 || QFileInfo(path).isDir();
-    return isThere && isAllowed({AT_FDCWD, native.constData()}, W_OK | X_OK);
 }
 
 /// All that is left of the file, if that is not more than may be read.
@@ -228,18 +220,7 @@ Outcome PosixFileService::copyResolvedItem(const QString &from, const QString &t
 
 Outcome PosixFileService::trashItem(const QString &path)
 {
-    // Without a trash of the user's, the library takes the current folder for the trash.
-    const QString home = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
-    QDir().mkpath(home);
-    for (const QString &name : {u"/Trash"_s, u"/Trash/files"_s, u"/Trash/info"_s}) {
-        if (!isUsableFolder(home + name))
-            return Outcome::failure(
-                u"Cannot move '%1' to the trash: the folder '%2' cannot be used"_s.arg(path, home + name));
-    }
-    QFile item(path);
-    if (item.moveToTrash())
-        return Outcome::success();
-    return Outcome::failure(u"Cannot move '%1' to the trash: %2"_s.arg(path, item.errorString()));
+    return moveToTrash(path);
 }
 
 Outcome PosixFileService::setPermissions(const QString &path, unsigned mode)
