@@ -101,6 +101,10 @@ TEST_F(LooksOnBus, aDocumentThatIsNoneIsAWrongArgument)
                   u"org.freedesktop.DBus.Error.InvalidArgs"_s);
     }
     EXPECT_TRUE(given().isEmpty());
+    EXPECT_EQ(textOf(examine({{u"at"_s, appURL()}, {u"document"_s, other}})).toStdString(),
+              "There is no object /org/sealwright/Sealwright/document/nobody.");
+    EXPECT_EQ(textOf(examine({{u"at"_s, appURL()}, {u"document"_s, 1}})).toStdString(),
+              "The argument document of Examine has the wrong type.");
 }
 
 TEST_F(LooksOnBus, withoutAnItemThatIsThereNothingIsLookedAt)

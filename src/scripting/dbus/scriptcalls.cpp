@@ -110,17 +110,27 @@ std::optional<QVariant> evaluated(const BusObject &object, const QVariant &given
     return isNegative ? std::nullopt : value; // there is no page below 0
 }
 
-/// The arguments as a handler expects them; fails where one has the wrong type, with its key.
+/// Why a command does not take the argument.
+QString refusalOf(const scriptingdefinition::Command &command, const Parameter &parameter,
+                  const QVariant &given)
+{
+    const bool isDocument = parameter.type == ValueType{Type::document};
+    if (isDocument && given.metaType() == QMetaType::fromType<QDBusObjectPath>())
+        return u"There is no object %1."_s.arg(given.value<QDBusObjectPath>().path());
+    return u"The argument %1 of %2 has the wrong type."_s.arg(parameter.key, command.busName);
+}
+
+/// The arguments as a handler expects them; fails where one is not what it should be.
 Result<QVariantMap> evaluated(const BusObject &object, const QVariantMap &given,
-                              const QList<Parameter> &parameters)
+                              const scriptingdefinition::Command &command)
 {
     QVariantMap result;
-    for (const Parameter &parameter : parameters) {
+    for (const Parameter &parameter : command.parameters) {
         if (!given.contains(parameter.key))
             continue;
         const auto value = evaluated(object, given.value(parameter.key), parameter);
         if (!value)
-            return Error{parameter.key};
+            return Error{refusalOf(command, parameter, given.value(parameter.key))};
         if (value->isValid())
             result.insert(parameter.key, *value);
     }
@@ -149,13 +159,10 @@ QString refusalOf(const scriptingdefinition::Property &definition, const QVarian
 MethodMaker command(const CommandHandler &handler)
 {
     return [handler](const scriptingdefinition::Command &definition) {
-        const auto handle = [name = definition.busName, parameters = definition.parameters,
-                             handler](const BusObject &object, const BusCall &call) {
-            const auto values = evaluated(object, call.dictionary(0), parameters);
+        const auto handle = [definition, handler](const BusObject &object, const BusCall &call) {
+            const auto values = evaluated(object, call.dictionary(0), definition);
             if (!values)
-                return call.replyWithError(
-                    buserror::invalidArgs,
-                    u"The argument %1 of %2 has the wrong type."_s.arg(values.error(), name));
+                return call.replyWithError(buserror::invalidArgs, values.error());
             const auto scriptCommand = std::make_shared<ScriptCommand>(
                 *values, [call](const ScriptReply &reply) { answer(call, reply); });
             scriptCommand->execute([&](const ScriptCommandPtr &executing) { handler(object, executing); });
