@@ -35,11 +35,18 @@ void occupyStandardStreams()
     }
 }
 
-int exitWith(ExitStatus status, const QString &error = {})
+int exitWith(ExitStatus status, const QString &error)
 {
     if (!error.isNull())
         output::printError(u"sealwrightctl: "_s + error);
     return static_cast<int>(status);
+}
+
+/// Ends what has nothing to do but print.
+int exitHavingPrinted()
+{
+    const QString failure = output::failure();
+    return exitWith(failure.isNull() ? ExitStatus::done : ExitStatus::error, failure);
 }
 
 int run(const Request &request)
@@ -65,10 +72,10 @@ int main(int argc, char **argv)
     switch (request.kind) {
     case Request::Kind::help:
         output::printText(helpText());
-        return exitWith(ExitStatus::done);
+        return exitHavingPrinted();
     case Request::Kind::version:
         output::print({u"sealwrightctl "_s + QString::fromLatin1(SEALWRIGHT_VERSION)});
-        return exitWith(ExitStatus::done);
+        return exitHavingPrinted();
     case Request::Kind::wrongUse:
         return exitWith(ExitStatus::wrongUse,
                         request.problem + u"\nTry 'sealwrightctl --help' for more information."_s);

@@ -10,6 +10,8 @@
 #include <QRegularExpression>
 #include <QUrl>
 
+#include <cmath>
+
 using namespace Qt::StringLiterals;
 
 namespace sealwright {
@@ -39,7 +41,7 @@ std::optional<QVariant> readNumber(const QString &word)
 {
     bool isNumber = false;
     const double number = word.toDouble(&isNumber);
-    return isNumber ? std::optional<QVariant>(number) : std::nullopt;
+    return isNumber && std::isfinite(number) ? std::optional<QVariant>(number) : std::nullopt;
 }
 
 std::optional<QVariant> readTextList(const QString &word)

@@ -355,12 +355,12 @@ TEST_F(Client, anInterruptOfAStaplingSaysThatItCannotBeCancelled)
 
 TEST_F(Client, outputThatCannotBeWrittenIsAFailure)
 {
-    for (const QString &target : {u">/dev/full"_s, u">&-"_s}) {
+    for (const QString &words :
+         {u"documents >/dev/full"_s, u"documents >&-"_s, u"--help >/dev/full"_s, u"--version >/dev/full"_s}) {
         QProcess shell;
-        shell.start(u"/bin/sh"_s,
-                    {u"-c"_s, u"\"$0\" documents "_s + target, QString::fromUtf8(SEALWRIGHTCTL)});
+        shell.start(u"/bin/sh"_s, {u"-c"_s, u"\"$0\" "_s + words, QString::fromUtf8(SEALWRIGHTCTL)});
         host.runUntil([&] { return shell.state() == QProcess::NotRunning; });
-        EXPECT_EQ(shell.exitCode(), 1) << target.toStdString();
+        EXPECT_EQ(shell.exitCode(), 1) << words.toStdString();
         EXPECT_TRUE(shell.readAllStandardError().startsWith("sealwrightctl: cannot write the output: "));
     }
 }

@@ -39,7 +39,8 @@ TEST(PropertyValue, aNumberIsWholeWhereThePropertyIs)
     EXPECT_EQ(read(u"application"_s, u"PollingDelay"_s, {u"45.5"_s}), QVariant(45.5));
     EXPECT_EQ(read(u"application"_s, u"ErrorRetryLimit"_s, {u"-3"_s}), QVariant(qlonglong{-3}));
     EXPECT_EQ(read(u"application"_s, u"ErrorRetryLimit"_s, {u"4.5"_s}), std::nullopt);
-    EXPECT_EQ(read(u"application"_s, u"PollingDelay"_s, {u"soon"_s}), std::nullopt);
+    for (const QString &word : {u"soon"_s, u"nan"_s, u"inf"_s})
+        EXPECT_EQ(read(u"application"_s, u"PollingDelay"_s, {word}), std::nullopt) << word.toStdString();
 }
 
 TEST(PropertyValue, aListIsAnArrayOfTexts)
