@@ -69,7 +69,20 @@ void RunWatcher::stopped()
 
 void RunWatcher::failed(const Failure &failure)
 {
-    m_document->dispatchFinalAlertOrMessage(failure.title, failure.text, failure.logLine);
+    m_failure = failure;
+    if (cancelPressed())
+        report(); // nobody hears of it, and the next run is to find the cancel forgotten
+}
+
+void RunWatcher::leftBehind()
+{
+    report(); // not before: a script that has the failure looks into the folder, or begins again
+}
+
+void RunWatcher::report()
+{
+    if (const auto failure = std::exchange(m_failure, std::nullopt))
+        m_document->dispatchFinalAlertOrMessage(failure->title, failure->text, failure->logLine);
 }
 
 void RunWatcher::ended(Run &run)

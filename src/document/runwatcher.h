@@ -28,6 +28,7 @@ public:
     void advanced(qsizetype begun, qsizetype all) override;
     void stopped() override;
     void failed(const Failure &failure) override;
+    void leftBehind() override;
     void ended(Run &run) override;
     void endedWithUpload() override;
     void moved(const Places &places) override;
@@ -45,10 +46,13 @@ private:
     /// Whether no other run of the document has begun since. The late rest of a cancelled one changes nothing
     /// of what the next one shows.
     bool isLatest() const;
+    /// Reports a failure that has not been reported.
+    void report();
 
     const DocumentPtr m_document;
     const quint64 m_number;
     Places m_shown; ///< what the document has been told last
+    std::optional<Failure> m_failure; ///< that is still to be reported
     const std::function<void(Run &)> m_atEnd;
 };
 

@@ -58,6 +58,8 @@ public:
     /// The run has stopped between two steps, because a cancel was pressed, and says no more.
     virtual void stopped() = 0;
     virtual void failed(const Failure &failure) = 0;
+    /// After a failure: the folder has its last name, and the run touches nothing any more.
+    virtual void leftBehind() = 0;
     /// All steps have worked.
     virtual void ended(Run &run) = 0;
     /// The script wanted no more than the upload.

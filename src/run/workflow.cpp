@@ -103,6 +103,7 @@ bool Driver::fail(const Failure &failure)
         m_run->nameFolder(workingfolder::failed);
     if (failure.wait == WaitFate::isOver)
         m_run->wait.end();
+    m_run->progress.leftBehind();
     return end(State::failed);
 }
 

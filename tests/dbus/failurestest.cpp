@@ -7,6 +7,9 @@
 #include "platform/itempath.h"
 
 #include <QDBusVariant>
+#include <QFileInfo>
+
+#include <thread>
 
 using namespace Qt::StringLiterals;
 
@@ -47,6 +50,23 @@ TEST_P(ScriptFailures, haveTheNumberOfTheirTitle)
     });
     const QString failure = failureOf(call.reply());
     EXPECT_TRUE(failure.startsWith(GetParam().begins)) << failure.toStdString();
+    host.settle();
+}
+
+class AScriptedFailure : public HostOnBus { };
+
+TEST_F(AScriptedFailure, isAnsweredWhenTheFolderHasItsLastName)
+{
+    failTool(host, u"codesign"_s);
+    host.files.failure = [](const QString &operation, const QString &) {
+        if (operation == "moveItem"_L1)
+            std::this_thread::sleep_for(std::chrono::milliseconds(200)); // a script would be quicker
+        return QString();
+    };
+    const QDBusMessage answer = client.call(documentPath(), bus::documentInterface, u"SignOnly"_s,
+                                            {QVariantMap{{u"at"_s, appURL()}}});
+    EXPECT_TRUE(failureOf(answer).startsWith(u"N1110"_s)) << failureOf(answer).toStdString();
+    EXPECT_TRUE(QFileInfo(host.item(u"Foo - Failed/Foo.app"_s)).isDir());
     host.settle();
 }
 

@@ -32,6 +32,7 @@ public:
     void advanced(qsizetype, qsizetype) override { }
     void stopped() override { events.append(u"stopped"_s); }
     void failed(const Failure &failure) override { events.append(u"failed "_s + failure.title); }
+    void leftBehind() override { beforeItIsLeft = events; }
     void ended(Run &) override { events.append(u"ended"_s); }
     void endedWithUpload() override { events.append(u"ended with the upload"_s); }
     void moved(const Places &places) override { events.append(u"moved to "_s + places.item); }
@@ -53,6 +54,7 @@ public:
 
     std::atomic<bool> isCancelled = false;
     ArchiveKind kind = ArchiveKind::zip;
+    QStringList beforeItIsLeft; ///< what had happened when a failed run was left behind
 };
 
 class Drive : public testing::Test {
@@ -165,6 +167,15 @@ TEST_F(Drive, reportsAFailureBeforeItNamesTheFolder)
     EXPECT_EQ(events,
               (QStringList{u"begins first"_s, u"works"_s, u"failed Title"_s,
                            u"moved to /items/Foo - Failed/Foo.app"_s}));
+}
+
+TEST_F(Drive, leavesAFailedRunBehindWhenItsFolderHasItsLastName)
+{
+    answers = {Failure{u"Title"_s, u"line"_s}};
+    EXPECT_EQ(drive({first, second}), Driver::State::failed);
+    EXPECT_EQ(watcher->beforeItIsLeft.value(watcher->beforeItIsLeft.size() - 1),
+              u"moved to /items/Foo - Failed/Foo.app"_s);
+    EXPECT_EQ(watcher->beforeItIsLeft, events) << "and nothing comes after";
 }
 
 TEST_F(Drive, leavesTheFolderItsNameWhereTheFailureSaysSo)
