@@ -56,10 +56,10 @@ std::variant<Providers, ProviderMessage> readProviders(const SLWTaskResponse &re
             u"Error returned: %1\n\nCheck that both the app-specific pasword and Apple ID are correct."_s.arg(
                 orNull(withoutTag(response.errorString())))};
     const QString problem = u"Problem With Apple Team Details"_s;
-    const auto list = platform::propertyListFromData(response.outputData());
-    if (!list)
-        return ProviderMessage{problem, u"Error returned: "_s + list.error()};
-    const QVariant entry = list->toMap().value(u"providers"_s);
+    const auto reply = platform::propertyListFromData(response.outputData());
+    if (!reply)
+        return ProviderMessage{problem, u"Error returned: "_s + reply.error()};
+    const QVariant entry = reply->toMap().value(u"providers"_s);
     if (entry.typeId() != QMetaType::QVariantList)
         return ProviderMessage{problem, u"No providers were found in the data returned."_s};
     Providers providers;
