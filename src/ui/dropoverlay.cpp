@@ -77,7 +77,8 @@ void DropOverlay::showFor(const QStringList &items, const QString &sentence)
 
 void DropOverlay::resizeEvent(QResizeEvent *event)
 {
-    QWidget::resizeEvent(event); // without the mask of a rubber band, which leaves the outline alone
+    // Without the mask of a rubber band, which leaves the outline alone.
+    QWidget::resizeEvent(event); // NOLINT(bugprone-parent-virtual-call)
 }
 
 void DropOverlay::paintEvent(QPaintEvent *)

@@ -129,8 +129,8 @@ QPainterPath pathOf(const QByteArray &strokes)
 /// Draws one of ours.
 class OwnPicture : public QIconEngine {
 public:
-    explicit OwnPicture(QPainterPath path)
-        : m_path(std::move(path))
+    explicit OwnPicture(const QPainterPath &path)
+        : m_path(path)
     {
     }
 

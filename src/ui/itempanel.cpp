@@ -117,7 +117,8 @@ bool ItemPanel::isWayToFolder(const QString &path) const
 void ItemPanel::choose(const QString &path)
 {
     m_chosen = itempath::toUrl(path);
-    QDialog::accept();
+    // The item is chosen as it stands: a file dialog would look for it again, and open a bundle as a folder.
+    QDialog::accept(); // NOLINT(bugprone-parent-virtual-call)
 }
 
 void ItemPanel::accept()

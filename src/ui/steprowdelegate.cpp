@@ -22,6 +22,12 @@ QFont bold(QFont font)
     return font;
 }
 
+/// What a painter takes to draw a text beside that edge, at the top.
+int atTop(Qt::Alignment edge)
+{
+    return static_cast<int>((edge | Qt::AlignTop).toInt());
+}
+
 /// Where the parts of a row stand, in a row of that width. All of it grows with the font.
 enum class RowKind { step, heading };
 
@@ -130,8 +136,8 @@ void StepRowDelegate::paint(QPainter *painter, const QStyleOptionViewItem &optio
     painter->setFont(isRunning ? bold(option.font) : option.font);
     const QColor colour = isDim(state) ? dimmed(option.palette) : option.palette.color(QPalette::WindowText);
     painter->setPen(colour);
-    const int leading = QStyle::visualAlignment(option.direction, Qt::AlignLeft) | Qt::AlignTop;
-    const int trailing = QStyle::visualAlignment(option.direction, Qt::AlignRight) | Qt::AlignTop;
+    const int leading = atTop(QStyle::visualAlignment(option.direction, Qt::AlignLeft));
+    const int trailing = atTop(QStyle::visualAlignment(option.direction, Qt::AlignRight));
     painter->drawText(mirrored(layout.name), leading | Qt::TextWordWrap, textOf(index));
     painter->drawText(mirrored(layout.duration), trailing,
                       index.data(StepListModel::durationRole).toString());

@@ -172,7 +172,7 @@ protected:
     void killSoon() { someIncarnation().operationsToLive = below(12); }
     void startAgain()
     {
-        auto &incarnation = incarnations[below(std::size(incarnations))];
+        auto &incarnation = incarnations[below(std::ssize(incarnations))];
         if (incarnation->operationsToLive < 0)
             return;
         end(*incarnation);
@@ -191,7 +191,7 @@ protected:
         return static_cast<int>(std::uniform_int_distribution<qsizetype>(0, limit - 1)(m_random));
     }
     bool happens(int percent) { return below(100) < percent; }
-    Incarnation &someIncarnation() { return *incarnations[below(std::size(incarnations))]; }
+    Incarnation &someIncarnation() { return *incarnations[below(std::ssize(incarnations))]; }
     DocumentPtr someDocument()
     {
         const auto &documents = someIncarnation().application->allControllers();
@@ -202,7 +202,7 @@ protected:
 
     QUrl someItem()
     {
-        const QString name = itemNames.at(below(itemNames.size()));
+        const QString &name = itemNames.at(below(itemNames.size()));
         const QString path = test.item(name);
         if (!QFileInfo::exists(path)) {
             const QByteArray serial = "item " + QByteArray::number(++m_serial);

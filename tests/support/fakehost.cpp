@@ -305,7 +305,7 @@ platform::AppleScriptResult FakeAppleScript::execute(const QString &source,
 void FakeDistributedNotifications::addObserver(const QObject &observer, const QString &name,
                                                std::function<void()> handler, platform::Repeats)
 {
-    handlers.insert(name, std::move(handler));
+    handlers[name] = std::move(handler);
     m_namesOfObservers.insert(&observer, name);
 }
 

@@ -158,7 +158,7 @@ private:
     static BomEntry entryOf(QByteArrayView details)
     {
         BomEntry entry;
-        const int type = details[0];
+        const auto type = static_cast<unsigned char>(details[0]);
         entry.type = type == 2 ? BomType::folder
             : type == 3        ? BomType::link
             : type == 4        ? BomType::device

@@ -154,7 +154,7 @@ quint16 earlierPort()
     return quint16(std::max(0, QUrl(api).port(0)));
 }
 
-Outcome listen(Server &server, ListenAddress address, const ServerCertificate &certificate)
+Outcome listen(Server &server, const ListenAddress &address, const ServerCertificate &certificate)
 {
     const quint16 earlier = address.port == 0 ? earlierPort() : 0;
     if (earlier != 0 && server.listen({address.host, earlier, -1}, certificate))

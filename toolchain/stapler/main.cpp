@@ -40,7 +40,7 @@ enum class Voice { quiet, usual, verbose };
 
 class Stapler {
 public:
-    Stapler(QString path, Voice voice)
+    Stapler(const QString &path, Voice voice)
         : m_path(QDir::cleanPath(QDir::current().absoluteFilePath(path)))
         , m_name(QFileInfo(m_path).fileName())
         , m_voice(voice)

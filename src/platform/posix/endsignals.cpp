@@ -70,8 +70,8 @@ void EndSignals::read()
     char byte = 0;
     if (::read(ends->readEnd.get(), &byte, 1) != 1)
         return;
-    lastArrived = byte;
-    m_handler(byte);
+    lastArrived = static_cast<unsigned char>(byte);
+    m_handler(lastArrived);
 }
 
 int EndSignals::arrived()

@@ -86,6 +86,11 @@ std::optional<QByteArray> contentsOfAddress(const QUrl &url, Patience patience)
 
 } // namespace
 
+QtUrlReader::QtUrlReader()
+    : QtUrlReader(Patience())
+{
+}
+
 std::optional<QByteArray> QtUrlReader::contentsOf(const QUrl &url)
 {
     if (url.isLocalFile())

@@ -17,7 +17,7 @@ public:
         std::chrono::milliseconds answer = std::chrono::minutes(2);
     };
 
-    QtUrlReader() = default;
+    QtUrlReader();
     explicit QtUrlReader(Patience patience)
         : m_patience(patience)
     {

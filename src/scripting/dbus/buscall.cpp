@@ -46,8 +46,9 @@ QVariant LastErrors::of(const QString &connection) const
     return m_offendingObjects().value(connection);
 }
 
-BusCall::BusCall(QDBusMessage message, QDBusConnection connection, std::shared_ptr<LastErrors> lastErrors)
-    : m_message(std::move(message))
+BusCall::BusCall(const QDBusMessage &message, QDBusConnection connection,
+                 std::shared_ptr<LastErrors> lastErrors)
+    : m_message(message)
     , m_connection(std::move(connection))
     , m_lastErrors(std::move(lastErrors))
 {

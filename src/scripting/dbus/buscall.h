@@ -32,7 +32,7 @@ private:
 /// answer to a caller that has gone, or that wants none, goes nowhere.
 class BusCall {
 public:
-    BusCall(QDBusMessage message, QDBusConnection connection, std::shared_ptr<LastErrors> lastErrors);
+    BusCall(const QDBusMessage &message, QDBusConnection connection, std::shared_ptr<LastErrors> lastErrors);
 
     /// The unique name of the calling connection.
     QString caller() const { return m_message.service(); }
