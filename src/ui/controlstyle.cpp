@@ -300,6 +300,9 @@ int ControlStyle::pixelMetric(PixelMetric metric, const QStyleOption *option, co
     case PM_IndicatorWidth:
     case PM_IndicatorHeight:
         return widget ? qMax(given, widget->fontMetrics().ascent() + 2) : given;
+    case PM_TabBarTabShiftHorizontal:
+    case PM_TabBarTabShiftVertical:
+        return 0; // the line below says which one shows
     case PM_ScrollBarExtent:
         return scrollBarWidth;
     case PM_DefaultFrameWidth:

@@ -74,13 +74,18 @@ QTreeWidgetItem *findingEntry(const QJsonObject &finding, const QString &item)
     return entry;
 }
 
+QString stateOf(const QJsonObject &signature)
+{
+    const QString state = textOf(signature, "state"_L1);
+    return state == "none"_L1 ? QObject::tr("unsigned") : state;
+}
+
 QString detailOf(const QJsonObject &code)
 {
     const QJsonValue order = code.value("order"_L1);
     const QString place = order.isDouble() ? QObject::tr("signed as number %1").arg(order.toInt())
                                            : QObject::tr("not signed: %1").arg(textOf(code, "reason"_L1));
-    const QStringList parts{textOf(code, "kind"_L1), place,
-                            textOf(code.value("signature"_L1).toObject(), "state"_L1),
+    const QStringList parts{textOf(code, "kind"_L1), place, stateOf(code.value("signature"_L1).toObject()),
                             joined(code.value("architectures"_L1).toArray())};
     QStringList told;
     std::copy_if(parts.cbegin(), parts.cend(), std::back_inserter(told),

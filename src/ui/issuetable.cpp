@@ -156,13 +156,15 @@ void IssueTable::showIssues()
     m_copy->setEnabled(m_table->rowCount() > 0);
 }
 
-/// A long path leaves the message its place.
+/// A message is short and is read as a whole; a long path leaves it its place.
 void IssueTable::fitColumns()
 {
     const int most = mostLetters * fontMetrics().averageCharWidth();
     m_table->resizeColumnsToContents();
-    for (int column = 0; column < m_table->columnCount(); ++column)
-        m_table->setColumnWidth(column, qMin(most, m_table->columnWidth(column)));
+    for (int column = 0; column < m_table->columnCount(); ++column) {
+        if (column != messageColumn)
+            m_table->setColumnWidth(column, qMin(most, m_table->columnWidth(column)));
+    }
 }
 
 /// Those that are selected, or all; from top to bottom.

@@ -19,6 +19,8 @@ const QString apple = u"apple"_s;
 const QString local = u"local"_s;
 const QString address; // what a person types
 
+constexpr int leastLetters = 12; // of a choice that are in sight, in a window that has no room for more
+
 } // namespace
 
 NotaryServiceRow::NotaryServiceRow(KeychainTools keychain, QWidget *parent)
@@ -32,6 +34,8 @@ NotaryServiceRow::NotaryServiceRow(KeychainTools keychain, QWidget *parent)
     m_choice->addItem(tr("Apple's"), apple);
     m_choice->addItem(tr("That of this machine, to practise"), local);
     m_choice->addItem(tr("At another address"), address);
+    m_choice->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    m_choice->setMinimumContentsLength(leastLetters);
     m_choice->setCurrentIndex(-1);
     toplevel::leaveTheWheelToScrolling(*m_choice);
     m_address->setPlaceholderText(u"https://notary.example.com:8443"_s);

@@ -56,7 +56,7 @@ PreferencesWindow::PreferencesWindow(platform::Preferences &preferences,
     , m_pages(new QStackedWidget(this))
 {
     setWindowTitle(tr("Settings"));
-    const int picture = style()->pixelMetric(QStyle::PM_SmallIconSize, nullptr, this);
+    const int picture = m_list->fontMetrics().height();
     m_list->setIconSize({picture, picture});
     m_list->setSpacing(spacing);
     addPage(tr("Signing"), Command::sign, &PreferencesWindow::addSigning);

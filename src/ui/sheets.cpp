@@ -59,8 +59,15 @@ void Sheets::uncover()
     delete m_backdrop;
     m_page.setAcceptDrops(m_tookDrops);
     setPartsEnabled(true);
-    if (m_focused && m_page.isVisible() && !m_page.focusWidget())
+    if (m_focused && m_page.isVisible() && hasStrayedFocus())
         m_focused->setFocus();
+}
+
+/// A sheet that goes leaves the keyboard to what is in use: nothing, or what stays so under a sheet.
+bool Sheets::hasStrayedFocus() const
+{
+    const QWidget *const focused = m_page.focusWidget();
+    return !focused || (m_uncovered && m_uncovered->isAncestorOf(focused));
 }
 
 /// The page's parts, without what stays in use. A control keeps what it has been told itself.

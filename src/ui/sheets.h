@@ -52,6 +52,7 @@ private:
     void putUp();
     void cover();
     void uncover();
+    bool hasStrayedFocus() const;
     void place();
     void takeKeysOnShow();
     void takeBackKeys();

@@ -51,6 +51,17 @@ TEST_F(Desktop, withoutAPortalHasNoPanels)
     EXPECT_FALSE(panels.isThere());
 }
 
+TEST_F(Desktop, whosePortalComesLateHasPanelsFromThenOn)
+{
+    const FileChooserPortal panels(application);
+    settle();
+    QCoreApplication::processEvents();
+    ASSERT_FALSE(panels.isThere());
+    FakePortal portal;
+    serve(u"org.freedesktop.portal.Desktop"_s, u"/org/freedesktop/portal/desktop"_s, &portal);
+    EXPECT_TRUE(waitFor([&] { return panels.isThere(); }));
+}
+
 TEST_F(FilePanels, areAskedForAFileOfAKindInAFolder)
 {
     ask({Kind::openFile, u"Choose it"_s, u"x11:1a"_s, u"/some folder"_s, {u"plist"_s}, {}});

@@ -4,6 +4,7 @@
 
 #include "document/credentialfields.h"
 #include "notarization/pollingsteps.h"
+#include "ui/itempanel.h"
 #include "windowtest.h"
 
 #include <QAction>
@@ -205,4 +206,13 @@ TEST(ShownText, isTheCoresOwnInEnglish)
 {
     for (const QString &text : coreTexts())
         EXPECT_EQ(shown(text), text);
+}
+
+TEST_F(GermanWindow, asksForAnItemInGerman)
+{
+    document().perform(Action::doSubmit);
+    until([this] { return page().findChild<ItemPanel *>(); });
+    EXPECT_EQ(part<QLabel>(u"lookInLabel"_s).text(), u"Suchen in:"_s);
+    page().findChild<ItemPanel *>()->reject();
+    until([this] { return !window().hasSheet(); });
 }

@@ -179,3 +179,21 @@ TEST(Sheets, aCompletionMayEndTheLifeOfTheWindow)
     dialog->accept();
     EXPECT_TRUE(QTest::qWaitFor([&] { return isDone; }));
 }
+
+TEST_F(SheetsOfAWindow, theKeyboardComesBackToWhereItWasThoughAHeaderStaysInUse)
+{
+    QWidget header(&window);
+    QPushButton button(&header);
+    header.show();
+    QLineEdit field(&window);
+    field.show();
+    sheets.leaveUncovered(header);
+    window.activateWindow();
+    field.setFocus();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return field.hasFocus(); }));
+    QDialog *const dialog = begin([] {});
+    button.setFocus(); // as Qt gives it away when the sheet goes
+    dialog->accept();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return sheets.isEmpty(); }));
+    EXPECT_EQ(window.focusWidget(), &field);
+}

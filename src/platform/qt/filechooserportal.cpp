@@ -7,6 +7,7 @@
 #include <QDBusMetaType>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
+#include <QDBusServiceWatcher>
 #include <QDBusVariant>
 #include <QFile>
 #include <QUrl>
@@ -117,6 +118,10 @@ FileChooserPortal::FileChooserPortal(QDBusConnection bus, QObject *parent)
     , m_bus(std::move(bus))
 {
     registerTypes();
+    // A portal that waits for something else of the session may come long after it has been asked for.
+    auto *const watcher =
+        new QDBusServiceWatcher(service, m_bus, QDBusServiceWatcher::WatchForRegistration, this);
+    connect(watcher, &QDBusServiceWatcher::serviceRegistered, this, &FileChooserPortal::lookForIt);
     lookForIt();
 }
 
@@ -129,7 +134,7 @@ void FileChooserPortal::lookForIt()
     connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer] {
         answer->deleteLater();
         const QDBusPendingReply<QDBusVariant> reply = *answer;
-        m_isThere = reply.isValid();
+        m_isThere = m_isThere || reply.isValid();
     });
 }
 
