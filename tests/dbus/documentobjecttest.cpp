@@ -1,5 +1,11 @@
 #include "dbus/hostonbus.h"
 
+#include <QDBusArgument>
+#include <QDBusVariant>
+
+#include <atomic>
+#include <thread>
+
 using namespace Qt::StringLiterals;
 
 class DocumentObject : public HostOnBus {
@@ -88,6 +94,39 @@ TEST_F(DocumentObject, closingAnswersFirstAndThenCloses)
     EXPECT_EQ(errorOf(call(u"Close"_s)), u"no error"_s);
     host.runUntil([this] { return host.application().allControllers().isEmpty(); });
     EXPECT_TRUE(client.getPaths(u"OrderedDocuments"_s).isEmpty());
+}
+
+/// A script on a thread of its own, whose next call is on its way as soon as it has an answer.
+TEST_F(DocumentObject, aScriptsNextCallFindsItClosed)
+{
+    constexpr int rounds = 100;
+    int stillThere = 0;
+    std::atomic<bool> isOver = false;
+    std::thread script([&] {
+        const QString name = u"script"_s;
+        auto connection = QDBusConnection::connectToBus(QDBusConnection::SessionBus, name);
+        const auto call = [&](const QString &path, const QString &interface, const QString &method,
+                              const QVariantList &arguments) {
+            QDBusMessage message = QDBusMessage::createMethodCall(bus::service, path, interface, method);
+            message.setArguments(arguments);
+            return connection.call(message).arguments().value(0);
+        };
+        for (int i = 0; i < rounds; ++i) {
+            const auto made =
+                call(bus::applicationPath, bus::applicationInterface, u"MakeDocument"_s, {QVariantMap()})
+                    .value<QDBusObjectPath>();
+            call(made.path(), bus::documentInterface, u"Close"_s, {});
+            const QVariant list = call(bus::applicationPath, bus::propertiesInterface, u"Get"_s,
+                                       {bus::applicationInterface, u"OrderedDocuments"_s});
+            const auto paths = qdbus_cast<QList<QDBusObjectPath>>(list.value<QDBusVariant>().variant());
+            stillThere += paths.size() > 1 ? 1 : 0;
+        }
+        QDBusConnection::disconnectFromBus(name);
+        isOver = true;
+    });
+    host.runUntil([&] { return isOver.load(); });
+    script.join();
+    EXPECT_EQ(stillThere, 0) << "of " << rounds;
 }
 
 TEST_F(DocumentObject, itsLogIsFetchedAsItStands)

@@ -61,6 +61,7 @@ struct BusMethod {
     std::function<void(const BusObject &, const BusCall &)> handle;
     Readiness readiness = Readiness::afterLaunch;
     QString description = {};
+    bool closesADocument = false; ///< in a moment, by the queue of the main thread
 };
 
 struct BusSignal {

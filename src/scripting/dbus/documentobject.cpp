@@ -30,12 +30,23 @@ void cancel(const BusObject &object, const BusCall &call)
     call.reply();
 }
 
-/// Closes the window of a document, or the document of a window, as a person would; the answer goes first.
+/// Closes the window of a document, or the document of a window, as a person would. The answer goes first,
+/// and the caller's next call finds the window closed.
 template <class Receiver>
 void close(const BusObject &object, const BusCall &call)
 {
     call.reply();
     object.as<Receiver>().controller().doCloseDocument(CloseSender::script);
+}
+
+template <class Receiver>
+scriptcalls::MethodMaker closeCall()
+{
+    return [make = scriptcalls::ownCall({}, {}, close<Receiver>)](const auto &definition) {
+        BusMethod method = make(definition);
+        method.closesADocument = true;
+        return method;
+    };
 }
 
 // What is told without being asked for
@@ -74,7 +85,7 @@ const BusHandlers &documentHandlers()
         all.methods.insert(u"AEFetchLog:"_s, command(&Document::AEFetchLog));
         all.methods.insert(u"AEClearLog:"_s, command(&Document::AEClearLog));
         all.methods.insert(u"doCancel:"_s, scriptcalls::ownCall({}, {}, cancel));
-        all.methods.insert(u"doCloseDocument:"_s, scriptcalls::ownCall({}, {}, close<Document>));
+        all.methods.insert(u"doCloseDocument:"_s, closeCall<Document>());
         return all;
     }();
     return handlers;
@@ -83,7 +94,7 @@ const BusHandlers &documentHandlers()
 const BusHandlers &windowHandlers()
 {
     static const BusHandlers handlers{rowsOf(Window::properties()),
-                                      {{u"performClose:"_s, scriptcalls::ownCall({}, {}, close<Window>)}}};
+                                      {{u"performClose:"_s, closeCall<Window>()}}};
     return handlers;
 }
 

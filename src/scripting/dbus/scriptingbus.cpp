@@ -206,7 +206,7 @@ bool ScriptingBus::isLaunching() const
 void ScriptingBus::serve(const BusCall &call)
 {
     if (const auto held = m_heldCalls.find(call.path()); held != m_heldCalls.end())
-        return held->push_back(call);
+        return held->calls.push_back(call);
     serveNow(call);
 }
 
@@ -250,30 +250,34 @@ void ScriptingBus::serve(const BusCall &call, const BusObject &object, const Bus
     m_maker.clear();
     if (&interface == &documentInterface())
         holdCallsTo(call.path());
+    if (method.closesADocument)
+        holdCallsTo(bus::applicationPath); // its lists are still the old ones
     for (const QString &document : std::exchange(m_newDocuments, {})) // the call may have begun work on it
         holdCallsTo(document);
 }
 
 /// What the call has queued comes before the next call: the queue of the main thread and the bus are one
 /// order.
-void ScriptingBus::holdCallsTo(const QString &document)
+void ScriptingBus::holdCallsTo(const QString &path)
 {
-    m_heldCalls[document];
-    m_application.host().mainQueue.post([bus = QPointer(this), document] {
+    ++m_heldCalls[path].holds;
+    m_application.host().mainQueue.post([bus = QPointer(this), path] {
         if (bus)
-            bus->serveHeldCallsTo(document);
+            bus->serveHeldCallsTo(path);
     });
 }
 
-void ScriptingBus::serveHeldCallsTo(const QString &document)
+void ScriptingBus::serveHeldCallsTo(const QString &path)
 {
-    auto held = m_heldCalls.take(document);
+    if (--m_heldCalls[path].holds > 0)
+        return;
+    auto held = m_heldCalls.take(path).calls;
     while (!held.empty()) {
         const BusCall call = std::move(held.front());
         held.pop_front();
         serveNow(call);
-        if (const auto heldAgain = m_heldCalls.find(document); heldAgain != m_heldCalls.end()) {
-            heldAgain->swap(held);
+        if (const auto heldAgain = m_heldCalls.find(path); heldAgain != m_heldCalls.end()) {
+            heldAgain->calls.swap(held);
             return;
         }
     }

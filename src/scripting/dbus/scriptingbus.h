@@ -63,8 +63,8 @@ private:
     void serve(const BusCall &call, const BusObject &object, const BusInterface &interface,
                const BusMethod &method);
     void serveWaitingCalls();
-    void holdCallsTo(const QString &document);
-    void serveHeldCallsTo(const QString &document);
+    void holdCallsTo(const QString &path);
+    void serveHeldCallsTo(const QString &path);
 
     AppDelegate &m_application;
     const std::shared_ptr<LastErrors> m_lastErrors;
@@ -74,9 +74,14 @@ private:
     QTimer m_rejoining;
     bool m_followsApplication = false;
     QList<BusCall> m_waitingCalls; ///< for the end of launch
-    /// By the paths of documents whose latest command has queued work that has not begun. The status word
-    /// tells of it only then, and the document knows one command at a time.
-    QHash<QString, std::deque<BusCall>> m_heldCalls;
+    struct HeldCalls {
+        int holds = 0; ///< what has been queued, and has not run
+        std::deque<BusCall> calls;
+    };
+    /// By the paths of documents whose latest command has queued work that has not begun: the status word
+    /// tells of it only then, and the document knows one command at a time. And by the application's, while a
+    /// document that is closed is still in its lists.
+    QHash<QString, HeldCalls> m_heldCalls;
     QStringList m_newDocuments; ///< paths of those that the call being served has made
     QString m_maker; ///< the connection whose call is being served, if documents made now are its own
 };
