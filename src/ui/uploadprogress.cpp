@@ -6,7 +6,6 @@
 #include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
-#include <QStandardPaths>
 
 using namespace Qt::StringLiterals;
 
@@ -14,9 +13,15 @@ namespace sealwright {
 
 namespace {
 
-constexpr auto variable = "SEALWRIGHT_UPLOAD_PROGRESS";
 constexpr int interval = 1000; // milliseconds
 constexpr qint64 longestFile = 64; // bytes
+
+/// Empty where the session has no folder of its own.
+QString folderOfUploads()
+{
+    const QString session = qEnvironmentVariable("XDG_RUNTIME_DIR");
+    return session.isEmpty() ? QString() : session + u"/sealwright-uploads"_s;
+}
 
 QString nameFor(const QString &uploadedFile)
 {
@@ -28,15 +33,13 @@ QString nameFor(const QString &uploadedFile)
 
 void uploadprogress::askFor()
 {
-    const QString session = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
-    const QString folder = session + u"/sealwright-uploads"_s;
-    if (!session.isEmpty() && QDir().mkpath(folder))
-        qputenv(variable, QFile::encodeName(folder));
+    if (const QString folder = folderOfUploads(); !folder.isEmpty()) [[maybe_unused]]
+        const bool isMade = QDir().mkdir(folder);
 }
 
 std::optional<StepList::Parts> uploadprogress::of(const QString &uploadedFile)
 {
-    const QString folder = qEnvironmentVariable(variable);
+    const QString folder = folderOfUploads();
     QFile file(folder + u'/' + nameFor(uploadedFile));
     if (folder.isEmpty() || !file.open(QIODevice::ReadOnly))
         return std::nullopt;

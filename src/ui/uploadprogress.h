@@ -10,12 +10,11 @@ namespace sealwright {
 
 class MainWinController;
 
-/// What a notary tool tells of its uploads, where it is one that does: a file for each in a folder of this
-/// session, which the environment variable SEALWRIGHT_UPLOAD_PROGRESS names to the tools.
+/// What a notary tool tells of its uploads, where it is one that does: a file for each in the folder
+/// "sealwright-uploads" of this session's XDG_RUNTIME_DIR, which is there once somebody has asked.
 namespace uploadprogress {
 
-/// Has the tools that are started from now on tell. Before the first of them; without a folder of the session
-/// nothing happens.
+/// Has the tools that are started from now on tell. Without a folder of the session nothing happens.
 void askFor();
 /// Nothing if no tool tells of an upload of that file, given by its absolute path.
 [[nodiscard]] std::optional<StepList::Parts> of(const QString &uploadedFile);

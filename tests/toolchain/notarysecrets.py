@@ -104,8 +104,9 @@ home = folder / "home"
 home.mkdir()
 environment = {**os.environ, "HOME": str(home), "SEALWRIGHT_TOOLCHAIN_STATE": str(home / "state"), "TMPDIR": str(home),
                "SEALWRIGHT_NOTARY_API": server.origin + "/notary/v2", "SEALWRIGHT_WAIT_SCALE": "0.01",
-               "SEALWRIGHT_UPLOAD_PROGRESS": str(home), "XDG_RUNTIME_DIR": str(home / "run")}
+               "XDG_RUNTIME_DIR": str(home / "run")}
 (home / "run").mkdir(mode=0o700)
+(home / "run" / "sealwright-uploads").mkdir()
 os.umask(0o022)
 streams = []
 

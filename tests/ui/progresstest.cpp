@@ -2,6 +2,7 @@
 
 #include "document/recentwaits.h"
 #include "support/allsteps.h"
+#include "support/changedvariable.h"
 #include "support/items.h"
 #include "ui/framewindow.h"
 #include "ui/launcherentry.h"
@@ -188,11 +189,12 @@ TEST_F(AfterACancelledWait, theNextRunIsSaidToHaveStopped)
 
 TEST_F(ProgressOfARun, isTheUploadAsTheToolTellsIt)
 {
-    const QTemporaryDir folder;
-    qputenv("SEALWRIGHT_UPLOAD_PROGRESS", folder.path().toUtf8());
+    const QTemporaryDir session;
+    const ChangedVariable variable("XDG_RUNTIME_DIR", session.path());
+    uploadprogress::askFor();
     const QString uploaded = u"/items/Foo - Working/Foo.zip"_s;
     const auto digest = QCryptographicHash::hash(uploaded.toUtf8(), QCryptographicHash::Sha1).toHex();
-    QFile told(folder.filePath(QString::fromLatin1(digest)));
+    QFile told(session.filePath(u"sealwright-uploads/"_s + QString::fromLatin1(digest)));
     EXPECT_FALSE(uploadprogress::of(uploaded));
     for (const QByteArray &text : {QByteArray(), QByteArray("340"), QByteArray("5 3"), QByteArray("x y")}) {
         ASSERT_TRUE(told.open(QIODevice::WriteOnly | QIODevice::Truncate));
@@ -206,7 +208,6 @@ TEST_F(ProgressOfARun, isTheUploadAsTheToolTellsIt)
     document().submitFilePath.set(uploaded);
     document().stepList.begin(step::upload);
     until([this] { return progressText().contains(u"340 of 900 MB"_s); });
-    qunsetenv("SEALWRIGHT_UPLOAD_PROGRESS");
 }
 
 TEST_F(ProgressOfARun, hasNoCountdownInATitleWhereItWouldStandStill)

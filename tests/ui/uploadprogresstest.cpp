@@ -3,9 +3,11 @@
 #include "ui/uploadprogress.h"
 
 #include "altool/progress.h"
+#include "support/changedvariable.h"
 #include "support/core.h"
 
 #include <QDir>
+#include <QProcessEnvironment>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -16,12 +18,13 @@ namespace {
 
 class ProgressOfAnUpload : public testing::Test {
 protected:
-    ProgressOfAnUpload() { qputenv("SEALWRIGHT_UPLOAD_PROGRESS", folder.path().toUtf8()); }
-    ~ProgressOfAnUpload() override { qunsetenv("SEALWRIGHT_UPLOAD_PROGRESS"); }
+    ProgressOfAnUpload() { uploadprogress::askFor(); }
 
-    QStringList files() const { return QDir(folder.path()).entryList(QDir::Files); }
+    QStringList files() const { return QDir(uploads).entryList(QDir::Files); }
 
-    QTemporaryDir folder;
+    const QTemporaryDir folder;
+    const ChangedVariable session{"XDG_RUNTIME_DIR", folder.path()};
+    const QString uploads = folder.filePath(u"sealwright-uploads"_s);
     const QString uploaded = u"/some folder/Über.zip"_s;
 };
 
@@ -60,8 +63,15 @@ TEST_F(ProgressOfAnUpload, goesWithTheUpload)
 
 TEST_F(ProgressOfAnUpload, isWrittenForNobodyWhoHasNotAsked)
 {
-    qunsetenv("SEALWRIGHT_UPLOAD_PROGRESS");
+    ASSERT_TRUE(QDir().rmdir(uploads));
     toolchain::ProgressFile file(uploaded);
     file.show(1, 900);
     EXPECT_EQ(files(), QStringList());
+}
+
+TEST_F(ProgressOfAnUpload, isAskedForWithoutAnythingInTheEnvironmentOfTheTools)
+{
+    const auto before = QProcessEnvironment::systemEnvironment();
+    uploadprogress::askFor();
+    EXPECT_EQ(QProcessEnvironment::systemEnvironment(), before);
 }

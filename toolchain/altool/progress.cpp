@@ -19,8 +19,9 @@ constexpr double mebibyte = 1 << 20;
 
 QString progressPath(const QString &uploadedFile)
 {
-    const QString folder = qEnvironmentVariable("SEALWRIGHT_UPLOAD_PROGRESS");
-    if (folder.isEmpty())
+    const QString session = qEnvironmentVariable("XDG_RUNTIME_DIR");
+    const QString folder = session + u"/sealwright-uploads"_s;
+    if (session.isEmpty() || !QFileInfo(folder).isDir())
         return {};
     const QByteArray path = QFile::encodeName(QFileInfo(uploadedFile).absoluteFilePath());
     return folder + u'/'

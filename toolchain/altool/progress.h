@@ -25,8 +25,8 @@ private:
     bool m_isOpen = false;
 };
 
-/// How far the upload of a file is, for a program that has asked for it: a file in the folder that the
-/// environment variable SEALWRIGHT_UPLOAD_PROGRESS names, called after the SHA-1 digest of the uploaded
+/// How far the upload of a file is, for a program of this session that has asked for it by making the folder
+/// "sealwright-uploads" in XDG_RUNTIME_DIR: a file there, called after the SHA-1 digest of the uploaded
 /// file's absolute path in hexadecimal digits, with the bytes that are sent and the bytes that there are. It
 /// goes with the upload. What cannot be written is left.
 class ProgressFile {
