@@ -103,7 +103,7 @@ int main(int argc, char **argv)
         wordsOf(argc, argv),
         {{{"-e"}, OptionValue::required}, {{"-s"}, OptionValue::required}, {{"-h", "--help"}}});
     if (!arguments.error.empty())
-        return refuseArguments("osascript", arguments.error, usage);
+        return refuseArguments("osascript", arguments.error, usage, notBuiltStatus);
     if (arguments.has("-h")) {
         print(usage);
         return 0;

@@ -71,7 +71,7 @@ int main(int argc, char **argv)
     if (argc <= nameAt)
         return refuseArguments("xcrun: error", "no utility named", usage);
     if (!findOnly && first.starts_with('-'))
-        return refuseArguments("xcrun: error", "unrecognized option '" + first + "'", usage);
+        return refuseArguments("xcrun: error", "unrecognized option '" + first + "'", usage, notBuiltStatus);
 
     const std::string name = argv[nameAt];
     const auto tool = findTool(name);
