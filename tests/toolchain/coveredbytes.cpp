@@ -14,6 +14,8 @@ void addHolesOfSlice(QList<ByteRange> &ranges, const MachOSlice &slice, const Si
 {
     const ByteRange room = slice.signature->data;
     const auto used = quint64(part.blobs.size());
+    constexpr ByteRange lengthOfAll{4, 4}; // the blobs within tell their own, and have to fit into it
+    ranges.append({slice.place.offset + room.offset + lengthOfAll.offset, lengthOfAll.length});
     ranges.append({slice.place.offset + room.offset + used, room.length - used});
 }
 

@@ -8,8 +8,8 @@
 /// Which bytes of an item its signatures cover.
 namespace coveredbytes {
 
-/// Bytes of a file that no signature covers: of a Mach-O file what stands behind the signature within its
-/// room, the header of a universal file, and what lies between its slices.
+/// Bytes of a file that no signature covers: of a Mach-O file the length of the signature as a whole and what
+/// stands behind it within its room, the header of a universal file, and what lies between its slices.
 [[nodiscard]] QList<toolchain::codesignature::ByteRange> uncovered(const QString &path);
 
 [[nodiscard]] bool isCovered(const QList<toolchain::codesignature::ByteRange> &ranges, quint64 offset);

@@ -48,6 +48,7 @@ std::shared_ptr<ScratchFile> ImageVolume::apfsContainer()
 {
     constexpr qsizetype magicOffset = 32;
     constexpr quint64 pieceSize = 1 << 20;
+    constexpr quint64 blockSize = 4096; // the smallest, and the usual one
     for (const udif::Partition &partition : m_image.partitions()) {
         const quint64 size = partition.sectorCount * udif::sectorSize;
         QByteArray piece(magicOffset + 4, '\0');
@@ -60,7 +61,9 @@ std::shared_ptr<ScratchFile> ImageVolume::apfsContainer()
             if (!m_image.read(partition, done, piece.data(), piece.size()) || !file->append(piece))
                 return {};
         }
-        return file;
+        // The last block of a volume that was converted may reach beyond its partition.
+        const quint64 cut = size % blockSize;
+        return cut == 0 || file->append(QByteArray(qsizetype(blockSize - cut), '\0')) ? file : nullptr;
     }
     return {};
 }

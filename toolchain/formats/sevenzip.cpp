@@ -1,14 +1,19 @@
 #include "formats/sevenzip.h"
 
+#include "formats/apfslisting.h"
+#include "formats/fileattributes.h"
+
 #include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QProcess>
-#include <QRegularExpression>
 
 #include <fcntl.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <filesystem>
 
 using namespace Qt::StringLiterals;
 
@@ -50,6 +55,55 @@ platform::Outcome run(const QStringList &arguments, const ByteSink &output)
 bool isZero(QByteArrayView bytes)
 {
     return std::all_of(bytes.begin(), bytes.end(), [](char byte) { return byte == '\0'; });
+}
+
+platform::Result<ApfsListing> listApfs(const QString &file)
+{
+    ApfsListing listing;
+    const auto listed =
+        run({u"l"_s, u"-slt"_s, u"-tAPFS"_s, u"--"_s, file}, [&listing](QByteArrayView bytes) {
+            listing.take(bytes);
+            return true;
+        });
+    if (!listed)
+        return listed.failure();
+    listing.finish();
+    return listing;
+}
+
+/// A container with a locker of keys has encrypted volumes. Public document: Apple File System Reference,
+/// nx_superblock_t.
+bool isEncryptedApfs(const QString &file)
+{
+    constexpr qint64 lockerOffset = 1296; // its first block and the count of its blocks, of 8 bytes each
+    QFile container(file);
+    if (!container.open(QIODevice::ReadOnly) || !container.seek(lockerOffset))
+        return false;
+    const QByteArray locker = container.read(16);
+    return locker.size() == 16 && !isZero(locker);
+}
+
+/// Gives a file the extended attribute for which 7z has made the file FILE:NAME beside it.
+platform::Outcome carryAttribute(const QString &path)
+{
+    constexpr qint64 longest = 256 << 20;
+    const qsizetype colon = path.lastIndexOf(u':');
+    const QString bearer = path.first(std::max<qsizetype>(colon, 0));
+    QFile value(path);
+    // A name that 7z has changed on the way leaves nothing here that could be carried.
+    if (!QFileInfo(path).isFile() || QFileInfo(path).isSymLink() || !QFileInfo::exists(bearer))
+        return {};
+    if (!value.open(QIODevice::ReadOnly) || value.size() > longest)
+        return platform::Error{path + u": cannot be read"_s};
+    const std::string name = QFile::encodeName(bearer).toStdString();
+    std::error_code ignored;
+    const auto rights = std::filesystem::status(name, ignored).permissions();
+    std::filesystem::permissions(name, rights | std::filesystem::perms::owner_write, ignored);
+    const auto written = writeAttribute(bearer, path.sliced(colon + 1).toUtf8(), value.readAll());
+    std::filesystem::permissions(name, rights, ignored);
+    if (written)
+        value.remove();
+    return written;
 }
 
 } // namespace
@@ -109,26 +163,35 @@ platform::Result<std::shared_ptr<ScratchFile>> unpackDisk(const QString &image, 
 
 platform::Result<QString> apfsVolumeName(const QString &file)
 {
-    constexpr qsizetype mostOutput = 1 << 20; // the volume comes before its files
-    QByteArray listing;
-    const auto listed = run({u"l"_s, u"-slt"_s, u"-tAPFS"_s, u"--"_s, file}, [&](QByteArrayView bytes) {
-        if (listing.size() < mostOutput)
-            listing.append(bytes);
-        return true;
-    });
-    static const QRegularExpression name(u"(?m)^volume_name: (.+)$"_s);
-    const auto match = name.match(QString::fromUtf8(listing));
-    if (!listed)
-        return listed.failure();
-    if (!match.hasMatch())
+    const auto listing = listApfs(file);
+    if (!listing)
+        return isEncryptedApfs(file)
+            ? platform::Error{u"the volume is encrypted, which cannot be read here"_s}
+            : listing.failure();
+    if (listing->volumeName().isEmpty())
         return platform::Error{u"no mountable file systems"_s};
-    return match.captured(1).trimmed();
+    if (!listing->problem().isEmpty())
+        return platform::Error{listing->problem()};
+    return listing->volumeName();
 }
 
 platform::Outcome extractApfs(const QString &file, const QString &folder)
 {
-    return run({u"x"_s, u"-y"_s, u"-bd"_s, u"-tAPFS"_s, u"-o"_s + folder, u"--"_s, file},
-               [](QByteArrayView) { return true; });
+    const auto listing = listApfs(file);
+    if (!listing)
+        return listing.failure();
+    if (!listing->problem().isEmpty())
+        return platform::Error{listing->problem()};
+    const auto extracted = run({u"x"_s, u"-y"_s, u"-bd"_s, u"-tAPFS"_s, u"-o"_s + folder, u"--"_s, file},
+                               [](QByteArrayView) { return true; });
+    if (!extracted)
+        return extracted.failure();
+    for (const QString &attribute : listing->attributes()) {
+        const auto carried = carryAttribute(QDir(folder).filePath(attribute));
+        if (!carried)
+            return carried.failure();
+    }
+    return {};
 }
 
 } // namespace sevenzip

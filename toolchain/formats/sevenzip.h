@@ -38,10 +38,12 @@ namespace sevenzip {
 /// The bytes of all partitions of a disk image, one after the other, of which there are `size`.
 [[nodiscard]] platform::Result<std::shared_ptr<ScratchFile>> unpackDisk(const QString &image, quint64 size);
 
-/// The name of the one APFS volume in a file.
+/// The name of the one APFS volume in a file. The error names an encrypted one, and what could not be copied.
 [[nodiscard]] platform::Result<QString> apfsVolumeName(const QString &file);
 
-/// Copies what lies on the APFS volumes in a file into an empty folder.
+/// Copies what lies on the APFS volumes in a file into an empty folder, with the extended attributes of
+/// files. The error names what 7z would not copy as it is: files that the file system has compressed, devices
+/// and pipes.
 [[nodiscard]] platform::Outcome extractApfs(const QString &file, const QString &folder);
 
 } // namespace sevenzip

@@ -226,7 +226,10 @@ platform::Outcome copyIntoPlace(AttachedImage &image, const Volume &volume, cons
     image.isWhole = bool(done);
     if (done)
         done = images.store(image);
-    return done ? done : platform::Error{done.error() + images.remove(image).error()};
+    if (done)
+        return done;
+    const platform::Outcome removed = images.remove(image);
+    return platform::Error{removed ? done.error() : done.error() + u"; "_s + removed.error()};
 }
 
 int attachAnew(AttachedImage &image, const ParsedArguments &arguments, const AttachedImages &images)

@@ -1,0 +1,132 @@
+#include "formats/apfslisting.h"
+#include "formats/fileattributes.h"
+#include "formats/sevenzip.h"
+#include "toolchain/bundlebuilder.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QTemporaryDir>
+
+#include <filesystem>
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+using namespace toolchain;
+using bundlebuilder::readFile;
+using bundlebuilder::writeFile;
+
+namespace {
+
+/// A listing of 7z's, of items that are given by their properties.
+QByteArray listingOf(const QByteArrayList &items)
+{
+    QByteArray listing =
+        "\n--\nPath = volume\nType = APFS\nComment = \n{\nvolume_name: Tools: new\n}\n\n----------\n";
+    for (const QByteArray &item : items)
+        listing += item + "\n\n";
+    return listing;
+}
+
+/// A program in the place of 7z, which lists what it is told and unpacks a folder.
+class ApfsVolumes : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        m_pathBefore = qgetenv("PATH");
+        writeFile(path(u"bin/7z"_s),
+                  "#!/bin/bash\nfolder=$(dirname \"$0\")/..\n[[ ! -e $folder/broken ]] || exit 2\n"
+                  "[[ $1 == l ]] && exec cat \"$folder/listing\"\n"
+                  "for word; do [[ $word != -o* ]] || cp -a \"$folder/volume/.\" \"${word#-o}\"; done\n");
+        ASSERT_TRUE(QFile::setPermissions(path(u"bin/7z"_s), QFile::ReadOwner | QFile::ExeOwner));
+        ASSERT_TRUE(qputenv("PATH", path(u"bin"_s).toLocal8Bit() + ':' + m_pathBefore));
+        ASSERT_TRUE(QDir().mkpath(out()));
+    }
+    void TearDown() override { qputenv("PATH", m_pathBefore); }
+
+    [[nodiscard]] QString path(const QString &name) const { return m_folder.filePath(name); }
+    [[nodiscard]] QString out() const { return path(u"out"_s); }
+    void list(const QByteArrayList &items) const { writeFile(path(u"listing"_s), listingOf(items)); }
+
+private:
+    QTemporaryDir m_folder;
+    QByteArray m_pathBefore;
+};
+
+const QByteArray plainFile = "Path = a/tool\nSize = 4\nMode = -r--r--r--\nMethod = \nAlternate Stream = -";
+const QByteArray linkToIt =
+    "Path = link\nSize = 6\nMode = lrwxr-xr-x\nMethod = symlink\nAlternate Stream = -";
+const QByteArray attribute =
+    "Path = a/tool:com.apple.cs.CodeSignature\nSize = 5\nMethod = \nAlternate Stream = +";
+
+} // namespace
+
+TEST_F(ApfsVolumes, haveTheirName)
+{
+    list({plainFile});
+    EXPECT_EQ(sevenzip::apfsVolumeName(path(u"disk"_s)).valueOr({}), u"Tools: new"_s);
+}
+
+TEST_F(ApfsVolumes, filesHaveTheirAttributes)
+{
+    list({plainFile, linkToIt, attribute});
+    writeFile(path(u"volume/a/tool"_s), "tool");
+    writeFile(path(u"volume/a/tool:com.apple.cs.CodeSignature"_s), "value");
+    writeFile(path(u"volume/a/tool:a name with a colon"_s), "file");
+    ASSERT_TRUE(QFile::setPermissions(path(u"volume/a/tool"_s), QFile::ReadOwner));
+    const auto copied = sevenzip::extractApfs(path(u"disk"_s), out());
+    ASSERT_TRUE(copied) << copied.error().toStdString();
+    EXPECT_EQ(readAttributes(out() + u"/a/tool"_s).valueOr({}).value("com.apple.cs.CodeSignature"), "value");
+    EXPECT_FALSE(QFileInfo::exists(out() + u"/a/tool:com.apple.cs.CodeSignature"_s));
+    EXPECT_EQ(std::filesystem::status((out() + u"/a/tool"_s).toStdString()).permissions(),
+              std::filesystem::perms::owner_read);
+    EXPECT_EQ(readFile(out() + u"/a/tool:a name with a colon"_s), "file");
+}
+
+TEST_F(ApfsVolumes, filesThatTheFileSystemHasCompressedAreRefusedByName)
+{
+    list({plainFile,
+          "Path = a/packed\nSize = 0\nMode = -rw-r--r--\nMethod = LZFSE-attr\nAlternate Stream = -\nWritten "
+          "Size = 116"});
+    EXPECT_EQ(sevenzip::extractApfs(path(u"disk"_s), out()).error(),
+              u"a/packed: compressed by the file system, which cannot be read here"_s);
+    EXPECT_TRUE(QDir(out()).isEmpty());
+    list({"Path = a/packed\nSize = 116\nMode = -rw-r--r--\nMethod = ZLIB-attr\nAlternate Stream = -\nWritten "
+          "Size = 116"});
+    EXPECT_TRUE(QDir().mkpath(path(u"volume"_s)));
+    EXPECT_TRUE(sevenzip::extractApfs(path(u"disk"_s), out())); // this 7z reads it
+}
+
+TEST_F(ApfsVolumes, devicesAndPipesAreRefusedByName)
+{
+    for (const QByteArray kind : {"c", "b", "p", "s"}) {
+        list({linkToIt,
+              "Path = odd\nSize = 0\nMode = " + kind + "rw-r--r--\nMethod = \nAlternate Stream = -"});
+        EXPECT_EQ(sevenzip::extractApfs(path(u"disk"_s), out()).error(),
+                  u"odd: neither a file, a folder nor a symbolic link"_s);
+    }
+}
+
+TEST_F(ApfsVolumes, anEncryptedOneIsNamed)
+{
+    writeFile(path(u"broken"_s), "the program reads nothing");
+    writeFile(path(u"disk"_s), QByteArray(4096, '\0'));
+    EXPECT_EQ(sevenzip::apfsVolumeName(path(u"disk"_s)).error(), u"corrupt image"_s);
+    writeFile(path(u"disk"_s), QByteArray(4096, '\0').replace(1296, 1, "\x07"));
+    EXPECT_EQ(sevenzip::apfsVolumeName(path(u"disk"_s)).error(),
+              u"the volume is encrypted, which cannot be read here"_s);
+}
+
+TEST(ApfsListings, mayComeInAnyPieces)
+{
+    const QByteArray whole = listingOf({plainFile, attribute, linkToIt});
+    for (const qsizetype size : {1, 7, 64}) {
+        ApfsListing listing;
+        for (qsizetype from = 0; from < whole.size(); from += size)
+            listing.take(QByteArrayView(whole).sliced(from, std::min(size, whole.size() - from)));
+        listing.finish();
+        EXPECT_EQ(listing.volumeName(), u"Tools: new"_s);
+        EXPECT_EQ(listing.attributes(), QStringList{u"a/tool:com.apple.cs.CodeSignature"_s});
+        EXPECT_EQ(listing.problem(), QString());
+    }
+}
