@@ -41,7 +41,7 @@ std::unique_ptr<Handler> Service::handlerFor(const Request &request)
         return ticketHandler(*this, request);
     if (path == "/timestamp")
         return timestampHandler(*this, request);
-    if (path.startsWith("/control/") && m_facts.hasControl)
+    if (path.startsWith("/control/") && facts().hasControl)
         return controlHandler(*this, request);
     return answering(statusReply(404));
 }

@@ -8,6 +8,7 @@
 #include <QJsonArray>
 
 #include <atomic>
+#include <future>
 #include <memory>
 
 namespace notaryd {
@@ -24,9 +25,9 @@ class Service {
 public:
     explicit Service(QString notaryFolder);
 
-    /// Before the first request.
-    void setFacts(const ServiceFacts &facts) { m_facts = facts; }
-    [[nodiscard]] const ServiceFacts &facts() const { return m_facts; }
+    /// Once, when the sockets are known. What is asked before waits for it.
+    void setFacts(const ServiceFacts &facts) { m_promisedFacts.set_value(facts); }
+    [[nodiscard]] const ServiceFacts &facts() const { return m_facts.get(); }
 
     /// What deals with a request, by its path and method.
     [[nodiscard]] std::unique_ptr<Handler> handlerFor(const Request &request);
@@ -54,7 +55,8 @@ public:
     std::atomic<bool> isEnding = false;
 
 private:
-    ServiceFacts m_facts;
+    std::promise<ServiceFacts> m_promisedFacts;
+    const std::shared_future<ServiceFacts> m_facts = m_promisedFacts.get_future().share();
     Faults m_faults;
     Vouching m_vouching;
     Webhook m_webhook;

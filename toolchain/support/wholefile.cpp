@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <cerrno>
 #include <climits>
 #include <cstdio>
@@ -25,8 +26,11 @@ namespace {
 
 constexpr std::array endingSignals{SIGTERM, SIGINT, SIGHUP};
 
-/// The unfinished file's path for the signal handler, which may look at nothing but plain memory.
+/// The unfinished file's path for the signal handler, which may look at nothing but plain memory. Of several
+/// files at once, as a service has them in its threads, it is the first one's: who serves ends in order and
+/// leaves none behind.
 std::array<char, PATH_MAX> unfinishedFile = {};
+std::atomic<bool> isOneUnfinished = false;
 
 void removeUnfinishedFile(int signalNumber)
 {
@@ -61,7 +65,7 @@ int makeNamed(std::string &path)
 }
 
 /// Makes the file and its removal by a signal one step: a signal that arrives in between waits.
-int makeTemporary(std::string &path, int (*make)(std::string &))
+int makeTemporary(std::string &path, int (*make)(std::string &), bool &removedBySignals)
 {
     if (path.size() >= unfinishedFile.size()) {
         errno = ENAMETOOLONG;
@@ -75,7 +79,8 @@ int makeTemporary(std::string &path, int (*make)(std::string &))
     sigprocmask(SIG_BLOCK, &ending, &before);
     const int descriptor = make(path);
     const int error = errno;
-    if (descriptor >= 0) {
+    removedBySignals = descriptor >= 0 && !isOneUnfinished.exchange(true);
+    if (removedBySignals) {
         std::memcpy(unfinishedFile.data(), path.c_str(), path.size() + 1);
         setSignalHandlers(removeUnfinishedFile);
     }
@@ -89,14 +94,14 @@ int makeTemporary(std::string &path, int (*make)(std::string &))
 WholeFile::WholeFile(fs::path destination)
     : m_destination(std::move(destination))
     , m_path(pathBeside(m_destination))
-    , m_descriptor(makeTemporary(m_path, makeRandomlyNamed))
+    , m_descriptor(makeTemporary(m_path, makeRandomlyNamed, m_removedBySignals))
 {
 }
 
 WholeFile::WholeFile(fs::path destination, std::string unfinished)
     : m_destination(std::move(destination))
     , m_path(std::move(unfinished))
-    , m_descriptor(makeTemporary(m_path, makeNamed))
+    , m_descriptor(makeTemporary(m_path, makeNamed, m_removedBySignals))
 {
 }
 
@@ -107,7 +112,10 @@ WholeFile::~WholeFile()
     close(m_descriptor);
     if (!m_finished)
         unlink(m_path.c_str());
+    if (!m_removedBySignals)
+        return;
     setSignalHandlers(SIG_DFL);
+    isOneUnfinished = false;
 }
 
 bool WholeFile::write(std::string_view bytes)

@@ -11,9 +11,9 @@
 namespace toolchain {
 
 /// A file that appears under its path only when it is whole. Until then it grows in a hidden file beside
-/// it, which is gone afterwards in every case, also when SIGTERM, SIGINT or SIGHUP ends the process. What
-/// was under the path before is replaced; a symbolic link is replaced too, and not followed.
-/// One at a time in a process.
+/// it, which is gone afterwards in every case, also when SIGTERM, SIGINT or SIGHUP ends the process (of
+/// several at once, the one that was made first). What was under the path before is replaced; a symbolic
+/// link is replaced too, and not followed. Any thread.
 class WholeFile {
 public:
     explicit WholeFile(std::filesystem::path destination);
@@ -47,6 +47,7 @@ private:
 
     const std::filesystem::path m_destination;
     std::string m_path;
+    bool m_removedBySignals = false;
     const int m_descriptor;
     std::optional<mode_t> m_mode;
     bool m_finished = false;
