@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <arpa/inet.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -13,35 +12,25 @@ TimestampServer::TimestampServer(const QString &keychainFolder)
     auto authority = toolchain::TimestampAuthority::open(keychainFolder);
     EXPECT_TRUE(authority) << authority.error().toStdString();
     m_authority = std::make_unique<toolchain::TimestampAuthority>(*std::move(authority));
-    m_socket = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_in address = {};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t length = sizeof address;
-    EXPECT_EQ(bind(m_socket, reinterpret_cast<sockaddr *>(&address), length), 0);
-    EXPECT_EQ(listen(m_socket, 16), 0);
-    EXPECT_EQ(getsockname(m_socket, reinterpret_cast<sockaddr *>(&address), &length), 0);
-    m_port = ntohs(address.sin_port);
     m_thread = std::thread([this] { serve(); });
 }
 
 TimestampServer::~TimestampServer()
 {
     m_ends = true;
-    shutdown(m_socket, SHUT_RDWR);
+    m_socket.stopListening();
     m_thread.join();
-    close(m_socket);
 }
 
 QString TimestampServer::url() const
 {
-    return u"http://127.0.0.1:%1/"_s.arg(m_port);
+    return u"http://127.0.0.1:%1/"_s.arg(m_socket.port());
 }
 
 void TimestampServer::serve()
 {
     while (!m_ends) {
-        const int connection = accept(m_socket, nullptr, nullptr);
+        const int connection = m_socket.accepted();
         if (connection < 0)
             continue;
         answer(connection);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "formats/timestampauthority.h"
+#include "toolchain/loopbacksocket.h"
 
 #include <QString>
 
@@ -23,8 +24,7 @@ private:
     void answer(int connection) const;
 
     std::unique_ptr<toolchain::TimestampAuthority> m_authority;
-    int m_socket = -1;
-    int m_port = 0;
+    const LoopbackSocket m_socket;
     std::atomic<bool> m_ends = false;
     std::thread m_thread;
 };

@@ -2,16 +2,12 @@
 
 #include "formats/notary/httpclient.h"
 #include "formats/notary/replyreader.h"
+#include "toolchain/loopbacksocket.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
 
 #include <gtest/gtest.h>
-
-#include <arpa/inet.h>
-#include <netinet/in.h>
-#include <sys/socket.h>
-#include <unistd.h>
 
 #include <thread>
 
@@ -25,28 +21,21 @@ namespace {
 class Answers {
 public:
     explicit Answers(QByteArrayList answers)
-        : m_socket(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0))
+        : m_thread([this, answers = std::move(answers)] { serve(answers); })
     {
-        sockaddr_in address = {};
-        address.sin_family = AF_INET;
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        EXPECT_EQ(bind(m_socket, reinterpret_cast<sockaddr *>(&address), sizeof address), 0);
-        EXPECT_EQ(listen(m_socket, 4), 0);
-        socklen_t length = sizeof address;
-        EXPECT_EQ(getsockname(m_socket, reinterpret_cast<sockaddr *>(&address), &length), 0);
-        m_origin = "http://127.0.0.1:" + QByteArray::number(ntohs(address.sin_port));
-        m_thread = std::thread([this, answers = std::move(answers)] { serve(answers); });
     }
     ~Answers()
     {
-        shutdown(m_socket, SHUT_RDWR);
+        m_socket.stopListening();
         m_thread.join();
-        close(m_socket);
     }
     Answers(const Answers &) = delete;
     Answers &operator=(const Answers &) = delete;
 
-    [[nodiscard]] QByteArray origin() const { return m_origin; }
+    [[nodiscard]] QByteArray origin() const
+    {
+        return "http://127.0.0.1:" + QByteArray::number(m_socket.port());
+    }
 
     /// To be asked when all answers have been had.
     [[nodiscard]] const QByteArrayList &asked() const { return m_asked; }
@@ -55,7 +44,7 @@ private:
     void serve(const QByteArrayList &answers)
     {
         for (const QByteArray &answer : answers) {
-            const int connection = accept(m_socket, nullptr, nullptr);
+            const int connection = m_socket.accepted();
             if (connection < 0)
                 return;
             QByteArray request;
@@ -68,8 +57,7 @@ private:
         }
     }
 
-    const int m_socket;
-    QByteArray m_origin;
+    const LoopbackSocket m_socket;
     QByteArrayList m_asked;
     std::thread m_thread;
 };

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <arpa/inet.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -61,36 +60,26 @@ void writeAll(int connection, const QByteArray &bytes)
 HttpAnswers::HttpAnswers(std::function<QByteArray(const QByteArray &)> answer, Manner manner)
     : m_answer(std::move(answer))
     , m_manner(manner)
-    , m_socket(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0))
+    , m_thread([this] { serve(); })
 {
-    sockaddr_in address = {};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t size = sizeof address;
-    EXPECT_EQ(bind(m_socket, reinterpret_cast<sockaddr *>(&address), size), 0);
-    EXPECT_EQ(listen(m_socket, 4), 0);
-    EXPECT_EQ(getsockname(m_socket, reinterpret_cast<sockaddr *>(&address), &size), 0);
-    m_port = ntohs(address.sin_port);
-    m_thread = std::thread([this] { serve(); });
 }
 
 HttpAnswers::~HttpAnswers()
 {
     m_isEnding = true;
-    shutdown(m_socket, SHUT_RDWR);
+    m_socket.stopListening();
     m_thread.join();
-    close(m_socket);
 }
 
 QString HttpAnswers::url() const
 {
-    return u"http://127.0.0.1:%1/"_s.arg(m_port);
+    return u"http://127.0.0.1:%1/"_s.arg(m_socket.port());
 }
 
 void HttpAnswers::serve()
 {
     while (!m_isEnding) {
-        const int connection = accept(m_socket, nullptr, nullptr);
+        const int connection = m_socket.accepted();
         if (connection < 0)
             return;
         serveOne(connection);

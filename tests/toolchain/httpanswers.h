@@ -1,5 +1,7 @@
 #pragma once
 
+#include "toolchain/loopbacksocket.h"
+
 #include <QByteArray>
 #include <QString>
 
@@ -31,8 +33,7 @@ private:
 
     const std::function<QByteArray(const QByteArray &)> m_answer;
     const Manner m_manner;
-    int m_socket = -1;
-    int m_port = 0;
+    const LoopbackSocket m_socket;
     std::atomic<bool> m_isEnding = false;
     std::thread m_thread;
 };

@@ -2,6 +2,7 @@
 // give no room, services that end in the middle.
 
 #include "toolchain/bundlebuilder.h"
+#include "toolchain/loopbacksocket.h"
 #include "toolchain/notaryfixture.h"
 
 #include <QDir>
@@ -27,31 +28,10 @@ namespace {
 
 const QString notaryd = u"/usr/bin/sealwright-notaryd"_s;
 
-/// A socket of this machine at a port that nobody else has.
-class TakenPort {
-public:
-    TakenPort()
-        : m_socket(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0))
-    {
-        sockaddr_in address = {};
-        address.sin_family = AF_INET;
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        EXPECT_EQ(bind(m_socket, reinterpret_cast<sockaddr *>(&address), sizeof address), 0);
-        EXPECT_EQ(listen(m_socket, 1), 0);
-        socklen_t length = sizeof address;
-        EXPECT_EQ(getsockname(m_socket, reinterpret_cast<sockaddr *>(&address), &length), 0);
-        m_port = ntohs(address.sin_port);
-    }
-    ~TakenPort() { close(m_socket); }
-    TakenPort(const TakenPort &) = delete;
-    TakenPort &operator=(const TakenPort &) = delete;
-
-    [[nodiscard]] QString address() const { return u"127.0.0.1:%1"_s.arg(m_port); }
-
-private:
-    const int m_socket;
-    quint16 m_port = 0;
-};
+QString addressOf(const LoopbackSocket &socket)
+{
+    return u"127.0.0.1:%1"_s.arg(socket.port());
+}
 
 /// Words of a command line, and what is to come of them.
 struct Use {
@@ -153,7 +133,7 @@ TEST_F(NotaryUse, anAddressThatIsNoneIsNamedWithoutItsSecrets)
 
 TEST_F(NotaryUse, aCommandLineOfTheServiceThatIsNotGoodLeavesTheRunningOneAlone)
 {
-    const TakenPort taken;
+    const LoopbackSocket taken;
     const pid_t running = process();
     writeFile(path(u"nothing.json"_s), R"([{"fault":"nothing"}])");
     expect(
@@ -169,9 +149,9 @@ TEST_F(NotaryUse, aCommandLineOfTheServiceThatIsNotGoodLeavesTheRunningOneAlone)
          {{u"--faults"_s, u"nothing.json"_s}, 1, u"nothing.json: fault 1: there is no fault \"nothing\""_s}});
     EXPECT_EQ(process(), running);
     expect(notaryd,
-           {{{u"--listen"_s, taken.address()},
+           {{{u"--listen"_s, addressOf(taken)},
              1,
-             u"cannot listen at 127.0.0.1 port %1: Address already in use"_s.arg(taken.address().mid(10))}});
+             u"cannot listen at 127.0.0.1 port %1: Address already in use"_s.arg(addressOf(taken).mid(10))}});
     EXPECT_EQ(altool({u"--notarization-history"_s, u"0"_s}).status, 0);
 }
 
@@ -317,7 +297,7 @@ TEST_F(NotaryUse, theSameFileMayBeUploadedAnyNumberOfTimes)
 TEST_F(NotaryUse, aServiceAtASocketOfSystemdsIsStartedByWhoAsks)
 {
     stopService();
-    const QString where = TakenPort().address();
+    const QString where = addressOf(LoopbackSocket());
     const auto systemd = start(u"/usr/bin/systemd-socket-activate"_s,
                                {u"--setenv=SEALWRIGHT_TOOLCHAIN_STATE"_s, u"--setenv=SEALWRIGHT_WAIT_SCALE"_s,
                                 u"--listen"_s, where, toolRoot() + notaryd, u"--foreground"_s});
@@ -339,7 +319,7 @@ TEST_F(NotaryUse, aServiceAtASocketOfSystemdsIsStartedByWhoAsks)
 TEST_F(NotaryUse, aSocketOfSystemdsTakesThePlaceOfARunningService)
 {
     const pid_t first = process();
-    const QString where = TakenPort().address();
+    const QString where = addressOf(LoopbackSocket());
     ASSERT_EQ(run(notaryd, {u"--announce"_s, u"--listen"_s, where}).status, 0);
     EXPECT_EQ(process(), 0);
     QFile line(u"/proc/%1/cmdline"_s.arg(first));
@@ -349,7 +329,7 @@ TEST_F(NotaryUse, aSocketOfSystemdsTakesThePlaceOfARunningService)
 TEST_F(NotaryUse, aServiceThatSystemdNoLongerKeepsAPlaceForIsStartedByTheToolItself)
 {
     stopService();
-    ASSERT_EQ(run(notaryd, {u"--announce"_s, u"--listen"_s, TakenPort().address()}).status, 0);
+    ASSERT_EQ(run(notaryd, {u"--announce"_s, u"--listen"_s, addressOf(LoopbackSocket())}).status, 0);
     EXPECT_EQ(altool({u"--notarization-history"_s, u"0"_s}).status, 0);
     EXPECT_FALSE(address().contains(u"activated"_s));
     EXPECT_GT(process(), 1);

@@ -58,22 +58,14 @@ void closeByReset(int descriptor)
 Relay::Relay(quint16 server, Role role)
     : m_server(server)
     , m_role(role)
-    , m_socket(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0))
+    , m_thread([this] { serve(); })
 {
-    sockaddr_in address = loopback(0);
-    socklen_t length = sizeof address;
-    EXPECT_EQ(bind(m_socket, reinterpret_cast<sockaddr *>(&address), sizeof address), 0);
-    EXPECT_EQ(listen(m_socket, 16), 0);
-    getsockname(m_socket, reinterpret_cast<sockaddr *>(&address), &length);
-    m_port = ntohs(address.sin_port);
-    m_thread = std::thread([this] { serve(); });
 }
 
 Relay::~Relay()
 {
     m_isEnding = true;
     m_thread.join();
-    close(m_socket);
 }
 
 void Relay::resetAfter(qint64 bytes, int times)
@@ -85,10 +77,10 @@ void Relay::resetAfter(qint64 bytes, int times)
 void Relay::serve()
 {
     while (!m_isEnding) {
-        pollfd watched{m_socket, POLLIN, 0};
+        pollfd watched{m_socket.descriptor(), POLLIN, 0};
         if (poll(&watched, 1, lookPause) <= 0)
             continue;
-        const int client = accept4(m_socket, nullptr, nullptr, SOCK_CLOEXEC);
+        const int client = m_socket.accepted();
         if (client >= 0)
             serveOne(client);
     }

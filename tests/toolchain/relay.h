@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QtGlobal>
+#include "toolchain/loopbacksocket.h"
 
 #include <atomic>
 #include <thread>
@@ -21,7 +21,7 @@ public:
     Relay(const Relay &) = delete;
     Relay &operator=(const Relay &) = delete;
 
-    [[nodiscard]] quint16 port() const { return m_port; }
+    [[nodiscard]] quint16 port() const { return m_socket.port(); }
 
     /// So many connections are reset, each after so many bytes from the client. Before the first connection.
     void resetAfter(qint64 bytes, int times);
@@ -42,8 +42,7 @@ private:
 
     const quint16 m_server;
     const Role m_role;
-    int m_socket = -1;
-    quint16 m_port = 0;
+    const LoopbackSocket m_socket;
     qint64 m_resetAt = 0;
     int m_resets = 0;
     std::atomic<int> m_done = 0;
