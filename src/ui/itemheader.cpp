@@ -134,7 +134,7 @@ void ItemHeader::survey(const QString &path)
         return;
     m_surveyed = path;
     m_survey = {};
-    if (!isBundleKind(itemKind(path)))
+    if (!Item(path).isBundle())
         m_survey.bytes = QFileInfo(path).size();
     else if (!m_look.isPossible())
         walk();
@@ -142,7 +142,7 @@ void ItemHeader::survey(const QString &path)
 
 void ItemHeader::heedLook(const QJsonObject &examination)
 {
-    if (!isBundleKind(itemKind(m_surveyed)) || m_look.item() != m_surveyed)
+    if (!Item(m_surveyed).isBundle() || m_look.item() != m_surveyed)
         return;
     if (!examination.isEmpty())
         take(surveyIn(examination));

@@ -136,7 +136,7 @@ ItemSurvey surveyIn(const QJsonObject &examination)
 {
     ItemSurvey survey;
     survey.bytes = examination.value("size"_L1).toInteger();
-    if (!isBundleKind(itemKind(examination.value("item"_L1).toString())))
+    if (!Item(examination.value("item"_L1).toString()).isBundle())
         return survey;
     for (const auto &value : examination.value("code"_L1).toArray()) {
         const QJsonObject code = value.toObject();

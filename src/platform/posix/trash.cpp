@@ -59,8 +59,8 @@ void describe(const QString &trashed, const QString &item)
     const QByteArray path = QFile::encodeName(placeBefore(item, trash)).toPercentEncoding("/");
     QSaveFile file(description.fileName());
     if (date >= 0 && file.open(QIODevice::WriteOnly)
-        && file.write("[Trash Info]\nPath=" + path + '\n' + all.sliced(date)) > 0) [[maybe_unused]]
-        const bool isWritten = file.commit();
+        && file.write("[Trash Info]\nPath=" + path + '\n' + all.sliced(date)) > 0)
+        file.commit();
 }
 
 } // namespace
