@@ -4,6 +4,7 @@
 
 #include "document/mainwincontroller.h"
 #include "support/items.h"
+#include "ui/examinedwindow.h"
 #include "ui/examinepane.h"
 #include "ui/itemlook.h"
 #include "ui/panelchoice.h"
@@ -152,46 +153,27 @@ TEST_F(TheExaminePage, showsOfEntitlementsAndSignaturesOnlyWhatHasChanged)
 namespace {
 
 /// A window whose item is looked at and compared by a program that answers as the real one does.
-class ComparingInTheWindow : public testing::Test {
+class ComparingInTheWindow : public ExaminedWindow {
 protected:
     ComparingInTheWindow()
     {
-        items::makeBundle(host.item(u"Foo.app"_s));
         items::makeBundle(host.item(u"Foo - Notarized/Foo.app"_s));
-        items::makeFile(host.item(u"examine"_s), script(), true);
-        host.configuration.examineProgram = host.item(u"examine"_s);
-        host.applicationHost.otherWindows = [this] { return order.frontToBack(); };
-        host.takeConfiguration();
-        host.launch();
-        host.document().originalAppletURL.set(QUrl::fromLocalFile(host.item(u"Foo.app"_s)));
-        host.document().appletNameField.setStringValue(u"Foo.app"_s);
+        open(script());
         until([this] { return compare()->isEnabled(); });
-    }
-    ~ComparingInTheWindow() override
-    {
-        host.settle();
-        while (!host.application().allControllers().isEmpty())
-            host.document().window().close();
     }
 
     static QByteArray script()
     {
-        return "#!/bin/sh\n"
-               "[ \"$1\" = --compare ] || { echo '{\"item\": \"'\"$4\"'\", \"code\": [], \"findings\": []}'; "
+        return "[ \"$1\" = --compare ] || { echo '{\"item\": \"'\"$4\"'\", \"code\": [], \"findings\": []}'; "
                "exit; }\n"
                "case $3 in *Broken*) echo \"sealwright-examine: There is nothing.\" >&2; exit 4;; esac\n"
                "echo '{\"differences\": [{\"path\": \".\", \"what\": \"size\", \"old\": 1, \"new\": 2}]}'; "
                "exit 1\n";
     }
 
-    QWidget &page() { return dynamic_cast<WidgetWindow &>(host.document().window()).page(); }
     QPushButton *compare() { return page().findChild<QPushButton *>(u"examineCompare"_s); }
     QTreeWidget &tree() { return *page().findChild<QTreeWidget *>(u"examineTree"_s); }
     QString summary() { return page().findChild<QLabel *>(u"examineSummary"_s)->text(); }
-    static void until(const std::function<bool()> &condition)
-    {
-        ASSERT_TRUE(QTest::qWaitFor(condition, 20'000)) << "waited in vain";
-    }
 
     /// Presses the button and chooses the folder from the list of the panel.
     void compareWith(const QString &name)
@@ -199,11 +181,6 @@ protected:
         compare()->click();
         chooseInPanel(page(), host.item(QString()), name);
     }
-
-    WindowOrder order;
-    LogPrinter printer;
-    WidgetWindowFactory factory{order, printer};
-    TestHost host{&factory};
 };
 
 } // namespace

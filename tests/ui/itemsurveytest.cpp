@@ -5,7 +5,8 @@
 
 #include "platform/itempath.h"
 #include "support/items.h"
-#include "windowtest.h"
+#include "ui/examinedwindow.h"
+#include "ui/windowtest.h"
 
 #include <QFile>
 #include <QJsonArray>
@@ -99,41 +100,16 @@ TEST_F(SurveyOfAnItem, standsBesideTheNameOfTheItem)
 namespace {
 
 /// A window with a program that looks at items and tells more of them than is so, or fails.
-class OneLookAtAnItem : public testing::Test {
+class OneLookAtAnItem : public ExaminedWindow {
 protected:
-    void open(const QByteArray &script)
-    {
-        items::makeBundle(host.item(u"Foo.app"_s));
-        items::makeFile(host.item(u"Foo.app/Contents/MacOS/Foo"_s), both, true);
-        items::makeFile(host.item(u"examine"_s), "#!/bin/sh\n" + script, true);
-        host.configuration.examineProgram = host.item(u"examine"_s);
-        host.applicationHost.otherWindows = [this] { return order.frontToBack(); };
-        host.takeConfiguration();
-        host.launch();
-        host.document().originalAppletURL.set(QUrl::fromLocalFile(host.item(u"Foo.app"_s)));
-        host.document().appletNameField.setStringValue(u"Foo.app"_s);
-    }
-    ~OneLookAtAnItem() override
-    {
-        host.settle();
-        while (!host.application().allControllers().isEmpty())
-            host.document().window().close();
-    }
+    OneLookAtAnItem() { items::makeFile(host.item(u"Foo.app/Contents/MacOS/Foo"_s), both, true); }
+
     template <class Widget>
     Widget &part(const QString &name)
     {
-        return *dynamic_cast<WidgetWindow &>(host.document().window()).page().findChild<Widget *>(name);
+        return *page().findChild<Widget *>(name);
     }
     QString facts() { return part<QLabel>(u"itemFacts"_s).text(); }
-    static void until(const std::function<bool()> &condition)
-    {
-        ASSERT_TRUE(QTest::qWaitFor(condition, 20'000)) << "waited in vain";
-    }
-
-    WindowOrder order;
-    LogPrinter printer;
-    WidgetWindowFactory factory{order, printer};
-    TestHost host{&factory};
 };
 
 } // namespace
