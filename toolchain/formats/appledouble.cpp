@@ -1,8 +1,8 @@
 #include "formats/appledouble.h"
 
 #include "formats/bigendian.h"
+#include "formats/zeros.h"
 
-#include <algorithm>
 #include <optional>
 
 using namespace Qt::StringLiterals;
@@ -26,11 +26,6 @@ constexpr qsizetype finderInfoOffset = entriesOffset + 2 * entrySize;
 constexpr qsizetype attributesHeaderOffset = finderInfoOffset + finderInfoSize + 2;
 constexpr qsizetype attributesHeaderSize = 36;
 constexpr qsizetype attributeFixedSize = 11; ///< of an attribute's entry, before its name
-
-bool isZero(QByteArrayView bytes)
-{
-    return std::all_of(bytes.begin(), bytes.end(), [](char byte) { return byte == '\0'; });
-}
 
 qsizetype attributeEntrySize(const QByteArray &name)
 {

@@ -2,6 +2,7 @@
 
 #include "formats/apfslisting.h"
 #include "formats/fileattributes.h"
+#include "formats/zeros.h"
 
 #include <QDir>
 #include <QFile>
@@ -29,7 +30,7 @@ QByteArray scratchFolder()
     return chosen.isEmpty() ? QByteArray("/var/tmp") : chosen;
 }
 
-/// Takes what the program prints, piece by piece. Answers what went wrong, or an empty text.
+/// Takes what the program prints, piece by piece.
 platform::Outcome run(const QStringList &arguments, const ByteSink &output)
 {
     QProcess program;
@@ -50,11 +51,6 @@ platform::Outcome run(const QStringList &arguments, const ByteSink &output)
     program.waitForFinished(withoutLimit);
     const bool isDone = program.exitStatus() == QProcess::NormalExit && program.exitCode() == 0;
     return isDone ? platform::Outcome() : platform::Error{u"corrupt image"_s};
-}
-
-bool isZero(QByteArrayView bytes)
-{
-    return std::all_of(bytes.begin(), bytes.end(), [](char byte) { return byte == '\0'; });
 }
 
 platform::Result<ApfsListing> listApfs(const QString &file)

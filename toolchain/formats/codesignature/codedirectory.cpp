@@ -2,6 +2,7 @@
 
 #include "formats/bigendian.h"
 #include "formats/codesignature/superblob.h"
+#include "formats/zeros.h"
 
 #include <QStringList>
 
@@ -213,8 +214,7 @@ QByteArrayView CodeDirectory::specialSlot(quint32 number) const
 
 bool CodeDirectory::hasSpecialSlot(quint32 number) const
 {
-    const QByteArrayView digest = specialSlot(number);
-    return std::any_of(digest.begin(), digest.end(), [](char byte) { return byte != 0; });
+    return !isZero(specialSlot(number));
 }
 
 QByteArrayView CodeDirectory::codeSlot(quint32 index) const

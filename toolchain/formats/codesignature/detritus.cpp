@@ -1,14 +1,13 @@
 #include "formats/codesignature/detritus.h"
 
 #include "formats/fileattributes.h"
+#include "formats/zeros.h"
 
 #include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
 
 #include <sys/xattr.h>
-
-#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -17,17 +16,12 @@ namespace toolchain::codesignature {
 namespace {
 
 /// Finder information of zeros says nothing, and macOS does not keep it.
-bool saysSomething(const QByteArray &value)
-{
-    return std::any_of(value.begin(), value.end(), [](char byte) { return byte != 0; });
-}
-
 bool hasDetritus(const QString &path)
 {
     const auto attributes = readAttributes(path);
     return attributes
         && (attributes->contains("com.apple.ResourceFork")
-            || saysSomething(attributes->value("com.apple.FinderInfo")));
+            || !isZero(attributes->value("com.apple.FinderInfo")));
 }
 
 /// Nearly all files have no attributes at all, and are asked for nothing else.

@@ -3,6 +3,7 @@
 #include "formats/codesignature/berreader.h"
 #include "formats/codesignature/cms.h"
 #include "formats/codesignature/cmsreader.h"
+#include "formats/zeros.h"
 
 #include <algorithm>
 
@@ -19,7 +20,7 @@ bool isPaddedWithZeros(const QByteArray &bytes)
 {
     const auto value = readBer(bytes);
     const QByteArrayView rest = QByteArrayView(bytes).sliced(value ? value->whole.size() : 0);
-    return std::all_of(rest.begin(), rest.end(), [](char byte) { return byte == '\0'; });
+    return isZero(rest);
 }
 
 /// Whether the certificates beside a CMS signature, which the table's checksum covers, are those in it, which

@@ -3,6 +3,7 @@
 #include "formats/crc.h"
 #include "formats/failures.h"
 #include "formats/udif/udiftables.h"
+#include "formats/zeros.h"
 #include "support/openfile.h"
 
 #include <unistd.h>
@@ -10,22 +11,10 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 
 namespace toolchain {
 
 using namespace udif;
-
-namespace {
-
-bool isZero(QByteArrayView bytes)
-{
-    return bytes.isEmpty()
-        || (bytes.front() == '\0'
-            && std::memcmp(bytes.data(), bytes.data() + 1, std::size_t(bytes.size() - 1)) == 0);
-}
-
-} // namespace
 
 UdifWriter::UdifWriter(int descriptor, std::filesystem::path path, const ImageFormat &format, int level)
     : m_descriptor(descriptor)
