@@ -83,6 +83,18 @@ TEST_F(ApfsVolumes, filesHaveTheirAttributes)
     EXPECT_EQ(readFile(out() + u"/a/tool:a name with a colon"_s), "file");
 }
 
+TEST_F(ApfsVolumes, attributesWhoseNamesLeadOutAreRefusedByName)
+{
+    list({"Path = ../mine:note\nSize = 5\nMethod = \nAlternate Stream = +"});
+    EXPECT_TRUE(QDir().mkpath(path(u"volume"_s)));
+    writeFile(path(u"mine"_s), "mine");
+    writeFile(path(u"mine:note"_s), "value");
+    EXPECT_EQ(sevenzip::extractApfs(path(u"disk"_s), out()).error(),
+              u"../mine:note: leads out of the volume"_s);
+    EXPECT_EQ(readFile(path(u"mine:note"_s)), "value");
+    EXPECT_TRUE(readAttributes(path(u"mine"_s)).valueOr({}).isEmpty());
+}
+
 TEST_F(ApfsVolumes, filesThatTheFileSystemHasCompressedAreRefusedByName)
 {
     list({plainFile,

@@ -79,6 +79,13 @@ bool isEncryptedApfs(const QString &file)
     return locker.size() == 16 && !isZero(locker);
 }
 
+/// Whether a file, with all links on the way to it followed, lies below a folder.
+bool liesBelow(const QString &path, const QString &folder)
+{
+    const QString end = QFileInfo(path).canonicalFilePath();
+    return end.startsWith(QFileInfo(folder).canonicalFilePath() + u'/');
+}
+
 /// Gives a file the extended attribute for which 7z has made the file FILE:NAME beside it.
 platform::Outcome carryAttribute(const QString &path)
 {
@@ -183,7 +190,11 @@ platform::Outcome extractApfs(const QString &file, const QString &folder)
     if (!extracted)
         return extracted.failure();
     for (const QString &attribute : listing->attributes()) {
-        const auto carried = carryAttribute(QDir(folder).filePath(attribute));
+        const QString path = folder + u'/' + attribute;
+        // The listing has names as the image has them; 7z has unpacked those that lead out under others.
+        const bool leadsOut = QFileInfo::exists(path) && !liesBelow(path, folder);
+        const auto carried =
+            leadsOut ? platform::Error{attribute + u": leads out of the volume"_s} : carryAttribute(path);
         if (!carried)
             return carried.failure();
     }
