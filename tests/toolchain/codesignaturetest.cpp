@@ -314,6 +314,22 @@ TEST(EntitlementsAsDer, areTheKnownBytes)
     EXPECT_FALSE(entitlementsAsDer({{u"d"_s, QDateTime::currentDateTime()}}));
 }
 
+TEST(EntitlementsAsDer, inTheFormOfMacOS11AreReadToo)
+{
+    const auto read = entitlementsFromDer(QByteArray::fromHex("310f30060c016101010130050c01620c00"));
+    ASSERT_TRUE(read) << read.error().toStdString();
+    EXPECT_EQ(*read, (QVariantMap{{u"a"_s, true}, {u"b"_s, QString()}}));
+    EXPECT_FALSE(entitlementsFromDer(QByteArray::fromHex("310830060c016101010100"))); // more behind it
+}
+
+TEST(Entitlements, endWhereTheirListEnds)
+{
+    const QByteArray list = "  <plist version=\"1.0\"><dict><key>a</key><true/></dict></plist>";
+    EXPECT_EQ(readEntitlements(list + "\n</xml>").valueOr({}), (QVariantMap{{u"a"_s, true}}));
+    EXPECT_FALSE(readEntitlements(list.chopped(1)));
+    EXPECT_FALSE(readEntitlements("<plist version=\"1.0\"><array/></plist>"));
+}
+
 TEST_F(MachOSigning, leavesTheCodeAsItIsAndTheModeToo)
 {
     const QByteArray before = bundlebuilder::thinMachO(bundlebuilder::x86_64);

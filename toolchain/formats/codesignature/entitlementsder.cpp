@@ -18,6 +18,7 @@ constexpr quint8 integer = 0x02;
 constexpr quint8 octets = 0x04;
 constexpr quint8 utf8 = 0x0c;
 constexpr quint8 sequence = 0x30;
+constexpr quint8 set = 0x31;
 constexpr quint8 top = 0x70; // APPLICATION 16
 constexpr quint8 dictionary = 0xb0; // CONTEXT 16
 } // namespace tag
@@ -125,17 +126,23 @@ public:
     Result<QVariantMap> decode(QByteArrayView der)
     {
         QByteArrayView rest = der;
-        const Element whole = take(rest, tag::top);
-        QByteArrayView parts = whole.content;
-        const Element version = take(parts, tag::integer);
-        const Element map = take(parts, tag::dictionary);
-        if (!rest.isEmpty() || !parts.isEmpty() || version.content != QByteArrayView("\1"))
-            m_isBad = true;
-        const QVariantMap result = dictionary(map.content, 0);
+        const Element whole = takeAny(rest);
+        m_isBad = m_isBad || !rest.isEmpty();
+        const QVariantMap result = whole.tag == tag::set ? dictionary(whole.content, 0) : versioned(whole);
         return m_isBad ? Result<QVariantMap>(Error{u"the entitlements are no valid DER"_s}) : result;
     }
 
 private:
+    QVariantMap versioned(const Element &whole)
+    {
+        QByteArrayView parts = whole.content;
+        const Element version = take(parts, tag::integer);
+        const Element map = take(parts, tag::dictionary);
+        if (whole.tag != tag::top || !parts.isEmpty() || version.content != QByteArrayView("\1"))
+            m_isBad = true;
+        return dictionary(map.content, 0);
+    }
+
     QVariantMap dictionary(QByteArrayView content, int depth)
     {
         QVariantMap map;
@@ -168,6 +175,7 @@ private:
             return next.content.toByteArray();
         case tag::sequence:
             return array(next.content, depth + 1);
+        case tag::set:
         case tag::dictionary:
             return dictionary(next.content, depth + 1);
         default:
@@ -225,6 +233,14 @@ private:
     qsizetype m_values = 0;
 };
 
+/// A list without what stands behind its end, which Apple's reader does not look at.
+QByteArray withoutRest(const QByteArray &propertyList)
+{
+    constexpr QByteArrayView end("</plist>");
+    const qsizetype at = propertyList.startsWith("bplist") ? -1 : propertyList.lastIndexOf(end);
+    return at < 0 ? propertyList : propertyList.first(at + end.size());
+}
+
 } // namespace
 
 Result<QByteArray> entitlementsAsDer(const QVariantMap &entitlements)
@@ -243,7 +259,7 @@ Result<QVariantMap> entitlementsFromDer(QByteArrayView der)
 
 Result<QVariantMap> readEntitlements(const QByteArray &propertyList)
 {
-    const auto list = platform::propertyListFromData(propertyList);
+    const auto list = platform::propertyListFromData(withoutRest(propertyList));
     if (!list)
         return list.failure();
     if (list->metaType() != QMetaType::fromType<QVariantMap>())

@@ -1,8 +1,8 @@
 #include "formats/review/codefacts.h"
 
+#include "formats/codesignature/entitlementsder.h"
 #include "formats/codesignature/signaturereader.h"
 #include "formats/review/signer.h"
-#include "platform/propertylist/propertylist.h"
 
 #include <QFile>
 
@@ -56,12 +56,6 @@ SignatureState stateOf(const SignedPart &part)
     if (part.isLinkerSigned())
         return SignatureState::linker;
     return part.cms().isEmpty() ? SignatureState::adHoc : SignatureState::certified;
-}
-
-QVariantMap dictionaryIn(const QByteArray &propertyList)
-{
-    return propertyList.isEmpty() ? QVariantMap()
-                                  : platform::propertyListFromData(propertyList).valueOr({}).toMap();
 }
 
 SignedPart partOf(QIODevice &file, const MachOSlice &slice)
@@ -133,7 +127,7 @@ SignatureFacts signatureFacts(const SignedPart &part, const TrustStore &store)
     facts.hasRuntime = (directory.fields().flags & codeflag::runtime) != 0;
     facts.cdHash = directory.cdHash();
     facts.hashType = int(directory.fields().hashType);
-    facts.entitlements = dictionaryIn(part.entitlements());
+    facts.entitlements = readEntitlements(part.entitlements()).valueOr({});
     if (facts.state != SignatureState::certified)
         return facts;
     const SignerFacts signer = signerFacts(part, store);
