@@ -2,6 +2,7 @@
 
 #include <QCryptographicHash>
 
+#include <openssl/crypto.h>
 #include <openssl/err.h>
 #include <openssl/pem.h>
 #include <openssl/rand.h>
@@ -36,6 +37,10 @@ Certificate parse(const QByteArray &der)
 /// a signature, and a tool comes back to the same few certificates again and again.
 class ParsedCertificates {
 public:
+    /// libcrypto puts itself away at the end of the process, in the reverse order of beginnings: the
+    /// certificates have to go before it.
+    ParsedCertificates() { OPENSSL_init_crypto(0, nullptr); }
+
     Certificate of(const QByteArray &der)
     {
         const std::lock_guard lock(m_mutex);
