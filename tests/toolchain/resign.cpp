@@ -21,6 +21,24 @@ quint64 segmentAlignment(const MachOSlice &slice)
     return slice.segment("__LINKEDIT")->virtualSize % usual == 0 ? usual : older;
 }
 
+/// Of what lies in files beside the code, which the directories have the digests of alone.
+void addDigestedFiles(SignaturePlan &plan, const SignedPart &part)
+{
+    for (const quint32 number : {slot::infoPropertyList, slot::resources}) {
+        for (const CodeDirectory &directory : part.directories) {
+            if (directory.hasSpecialSlot(number))
+                plan.digestedFiles[number].append(directory.specialSlot(number).toByteArray());
+        }
+    }
+}
+
+/// A signer may have set more aside than codesign does, or less.
+void keepRoom(SignaturePlan &plan, const MachOSlice &slice)
+{
+    const quint64 room = roomForSignature(plan, slice.signature->data.offset);
+    plan.cmsRoom += slice.signature->data.length - room;
+}
+
 SignaturePlan planAfter(const SignedCode &code, qsizetype index)
 {
     const SignedPart &part = code.parts[index];
@@ -33,6 +51,8 @@ SignaturePlan planAfter(const SignedCode &code, qsizetype index)
         if (!part.blobs.blob(number).isNull())
             plan.components.insert(number, part.blobs.blob(number));
     }
+    addDigestedFiles(plan, part);
+    keepRoom(plan, code.image->slices[index]);
     if (!part.cms().isEmpty())
         plan.makeCms = [cms = part.cms()](const QByteArray &, const QList<DirectoryDigest> &) {
             return platform::Result<QByteArray>(cms);
@@ -40,7 +60,9 @@ SignaturePlan planAfter(const SignedCode &code, qsizetype index)
     return plan;
 }
 
-platform::Outcome resign(const QString &file, const QString &copy)
+enum class Way { takenOff, over };
+
+platform::Outcome resign(const QString &file, const QString &copy, Way way)
 {
     QFile::remove(copy);
     if (!QFile::copy(file, copy))
@@ -51,18 +73,22 @@ platform::Outcome resign(const QString &file, const QString &copy)
     QList<SignaturePlan> plans;
     for (qsizetype index = 0; index < code->parts.size(); ++index)
         plans.append(planAfter(*code, index));
-    const platform::Outcome stripped = stripMachO(copy);
-    return stripped ? signMachO(copy, plans) : stripped;
+    const platform::Outcome prepared = way == Way::takenOff ? stripMachO(copy) : platform::Outcome();
+    return prepared ? signMachO(copy, plans) : prepared;
 }
 
 } // namespace
 
 int main(int argc, char **argv)
 {
-    if (argc != 3)
+    const bool isOver = argc == 4 && qstrcmp(argv[1], "--over") == 0;
+    if (argc != 3 && !isOver)
         return 2;
-    const platform::Outcome done = resign(QString::fromLocal8Bit(argv[1]), QString::fromLocal8Bit(argv[2]));
+    const char *file = argv[argc - 2];
+    const platform::Outcome done =
+        resign(QString::fromLocal8Bit(file), QString::fromLocal8Bit(argv[argc - 1]),
+               isOver ? Way::over : Way::takenOff);
     if (!done)
-        std::fprintf(stderr, "%s: %s\n", argv[1], qPrintable(done.error()));
+        std::fprintf(stderr, "%s: %s\n", file, qPrintable(done.error()));
     return done ? 0 : 1;
 }
