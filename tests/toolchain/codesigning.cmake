@@ -5,7 +5,10 @@ target_sources(tst_toolchain PRIVATE
     changedbytestest.cpp
     codesigntest.cpp
     codesignaturetest.cpp
-    codeverifytest.cpp)
+    codeverifytest.cpp
+    codefieldstest.cpp
+    signedlayouttest.cpp
+    signersrequirementtest.cpp)
 target_link_libraries(tst_toolchain PRIVATE tool_codesignature tool_codeverification)
 
 # Not a test: script/verify compares what it makes of other signers' files.

@@ -6,8 +6,6 @@ namespace bundlebuilder {
 
 namespace {
 
-constexpr std::uint32_t linkeditLength = 16;
-
 /// Numbers in a file's own byte order and width.
 class Numbers {
 public:
@@ -87,7 +85,16 @@ QList<QByteArray> commands(const MachORecipe &recipe)
     if (infoLength > 0)
         sections.append(section(recipe, "__info_plist", codeEnd, infoLength));
     QList<QByteArray> commands{segment(recipe, "__TEXT", 0, recipe.codeLength, sections),
-                               segment(recipe, "__LINKEDIT", recipe.codeLength, linkeditLength, {})};
+                               segment(recipe, "__LINKEDIT", recipe.codeLength, recipe.linkeditLength, {})};
+    if (recipe.hasSymbolTable)
+        commands.append(Numbers(recipe.order, true)
+                            .number(0x2)
+                            .number(24)
+                            .number(recipe.codeLength)
+                            .number(0)
+                            .number(recipe.codeLength)
+                            .number(recipe.linkeditLength)
+                            .bytes());
     if (recipe.hasUuid)
         commands.append(Numbers(recipe.order, true).number(0x1b).number(24).raw("0123456789abcdef").bytes());
     if (recipe.platform != 0)
@@ -124,7 +131,7 @@ QByteArray machO(const MachORecipe &recipe)
     while (std::uint32_t(bytes.size()) < recipe.codeLength)
         bytes += QByteArray::number(bytes.size()) + ' ';
     bytes.truncate(recipe.codeLength - recipe.infoPropertyList.size());
-    return bytes + recipe.infoPropertyList + QByteArray(linkeditLength, 'L');
+    return bytes + recipe.infoPropertyList + QByteArray(recipe.linkeditLength, 'L');
 }
 
 QByteArray universalOf(const QList<QByteArray> &slices, bool hasWideHeader)

@@ -20,8 +20,10 @@ struct MachORecipe {
     std::uint32_t sdk = 0x000c0300;
     std::uint32_t codeLength = 0x4000; ///< of __TEXT, from the beginning of the file
     std::uint32_t firstSection = 0x800; ///< where the room for load commands ends
+    std::uint32_t linkeditLength = 16;
     bool hasUuid = true;
-    QByteArray infoPropertyList; ///< in a section of its own if it is not empty
+    bool hasSymbolTable = false; ///< without symbols; its strings fill __LINKEDIT
+    QByteArray infoPropertyList{}; ///< in a section of its own if it is not empty
 };
 
 QByteArray machO(const MachORecipe &recipe);

@@ -238,8 +238,9 @@ SigningReport signItem(const QString &path, const SigningOrder &order)
     auto code = readSignedCode(targetOf(absolute), SignatureDepth::heads);
     if (!code)
         return {code.failure(), {}, {}};
-    code->path = absolute;
-    const QString detritus = code->bundle || code->image ? detritusIn(absolute) : QString();
+    if (!code->bundle)
+        code->path = absolute;
+    const QString detritus = code->bundle || code->image ? detritusIn(code->path) : QString();
     if (!detritus.isEmpty())
         return {Error{text::detritus + u"\nIn detail: "_s + detritusDetail(detritus)}, {}, {}};
     return ItemSigner(*std::move(code), order).sign();

@@ -4,8 +4,6 @@
 #include <QFile>
 #include <QFileInfo>
 
-#include <optional>
-
 #include "platform/propertylist/propertylist.h"
 
 using namespace Qt::StringLiterals;
@@ -95,6 +93,16 @@ Result<CodeBundle> withExecutable(CodeBundle bundle)
     return bundle;
 }
 
+/// The folder that would be the bundle if a file is its executable: by where it lies, whatever lies beside
+/// it.
+QString bundleFolderAbove(const QString &file)
+{
+    const QString folder = QFileInfo(file).path();
+    const QString contents = QFileInfo(folder).path();
+    const bool isInContents = folder.endsWith(u"/MacOS"_s) && contents.endsWith(u"/Contents"_s);
+    return isInContents ? QFileInfo(contents).path() : folder;
+}
+
 } // namespace
 
 QString CodeBundle::identifier() const
@@ -141,6 +149,17 @@ Result<CodeBundle> readCodeBundle(const QString &path)
         return badBundle();
     bundle.info = *info;
     return withExecutable(std::move(bundle));
+}
+
+std::optional<CodeBundle> bundleOfExecutable(const QString &path)
+{
+    const QString file = QDir::cleanPath(QDir::current().absoluteFilePath(path));
+    const QString folder = bundleFolderAbove(file);
+    const bool mayBeBundle = QFileInfo(folder).fileName().contains(u'.')
+        || QFileInfo(QFileInfo(folder).path()).fileName() == u"Versions"_s;
+    const auto bundle = mayBeBundle ? readCodeBundle(folder) : Result<CodeBundle>(badBundle());
+    const bool isIt = bundle && !bundle->executable.isEmpty() && bundle->mainFile() == file;
+    return isIt ? std::optional(*bundle) : std::nullopt;
 }
 
 } // namespace toolchain::codesignature

@@ -3,6 +3,8 @@
 #include <QString>
 #include <QVariantMap>
 
+#include <optional>
+
 #include "platform/result.h"
 
 namespace toolchain::codesignature {
@@ -73,5 +75,9 @@ struct CodeBundle {
 /// without the folder's name: for one that is no bundle, that could be two kinds of bundle, or whose
 /// executable is missing or no plain file.
 [[nodiscard]] platform::Result<CodeBundle> readCodeBundle(const QString &path);
+
+/// The bundle that a file is the executable of, which stands for it wherever code is named: Apple's tools
+/// sign, show and verify the bundle if they are given its executable. None for any other file.
+[[nodiscard]] std::optional<CodeBundle> bundleOfExecutable(const QString &path);
 
 } // namespace toolchain::codesignature

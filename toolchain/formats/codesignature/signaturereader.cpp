@@ -278,6 +278,10 @@ Result<SignedCode> readSignedCode(const QString &path, SignatureDepth depth)
         code.bundle = *std::move(bundle);
     } else if (!item.isFile()) {
         return Error{text::badObject};
+    } else if (auto bundle = bundleOfExecutable(path)) {
+        code.path = bundle->root;
+        code.mainFile = bundle->mainFile();
+        code.bundle = *std::move(bundle);
     }
     return readFile(std::move(code), depth);
 }
