@@ -1,13 +1,17 @@
 #include "formats/apfslisting.h"
 #include "formats/fileattributes.h"
+#include "formats/review/review.h"
 #include "formats/sevenzip.h"
+#include "formats/udif/udifwriter.h"
 #include "toolchain/bundlebuilder.h"
+#include "toolchain/machobuilder.h"
 
 #include <QDir>
 #include <QFileInfo>
 #include <QTemporaryDir>
 
 #include <filesystem>
+#include <limits>
 
 #include <gtest/gtest.h>
 
@@ -43,6 +47,30 @@ protected:
         ASSERT_TRUE(QDir().mkpath(out()));
     }
     void TearDown() override { qputenv("PATH", m_pathBefore); }
+
+    /// A disk image of one partition, which begins as an APFS container does.
+    [[nodiscard]] QString imageOfAContainer() const
+    {
+        constexpr qsizetype magicOffset = 32;
+        const QString image = path(u"Disk.dmg"_s);
+        QFile file(image);
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        UdifWriter writer(file.handle(), image.toStdString(), *udif::imageFormat(u"UDZO"_s), 1);
+        writer.beginPartition(u"disk image (Apple_APFS : 4)"_s);
+        writer.write(QByteArray(1 << 20, '\0').replace(magicOffset, 4, "NXSB"));
+        writer.endPartition();
+        writer.finish();
+        EXPECT_TRUE(writer.outcome());
+        return image;
+    }
+    /// What the service objects to.
+    [[nodiscard]] static QStringList messagesOf(const QString &image)
+    {
+        QStringList messages;
+        for (const auto &issue : review::reviewItem(image, u"Disk.dmg"_s).issues)
+            messages.append(issue.message);
+        return messages;
+    }
 
     [[nodiscard]] QString path(const QString &name) const { return m_folder.filePath(name); }
     [[nodiscard]] QString out() const { return path(u"out"_s); }
@@ -127,6 +155,43 @@ TEST_F(ApfsVolumes, anEncryptedOneIsNamed)
     writeFile(path(u"disk"_s), QByteArray(4096, '\0').replace(1296, 1, "\x07"));
     EXPECT_EQ(sevenzip::apfsVolumeName(path(u"disk"_s)).error(),
               u"the volume is encrypted, which cannot be read here"_s);
+}
+
+TEST_F(ApfsVolumes, tellHowMuchTheyHold)
+{
+    list({plainFile, linkToIt, attribute});
+    const auto volume = sevenzip::apfsVolume(path(u"disk"_s));
+    ASSERT_TRUE(volume) << volume.error().toStdString();
+    EXPECT_EQ(volume->items, 3);
+    EXPECT_EQ(volume->size, 4 + 6 + 5);
+    list({plainFile, "Path = vast\nSize = 9223372036854775807\nMode = -r--r--r--\nAlternate Stream = -",
+          "Path = absurd\nSize = 92233720368547758070\nMode = -r--r--r--\nAlternate Stream = -"});
+    EXPECT_EQ(sevenzip::apfsVolume(path(u"disk"_s))->size, std::numeric_limits<qint64>::max());
+}
+
+TEST_F(ApfsVolumes, inAnImageAreLookedIntoByTheReview)
+{
+    const QString image = imageOfAContainer();
+    list({plainFile});
+    writeFile(path(u"volume/a/tool"_s), bundlebuilder::machO({}));
+    const auto review = review::reviewItem(image, u"Disk.dmg"_s);
+    ASSERT_EQ(review.issues.size(), 1);
+    EXPECT_EQ(review.issues.first().path, u"Disk.dmg/a/tool"_s);
+    EXPECT_EQ(review.issues.first().message, u"The binary is not signed."_s);
+}
+
+TEST_F(ApfsVolumes, inAnImageThatCannotBeReadOrHoldTooMuchAreRefusedByTheReview)
+{
+    const QString image = imageOfAContainer();
+    list({"Path = vast\nSize = 99000000000000\nMode = -r--r--r--\nAlternate Stream = -"});
+    EXPECT_EQ(messagesOf(image),
+              QStringList(u"The archive cannot be read: unpacks to more than can be looked at."_s));
+    list({"Path = odd\nSize = 0\nMode = prw-r--r--\nMethod = \nAlternate Stream = -"});
+    EXPECT_EQ(
+        messagesOf(image),
+        QStringList(u"The archive cannot be read: odd: neither a file, a folder nor a symbolic link."_s));
+    writeFile(path(u"broken"_s), "the program reads nothing");
+    EXPECT_EQ(messagesOf(image), QStringList(u"The archive cannot be read: corrupt image."_s));
 }
 
 TEST(ApfsListings, mayComeInAnyPieces)

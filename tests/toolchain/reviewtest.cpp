@@ -156,6 +156,22 @@ TEST_F(Review, anImageWithinAnArchiveIsVouchedForAndCanBeStapled)
     EXPECT_EQ(stapling.status, 0) << stapling.output.toStdString();
 }
 
+TEST_F(Review, aContainerWithinAnArchiveThatCannotBeReadIsRefused)
+{
+    const QString items = folder(u"Items"_s);
+    const QString image = items + u"/Inner.dmg"_s;
+    ASSERT_EQ(run(u"/usr/bin/hdiutil"_s, {u"create"_s, image, u"-srcfolder"_s, signedApp(items)}).status, 0);
+    QByteArray bytes = readFile(image);
+    bytes.replace(0, bytes.size() / 3, QByteArray(bytes.size() / 3, 'x'));
+    writeFile(image, bytes);
+    writeFile(items + u"/Inner.pkg"_s, "xar! and nothing more");
+    const QStringList issues = issuesOf(zipOf(items));
+    ASSERT_EQ(issues.size(), 2) << issues.join(u'\n').toStdString();
+    EXPECT_TRUE(issues.first().startsWith(u"Upload.zip/Items/Inner.dmg - The archive cannot be read: "_s));
+    EXPECT_TRUE(issues.last().startsWith(u"Upload.zip/Items/Inner.pkg - The archive cannot be read: "_s));
+    EXPECT_EQ(logOf(path(u"Upload.zip"_s))[u"status"].toString(), u"Invalid"_s);
+}
+
 TEST_F(Review, aPackageWithinAnArchiveIsVouchedForIfItsSignatureHolds)
 {
     const QString items = folder(u"Items"_s);

@@ -1,5 +1,7 @@
 #include "formats/apfslisting.h"
 
+#include <limits>
+
 using namespace Qt::StringLiterals;
 
 namespace toolchain {
@@ -56,6 +58,7 @@ void ApfsListing::takeProperty(QByteArrayView key, QByteArrayView value)
 
 void ApfsListing::takeItem()
 {
+    countItem();
     const bool isCompressed = m_item.method.contains("-attr") || m_item.method.contains("-rsrc");
     if (m_item.isAttribute)
         m_attributes.append(m_item.path);
@@ -64,6 +67,20 @@ void ApfsListing::takeItem()
     else if (!m_item.mode.isEmpty() && !QByteArrayView("-dl").contains(m_item.mode.front()))
         fail(u"neither a file, a folder nor a symbolic link"_s);
     m_item = {};
+}
+
+void ApfsListing::countItem()
+{
+    constexpr qint64 most = std::numeric_limits<qint64>::max();
+    if (m_item.path.isEmpty())
+        return;
+    ++m_count;
+    bool isNumber = false;
+    const qint64 size = m_item.size.toLongLong(&isNumber);
+    if (isNumber && size > 0)
+        m_size = size > most - m_size ? most : m_size + size;
+    else if (!isNumber && !m_item.size.isEmpty())
+        m_size = most;
 }
 
 void ApfsListing::fail(const QString &reason)

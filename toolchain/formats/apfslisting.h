@@ -24,6 +24,9 @@ public:
     /// The paths FILE:NAME, relative to the volume, of extended attributes, for which 7z makes files.
     [[nodiscard]] QStringList attributes() const { return m_attributes; }
 
+    [[nodiscard]] qint64 count() const { return m_count; } ///< of all items
+    [[nodiscard]] qint64 size() const { return m_size; } ///< of all of them, bytes, once they are unpacked
+
 private:
     struct Item {
         QString path;
@@ -37,6 +40,7 @@ private:
     void takeLine(QByteArrayView line);
     void takeProperty(QByteArrayView key, QByteArrayView value);
     void takeItem();
+    void countItem();
     void fail(const QString &reason);
 
     QByteArray m_rest; ///< of the bytes behind the last whole line
@@ -44,6 +48,8 @@ private:
     QString m_volumeName;
     QString m_problem;
     QStringList m_attributes;
+    qint64 m_count = 0;
+    qint64 m_size = 0;
     bool m_isPastHead = false;
 };
 

@@ -164,7 +164,7 @@ platform::Result<std::shared_ptr<ScratchFile>> unpackDisk(const QString &image, 
     return disk;
 }
 
-platform::Result<QString> apfsVolumeName(const QString &file)
+platform::Result<ApfsVolume> apfsVolume(const QString &file)
 {
     const auto listing = listApfs(file);
     if (!listing)
@@ -175,7 +175,13 @@ platform::Result<QString> apfsVolumeName(const QString &file)
         return platform::Error{u"no mountable file systems"_s};
     if (!listing->problem().isEmpty())
         return platform::Error{listing->problem()};
-    return listing->volumeName();
+    return ApfsVolume{listing->volumeName(), listing->count(), listing->size()};
+}
+
+platform::Result<QString> apfsVolumeName(const QString &file)
+{
+    const auto volume = apfsVolume(file);
+    return volume ? platform::Result<QString>(volume->name) : volume.failure();
 }
 
 platform::Outcome extractApfs(const QString &file, const QString &folder)

@@ -38,7 +38,17 @@ namespace sevenzip {
 /// The bytes of all partitions of a disk image, one after the other, of which there are `size`.
 [[nodiscard]] platform::Result<std::shared_ptr<ScratchFile>> unpackDisk(const QString &image, quint64 size);
 
-/// The name of the one APFS volume in a file. The error names an encrypted one, and what could not be copied.
+/// An APFS volume that can be copied.
+struct ApfsVolume {
+    QString name;
+    qint64 items = 0;
+    qint64 size = 0; ///< of all files together, in bytes
+};
+
+/// The one APFS volume in a file. The error names an encrypted one, and what could not be copied.
+[[nodiscard]] platform::Result<ApfsVolume> apfsVolume(const QString &file);
+
+/// Its name.
 [[nodiscard]] platform::Result<QString> apfsVolumeName(const QString &file);
 
 /// Copies what lies on the APFS volumes in a file into an empty folder, with the extended attributes of

@@ -60,11 +60,11 @@ public:
 
     void damagedArchive(const WalkFile &file, const QString &reason) override
     {
-        if (file.place.isInArchive())
-            m_review.issues.append(
-                {u"warning"_s, pathOf(file.place), u"The archive cannot be read: %1."_s.arg(reason), {}, {}});
-        else
-            damage(reason);
+        if (!file.place.isInArchive())
+            return damage(reason);
+        const QString severity = isContainer(file) ? u"error"_s : u"warning"_s;
+        m_review.issues.append(
+            {severity, pathOf(file.place), u"The archive cannot be read: %1."_s.arg(reason), {}, {}});
     }
 
     void tooDeep(const WalkFile &file) override
@@ -116,6 +116,13 @@ private:
     QString pathOf(const WalkPlace &place) const
     {
         return place.path == "."_L1 ? m_archiveName : m_archiveName + u'/' + place.path;
+    }
+
+    /// What is made to be installed from, so that nobody may vouch for it unseen.
+    static bool isContainer(const WalkFile &file)
+    {
+        const ArchiveKind kind = archiveKind(file.beginning, file.place.file);
+        return kind == ArchiveKind::image || kind == ArchiveKind::package;
     }
 
     void checkLength(const WalkPlace &place)

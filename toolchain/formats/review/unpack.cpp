@@ -4,6 +4,7 @@
 #include "formats/imagevolume.h"
 #include "formats/review/packageunpacker.h"
 #include "formats/review/streamunpacker.h"
+#include "formats/sevenzip.h"
 #include "formats/udif/imagesignature.h"
 
 #include <algorithm>
@@ -38,11 +39,27 @@ bool isCompressed(QByteArrayView beginning)
                                 "7zXZ");
 }
 
-Result<void> unpackImage(const QString &path, const QString &folder)
+/// What an APFS container holds, as far as the budget goes.
+Result<void> unpackApfs(const ScratchFile &container, const QString &folder, UnpackBudget &budget)
 {
-    const ImageVolume image(path.toStdString());
+    const auto volume = sevenzip::apfsVolume(container.path());
+    if (!volume)
+        return volume.failure();
+    budget.entries -= volume->items;
+    budget.bytes = volume->size > budget.bytes ? -1 : budget.bytes - volume->size;
+    if (budget.entries < 0 || budget.bytes < 0)
+        return Error{u"unpacks to more than can be looked at"_s};
+    return sevenzip::extractApfs(container.path(), folder);
+}
+
+Result<void> unpackImage(const QString &path, const QString &folder, UnpackBudget &budget)
+{
+    ImageVolume image(path.toStdString());
     const Result<void> readable = image.outcome();
-    return readable ? copyVolume(image.volume(), folder.toStdString()) : readable;
+    if (readable)
+        return copyVolume(image.volume(), folder.toStdString());
+    const auto container = image.image().outcome() ? image.apfsContainer() : nullptr;
+    return container ? unpackApfs(*container, folder, budget) : readable;
 }
 
 } // namespace
@@ -70,7 +87,7 @@ Result<bool> mayHoldCode(const QString &archive, ArchiveKind kind, UnpackBudget 
 Result<void> unpack(const QString &archive, ArchiveKind kind, const QString &folder, UnpackBudget &budget)
 {
     if (kind == ArchiveKind::image)
-        return unpackImage(archive, folder);
+        return unpackImage(archive, folder, budget);
     if (kind == ArchiveKind::package)
         return unpackPackage(archive, folder, budget);
     return unpackStream(archive, kind, folder, budget);
