@@ -11,8 +11,10 @@
 #include <QJsonDocument>
 #include <QProcess>
 #include <QTemporaryDir>
+#include <QThread>
 #include <QUrl>
 
+#include <algorithm>
 #include <csignal>
 #include <memory>
 #include <vector>
@@ -127,37 +129,91 @@ private:
     ApiKey m_key;
 };
 
-/// What a person would do with curl: digest the file, announce it, send it. The announcement is the client's
-/// own.
-void uploadByCurl(const Service &service, const QString &archive)
+/// A submission that curl is to send the file of.
+UploadPlace placeForCurl(const Service &service, const QByteArray &digest)
 {
-    const QByteArray digest = outputOf(u"/usr/bin/openssl"_s, {u"dgst"_s, u"-sha256"_s, u"-r"_s, archive});
     NotaryApi api(service.config(), service.key());
-    const auto answer = api.submit(u"by curl.zip"_s, digest.left(64));
+    const auto answer = api.submit(u"by curl.zip"_s, digest);
     const auto *place = std::get_if<UploadPlace>(&answer);
     if (!place)
         qFatal("not announced");
+    return *place;
+}
+
+/// The words of a `curl -T` to that place, with the headers that prove it.
+QStringList curlTo(const Service &service, const UploadPlace &place, const QString &archive,
+                   const QByteArray &digest)
+{
     QString address = service.config().upload;
-    address.replace(u"{bucket}"_s, QString::fromUtf8(place->bucket))
-        .replace(u"{object}"_s, QString::fromUtf8(percentEncoded(place->object, Slash::kept)));
-    const QUrl url(address);
+    address.replace(u"{bucket}"_s, QString::fromUtf8(place.bucket))
+        .replace(u"{object}"_s, QString::fromUtf8(percentEncoded(place.object, Slash::kept)));
     const QByteArray date = amzDate(QDateTime::currentDateTimeUtc());
     const SignableRequest request{"PUT",
-                                  url.path(QUrl::FullyEncoded).replace(u':', u"%3A"_s).toUtf8(),
+                                  QUrl(address).path(QUrl::FullyEncoded).replace(u':', u"%3A"_s).toUtf8(),
                                   {},
                                   {{"host", hostAndPort(address).toUtf8()},
-                                   {"x-amz-content-sha256", digest.left(64)},
+                                   {"x-amz-content-sha256", digest},
                                    {"x-amz-date", date},
-                                   {"x-amz-security-token", place->credentials.sessionToken}},
-                                  digest.left(64)};
-    QStringList arguments{u"-fsS"_s, u"--http1.1"_s, u"--cacert"_s, service.config().ca, u"-T"_s, archive};
+                                   {"x-amz-security-token", place.credentials.sessionToken}},
+                                  digest};
+    QStringList words{u"-fsS"_s, u"--cacert"_s, service.config().ca, u"-T"_s, archive};
     for (const HttpHeader &header : request.headers.mid(1))
-        arguments << u"-H"_s << QString::fromUtf8(header.name + ": " + header.value);
-    arguments << u"-H"_s
-              << u"authorization: "_s
-            + QString::fromUtf8(
-                     awsAuthorization(request, date, service.config().region.toUtf8(), place->credentials));
-    outputOf(u"/usr/bin/curl"_s, arguments << address);
+        words << u"-H"_s << QString::fromUtf8(header.name + ": " + header.value);
+    const QByteArray proof =
+        awsAuthorization(request, date, service.config().region.toUtf8(), place.credentials);
+    return words << u"-H"_s << u"authorization: "_s + QString::fromUtf8(proof) << address;
+}
+
+/// Until the service has decided on a submission, so that no review goes on beside what is measured next.
+void awaitVerdict(const Service &service, const QString &id)
+{
+    NotaryApi api(service.config(), service.key());
+    for (;;) {
+        const auto answer = api.status(id);
+        const auto *found = std::get_if<std::optional<Submission>>(&answer);
+        if (!found || !*found)
+            qFatal("the service has lost a submission");
+        if ((*found)->status != u"In Progress"_s)
+            return;
+        QThread::msleep(100);
+    }
+}
+
+/// Nothing but the sending counts: the digest and the announcement are there before.
+double secondsOfCurl(const Service &service, const QString &archive, const QByteArray &digest)
+{
+    const UploadPlace place = placeForCurl(service, digest);
+    const QStringList words = curlTo(service, place, archive, digest);
+    const double time = measuring::seconds([&words] { outputOf(u"/usr/bin/curl"_s, words); });
+    awaitVerdict(service, place.id);
+    return time;
+}
+
+/// All that the client does counts: digest, announcement, parts.
+double secondsOfAltool(const Service &service, const QString &archive)
+{
+    QByteArray reply;
+    const double time =
+        measuring::seconds([&] { reply = outputOf(Service::altool(), Service::uploading(archive)); });
+    awaitVerdict(service, Service::idIn(reply));
+    return time;
+}
+
+/// The median of the one over that of the other, which take turns.
+double uploadRatio(const Service &service, const QString &archive)
+{
+    constexpr int rounds = 5;
+    const QByteArray digest =
+        outputOf(u"/usr/bin/openssl"_s, {u"dgst"_s, u"-sha256"_s, u"-r"_s, archive}).left(64);
+    std::vector<double> own;
+    std::vector<double> alternative;
+    for (int round = 0; round < rounds; ++round) {
+        own.push_back(secondsOfAltool(service, archive));
+        alternative.push_back(secondsOfCurl(service, archive, digest));
+    }
+    std::sort(own.begin(), own.end());
+    std::sort(alternative.begin(), alternative.end());
+    return own.at(rounds / 2) / alternative.at(rounds / 2);
 }
 
 /// The most memory that a program had, in MiB.
@@ -232,12 +288,10 @@ QList<Figure> uploads()
 {
     const Service service;
     const QString archive = service.makeArchive(u"1 GiB.zip"_s, 1LL << 30);
-    const double ratio = measuring::ratio(
-        3, [&archive] { outputOf(Service::altool(), Service::uploading(archive)); },
-        [&service, &archive] { uploadByCurl(service, archive); });
+    const double ratio = uploadRatio(service, archive);
     const QString large = service.makeArchive(u"5 GiB.zip"_s, 5LL << 30);
     const double memory = memoryOf(Service::altool(), Service::uploading(large));
-    return {{u"upload of 1 GiB, over openssl dgst and curl -T"_s, ratio, 1.1, {}},
+    return {{u"upload of 1 GiB, over curl -T"_s, ratio, 1.1, {}},
             {u"    memory of an upload of 5 GiB"_s, memory, 32, u"MiB"_s}};
 }
 
