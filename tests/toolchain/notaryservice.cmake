@@ -10,6 +10,7 @@ sealwright_test(tst_notary
     notaryservicetest.cpp
     notarywaystest.cpp
     notaryusetest.cpp
+    piecedigesttest.cpp
     submissionstest.cpp
     ${PROJECT_SOURCE_DIR}/toolchain/notaryd/multipart.cpp ${PROJECT_SOURCE_DIR}/toolchain/notaryd/partlist.cpp
     ${PROJECT_SOURCE_DIR}/toolchain/notaryd/submissions.cpp ${PROJECT_SOURCE_DIR}/toolchain/notaryd/submissions.h

@@ -20,6 +20,9 @@ constexpr qint64 largestHeaders = 256 * 1024;
 constexpr long connectSeconds = 20;
 constexpr qint64 leastInvitationSeconds = 10; // for the service to ask for the body, or to refuse it
 constexpr long uploadBuffer = 512 * 1024;
+// Those of RFC 8446; the first takes a sixth less time than the second, on both sides.
+constexpr const char *cheapestFirst =
+    "TLS_AES_128_GCM_SHA256:TLS_AES_256_GCM_SHA384:TLS_CHACHA20_POLY1305_SHA256";
 
 /// One request under way; what the callbacks of libcurl work on.
 struct Exchange {
@@ -221,6 +224,7 @@ private:
         curl_easy_setopt(m_curl, CURLOPT_PATH_AS_IS, 1L);
         curl_easy_setopt(m_curl, CURLOPT_HTTP_VERSION, long(CURL_HTTP_VERSION_1_1));
         curl_easy_setopt(m_curl, CURLOPT_SSLVERSION, long(CURL_SSLVERSION_TLSv1_2));
+        curl_easy_setopt(m_curl, CURLOPT_TLS13_CIPHERS, cheapestFirst);
         curl_easy_setopt(m_curl, CURLOPT_USERAGENT, "sealwright-altool");
         trust(m_curl, m_config.ca);
         if (!m_config.proxy.isEmpty())

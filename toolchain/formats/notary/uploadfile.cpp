@@ -1,9 +1,8 @@
+#include "formats/notary/piecedigest.h"
 #include "formats/notary/upload.h"
 
 #include <QFile>
 #include <QFileInfo>
-
-#include <openssl/evp.h>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -13,7 +12,6 @@
 #include <cerrno>
 #include <cstring>
 #include <future>
-#include <memory>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -26,10 +24,9 @@ namespace toolchain::notary {
 namespace {
 
 constexpr qint64 largestSingleRequest = 128LL << 20;
-constexpr qint64 leastPart = 64LL << 20;
+constexpr qint64 leastPart = 32LL << 20; // small, since the last one goes over one connection alone
 constexpr qint64 mostParts = 9'000; // the storage takes 10,000
 constexpr qint64 wholeMebibyte = 1LL << 20;
-constexpr size_t blockSize = 1 << 20;
 
 qint64 partSizeFor(qint64 size)
 {
@@ -37,29 +34,6 @@ qint64 partSizeFor(qint64 size)
         return size;
     const qint64 needed = (size + mostParts - 1) / mostParts;
     return std::max(leastPart, (needed + wholeMebibyte - 1) / wholeMebibyte * wholeMebibyte);
-}
-
-using Context = std::unique_ptr<EVP_MD_CTX, void (*)(EVP_MD_CTX *)>;
-
-/// The SHA-256 of a stretch of the file in hexadecimal digits. The error does not name the file.
-Result<QByteArray> sha256Of(const FilePiece &piece)
-{
-    const Context context(EVP_MD_CTX_new(), EVP_MD_CTX_free);
-    EVP_DigestInit_ex(context.get(), EVP_sha256(), nullptr);
-    QByteArray block(qsizetype(blockSize), Qt::Uninitialized);
-    for (qint64 done = 0; done < piece.length;) {
-        const auto wanted = std::min<size_t>(blockSize, size_t(piece.length - done));
-        const ssize_t length = pread(piece.descriptor, block.data(), wanted, off_t(piece.offset + done));
-        if (length == 0)
-            return Error{u"it became shorter while it was being read"_s};
-        if (length < 0)
-            return Error{QString::fromLocal8Bit(std::strerror(errno))};
-        EVP_DigestUpdate(context.get(), block.constData(), size_t(length));
-        done += length;
-    }
-    QByteArray digest(32, '\0');
-    EVP_DigestFinal_ex(context.get(), reinterpret_cast<unsigned char *>(digest.data()), nullptr);
-    return digest.toHex();
 }
 
 qint64 changeTime(const struct stat &facts)
