@@ -1305,28 +1305,23 @@ In das ausgewählte Feld gehört der Name des anwendungsspezifischen Passworts.<
         <translation>Lösch&amp;en</translation>
     </message>
     <message>
-        <source>State of the keychain</source>
-        <translation>Zustand des Schlüsselbunds</translation>
-    </message>
-    <message>
-        <source>&amp;Passphrase</source>
-        <translation>&amp;Kennwort</translation>
-    </message>
-    <message>
-        <source>&amp;Unlock</source>
-        <translation>&amp;Entsperren</translation>
-    </message>
-    <message>
-        <source>L&amp;ock</source>
-        <translation>S&amp;perren</translation>
-    </message>
-    <message>
-        <source>&amp;Set as New Passphrase</source>
-        <translation>Als &amp;neues Kennwort setzen</translation>
-    </message>
-    <message>
         <source>Done.</source>
         <translation>Erledigt.</translation>
+    </message>
+</context>
+<context>
+    <name>sealwright::LockedBanner</name>
+    <message>
+        <source>Keychain</source>
+        <translation>Schlüsselbund</translation>
+    </message>
+    <message>
+        <source>The keychain is locked: nothing can be signed or submitted.</source>
+        <translation>Der Schlüsselbund ist gesperrt: Nichts kann signiert oder eingereicht werden.</translation>
+    </message>
+    <message>
+        <source>Unlock…</source>
+        <translation>Entsperren …</translation>
     </message>
 </context>
 <context>
@@ -1637,6 +1632,29 @@ In das ausgewählte Feld gehört der Name des anwendungsspezifischen Passworts.<
     </message>
 </context>
 <context>
+    <name>sealwright::PassphraseForm</name>
+    <message>
+        <source>New &amp;passphrase</source>
+        <translation>Neue &amp;Passphrase</translation>
+    </message>
+    <message>
+        <source>Once &amp;more</source>
+        <translation>Noch &amp;einmal</translation>
+    </message>
+    <message>
+        <source>&amp;Set Passphrase</source>
+        <translation>Passphrase &amp;festlegen</translation>
+    </message>
+    <message>
+        <source>Enter a passphrase. Nobody can open the keychain without it.</source>
+        <translation>Geben Sie eine Passphrase ein. Ohne sie kann niemand den Schlüsselbund öffnen.</translation>
+    </message>
+    <message>
+        <source>The two are not the same yet.</source>
+        <translation>Die beiden sind noch nicht gleich.</translation>
+    </message>
+</context>
+<context>
     <name>sealwright::PasswordForm</name>
     <message>
         <source>&amp;Apple ID</source>
@@ -1905,6 +1923,41 @@ In das ausgewählte Feld gehört der Name des anwendungsspezifischen Passworts.<
     <message>
         <source>Such waits took %1 to %2 minutes lately.</source>
         <translation>Zuletzt dauerte das %1 bis %2 Minuten.</translation>
+    </message>
+</context>
+<context>
+    <name>sealwright::ProtectionPage</name>
+    <message>
+        <source>The keychain is locked. Nothing can be signed or submitted before it is unlocked.</source>
+        <translation>Der Schlüsselbund ist gesperrt. Bevor er entsperrt ist, kann nichts signiert oder eingereicht werden.</translation>
+    </message>
+    <message>
+        <source>The keys lie unprotected: whoever can read your files can use them. A passphrase or the desktop&apos;s keyring protects them.</source>
+        <translation>Die Schlüssel liegen ungeschützt: Wer Ihre Dateien lesen kann, kann sie benutzen. Eine Passphrase oder der Schlüsselbund der Arbeitsumgebung schützt sie.</translation>
+    </message>
+    <message>
+        <source>The keys lie under a passphrase. The keychain is open until you lock it or log out.</source>
+        <translation>Die Schlüssel liegen unter einer Passphrase. Der Schlüsselbund ist offen, bis Sie ihn sperren oder sich abmelden.</translation>
+    </message>
+    <message>
+        <source>The keys lie under the desktop&apos;s keyring, and are open while that is.</source>
+        <translation>Die Schlüssel liegen unter dem Schlüsselbund der Arbeitsumgebung und sind offen, solange er es ist.</translation>
+    </message>
+    <message>
+        <source>State of the keychain</source>
+        <translation>Zustand des Schlüsselbunds</translation>
+    </message>
+    <message>
+        <source>L&amp;ock</source>
+        <translation>&amp;Sperren</translation>
+    </message>
+    <message>
+        <source>Use the Desktop&apos;s &amp;Keyring</source>
+        <translation>&amp;Schlüsselbund der Arbeitsumgebung benutzen</translation>
+    </message>
+    <message>
+        <source>&amp;Do Without the Keyring</source>
+        <translation>&amp;Ohne ihn auskommen</translation>
     </message>
 </context>
 <context>
@@ -2346,6 +2399,21 @@ In das ausgewählte Feld gehört der Name des anwendungsspezifischen Passworts.<
     <message>
         <source>Choose the folder of tools</source>
         <translation>Ordner der Werkzeuge auswählen</translation>
+    </message>
+</context>
+<context>
+    <name>sealwright::UnlockForm</name>
+    <message>
+        <source>&amp;Passphrase</source>
+        <translation>&amp;Passphrase</translation>
+    </message>
+    <message>
+        <source>&amp;Unlock</source>
+        <translation>&amp;Entsperren</translation>
+    </message>
+    <message>
+        <source>Enter the passphrase.</source>
+        <translation>Geben Sie die Passphrase ein.</translation>
     </message>
 </context>
 <context>

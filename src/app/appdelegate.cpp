@@ -1,6 +1,7 @@
 #include "app/appdelegate.h"
 
 #include "about/aboutcontroller.h"
+#include "app/keychaintools.h"
 #include "app/logging.h"
 #include "app/preferencekeys.h"
 #include "document/documentcommands.h"
@@ -83,6 +84,7 @@ void AppDelegate::applicationDidFinishLaunching()
     m_host.distributedNotifications.addObserver(
         *this, configurationsChanged, [this] { dropDMGConfigChange(); }, platform::Repeats::areMerged);
     lookForWaits();
+    lookAtKeychain();
 }
 
 bool AppDelegate::findAltool()
@@ -193,6 +195,17 @@ void AppDelegate::goOnWaiting()
     unattendedWaits.set({});
     for (const WaitRecord &wait : openWaits())
         addedDocument()->commands().resume.goOnByPerson(wait);
+}
+
+void AppDelegate::lookAtKeychain()
+{
+    if (keychainProgram().isEmpty() || identities().contains(noIdentitiesPlaceholder))
+        return;
+    KeychainTools(m_host, keychainProgram())
+        .run(keychain::status(), *this, [this](const KeychainTools::Answer &answer) {
+            const auto state = keychain::stateIn(answer.valueOr({}));
+            isKeychainLocked.set(state && state->isLocked);
+        });
 }
 
 // Documents

@@ -114,6 +114,7 @@ public:
     QString examineProgram() const override { return m_configuration.examineProgram; }
     QString fileTool() const override { return m_configuration.fileTool; }
     QString keychainProgram() const override { return m_configuration.keychainProgram; }
+    void lookAtKeychain() override;
     QString profilesFolder() const override { return m_configuration.profilesFolder; }
     NSApplicationScripting &scripting() const { return *m_scripting; }
     ScriptFailure scriptFailure(const QString &title, const QString &text,

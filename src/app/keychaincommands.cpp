@@ -94,6 +94,24 @@ Command setPassphrase(const QString &passphrase)
     return {sealwrightKeychain, {u"set-passphrase"_s, u"--passphrase-file"_s, u"-"_s}, line(passphrase)};
 }
 
+Command useStore(Protection protection)
+{
+    const QString store = protection == Protection::secretService ? u"secret-service"_s : u"file"_s;
+    return {sealwrightKeychain, {u"use-store"_s, store}};
+}
+
+std::optional<State> stateIn(const QString &status)
+{
+    const bool isLocked = status.contains(u"state: locked"_s);
+    if (status.contains(u"store: secret-service"_s))
+        return State{Protection::secretService, isLocked};
+    if (status.contains(u"store: file, under a passphrase"_s))
+        return State{Protection::passphrase, isLocked};
+    if (status.contains(u"store: file"_s))
+        return State{Protection::folderAlone, isLocked};
+    return std::nullopt;
+}
+
 Command useNotary(const QString &service)
 {
     return {sealwrightKeychain, {u"use-notary"_s, service}};

@@ -6,6 +6,8 @@
 #include <QList>
 #include <QStringList>
 
+#include <optional>
+
 namespace sealwright {
 
 /// What the programs of the keychain are told and what they answer, as values. A secret is never an argument:
@@ -46,6 +48,19 @@ struct ApiKey {
 [[nodiscard]] Command lock();
 [[nodiscard]] Command unlock(const QString &passphrase);
 [[nodiscard]] Command setPassphrase(const QString &passphrase);
+
+/// What the private keys and passwords lie under.
+enum class Protection { folderAlone, passphrase, secretService };
+/// The desktop's Secret Service, or else a file: under the passphrase that it has, or under none.
+[[nodiscard]] Command useStore(Protection protection);
+
+struct State {
+    Protection protection = Protection::folderAlone;
+    bool isLocked = false;
+    bool operator==(const State &) const = default;
+};
+/// Of what `status` printed; nothing where it does not say.
+[[nodiscard]] std::optional<State> stateIn(const QString &status);
 
 /// "apple", "local" or an address.
 [[nodiscard]] Command useNotary(const QString &service);

@@ -89,6 +89,8 @@ Ending runDesktopApplication()
     ScriptingBus bus(delegate);
     const LauncherEntry launcher(delegate, QDBusConnection::sessionBus());
     const EndingNotices notices(delegate);
+    QObject::connect(qApp, &QGuiApplication::applicationStateChanged, &delegate,
+                     &AppDelegate::lookAtKeychain); // others lock and unlock it meanwhile
     if (QGuiApplication::platformName() != "offscreen"_L1)
         new platform::FileChooserPortal(QDBusConnection::sessionBus(), qApp); // the windows look for it there
     host.application().setPendingOpens([&bus] { bus.takeArrivedCalls(); });

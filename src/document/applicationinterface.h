@@ -54,6 +54,9 @@ public:
     /// Empty once a person has said what is to become of them.
     ObservableProperty<QStringList> unattendedWaits;
 
+    /// Whether the keychain was locked when it was last looked at.
+    ObservableProperty<bool> isKeychainLocked;
+
     /// The shared runners of a notary tool of major version 3 or less. Any thread may read.
     Property<SLWTaskMasterPtr> taskMaster;
     Property<SLWTaskMasterPtr> uploadTaskMaster;
@@ -67,6 +70,9 @@ public:
     virtual QString fileTool() const = 0;
     /// Path of the program that manages the keychain; empty where the host has a keychain of its own.
     virtual QString keychainProgram() const = 0;
+    /// Asks that program whether the keychain is locked, and returns at once. Does nothing without one, nor
+    /// where there is nothing to sign with.
+    virtual void lookAtKeychain() = 0;
     /// Path of the folder that keeps the profiles.
     virtual QString profilesFolder() const = 0;
 

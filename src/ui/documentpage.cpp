@@ -11,6 +11,7 @@
 #include "ui/dropoverlay.h"
 #include "ui/itemheader.h"
 #include "ui/itemlook.h"
+#include "ui/lockedbanner.h"
 #include "ui/logpane.h"
 #include "ui/logview.h"
 #include "ui/outcomebanner.h"
@@ -70,6 +71,8 @@ DocumentPage::DocumentPage(MainWinController &document)
     auto *const rows = new QVBoxLayout(this);
     rows->addWidget(m_header);
     rows->addWidget(m_setupBanner);
+    auto *const locked = new LockedBanner(document, this);
+    rows->addWidget(locked);
     rows->addWidget(m_banner);
     rows->addWidget(new WaitingBanner(document, this));
     rows->addWidget(makeParts(), 1);
@@ -78,7 +81,7 @@ DocumentPage::DocumentPage(MainWinController &document)
     setStatusWord(document.statusString());
     connect(&document.stepList, &Observable::changed, this, &DocumentPage::progressed); // after the banner
     findChild<QWidget *>(u"appleIDField"_s)->setFocus();
-    m_banners = {m_setupBanner, m_banner, findChild<WaitingBanner *>()};
+    m_banners = {m_setupBanner, locked, m_banner, findChild<WaitingBanner *>()};
     for (QWidget *const banner : m_banners)
         banner->installEventFilter(this);
     makeRoomForBanners();

@@ -47,6 +47,7 @@ QLineEdit *KeychainForm::addSecret(const Field &field)
 {
     QLineEdit *const edit = addField(field);
     edit->setEchoMode(QLineEdit::Password);
+    m_secrets.append(edit);
     return edit;
 }
 
@@ -112,11 +113,19 @@ void KeychainForm::press()
 void KeychainForm::finish(const KeychainTools::Answer &answer)
 {
     m_isAtWork = false;
+    if (answer)
+        forgetSecrets();
     m_button->setEnabled(lacks().isEmpty());
     if (!answer)
         return tellFailure(answer.error());
     tellSuccess(tr("Done."));
     Q_EMIT added();
+}
+
+void KeychainForm::forgetSecrets()
+{
+    for (QLineEdit *const secret : m_secrets)
+        secret->clear();
 }
 
 void KeychainForm::tellFailure(const QString &text)

@@ -31,7 +31,7 @@ protected:
         QString toolTip = {};
     };
     QLineEdit *addField(const Field &field);
-    /// A field whose text is not shown.
+    /// A field whose text is not shown, and is forgotten once the keychain has taken it.
     QLineEdit *addSecret(const Field &field);
     /// A field for the path of a file, with a panel to choose it in. `filter` as QFileDialog has it.
     QLineEdit *addFile(const Field &field, const QString &filter);
@@ -50,11 +50,13 @@ private:
     void press();
     void finish(const KeychainTools::Answer &answer);
     void chooseFile(QLineEdit &field, const QString &filter);
+    void forgetSecrets();
 
     const KeychainTools m_keychain;
     QFormLayout *const m_rows;
     QLabel *const m_state;
     QPushButton *m_button = nullptr;
+    QList<QLineEdit *> m_secrets;
     bool m_isAtWork = false;
 };
 

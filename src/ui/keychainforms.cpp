@@ -113,6 +113,45 @@ QList<keychain::Command> ImportForm::commands() const
     return {keychain::importFile(textOf(m_file), m_passphrase->text())};
 }
 
+// What protects them
+
+UnlockForm::UnlockForm(KeychainTools keychain, QWidget *parent)
+    : KeychainForm(std::move(keychain), parent)
+    , m_passphrase(addSecret({u"unlockPassphrase"_s, tr("&Passphrase"), {}}))
+{
+    addButton(u"unlockButton"_s, tr("&Unlock")).setDefault(true); // nothing else can be done
+}
+
+QString UnlockForm::lacks() const
+{
+    return m_passphrase->text().isEmpty() ? tr("Enter the passphrase.") : QString();
+}
+
+QList<keychain::Command> UnlockForm::commands() const
+{
+    return {keychain::unlock(m_passphrase->text())};
+}
+
+PassphraseForm::PassphraseForm(KeychainTools keychain, QWidget *parent)
+    : KeychainForm(std::move(keychain), parent)
+    , m_passphrase(addSecret({u"newPassphrase"_s, tr("New &passphrase"), {}}))
+    , m_again(addSecret({u"newPassphraseAgain"_s, tr("Once &more"), {}}))
+{
+    addButton(u"passphraseButton"_s, tr("&Set Passphrase"));
+}
+
+QString PassphraseForm::lacks() const
+{
+    if (m_passphrase->text().isEmpty())
+        return tr("Enter a passphrase. Nobody can open the keychain without it.");
+    return m_passphrase->text() == m_again->text() ? QString() : tr("The two are not the same yet.");
+}
+
+QList<keychain::Command> PassphraseForm::commands() const
+{
+    return {keychain::setPassphrase(m_passphrase->text())};
+}
+
 // A key
 
 ApiKeyForm::ApiKeyForm(KeychainTools keychain, QWidget *parent)

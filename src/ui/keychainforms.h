@@ -45,6 +45,37 @@ private:
     QLineEdit *const m_passphrase;
 };
 
+/// Opens a keychain that a passphrase protects.
+class UnlockForm : public KeychainForm {
+    Q_OBJECT
+
+public:
+    explicit UnlockForm(KeychainTools keychain, QWidget *parent = nullptr);
+
+protected:
+    QString lacks() const override;
+    QList<keychain::Command> commands() const override;
+
+private:
+    QLineEdit *const m_passphrase;
+};
+
+/// Protects the keychain by a passphrase, which has to be typed twice: nobody opens it without.
+class PassphraseForm : public KeychainForm {
+    Q_OBJECT
+
+public:
+    explicit PassphraseForm(KeychainTools keychain, QWidget *parent = nullptr);
+
+protected:
+    QString lacks() const override;
+    QList<keychain::Command> commands() const override;
+
+private:
+    QLineEdit *const m_passphrase;
+    QLineEdit *const m_again;
+};
+
 /// What a document is told of credentials: who, and which item of the keychain.
 class CredentialForm : public KeychainForm {
     Q_OBJECT

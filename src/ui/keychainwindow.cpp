@@ -1,8 +1,10 @@
 #include "ui/keychainwindow.h"
 
+#include "document/applicationinterface.h"
 #include "platform/applicationhost.h"
 #include "ui/keychainforms.h"
 #include "ui/named.h"
+#include "ui/protectionpage.h"
 #include "ui/settingrows.h"
 #include "ui/statetext.h"
 #include "ui/toplevel.h"
@@ -26,18 +28,21 @@ constexpr int leastRows = 4; // of the list
 
 } // namespace
 
-void KeychainWindow::present(const platform::Host &host, const QString &program)
+void KeychainWindow::present(ApplicationInterface &application, Page page)
 {
-    QWidget *window = nullptr;
+    KeychainWindow *window = nullptr;
     for (QWidget *const top : QApplication::topLevelWidgets()) {
-        if (qobject_cast<KeychainWindow *>(top))
-            window = top;
+        if (auto *const open = qobject_cast<KeychainWindow *>(top))
+            window = open;
     }
     if (!window) {
-        window = new KeychainWindow(host, program);
+        window = new KeychainWindow(application.host(), application.keychainProgram());
         window->setAttribute(Qt::WA_DeleteOnClose);
+        connect(window, &KeychainWindow::protectionChanged, &application,
+                &ApplicationInterface::lookAtKeychain);
         toplevel::placeOver(*window, QApplication::activeWindow());
     }
+    window->m_pages->setCurrentIndex(int(page));
     toplevel::bringToFront(*window);
     window->activateWindow();
 }
@@ -52,7 +57,10 @@ KeychainWindow::KeychainWindow(const platform::Host &host, const QString &progra
     m_pages->setDocumentMode(true);
     m_pages->addTab(makeIdentities(), tr("Identities"));
     m_pages->addTab(makePasswords(), tr("Keys and Passwords"));
-    m_pages->addTab(makeProtection(), tr("Protection"));
+    auto *const protection = new ProtectionPage(m_keychain, m_pages);
+    connect(protection, &ProtectionPage::answered, this, &KeychainWindow::tell);
+    connect(protection, &ProtectionPage::changed, this, &KeychainWindow::protectionChanged);
+    m_pages->addTab(protection, tr("Protection"));
     m_answer->setObjectName(u"keychainAnswer"_s);
     m_answer->setTextFormat(Qt::PlainText);
     m_answer->setWordWrap(true);
@@ -71,7 +79,6 @@ KeychainWindow::KeychainWindow(const platform::Host &host, const QString &progra
     toplevel::closeByKeys(*this);
     resize(firstSize);
     listIdentities();
-    showStatus();
 }
 
 // Identities
@@ -160,46 +167,6 @@ QWidget *KeychainWindow::makeLookup(QWidget *parent)
         change(keychain::deletePassword(m_item->text()), [this] { m_item->clear(); });
     }));
     return line;
-}
-
-// Protection
-
-QWidget *KeychainWindow::makeProtection()
-{
-    auto *const page = new QWidget(m_pages);
-    m_status = named(new QLabel(page), u"keychainStatus"_s, tr("State of the keychain"));
-    m_status->setTextFormat(Qt::PlainText);
-    m_status->setWordWrap(true);
-    m_passphrase = new QLineEdit(page);
-    m_passphrase->setObjectName(u"keychainPassphrase"_s);
-    m_passphrase->setEchoMode(QLineEdit::Password);
-    auto *const field = new QHBoxLayout;
-    field->addWidget(settingrows::makeCaption(page, tr("&Passphrase"), *m_passphrase));
-    field->addWidget(m_passphrase, 1);
-    auto *const buttons = new QHBoxLayout;
-    const auto add = [this, page, buttons](const QString &name, const QString &title, auto command) {
-        buttons->addWidget(makeButton(page, name, title, [this, command] {
-            change(command(m_passphrase->text()), [this] { showStatus(); });
-            m_passphrase->clear();
-        }));
-    };
-    buttons->addStretch(1);
-    add(u"keychainUnlock"_s, tr("&Unlock"), &keychain::unlock);
-    add(u"keychainLock"_s, tr("L&ock"), [](const QString &) { return keychain::lock(); });
-    add(u"keychainSetPassphrase"_s, tr("&Set as New Passphrase"), &keychain::setPassphrase);
-    auto *const rows = new QVBoxLayout(page);
-    rows->addWidget(m_status);
-    rows->addLayout(field);
-    rows->addLayout(buttons);
-    rows->addStretch(1);
-    return page;
-}
-
-void KeychainWindow::showStatus()
-{
-    m_keychain.run(keychain::status(), *this, [this](const KeychainTools::Answer &answer) {
-        m_status->setText(answer ? answer->trimmed() : answer.error());
-    });
 }
 
 // What all of them use

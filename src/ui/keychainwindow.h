@@ -14,7 +14,7 @@ class QTabWidget;
 
 namespace sealwright {
 
-class MainWinController;
+class ApplicationInterface;
 
 /// Manages what the tools sign and upload with: identities, keys and passwords, and what protects them. What
 /// is told here comes from the programs of the keychain. Escape closes it. Main thread.
@@ -24,19 +24,22 @@ class KeychainWindow : public QWidget {
 public:
     KeychainWindow(const platform::Host &host, const QString &program);
 
-    /// Brings the one window to the front, made anew if none is open.
-    static void present(const platform::Host &host, const QString &program);
+    enum class Page { identities, passwords, protection };
+    /// Brings the one window to the front with that page, made anew if none is open.
+    static void present(ApplicationInterface &application, Page page = Page::identities);
+
+Q_SIGNALS:
+    /// Something else protects the keychain now, or it has been locked or unlocked.
+    void protectionChanged();
 
 private:
     QWidget *makeIdentities();
     QWidget *makePasswords();
     QWidget *makeLookup(QWidget *parent);
-    QWidget *makeProtection();
     QPushButton *makeButton(QWidget *parent, const QString &name, const QString &title,
                             std::function<void()> press);
     void listIdentities();
     void deleteIdentity();
-    void showStatus();
     void change(const keychain::Command &command, std::function<void()> then);
     void tell(const KeychainTools::Answer &answer);
 
@@ -45,9 +48,7 @@ private:
     QTabWidget *const m_pages;
     QListWidget *m_identities = nullptr;
     QPushButton *m_delete = nullptr;
-    QLabel *m_status = nullptr;
     QLineEdit *m_item = nullptr;
-    QLineEdit *m_passphrase = nullptr;
     QLabel *const m_answer;
 };
 

@@ -202,9 +202,8 @@ void MainMenu::addKeychainItems(QMenu &account)
         if (!m_frame.selected().hasSheet())
             m_frame.selected().beginSetup(SetupRoad::practice);
     });
-    QAction *const keychain = addItem(account, tr("&Keychain…"), {}, [this] {
-        KeychainWindow::present(document().host(), document().appDelegate().keychainProgram());
-    });
+    QAction *const keychain =
+        addItem(account, tr("&Keychain…"), {}, [this] { KeychainWindow::present(document().appDelegate()); });
     setUp->setIcon(icons::of(Command::setUp));
     keychain->setIcon(icons::of(Command::keychain));
     connect(&account, &QMenu::aboutToShow, this, [this, separator, setUp, keychain] {

@@ -57,6 +57,21 @@ TEST(KeychainCommands, nameOnlyWhatIsKnownOfAKey)
                            u"/keys/key.p8"_s}));
 }
 
+TEST(KeychainCommands, readFromAStatusWhatProtectsTheKeysAndWhetherTheyAreLocked)
+{
+    using keychain::Protection;
+    using keychain::State;
+    EXPECT_EQ(keychain::stateIn(u"store: file, under a random key that lies beside it\nstate: unlocked\n"_s),
+              (State{Protection::folderAlone, false}));
+    EXPECT_EQ(keychain::stateIn(u"store: file, under a passphrase\nstate: locked\n"_s),
+              (State{Protection::passphrase, true}));
+    EXPECT_EQ(keychain::stateIn(u"store: secret-service\nstate: unlocked\n"_s),
+              (State{Protection::secretService, false}));
+    EXPECT_EQ(keychain::stateIn(u"state: locked\n"_s), std::nullopt);
+    EXPECT_EQ(keychain::useStore(Protection::secretService).arguments,
+              (QStringList{u"use-store"_s, u"secret-service"_s}));
+}
+
 TEST(KeychainCommands, readTheLinesOfAListing)
 {
     const QList<keychain::Identity> found = keychain::identitiesIn(

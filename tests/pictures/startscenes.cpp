@@ -74,10 +74,26 @@ void keychainPages()
     }
 }
 
+void lockedKeychain()
+{
+    Scene scene;
+    scene.host.tools.add(program);
+    scene.host.tools.answer(u"sealwright-keychain"_s,
+                            {.output = "store: file, under a passphrase\nstate: locked\n"});
+    scene.host.application().lookAtKeychain();
+    scene.draw(u"locked.png"_s);
+    KeychainWindow window(scene.host.host(), program);
+    window.show();
+    window.findChild<QTabWidget *>(u"keychainPages"_s)
+        ->setCurrentIndex(int(KeychainWindow::Page::protection));
+    scene.settle();
+    Scene::draw(window, u"keychain-locked.png"_s);
+}
+
 } // namespace
 
 void scenes::ofFirstSteps()
 {
-    for (const auto &scene : {practice, developerID, keychainPages})
+    for (const auto &scene : {practice, developerID, keychainPages, lockedKeychain})
         scene();
 }

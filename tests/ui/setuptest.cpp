@@ -3,6 +3,7 @@
 #include "app/preferencekeys.h"
 #include "ui/keychainforms.h"
 #include "ui/keychainwindow.h"
+#include "ui/protectionpage.h"
 #include "ui/setupdialog.h"
 
 #include "windowtest.h"
@@ -20,6 +21,8 @@ namespace {
 
 const QString program = u"/usr/bin/sealwright-keychain"_s;
 const QString tool = u"sealwright-keychain"_s;
+const QByteArray locked = "store: file, under a passphrase\nstate: locked\n";
+const QByteArray unlocked = "store: file, under a passphrase\nstate: unlocked\n";
 
 /// Made before the application is launched.
 class NothingYet {
@@ -210,6 +213,14 @@ protected:
         host.settle();
     }
 
+    /// The window as it is after something has changed, with that status.
+    void lookAgain(const QByteArray &status)
+    {
+        host.tools.answer(tool, {.output = status});
+        Q_EMIT part<ProtectionPage>(u"keychainProtection"_s).changed();
+        host.settle();
+    }
+
     TestHost host;
     std::unique_ptr<KeychainWindow> window;
 };
@@ -231,18 +242,54 @@ TEST_F(ManagedKeychain, listsTheIdentitiesAndDeletesTheSelectedOne)
     EXPECT_EQ(list.count(), 0);
 }
 
-TEST_F(ManagedKeychain, handsAPassphraseOverUnseenAndForgetsIt)
+TEST_F(ManagedKeychain, tellsInWordsWhatProtectsItAndOffersOnlyWhatHelps)
 {
-    EXPECT_EQ(part<QLabel>(u"keychainStatus"_s).text(), u"state: unlocked"_s);
+    const auto status = [this] { return part<QLabel>(u"keychainStatus"_s).text(); };
+    const auto shown = [this](const QString &name) { return !part<QWidget>(name).isHidden(); };
+    EXPECT_EQ(status(), u"state: unlocked"_s) << "what is not understood stays as it is";
+    lookAgain("store: file, under a random key that lies beside it\nstate: unlocked\n");
+    EXPECT_TRUE(status().startsWith(u"The keys lie unprotected"_s));
+    EXPECT_TRUE(shown(u"keychainUseKeyring"_s) && !shown(u"keychainUseFile"_s) && !shown(u"keychainLock"_s));
+    lookAgain(unlocked);
+    EXPECT_TRUE(status().startsWith(u"The keys lie under a passphrase."_s));
+    EXPECT_TRUE(shown(u"keychainLock"_s) && shown(u"keychainNewPassphrase"_s));
+    lookAgain(locked);
+    EXPECT_TRUE(status().startsWith(u"The keychain is locked."_s));
+    EXPECT_TRUE(shown(u"keychainUnlock"_s) && !shown(u"keychainNewPassphrase"_s));
+    lookAgain("store: secret-service\nstate: unlocked\n");
+    EXPECT_TRUE(shown(u"keychainUseFile"_s) && !shown(u"keychainUseKeyring"_s));
+    host.tools.forgetCalls();
+    press(u"keychainUseFile"_s);
+    EXPECT_EQ(host.tools.callsOf(tool), (QList<QStringList>{{u"use-store"_s, u"file"_s}, {u"status"_s}}));
+}
+
+TEST_F(ManagedKeychain, takesANewPassphraseThatIsTypedTwiceAndForgetsIt)
+{
+    auto &first = part<QLineEdit>(u"newPassphrase"_s);
+    auto &again = part<QLineEdit>(u"newPassphraseAgain"_s);
+    EXPECT_EQ(first.echoMode(), QLineEdit::Password);
+    EXPECT_EQ(again.echoMode(), QLineEdit::Password);
+    first.setText(u"s3cret"_s);
+    again.setText(u"s3cert"_s);
+    EXPECT_FALSE(part<QPushButton>(u"passphraseButton"_s).isEnabled());
+    EXPECT_EQ(part<QLabel>(u"passphraseButtonState"_s).text(), u"The two are not the same yet."_s);
+    again.setText(u"s3cret"_s);
     const int run = int(host.tools.callsOf(tool).size()) + 1;
     host.tools.answerRun(tool, run, {.output = "the passphrase is set\n", .readsInput = true});
-    auto &field = part<QLineEdit>(u"keychainPassphrase"_s);
-    EXPECT_EQ(field.echoMode(), QLineEdit::Password);
-    field.setText(u"s3cret"_s);
-    press(u"keychainSetPassphrase"_s);
+    press(u"passphraseButton"_s);
     EXPECT_EQ(host.tools.inputOf(tool), "s3cret\n");
-    EXPECT_EQ(part<QLabel>(u"keychainAnswer"_s).text(), u"the passphrase is set"_s);
-    EXPECT_EQ(field.text(), QString());
+    EXPECT_EQ(part<QLabel>(u"passphraseButtonState"_s).text(), u"Done."_s);
+    EXPECT_EQ(first.text() + again.text(), QString());
+}
+
+TEST_F(ManagedKeychain, keepsAPassphraseThatDidNotUnlockItAndSaysWhy)
+{
+    lookAgain(locked);
+    part<QLineEdit>(u"unlockPassphrase"_s).setText(u"wrong"_s);
+    host.tools.answer(tool, {.status = 1, .error = "sealwright-keychain: the passphrase is wrong\n"});
+    press(u"unlockButton"_s);
+    EXPECT_EQ(part<QLabel>(u"unlockButtonState"_s).text(), u"the passphrase is wrong"_s);
+    EXPECT_EQ(part<QLineEdit>(u"unlockPassphrase"_s).text(), u"wrong"_s);
 }
 
 TEST_F(ManagedKeychain, tellsOfAnItemByItsName)
@@ -259,4 +306,69 @@ TEST_F(ManagedKeychain, startsAnewWhenItIsTold)
 {
     press(u"keychainStartAnew"_s);
     EXPECT_TRUE(host.applicationHost.isRelaunched);
+}
+
+// Locked
+
+namespace {
+
+class LockedKeychain : public Setup {
+protected:
+    void launchWith(const QByteArray &status)
+    {
+        host.configuration.keychainProgram = program;
+        host.takeConfiguration();
+        host.tools.add(program);
+        host.tools.answer(u"security"_s, identities(u"Example (A1B2C3D4E5)"_s));
+        host.tools.answer(tool, {.output = status});
+        host.launch();
+        host.settle();
+    }
+    bool isTold() { return part<QWidget>(u"lockedBanner"_s).isVisible(); }
+    static KeychainWindow *openWindow()
+    {
+        for (QWidget *const top : QApplication::topLevelWidgets()) {
+            if (auto *const open = qobject_cast<KeychainWindow *>(top))
+                return open;
+        }
+        return nullptr;
+    }
+};
+
+} // namespace
+
+TEST_F(LockedKeychain, isToldBeforeARunFailsForIt)
+{
+    launchWith(locked);
+    EXPECT_TRUE(isTold());
+    host.tools.answer(tool, {.output = unlocked});
+    host.application().lookAtKeychain();
+    host.settle();
+    EXPECT_FALSE(isTold());
+}
+
+TEST_F(LockedKeychain, isLookedForAgainAfterARun)
+{
+    launchWith(unlocked);
+    EXPECT_FALSE(isTold());
+    host.tools.answer(tool, {.output = locked});
+    Q_EMIT host.document().stepList.changed();
+    host.settle();
+    EXPECT_TRUE(isTold());
+}
+
+TEST_F(LockedKeychain, isUnlockedWhereTheBannerLeads)
+{
+    launchWith(locked);
+    press(u"lockedUnlock"_s);
+    host.settle();
+    KeychainWindow *const window = openWindow();
+    ASSERT_TRUE(window);
+    EXPECT_TRUE(window->findChild<QWidget *>(u"keychainUnlock"_s)->isVisible());
+    window->findChild<QLineEdit *>(u"unlockPassphrase"_s)->setText(u"s3cret"_s);
+    host.tools.answer(tool, {.output = unlocked});
+    window->findChild<QPushButton *>(u"unlockButton"_s)->click();
+    host.settle();
+    EXPECT_FALSE(isTold());
+    window->close();
 }

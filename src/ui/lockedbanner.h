@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QFrame>
+
+namespace sealwright {
+
+class MainWinController;
+
+/// Says that the keychain is locked, before a run fails for it, and leads to where it is unlocked. Main
+/// thread.
+class LockedBanner : public QFrame {
+    Q_OBJECT
+
+public:
+    explicit LockedBanner(MainWinController &document, QWidget *parent = nullptr);
+
+private:
+    void follow();
+    void lookAgain();
+
+    MainWinController &m_document;
+};
+
+} // namespace sealwright
