@@ -10,11 +10,7 @@
 
 #include <ostream>
 
-/// Let a failed comparison show texts instead of their bytes.
-inline void PrintTo(const QString &text, std::ostream *stream)
-{
-    *stream << '"' << text.toStdString() << '"';
-}
+/// Lets a failed comparison show the value.
 inline void PrintTo(const QVariant &value, std::ostream *stream)
 {
     *stream << value.typeName() << " \"" << value.toString().toStdString() << '"';

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "texts.h" // which lies beside this, wherever this is included from
+
 namespace sealwright {
 }
 

@@ -9,13 +9,6 @@
 
 #include <functional>
 #include <memory>
-#include <ostream>
-
-/// Lets a failed comparison show texts instead of their bytes.
-inline void PrintTo(const QString &text, std::ostream *stream)
-{
-    *stream << '"' << text.toStdString() << '"';
-}
 
 /// What a tool's process left behind.
 struct ToolResult {
