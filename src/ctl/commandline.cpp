@@ -210,6 +210,22 @@ qsizetype editDistance(const QString &one, const QString &other)
     return row.last();
 }
 
+/// What a person may have meant by a word that is no command.
+QString unknownCommand(const QString &word)
+{
+    constexpr qsizetype mostSlips = 2;
+    constexpr qsizetype shortest = 4; // of shorter ones two letters are nearly all
+    constexpr qsizetype longest = 20; // and what is longer is none of them
+    const QString problem = u"there is no command %1"_s.arg(word);
+    if (word.size() < shortest || word.size() > longest)
+        return problem;
+    const QStringList names = commandNames();
+    const auto meant = std::find_if(names.cbegin(), names.cend(), [&word](const QString &name) {
+        return editDistance(word, name) <= mostSlips;
+    });
+    return meant == names.cend() ? problem : u"%1; did you mean %2?"_s.arg(problem, *meant);
+}
+
 /// Whether a value is rather an option of `set`, with a slip of the finger.
 bool looksMistyped(const QString &value)
 {
@@ -275,7 +291,7 @@ Request parseCommandLine(const QStringList &words)
         if (grammar.command == words.first())
             return parseWith(grammar, words);
     }
-    return wrongUse(u"there is no command %1"_s.arg(words.first()));
+    return wrongUse(unknownCommand(words.first()));
 }
 
 QStringList commandNames()

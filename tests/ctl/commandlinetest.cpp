@@ -110,6 +110,14 @@ TEST(CommandLine, helpAndVersionGoBeforeAll)
     EXPECT_EQ(parse(u"--version"_s).kind, Request::Kind::version);
 }
 
+TEST(CommandLine, aCommandWithASlipOfTheFingerIsRecognised)
+{
+    EXPECT_EQ(parse(u"submti a"_s).problem, u"there is no command submti; did you mean submit?"_s);
+    EXPECT_EQ(parse(u"documnets"_s).problem, u"there is no command documnets; did you mean documents?"_s);
+    EXPECT_EQ(parse(u"fly"_s).problem, u"there is no command fly"_s);
+    EXPECT_EQ(parse(QString(300, u'x')).problem, u"there is no command "_s + QString(300, u'x'));
+}
+
 class WrongUse : public testing::TestWithParam<const char *> { };
 
 TEST_P(WrongUse, isToldApart)
