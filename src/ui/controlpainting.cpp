@@ -19,13 +19,6 @@ constexpr qreal hover = 0.06;
 constexpr qreal pressed = 0.14;
 constexpr qreal ofDisabled = 0.55; // of the outline that is left
 
-QColor mixed(const QColor &from, const QColor &to, qreal share)
-{
-    const auto part = [share](float a, float b) { return float(a + (b - a) * share); };
-    return QColor::fromRgbF(part(from.redF(), to.redF()), part(from.greenF(), to.greenF()),
-                            part(from.blueF(), to.blueF()));
-}
-
 bool isOn(const QStyleOption &option, QStyle::StateFlag flag)
 {
     return option.state.testFlag(flag);
@@ -40,7 +33,7 @@ QColor accent(const QStyleOption &option)
 
 QColor divider(const QPalette &palette)
 {
-    return mixed(palette.color(QPalette::Window), palette.color(QPalette::WindowText), faint);
+    return theme::mixed(palette.color(QPalette::Window), palette.color(QPalette::WindowText), faint);
 }
 
 /// Lighter for what is off: it need not be found.
@@ -49,17 +42,17 @@ QColor outlineOf(const QStyleOption &option)
     const QColor full = theme::outline(option.palette);
     return isOn(option, QStyle::State_Enabled)
         ? full
-        : mixed(option.palette.color(QPalette::Window), full, ofDisabled);
+        : theme::mixed(option.palette.color(QPalette::Window), full, ofDisabled);
 }
 
 /// Under the pointer, and while it is pressed.
 QColor touched(const QStyleOption &option, const QColor &ground, const QColor &text)
 {
     if (!isOn(option, QStyle::State_Enabled))
-        return mixed(ground, option.palette.color(QPalette::Window), 0.6);
+        return theme::mixed(ground, option.palette.color(QPalette::Window), 0.6);
     if (isOn(option, QStyle::State_Sunken) || isOn(option, QStyle::State_On))
-        return mixed(ground, text, pressed);
-    return isOn(option, QStyle::State_MouseOver) ? mixed(ground, text, hover) : ground;
+        return theme::mixed(ground, text, pressed);
+    return isOn(option, QStyle::State_MouseOver) ? theme::mixed(ground, text, hover) : ground;
 }
 
 void drawRounded(QPainter &painter, const QRectF &rect, const QColor &line, const QBrush &ground,
@@ -151,7 +144,7 @@ void controlpainting::drawCheckBox(QPainter &painter, const QStyleOption &option
     const bool isChecked = isOn(option, QStyle::State_On) || isOn(option, QStyle::State_NoChange);
     const QColor full = isEnabled ? accent(option) : outlineOf(option);
     const QColor base = option.palette.color(QPalette::Base);
-    const QColor empty = isOn(option, QStyle::State_MouseOver) ? mixed(base, full, pressed) : base;
+    const QColor empty = isOn(option, QStyle::State_MouseOver) ? theme::mixed(base, full, pressed) : base;
     drawRounded(painter, option.rect, isChecked ? full : outlineOf(option), isChecked ? full : empty,
                 radiusOfBox);
     if (isOn(option, QStyle::State_On))
@@ -175,7 +168,7 @@ void controlpainting::drawCard(QPainter &painter, const QStyleOption &option)
 {
     const Soft soft(painter);
     const QColor ground =
-        mixed(option.palette.color(QPalette::Window), option.palette.color(QPalette::Base), 0.5);
+        theme::mixed(option.palette.color(QPalette::Window), option.palette.color(QPalette::Base), 0.5);
     drawRounded(painter, option.rect, divider(option.palette), ground, radiusOfCard);
 }
 

@@ -71,11 +71,7 @@ QString textOf(const QModelIndex &index)
 
 QColor dimmed(const QPalette &palette)
 {
-    const QColor text = palette.color(QPalette::WindowText);
-    const QColor ground = palette.color(QPalette::Window);
-    const auto mixed = [](int from, int to) { return qRound(from + (to - from) * dimness); };
-    return {mixed(text.red(), ground.red()), mixed(text.green(), ground.green()),
-            mixed(text.blue(), ground.blue())};
+    return theme::mixed(palette.color(QPalette::WindowText), palette.color(QPalette::Window), dimness);
 }
 
 bool isDim(const QVariant &state)

@@ -42,14 +42,14 @@ qreal luminance(const QColor &colour)
         + 0.0722 * linear(colour.blueF());
 }
 
-QColor mixed(const QColor &from, const QColor &to, qreal share)
+} // namespace
+
+QColor theme::mixed(const QColor &from, const QColor &to, qreal share)
 {
     const auto part = [share](float a, float b) { return float(a + (b - a) * share); };
     return QColor::fromRgbF(part(from.redF(), to.redF()), part(from.greenF(), to.greenF()),
                             part(from.blueF(), to.blueF()));
 }
-
-} // namespace
 
 bool theme::isDark(const QPalette &palette)
 {

@@ -16,6 +16,8 @@ inline constexpr qreal leastOfControls = 3.0;
 /// What a colour says.
 enum class Meaning { good, bad, caution, underway, quiet };
 
+/// The first colour with that share, from 0 to 1, of the second.
+[[nodiscard]] QColor mixed(const QColor &from, const QColor &to, qreal share);
 [[nodiscard]] bool isDark(const QPalette &palette);
 [[nodiscard]] qreal contrast(const QColor &one, const QColor &other);
 /// The colour, made lighter or darker until it has that contrast with the ground.
