@@ -5,6 +5,7 @@
 #include <QJsonDocument>
 
 #include "formats/keychain/privatefile.h"
+#include "formats/keychain/vaultbytes.h"
 
 using namespace Qt::StringLiterals;
 using platform::Error;
@@ -50,16 +51,6 @@ std::optional<VaultProtection> protectionNamed(const QString &name)
             return entry.protection;
     }
     return std::nullopt;
-}
-
-QString base64(const QByteArray &bytes)
-{
-    return QString::fromLatin1(bytes.toBase64());
-}
-
-QByteArray bytesIn(const QJsonValue &value)
-{
-    return QByteArray::fromBase64(value.toString().toLatin1());
 }
 
 quint64 numberIn(const QJsonValue &value)

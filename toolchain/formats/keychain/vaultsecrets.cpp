@@ -1,5 +1,7 @@
 #include "formats/keychain/vaultsecrets.h"
 
+#include "formats/keychain/vaultbytes.h"
+
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -9,16 +11,6 @@ using namespace Qt::StringLiterals;
 namespace toolchain {
 
 namespace {
-
-QString base64(const QByteArray &bytes)
-{
-    return QString::fromLatin1(bytes.toBase64());
-}
-
-QByteArray bytesIn(const QJsonValue &value)
-{
-    return QByteArray::fromBase64(value.toString().toLatin1());
-}
 
 QJsonArray listOf(const QList<PasswordItem> &passwords)
 {
