@@ -40,7 +40,7 @@ Flood flood(int lines)
     QCoreApplication::processEvents();
     const Stall stall;
     const double seconds = measuring::seconds([&] {
-        document->dispatchToWorker([&document, lines] {
+        onWorker(*document, [&document, lines] {
             for (int line = 0; line < lines; ++line)
                 document->logString(u"line %1 of what a tool has printed, as long as they are"_s.arg(line));
         });

@@ -232,11 +232,6 @@ QString MainWinController::runCommandSimple(const QString &commandLine) const
     return sealwright::runCommandSimple(host().launcher, commandLine);
 }
 
-void MainWinController::dispatchToWorker(std::function<void()> job)
-{
-    host().workers.post([held = shared_from_this(), job = std::move(job)] { job(); });
-}
-
 void MainWinController::dispatchToMain(std::function<void()> block)
 {
     host().mainQueue.post([held = shared_from_this(), block = std::move(block)] { block(); });

@@ -151,8 +151,7 @@ public:
     /// The standard output of a shell line, without any of the above. Null if it is no UTF-8 or nothing ran.
     QString runCommandSimple(const QString &commandLine) const;
 
-    /// Runs the job with a hold on the document.
-    void dispatchToWorker(std::function<void()> job);
+    /// Queues the block with a hold on the document.
     void dispatchToMain(std::function<void()> block);
 
 private:

@@ -51,7 +51,7 @@ TEST_F(DocumentObject, aStatusThatAWorkerSetsIsHeardEvenIfItIsSoonAnother)
 {
     client.listen();
     const DocumentPtr document = host.application().allControllers().last();
-    document->dispatchToWorker([&document = *document] {
+    onWorker(*document, [&document = *document] {
         document.changeStatus(u"waiting");
         document.changeStatus(u"stapling");
     });

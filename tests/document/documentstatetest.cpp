@@ -3,6 +3,8 @@
 #include "app/preferencekeys.h"
 #include "document/mainwincontroller.h"
 #include "platform/itempath.h"
+#include "run/run.h"
+#include "run/step.h"
 #include "support/testhost.h"
 
 #include <gtest/gtest.h>
@@ -202,11 +204,13 @@ TEST_F(DocumentState, aJobThatStillRunsKeepsAClosedDocumentAndItGoesOnTheMainThr
     QThread *destroyedOn = nullptr;
     QObject::connect(document.lock().get(), &QObject::destroyed,
                      [&destroyedOn] { destroyedOn = QThread::currentThread(); });
-    std::atomic<bool> mayEnd = false;
-    document.lock()->dispatchToWorker([&mayEnd] {
+    static std::atomic<bool> mayEnd = false;
+    const auto wait = [](sealwright::Run &) -> StepResult {
         while (!mayEnd)
             std::this_thread::yield();
-    });
+        return Done{};
+    };
+    document.lock()->startRun(document.lock()->runInputs(), {Step{.name = {}, .work = wait}}, {});
     host.window().performClose();
     host.runUntil([this] { return host.mainQueue.isEmpty(); });
     EXPECT_TRUE(host.application().allControllers().isEmpty());

@@ -226,7 +226,7 @@ INSTANTIATE_TEST_SUITE_P(LogErrors, OwnText,
 TEST_F(FinalReport, fromAWorkerComesOnTheMainThreadAMomentLater)
 {
     work(false, false);
-    document().dispatchToWorker([this] { document().reportFailure(title, u"ditto failed"_s); });
+    onWorker(document(), [this] { document().reportFailure(title, u"ditto failed"_s); });
     host.settle();
     ASSERT_TRUE(host.window().sheet);
     EXPECT_EQ(host.window().sheet->alert.informativeText, seeLog);

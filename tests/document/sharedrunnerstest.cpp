@@ -31,7 +31,7 @@ protected:
     void startHangingTool()
     {
         host.tools.answer(u"xattr"_s, {.output = "a's text", .hangs = true});
-        a->dispatchToWorker([this] { answerOfA = SingleSteps(*a).tools.run(xattr, {}); });
+        onWorker(*a, [this] { answerOfA = SingleSteps(*a).tools.run(xattr, {}); });
         host.runUntil([this] { return !host.tools.calls().isEmpty(); });
     }
 
@@ -51,7 +51,7 @@ TEST_F(TwoDocuments, ofVersionThreeTakeTurns)
     EXPECT_EQ(a->taskRunner(), b->taskRunner());
     startHangingTool();
     std::atomic<bool> isAtTheRunner = false;
-    b->dispatchToWorker([&] {
+    onWorker(*b, [&] {
         isAtTheRunner = true;
         answerOfB = SingleSteps(*b).tools.run(ditto, {host.item(u"x"_s)});
     });
@@ -97,7 +97,7 @@ TEST_F(TwoDocuments, ofVersionThreeKeepTheRunnerUntilTheirOutputIsTheirs)
         EXPECT_FALSE(isFreeBehindItsRun(*runner)) << path.toStdString();
     };
     QStringList texts;
-    a->dispatchToWorker([&] {
+    onWorker(*a, [&] {
         const SingleSteps::Tools tools = SingleSteps(*a).tools;
         runner = a->taskRunner();
         texts = {tools.run(xattr, {})->outputString(),
@@ -116,7 +116,7 @@ TEST_F(TwoDocuments, ofVersionThreeUploadBesideAnothersTool)
     EXPECT_EQ(a->uploadTaskRunner(), b->uploadTaskRunner());
     EXPECT_NE(a->uploadTaskRunner(), a->taskRunner());
     startHangingTool();
-    b->dispatchToWorker([this] { answerOfB = SingleSteps(*b).tools.upload({u"--notarize-app"_s}); });
+    onWorker(*b, [this] { answerOfB = SingleSteps(*b).tools.upload({u"--notarize-app"_s}); });
     host.runUntil([this] { return host.tools.order().contains(u"altool--notarize-app"_s); });
     EXPECT_NE(a->taskRunner()->currentTask(), nullptr) << "the first one's tool still runs";
     host.tools.release(u"xattr"_s);
@@ -132,7 +132,7 @@ TEST_F(TwoDocuments, ofVersionThreeCancelOnlyTheirOwnRuns)
     host.tools.release(u"xattr"_s);
     host.settle();
     EXPECT_EQ(answerOfA->status(), 0);
-    b->dispatchToWorker([this] { answerOfB = SingleSteps(*b).tools.run(ditto, {host.item(u"x"_s)}); });
+    onWorker(*b, [this] { answerOfB = SingleSteps(*b).tools.run(ditto, {host.item(u"x"_s)}); });
     host.settle();
     EXPECT_EQ(answerOfB->status(), 1001);
     EXPECT_EQ(host.tools.order(), QStringList{u"xattr"_s});
@@ -143,7 +143,7 @@ TEST_F(TwoDocuments, ofVersionFourRunSideBySide)
     launchWithVersion("4.0.1");
     EXPECT_NE(a->taskRunner(), b->taskRunner());
     startHangingTool();
-    b->dispatchToWorker([this] { answerOfB = SingleSteps(*b).tools.run(ditto, {host.item(u"x"_s)}); });
+    onWorker(*b, [this] { answerOfB = SingleSteps(*b).tools.run(ditto, {host.item(u"x"_s)}); });
     host.runUntil([this] { return host.tools.order().contains(u"ditto"_s); });
     EXPECT_NE(a->taskRunner()->currentTask(), nullptr);
     host.tools.release(u"xattr"_s);

@@ -72,13 +72,13 @@ TEST_F(Status, givenNoWordStaysAsItIs)
 
 TEST_F(Status, mayBeChangedByAWorker)
 {
-    QString onWorker;
-    document().dispatchToWorker([&] {
+    QString seen;
+    onWorker(document(), [&] {
         document().changeStatus(status::waiting);
-        onWorker = document().statusString();
+        seen = document().statusString();
     });
     host.settle();
-    EXPECT_EQ(onWorker, u"waiting"_s);
+    EXPECT_EQ(seen, u"waiting"_s);
     EXPECT_EQ(host.window().subtitles, QStringList{u"waiting"_s});
 }
 

@@ -160,7 +160,7 @@ TEST_F(SubmissionLog, theFileHasALineBeforeTheWindow)
 TEST_F(SubmissionLog, aWorkersLinesKeepTheirOrder)
 {
     openLog();
-    document().dispatchToWorker([this] {
+    onWorker(document(), [this] {
         for (int number = 0; number < 100; ++number)
             document().logString(QString::number(number));
     });
@@ -202,8 +202,8 @@ TEST_F(SubmissionLog, aToolsReportIsOneEntryOfTheFile)
 {
     openLog();
     host.tools.answer(u"xattr"_s, {.status = 2, .output = "one\ntwo\n"});
-    document().dispatchToWorker(
-        [this] { (void)SingleSteps(document()).tools.runAndLog(u"/usr/bin/xattr"_s, {u"-c"_s}); });
+    onWorker(document(),
+             [this] { (void)SingleSteps(document()).tools.runAndLog(u"/usr/bin/xattr"_s, {u"-c"_s}); });
     host.settle();
     EXPECT_EQ(
         fileLog(),

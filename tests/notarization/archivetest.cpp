@@ -189,7 +189,7 @@ TEST_F(ArchiveTest, aCancelEndsTheToolWithoutASecondReport)
 {
     makeCopy(false);
     host.tools.answerRun(u"ditto"_s, 1, {.hangs = true});
-    document().dispatchToWorker([this] { EXPECT_FALSE(steps().archive.makeArchiveForUploading()); });
+    onWorker(document(), [this] { EXPECT_FALSE(steps().archive.makeArchiveForUploading()); });
     host.runUntil([this] { return !host.tools.callsOf(u"ditto"_s).isEmpty(); });
     document().doCancel();
     host.settle();

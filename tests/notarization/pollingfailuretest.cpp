@@ -69,8 +69,8 @@ TEST_F(PollingFailure, aQueryThatTheSharedRunnerSkipsCountsAsAnOrdinaryFailure)
     host.tools.answer(u"xattr"_s, {.hangs = true});
     host.tools.forgetCalls();
     const DocumentPtr other = host.application().addedDocument();
-    other->dispatchToWorker(
-        [&other] { EXPECT_EQ(SingleSteps(*other).tools.run(u"/usr/bin/xattr"_s, {})->status(), 0); });
+    onWorker(*other,
+             [&other] { EXPECT_EQ(SingleSteps(*other).tools.run(u"/usr/bin/xattr"_s, {})->status(), 0); });
     host.runUntil([this] { return !host.tools.callsOf(u"xattr"_s).isEmpty(); });
     ASSERT_TRUE(document.taskRunner()->terminateTaskFor(document.uniqueID)); // it is the other one's tool
     host.tools.release(u"xattr"_s);

@@ -52,7 +52,7 @@ protected:
         MainWinController &document = host.document();
         document.appletURL.set(itempath::toUrl(path));
         document.originalFileName.set(itempath::lastComponent(path));
-        document.dispatchToWorker([&document] { SingleSteps(document).stapling.runStaplerAndFinish(); });
+        onWorker(document, [&document] { SingleSteps(document).stapling.runStaplerAndFinish(); });
         host.settle();
     }
 

@@ -228,7 +228,7 @@ TEST_F(UploadTest, runsBesideOtherToolsWhereTheRunnersAreShared)
     host.tools.answer(u"altool-h"_s, {.output = "Version 3.9.9 (1)\n"});
     prepareArchive();
     host.tools.answer(uploadTool(), {.hangs = true});
-    document().dispatchToWorker([this] {
+    onWorker(document(), [this] {
         EXPECT_FALSE(steps().upload.uploadForNotarizing({u"a@b.c"_s, u"k"_s, {}}, u"com.example.foo"_s));
     });
     host.runUntil([this] { return !host.tools.callsOf(uploadTool()).isEmpty(); });

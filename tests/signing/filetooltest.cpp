@@ -107,7 +107,7 @@ TEST_F(FileTool, thatACancelEndsCostsOneFileAndTheWalkGoesOn)
     host.tools.answer(u"file"_s, {.output = "Mach-O 64-bit x86_64 executable\n"});
     host.tools.answerRun(u"file"_s, 1, {.output = "Mach-O 64-bit x86_64 executable\n", .hangs = true});
     OrderedPathSet signableSet;
-    document().dispatchToWorker([&] {
+    onWorker(document(), [&] {
         QSet<QString> setToSubtract;
         steps().scanner.parseDirectory(host.item(u"Foo.app"_s), signableSet, setToSubtract, {});
     });

@@ -240,7 +240,7 @@ TEST_F(PackageStepsTest, aCancelWhileProductsignRunsIsTheOnlyReport)
     makeUnsigned();
     makeWorkingCopy(u"My Foo.pkg"_s);
     host.tools.answer(u"productsign"_s, {.hangs = true});
-    document().dispatchToWorker([this] { EXPECT_FALSE(steps().packages.checkPkgAndSignWithID(identity)); });
+    onWorker(document(), [this] { EXPECT_FALSE(steps().packages.checkPkgAndSignWithID(identity)); });
     host.runUntil([this] { return !host.tools.callsOf(u"productsign"_s).isEmpty(); });
     document().doCancel();
     host.settle();

@@ -31,7 +31,7 @@ void StepTest::makeWorkingCopy(const QString &name)
 bool StepTest::run(const std::function<bool()> &step)
 {
     bool result = false;
-    document().dispatchToWorker([&] { result = step(); });
+    onWorker(document(), [&] { result = step(); });
     host.settle();
     return result;
 }

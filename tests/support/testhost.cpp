@@ -178,3 +178,8 @@ QStringList TestHost::log(LogStyle style)
     }
     return messages;
 }
+
+void onWorker(MainWinController &document, std::function<void()> job)
+{
+    document.host().workers.post([held = document.shared_from_this(), job = std::move(job)] { job(); });
+}

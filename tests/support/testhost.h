@@ -92,3 +92,6 @@ private:
     std::unique_ptr<TestWorkerQueue> m_workers;
     std::unique_ptr<AppDelegate> m_application;
 };
+
+/// Has a worker do the job with a hold on the document, as it would a run's.
+void onWorker(MainWinController &document, std::function<void()> job);

@@ -177,7 +177,7 @@ TEST_F(DocumentPageTest, cancelIsOfferedExactlyWhileTheDocumentCanCancel)
 
 TEST_F(DocumentPageTest, cancelIsOfferedTooWhenAWorkerSaysSo)
 {
-    document().dispatchToWorker([this] { document().canCancel.set(true); });
+    onWorker(document(), [this] { document().canCancel.set(true); });
     until([this] { return cancel().isEnabled(); });
 }
 

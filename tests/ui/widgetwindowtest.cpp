@@ -207,7 +207,7 @@ TEST_F(WidgetWindowTest, aDocumentThatAWorkerHoldsTakesItsWindowWithItOnTheMainT
 {
     const QPointer<QWidget> shown(&widget());
     std::atomic<bool> mayEnd = false;
-    document().dispatchToWorker([&] {
+    onWorker(document(), [&] {
         while (!mayEnd)
             QThread::yieldCurrentThread();
     });
