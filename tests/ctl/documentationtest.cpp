@@ -1,7 +1,9 @@
 // What tells people about the client says what the client does.
 
 #include "ctl/commandline.h"
+#include "scripting/scripterrors.h"
 
+#include <QDirIterator>
 #include <QFile>
 #include <QProcess>
 #include <QRegularExpression>
@@ -12,11 +14,30 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+/// By its path in the project.
+QString textOf(const QString &path)
+{
+    QFile file(QStringLiteral(SOURCE "/") + path);
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << path.toStdString();
+    return QString::fromUtf8(file.readAll());
+}
+
 QString resource(const QString &name)
 {
-    QFile file(QStringLiteral(SOURCE "/resources/") + name);
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << name.toStdString();
-    return QString::fromUtf8(file.readAll());
+    return textOf(u"resources/"_s + name);
+}
+
+/// Whether a source of the application has the text as a literal, the table of the errors' numbers excepted.
+bool isRaised(const QString &title)
+{
+    QDirIterator sources(QStringLiteral(SOURCE "/src"), {u"*.cpp"_s}, QDir::Files,
+                         QDirIterator::Subdirectories);
+    while (sources.hasNext()) {
+        QFile source(sources.next());
+        if (source.open(QIODevice::ReadOnly) && source.readAll().contains("u\"" + title.toUtf8() + "\"_s"))
+            return true;
+    }
+    return false;
 }
 
 QStringList optionNames()
@@ -90,4 +111,41 @@ TEST(ZshCompletion, namesEveryCommandAndOption)
         EXPECT_TRUE(script.contains(u"'"_s + command + u':')) << command.toStdString();
     for (const QString &option : optionNames())
         EXPECT_TRUE(script.contains(option + u'[')) << option.toStdString();
+}
+
+TEST(FirstSubmission, comesBehindWhatItNeeds)
+{
+    static const QRegularExpression submission(u"sealwrightctl submit [^\n]*[.]app"_s);
+    for (const QString &path : {u"README.md"_s, u"docs/scripting.md"_s, u"resources/man/sealwrightctl.1"_s}) {
+        const QString text = textOf(path).remove(u'\\');
+        const qsizetype first = text.indexOf(submission);
+        EXPECT_GT(first, 0) << path.toStdString();
+        const QString before = text.left(first);
+        EXPECT_TRUE(before.contains(u"sealwright-keychain"_s)) << path.toStdString();
+        for (const QString &property : {u"AppleID"_s, u"AppPassword"_s}) {
+            EXPECT_TRUE(before.contains(u"set "_s + property) || before.contains(property + u'='))
+                << path.toStdString() << ": " << property.toStdString();
+        }
+    }
+}
+
+TEST(ResultInTheDocuments, isAWholePath)
+{
+    static const QRegularExpression result(u"path of the result,\\s+`([^`]+)`"_s);
+    const auto found = result.match(textOf(u"docs/scripting.md"_s));
+    ASSERT_TRUE(found.hasMatch());
+    EXPECT_TRUE(found.captured(1).startsWith(u'/')) << found.captured(1).toStdString();
+}
+
+TEST(ErrorInTheDocuments, isOneThatIsRaisedUnderThatNumber)
+{
+    static const QRegularExpression error(u"sealwrightctl: error (\\d+): ([A-Za-z ]+):"_s);
+    auto errors = error.globalMatch(textOf(u"docs/scripting.md"_s));
+    ASSERT_TRUE(errors.hasNext());
+    while (errors.hasNext()) {
+        const auto found = errors.next();
+        const QString title = found.captured(2);
+        EXPECT_EQ(errorNumberFromString(title), found.captured(1).toLongLong()) << title.toStdString();
+        EXPECT_TRUE(isRaised(title)) << title.toStdString();
+    }
 }

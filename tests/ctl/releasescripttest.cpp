@@ -14,8 +14,7 @@ protected:
     void start(const QStringList &arguments, const QString &limit)
     {
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(
-            u"PATH"_s, QFileInfo(QStringLiteral(SEALWRIGHTCTL)).path() + u':' + environment.value(u"PATH"_s));
+        environment.insert(u"PATH"_s, clientFolder + u':' + environment.value(u"PATH"_s));
         environment.insert(u"LIMIT"_s, limit);
         script.setProcessEnvironment(environment);
         script.start(QStringLiteral(SOURCE "/docs/examples/release.sh"), arguments);
@@ -41,6 +40,7 @@ protected:
     qsizetype documentCount() { return host.application().allControllers().size(); }
     QString dist() const { return host.item(u"dist"_s); }
 
+    QString clientFolder = QFileInfo(QStringLiteral(SEALWRIGHTCTL)).path();
     QProcess script;
     QString error;
 };
@@ -77,6 +77,16 @@ TEST_F(ReleaseScript, cancelsWhatTakesTooLong)
     EXPECT_TRUE(error.contains(u"no verdict"_s)) << error.toStdString();
     host.runUntil([this] { return documentCount() == 1; });
     host.settle();
+}
+
+TEST_F(ReleaseScript, tellsAnApplicationThatHasGoneFromAVerdictThatIsLate)
+{
+    appURL();
+    clientFolder = host.item(u"bin"_s); // of a client as it is when its application ends during a submission
+    items::makeFile(clientFolder + u"/sealwrightctl"_s,
+                    "#!/bin/sh\ncase $1 in new) echo ID ;; submit | get) exit 3 ;; esac\n", true);
+    EXPECT_EQ(run({dist(), host.item(u"Foo.app"_s)}), 3);
+    EXPECT_EQ(error, u"release: Sealwright has gone while it worked on %1\n"_s.arg(host.item(u"Foo.app"_s)));
 }
 
 TEST_F(ReleaseScript, obeysATerminationWhileItsItemIsWorkedOn)
