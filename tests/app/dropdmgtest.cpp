@@ -184,6 +184,13 @@ TEST_F(DropDMG, aNotificationAsksByScriptAndNeverReadsTheFolder)
     EXPECT_EQ(host.document().dropDMGConfigsPopup.itemTitles(), QStringList{u"From the script"_s});
 }
 
+TEST_F(DropDMG, isAskedOnceForAllNotificationsThatHaveWaited)
+{
+    host.launch();
+    EXPECT_TRUE(host.distributedNotifications.merged.contains(configurationsChanged))
+        << "each question keeps the main thread waiting";
+}
+
 TEST_F(DropDMG, aNotificationOfTheSameListChangesNothing)
 {
     host.workspace.running.insert(dropDMG);

@@ -92,6 +92,7 @@ TEST_P(SteeredProgram, goesOnWhenItsLastWindowIsClosedAndNoDocumentIsOpen)
         return said.endsWith("closed\n") || process.state() == QProcess::NotRunning;
     });
     ASSERT_EQ(process.state(), QProcess::Running);
+    EXPECT_EQ(said, "closed\n");
     EXPECT_TRUE(documents().isEmpty());
     quitAndExpectSuccess();
 }

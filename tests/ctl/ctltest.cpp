@@ -159,6 +159,15 @@ TEST_F(Client, aScriptErrorIsPrintedWithItsNumberAndText)
     host.settle();
 }
 
+TEST_F(Client, anAddressInPlaceOfAPathIsToldToBeOne)
+{
+    EXPECT_EQ(run({u"submit"_s, u"file:///nowhere/Foo.app"_s}), 1);
+    EXPECT_EQ(
+        error,
+        u"sealwrightctl: error 6: \nsealwrightctl: 'file:///nowhere/Foo.app' is an address; a path is wanted\n"_s);
+    EXPECT_EQ(documentCount(), 1);
+}
+
 TEST_F(Client, aTextThatIsTooLongForAnErrorFollowsIt)
 {
     host.tools.answer(u"codesign"_s, {.status = 1, .error = QByteArray(2000, 'x')});

@@ -1,3 +1,4 @@
+#include "platform/posix/pipereader.h"
 #include "platform/posix/posixprocesslauncher.h"
 #include "temporaryfolder.h"
 
@@ -5,6 +6,7 @@
 #include <QElapsedTimer>
 
 #include <csignal>
+#include <fcntl.h>
 #include <thread>
 #include <unistd.h>
 
@@ -92,6 +94,20 @@ TEST_F(PosixProcess, theStatusOfAProgramEndedByASignalIsTheSignalsNumber)
     EXPECT_EQ(finished(u"kill -KILL $$"_s).process->terminationStatus(), SIGKILL);
     EXPECT_EQ(finished(u"kill -USR1 $$"_s).process->terminationStatus(), SIGUSR1);
 }
+
+#ifdef F_SETPIPE_SZ
+TEST_F(PosixProcess, theOutputPipeHoldsAsMuchAsIsReadAtOnceWhereTheHostAllowsIt)
+{
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
+    const int most = fcntl(ends[1], F_SETPIPE_SZ, static_cast<int>(PipeReader::capacity));
+    const QByteArray expected = QByteArray::number(most > 0 ? most : fcntl(ends[1], F_GETPIPE_SZ));
+    close(ends[0]);
+    close(ends[1]);
+    const ToolRun run = finished(u"perl -e 'print fcntl(STDOUT, %1, 0)'"_s.arg(F_GETPIPE_SZ));
+    EXPECT_EQ(run.output, expected);
+}
+#endif
 
 TEST_F(PosixProcess, aMissingProgramIsNamedWithTheReason)
 {

@@ -303,9 +303,11 @@ platform::AppleScriptResult FakeAppleScript::execute(const QString &source,
 }
 
 void FakeDistributedNotifications::addObserver(const QObject &observer, const QString &name,
-                                               std::function<void()> handler, platform::Repeats)
+                                               std::function<void()> handler, platform::Repeats repeats)
 {
     handlers[name] = std::move(handler);
+    if (repeats == platform::Repeats::areMerged)
+        merged.insert(name);
     m_namesOfObservers.insert(&observer, name);
 }
 

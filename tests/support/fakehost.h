@@ -208,6 +208,7 @@ public:
     void removeObserver(const QObject &observer) override;
     void post(const QString &name) override;
     QHash<QString, std::function<void()>> handlers; ///< each name has one observer here
+    QSet<QString> merged; ///< names whose repeats call the handler once
     QStringList posted;
 
 private:
