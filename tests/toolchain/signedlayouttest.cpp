@@ -233,11 +233,15 @@ TEST_F(SignedLayout, theExecutableOfABundleStandsForTheBundle)
               executable + u": valid on disk\n"_s + executable
                   + u": satisfies its Designated Requirement\n"_s);
     EXPECT_EQ(run(codesign, {u"-dv"_s, executable}).error, run(codesign, {u"-dv"_s, app}).error);
+    ASSERT_TRUE(QFile::link(executable, path(u"link"_s)));
+    EXPECT_EQ(run(codesign, {u"--verify"_s, path(u"link"_s)}).status, 0);
     writeFile(app + u"/Contents/Resources/new"_s, "added");
     EXPECT_EQ(run(codesign, {u"--verify"_s, executable}).error,
               executable + u": a sealed resource is missing or invalid\n"_s);
     const QString framework = bundlebuilder::frameworkVersionOf(app);
-    EXPECT_TRUE(run(codesign, {u"-dv"_s, framework + u"/Inner"_s}).error.contains(u"Format=bundle with"_s));
+    for (const QString &inner :
+         {framework + u"/Inner"_s, app + u"/Contents/Frameworks/Inner.framework/Inner"_s})
+        EXPECT_TRUE(run(codesign, {u"-dv"_s, inner}).error.contains(u"Format=bundle with"_s));
     writeFile(app + u"/Contents/MacOS/helper"_s, bundlebuilder::machO({}));
     EXPECT_TRUE(
         adHoc({u"-v"_s, app + u"/Contents/MacOS/helper"_s}).error.contains(u": signed Mach-O thin"_s));

@@ -153,7 +153,9 @@ Result<CodeBundle> readCodeBundle(const QString &path)
 
 std::optional<CodeBundle> bundleOfExecutable(const QString &path)
 {
-    const QString file = QDir::cleanPath(QDir::current().absoluteFilePath(path));
+    const QFileInfo item(path);
+    const QString file =
+        item.isSymLink() ? item.canonicalFilePath() : QDir::cleanPath(item.absoluteFilePath());
     const QString folder = bundleFolderAbove(file);
     const bool mayBeBundle = QFileInfo(folder).fileName().contains(u'.')
         || QFileInfo(QFileInfo(folder).path()).fileName() == u"Versions"_s;
