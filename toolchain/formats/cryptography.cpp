@@ -38,8 +38,9 @@ Certificate parse(const QByteArray &der)
 class ParsedCertificates {
 public:
     /// libcrypto puts itself away at the end of the process, in the reverse order of beginnings: the
-    /// certificates have to go before it.
-    ParsedCertificates() { OPENSSL_init_crypto(0, nullptr); }
+    /// certificates have to go before it, and so it has to begin before them. Asked for nothing, it would not
+    /// begin.
+    ParsedCertificates() { OPENSSL_init_crypto(OPENSSL_INIT_ADD_ALL_DIGESTS, nullptr); }
 
     Certificate of(const QByteArray &der)
     {
