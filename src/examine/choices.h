@@ -21,7 +21,7 @@ struct Choices {
     bool replacesSignatures = true; ///< those that are there; else what bears one stops the run
     QString team; ///< of the identity; empty if it is not known
     QString fileTool; ///< of the tool root; empty for the host's own
-    bool countsSize = false; ///< whether the size of the item is to be told, which changes nothing else
+    bool countsSize = false; ///< whether the item's size and what it calls itself are to be told too
 };
 
 /// Reads the JSON form, in which every key may be missing. The error says what is wrong with it.

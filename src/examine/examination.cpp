@@ -105,6 +105,13 @@ QJsonObject codeObject(const CodeEntry &entry)
             {u"entitlements"_s, QJsonObject::fromVariantMap(signature.entitlements)}};
 }
 
+QJsonObject productObject(const Product &product)
+{
+    return {{u"identifier"_s, product.identifier},
+            {u"version"_s, product.version},
+            {u"volume"_s, product.volume}};
+}
+
 QJsonObject findingObject(const Finding &finding)
 {
     return {{u"rule"_s, finding.rule},
@@ -157,6 +164,8 @@ QByteArray toJson(const Examination &examination)
                        {u"findings"_s, findings}};
     if (examination.size > 0)
         object.insert(u"size"_s, examination.size);
+    if (examination.product != Product())
+        object.insert(u"product"_s, productObject(examination.product));
     return QJsonDocument(object).toJson(QJsonDocument::Indented);
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "examine/prediction.h"
+#include "examine/product.h"
 #include "formats/review/codefacts.h"
 
 #include <QByteArray>
@@ -42,6 +43,7 @@ struct Examination {
     QString item; ///< absolute
     ItemKind kind = ItemKind::folder;
     qint64 size = 0; ///< of all regular files, in bytes, where they are to be counted
+    Product product; ///< likewise
     QList<CodeEntry> code;
     QList<Finding> findings;
     QStringList unread; ///< paths from the item of what may not or cannot be read

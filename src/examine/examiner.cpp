@@ -136,6 +136,8 @@ Result<Examination> examineItem(const QString &item, const Choices &choices)
     Collector collected(*examination, files,
                         choices.countsSize ? Collector::Sizes::counted : Collector::Sizes::leftOut);
     collect(*examination, collected);
+    if (choices.countsSize)
+        examination->product = productOf(examination->item, examination->kind);
     const Prediction prediction = foretold.get();
     Judgement(*examination, prediction, choices, collected).run();
     return examination;

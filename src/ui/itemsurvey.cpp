@@ -136,6 +136,10 @@ ItemSurvey surveyIn(const QJsonObject &examination)
 {
     ItemSurvey survey;
     survey.bytes = examination.value("size"_L1).toInteger();
+    const QJsonObject product = examination.value("product"_L1).toObject();
+    survey.identifier = product.value("identifier"_L1).toString();
+    survey.version = product.value("version"_L1).toString();
+    survey.volume = product.value("volume"_L1).toString();
     if (!Item(examination.value("item"_L1).toString()).isBundle())
         return survey;
     for (const auto &value : examination.value("code"_L1).toArray()) {

@@ -16,6 +16,9 @@ struct ItemSurvey {
     qint64 bytes = 0; ///< of all files; 0 where nothing is known
     QStringList architectures; ///< of the main executable, as lipo names them; empty if it is no Mach-O file
     qsizetype places = 0; ///< in which an app or a plug-in is signed, itself among them; 0 for other items
+    QString identifier = {}; ///< of an installer package; empty where it is not known
+    QString version = {}; ///< likewise
+    QString volume = {}; ///< the name of a disk image's volume; likewise
 
     bool operator==(const ItemSurvey &) const = default;
 };

@@ -4,6 +4,7 @@
 #include "examine/comparison.h"
 #include "examine/examiner.h"
 #include "examine/itemmaker.h"
+#include "examine/product.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -24,6 +25,8 @@
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
+using sealwright::examine::Product;
+using sealwright::examine::productIn;
 using testing::Contains;
 using testing::IsEmpty;
 using testing::Not;
@@ -381,4 +384,52 @@ TEST(ALook, tellsTheSizeOfTheItemWhereItIsAskedTo)
     };
     EXPECT_GT(sizeFor(u"{\"countsSize\": true}"_s).toInteger(), 100'000);
     EXPECT_TRUE(sizeFor(u"{}"_s).isUndefined());
+}
+
+TEST(ALook, tellsWhatAPackageCallsItselfWhereItIsAskedTo)
+{
+    ItemMaker item;
+    item.become(
+        u"Foo.pkg"_s,
+        item.archiveBytes(u"xar"_s,
+                          {{u"PackageInfo"_s, "<pkg-info identifier=\"com.example.foo\" version=\"1.2\"/>"},
+                           {u"Payload"_s, item.archiveBytes(u"cpio.gz"_s, {{u"a.txt"_s, "a"}})}}));
+    const auto productFor = [&](const QString &choices) {
+        const Ended ended = run({u"--choices"_s, choices, item.item()});
+        return QJsonDocument::fromJson(ended.output).object().value("product"_L1);
+    };
+    EXPECT_EQ(productFor(u"{\"countsSize\": true}"_s).toObject().value("identifier"_L1),
+              u"com.example.foo"_s);
+    EXPECT_EQ(productFor(u"{\"countsSize\": true}"_s).toObject().value("version"_L1), u"1.2"_s);
+    EXPECT_TRUE(productFor(u"{}"_s).isUndefined());
+}
+
+TEST(ALook, tellsTheNameOfAnImagesVolumeWhereItIsAskedTo)
+{
+    ItemMaker image;
+    image.become(u"Foo.dmg"_s, image.imageBytes({{u"a.txt"_s, "a"}}));
+    const Ended ended = run({u"--choices"_s, u"{\"countsSize\": true}"_s, image.item()});
+    const QJsonObject look = QJsonDocument::fromJson(ended.output).object();
+    EXPECT_EQ(look.value("product"_L1).toObject().value("volume"_L1), u"Foo"_s);
+}
+
+TEST(ProductInAPackage, isThatOfTheDistributionElseOfItsOneComponent)
+{
+    const Product foo{u"com.example.foo"_s, u"3.4"_s, {}};
+    EXPECT_EQ(productIn("<installer-gui-script><product id=\"com.example.foo\" version=\"3.4\"/>"
+                        "<pkg-ref id=\"a\"/><pkg-ref id=\"b\" version=\"1\"/></installer-gui-script>"),
+              foo);
+    EXPECT_EQ(productIn("<a><pkg-ref id=\"com.example.foo\"/><pkg-ref id=\"com.example.foo\" version=\"3.4\">"
+                        "#foo.pkg</pkg-ref></a>"),
+              foo);
+    EXPECT_EQ(productIn("<pkg-info identifier=\"com.example.foo\" version=\"3.4\"/>"), foo);
+}
+
+TEST(ProductInAPackage, isNoneWhereNothingTellsOneLine)
+{
+    EXPECT_EQ(productIn({}), Product());
+    EXPECT_EQ(productIn("<pkg-info identifier=\"com.example.foo\""), Product()) << "which does not end";
+    EXPECT_EQ(productIn("<a><pkg-ref id=\"a\"/><pkg-ref id=\"b\"/></a>"), Product()) << "of several";
+    EXPECT_EQ(productIn("<pkg-info identifier=\"a&#10;b\"/>"), Product());
+    EXPECT_EQ(productIn("<pkg-info identifier=\"" + QByteArray(300, 'x') + "\"/>"), Product());
 }

@@ -6,6 +6,7 @@
 #include "platform/itempath.h"
 #include "support/items.h"
 #include "ui/examinedwindow.h"
+#include "ui/itemfacts.h"
 #include "ui/windowtest.h"
 
 #include <QFile>
@@ -149,4 +150,24 @@ TEST(SurveyInALook, countsWhatIsSignedAndKnowsTheMainExecutable)
     EXPECT_EQ(surveyIn({{u"item"_s, u"/Foo.app"_s}}).places, 1) << "the item itself";
     EXPECT_EQ(surveyIn({{u"item"_s, u"/Foo.pkg"_s}, {u"size"_s, 12}, {u"code"_s, code}}),
               (ItemSurvey{12, {}, 0}));
+}
+
+TEST(SurveyInALook, knowsWhatAPackageAndAnImageCallThemselves)
+{
+    const QJsonObject product{{u"identifier"_s, u"com.example.foo"_s}, {u"version"_s, u"1.2"_s}};
+    const ItemSurvey package = surveyIn({{u"item"_s, u"/Foo.pkg"_s}, {u"product"_s, product}});
+    EXPECT_EQ(itemfacts::describe(package), u"com.example.foo · version 1.2"_s);
+    const QJsonObject volume{{u"volume"_s, u"Foo 1.2"_s}};
+    const ItemSurvey image = surveyIn({{u"item"_s, u"/Foo.dmg"_s}, {u"product"_s, volume}});
+    EXPECT_EQ(itemfacts::describe(image), u"volume “Foo 1.2”"_s);
+}
+
+TEST_F(OneLookAtAnItem, tellsTheHeaderWhatAPackageCallsItself)
+{
+    items::makeFile(host.item(u"Foo.pkg"_s), QByteArray(1000, 'x'));
+    open("echo '{\"item\": \"'\"$4\"'\", \"size\": 7, \"refused\": false, \"findings\": [], \"code\": [], '\n"
+         "echo '\"product\": {\"identifier\": \"com.example.foo\", \"version\": \"1.2\"}}'\n");
+    host.document().originalAppletURL.set(QUrl::fromLocalFile(host.item(u"Foo.pkg"_s)));
+    host.document().appletNameField.setStringValue(u"Foo.pkg"_s);
+    until([this] { return facts().contains(u"com.example.foo · version 1.2 · 1 kB"_s); });
 }
