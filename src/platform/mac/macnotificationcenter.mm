@@ -2,10 +2,26 @@
 
 #include "platform/mainqueue.h"
 
+#include <QHash>
+
 #import <AppKit/AppKit.h>
 #import <UserNotifications/UserNotifications.h>
 
-/// Lets a message be seen while the application is active: whether it should be has been asked before.
+namespace {
+
+using Click = std::function<void(const QString &token)>;
+
+/// What a click on a message does, by the message's identifier. Main thread.
+QHash<QString, Click> &clicks()
+{
+    static QHash<QString, Click> all;
+    return all;
+}
+
+} // namespace
+
+/// Lets a message be seen while the application is active: whether it should be has been asked before. A click
+/// leads to what the message is about.
 @interface SLWNotificationDelegate : NSObject <UNUserNotificationCenterDelegate>
 @end
 
@@ -15,6 +31,20 @@
          withCompletionHandler:(void (^)(UNNotificationPresentationOptions))answer
 {
     answer(UNNotificationPresentationOptionBanner);
+}
+
+- (void)userNotificationCenter:(UNUserNotificationCenter *)center
+    didReceiveNotificationResponse:(UNNotificationResponse *)response
+             withCompletionHandler:(void (^)(void))done
+{
+    const QString message = QString::fromNSString(response.notification.request.identifier);
+    const bool isClick = [response.actionIdentifier isEqualToString:UNNotificationDefaultActionIdentifier];
+    [NSOperationQueue.mainQueue addOperationWithBlock:^{
+        const Click click = clicks().take(message);
+        if (isClick && click)
+            click(QString());
+    }];
+    done();
 }
 @end
 
@@ -44,6 +74,8 @@ void present(const UserNotification &notification)
 {
     UNUserNotificationCenter *center = notificationCenter();
     UNNotificationRequest *request = requestFor(notification);
+    if (center && notification.wasClicked)
+        clicks().insert(QString::fromNSString(request.identifier), notification.wasClicked);
     [center requestAuthorizationWithOptions:UNAuthorizationOptionAlert
                           completionHandler:^(BOOL isGranted, NSError *) {
                               if (isGranted)

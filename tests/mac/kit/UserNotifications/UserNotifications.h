@@ -4,7 +4,7 @@
 // The part of Apple's UserNotifications that src/platform/mac uses; see Foundation.h beside it.
 #import <Foundation/Foundation.h>
 
-@class UNNotification, UNNotificationTrigger, UNUserNotificationCenter;
+@class UNNotificationTrigger, UNUserNotificationCenter;
 
 typedef NSUInteger UNAuthorizationOptions;
 constexpr UNAuthorizationOptions UNAuthorizationOptionAlert = 1 << 2;
@@ -23,6 +23,18 @@ constexpr UNNotificationPresentationOptions UNNotificationPresentationOptionBann
 + (instancetype)requestWithIdentifier:(NSString *)identifier
                               content:(UNNotificationContent *)content
                               trigger:(UNNotificationTrigger *)trigger;
+@property(readonly, copy) NSString *identifier;
+@end
+
+@interface UNNotification : NSObject
+@property(readonly, copy) UNNotificationRequest *request;
+@end
+
+extern NSString *const UNNotificationDefaultActionIdentifier;
+
+@interface UNNotificationResponse : NSObject
+@property(readonly, copy) UNNotification *notification;
+@property(readonly, copy) NSString *actionIdentifier;
 @end
 
 @protocol UNUserNotificationCenterDelegate <NSObject>
@@ -30,6 +42,9 @@ constexpr UNNotificationPresentationOptions UNNotificationPresentationOptionBann
 - (void)userNotificationCenter:(UNUserNotificationCenter *)center
        willPresentNotification:(UNNotification *)notification
          withCompletionHandler:(void (^)(UNNotificationPresentationOptions options))completionHandler;
+- (void)userNotificationCenter:(UNUserNotificationCenter *)center
+    didReceiveNotificationResponse:(UNNotificationResponse *)response
+             withCompletionHandler:(void (^)(void))completionHandler;
 @end
 
 @interface UNUserNotificationCenter : NSObject
