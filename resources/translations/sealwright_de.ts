@@ -520,7 +520,7 @@ wurde bewegt oder gelöscht.</translation>
     </message>
     <message>
         <source>No Developer ID identities found</source>
-        <translation>Keine Developer-ID-Identitäten gefunden</translation>
+        <translation>Keine Developer ID gefunden</translation>
     </message>
     <message>
         <source>Cannot Read Extra Entitlements</source>
@@ -795,7 +795,7 @@ In das ausgewählte Feld gehört der Name des anwendungsspezifischen Passworts.<
     </message>
     <message>
         <source>Name of its keychain item</source>
-        <translation>Name des Eintrags im Schlüsselbund</translation>
+        <translation>Name des Eintrags</translation>
     </message>
     <message>
         <source>Needed for a submission: the name of a keychain item.</source>
@@ -815,7 +815,7 @@ In das ausgewählte Feld gehört der Name des anwendungsspezifischen Passworts.<
     </message>
     <message>
         <source>For members of several teams</source>
-        <translation>Für Mitglieder mehrerer Teams</translation>
+        <translation>Mehrere Teams</translation>
     </message>
 </context>
 <context>
@@ -1190,6 +1190,18 @@ In das ausgewählte Feld gehört der Name des anwendungsspezifischen Passworts.<
         <source>Stops the run in progress (Ctrl+.)</source>
         <translation>Bricht den laufenden Vorgang ab (Strg+.)</translation>
     </message>
+    <message>
+        <source>Drop one on this window, or press Submit…</source>
+        <translation>Legen Sie eines auf dieses Fenster, oder drücken Sie „Einreichen …“</translation>
+    </message>
+    <message>
+        <source>Practice</source>
+        <translation>Übung</translation>
+    </message>
+    <message>
+        <source>The notary service of this machine is asked, and not Apple's. What it notarizes is accepted by this machine alone.</source>
+        <translation>Gefragt wird der Beglaubigungsdienst dieses Rechners, nicht der von Apple. Was er beglaubigt, gilt nur auf diesem Rechner.</translation>
+    </message>
 </context>
 <context>
     <name>sealwright::KeychainForm</name>
@@ -1370,6 +1382,10 @@ In das ausgewählte Feld gehört der Name des anwendungsspezifischen Passworts.<
         <source>Empties the log of this window, not the one in the item&apos;s folder</source>
         <translation>Leert das Protokoll dieses Fensters, nicht das im Ordner des Objekts</translation>
     </message>
+    <message>
+        <source>A copy of the item is worked on, and the original is kept. To begin, press %1</source>
+        <translation>Gearbeitet wird an einer Kopie, das Original bleibt erhalten. Zum Beginnen drücken Sie „%1“</translation>
+    </message>
 </context>
 <context>
     <name>sealwright::LogView</name>
@@ -1392,6 +1408,14 @@ In das ausgewählte Feld gehört der Name des anwendungsspezifischen Passworts.<
     <message>
         <source>▸ %1 more lines</source>
         <translation>▸ %1 weitere Zeilen</translation>
+    </message>
+    <message>
+        <source>No errors</source>
+        <translation>Keine Fehler</translation>
+    </message>
+    <message>
+        <source>No steps</source>
+        <translation>Keine Schritte</translation>
     </message>
 </context>
 <context>
@@ -1627,8 +1651,16 @@ In das ausgewählte Feld gehört der Name des anwendungsspezifischen Passworts.<
         <translation>Der Abbruch davor hat ihn an seinem Anfang angehalten, und hier geht nichts weiter. Schließen Sie dieses Dokument und machen Sie in einem neuen weiter.</translation>
     </message>
     <message>
-        <source>Go on in a new document: this one stops its next run at its beginning.</source>
-        <translation>Machen Sie in einem neuen Dokument weiter: Dieses hält seinen nächsten Lauf an dessen Anfang an.</translation>
+        <source>Go on in a new document, which takes the item and its settings along.</source>
+        <translation>Machen Sie in einem neuen Dokument weiter: Es nimmt das Objekt und seine Einstellungen mit.</translation>
+    </message>
+    <message>
+        <source>It lies in the folder “%1”, with the original.</source>
+        <translation>Es liegt mit dem Original im Ordner „%1“.</translation>
+    </message>
+    <message>
+        <source>For practice: other Macs do not accept it.</source>
+        <translation>Zum Üben: Andere Macs erkennen es nicht an.</translation>
     </message>
 </context>
 <context>
@@ -2185,6 +2217,18 @@ In das ausgewählte Feld gehört der Name des anwendungsspezifischen Passworts.<
         <source>will be signed in %1 places by %2 and uploaded as a zip archive</source>
         <translation>wird an %1 Stellen von %2 signiert und als Zip-Archiv hochgeladen</translation>
     </message>
+    <message>
+        <source>cannot be signed, since there is no Developer ID</source>
+        <translation>kann nicht signiert werden, da es keine Developer ID gibt</translation>
+    </message>
+    <message>
+        <source>%1, to practise</source>
+        <translation>%1, zum Üben</translation>
+    </message>
+    <message>
+        <source>volume “%1”</source>
+        <translation>Volume „%1“</translation>
+    </message>
 </context>
 <context>
     <name>sealwright::SettingsSection</name>
@@ -2200,8 +2244,8 @@ In das ausgewählte Feld gehört der Name des anwendungsspezifischen Passworts.<
         <translation>Erste Schritte</translation>
     </message>
     <message>
-        <source>&lt;b&gt;Welcome.&lt;/b&gt; To sign and submit, Sealwright needs a signing identity and a key of the notary service.</source>
-        <translation>&lt;b&gt;Willkommen.&lt;/b&gt; Zum Signieren und Einreichen braucht Sealwright eine Identität und einen Schlüssel des Beglaubigungsdienstes.</translation>
+        <source>&lt;b&gt;Welcome.&lt;/b&gt; Sealwright needs a signing identity and a notary key.</source>
+        <translation>&lt;b&gt;Willkommen.&lt;/b&gt; Sealwright braucht eine Identität und einen Schlüssel.</translation>
     </message>
     <message>
         <source>Practise on This Machine…</source>
@@ -2215,6 +2259,14 @@ In das ausgewählte Feld gehört der Name des anwendungsspezifischen Passworts.<
         <source>Not Now</source>
         <translation>Nicht jetzt</translation>
     </message>
+    <message>
+        <source>&lt;b&gt;Ready to practise.&lt;/b&gt; Drop an app, plug-in, package or disk image on this window. What is notarized so counts on this machine alone.</source>
+        <translation>&lt;b&gt;Bereit zum Üben.&lt;/b&gt; Legen Sie App, Plug-in, Paket oder Image auf dieses Fenster. Was so beglaubigt wird, gilt nur auf diesem Rechner.</translation>
+    </message>
+    <message>
+        <source>&lt;b&gt;Ready.&lt;/b&gt; Drop an app, plug-in, package or disk image on this window.</source>
+        <translation>&lt;b&gt;Bereit.&lt;/b&gt; Legen Sie App, Plug-in, Paket oder Image auf dieses Fenster.</translation>
+    </message>
 </context>
 <context>
     <name>sealwright::SetupDialog</name>
@@ -2227,7 +2279,7 @@ In das ausgewählte Feld gehört der Name des anwendungsspezifischen Passworts.<
         <translation>Einrichten</translation>
     </message>
     <message>
-        <source>Practise on this machine</source>
+        <source>Practise on This Machine</source>
         <translation>Auf diesem Rechner üben</translation>
     </message>
     <message>
@@ -2321,8 +2373,8 @@ In das ausgewählte Feld gehört der Name des anwendungsspezifischen Passworts.<
         <translation>Lässt Code, den eine App oder ein Plug-in enthält, so signiert, wie er ist</translation>
     </message>
     <message>
-        <source>There is no Developer ID to sign with.</source>
-        <translation>Es gibt keine Developer ID zum Signieren.</translation>
+        <source>Account &gt; Set Up… adds one.</source>
+        <translation>„Konto &gt; Einrichten …“ fügt eine hinzu.</translation>
     </message>
     <message>
         <source>&amp;Upload as a disk image</source>
@@ -2350,6 +2402,14 @@ In das ausgewählte Feld gehört der Name des anwendungsspezifischen Passworts.<
     <message>
         <source>Began at %1</source>
         <translation>Begonnen um %1</translation>
+    </message>
+    <message>
+        <source>Upload to this machine's service</source>
+        <translation>Zum Dienst dieses Rechners hochladen</translation>
+    </message>
+    <message>
+        <source>Wait for its result</source>
+        <translation>Auf dessen Ergebnis warten</translation>
     </message>
 </context>
 <context>
@@ -2385,8 +2445,8 @@ In das ausgewählte Feld gehört der Name des anwendungsspezifischen Passworts.<
         <translation>In diesem Ordner fehlt %1. Sealwright würde damit nicht arbeiten.</translation>
     </message>
     <message>
-        <source>The toolchain that came with Sealwright</source>
-        <translation>Die Werkzeuge, die mit Sealwright kamen</translation>
+        <source>Sealwright's own</source>
+        <translation>Die von Sealwright</translation>
     </message>
     <message>
         <source>&amp;Choose…</source>

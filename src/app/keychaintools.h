@@ -18,6 +18,9 @@ public:
     /// Whether there is a keychain that can be managed from here.
     bool isThere() const { return !m_program.isEmpty(); }
 
+    /// Those of the application that manages it.
+    platform::Preferences &preferences() const { return m_host.preferences; }
+
     /// What the program printed, or what went wrong.
     using Answer = platform::Result<QString>;
     /// Starts the program and returns at once. The end is told on the main thread, unless the context has

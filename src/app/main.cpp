@@ -6,6 +6,7 @@
 #include "ui/endingnotices.h"
 #include "ui/language.h"
 #include "ui/launcherentry.h"
+#include "ui/practice.h"
 #include "ui/uploadprogress.h"
 
 #include <QApplication>
@@ -40,6 +41,7 @@ void describe()
 {
     QApplication::setOrganizationName(u"Sealwright"_s);
     QApplication::setApplicationName(u"Sealwright"_s);
+    QApplication::setApplicationDisplayName(u"Sealwright"_s); // which stands behind the title of each window
     QApplication::setApplicationVersion(QStringLiteral(SEALWRIGHT_VERSION));
     QApplication::setDesktopFileName(u"org.sealwright.Sealwright"_s);
     QApplication::setWindowIcon(QIcon(u":/icons/org.sealwright.Sealwright.png"_s));
@@ -91,6 +93,7 @@ Ending runDesktopApplication()
     const EndingNotices notices(delegate);
     QObject::connect(qApp, &QGuiApplication::applicationStateChanged, &delegate,
                      &AppDelegate::lookAtKeychain); // others lock and unlock it meanwhile
+    practice::ask(host.services(), delegate.keychainProgram(), delegate);
     if (QGuiApplication::platformName() != "offscreen"_L1)
         new platform::FileChooserPortal(QDBusConnection::sessionBus(), qApp); // the windows look for it there
     host.application().setPendingOpens([&bus] { bus.takeArrivedCalls(); });

@@ -15,6 +15,9 @@ namespace {
 
 constexpr int iconSize = 48;
 constexpr int charactersAcross = 48; // at least, or a short text would stand in a narrow column
+constexpr int charactersAcrossLong = 68; // of a text that would else be too tall for its page
+constexpr qsizetype longText = 500; // characters
+constexpr int beside = 3 * iconSize; // pixels: the icon, and what is free round the text
 constexpr auto cancelTitle = "Cancel"_L1;
 
 /// The one that cancels, else the one that takes note and does nothing more, else the last.
@@ -50,7 +53,7 @@ void AlertBox::styleText()
     for (const QString &name : {u"qt_msgbox_label"_s, u"qt_msgbox_informativelabel"_s}) {
         if (auto *const label = findChild<QLabel *>(name)) {
             label->setTextFormat(Qt::PlainText);
-            label->setMinimumWidth(label->fontMetrics().averageCharWidth() * charactersAcross);
+            label->setMinimumWidth(widthOfText());
         }
     }
     if (auto *const message = findChild<QLabel *>(u"qt_msgbox_label"_s)) {
@@ -58,6 +61,13 @@ void AlertBox::styleText()
         font.setBold(true);
         message->setFont(font);
     }
+}
+
+int AlertBox::widthOfText() const
+{
+    const bool isLong = informativeText().size() > longText;
+    const int wanted = fontMetrics().averageCharWidth() * (isLong ? charactersAcrossLong : charactersAcross);
+    return parentWidget() ? qMin(wanted, qMax(0, parentWidget()->width() - beside)) : wanted;
 }
 
 void AlertBox::addButtons(const QStringList &titles)

@@ -20,6 +20,7 @@ public:
     int answer() const;
 
 private:
+    int widthOfText() const;
     void addButtons(const QStringList &titles);
     void styleText();
 

@@ -3,6 +3,7 @@
 #include <QBoxLayout>
 #include <QEvent>
 #include <QPushButton>
+#include <QStyle>
 
 namespace sealwright {
 
@@ -41,9 +42,23 @@ int BannerRow::widthOfButtons() const
     return width;
 }
 
+/// Where the buttons would be wider than the banner they do without.
+void BannerRow::showPicturesWithin(int room)
+{
+    const int side = m_banner.style()->pixelMetric(QStyle::PM_ButtonIconSize, nullptr, &m_banner);
+    const auto show = [this](int size) {
+        for (QPushButton *const button : m_present)
+            button->setIconSize({size, size});
+    };
+    show(side);
+    if (widthOfButtons() > room)
+        show(0);
+}
+
 void BannerRow::arrange()
 {
     const int words = m_banner.fontMetrics().averageCharWidth() * charactersOfWords;
+    showPicturesWithin(m_banner.contentsRect().width());
     const int buttons = widthOfButtons();
     const bool isBeside = buttons == 0 || words + buttons <= m_banner.contentsRect().width();
     m_all->setDirection(isBeside ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);

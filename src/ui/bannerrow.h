@@ -28,6 +28,7 @@ protected:
 
 private:
     int widthOfButtons() const;
+    void showPicturesWithin(int room);
 
     QWidget &m_banner;
     QBoxLayout *m_all;

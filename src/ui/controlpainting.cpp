@@ -10,6 +10,7 @@ namespace sealwright {
 namespace {
 
 constexpr qreal radius = 5; // pixels, of a corner
+constexpr qreal usualAscent = 14; // pixels, of a font that the pictures are drawn for
 constexpr qreal radiusOfBox = 3.5;
 constexpr qreal radiusOfFrame = 2; // what is in a frame has sharp corners
 constexpr qreal radiusOfCard = 8;
@@ -97,12 +98,15 @@ void drawTick(QPainter &painter, const QRectF &box, const QColor &colour)
     painter.drawPolyline(QPolygonF({at(0.24, 0.52), at(0.43, 0.71), at(0.77, 0.31)}));
 }
 
-void drawArrow(QPainter &painter, const QRectF &place, const QColor &colour)
+/// Grows with the font, as what stands beside it.
+void drawArrow(QPainter &painter, const QRectF &place, const QStyleOption &option)
 {
+    const qreal scale = qMax(1.0, option.fontMetrics.ascent() / usualAscent);
     const QPointF middle = place.center();
-    painter.setPen(QPen(colour, 1.6, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-    painter.drawPolyline(
-        QPolygonF({middle + QPointF(-4, -2), middle + QPointF(0, 2), middle + QPointF(4, -2)}));
+    const QColor colour = option.palette.color(QPalette::ButtonText);
+    painter.setPen(QPen(colour, 1.6 * scale, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.drawPolyline(QPolygonF(
+        {middle + scale * QPointF(-4, -2), middle + scale * QPointF(0, 2), middle + scale * QPointF(4, -2)}));
 }
 
 } // namespace
@@ -155,13 +159,13 @@ void controlpainting::drawComboBox(QPainter &painter, const QStyleOptionComboBox
 {
     drawButton(painter, option, Weight::ordinary);
     const Soft soft(painter);
-    drawArrow(painter, arrow, option.palette.color(QPalette::ButtonText));
+    drawArrow(painter, arrow, option);
 }
 
 void controlpainting::drawPopupArrow(QPainter &painter, const QStyleOption &option, const QRect &place)
 {
     const Soft soft(painter);
-    drawArrow(painter, place, option.palette.color(QPalette::ButtonText));
+    drawArrow(painter, place, option);
 }
 
 void controlpainting::drawCard(QPainter &painter, const QStyleOption &option)

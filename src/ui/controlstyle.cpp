@@ -221,6 +221,11 @@ bool ControlStyle::drawPlain(ControlElement element, const QStyleOption &option,
     }
     if (element == CE_Splitter)
         return true; // the space says enough
+    if (const auto *const popup = qstyleoption_cast<const QStyleOptionComboBox *>(&option);
+        element == CE_ComboBoxLabel && popup && !popup->editable) {
+        drawTitle(*popup, painter, widget);
+        return true;
+    }
     if (element != CE_PushButtonLabel)
         return false;
     QStyleOptionButton label(*qstyleoption_cast<const QStyleOptionButton *>(&option));
@@ -243,6 +248,17 @@ void ControlStyle::drawMenuButton(const QStyleOptionToolButton &button, QPainter
     controlpainting::drawPopupArrow(painter, plain, place);
     plain.rect = visualRect(button.direction, button.rect, button.rect.adjusted(0, 0, -arrow, 0));
     QProxyStyle::drawControl(CE_ToolButtonLabel, &plain, &painter, widget);
+}
+
+/// Shortened where the popup is too narrow for it.
+void ControlStyle::drawTitle(const QStyleOptionComboBox &popup, QPainter &painter,
+                             const QWidget *widget) const
+{
+    QStyleOptionComboBox fitted(popup);
+    const int beside = 2 * fieldMargin + (popup.currentIcon.isNull() ? 0 : popup.iconSize.width());
+    const int room = subControlRect(CC_ComboBox, &popup, SC_ComboBoxEditField, widget).width() - beside;
+    fitted.currentText = popup.fontMetrics.elidedText(popup.currentText, Qt::ElideRight, room);
+    QProxyStyle::drawControl(CE_ComboBoxLabel, &fitted, &painter, widget);
 }
 
 void ControlStyle::drawGroup(const QStyleOptionGroupBox &group, QPainter &painter) const
@@ -299,6 +315,10 @@ int ControlStyle::pixelMetric(PixelMetric metric, const QStyleOption *option, co
     switch (metric) {
     case PM_IndicatorWidth:
     case PM_IndicatorHeight:
+    case PM_SmallIconSize:
+    case PM_ButtonIconSize:
+    case PM_TabCloseIndicatorWidth:
+    case PM_TabCloseIndicatorHeight:
         return widget ? qMax(given, widget->fontMetrics().ascent() + 2) : given;
     case PM_TabBarTabShiftHorizontal:
     case PM_TabBarTabShiftVertical:

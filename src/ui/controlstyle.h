@@ -2,6 +2,7 @@
 
 #include <QProxyStyle>
 
+class QStyleOptionComboBox;
 class QStyleOptionGroupBox;
 class QStyleOptionToolButton;
 
@@ -34,6 +35,7 @@ public:
 private:
     bool isPlain() const;
     void drawMenuButton(const QStyleOptionToolButton &button, QPainter &painter, const QWidget *widget) const;
+    void drawTitle(const QStyleOptionComboBox &popup, QPainter &painter, const QWidget *widget) const;
     void drawGroup(const QStyleOptionGroupBox &group, QPainter &painter) const;
     bool drawPlain(PrimitiveElement element, const QStyleOption &option, QPainter &painter) const;
     bool drawPlain(ControlElement element, const QStyleOption &option, QPainter &painter,

@@ -37,6 +37,8 @@ namespace sealwright {
 
 namespace {
 
+constexpr int lowPage = 640; // pixels, less than a window on a screen of 1024 by 768 has
+
 /// Of what is dragged, the items that would be taken.
 QStringList itemsOf(const QMimeData &data, const platform::Host &host)
 {
@@ -84,20 +86,27 @@ DocumentPage::DocumentPage(MainWinController &document)
     m_banners = {m_setupBanner, locked, m_banner, findChild<WaitingBanner *>()};
     for (QWidget *const banner : m_banners)
         banner->installEventFilter(this);
-    makeRoomForBanners();
+    shareRoom();
 }
 
-void DocumentPage::makeRoomForBanners()
+void DocumentPage::shareRoom()
 {
     const bool isCrowded = std::any_of(m_banners.cbegin(), m_banners.cend(),
                                        [](const QWidget *banner) { return !banner->isHidden(); });
-    m_logPane->setRoom(isCrowded ? LogPane::Room::little : LogPane::Room::plenty);
+    const bool hasLittleRoom = isCrowded || height() < lowPage;
+    m_logPane->setRoom(hasLittleRoom ? LogPane::Room::little : LogPane::Room::plenty);
+}
+
+void DocumentPage::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    shareRoom();
 }
 
 bool DocumentPage::eventFilter(QObject *watched, QEvent *event)
 {
     if (event->type() == QEvent::ShowToParent || event->type() == QEvent::HideToParent)
-        makeRoomForBanners();
+        shareRoom();
     return QWidget::eventFilter(watched, event);
 }
 

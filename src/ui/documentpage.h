@@ -63,12 +63,13 @@ protected:
     void dragLeaveEvent(QDragLeaveEvent *event) override;
     void dropEvent(QDropEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
 
 private:
     bool isWithoutItem() const;
     void takeHere(const QString &path);
     QWidget *makeParts();
-    void makeRoomForBanners();
+    void shareRoom();
 
     MainWinController &m_document;
     ItemLook *m_look;

@@ -20,6 +20,7 @@ void ElidedLabel::paintEvent(QPaintEvent *)
     QPainter painter(this);
     const QString shown = fontMetrics().elidedText(text(), Qt::ElideMiddle, contentsRect().width());
     const auto along = int(alignment() & Qt::AlignHorizontal_Mask);
+    painter.setPen(palette().color(foregroundRole()));
     painter.drawText(contentsRect(), along | Qt::AlignVCenter | Qt::TextSingleLine, shown);
 }
 

@@ -19,6 +19,8 @@ using icons::Command;
 namespace {
 
 constexpr QChar paragraphSeparator(0x2029);
+constexpr int charactersOfWords = 16; // that are seen while they are typed
+constexpr int charactersOfResult = 12;
 
 QToolButton *makeButton(QWidget *parent, const QString &text, Command picture, const QString &name,
                         const QString &toolTip)
@@ -26,7 +28,6 @@ QToolButton *makeButton(QWidget *parent, const QString &text, Command picture, c
     auto *const button = named(new QToolButton(parent), name, text);
     button->setText(text);
     button->setIcon(icons::of(picture));
-    button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     button->setToolTip(toolTip);
     button->setFocusPolicy(Qt::TabFocus);
     return button;
@@ -64,7 +65,8 @@ FindBar::FindBar(QPlainTextEdit &text, QWidget *parent)
     row->setContentsMargins(0, 0, 0, 0);
     row->addWidget(m_words, 1);
     row->addWidget(m_result);
-    for (QToolButton *const button : {previous, next, done})
+    m_buttons = {previous, next, done};
+    for (QToolButton *const button : m_buttons)
         row->addWidget(button);
     connect(m_words, &QLineEdit::textChanged, this, &FindBar::findWhileTyping);
     connect(m_words, &QLineEdit::returnPressed, this, &FindBar::findNext);
@@ -97,6 +99,18 @@ void FindBar::findNext()
 void FindBar::findPrevious()
 {
     find(Direction::backward);
+}
+
+/// Where the words would have no room the buttons are their pictures alone.
+void FindBar::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    int needed = fontMetrics().averageCharWidth() * (charactersOfWords + charactersOfResult);
+    for (const QToolButton *const button : m_buttons)
+        needed += fontMetrics().horizontalAdvance(button->text()) + 3 * button->iconSize().width();
+    const auto style = needed <= width() ? Qt::ToolButtonTextBesideIcon : Qt::ToolButtonIconOnly;
+    for (QToolButton *const button : m_buttons)
+        button->setToolButtonStyle(style);
 }
 
 void FindBar::keyPressEvent(QKeyEvent *event)

@@ -1,10 +1,12 @@
 #pragma once
 
+#include <QList>
 #include <QWidget>
 
 class QLabel;
 class QLineEdit;
 class QPlainTextEdit;
+class QToolButton;
 
 namespace sealwright {
 
@@ -31,6 +33,7 @@ Q_SIGNALS:
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
 
 private:
     enum class Direction { forward, backward };
@@ -44,6 +47,7 @@ private:
     QPlainTextEdit &m_text;
     QLineEdit *m_words;
     QLabel *m_result;
+    QList<QToolButton *> m_buttons;
 };
 
 } // namespace sealwright

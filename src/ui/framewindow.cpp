@@ -10,6 +10,7 @@
 
 #include <QAction>
 #include <QCloseEvent>
+#include <QGuiApplication>
 #include <QMenuBar>
 #include <QScreen>
 #include <QStyle>
@@ -31,6 +32,17 @@ constexpr QPoint grip{80, 20}; // where in a frame of its own the pointer holds 
 QRect globalRect(const QWidget &widget)
 {
     return {widget.mapToGlobal(QPoint(0, 0)), widget.size()};
+}
+
+/// The place nearest to that one at which all of the window can be seen, as far as the screen has room.
+QPoint onScreen(QPoint place, QSize size)
+{
+    const QScreen *const screen = QGuiApplication::screenAt(place + grip);
+    if (!screen)
+        return place;
+    const QRect room = screen->availableGeometry();
+    return {std::clamp(place.x(), room.left(), std::max(room.left(), room.right() + 1 - size.width())),
+            std::clamp(place.y(), room.top(), std::max(room.top(), room.bottom() + 1 - size.height()))};
 }
 
 } // namespace
@@ -324,7 +336,7 @@ void FrameWindow::dropTab(WidgetWindow &window, QPoint globalPosition)
         return window.show();
     }
     FrameWindow &own = moveToOwnFrame(window);
-    own.move(globalPosition - grip);
+    own.move(onScreen(globalPosition - grip, own.frameGeometry().size()));
     window.show();
 }
 

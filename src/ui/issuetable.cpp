@@ -4,8 +4,10 @@
 #include "platform/workspace.h"
 #include "ui/emptyhint.h"
 #include "ui/named.h"
+#include "ui/runsign.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QBoxLayout>
 #include <QClipboard>
 #include <QGuiApplication>
@@ -28,7 +30,10 @@ namespace {
 
 constexpr int messageColumn = 3;
 constexpr qreal rowHeight = 1.6; // of the text's
-constexpr int mostLetters = 44; // of a column, as wide as it is at first
+constexpr int pathColumn = 1;
+constexpr int fewestLetters = 20; // of a message beside the others, before it takes more lines
+constexpr int mostOfPath = 30; // percent of the width
+constexpr int mostWrapped = 100; // rows; more are measured while a person waits
 
 struct Column {
     QString key;
@@ -66,6 +71,13 @@ void dress(QTableWidgetItem &cell, const QPalette &palette)
     cell.setForeground(palette.link());
 }
 
+bool hasLinks(const QJsonArray &issues)
+{
+    return std::any_of(issues.cbegin(), issues.cend(), [](const auto &issue) {
+        return !issue.toObject().value("docUrl"_L1).toString().isEmpty();
+    });
+}
+
 QStringList headings()
 {
     QStringList texts;
@@ -92,7 +104,7 @@ IssueTable::IssueTable(MainWinController &document, QWidget *parent)
     m_table->horizontalHeader()->setDefaultAlignment(Qt::AlignLeading | Qt::AlignVCenter);
     m_table->horizontalHeader()->setHighlightSections(false);
     m_table->horizontalHeader()->moveSection(messageColumn, 1); // what matters stands where it is seen
-    m_table->setWordWrap(false);
+    m_table->setWordWrap(true);
     m_table->setTextElideMode(Qt::ElideMiddle);
     m_table->setShowGrid(false);
     m_table->verticalHeader()->setDefaultSectionSize(qRound(fontMetrics().height() * rowHeight));
@@ -108,6 +120,12 @@ IssueTable::IssueTable(MainWinController &document, QWidget *parent)
     connect(&document.serviceIssues, &Observable::changed, this, &IssueTable::showIssues);
     connect(m_table, &QTableWidget::itemClicked, this, &IssueTable::openLink);
     connect(m_copy, &QPushButton::clicked, this, &IssueTable::copyRows);
+    connect(m_table->horizontalHeader(), &QHeaderView::sectionResized, this, [this] {
+        if (m_isFitting)
+            return;
+        m_isChosen = QApplication::mouseButtons() != Qt::NoButton || m_isChosen;
+        fitRows();
+    });
     showIssues();
 }
 
@@ -146,25 +164,56 @@ void IssueTable::showIssues()
         for (int column = 0; column < m_table->columnCount(); ++column) {
             const QString text = issue.value(columns()[column].key).toString();
             auto *const cell = new QTableWidgetItem(text);
+            if (column == 0)
+                cell->setIcon(signOf(text));
             cell->setToolTip(text);
             m_table->setItem(row, column, cell);
             dress(*cell, palette());
         }
     }
     m_table->setSortingEnabled(true);
+    m_table->setColumnHidden(linkColumn(), !hasLinks(issues));
     fitColumns();
     m_copy->setEnabled(m_table->rowCount() > 0);
 }
 
-/// A message is short and is read as a whole; a long path leaves it its place.
+QIcon IssueTable::signOf(const QString &severity) const
+{
+    const auto state = severity == "error"_L1 ? StepState::failed : StepState::cancelled;
+    return {runsign::pixmap(state, palette(), fontMetrics().height(), devicePixelRatioF())};
+}
+
+/// All of a message can be read, in as many lines as that takes, and nothing is scrolled sideways for it.
 void IssueTable::fitColumns()
 {
-    const int most = mostLetters * fontMetrics().averageCharWidth();
+    if (m_isChosen || m_table->rowCount() == 0)
+        return;
+    m_isFitting = true;
     m_table->resizeColumnsToContents();
+    const int most = m_table->viewport()->width() * mostOfPath / 100;
+    m_table->setColumnWidth(pathColumn, qMin(most, m_table->columnWidth(pathColumn)));
+    int room = m_table->viewport()->width();
     for (int column = 0; column < m_table->columnCount(); ++column) {
-        if (column != messageColumn)
-            m_table->setColumnWidth(column, qMin(most, m_table->columnWidth(column)));
+        const bool isNeeded = column != linkColumn() && column != messageColumn;
+        room -= isNeeded ? m_table->columnWidth(column) : 0;
     }
+    const int least = fewestLetters * fontMetrics().averageCharWidth();
+    m_table->setColumnWidth(messageColumn, qMin(m_table->columnWidth(messageColumn), qMax(least, room)));
+    fitRows();
+    m_isFitting = false;
+}
+
+void IssueTable::fitRows()
+{
+    if (m_table->rowCount() <= mostWrapped)
+        m_table->resizeRowsToContents();
+}
+
+void IssueTable::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    layout()->activate();
+    fitColumns();
 }
 
 /// Those that are selected, or all; from top to bottom.

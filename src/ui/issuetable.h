@@ -19,10 +19,15 @@ class IssueTable : public QWidget {
 public:
     explicit IssueTable(MainWinController &document, QWidget *parent = nullptr);
 
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+
 private:
     void addAction(const QString &text, const QList<QKeySequence> &keys, void (IssueTable::*method)());
     void showIssues();
+    [[nodiscard]] QIcon signOf(const QString &severity) const;
     void fitColumns();
+    void fitRows();
     [[nodiscard]] QList<int> rowsToCopy() const;
     void copyRows();
     void openLink(const QTableWidgetItem *cell);
@@ -31,6 +36,8 @@ private:
     MainWinController &m_document;
     QTableWidget *m_table;
     QPushButton *m_copy;
+    bool m_isFitting = false;
+    bool m_isChosen = false; ///< how wide the columns are
 };
 
 } // namespace sealwright

@@ -3,17 +3,20 @@
 #include "document/mainwincontroller.h"
 #include "platform/itempath.h"
 #include "platform/mainqueue.h"
+#include "platform/preferences.h"
 #include "platform/workerqueue.h"
 #include "run/item.h"
 #include "run/status.h"
 #include "ui/bindings.h"
 #include "ui/busybar.h"
 #include "ui/elidedlabel.h"
+#include "ui/hintedlabel.h"
 #include "ui/itemfacts.h"
 #include "ui/itemicon.h"
 #include "ui/itemlook.h"
 #include "ui/keepplace.h"
 #include "ui/named.h"
+#include "ui/practice.h"
 #include "ui/profilebutton.h"
 #include "ui/progresstext.h"
 #include "ui/statuspill.h"
@@ -35,7 +38,11 @@ namespace {
 
 constexpr int charactersOfProgress = 26; // that the bar is as wide as
 constexpr int charactersOfLongProgress = 46;
+constexpr int lettersOfProfile = 24;
+constexpr int fewLettersOfProfile = 10;
+constexpr int charactersOfShortProgress = 16;
 constexpr int charactersOfWideHeader = 140;
+constexpr int charactersOfNarrowHeader = 80;
 constexpr int interval = 1000; // milliseconds between two looks at the time
 constexpr int linesOfIcon = 3; // that it is as tall as
 constexpr qreal itemNameScale = 1.35;
@@ -48,8 +55,10 @@ ItemHeader::ItemHeader(MainWinController &document, const ItemLook &look, QWidge
     , m_look(look)
     , m_icon(named(new QLabel(this), u"itemIcon"_s, tr("Icon of the item")))
     , m_statusWord(new StatusPill(this))
+    , m_profile(new ProfileButton(document, this))
+    , m_practice(new QLabel(tr("Practice"), this))
     , m_progressText(named(new ElidedLabel(this), u"progressText"_s, tr("What is going on")))
-    , m_facts(named(new ElidedLabel(this), u"itemFacts"_s, tr("About the item")))
+    , m_facts(named(new HintedLabel(this), u"itemFacts"_s, tr("About the item")))
     , m_seconds(*this, interval, [this] { showProgress(); })
 {
     m_statusWord->setObjectName(u"statusString"_s);
@@ -62,7 +71,9 @@ ItemHeader::ItemHeader(MainWinController &document, const ItemLook &look, QWidge
              &document.dontSignEnclosuresCheckbox, &document.submitAppButton})
         connect(control, &Control::changed, this, &ItemHeader::showItem);
     connect(&look, &ItemLook::ended, this, &ItemHeader::heedLook);
-    connect(&document.progressIndicator, &Control::changed, this, &ItemHeader::offerChoice);
+    connect(&document.progressIndicator, &Control::changed, this, &ItemHeader::followItem);
+    connect(&document.host().preferences.changes, &Observable::changed, this, &ItemHeader::showPractice);
+    showPractice();
     showItem();
 }
 
@@ -76,23 +87,68 @@ QWidget *ItemHeader::makeLines()
     grid->addWidget(makeItemName(), 0, 0, 1, 2);
     grid->addWidget(makeProgress(), 0, 2);
     grid->addWidget(makeCancelButton(), 0, 3);
-    grid->addWidget(new ProfileButton(m_document, this), 0, 4);
-    grid->addWidget(m_statusWord, 1, 0);
-    grid->addWidget(m_facts, 1, 1, 1, 4); // below the others: it is long
+    grid->addWidget(m_profile, 0, 4);
+    grid->addWidget(makeState(), 1, 0, Qt::AlignTop);
+    grid->addWidget(makeFacts(), 1, 1, 1, 4); // below the others: it is long
     grid->setHorizontalSpacing(fontMetrics().averageCharWidth() * 2);
     return lines;
 }
 
+/// In as many lines as it takes: what is about to become of an item is read before a button is pressed.
+QWidget *ItemHeader::makeFacts()
+{
+    constexpr int room = 2; // pixels above and below, as the status word beside it has
+    QSizePolicy policy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    policy.setHeightForWidth(true);
+    m_facts->setSizePolicy(policy);
+    m_facts->setTextFormat(Qt::PlainText);
+    m_facts->setWordWrap(true);
+    m_facts->setContentsMargins(0, room, 0, room);
+    return m_facts;
+}
+
 void ItemHeader::showItem()
 {
-    const bool hasItem = !m_document.appletNameField.stringValue().isEmpty();
-    const QString path = hasItem ? itempath::fromUrl(m_document.originalAppletURL()) : QString();
+    const QString path = placeOfItem(m_document);
     const int side = m_icon->fontMetrics().height() * linesOfIcon;
     m_icon->setFixedSize(side, side);
     m_icon->setPixmap(itemicon::pictureOf(m_document.host().files, path, side));
     survey(path);
     showFacts();
     offerChoice();
+}
+
+/// A run that has ended well has moved its item.
+void ItemHeader::followItem()
+{
+    if (!m_document.progressIndicator.isAnimating() && placeOfItem(m_document) != m_surveyed)
+        showItem();
+    else
+        offerChoice();
+}
+
+/// So that nobody takes what is only practised for the real thing.
+void ItemHeader::showPractice()
+{
+    m_practice->setVisible(practice::isOn(m_document.host().preferences));
+}
+
+QWidget *ItemHeader::makeState()
+{
+    QFont font = m_practice->font();
+    font.setBold(true);
+    m_practice->setFont(font);
+    m_practice->setObjectName(u"practiceSign"_s);
+    m_practice->setToolTip(
+        tr("The notary service of this machine is asked, and not Apple's. What it notarizes is "
+           "accepted by this machine alone."));
+    m_practice->setVisible(false);
+    auto *const place = new QWidget(this);
+    auto *const row = new QHBoxLayout(place);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->addWidget(m_statusWord);
+    row->addWidget(m_practice);
+    return place;
 }
 
 bool ItemHeader::isWithoutItem() const
@@ -105,6 +161,7 @@ void ItemHeader::offerChoice()
 {
     m_icon->setCursor(isWithoutItem() ? Qt::PointingHandCursor : Qt::ArrowCursor);
     m_icon->setToolTip(isWithoutItem() ? tr("Chooses an item, and submits it") : QString());
+    m_facts->setHint(isWithoutItem() ? tr("Drop one on this window, or press Submit…") : QString());
 }
 
 void ItemHeader::mouseReleaseEvent(QMouseEvent *event)
@@ -124,7 +181,6 @@ void ItemHeader::showFacts()
         facts.append(itemfacts::intention(m_document, m_surveyed, m_survey.places));
     facts.removeAll(QString());
     m_facts->setText(facts.join(u" · "_s));
-    m_facts->setToolTip(m_facts->text());
 }
 
 /// A look at a bundle finds all of this out too. Where nothing looks, or it cannot, the bundle is walked.
@@ -142,11 +198,11 @@ void ItemHeader::survey(const QString &path)
 
 void ItemHeader::heedLook(const QJsonObject &examination)
 {
-    if (!Item(m_surveyed).isBundle() || m_look.item() != m_surveyed)
+    if (m_surveyed.isEmpty() || m_look.item() != m_surveyed)
         return;
     if (!examination.isEmpty())
         take(surveyIn(examination));
-    else if (m_survey == ItemSurvey())
+    else if (Item(m_surveyed).isBundle() && m_survey == ItemSurvey())
         walk();
 }
 
@@ -165,7 +221,11 @@ void ItemHeader::walk()
 
 void ItemHeader::take(const ItemSurvey &survey)
 {
+    const bool isFile = !Item(m_surveyed).isBundle();
+    const qint64 bytesOfFile = m_survey.bytes;
     m_survey = survey;
+    if (isFile) // as large as it lies there, and not as what is in it
+        m_survey.bytes = bytesOfFile;
     showFacts();
 }
 
@@ -196,7 +256,6 @@ QWidget *ItemHeader::makeItemName()
 QWidget *ItemHeader::makeProgress()
 {
     auto *const place = m_progressPlace = new QWidget(this);
-    place->setFixedWidth(fontMetrics().averageCharWidth() * charactersOfProgress);
     m_progressText->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     m_progress = named(new BusyBar(place), u"progressIndicator"_s, tr("Progress"));
     keepPlace(*m_progress);
@@ -212,13 +271,23 @@ QWidget *ItemHeader::makeProgress()
     return place;
 }
 
-/// In a wide window all of the text has its place, in a narrow one the name of the item does.
+/// In a wide window all of the text has its place; in a narrow one, and while nothing goes on, the name of
+/// the item does.
 void ItemHeader::resizeEvent(QResizeEvent *event)
 {
     QWidget::resizeEvent(event);
+    shareWidth();
+}
+
+void ItemHeader::shareWidth()
+{
     const int letter = fontMetrics().averageCharWidth();
-    const bool isWide = width() > letter * charactersOfWideHeader;
-    m_progressPlace->setFixedWidth(letter * (isWide ? charactersOfLongProgress : charactersOfProgress));
+    const int letters = width() / letter;
+    const int wanted = letters > charactersOfWideHeader ? charactersOfLongProgress
+        : letters > charactersOfNarrowHeader            ? charactersOfProgress
+                                                        : charactersOfShortProgress;
+    m_progressPlace->setFixedWidth(letter * wanted);
+    m_profile->setRoom(letters > charactersOfNarrowHeader ? lettersOfProfile : fewLettersOfProfile);
 }
 
 /// A run that a cancel of an earlier one has stopped keeps its document busy; nothing goes on in it.

@@ -12,8 +12,10 @@ namespace sealwright {
 
 class BusyBar;
 class ElidedLabel;
+class HintedLabel;
 class ItemLook;
 class MainWinController;
+class ProfileButton;
 
 /// What a document is about and how far it has come: the item's icon, name and facts, what it is about to
 /// become, the status word, and while a workflow runs its progress and the way to cancel it.
@@ -32,10 +34,15 @@ protected:
 private:
     QWidget *makeItemName();
     QWidget *makeProgress();
+    QWidget *makeFacts();
     void showProgress();
+    void shareWidth();
     QPushButton *makeCancelButton();
     QWidget *makeLines();
+    QWidget *makeState();
+    void showPractice();
     void showItem();
+    void followItem();
     bool isWithoutItem() const;
     void offerChoice();
     void showFacts();
@@ -48,8 +55,10 @@ private:
     const ItemLook &m_look;
     QLabel *m_icon;
     QLabel *m_statusWord;
+    ProfileButton *m_profile;
+    QLabel *m_practice;
     ElidedLabel *m_progressText;
-    ElidedLabel *m_facts;
+    HintedLabel *m_facts;
     QString m_surveyed; ///< path of the item that the survey is of; empty without one
     ItemSurvey m_survey; ///< as far as it is known
     QWidget *m_progressPlace = nullptr;

@@ -3,6 +3,7 @@
 #include "app/appdelegate.h"
 #include "document/documentdefaults.h"
 #include "document/mainwincontroller.h"
+#include "platform/fileservice.h"
 #include "platform/itempath.h"
 #include "platform/mainqueue.h"
 #include "platform/workerqueue.h"
@@ -18,6 +19,16 @@ namespace {
 constexpr int patience = 300; ///< milliseconds that further changes have to come
 
 } // namespace
+
+QString placeOfItem(const MainWinController &document)
+{
+    if (document.appletNameField.stringValue().isEmpty())
+        return {};
+    const platform::FileService &files = document.host().files;
+    const QString chosen = itempath::fromUrl(document.originalAppletURL());
+    const QString copy = itempath::fromUrl(document.appletURL());
+    return !files.isReachable(chosen) && !copy.isEmpty() && files.isReachable(copy) ? copy : chosen;
+}
 
 ItemLook::ItemLook(MainWinController &document, QObject *parent)
     : QObject(parent)
@@ -40,8 +51,17 @@ void ItemLook::watchChoices()
     connect(&m_document.appletNameField, &Control::changed, this, &ItemLook::lookSoon);
     connect(&m_document.extraEntitlementsURL, &Observable::changed, this, &ItemLook::lookSoon);
     connect(&m_document.useDiskImage, &Observable::changed, this, &ItemLook::lookSoon);
+    connect(&m_document.progressIndicator, &Control::changed, this, &ItemLook::followItem);
     for (const CheckboxDefault &setting : checkboxDefaults())
         connect(&(m_document.*setting.checkbox), &Control::changed, this, &ItemLook::lookSoon);
+}
+
+/// A run that has ended well has moved its item.
+void ItemLook::followItem()
+{
+    const bool isOver = !m_document.progressIndicator.isAnimating();
+    if (isOver && !m_item.isEmpty() && m_item != placeOfItem(m_document))
+        lookSoon();
 }
 
 void ItemLook::lookSoon()
@@ -55,7 +75,7 @@ void ItemLook::lookSoon()
 
 void ItemLook::look()
 {
-    m_item = itempath::fromUrl(m_document.originalAppletURL());
+    m_item = placeOfItem(m_document);
     if (m_item.isEmpty())
         return;
     Q_EMIT begun();

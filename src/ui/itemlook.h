@@ -8,6 +8,10 @@ namespace sealwright {
 
 class MainWinController;
 
+/// Where the document's item lies now: where it was chosen, or, once a run has put that away, where the run
+/// has left it. Empty without an item. Main thread.
+[[nodiscard]] QString placeOfItem(const MainWinController &document);
+
 /// The look at a document's item, by the program that reads files nobody vouches for. It begins by itself
 /// when an item is chosen or dropped, and again when a choice changes that matters; nothing of the run
 /// changes. All parts of the window that tell of the item's contents have them from here, so that it is
@@ -31,6 +35,7 @@ Q_SIGNALS:
 
 private:
     void watchChoices();
+    void followItem();
     void lookSoon();
     void look();
 

@@ -40,6 +40,7 @@ QLineEdit *KeychainForm::addField(const Field &field)
     m_rows->addRow(settingrows::makeCaption(this, field.label, *edit), edit);
     connect(edit, &QLineEdit::textChanged, this, &KeychainForm::showState);
     connect(edit, &QLineEdit::returnPressed, this, &KeychainForm::press);
+    m_lastField = edit;
     return edit;
 }
 
@@ -58,14 +59,19 @@ QLineEdit *KeychainForm::addFile(const Field &field, const QString &filter)
                                tr("Choose: %1").arg(settingrows::plainLabel(field.label)));
     choose->setAutoDefault(false);
     connect(choose, &QPushButton::clicked, this, [this, edit, filter] { chooseFile(*edit, filter); });
+    putBeside(*edit, *choose);
+    return edit;
+}
+
+void KeychainForm::putBeside(QLineEdit &field, QPushButton &button)
+{
     auto *const row = new QHBoxLayout;
-    const QFormLayout::TakeRowResult taken = m_rows->takeRow(edit);
-    row->addWidget(edit, 1);
-    row->addWidget(choose);
+    const QFormLayout::TakeRowResult taken = m_rows->takeRow(&field);
+    row->addWidget(&field, 1);
+    row->addWidget(&button);
     m_rows->addRow(taken.labelItem->widget(), row);
     delete taken.labelItem;
     delete taken.fieldItem;
-    return edit;
 }
 
 void KeychainForm::chooseFile(QLineEdit &field, const QString &filter)
@@ -77,20 +83,28 @@ void KeychainForm::chooseFile(QLineEdit &field, const QString &filter)
                        });
 }
 
-QPushButton &KeychainForm::addButton(const QString &name, const QString &title)
+QPushButton &KeychainForm::addButton(const QString &name, const QString &title, ButtonPlace place)
 {
-    m_rows->addRow(m_state);
     m_button = named(new QPushButton(title, this), name, settingrows::plainLabel(title));
     m_button->setAutoDefault(false);
     connect(m_button, &QPushButton::clicked, this, &KeychainForm::press);
-    auto *const row = new QHBoxLayout;
-    row->addStretch(1);
-    row->addWidget(m_button);
-    m_rows->addRow(row);
+    if (place == ButtonPlace::besideLastField)
+        putBeside(*m_lastField, *m_button);
+    m_rows->addRow(m_state);
+    if (place == ButtonPlace::belowAll)
+        addBelow(*m_button);
     m_state->setObjectName(name + u"State"_s);
     m_button->setEnabled(lacks().isEmpty());
     m_state->setVisible(false); // nobody has typed anything
     return *m_button;
+}
+
+void KeychainForm::addBelow(QPushButton &button)
+{
+    auto *const row = new QHBoxLayout;
+    row->addStretch(1);
+    row->addWidget(&button);
+    m_rows->addRow(row);
 }
 
 void KeychainForm::showState()

@@ -35,8 +35,11 @@ protected:
     QLineEdit *addSecret(const Field &field);
     /// A field for the path of a file, with a panel to choose it in. `filter` as QFileDialog has it.
     QLineEdit *addFile(const Field &field, const QString &filter);
+    /// Where the button of a form stands: a window of little height has no row for it alone.
+    enum class ButtonPlace { besideLastField, belowAll };
     /// Ends the form.
-    QPushButton &addButton(const QString &name, const QString &title);
+    QPushButton &addButton(const QString &name, const QString &title,
+                           ButtonPlace place = ButtonPlace::besideLastField);
     /// Shows a text where the outcome stands.
     void tellFailure(const QString &text);
     void tellSuccess(const QString &text);
@@ -46,6 +49,8 @@ protected:
     virtual QList<keychain::Command> commands() const = 0;
 
 private:
+    void putBeside(QLineEdit &field, QPushButton &button);
+    void addBelow(QPushButton &button);
     void showState();
     void press();
     void finish(const KeychainTools::Answer &answer);
@@ -55,6 +60,7 @@ private:
     const KeychainTools m_keychain;
     QFormLayout *const m_rows;
     QLabel *const m_state;
+    QLineEdit *m_lastField = nullptr;
     QPushButton *m_button = nullptr;
     QList<QLineEdit *> m_secrets;
     bool m_isAtWork = false;

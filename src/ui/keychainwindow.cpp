@@ -2,9 +2,11 @@
 
 #include "document/applicationinterface.h"
 #include "platform/applicationhost.h"
+#include "ui/framewindow.h"
 #include "ui/keychainforms.h"
 #include "ui/named.h"
 #include "ui/protectionpage.h"
+#include "ui/relaunchplace.h"
 #include "ui/settingrows.h"
 #include "ui/statetext.h"
 #include "ui/toplevel.h"
@@ -15,6 +17,7 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
+#include <QScreen>
 #include <QTabWidget>
 
 using namespace Qt::StringLiterals;
@@ -23,7 +26,8 @@ namespace sealwright {
 
 namespace {
 
-constexpr QSize firstSize{640, 480};
+constexpr int charactersAcross = 92; // of the window at first
+constexpr int linesDown = 32;
 constexpr int leastRows = 4; // of the list
 
 } // namespace
@@ -67,8 +71,10 @@ KeychainWindow::KeychainWindow(const platform::Host &host, const QString &progra
     auto *const rows = new QVBoxLayout(this);
     rows->addWidget(m_pages, 1);
     rows->addWidget(m_answer);
-    auto *const anew = makeButton(this, u"keychainStartAnew"_s, tr("Start Sealwright Anew"),
-                                  [this] { m_host.application.relaunch(); });
+    auto *const anew = makeButton(this, u"keychainStartAnew"_s, tr("Start Sealwright Anew"), [this] {
+        rememberPlace();
+        m_host.application.relaunch();
+    });
     auto *const foot = new QHBoxLayout;
     auto *const hint = new QLabel(tr("Sealwright reads the identities when it starts."), this);
     hint->setForegroundRole(QPalette::PlaceholderText);
@@ -77,8 +83,19 @@ KeychainWindow::KeychainWindow(const platform::Host &host, const QString &progra
     foot->addWidget(anew);
     rows->addLayout(foot);
     toplevel::closeByKeys(*this);
-    resize(firstSize);
+    const QFontMetrics letters = fontMetrics();
+    const QSize wanted(letters.averageCharWidth() * charactersAcross, letters.lineSpacing() * linesDown);
+    resize(wanted.boundedTo(screen()->availableSize()));
     listIdentities();
+}
+
+/// Of the window in which a person goes on, which this one is not.
+void KeychainWindow::rememberPlace()
+{
+    for (const QWidget *const top : QApplication::topLevelWidgets()) {
+        if (top->isVisible() && qobject_cast<const FrameWindow *>(top))
+            return relaunchplace::remember(m_host.preferences, *top);
+    }
 }
 
 // Identities

@@ -33,6 +33,7 @@ Q_SIGNALS:
     void protectionChanged();
 
 private:
+    void rememberPlace();
     QWidget *makeIdentities();
     QWidget *makePasswords();
     QWidget *makeLookup(QWidget *parent);

@@ -24,7 +24,7 @@ namespace sealwright {
 namespace {
 
 constexpr int leastLines = 8;
-constexpr int leastLinesBelowABanner = 4; // which with a large font takes the room of the others
+constexpr int leastLinesBelowABanner = 3; // which with a large font takes the room of the others
 
 } // namespace
 
@@ -36,9 +36,11 @@ LogPane::LogPane(MainWinController &document, QWidget *parent)
 {
     m_log->setAcceptDrops(false); // files that are dropped here are for the window
     const auto showHint = [this] {
-        m_log->setPlaceholderText(
-            tr("Drop an app, plug-in, package or disk image on this window, or press %1")
-                .arg(shown(m_document.submitAppButton.title())));
+        const bool hasItem = m_document.submitAppButton.action() == Action::doDirectSubmit;
+        const QString hint = hasItem
+            ? tr("A copy of the item is worked on, and the original is kept. To begin, press %1")
+            : tr("Drop an app, plug-in, package or disk image on this window, or press %1");
+        m_log->setPlaceholderText(hint.arg(shown(m_document.submitAppButton.title())));
     };
     connect(&document.submitAppButton, &Control::changed, m_log, showHint);
     showHint();

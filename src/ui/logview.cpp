@@ -114,10 +114,27 @@ QRectF LogView::placeOfFold(const QTextBlock &head) const
     return {QPointF(left, block.bottom() - (line.height() + size.height()) / 2), size};
 }
 
+/// A line that is as wide as the view ends before the fold, as one that is too long does.
+void LogView::shortenBehind(QPainter &painter, const QTextBlock &head, const QRectF &place) const
+{
+    const QTextLine line = head.layout()->lineAt(head.layout()->lineCount() - 1);
+    const QRectF block = blockBoundingGeometry(head).translated(contentOffset());
+    if (block.left() + line.naturalTextRect().right() <= place.left())
+        return;
+    const QString more(u'…');
+    const qreal width = fontMetrics().horizontalAdvance(more) + foldMargin;
+    const QRectF rest(place.left() - width, place.top(), viewport()->width() - place.left() + width,
+                      place.height());
+    painter.fillRect(rest, palette().color(QPalette::Base));
+    painter.setPen(palette().color(QPalette::Text));
+    painter.drawText(rest, Qt::AlignLeft | Qt::AlignVCenter, more);
+}
+
 void LogView::drawFold(QPainter &painter, const QTextBlock &head) const
 {
     const QRectF place = placeOfFold(head);
     const QColor ground = theme::groundOf(theme::Meaning::underway, palette());
+    shortenBehind(painter, head, place);
     painter.setPen(Qt::NoPen);
     painter.setBrush(ground);
     painter.drawRoundedRect(place, place.height() / 2, place.height() / 2);
@@ -127,20 +144,28 @@ void LogView::drawFold(QPainter &painter, const QTextBlock &head) const
 }
 
 /// In the middle: at the edge it would look like a line of the log.
-void LogView::drawHint()
+void LogView::drawHint(const QString &hint)
 {
     QPainter painter(viewport());
     painter.setFont(QApplication::font(this));
     painter.setPen(palette().color(QPalette::PlaceholderText));
     const QRect room = viewport()->rect().adjusted(marginOfHint, marginOfHint, -marginOfHint, -marginOfHint);
-    painter.drawText(room, Qt::AlignCenter | Qt::TextWordWrap, placeholderText());
+    painter.drawText(room, Qt::AlignCenter | Qt::TextWordWrap, hint);
+}
+
+/// The last line, which is empty, is always in sight.
+bool LogView::hidesAll() const
+{
+    return filter() != LogFilter::all && isSettled() && document()->lineCount() <= 1;
 }
 
 void LogView::paintEvent(QPaintEvent *event)
 {
     if (document()->isEmpty())
-        return drawHint();
+        return drawHint(placeholderText());
     QPlainTextEdit::paintEvent(event);
+    if (hidesAll())
+        return drawHint(filter() == LogFilter::errors ? tr("No errors") : tr("No steps"));
     QPainter painter(viewport());
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setFont(font());

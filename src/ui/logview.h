@@ -21,6 +21,8 @@ public:
 
     LogFilter filter() const { return m_folds.filter(); }
     void setFilter(LogFilter filter) { m_folds.setFilter(filter); }
+    /// Whether the filter leaves nothing to see.
+    bool hidesAll() const;
     /// Whether every line is as the filter and the folds have it.
     bool isSettled() const { return m_folds.isSettled(); }
     /// Lines at the size that the setting has as delivered are shown as large as the interface, others in
@@ -49,8 +51,9 @@ private:
     void scrollToEndSoon();
     QRectF placeOfFold(const QTextBlock &head) const;
     static QString textOfFold(const QTextBlock &head);
-    void drawHint();
+    void drawHint(const QString &hint);
     void drawFold(QPainter &painter, const QTextBlock &head) const;
+    void shortenBehind(QPainter &painter, const QTextBlock &head, const QRectF &place) const;
     QTextBlock foldAt(QPointF position) const;
     QTextCharFormat formatFor(const LogText::Run &run) const;
     QTextCharFormat formatOfTime(const LogText::Run &run) const;

@@ -1,6 +1,7 @@
 #include "ui/notaryservicerow.h"
 
 #include "ui/named.h"
+#include "ui/practice.h"
 #include "ui/statetext.h"
 #include "ui/toplevel.h"
 
@@ -56,8 +57,10 @@ NotaryServiceRow::NotaryServiceRow(KeychainTools keychain, QWidget *parent)
 void NotaryServiceRow::ask()
 {
     m_keychain.run(keychain::presentNotary(), *this, [this](const KeychainTools::Answer &answer) {
-        if (answer)
+        if (answer) {
+            practice::heedService(m_keychain.preferences(), answer->trimmed());
             showChoice(answer->trimmed());
+        }
         tell(answer.error());
     });
 }
@@ -91,8 +94,11 @@ void NotaryServiceRow::useAddress()
 
 void NotaryServiceRow::use(const QString &service)
 {
-    m_keychain.run(keychain::useNotary(service), *this,
-                   [this](const KeychainTools::Answer &answer) { tell(answer.error()); });
+    m_keychain.run(keychain::useNotary(service), *this, [this, service](const KeychainTools::Answer &answer) {
+        if (answer)
+            practice::heedService(m_keychain.preferences(), service);
+        tell(answer.error());
+    });
 }
 
 void NotaryServiceRow::tell(const QString &problem)

@@ -3,7 +3,10 @@
 #include "app/appdelegate.h"
 #include "document/documentcommands.h"
 #include "document/mainwincontroller.h"
+#include "document/profiles.h"
 #include "document/recentwaits.h"
+#include "notarization/staplingsteps.h"
+#include "notarization/uploadstep.h"
 #include "platform/fileservice.h"
 #include "platform/itempath.h"
 #include "platform/workspace.h"
@@ -12,6 +15,7 @@
 #include "ui/bannerrow.h"
 #include "ui/icons.h"
 #include "ui/named.h"
+#include "ui/practice.h"
 #include "ui/progresstext.h"
 #include "ui/runsign.h"
 #include "ui/shown.h"
@@ -43,6 +47,13 @@ QLabel *makeLabel(QWidget *parent, const QString &name)
     label->setTextFormat(Qt::PlainText);
     label->setTextInteractionFlags(Qt::TextSelectableByMouse);
     return label;
+}
+
+/// The rest stands in the sheet and in the log.
+QString firstSentence(const QString &text)
+{
+    const qsizetype end = text.indexOf(u". "_s);
+    return end < 0 ? text : text.left(end + 1);
 }
 
 /// What repeats the latest run; none if nothing is to be repeated.
@@ -141,16 +152,38 @@ void OutcomeBanner::follow()
 {
     if (m_document.stepList.running() && !m_document.stepList.wait())
         m_words = {}; // of the run before
-    m_words.item = m_document.originalFileName();
+    m_words.item = nameOfResult();
     m_words.finding = findingIn(m_document.serviceIssues());
     show(withAdvice(outcomeOf(m_document.stepList, m_words)));
     m_seconds.setIsWanted(m_outcome.kind == RunOutcome::Kind::cancelled);
 }
 
+/// What has been stapled: the item, or the disk image that was made of it.
+QString OutcomeBanner::nameOfResult() const
+{
+    const auto &rows = m_document.stepList.rows();
+    const bool isStapled = !rows.isEmpty() && rows.last().step == step::staple;
+    const QString uploaded = m_document.submitFilePath();
+    return isStapled && m_document.useDiskImage() && !uploaded.isEmpty() ? itempath::lastComponent(uploaded)
+                                                                         : m_document.originalFileName();
+}
+
+/// Whether this run has come so far that its folder holds an identifier of its own.
+bool OutcomeBanner::isPastUpload() const
+{
+    const auto &rows = m_document.stepList.rows();
+    const auto upload =
+        std::find_if(rows.cbegin(), rows.cend(), [](const auto &row) { return row.step == step::upload; });
+    return upload == rows.cend() || upload->state == StepState::done;
+}
+
 /// A cancel that found no tool running outlives its run, and stops the next one of the document.
 RunOutcome OutcomeBanner::withAdvice(RunOutcome outcome) const
 {
-    if (outcome.kind != RunOutcome::Kind::cancelled || !m_document.cancelPressed())
+    if (outcome.kind != RunOutcome::Kind::cancelled)
+        return outcome;
+    outcome.sentence = firstSentence(shown(outcome.sentence));
+    if (!m_document.cancelPressed())
         return outcome;
     if (m_document.progressIndicator.isAnimating()) {
         outcome.title = tr("This run has stopped");
@@ -158,10 +191,30 @@ RunOutcome OutcomeBanner::withAdvice(RunOutcome outcome) const
             tr("The cancel before it has stopped it at its beginning, and nothing goes on here. "
                "Close this document, and go on in a new one.");
     } else {
-        outcome.sentence = shown(outcome.sentence) + u' '
-            + tr("Go on in a new document: this one stops its next run at its beginning.");
+        outcome.sentence +=
+            u' ' + tr("Go on in a new document, which takes the item and its settings along.");
     }
     return outcome;
+}
+
+/// Where a person finds what has become of the item, which is no longer where it was; and what it is worth.
+QString OutcomeBanner::withWhereabouts(const QString &sentence) const
+{
+    const bool isDone =
+        m_outcome.kind == RunOutcome::Kind::notarized || m_outcome.kind == RunOutcome::Kind::isSigned;
+    QStringList sentences{sentence};
+    if (const QString name = itempath::lastComponent(folder()); isDone && hasOriginal())
+        sentences.append(tr("It lies in the folder “%1”, with the original.").arg(name));
+    if (m_outcome.kind == RunOutcome::Kind::notarized && practice::isOn(m_document.host().preferences))
+        sentences.append(tr("For practice: other Macs do not accept it."));
+    return sentences.join(u' ');
+}
+
+bool OutcomeBanner::hasOriginal() const
+{
+    const QString base = itempath::withoutExtension(m_document.originalFileName());
+    const QString original = itempath::appending(folder(), workingfolder::unmodifiedOriginalName(base));
+    return m_document.host().files.isReachable(original);
 }
 
 void OutcomeBanner::show(const RunOutcome &outcome)
@@ -170,7 +223,7 @@ void OutcomeBanner::show(const RunOutcome &outcome)
         return;
     m_outcome = outcome;
     m_title->setText(shown(outcome.title));
-    m_sentence->setText(shown(outcome.sentence.trimmed()));
+    m_sentence->setText(withWhereabouts(shown(outcome.sentence.trimmed())));
     m_sentence->setVisible(!outcome.sentence.trimmed().isEmpty());
     const bool isWaiting = outcome.kind == RunOutcome::Kind::waiting;
     const QString waits = progresstext::recentWaits(recentwaits::range(m_document.host().preferences));
@@ -224,7 +277,8 @@ void OutcomeBanner::showButtons()
     const bool stopsNextRun = m_outcome.kind == RunOutcome::Kind::cancelled && m_document.cancelPressed();
     m_newDocument->setVisible(stopsNextRun);
     m_showInFolder->setVisible(m_document.host().files.isReachable(folder()));
-    m_copyIdentifier->setVisible(!identifier().isEmpty());
+    m_showInFolder->setToolTip(folder());
+    m_copyIdentifier->setVisible(isPastUpload() && !identifier().isEmpty());
     m_goOnWaiting->setVisible(isOver && hasGoneWrong && waits::isFolderOfOne(m_document.host(), folder()));
     m_tryAgain->setVisible(isOver && canRepeat && hasGoneWrong && !stopsNextRun);
     m_row->arrange();
@@ -243,10 +297,17 @@ QString OutcomeBanner::identifier() const
     return text ? QString::fromUtf8(*text).trimmed() : QString();
 }
 
+/// With the item and all that has been set for it, ready to be submitted.
 void OutcomeBanner::newDocument()
 {
     constexpr int asTheDesktopLikes = 0;
-    m_document.appDelegate().newDocument(asTheDesktopLikes);
+    ApplicationInterface &application = m_document.appDelegate();
+    application.newDocument(asTheDesktopLikes);
+    MainWinController &next = *application.allControllers().last();
+    if (profiles::apply(next, profiles::profileOf(m_document)))
+        next.profile.set(m_document.profile());
+    if (m_document.host().files.isReachable(itempath::fromUrl(m_document.originalAppletURL())))
+        next.commands().submit.prepareForDirectSubmit(m_document.originalAppletURL(), {});
 }
 
 void OutcomeBanner::showInFolder()

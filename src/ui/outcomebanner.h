@@ -38,6 +38,10 @@ private:
     void follow();
     void show(const RunOutcome &outcome);
     void colour();
+    QString withWhereabouts(const QString &sentence) const;
+    bool hasOriginal() const;
+    QString nameOfResult() const;
+    bool isPastUpload() const;
     void showButtons();
     QLayout *makeWords();
     RunOutcome withAdvice(RunOutcome outcome) const;

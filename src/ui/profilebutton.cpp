@@ -13,15 +13,11 @@
 #include <QInputDialog>
 #include <QMenu>
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace sealwright {
-
-namespace {
-
-constexpr int charactersAcross = 18; // of a name; the list has all of it
-
-} // namespace
 
 ProfileButton::ProfileButton(MainWinController &document, QWidget *parent)
     : QToolButton(parent)
@@ -42,10 +38,16 @@ ProfileButton::ProfileButton(MainWinController &document, QWidget *parent)
     showName();
 }
 
+void ProfileButton::setRoom(int letters)
+{
+    if (std::exchange(m_letters, letters) != letters)
+        showName();
+}
+
 void ProfileButton::showName()
 {
     const QString name = m_document.profile();
-    const int room = fontMetrics().averageCharWidth() * charactersAcross;
+    const int room = fontMetrics().averageCharWidth() * m_letters;
     const QString shown = fontMetrics().elidedText(name, Qt::ElideRight, room);
     setText(name.isEmpty() ? tr("Profile") : withoutMnemonic(shown));
     setAccessibleDescription(name);

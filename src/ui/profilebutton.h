@@ -15,6 +15,9 @@ class ProfileButton : public QToolButton {
 public:
     explicit ProfileButton(MainWinController &document, QWidget *parent = nullptr);
 
+    /// How many letters of a name are shown at most.
+    void setRoom(int letters);
+
 private:
     void showName();
     void fill();
@@ -27,6 +30,7 @@ private:
     MainWinController &m_document;
     const ProfileStore m_store;
     QMenu *const m_menu;
+    int m_letters = 24;
 };
 
 } // namespace sealwright

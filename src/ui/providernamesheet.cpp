@@ -6,6 +6,7 @@
 #include "ui/busybar.h"
 #include "ui/letterbutton.h"
 #include "ui/named.h"
+#include "ui/toplevel.h"
 
 #include <QComboBox>
 #include <QDialogButtonBox>
@@ -47,7 +48,7 @@ ProviderNameSheet::ProviderNameSheet(MainWinController &document, QWidget *paren
 {
     setWindowTitle(tr("Provider Short Name"));
     named(this, u"providerSheetWindow"_s, windowTitle());
-    setMinimumWidth(fontMetrics().averageCharWidth() * charactersAcross);
+    setMinimumWidth(toplevel::widthOfSheet(*this, charactersAcross));
     m_pages = new QStackedWidget(this);
     m_pages->setObjectName(u"providerSheetTabView"_s);
     m_pages->addWidget(makeWaitingPage());

@@ -5,6 +5,12 @@
 
 namespace sealwright {
 
+namespace {
+
+constexpr int mostOfSteps = 44; // percent of the width
+
+} // namespace
+
 RunPanes::RunPanes(MainWinController &document, const ItemLook &look, QWidget *parent)
     : QSplitter(Qt::Horizontal, parent)
     , m_log(new LogPane(document, this))
@@ -14,8 +20,25 @@ RunPanes::RunPanes(MainWinController &document, const ItemLook &look, QWidget *p
     addWidget(m_log);
     addWidget(m_side);
     setStretchFactor(0, 1);
+    connect(this, &QSplitter::splitterMoved, this, [this] { m_isChosen = true; });
     connect(m_side, &QTabWidget::currentChanged, this,
             [this](int page) { showPage(page == 0 ? Page::steps : Page::table); });
+}
+
+void RunPanes::resizeEvent(QResizeEvent *event)
+{
+    QSplitter::resizeEvent(event);
+    share();
+}
+
+/// The log is read, and the steps are looked at.
+void RunPanes::share()
+{
+    if (m_isChosen || m_page != Page::steps)
+        return;
+    const int most = width() * mostOfSteps / 100;
+    const int side = qMin(m_side->sizeHint().width(), qMax(most, m_side->widthOfTabs()));
+    setSizes({qMax(0, width() - side - handleWidth()), side});
 }
 
 void RunPanes::showPage(Page page)

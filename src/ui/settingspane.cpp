@@ -13,7 +13,7 @@ namespace sealwright {
 
 namespace {
 
-constexpr int leastVisibleRows = 4;
+constexpr int leastVisibleRows = 2;
 
 } // namespace
 

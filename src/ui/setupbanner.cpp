@@ -6,6 +6,7 @@
 #include "platform/preferences.h"
 #include "ui/bannerrow.h"
 #include "ui/named.h"
+#include "ui/practice.h"
 #include "ui/theme.h"
 
 #include <QApplication>
@@ -32,17 +33,14 @@ const QString setupDismissed = u"setupDismissed"_s;
 SetupBanner::SetupBanner(MainWinController &document, QWidget *parent)
     : QFrame(parent)
     , m_document(document)
+    , m_text(new QLabel(this))
 {
     named(this, u"setupBanner"_s, tr("First steps"));
     setAutoFillBackground(true);
-    auto *const text = new QLabel(
-        tr("<b>Welcome.</b> To sign and submit, Sealwright needs a signing identity and a key of the notary "
-           "service."),
-        this);
-    text->setObjectName(u"setupText"_s);
-    text->setWordWrap(true);
+    m_text->setObjectName(u"setupText"_s);
+    m_text->setWordWrap(true);
     auto *const words = new QHBoxLayout;
-    words->addWidget(text);
+    words->addWidget(m_text);
     auto *const row = new BannerRow(*this, words);
     layout()->setContentsMargins(2 * edge, edge, edge, edge);
     addButton(*row, u"setupPractice"_s, tr("Practise on This Machine…"), Command::setUp,
@@ -50,7 +48,34 @@ SetupBanner::SetupBanner(MainWinController &document, QWidget *parent)
     addButton(*row, u"setupDeveloperID"_s, tr("Use My Developer ID…"), Command::keychain,
               [this] { Q_EMIT wanted(SetupRoad::developerID); });
     addButton(*row, u"setupNotNow"_s, tr("Not Now"), Command::close, [this] { dismiss(); });
+    connect(&document.appletNameField, &Control::changed, this, &SetupBanner::endWithItem);
     colour();
+    showPhase();
+}
+
+/// What is missing; and once nothing is, what comes next.
+void SetupBanner::showPhase()
+{
+    const platform::Preferences &preferences = m_document.host().preferences;
+    const bool isReady = !isNeeded() && preferences.boolean(setupEnded);
+    for (auto *const button : findChildren<QPushButton *>())
+        button->setVisible(!isReady);
+    if (!isReady)
+        m_text->setText(tr("<b>Welcome.</b> Sealwright needs a signing identity and a notary key."));
+    else if (practice::isOn(preferences))
+        m_text->setText(tr("<b>Ready to practise.</b> Drop an app, plug-in, package or disk image on this "
+                           "window. What is notarized so counts on this machine alone."));
+    else
+        m_text->setText(tr("<b>Ready.</b> Drop an app, plug-in, package or disk image on this window."));
+    setVisible(isNeeded() || isReady);
+}
+
+void SetupBanner::endWithItem()
+{
+    auto &preferences = m_document.host().preferences;
+    if (m_document.appletNameField.stringValue().isEmpty() || !preferences.boolean(setupEnded))
+        return;
+    preferences.remove(setupEnded);
     setVisible(isNeeded());
 }
 

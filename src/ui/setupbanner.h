@@ -6,10 +6,15 @@
 
 #include <functional>
 
+class QLabel;
+
 namespace sealwright {
 
 class BannerRow;
 class MainWinController;
+
+/// A key of the settings: true from the end of the first steps until an item comes.
+inline const QString setupEnded = QStringLiteral("setupEnded");
 
 /// The two ways to what a first submission needs.
 enum class SetupRoad { practice, developerID };
@@ -34,8 +39,11 @@ private:
                    std::function<void()> press);
     void colour();
     void dismiss();
+    void showPhase();
+    void endWithItem();
 
     MainWinController &m_document;
+    QLabel *const m_text;
 };
 
 } // namespace sealwright

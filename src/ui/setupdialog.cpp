@@ -8,7 +8,10 @@
 #include "platform/preferences.h"
 #include "ui/keychainforms.h"
 #include "ui/named.h"
+#include "ui/practice.h"
+#include "ui/relaunchplace.h"
 #include "ui/statetext.h"
+#include "ui/toplevel.h"
 
 #include <QBoxLayout>
 #include <QLabel>
@@ -24,7 +27,6 @@ namespace sealwright {
 namespace {
 
 constexpr int charactersAcross = 84;
-constexpr int marginOfSheets = 40; // pixels, at least, beside one on its page
 
 QLabel *makeText(QWidget *parent, const QString &text)
 {
@@ -84,7 +86,7 @@ SetupDialog::SetupDialog(MainWinController &document, SetupRoad road, QWidget *p
     setWindowTitle(tr("Set Up"));
     auto *const rows = new QVBoxLayout(this);
     rows->addWidget(m_roads);
-    m_roads->addTab(makePractice(), tr("Practise on this machine"));
+    m_roads->addTab(makePractice(), tr("Practise on This Machine"));
     m_roads->addTab(makeDeveloperID(), tr("My Developer ID"));
     m_roads->setCurrentIndex(road == SetupRoad::practice ? 0 : 1);
     m_end->setObjectName(u"setupEnd"_s);
@@ -95,8 +97,7 @@ SetupDialog::SetupDialog(MainWinController &document, SetupRoad road, QWidget *p
     cancel->setAutoDefault(false);
     connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
     rows->addWidget(cancel, 0, Qt::AlignRight);
-    const int room = parent ? parent->width() - 2 * marginOfSheets : QWIDGETSIZE_MAX;
-    setMinimumWidth(qMin(room, fontMetrics().averageCharWidth() * charactersAcross));
+    setMinimumWidth(toplevel::widthOfSheet(*this, charactersAcross));
     checkIdentity();
 }
 
@@ -112,6 +113,7 @@ QWidget *SetupDialog::makePractice()
     connect(form, &KeychainForm::added, this, [this, form] {
         m_identity.clear();
         askOften();
+        practice::heedService(m_document.host().preferences, u"local"_s);
         checkIdentity(form->identity());
         checkCredentials({PracticeForm::item(), PracticeForm::appleID()}, {});
     });
@@ -175,6 +177,7 @@ QLabel *SetupDialog::makeState(QWidget *parent, const QString &name)
 void SetupDialog::follow(CredentialForm &form)
 {
     connect(&form, &KeychainForm::added, this, [this, &form] {
+        practice::heedService(m_document.host().preferences, u"apple"_s);
         checkCredentials({form.item(), form.appleID()}, {keychain::useNotary(u"apple"_s)});
     });
 }
@@ -223,9 +226,11 @@ void SetupDialog::finishIfComplete()
     preferences.setValue(key::lastUsedIdentity, m_identity);
     preferences.setValue(key::appPassValue, m_credentials.item);
     preferences.setValue(key::appleIDValue, m_credentials.appleID);
+    preferences.setValue(setupEnded, true);
     if (isAnyBusy())
         return tell(tr("All is set up. Start Sealwright anew when its runs have ended."));
     tell(tr("All is set up. Sealwright starts anew…"));
+    relaunchplace::remember(preferences, *this);
     m_document.host().application.relaunch();
 }
 

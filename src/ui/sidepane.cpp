@@ -47,6 +47,7 @@ SidePane::SidePane(MainWinController &document, const ItemLook &look, QWidget *p
     connect(&document.stepList, &Observable::changed, this, &SidePane::followRun);
     connect(&document.serviceIssues, &Observable::changed, this, &SidePane::heedIssues);
     connect(&look, &ItemLook::ended, this, &SidePane::heedLook);
+    connect(this, &QTabWidget::currentChanged, this, &SidePane::updateGeometry);
     connect(m_history, &HistoryPane::told, this, [this] { offer(*m_history); });
 }
 
@@ -54,9 +55,23 @@ SidePane::SidePane(MainWinController &document, const ItemLook &look, QWidget *p
 /// a bar that is too short would have buttons to scroll it.
 QSize SidePane::sizeHint() const
 {
+    return {qMax(m_steps->sizeHint().width(), widthOfTabs()), QTabWidget::sizeHint().height()};
+}
+
+int SidePane::widthOfTabs() const
+{
     const int sign = iconSize().width() + besideSign;
-    const int tabs = tabBar()->sizeHint().width() + (pagesWithSign - int(m_signs.size())) * sign;
-    return {qMax(m_steps->sizeHint().width(), tabs), QTabWidget::sizeHint().height()};
+    return tabBar()->sizeHint().width() + (pagesWithSign - int(m_signs.size())) * sign;
+}
+
+/// As low as the page that shows can be: where a window is low, the others take no room from the settings.
+QSize SidePane::minimumSizeHint() const
+{
+    int tallest = 0;
+    for (int page = 0; page < count(); ++page)
+        tallest = qMax(tallest, widget(page)->minimumSizeHint().height());
+    const QSize forAll = QTabWidget::minimumSizeHint();
+    return {forAll.width(), forAll.height() - tallest + currentWidget()->minimumSizeHint().height()};
 }
 
 void SidePane::offer(QWidget &page)

@@ -25,6 +25,9 @@ public:
     SidePane(MainWinController &document, const ItemLook &look, QWidget *parent = nullptr);
 
     QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+    /// With room for the signs that come later. Pixels.
+    int widthOfTabs() const;
 
 protected:
     void changeEvent(QEvent *event) override;

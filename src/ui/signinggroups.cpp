@@ -178,7 +178,7 @@ void SigningGroup::addIdentity(QFormLayout &form)
 /// Speaks while no identity can be chosen.
 QWidget *SigningGroup::makeIdentityHint()
 {
-    auto *const hint = new QLabel(tr("There is no Developer ID to sign with."), this);
+    auto *const hint = new QLabel(tr("Account > Set Up… adds one."), this);
     hint->setObjectName(u"identitiesPopupHint"_s);
     hint->setWordWrap(true);
     QPalette palette;

@@ -1,11 +1,14 @@
 #include "ui/steplistmodel.h"
 
+#include "notarization/pollingsteps.h"
+#include "notarization/uploadstep.h"
 #include "ui/progresstext.h"
 #include "ui/shown.h"
 
 #include <QFont>
 
 #include <algorithm>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -53,6 +56,21 @@ StepListModel::StepListModel(const StepList &steps, QObject *parent)
     refresh();
 }
 
+void StepListModel::setService(Service service)
+{
+    if (std::exchange(m_service, service) != service && !m_rows.isEmpty())
+        Q_EMIT dataChanged(index(0), index(static_cast<int>(m_rows.size()) - 1));
+}
+
+QString StepListModel::nameOf(const Step &step) const
+{
+    if (m_service == Service::ofThisMachine && step == step::upload)
+        return tr("Upload to this machine's service");
+    if (m_service == Service::ofThisMachine && step == step::awaitResult)
+        return tr("Wait for its result");
+    return shown(stepName(step));
+}
+
 int StepListModel::rowCount(const QModelIndex &parent) const
 {
     if (parent.isValid())
@@ -69,7 +87,7 @@ QVariant StepListModel::data(const QModelIndex &index, int role) const
     const StepList::Row &row = m_rows.at(index.row());
     switch (role) {
     case Qt::DisplayRole:
-        return shown(stepName(row.step));
+        return nameOf(row.step);
     case Qt::AccessibleTextRole:
         return spokenText(row);
     case Qt::ToolTipRole:
@@ -104,7 +122,7 @@ QString StepListModel::partsText(const StepList::Row &row) const
 
 QString StepListModel::spokenText(const StepList::Row &row) const
 {
-    QStringList texts{shown(stepName(row.step)) + u": "_s + shown(stateName(row.state))};
+    QStringList texts{nameOf(row.step) + u": "_s + shown(stateName(row.state))};
     for (const QString &more : {partsText(row), durationText(row)}) {
         if (!more.isEmpty())
             texts.append(more);

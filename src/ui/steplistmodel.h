@@ -21,6 +21,10 @@ public:
 
     explicit StepListModel(const StepList &steps, QObject *parent = nullptr);
 
+    /// Whose notary service the steps name.
+    enum class Service { apples, ofThisMachine };
+    void setService(Service service);
+
     int rowCount(const QModelIndex &parent = {}) const override;
     QVariant data(const QModelIndex &index, int role) const override;
 
@@ -35,10 +39,12 @@ private:
     QString durationText(const StepList::Row &row) const;
     QString partsText(const StepList::Row &row) const;
     QString spokenText(const StepList::Row &row) const;
+    QString nameOf(const Step &step) const;
     QVariant waitData(int role) const;
 
     QPointer<const StepList> m_steps;
     QList<StepList::Row> m_rows;
+    Service m_service = Service::apples;
     QString m_waitText; ///< null if the run does not wait for polls
 };
 

@@ -19,7 +19,7 @@ namespace {
 
 constexpr int interval = 1000; // milliseconds
 constexpr int usualRows = 13; // an app's steps and the line about the polls
-constexpr int fewestRows = 4;
+constexpr int fewestRows = 3;
 constexpr int margin = 12; // pixels round what stands there without steps
 
 } // namespace

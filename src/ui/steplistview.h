@@ -17,6 +17,8 @@ class StepListView : public QListView {
 public:
     explicit StepListView(const StepList &steps, QWidget *parent = nullptr);
 
+    StepListModel &steps() const { return *m_model; }
+
     /// Room for the longest name in one line, and for the steps of an app.
     QSize sizeHint() const override;
     /// Room for some steps, whose names then take more lines.

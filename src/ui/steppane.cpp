@@ -1,6 +1,9 @@
 #include "ui/steppane.h"
 
 #include "document/mainwincontroller.h"
+#include "platform/preferences.h"
+#include "ui/practice.h"
+#include "ui/steplistmodel.h"
 #include "ui/steplistview.h"
 
 #include <QBoxLayout>
@@ -16,6 +19,13 @@ StepPane::StepPane(MainWinController &document, QWidget *parent)
     auto *const rows = new QVBoxLayout(this);
     rows->setContentsMargins(rows->spacing(), rows->spacing(), 0, 0); // clear of the handle before it
     rows->addWidget(steps, 1);
+    const auto &preferences = document.host().preferences;
+    const auto nameService = [steps, &preferences] {
+        using Service = StepListModel::Service;
+        steps->steps().setService(practice::isOn(preferences) ? Service::ofThisMachine : Service::apples);
+    };
+    connect(&preferences.changes, &Observable::changed, this, nameService);
+    nameService();
 }
 
 } // namespace sealwright

@@ -46,7 +46,7 @@ ToolFolderRow::ToolFolderRow(platform::Preferences &preferences, QWidget *parent
     auto *const columns = new QGridLayout(this);
     columns->setContentsMargins(0, 0, 0, 0);
     m_path->setObjectName(key::toolRoot);
-    m_path->setPlaceholderText(tr("The toolchain that came with Sealwright"));
+    m_path->setPlaceholderText(tr("Sealwright's own"));
     m_path->setClearButtonEnabled(true);
     bindings::bind(*m_path, preferences, key::toolRoot);
     auto *const choose =

@@ -60,6 +60,14 @@ void toplevel::placeOver(QWidget &window, const QWidget *owner)
                 qMax(screen.top(), qMin(place.top(), screen.bottom() - place.height())));
 }
 
+int toplevel::widthOfSheet(const QWidget &sheet, int characters)
+{
+    constexpr int margin = 40; // pixels, at least, beside it
+    const int wanted = sheet.fontMetrics().averageCharWidth() * characters;
+    const QWidget *const page = sheet.parentWidget();
+    return page ? qMin(wanted, qMax(0, page->width() - 2 * margin)) : wanted;
+}
+
 void toplevel::closeByKeys(QWidget &window)
 {
     for (const QKeySequence &key : {QKeySequence(Qt::Key_Escape), QKeySequence(QKeySequence::Close)})

@@ -14,6 +14,10 @@ void bringToFront(QWidget &window);
 /// Puts a window that is not on screen yet over the middle of another; null leaves its place to the desktop.
 void placeOver(QWidget &window, const QWidget *owner);
 
+/// How wide a sheet may be that wants so many characters side by side: no wider than its page has room, which
+/// is its parent. Pixels.
+[[nodiscard]] int widthOfSheet(const QWidget &sheet, int characters);
+
 /// Closes a window by Escape and by the desktop's key for it.
 void closeByKeys(QWidget &window);
 

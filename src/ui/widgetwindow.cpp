@@ -11,6 +11,7 @@
 #include "ui/logprinter.h"
 #include "ui/outcomebanner.h"
 #include "ui/providernamesheet.h"
+#include "ui/relaunchplace.h"
 #include "ui/setupdialog.h"
 #include "ui/shown.h"
 #include "ui/windoworder.h"
@@ -82,7 +83,9 @@ WidgetWindow::WidgetWindow(MainWinController &document, WindowOrder &order, LogP
     m_sheets.leaveUncovered(m_page.header()); // where a run can be cancelled, whatever is asked
     QObject::connect(&m_page.setupBanner(), &SetupBanner::wanted, &m_page,
                      [this](SetupRoad road) { beginSetup(road); });
-    (new FrameWindow(order))->insertWindow(*this, 0);
+    auto *const frame = new FrameWindow(order);
+    relaunchplace::takeUp(document.host().preferences, *frame);
+    frame->insertWindow(*this, 0);
 }
 
 WidgetWindow::~WidgetWindow()

@@ -1,6 +1,7 @@
 #include "ui/notaryservicerow.h"
 
 #include "support/testhost.h"
+#include "ui/practice.h"
 
 #include <QComboBox>
 #include <QLabel>
@@ -86,4 +87,12 @@ TEST_F(NotaryService, saysWhyAnAddressIsNotTaken)
     host.tools.answer(tool, {});
     choose(1);
     EXPECT_FALSE(problem().isVisible());
+}
+
+TEST_F(NotaryService, thatIsOfThisMachineIsTakenNoteOf)
+{
+    rowFor({.output = "apple\n"});
+    EXPECT_FALSE(practice::isOn(host.preferences));
+    choose(1);
+    EXPECT_TRUE(practice::isOn(host.preferences));
 }

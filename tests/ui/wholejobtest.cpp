@@ -11,6 +11,7 @@
 
 #include <QAccessible>
 #include <QApplication>
+#include <QFileInfo>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QTextBlock>
@@ -28,6 +29,17 @@ protected:
     }
 
     QString log() { return part<QPlainTextEdit>(u"statusTextView"_s).toPlainText(); }
+
+    /// With what has been typed, and to the end.
+    void expectTheWholeJob()
+    {
+        const QList<QStringList> uploads = host.tools.callsOf(u"altool--notarize-app"_s);
+        ASSERT_EQ(uploads.size(), 1);
+        EXPECT_TRUE(uploads.first().contains(u"release@example.com"_s));
+        EXPECT_TRUE(uploads.first().contains(u"@keychain:notary"_s));
+        EXPECT_EQ(host.tools.callsOf(u"stapler"_s).size(), 1);
+        EXPECT_TRUE(QFileInfo::exists(host.item(u"Foo - Notarized/Foo.app"_s)));
+    }
 };
 
 class ByKeysAlone : public WholeJob {
@@ -168,6 +180,7 @@ TEST_F(ByKeysAlone, anItemIsSubmittedNotarizedAndStapledAndItsWindowClosed)
     until([this] { return sheet() == nullptr; });
     EXPECT_TRUE(log().contains(u"Stapling succeeded."_s));
     EXPECT_EQ(document().appleIDField.stringValue(), u"release@example.com"_s);
+    expectTheWholeJob();
     press(Qt::Key_W, Qt::ControlModifier);
     until([this] { return host.application().allControllers().isEmpty(); });
 }
@@ -227,6 +240,7 @@ TEST_F(ByAccessibilityAlone, anItemIsSubmittedNotarizedAndStapled)
     waitForText(QAccessible::StaticText, u"ready"_s);
     waitForText(QAccessible::StaticText, u"Notarized"_s);
     EXPECT_EQ(document().appleIDField.stringValue(), u"release@example.com"_s);
+    expectTheWholeJob();
 }
 
 TEST_F(TypingElsewhere, noKeyIsLostWhenTheOtherDocumentFinishes)
