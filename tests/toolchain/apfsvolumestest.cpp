@@ -48,17 +48,19 @@ protected:
     }
     void TearDown() override { qputenv("PATH", m_pathBefore); }
 
-    /// A disk image of one partition, which begins as an APFS container does.
-    [[nodiscard]] QString imageOfAContainer() const
+    /// A disk image of partitions that begin as an APFS container does.
+    [[nodiscard]] QString imageOfContainers(int count) const
     {
         constexpr qsizetype magicOffset = 32;
         const QString image = path(u"Disk.dmg"_s);
         QFile file(image);
         EXPECT_TRUE(file.open(QIODevice::WriteOnly));
         UdifWriter writer(file.handle(), image.toStdString(), *udif::imageFormat(u"UDZO"_s), 1);
-        writer.beginPartition(u"disk image (Apple_APFS : 4)"_s);
-        writer.write(QByteArray(1 << 20, '\0').replace(magicOffset, 4, "NXSB"));
-        writer.endPartition();
+        for (int number = 0; number < count; ++number) {
+            writer.beginPartition(u"disk image (Apple_APFS : %1)"_s.arg(number));
+            writer.write(QByteArray(1 << 20, '\0').replace(magicOffset, 4, "NXSB"));
+            writer.endPartition();
+        }
         writer.finish();
         EXPECT_TRUE(writer.outcome());
         return image;
@@ -171,7 +173,7 @@ TEST_F(ApfsVolumes, tellHowMuchTheyHold)
 
 TEST_F(ApfsVolumes, inAnImageAreLookedIntoByTheReview)
 {
-    const QString image = imageOfAContainer();
+    const QString image = imageOfContainers(1);
     list({plainFile});
     writeFile(path(u"volume/a/tool"_s), bundlebuilder::machO({}));
     const auto review = review::reviewItem(image, u"Disk.dmg"_s);
@@ -182,7 +184,7 @@ TEST_F(ApfsVolumes, inAnImageAreLookedIntoByTheReview)
 
 TEST_F(ApfsVolumes, inAnImageThatCannotBeReadOrHoldTooMuchAreRefusedByTheReview)
 {
-    const QString image = imageOfAContainer();
+    const QString image = imageOfContainers(1);
     list({"Path = vast\nSize = 99000000000000\nMode = -r--r--r--\nAlternate Stream = -"});
     EXPECT_EQ(messagesOf(image),
               QStringList(u"The archive cannot be read: unpacks to more than can be looked at."_s));
@@ -192,6 +194,14 @@ TEST_F(ApfsVolumes, inAnImageThatCannotBeReadOrHoldTooMuchAreRefusedByTheReview)
         QStringList(u"The archive cannot be read: odd: neither a file, a folder nor a symbolic link."_s));
     writeFile(path(u"broken"_s), "the program reads nothing");
     EXPECT_EQ(messagesOf(image), QStringList(u"The archive cannot be read: corrupt image."_s));
+}
+
+TEST_F(ApfsVolumes, ofWhichAnImageHasSeveralAreRefusedByTheReview)
+{
+    list({plainFile});
+    EXPECT_EQ(messagesOf(imageOfContainers(2)),
+              QStringList(u"The archive cannot be read: it has several volumes, of which only one can be "
+                          "read."_s));
 }
 
 TEST(ApfsListings, mayComeInAnyPieces)

@@ -32,29 +32,47 @@ ImageVolume::ImageVolume(const std::filesystem::path &image)
     findVolume();
 }
 
+bool ImageVolume::isHfs(const udif::Partition &partition)
+{
+    constexpr quint64 fewestSectors = 8; // fewer hold no volume header and no copy of it
+    return partition.sectorCount >= fewestSectors && HfsPlusReader::isVolume(sourceOf(partition));
+}
+
 void ImageVolume::findVolume()
 {
     for (const udif::Partition &partition : m_image.partitions()) {
-        const ByteSource source = sourceOf(partition);
-        constexpr quint64 fewestSectors = 8; // fewer hold no volume header and no copy of it
-        if (partition.sectorCount < fewestSectors || !HfsPlusReader::isVolume(source))
+        if (!isHfs(partition))
             continue;
-        m_volume = std::make_unique<HfsPlusReader>(source);
+        m_volume = std::make_unique<HfsPlusReader>(sourceOf(partition));
         return;
     }
 }
 
-std::shared_ptr<ScratchFile> ImageVolume::apfsContainer()
+qsizetype ImageVolume::countVolumes()
+{
+    return std::count_if(
+        m_image.partitions().begin(), m_image.partitions().end(),
+        [this](const udif::Partition &partition) { return isHfs(partition) || isApfs(partition); });
+}
+
+bool ImageVolume::isApfs(const udif::Partition &partition)
 {
     constexpr qsizetype magicOffset = 32;
+    constexpr quint64 fewestSectors = 2048; // of 512 bytes
+    QByteArray beginning(magicOffset + 4, '\0');
+    return partition.sectorCount >= fewestSectors
+        && m_image.read(partition, 0, beginning.data(), beginning.size()) && beginning.endsWith("NXSB");
+}
+
+std::shared_ptr<ScratchFile> ImageVolume::apfsContainer()
+{
     constexpr quint64 pieceSize = 1 << 20;
     constexpr quint64 blockSize = 4096; // the smallest, and the usual one
     for (const udif::Partition &partition : m_image.partitions()) {
         const quint64 size = partition.sectorCount * udif::sectorSize;
-        QByteArray piece(magicOffset + 4, '\0');
-        if (size < pieceSize || !m_image.read(partition, 0, piece.data(), piece.size())
-            || !piece.endsWith("NXSB"))
+        if (!isApfs(partition))
             continue;
+        QByteArray piece;
         auto file = std::make_shared<ScratchFile>();
         for (quint64 done = 0; done < size; done += pieceSize) {
             piece.resize(qsizetype(std::min(pieceSize, size - done)));

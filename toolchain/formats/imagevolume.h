@@ -28,6 +28,10 @@ public:
     /// Only after a success.
     [[nodiscard]] const HfsPlusReader &volume() const { return *m_volume; }
 
+    /// How many HFS+ volumes and APFS containers the disk has. Looks at each partition, of which one that
+    /// cannot be read makes the outcome of `image()` a failure.
+    [[nodiscard]] qsizetype countVolumes();
+
     /// The bytes of the first APFS volume's container in a file of their own, for another program to read;
     /// nothing if there is none.
     [[nodiscard]] std::shared_ptr<ScratchFile> apfsContainer();
@@ -39,6 +43,8 @@ private:
     [[nodiscard]] ByteSource sourceOf(const udif::Partition &partition);
 
     void findVolume();
+    [[nodiscard]] bool isHfs(const udif::Partition &partition);
+    [[nodiscard]] bool isApfs(const udif::Partition &partition);
 
     std::shared_ptr<ScratchFile> m_disk; ///< what the image is read from if it cannot be read itself
     UdifReader m_image;

@@ -56,6 +56,8 @@ Result<void> unpackImage(const QString &path, const QString &folder, UnpackBudge
 {
     ImageVolume image(path.toStdString());
     const Result<void> readable = image.outcome();
+    if (image.countVolumes() > 1)
+        return Error{u"it has several volumes, of which only one can be read"_s};
     if (readable)
         return copyVolume(image.volume(), folder.toStdString());
     const auto container = image.image().outcome() ? image.apfsContainer() : nullptr;
