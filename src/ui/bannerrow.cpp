@@ -3,6 +3,7 @@
 #include <QBoxLayout>
 #include <QEvent>
 #include <QPushButton>
+#include <QScreen>
 #include <QStyle>
 
 namespace sealwright {
@@ -10,6 +11,7 @@ namespace sealwright {
 namespace {
 
 constexpr int charactersOfWords = 44; // that should fit beside the buttons
+constexpr int besideBanner = 48; // pixels, at most, of its window and in it
 
 } // namespace
 
@@ -58,7 +60,8 @@ void BannerRow::showPicturesWithin(int room)
 void BannerRow::arrange()
 {
     const int words = m_banner.fontMetrics().averageCharWidth() * charactersOfWords;
-    showPicturesWithin(m_banner.contentsRect().width());
+    const int screen = m_banner.screen()->availableSize().width() - besideBanner;
+    showPicturesWithin(qMin(screen, m_banner.contentsRect().width())); // a window is as wide as they are
     const int buttons = widthOfButtons();
     const bool isBeside = buttons == 0 || words + buttons <= m_banner.contentsRect().width();
     m_all->setDirection(isBeside ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
