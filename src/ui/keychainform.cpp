@@ -41,6 +41,8 @@ QLineEdit *KeychainForm::addField(const Field &field)
     connect(edit, &QLineEdit::textChanged, this, &KeychainForm::showState);
     connect(edit, &QLineEdit::returnPressed, this, &KeychainForm::press);
     m_lastField = edit;
+    if (!focusProxy())
+        setFocusProxy(edit);
     return edit;
 }
 
@@ -119,6 +121,8 @@ void KeychainForm::press()
     if (m_isAtWork || !lacks().isEmpty())
         return showState();
     m_isAtWork = true;
+    if (window()->focusWidget() == m_button)
+        setFocus(); // or it would go to whatever comes next, which another Space would press
     m_button->setEnabled(false);
     statetext::put(*m_state, tr("At work…"), theme::Meaning::underway);
     m_keychain.runAll(commands(), *this, [this](const KeychainTools::Answer &answer) { finish(answer); });

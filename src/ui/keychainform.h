@@ -11,8 +11,8 @@ class QPushButton;
 
 namespace sealwright {
 
-/// A few fields and the button that hands them to the keychain. What is still lacking stands below the fields
-/// while a person types, and the button waits for it. Main thread.
+/// A few fields and the button that hands them to the keychain. The first field has its focus. What is still
+/// lacking stands below the fields while a person types, and the button waits for it. Main thread.
 class KeychainForm : public QWidget {
     Q_OBJECT
 

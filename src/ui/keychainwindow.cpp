@@ -49,6 +49,7 @@ void KeychainWindow::present(ApplicationInterface &application, Page page)
     window->m_pages->setCurrentIndex(int(page));
     toplevel::bringToFront(*window);
     window->activateWindow();
+    window->m_pages->currentWidget()->setFocus();
 }
 
 KeychainWindow::KeychainWindow(const platform::Host &host, const QString &program)

@@ -45,6 +45,7 @@ ProtectionPage::ProtectionPage(KeychainTools keychain, QWidget *parent)
     , m_passphrase(new PassphraseForm(m_keychain, this))
 {
     setObjectName(u"keychainProtection"_s);
+    setFocusPolicy(Qt::StrongFocus);
     m_unlock->setObjectName(u"keychainUnlock"_s);
     m_passphrase->setObjectName(u"keychainNewPassphrase"_s);
     m_status->setTextFormat(Qt::PlainText);
@@ -103,12 +104,16 @@ void ProtectionPage::tell(const QString &status)
 
 void ProtectionPage::offer(keychain::State state)
 {
+    const bool hadFocus = isAncestorOf(window()->focusWidget());
+    setFocusProxy(state.isLocked ? m_unlock : m_passphrase);
     const bool isUnderKeyring = state.protection == Protection::secretService;
     m_unlock->setVisible(state.isLocked);
     m_passphrase->setVisible(!state.isLocked);
     m_lock->setVisible(!state.isLocked && state.protection == Protection::passphrase);
     m_useKeyring->setVisible(!state.isLocked && !isUnderKeyring);
     m_useFile->setVisible(isUnderKeyring);
+    if (hadFocus)
+        setFocus(); // what had it may be out of sight now
 }
 
 } // namespace sealwright

@@ -282,6 +282,21 @@ TEST_F(ManagedKeychain, takesANewPassphraseThatIsTypedTwiceAndForgetsIt)
     EXPECT_EQ(first.text() + again.text(), QString());
 }
 
+TEST_F(ManagedKeychain, keepsTheKeyboardWhereOneGoesOn)
+{
+    part<QTabWidget>(u"keychainPages"_s).setCurrentIndex(int(KeychainWindow::Page::protection));
+    lookAgain(unlocked);
+    part<QPushButton>(u"keychainLock"_s).setFocus();
+    host.tools.answer(tool, {.output = locked});
+    press(u"keychainLock"_s);
+    EXPECT_EQ(window->focusWidget(), &part<QLineEdit>(u"unlockPassphrase"_s));
+    part<QLineEdit>(u"unlockPassphrase"_s).setText(u"s3cret"_s);
+    part<QPushButton>(u"unlockButton"_s).setFocus();
+    host.tools.answer(tool, {.output = unlocked});
+    press(u"unlockButton"_s);
+    EXPECT_EQ(window->focusWidget(), &part<QLineEdit>(u"newPassphrase"_s));
+}
+
 TEST_F(ManagedKeychain, keepsAPassphraseThatDidNotUnlockItAndSaysWhy)
 {
     lookAgain(locked);
@@ -365,6 +380,7 @@ TEST_F(LockedKeychain, isUnlockedWhereTheBannerLeads)
     KeychainWindow *const window = openWindow();
     ASSERT_TRUE(window);
     EXPECT_TRUE(window->findChild<QWidget *>(u"keychainUnlock"_s)->isVisible());
+    EXPECT_EQ(window->focusWidget(), window->findChild<QLineEdit *>(u"unlockPassphrase"_s));
     window->findChild<QLineEdit *>(u"unlockPassphrase"_s)->setText(u"s3cret"_s);
     host.tools.answer(tool, {.output = unlocked});
     window->findChild<QPushButton *>(u"unlockButton"_s)->click();
