@@ -9,12 +9,16 @@
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QScopeGuard>
 
 #include <fcntl.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
+#include <optional>
+#include <vector>
 
 using namespace Qt::StringLiterals;
 using bundlebuilder::readFile;
@@ -41,6 +45,19 @@ bool kernelConfines()
     return does;
 }
 
+[[noreturn]] void becomeProgram(const QStringList &command)
+{
+    std::vector<QByteArray> words;
+    for (const QString &word : command)
+        words.push_back(QFile::encodeName(word));
+    std::vector<char *> arguments;
+    for (QByteArray &word : words)
+        arguments.push_back(word.data());
+    arguments.push_back(nullptr);
+    execv(arguments.front(), arguments.data());
+    _exit(127);
+}
+
 /// On a kernel that confines nobody there is nothing to see but that the readers say so.
 class AConfinedProcess : public DiskImageFixture {
 protected:
@@ -57,13 +74,30 @@ protected:
         EXPECT_TRUE(run(examine, {path(u"inside"_s)}).error.contains(u"reads without a sandbox: "_s));
     }
 
-    [[nodiscard]] std::function<void()> confinement() const
+    [[nodiscard]] toolchain::ConfinementPlaces inside() const { return {{path(u"inside"_s)}, {}}; }
+
+    /// Runs a program to its end, in the confinement if there is one. It is entered by a process with memory
+    /// and a stack of its own, which those that QProcess starts do not have.
+    [[nodiscard]] ToolResult runIn(const std::optional<toolchain::ConfinementPlaces> &places,
+                                   const QStringList &command) const
     {
-        return [folder = path(u"inside"_s)] { (void)toolchain::confineThisProcess({{folder}, {}}); };
+        const QByteArray output = QFile::encodeName(path(u"output"_s));
+        const pid_t child = fork();
+        if (child == 0) {
+            dup2(open(output.constData(), O_WRONLY | O_CREAT | O_TRUNC, 0600), STDOUT_FILENO);
+            if (places)
+                (void)toolchain::confineThisProcess(*places);
+            becomeProgram(command);
+        }
+        int status = -1;
+        waitpid(child, &status, 0);
+        return {
+            WIFEXITED(status) ? WEXITSTATUS(status) : -1, QString::fromUtf8(readFile(path(u"output"_s))), {}};
     }
 
     /// Works on "inside" or "outside" in every way that leaves a trace. Answers what has worked.
-    [[nodiscard]] QStringList tracesIn(const QString &folder, const std::function<void()> &inChild) const
+    [[nodiscard]] QStringList tracesIn(const QString &folder,
+                                       const std::optional<toolchain::ConfinementPlaces> &places) const
     {
         const QString script = uR"(
             cd "$0"
@@ -76,8 +110,8 @@ protected:
             mv old moved 2>/dev/null && echo move
             rm -f moved old 2>/dev/null && echo remove
             exit 0)"_s;
-        const ToolResult result = run(u"/bin/sh"_s, {u"-c"_s, script, path(folder)}, {}, inChild);
-        EXPECT_EQ(result.status, 0) << result.error.toStdString();
+        const ToolResult result = runIn(places, {u"/bin/sh"_s, u"-c"_s, script, path(folder)});
+        EXPECT_EQ(result.status, 0);
         return result.output.split(u'\n', Qt::SkipEmptyParts);
     }
 
@@ -102,9 +136,12 @@ protected:
         (void)crafted(u"7z"_s, u"/usr/bin/7z"_s);
         return path(u"crafted.dmg"_s);
     }
-    [[nodiscard]] std::function<void()> withCraftedReader() const
+    /// Until it is gone the crafted reader is found before the real one.
+    [[nodiscard]] auto withCraftedReader() const
     {
-        return [folder = path(u"crafted"_s)] { qputenv("PATH", folder.toLocal8Bit() + ":/usr/bin:/bin"); };
+        auto restore = qScopeGuard([searched = qgetenv("PATH")] { qputenv("PATH", searched); });
+        qputenv("PATH", path(u"crafted"_s).toLocal8Bit() + ":/usr/bin:/bin");
+        return restore;
     }
 };
 
@@ -193,11 +230,11 @@ TEST_F(AConfinedProcess, writesInItsFolderAndNowhereElse)
         return expectComplaint();
     const QStringList all{u"make"_s,     u"change"_s, u"folder"_s, u"link"_s,
                           u"hardlink"_s, u"pipe"_s,   u"move"_s,   u"remove"_s};
-    EXPECT_EQ(tracesIn(u"inside"_s, confinement()), all);
-    EXPECT_EQ(tracesIn(u"outside"_s, confinement()), QStringList());
+    EXPECT_EQ(tracesIn(u"inside"_s, inside()), all);
+    EXPECT_EQ(tracesIn(u"outside"_s, inside()), QStringList());
     EXPECT_EQ(namesIn(path(u"outside"_s)), QStringList{u"old"_s});
     EXPECT_EQ(readFile(path(u"outside/old"_s)), "old");
-    EXPECT_EQ(tracesIn(u"outside"_s, [] {}), all) << "the script would not have shown anything";
+    EXPECT_EQ(tracesIn(u"outside"_s, {}), all) << "the script would not have shown anything";
 }
 
 TEST_F(AConfinedProcess, movesNothingInOrOut)
@@ -205,7 +242,7 @@ TEST_F(AConfinedProcess, movesNothingInOrOut)
     if (!kernelConfines())
         return expectComplaint();
     const auto move = [this](const QString &from, const QString &to) {
-        return run(u"/bin/mv"_s, {path(from), path(to)}, {}, confinement()).status;
+        return runIn(inside(), {u"/bin/mv"_s, path(from), path(to)}).status;
     };
     EXPECT_NE(move(u"outside/old"_s, u"inside/taken"_s), 0);
     EXPECT_NE(move(u"inside/old"_s, u"outside/brought"_s), 0);
@@ -217,9 +254,9 @@ TEST_F(AConfinedProcess, makesFoldersAndRemovesEmptyOnesWhereItMay)
 {
     if (!kernelConfines())
         return expectComplaint();
-    const auto inParent = [this] { (void)toolchain::confineThisProcess({{}, {path(u"outside"_s)}}); };
+    const toolchain::ConfinementPlaces inParent{{}, {path(u"outside"_s)}};
     EXPECT_EQ(tracesIn(u"outside"_s, inParent), QStringList{u"folder"_s});
-    EXPECT_EQ(run(u"/bin/rmdir"_s, {path(u"outside/folder"_s)}, {}, inParent).status, 0);
+    EXPECT_EQ(runIn(inParent, {u"/bin/rmdir"_s, path(u"outside/folder"_s)}).status, 0);
 }
 
 TEST_F(AConfinedProcess, opensNoSocket)
@@ -234,9 +271,8 @@ TEST_F(AConfinedProcess, mayStillWriteIntoNothing)
 {
     if (!kernelConfines())
         return expectComplaint();
-    const ToolResult result =
-        run(u"/bin/sh"_s, {u"-c"_s, u"echo x >/dev/null && echo done"_s}, {}, confinement());
-    EXPECT_EQ(result.output, u"done\n"_s) << result.error.toStdString();
+    const ToolResult result = runIn(inside(), {u"/bin/sh"_s, u"-c"_s, u"echo x >/dev/null && echo done"_s});
+    EXPECT_EQ(result.output, u"done\n"_s);
 }
 
 TEST_F(AConfinedProcess, isThatOfAnExamination)
@@ -261,8 +297,8 @@ TEST_F(AConfinedProcess, isThatOfAnAttach)
     const QString image = craftedImage();
     for (const QStringList &place :
          {QStringList(), {u"-mountpoint"_s, path(u"chosen"_s)}, {u"-mountroot"_s, path(u"roots"_s)}}) {
-        const ToolResult result =
-            run(hdiutil, QStringList{u"attach"_s, image} + place, {}, withCraftedReader());
+        const auto crafted = withCraftedReader();
+        const ToolResult result = run(hdiutil, QStringList{u"attach"_s, image} + place);
         EXPECT_EQ(result.status, 0) << result.error.toStdString();
         EXPECT_EQ(namesIn(mountPointIn(result)), QStringList{u"My App.app"_s});
         EXPECT_FALSE(QFile::exists(mark()));
@@ -285,10 +321,8 @@ TEST_F(AConfinedProcess, isThatOfTheServicesReview)
         return expectComplaint();
     storePassword();
     const QString image = craftedImage();
-    const QByteArray searched = qgetenv("PATH");
-    withCraftedReader()();
+    const auto crafted = withCraftedReader();
     const ToolResult report = pollToTheEnd(uuidIn(upload(image)));
-    qputenv("PATH", searched);
     EXPECT_TRUE(report.output.contains(u"Status: invalid"_s)) << report.output.toStdString();
     EXPECT_FALSE(QFile::exists(mark()));
 }
