@@ -36,12 +36,17 @@ constexpr qsizetype mostItems = 1000;
 
 const QString endless = u"its passphrase would be stretched without end"_s;
 
+void unload(OSSL_PROVIDER *provider)
+{
+    OSSL_PROVIDER_unload(provider);
+}
+using Provider = std::unique_ptr<OSSL_PROVIDER, Freed<unload>>;
+
 /// Keychain Access encrypts certificates with RC2 of 40 bits, which libcrypto has in a provider of its own.
 void loadOldCiphers()
 {
-    static const bool isLoaded =
-        OSSL_PROVIDER_load(nullptr, "default") && OSSL_PROVIDER_load(nullptr, "legacy");
-    static_cast<void>(isLoaded);
+    static const Provider usual(OSSL_PROVIDER_load(nullptr, "default"));
+    static const Provider old(OSSL_PROVIDER_load(nullptr, "legacy"));
     ERR_clear_error();
 }
 
