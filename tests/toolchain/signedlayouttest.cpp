@@ -7,6 +7,7 @@
 #include "toolchain/toolfixture.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QtEndian>
 
@@ -147,6 +148,22 @@ TEST_F(SignedLayout, aLinkersSignatureCountsAsNone)
     EXPECT_EQ(result.error,
               code() + u": signed Mach-O thin (arm64) [code-5555494430313233343536373839616263646566]\n"_s);
     EXPECT_EQ(readCodeSignature(code())->native().best().fields().flags, codeflag::adhoc);
+}
+
+TEST_F(SignedLayout, aFileOfFourGibibytesIsRefusedByNameAndStaysAsItIs)
+{
+    constexpr qint64 fourGibibytes = 4LL << 30;
+    const QByteArray head = bundlebuilder::machO({});
+    writeFile(code(), head);
+    ASSERT_TRUE(QFile::resize(code(), fourGibibytes)); // nearly all of it is a hole
+    const ToolResult result = adHoc({u"-f"_s, code()});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_TRUE(result.error.startsWith(code() + u": "_s)) << result.error.toStdString();
+    EXPECT_TRUE(result.error.contains(u"it has 4 GiB or more"_s)) << result.error.toStdString();
+    QFile file(code());
+    ASSERT_TRUE(file.open(QFile::ReadOnly));
+    EXPECT_EQ(file.size(), fourGibibytes);
+    EXPECT_EQ(file.read(head.size()), head);
 }
 
 TEST_F(SignedLayout, aSignatureThatClaimsTwoGigabytesIsRefusedByName)
