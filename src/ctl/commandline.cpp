@@ -210,32 +210,33 @@ qsizetype editDistance(const QString &one, const QString &other)
     return row.last();
 }
 
+/// Whether the one may be the other with a slip of the finger or two.
+bool isSlipOf(const QString &word, const QString &known)
+{
+    constexpr qsizetype mostSlips = 2;
+    constexpr qsizetype longest = 20; // and what is longer is none that is known
+    return word.size() <= longest && editDistance(word, known) <= mostSlips;
+}
+
 /// What a person may have meant by a word that is no command.
 QString unknownCommand(const QString &word)
 {
-    constexpr qsizetype mostSlips = 2;
     constexpr qsizetype shortest = 4; // of shorter ones two letters are nearly all
-    constexpr qsizetype longest = 20; // and what is longer is none of them
     const QString problem = u"there is no command %1"_s.arg(word);
-    if (word.size() < shortest || word.size() > longest)
-        return problem;
     const QStringList names = commandNames();
-    const auto meant = std::find_if(names.cbegin(), names.cend(), [&word](const QString &name) {
-        return editDistance(word, name) <= mostSlips;
-    });
-    return meant == names.cend() ? problem : u"%1; did you mean %2?"_s.arg(problem, *meant);
+    const auto meant = std::find_if(names.cbegin(), names.cend(),
+                                    [&word](const QString &name) { return isSlipOf(word, name); });
+    return word.size() < shortest || meant == names.cend() ? problem
+                                                           : u"%1; did you mean %2?"_s.arg(problem, *meant);
 }
 
 /// Whether a value is rather an option of `set`, with a slip of the finger.
 bool looksMistyped(const QString &value)
 {
-    constexpr qsizetype mostSlips = 2;
-    constexpr qsizetype longest = 20; // and what is longer is none of them
-    if (!value.startsWith("--"_L1) || value.size() > longest)
-        return false;
     static const QStringList options{u"--unset"_s, u"--document"_s, u"--window"_s};
-    return std::any_of(options.cbegin(), options.cend(),
-                       [&value](const QString &known) { return editDistance(value, known) <= mostSlips; });
+    return value.startsWith("--"_L1)
+        && std::any_of(options.cbegin(), options.cend(),
+                       [&value](const QString &known) { return isSlipOf(value, known); });
 }
 
 Request parseWith(const Grammar &grammar, const QStringList &words, Options options)
