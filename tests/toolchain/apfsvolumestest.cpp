@@ -76,6 +76,12 @@ protected:
 
     [[nodiscard]] QString path(const QString &name) const { return m_folder.filePath(name); }
     [[nodiscard]] QString out() const { return path(u"out"_s); }
+    /// What a copy of the volume comes to.
+    [[nodiscard]] platform::Outcome copied() const
+    {
+        const auto volume = sevenzip::apfsVolume(path(u"disk"_s));
+        return volume ? sevenzip::extractApfs(path(u"disk"_s), *volume, out()) : volume.failure();
+    }
     void list(const QByteArrayList &items) const { writeFile(path(u"listing"_s), listingOf(items)); }
 
 private:
@@ -94,7 +100,7 @@ const QByteArray attribute =
 TEST_F(ApfsVolumes, haveTheirName)
 {
     list({plainFile});
-    EXPECT_EQ(sevenzip::apfsVolumeName(path(u"disk"_s)).valueOr({}), u"Tools: new"_s);
+    EXPECT_EQ(sevenzip::apfsVolume(path(u"disk"_s)).valueOr({}).name, u"Tools: new"_s);
 }
 
 TEST_F(ApfsVolumes, filesHaveTheirAttributes)
@@ -104,8 +110,8 @@ TEST_F(ApfsVolumes, filesHaveTheirAttributes)
     writeFile(path(u"volume/a/tool:com.apple.cs.CodeSignature"_s), "value");
     writeFile(path(u"volume/a/tool:a name with a colon"_s), "file");
     ASSERT_TRUE(QFile::setPermissions(path(u"volume/a/tool"_s), QFile::ReadOwner));
-    const auto copied = sevenzip::extractApfs(path(u"disk"_s), out());
-    ASSERT_TRUE(copied) << copied.error().toStdString();
+    const auto outcome = copied();
+    ASSERT_TRUE(outcome) << outcome.error().toStdString();
     EXPECT_EQ(readAttributes(out() + u"/a/tool"_s).valueOr({}).value("com.apple.cs.CodeSignature"), "value");
     EXPECT_FALSE(QFileInfo::exists(out() + u"/a/tool:com.apple.cs.CodeSignature"_s));
     EXPECT_EQ(std::filesystem::status((out() + u"/a/tool"_s).toStdString()).permissions(),
@@ -119,8 +125,7 @@ TEST_F(ApfsVolumes, attributesWhoseNamesLeadOutAreRefusedByName)
     EXPECT_TRUE(QDir().mkpath(path(u"volume"_s)));
     writeFile(path(u"mine"_s), "mine");
     writeFile(path(u"mine:note"_s), "value");
-    EXPECT_EQ(sevenzip::extractApfs(path(u"disk"_s), out()).error(),
-              u"../mine:note: leads out of the volume"_s);
+    EXPECT_EQ(copied().error(), u"../mine:note: leads out of the volume"_s);
     EXPECT_EQ(readFile(path(u"mine:note"_s)), "value");
     EXPECT_TRUE(readAttributes(path(u"mine"_s)).valueOr({}).isEmpty());
 }
@@ -130,13 +135,12 @@ TEST_F(ApfsVolumes, filesThatTheFileSystemHasCompressedAreRefusedByName)
     list({plainFile,
           "Path = a/packed\nSize = 0\nMode = -rw-r--r--\nMethod = LZFSE-attr\nAlternate Stream = -\nWritten "
           "Size = 116"});
-    EXPECT_EQ(sevenzip::extractApfs(path(u"disk"_s), out()).error(),
-              u"a/packed: compressed by the file system, which cannot be read here"_s);
+    EXPECT_EQ(copied().error(), u"a/packed: compressed by the file system, which cannot be read here"_s);
     EXPECT_TRUE(QDir(out()).isEmpty());
     list({"Path = a/packed\nSize = 116\nMode = -rw-r--r--\nMethod = ZLIB-attr\nAlternate Stream = -\nWritten "
           "Size = 116"});
     EXPECT_TRUE(QDir().mkpath(path(u"volume"_s)));
-    EXPECT_TRUE(sevenzip::extractApfs(path(u"disk"_s), out())); // this 7z reads it
+    EXPECT_TRUE(copied()); // this 7z reads it
 }
 
 TEST_F(ApfsVolumes, devicesAndPipesAreRefusedByName)
@@ -144,8 +148,7 @@ TEST_F(ApfsVolumes, devicesAndPipesAreRefusedByName)
     for (const QByteArray kind : {"c", "b", "p", "s"}) {
         list({linkToIt,
               "Path = odd\nSize = 0\nMode = " + kind + "rw-r--r--\nMethod = \nAlternate Stream = -"});
-        EXPECT_EQ(sevenzip::extractApfs(path(u"disk"_s), out()).error(),
-                  u"odd: neither a file, a folder nor a symbolic link"_s);
+        EXPECT_EQ(copied().error(), u"odd: neither a file, a folder nor a symbolic link"_s);
     }
 }
 
@@ -153,9 +156,9 @@ TEST_F(ApfsVolumes, anEncryptedOneIsNamed)
 {
     writeFile(path(u"broken"_s), "the program reads nothing");
     writeFile(path(u"disk"_s), QByteArray(4096, '\0'));
-    EXPECT_EQ(sevenzip::apfsVolumeName(path(u"disk"_s)).error(), u"corrupt image"_s);
+    EXPECT_EQ(sevenzip::apfsVolume(path(u"disk"_s)).error(), u"corrupt image"_s);
     writeFile(path(u"disk"_s), QByteArray(4096, '\0').replace(1296, 1, "\x07"));
-    EXPECT_EQ(sevenzip::apfsVolumeName(path(u"disk"_s)).error(),
+    EXPECT_EQ(sevenzip::apfsVolume(path(u"disk"_s)).error(),
               u"the volume is encrypted, which cannot be read here"_s);
 }
 

@@ -175,27 +175,16 @@ platform::Result<ApfsVolume> apfsVolume(const QString &file)
         return platform::Error{u"no mountable file systems"_s};
     if (!listing->problem().isEmpty())
         return platform::Error{listing->problem()};
-    return ApfsVolume{listing->volumeName(), listing->count(), listing->size()};
+    return ApfsVolume{listing->volumeName(), listing->count(), listing->size(), listing->attributes()};
 }
 
-platform::Result<QString> apfsVolumeName(const QString &file)
+platform::Outcome extractApfs(const QString &file, const ApfsVolume &volume, const QString &folder)
 {
-    const auto volume = apfsVolume(file);
-    return volume ? platform::Result<QString>(volume->name) : volume.failure();
-}
-
-platform::Outcome extractApfs(const QString &file, const QString &folder)
-{
-    const auto listing = listApfs(file);
-    if (!listing)
-        return listing.failure();
-    if (!listing->problem().isEmpty())
-        return platform::Error{listing->problem()};
     const auto extracted = run({u"x"_s, u"-y"_s, u"-bd"_s, u"-tAPFS"_s, u"-o"_s + folder, u"--"_s, file},
                                [](QByteArrayView) { return true; });
     if (!extracted)
         return extracted.failure();
-    for (const QString &attribute : listing->attributes()) {
+    for (const QString &attribute : volume.attributes) {
         const QString path = folder + u'/' + attribute;
         // The listing has names as the image has them; 7z has unpacked those that lead out under others.
         const bool leadsOut = QFileInfo::exists(path) && !liesBelow(path, folder);

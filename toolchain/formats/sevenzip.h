@@ -43,18 +43,16 @@ struct ApfsVolume {
     QString name;
     qint64 items = 0;
     qint64 size = 0; ///< of all files together, in bytes
+    QStringList attributes; ///< the paths FILE:NAME of extended attributes, relative to the volume
 };
 
-/// The one APFS volume in a file. The error names an encrypted one, and what could not be copied.
+/// The one APFS volume in a file. The error names an encrypted one, and what 7z would not copy as it is:
+/// files that the file system has compressed, devices and pipes.
 [[nodiscard]] platform::Result<ApfsVolume> apfsVolume(const QString &file);
 
-/// Its name.
-[[nodiscard]] platform::Result<QString> apfsVolumeName(const QString &file);
-
-/// Copies what lies on the APFS volumes in a file into an empty folder, with the extended attributes of
-/// files. The error names what 7z would not copy as it is: files that the file system has compressed, devices
-/// and pipes.
-[[nodiscard]] platform::Outcome extractApfs(const QString &file, const QString &folder);
+/// Copies what lies on that volume of the file into an empty folder, with the extended attributes of files.
+[[nodiscard]] platform::Outcome extractApfs(const QString &file, const ApfsVolume &volume,
+                                            const QString &folder);
 
 } // namespace sevenzip
 

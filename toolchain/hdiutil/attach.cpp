@@ -201,11 +201,13 @@ platform::Result<Volume> apfsVolume(ImageVolume &source)
     const auto container = source.apfsContainer();
     if (!container)
         return source.outcome().failure();
-    const auto name = sevenzip::apfsVolumeName(container->path());
-    if (!name)
-        return name.failure();
-    return Volume{usableName(hfsplus::fileName(*name)), "Apple_APFS", [container](const std::string &folder) {
-                      return sevenzip::extractApfs(container->path(), QString::fromStdString(folder));
+    const auto volume = sevenzip::apfsVolume(container->path());
+    if (!volume)
+        return volume.failure();
+    return Volume{usableName(hfsplus::fileName(volume->name)), "Apple_APFS",
+                  [container, volume](const std::string &folder) {
+                      return sevenzip::extractApfs(container->path(), *volume,
+                                                   QString::fromStdString(folder));
                   }};
 }
 

@@ -49,7 +49,7 @@ Result<void> unpackApfs(const ScratchFile &container, const QString &folder, Unp
     budget.bytes = volume->size > budget.bytes ? -1 : budget.bytes - volume->size;
     if (budget.entries < 0 || budget.bytes < 0)
         return Error{u"unpacks to more than can be looked at"_s};
-    return sevenzip::extractApfs(container.path(), folder);
+    return sevenzip::extractApfs(container.path(), *volume, folder);
 }
 
 Result<void> unpackImage(const QString &path, const QString &folder, UnpackBudget &budget)
