@@ -92,7 +92,10 @@ Ending runDesktopApplication()
     const LauncherEntry launcher(delegate, QDBusConnection::sessionBus());
     const EndingNotices notices(delegate);
     QObject::connect(qApp, &QGuiApplication::applicationStateChanged, &delegate,
-                     &AppDelegate::lookAtKeychain); // others lock and unlock it meanwhile
+                     [&delegate](Qt::ApplicationState state) {
+                         if (state == Qt::ApplicationActive)
+                             delegate.lookAtKeychain(); // others have locked or unlocked it meanwhile
+                     });
     practice::ask(host.services(), delegate.keychainProgram(), delegate);
     if (QGuiApplication::platformName() != "offscreen"_L1)
         new platform::FileChooserPortal(QDBusConnection::sessionBus(), qApp); // the windows look for it there

@@ -101,8 +101,6 @@ QWidget *ItemHeader::makeFacts()
     QSizePolicy policy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     policy.setHeightForWidth(true);
     m_facts->setSizePolicy(policy);
-    m_facts->setTextFormat(Qt::PlainText);
-    m_facts->setWordWrap(true);
     m_facts->setContentsMargins(0, room, 0, room);
     return m_facts;
 }
