@@ -139,6 +139,29 @@ TEST_F(Review, anArchiveWithoutAnythingToVouchForIsRefused)
               QStringList(u"Empty.zip - "_s + nothingSigned.arg(u"Empty.zip"_s)));
 }
 
+TEST_F(Review, aSignedContainerWithoutCodeIsVouchedForWithAWarning)
+{
+    const QString package = path(u"Texts.pkg"_s);
+    makeSignedPackage(package);
+    const QString items = folder(u"Items"_s);
+    writeFile(items + u"/readme.txt"_s, "nothing that runs");
+    const QString image = path(u"Texts.dmg"_s);
+    ASSERT_EQ(run(u"/usr/bin/hdiutil"_s, {u"create"_s, image, u"-srcfolder"_s, items}).status, 0);
+    ASSERT_EQ(run(codesign, {u"-s"_s, identity, u"--timestamp"_s, image}).status, 0);
+    for (const QString &container : {package, image}) {
+        const QString name = QFileInfo(container).fileName();
+        const QJsonObject log = logOf(container);
+        EXPECT_EQ(log[u"status"].toString(), u"Accepted"_s);
+        EXPECT_EQ(log[u"ticketContents"][0][u"path"].toString(), name);
+        ASSERT_EQ(log[u"issues"].toArray().size(), 1);
+        EXPECT_EQ(log[u"issues"][0][u"severity"].toString(), u"warning"_s);
+        EXPECT_EQ(
+            log[u"issues"][0][u"message"].toString(),
+            u"Package %1 has no signed executables or bundles. Apple's notary service may refuse it."_s.arg(
+                name));
+    }
+}
+
 TEST_F(Review, anImageWithinAnArchiveIsVouchedForAndCanBeStapled)
 {
     const QString app = signedApp(folder(u"Source"_s));

@@ -98,18 +98,21 @@ public:
         judge(place, packageFacts(item));
     }
 
-    /// Where nothing has been found wrong: whether there is anything to make a ticket for.
+    /// Where nothing has been found wrong: whether there is anything to make a ticket for. A container that
+    /// is signed itself has something, although the real service is said to look at what it holds alone.
     void objectToNoCode()
     {
-        if (!m_review.isAccepted() || m_hasSignedBundle || !m_review.ticketContents.isEmpty())
+        if (!m_review.isAccepted() || m_hasSignedBundle || m_hasSignedCode)
             return;
-        m_review.issues.append(
-            {u"error"_s,
-             m_archiveName,
-             u"Package %1 has no signed executables or bundles. No tickets can be generated."_s.arg(
-                 m_archiveName),
-             {},
-             {}});
+        const QString found = u"Package %1 has no signed executables or bundles."_s.arg(m_archiveName);
+        const bool isSignedItself = !m_review.ticketContents.isEmpty();
+        m_review.issues.append({isSignedItself ? u"warning"_s : u"error"_s,
+                                m_archiveName,
+                                found
+                                    + (isSignedItself ? u" Apple's notary service may refuse it."_s
+                                                      : u" No tickets can be generated."_s),
+                                {},
+                                {}});
     }
 
 private:
@@ -137,7 +140,9 @@ private:
         const QList<Objection> objections = objectionsTo(slice);
         for (const Objection objection : objections)
             object(place, slice.architecture, objection);
-        if (objections.isEmpty() && !slice.signature.cdHash.isEmpty())
+        const bool isVouchedFor = objections.isEmpty() && !slice.signature.cdHash.isEmpty();
+        m_hasSignedCode = m_hasSignedCode || isVouchedFor;
+        if (isVouchedFor)
             m_review.ticketContents.append({pathOf(place), slice.architecture, slice.signature.cdHash,
                                             slice.signature.hashType == 1 ? 1 : 2});
     }
@@ -164,6 +169,7 @@ private:
     QHash<QString, QString> m_bundles; ///< by their main executables
     ItemReview &m_review;
     bool m_hasSignedBundle = false;
+    bool m_hasSignedCode = false;
 };
 
 bool isUpload(const QString &path)
