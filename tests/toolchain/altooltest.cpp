@@ -245,6 +245,26 @@ TEST_F(Altool, aRequestThatNobodyMadeHasAStatusOfItsOwn)
     }
 }
 
+TEST_F(Altool, aRequestThatNobodyMadeIsToldInTheOldWordsAlone)
+{
+    const ToolResult reply = altool({u"--notarization-info"_s, u"11111111-2222-3333-4444-555555555555"_s,
+                                     u"--output-format"_s, u"xml"_s});
+    EXPECT_EQ(reply.status, 239);
+    EXPECT_TRUE(reply.error.contains(u"*** Error: Could not find the RequestUUID."_s));
+    const QVariantMap list = platform::propertyListFromData(reply.output.toUtf8()).valueOr({}).toMap();
+    const QVariantList errors = list.value(u"product-errors"_s).toList();
+    ASSERT_EQ(errors.size(), 1);
+    const QString unknown = u"Could not find the RequestUUID."_s;
+    EXPECT_EQ(
+        errors.first().toMap(),
+        (QVariantMap{{u"code"_s, 1519},
+                     {u"message"_s, unknown},
+                     {u"userInfo"_s,
+                      QVariantMap{{u"NSLocalizedDescription"_s, unknown},
+                                  {u"NSLocalizedFailureReason"_s, u"Apple Services operation failed."_s},
+                                  {u"NSLocalizedRecoverySuggestion"_s, unknown}}}}));
+}
+
 TEST_F(Altool, aMissingPasswordItemIsNamedAsTheKeychainDoes)
 {
     for (const QStringList &command :
@@ -270,7 +290,9 @@ TEST_F(Altool, takesAKeyFromTheEnvironmentAndNoSecretFromTheCommandLine)
             run(security, {u"find-generic-password"_s, u"-s"_s, u"of the environment"_s, u"-w"_s})
                 .output.toUtf8());
     const bool canReadItems = !qEnvironmentVariableIsEmpty("TST_ALTOOL_KEY");
-    EXPECT_EQ(ask(u"@env:TST_ALTOOL_KEY"_s).status, canReadItems ? 0 : 1);
+    const ToolResult taken = ask(u"@env:TST_ALTOOL_KEY"_s);
+    EXPECT_EQ(taken.status, canReadItems ? 0 : 1);
+    EXPECT_EQ(taken.error.contains(u"altool: warning: an environment"_s), canReadItems);
     for (const QString &refused : {u"@env:NO_SUCH_VARIABLE"_s, u"@env:PATH"_s, u"secret"_s, QString()}) {
         const ToolResult reply = ask(refused);
         EXPECT_EQ(reply.status, 1) << refused.toStdString();
@@ -340,6 +362,7 @@ TEST_F(Altool, aHistoryIsWholeOnItsFirstPageAndNamesNoNextOne)
     EXPECT_FALSE(text.contains(u"Next page value"_s));
     EXPECT_EQ(historyEntries(u"0"_s).value(u"items"_s).toList().size(), 41);
     EXPECT_FALSE(historyEntries(u"0"_s).contains(u"next-page"_s));
+    EXPECT_EQ(historyEntries(u"0"_s).value(u"last-page"_s, -1).toInt(), 0);
     EXPECT_EQ(altool({u"--notarization-history"_s, u"1"_s}).output, u"No items found.\n"_s);
     const QVariantMap beyond = historyEntries(u"1"_s);
     EXPECT_TRUE(beyond.contains(u"items"_s));

@@ -99,7 +99,17 @@ int fail(const ParsedArguments &arguments, const ServiceFailure &failure)
     if (formatFrom(arguments) == OutputFormat::xml)
         print(failureReply(failure.text, failure.code).valueOr({}).toStdString());
     printFailure(failure.text);
-    return failure.code == unknownRequestCode ? unknownRequestStatus : failedStatus;
+    return failedStatus;
+}
+
+/// Readers of the property list compare its text as a whole, so that only the line says more.
+int failUnknown(const ParsedArguments &arguments, const QString &id)
+{
+    const QString text = u"Could not find the RequestUUID."_s;
+    if (formatFrom(arguments) == OutputFormat::xml)
+        print(failureReply(text, unknownRequestCode).valueOr({}).toStdString());
+    printFailure(text + u" The service knows no request '%1'."_s.arg(notary::printable(id)));
+    return unknownRequestStatus;
 }
 
 int fail(const ParsedArguments &arguments, const QString &text)
@@ -201,17 +211,14 @@ InfoReport withLog(NotaryApi &api, InfoReport report)
 int notarizationInfo(const ParsedArguments &arguments, Session &session)
 {
     const QString id = argument(arguments, "--notarization-info");
-    const ServiceFailure unknown{
-        u"Could not find the RequestUUID. The service knows no request '%1'."_s.arg(notary::printable(id)),
-        unknownRequestCode};
     if (!notary::isRequestId(id))
-        return fail(arguments, unknown);
+        return failUnknown(arguments, id);
     const auto found = session.api.status(id);
     if (const auto *failure = std::get_if<ServiceFailure>(&found))
         return fail(arguments, *failure);
     const auto submission = std::get<std::optional<Submission>>(found);
     if (!submission)
-        return fail(arguments, unknown);
+        return failUnknown(arguments, id);
     const StatusTexts texts = textsOf(submission->status);
     if (!texts.isKnown)
         warn(
@@ -326,13 +333,15 @@ int runAltool(const ParsedArguments &arguments)
     if (!complaint.empty())
         return refuseArguments("altool", complaint, usage);
     const auto key = readCredentials(arguments);
-    if (!key)
-        return fail(arguments, key.error());
-    const auto config = notary::ensureService();
-    if (!config)
-        return fail(arguments, config.error());
+    const auto config = key ? notary::ensureService() : key.failure();
+    if (!config) {
+        const int status = fail(arguments, config.error());
+        warnOfEnvironment(arguments);
+        return status;
+    }
     Session session{*config, *key, NotaryApi(*config, *key)};
     const int status = carryOut(arguments, session);
+    warnOfEnvironment(arguments); // last, since an upload says first where it goes
     warnOfClock(session.api);
     return status;
 }

@@ -17,6 +17,7 @@ namespace toolchain {
 namespace {
 
 constexpr qint64 largestKeyFile = 64 * 1024;
+const QString environmentPrefix = u"@env:"_s;
 
 QString textOf(const ParsedArguments &arguments, const char *name)
 {
@@ -49,7 +50,6 @@ Result<ApiKey> keyOfVariable(const QString &name)
     const QByteArray value = qgetenv(name.toUtf8().constData());
     if (value.isEmpty())
         return notFound(u"@env:"_s + name, u"the environment holds nothing under that name"_s);
-    printError("altool: warning: an environment can be read by others; a password item cannot\n");
     return keyIn(value, u"@env:"_s + name);
 }
 
@@ -69,7 +69,6 @@ Result<ApiKey> keyOfFile(const QString &keyId, const QString &issuer)
 Result<ApiKey> keyFrom(const ParsedArguments &arguments)
 {
     const QString keychainPrefix = u"@keychain:"_s;
-    const QString environmentPrefix = u"@env:"_s;
     const QString password = textOf(arguments, "-p");
     if (arguments.has("--apiKey"))
         return keyOfFile(textOf(arguments, "--apiKey"), textOf(arguments, "--apiIssuer"));
@@ -84,6 +83,15 @@ Result<ApiKey> keyFrom(const ParsedArguments &arguments)
 }
 
 } // namespace
+
+void warnOfEnvironment(const ParsedArguments &arguments)
+{
+    const QString password = textOf(arguments, "-p");
+    const bool isTaken = !arguments.has("--apiKey") && password.startsWith(environmentPrefix)
+        && qEnvironmentVariableIsSet(password.mid(environmentPrefix.size()).toUtf8().constData());
+    if (isTaken)
+        printError("altool: warning: an environment can be read by others; a password item cannot\n");
+}
 
 Result<ApiKey> readCredentials(const ParsedArguments &arguments)
 {

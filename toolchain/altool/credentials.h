@@ -11,4 +11,7 @@ namespace toolchain {
 /// says of a missing item, since that is what readers of this tool look for.
 [[nodiscard]] platform::Result<notary::ApiKey> readCredentials(const ParsedArguments &arguments);
 
+/// Says on standard error that a variable, where the arguments name one, is no good place for a key.
+void warnOfEnvironment(const ParsedArguments &arguments);
+
 } // namespace toolchain

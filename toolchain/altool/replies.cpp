@@ -128,7 +128,7 @@ QVariantMap historyEntries(const QList<notary::Submission> &submissions)
     QVariantList items;
     for (const notary::Submission &submission : submissions)
         items.append(infoEntries({submission, {}, {}}));
-    return {{u"items"_s, items}};
+    return {{u"items"_s, items}, {u"last-page"_s, 0}};
 }
 
 StatusTexts decided(const QString &status, int code, const QString &message)

@@ -13,7 +13,7 @@ namespace toolchain::spctl {
 namespace {
 
 /// An assessment does not wait long for a service: without an answer there is no ticket.
-constexpr notary::Milliseconds patience = 15s;
+constexpr notary::Milliseconds patience = 10s;
 
 QByteArray delivered(const ticket::TicketEntry &entry)
 {
