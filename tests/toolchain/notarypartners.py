@@ -217,12 +217,12 @@ def webhook():
     from cryptography import x509
     from cryptography.hazmat.primitives import hashes
     from cryptography.hazmat.primitives.asymmetric import ec
-    told = queue.Queue()
+    told, statuses = queue.Queue(), iter([503])  # the first is told once more
 
     class Listener(http.server.BaseHTTPRequestHandler):
         def do_POST(self):
-            told.put(json.loads(self.rfile.read(int(self.headers["Content-Length"]))))
-            self.send_response(503 if told.qsize() == 1 else 200)  # the first is told once more
+            told.put((self.path, json.loads(self.rfile.read(int(self.headers["Content-Length"])))))
+            self.send_response(next(statuses, 200))
             self.send_header("Content-Length", "0")
             self.end_headers()
 
@@ -235,14 +235,15 @@ def webhook():
     form = {"submissionName": "told.zip", "sha256": hashlib.sha256(data).hexdigest()}
     for target in ("http://example.com/", "ftp://127.0.0.1/", ""):
         assert call("/submissions", {**form, "notifications": [{"channel": "webhook", "target": target}]})[0] == 400
-    target = f"http://127.0.0.1:{server.server_port}/told"
-    status, reply = call("/submissions", {**form, "notifications": [{"channel": "webhook", "target": target}]})
+    targets = [f"http://127.0.0.1:{server.server_port}/{name}" for name in ("told", "also")]
+    status, reply = call("/submissions",
+                         {**form, "notifications": [{"channel": "webhook", "target": target} for target in targets]})
     assert status == 200, status
     place = reply["data"]["attributes"]
     storage(place).put_object(Bucket=place["bucket"], Key=place["object"], Body=data)
-    while told.qsize() < 2:
-        time.sleep(0.02)
-    for message in (told.get(), told.get()):
+    asked = [told.get(timeout=60) for _ in range(3)]
+    assert [path for path, _ in asked] == ["/told", "/told", "/also"], asked
+    for _, message in asked:
         pem = base64.b64decode(message["cert_chain"]).decode()
         leaf = x509.load_pem_x509_certificate(pem[:pem.index("-----END") + 26].encode())
         leaf.public_key().verify(base64.b64decode(message["signature"]), message["payload"].encode(),

@@ -214,6 +214,52 @@ TEST_F(NotaryService, anUploadSaysOnOneLineWhichServiceIsAsked)
     EXPECT_TRUE(reply.error.contains(origin().remove(u"https://"_s))) << reply.error.toStdString();
 }
 
+TEST_F(NotaryService, anUploadSaysFirstWhereItGoesAlsoWithAKeyOfTheEnvironment)
+{
+    const ToolResult item = run(security, {u"find-generic-password"_s, u"-s"_s, u"item"_s, u"-w"_s});
+    ASSERT_EQ(item.status, 0) << item.error.toStdString();
+    qputenv("TST_NOTARY_KEY", item.output.toUtf8());
+    const ToolResult reply =
+        run(xcrun,
+            {u"altool"_s, u"--notarize-app"_s, u"-f"_s, makeArchive(), u"--primary-bundle-id"_s, u"a.b"_s,
+             u"-u"_s, u"me"_s, u"-p"_s, u"@env:TST_NOTARY_KEY"_s});
+    qunsetenv("TST_NOTARY_KEY");
+    EXPECT_EQ(reply.status, 0) << reply.error.toStdString();
+    const QStringList lines = reply.error.split(u'\n');
+    EXPECT_TRUE(lines.first().contains(origin().remove(u"https://"_s))) << reply.error.toStdString();
+    EXPECT_TRUE(lines.value(1).startsWith(u"altool: warning: an environment"_s)) << reply.error.toStdString();
+}
+
+TEST_F(NotaryService, refusalsHaveTheFormsOfTheRealOnes)
+{
+    ASSERT_EQ(setFaults(R"([{"fault":"status","value":{"code":403,"kind":"provider"}},
+                            {"fault":"status","value":{"code":429,"retryAfter":7}}])"),
+              200);
+    const auto provider = QJsonDocument::fromJson(ask("GET", u"/notary/v2/submissions"_s).body);
+    EXPECT_EQ(provider[u"errors"][0][u"code"].toString(), u"FORBIDDEN.MISSING_PROVIDER"_s);
+    EXPECT_EQ(provider[u"errors"][0][u"links"][u"see"].toString(), u"/landing"_s);
+    const auto tooMany = ask("GET", u"/notary/v2/submissions"_s);
+    EXPECT_EQ(tooMany.status, 429);
+    EXPECT_EQ(tooMany.headers.value("retry-after"), "7");
+    EXPECT_EQ(tooMany.headers.value("x-rate-limit"), "user-hour-lim:3500;user-hour-rem:0;");
+    for (const QString &path :
+         {u"/notary/v2/submissions"_s, u"/notary/v2/submissions/11111111-2222-3333-4444-555555555555"_s}) {
+        const auto inLowerCase = ask("get", path);
+        EXPECT_EQ(inLowerCase.status, 400) << path.toStdString();
+        EXPECT_EQ(inLowerCase.headers.value("content-type"), "text/html");
+    }
+}
+
+TEST_F(NotaryService, aFaultThatIsSetOnceMoreIsMetOnceMore)
+{
+    const QString uuid = decidedRequest();
+    for (int round = 0; round < 2; ++round) {
+        ASSERT_EQ(setFaults(R"([{"fault":"unknown-at-first","value":1}])"), 200);
+        EXPECT_EQ(info(uuid).status, 239) << round;
+        EXPECT_EQ(info(uuid).status, 0) << round;
+    }
+}
+
 TEST_F(NotaryService, aFaultThatIsNoneChangesNothing)
 {
     ASSERT_EQ(setFaults(R"([{"fault":"status","value":404,"count":-1}])"), 200);

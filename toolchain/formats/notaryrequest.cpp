@@ -59,6 +59,14 @@ QList<TicketEntry> ticketFrom(const QJsonArray &form)
     return entries;
 }
 
+QStringList textsFrom(const QJsonArray &form)
+{
+    QStringList texts;
+    for (const QJsonValue &text : form)
+        texts.append(text.toString());
+    return texts;
+}
+
 /// "Announced" and so on, in the order of the phases.
 const std::array phaseNames{u"announced"_s, u"uploaded"_s, u"reviewed"_s};
 
@@ -134,7 +142,7 @@ QByteArray jsonOf(const NotaryRequest &request)
         {u"uploaded"_s, request.uploaded.toString(Qt::ISODateWithMs)},
         {u"phase"_s, phaseNames.at(std::size_t(request.phase))},
         {u"decided"_s, request.decided.toString(Qt::ISODateWithMs)},
-        {u"webhook"_s, request.webhook},
+        {u"webhooks"_s, QJsonArray::fromStringList(request.webhooks)},
         {u"team"_s, request.team},
         {u"ticket"_s, ticketForm(request)},
         {u"issues"_s, issuesForm(request)},
@@ -154,7 +162,7 @@ std::optional<NotaryRequest> requestFromJson(const QByteArray &json)
     request.uploaded = QDateTime::fromString(form[u"uploaded"].toString(), Qt::ISODateWithMs);
     request.phase = phaseFrom(form[u"phase"]);
     request.decided = QDateTime::fromString(form[u"decided"].toString(), Qt::ISODateWithMs);
-    request.webhook = form[u"webhook"].toString();
+    request.webhooks = textsFrom(form[u"webhooks"].toArray());
     request.team = form[u"team"].toString();
     request.ticketContents = ticketFrom(form[u"ticket"].toArray());
     request.issues = issuesFrom(form[u"issues"].toArray());

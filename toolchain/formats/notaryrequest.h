@@ -4,6 +4,7 @@
 #include <QDateTime>
 #include <QList>
 #include <QString>
+#include <QStringList>
 
 #include <optional>
 
@@ -43,7 +44,7 @@ struct NotaryRequest {
     int polls = 0; ///< how often the sender has asked
     Phase phase = Phase::reviewed;
     QDateTime decided; ///< UTC; not valid before
-    QString webhook; ///< address that is told of the end; mostly empty
+    QStringList webhooks; ///< addresses that are told of the end; mostly none
     QString team; ///< whose key has submitted it
 
     [[nodiscard]] bool isApproved() const;

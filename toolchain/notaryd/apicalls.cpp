@@ -58,6 +58,8 @@ public:
 
     Response answer(const QByteArray &body)
     {
+        if (m_request.method != m_request.method.toUpper())
+            return statusReply(400); // by the gateway, to which methods are the same in one case alone
         const QString keys = toolchain::notary::serviceFolder() + u"/keys"_s;
         const QString objection =
             objectionToToken(m_request.headers.value("authorization"), keys, m_service.now(m_request));
@@ -91,10 +93,11 @@ private:
         if (list.isUndefined())
             return true;
         for (const QJsonValue &entry : list.toArray()) {
-            request.webhook = entry[u"target"].toString();
+            const QString target = entry[u"target"].toString();
             if (entry[u"channel"].toString() != u"webhook"_s
-                || !toolchain::notary::isAcceptable(QUrl(request.webhook)))
+                || !toolchain::notary::isAcceptable(QUrl(target)))
                 return false;
+            request.webhooks.append(target);
         }
         return list.isArray();
     }

@@ -22,7 +22,7 @@ Response replaceFaults(Service &service, const QByteArray &body)
     const auto faults = faultsFromJson(body);
     if (!faults)
         return said(400, faults.error());
-    service.faults().replace(*faults);
+    service.setFaults(*faults);
     return said(200, u"%1 faults"_s.arg(faults->size()));
 }
 
@@ -33,7 +33,7 @@ Response requests(Service &service)
 
 Response reset(Service &service)
 {
-    service.faults().clear();
+    service.setFaults({});
     service.forgetRecorded();
     return said(200, u"reset"_s);
 }

@@ -37,7 +37,6 @@ struct Fault {
 class Faults {
 public:
     void replace(const QList<Fault> &faults);
-    void clear() { replace({}); }
 
     /// The fault, one of those that replace or spoil a reply, that meets this request; counts it. The first
     /// in the list goes before the others.

@@ -255,7 +255,7 @@ int serve(const Options &options, Starter starter)
         return failToStart(reasonOf(*lock), starter);
     const auto certificate = serverCertificate(options.address.host);
     Service service(notaryFolder());
-    service.faults().replace(options.faults);
+    service.setFaults(options.faults);
     Server server(service);
     const Outcome listening =
         certificate ? listen(server, options.address, *certificate) : certificate.failure();

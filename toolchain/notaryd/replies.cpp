@@ -14,6 +14,7 @@ struct ErrorTexts {
     QString code;
     QString title;
     QString detail;
+    QString see = {}; ///< where a person is sent to; empty: nowhere
 };
 
 ErrorTexts textsOf(int status, const QString &kind)
@@ -24,7 +25,7 @@ ErrorTexts textsOf(int status, const QString &kind)
                 u"This request requires an in-effect agreement that has not been signed or has expired."_s};
     if (kind == u"provider"_s)
         return {u"FORBIDDEN.MISSING_PROVIDER"_s, u"This provider does not exist."_s,
-                u"The provider of the API key could not be found."_s};
+                u"The provider of the API key could not be found."_s, u"/landing"_s};
     switch (status) {
     case 403:
         return {u"FORBIDDEN_ERROR"_s, u"This request is forbidden for security reasons"_s,
@@ -47,13 +48,17 @@ QString requestId()
 
 Response errorReply(int status, const ErrorTexts &texts)
 {
-    const QJsonObject error{{u"id"_s, requestId()},
-                            {u"status"_s, QString::number(status)},
-                            {u"code"_s, texts.code},
-                            {u"title"_s, texts.title},
-                            {u"detail"_s, texts.detail}};
+    QJsonObject error{{u"id"_s, requestId()},
+                      {u"status"_s, QString::number(status)},
+                      {u"code"_s, texts.code},
+                      {u"title"_s, texts.title},
+                      {u"detail"_s, texts.detail}};
+    if (!texts.see.isEmpty())
+        error.insert(u"links"_s, QJsonObject{{u"see"_s, texts.see}});
     Response response = jsonReply({{u"errors"_s, QJsonArray{error}}});
     response.status = status;
+    if (status == 429) // https://developer.apple.com/documentation/appstoreconnectapi/identifying-rate-limits
+        response.headers = {{"X-Rate-Limit", "user-hour-lim:3500;user-hour-rem:0;"}};
     return response;
 }
 

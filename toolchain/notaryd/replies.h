@@ -9,10 +9,10 @@ namespace notaryd {
 /// `kind` is json, text, html, agreement or provider; empty: as the service does with that status.
 [[nodiscard]] Response statusReply(int status, const QString &kind = {});
 
-/// Of the call for a thing that the service does not have.
 /// Status 500 with what has gone wrong on this machine.
 [[nodiscard]] Response failedReply(const QString &detail);
 
+/// Of the call for a thing that the service does not have.
 [[nodiscard]] Response unknownReply(const QString &type, const QString &id);
 
 [[nodiscard]] Response jsonReply(const QJsonObject &form);

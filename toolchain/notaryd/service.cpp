@@ -59,6 +59,13 @@ qint64 Service::countQuestion(const QString &kind, const QString &thing)
     return ++m_questions[kind + u' ' + thing];
 }
 
+void Service::setFaults(const QList<Fault> &faults)
+{
+    m_faults.replace(faults);
+    const std::scoped_lock lock(m_recordMutex);
+    m_questions.clear();
+}
+
 qint64 Service::recordQuestion(const Request &request)
 {
     const std::scoped_lock lock(m_recordMutex);

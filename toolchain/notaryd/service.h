@@ -38,8 +38,11 @@ public:
     [[nodiscard]] Faults &faults() { return m_faults; }
     [[nodiscard]] Submissions &submissions() { return m_submissions; }
 
-    /// How often this has been asked about a thing, this time included.
+    /// How often this has been asked about a thing, this time included, since the faults were set.
     [[nodiscard]] qint64 countQuestion(const QString &kind, const QString &thing);
+
+    /// Replaces those before; what they had counted is forgotten.
+    void setFaults(const QList<Fault> &faults);
 
     [[nodiscard]] Vouching &vouching() { return m_vouching; }
 

@@ -116,7 +116,7 @@ Webhook::~Webhook()
 
 void Webhook::tell(const NotaryRequest &request)
 {
-    if (request.webhook.isEmpty())
+    if (request.webhooks.isEmpty())
         return;
     {
         const std::scoped_lock lock(m_mutex);
@@ -149,10 +149,18 @@ bool Webhook::waitUnlessEnding(Milliseconds pause)
 void Webhook::post(const NotaryRequest &request)
 {
     const QByteArray body = bodyFor(request);
-    for (int attempt = 0; attempt < tries && !body.isEmpty(); ++attempt) {
+    for (const QString &target : request.webhooks) {
+        if (!body.isEmpty())
+            post(target, body);
+    }
+}
+
+void Webhook::post(const QString &target, const QByteArray &body)
+{
+    for (int attempt = 0; attempt < tries; ++attempt) {
         if (attempt > 0 && !waitUnlessEnding(scaled(firstPause * (1 << attempt))))
             return;
-        const HttpReply reply = postOnce(request.webhook, body);
+        const HttpReply reply = postOnce(target, body);
         if (reply.isWhole() && reply.status >= 200 && reply.status < 300)
             return;
     }

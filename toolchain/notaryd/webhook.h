@@ -19,13 +19,14 @@ public:
     Webhook(const Webhook &) = delete;
     Webhook &operator=(const Webhook &) = delete;
 
-    /// Does nothing for a request that names no address.
+    /// Tells each address that the request names; does nothing where it names none.
     void tell(const toolchain::NotaryRequest &request);
 
 private:
     void work();
     [[nodiscard]] bool waitUnlessEnding(std::chrono::milliseconds pause);
     void post(const toolchain::NotaryRequest &request);
+    void post(const QString &target, const QByteArray &body);
 
     std::mutex m_mutex;
     std::condition_variable m_changed;
