@@ -1,6 +1,8 @@
 #include "ui/historyentries.h"
 
-#include <QRegularExpression>
+#include <QStringTokenizer>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -10,12 +12,24 @@ namespace {
 
 constexpr qsizetype columns = 5;
 
+/// All lines that are read of the reply.
+QStringView readOf(QStringView reply)
+{
+    return reply.size() <= mostReadOfHistory ? reply
+                                             : reply.left(reply.lastIndexOf(u'\n', mostReadOfHistory) + 1);
+}
+
+bool isRule(QStringView line)
+{
+    return line.startsWith(u'-')
+        && std::all_of(line.begin(), line.end(), [](QChar sign) { return sign == u'-' || sign == u' '; });
+}
+
 /// Where the columns begin; empty if the line is no rule.
 QList<qsizetype> columnsOf(QStringView line)
 {
-    static const QRegularExpression onlyRules(u"^-+( +-+)+ *$"_s);
     QList<qsizetype> starts;
-    if (!onlyRules.match(line.toString()).hasMatch())
+    if (!isRule(line))
         return starts;
     for (qsizetype place = 0; place < line.size(); ++place) {
         if (line.at(place) == u'-' && (place == 0 || line.at(place - 1) == u' '))
@@ -37,7 +51,7 @@ QList<HistoryEntry> historyEntries(const QString &reply)
 {
     QList<HistoryEntry> entries;
     QList<qsizetype> starts;
-    for (const QStringView line : QStringView(reply).split(u'\n')) {
+    for (const QStringView line : qTokenize(readOf(reply), u'\n')) {
         if (starts.size() != columns) {
             starts = columnsOf(line);
             continue;

@@ -16,6 +16,10 @@ struct HistoryEntry {
     bool operator==(const HistoryEntry &) const = default;
 };
 
+/// So much of a reply is read, in characters: of a page, which has some hundred lines, all. A longer one
+/// would hold up the window.
+inline constexpr qsizetype mostReadOfHistory = 1'000'000;
+
 /// The entries of a page of the history in the notary tool's plain form, in its order: columns, headed by a
 /// rule of hyphens that tells how wide they are. Nothing where there is no such rule. Pure.
 [[nodiscard]] QList<HistoryEntry> historyEntries(const QString &reply);

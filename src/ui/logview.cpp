@@ -12,6 +12,7 @@
 #include <QTextBlock>
 #include <QtMath>
 
+#include <algorithm>
 #include <memory>
 
 using namespace Qt::StringLiterals;
@@ -31,17 +32,35 @@ bool isTime(const QTextCursor &part)
     return part.charFormat().intProperty(meaningProperty) == timeMeaning;
 }
 
-// What is shown of one entry: laying out megabytes would keep the window from being used.
-constexpr qsizetype mostShown = 200'000; // characters
-constexpr qsizetype shownOfTheEnd = 20'000;
+// What is shown of one entry: laying out megabytes, or lines by the ten thousand, would keep the window from
+// being used.
+struct Room {
+    qsizetype characters;
+    qsizetype lines;
+};
+constexpr Room roomOfAll{200'000, 4000};
+constexpr Room roomOfBeginning{180'000, 3600};
+constexpr Room roomOfEnd{20'000, 400};
 
-QString shown(const QString &text)
+/// How many characters there is room for, from the first on.
+template <class Iterator>
+qsizetype lengthIn(Room room, Iterator first, Iterator last)
 {
-    const qsizetype leftOut = text.size() - mostShown;
-    if (leftOut <= 0)
-        return text;
-    return text.first(mostShown - shownOfTheEnd)
-        + u"\n[%1 characters are in the log and not shown here]\n"_s.arg(leftOut) + text.last(shownOfTheEnd);
+    qsizetype lines = 0;
+    const Iterator end = first + std::min<qsizetype>(room.characters, last - first);
+    return std::find_if(first, end, [&](QChar sign) { return sign == u'\n' && ++lines == room.lines; })
+        - first;
+}
+
+QString shown(QStringView text)
+{
+    if (lengthIn(roomOfAll, text.begin(), text.end()) == text.size())
+        return text.toString();
+    const qsizetype beginning = lengthIn(roomOfBeginning, text.begin(), text.end());
+    const qsizetype ending = lengthIn(roomOfEnd, text.rbegin(), text.rend());
+    return text.first(beginning).toString()
+        + u"\n[%1 characters are in the log and not shown here]\n"_s.arg(text.size() - beginning - ending)
+        + text.last(ending).toString();
 }
 
 } // namespace
@@ -76,7 +95,7 @@ void LogView::append(const LogText::Run &run)
     const qsizetype time = lengthOfTime(run.text);
     if (time > 0)
         end.insertText(run.text.left(time), formatOfTime(run));
-    end.insertText(shown(run.text.mid(time)), formatFor(run));
+    end.insertText(shown(QStringView(run.text).mid(time)), formatFor(run));
     m_folds.addEntry(firstBlock, run.style);
     scrollToEndSoon();
 }

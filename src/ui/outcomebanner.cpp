@@ -39,6 +39,7 @@ namespace {
 constexpr int edge = 4; // pixels of full colour at the leading end
 constexpr qreal radius = 8; // pixels, of a corner
 constexpr int interval = 1000; // milliseconds
+constexpr qsizetype mostHeeded = 100'000; // characters of an error, of which one line is shown
 
 QLabel *makeLabel(QWidget *parent, const QString &name)
 {
@@ -144,7 +145,7 @@ void OutcomeBanner::heedLog(const LogText::Run &run)
 {
     if (run.style != LogStyle::error)
         return;
-    m_words.errorLine = withoutTime(run.text);
+    m_words.errorLine = withoutTime(QStringView(run.text).left(mostHeeded));
     follow();
 }
 

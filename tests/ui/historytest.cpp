@@ -71,6 +71,17 @@ TEST(HistoryEntries, areNoneInOtherTexts)
         EXPECT_TRUE(historyEntries(text).isEmpty()) << text.toStdString();
 }
 
+TEST(HistoryEntries, areThoseOfTheWholeLinesInAMillionCharacters)
+{
+    const QString row = printedPage.section(u'\n', 4, 4) + u'\n';
+    const qsizetype head = printedPage.indexOf(row);
+    const qsizetype rows = (mostReadOfHistory - head) / row.size();
+    const QString page = printedPage.left(head);
+    EXPECT_EQ(historyEntries(page + row.repeated(rows)).size(), rows);
+    EXPECT_EQ(historyEntries(page + row.repeated(rows + 5)).size(), rows);
+    EXPECT_TRUE(historyEntries(QString(mostReadOfHistory + 1, u'-')).isEmpty());
+}
+
 TEST(HistoryOfAnAccount, ofThousandsOfRowsEachSubmissionStandsThereOnce)
 {
     HistoryModel model;

@@ -55,6 +55,24 @@ TEST(LogView, eachStyleLooksDifferent)
         EXPECT_EQ(formatOfLine(view, line).foreground().style(), Qt::NoBrush);
 }
 
+TEST(LogView, anEntryIsShownWholeOrByItsBeginningAndItsEnd)
+{
+    const QString note = u"\n[%1 characters are in the log and not shown here]\n"_s;
+    const std::pair<QString, QString> shown[] = {
+        {QString(200'000, u'x'), QString(200'000, u'x')},
+        {QString(3999, u'\n'), QString(3999, u'\n')},
+        {QString(100'000, u'x') + QString(900'000, u'y'),
+         QString(100'000, u'x') + QString(80'000, u'y') + note.arg(800'000) + QString(20'000, u'y')},
+        {QString(10'000, u'\n'), QString(3599, u'\n') + note.arg(10'000 - 3599 - 399) + QString(399, u'\n')},
+    };
+    for (const auto &[entry, text] : shown) {
+        LogText log;
+        const LogView view(log);
+        log.append(run(u"14:03:22.123: "_s + entry, LogStyle::plain));
+        EXPECT_TRUE(view.toPlainText() == u"14:03:22.123: "_s + text) << entry.left(1).toStdString();
+    }
+}
+
 TEST(LogView, errorsStandOutOnADarkGroundToo)
 {
     LogText log;
