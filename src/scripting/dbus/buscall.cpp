@@ -5,10 +5,22 @@
 
 #include <QDBusArgument>
 #include <QDBusVariant>
+#include <QThreadPool>
 
 namespace sealwright {
 
 namespace {
+
+/// The length of the one text that an answer may have at any length, in the variant of a result or in an
+/// error; 0 if it has none.
+qsizetype charactersIn(const QVariantList &values)
+{
+    const QVariant first = values.value(0);
+    const QVariant value = first.metaType() == QMetaType::fromType<QDBusVariant>()
+        ? first.value<QDBusVariant>().variant()
+        : first;
+    return value.metaType() == QMetaType::fromType<QString>() ? value.toString().size() : 0;
+}
 
 QString errorName(qint64 number)
 {
@@ -98,21 +110,24 @@ void BusCall::sendError(const QString &name, const QString &text, const QVariant
     send(answer);
 }
 
+/// The main thread gives most answers, and putting megabytes into a message would hold it up.
 void BusCall::send(const QDBusMessage &answer) const
 {
-    if (m_message.isReplyRequired())
+    constexpr qsizetype mostAtOnce = 1024LL * 1024;
+    if (!m_message.isReplyRequired())
+        return;
+    if (charactersIn(answer.arguments()) <= mostAtOnce)
         m_connection.send(answer);
+    else
+        QThreadPool::globalInstance()->start(
+            [answer, connection = m_connection] { connection.send(answer); });
 }
 
 /// The bus ends the connection of whoever sends more than it carries.
 bool BusCall::isTooLarge(const QVariantList &values)
 {
     constexpr qsizetype mostCharacters = 32LL * 1024 * 1024; // of up to three bytes each
-    const QVariant first = values.value(0);
-    const QVariant value = first.metaType() == QMetaType::fromType<QDBusVariant>()
-        ? first.value<QDBusVariant>().variant()
-        : first;
-    return value.metaType() == QMetaType::fromType<QString>() && value.toString().size() > mostCharacters;
+    return charactersIn(values) > mostCharacters;
 }
 
 } // namespace sealwright
