@@ -207,6 +207,7 @@ TEST_F(CloseWindow, byAScriptAsksWhileTheDocumentIsBusyAsForAPerson)
     document().doCloseDocument(CloseSender::script);
     EXPECT_TRUE(host.window().sheets.isEmpty());
     host.settle();
+    ASSERT_TRUE(isOpen());
     ASSERT_TRUE(host.window().sheet);
     EXPECT_EQ(host.window().sheet->alert.messageText, u"Continue Closing?"_s);
     EXPECT_EQ(host.window().sheet->alert.informativeText, u"This window is busy."_s);

@@ -74,6 +74,21 @@ protected:
              &MainWinControllerScripting::AEPrepareForNotarizing);
     }
 
+    /// Fetches the history so many times in a row, each in the turn behind the answer to the one before.
+    void fetchHistoryInARow(int times)
+    {
+        command = std::make_shared<ScriptCommand>(QVariantMap(), [this, times](const ScriptReply &answer) {
+            host.mainQueue.post([this, times, answer] {
+                answers.append(answer.isError() ? answer.errorText : answer.result.toString());
+                if (times > 1)
+                    fetchHistoryInARow(times - 1);
+            });
+        });
+        command->execute([this](const ScriptCommandPtr &executing) {
+            MainWinControllerScripting(host.document()).AEFetchHistory(executing);
+        });
+    }
+
     void makeReceiverBusy()
     {
         host.application().changeStatus(status::interacting);
@@ -110,6 +125,7 @@ protected:
     TestHost host;
     ScriptCommandPtr command;
     std::optional<ScriptReply> reply;
+    QStringList answers;
 };
 
 INSTANTIATE_TEST_SUITE_P(On, OtherCommand, testing::Values(Receiver::application, Receiver::document),
@@ -265,6 +281,14 @@ TEST_P(OtherCommand, fetchesTheHistoryAsXml)
     fetchHistory({{argument::xmlOutput, true}});
     expectSuccess();
     EXPECT_EQ(host.tools.callsOf(historyTool).first().mid(7), (QStringList{u"--output-format"_s, u"xml"_s}));
+}
+
+TEST_P(OtherCommand, fetchesTheHistoryAnewAsSoonAsItHasBeenAnswered)
+{
+    host.tools.answer(historyTool, {.output = "a page"});
+    fetchHistoryInARow(4);
+    host.settle();
+    EXPECT_EQ(answers, QStringList(4, u"a page"_s));
 }
 
 TEST_P(OtherCommand, isNeverAnsweredIfAPageInXmlNamesTheOneBehindIt)
