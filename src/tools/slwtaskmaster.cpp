@@ -31,14 +31,17 @@ void emptyInPlace(OutputBuffer &buffer)
     buffer.update([](QByteArray &bytes) { bytes.truncate(0); }); // empty, but not null
 }
 
+void append(QByteArray &bytes, const QByteArray &more)
+{
+    const qsizetype size = bytes.size() + more.size();
+    if (size > bytes.capacity())
+        bytes.reserve(qMax(size, 2 * bytes.capacity())); // in place, while append() would copy all
+    bytes.append(more);
+}
+
 void append(OutputBuffer &buffer, const QByteArray &more)
 {
-    buffer.update([&more](QByteArray &bytes) {
-        const qsizetype size = bytes.size() + more.size();
-        if (size > bytes.capacity())
-            bytes.reserve(qMax(size, 2 * bytes.capacity())); // in place, while append() would copy all
-        bytes.append(more);
-    });
+    buffer.update([&more](QByteArray &bytes) { append(bytes, more); });
 }
 
 void pause(double seconds)
@@ -108,12 +111,21 @@ SLWTaskResponsePtr SLWTaskMaster::launchFailed(const SLWTaskResponsePtr &respons
 
 void SLWTaskMaster::waitForTool(platform::Process &task)
 {
-    const auto take = [this](const QByteArray &chunk) {
-        append(*lastOutput, chunk);
-        if (m_listener)
-            m_listener(chunk);
-    };
-    task.waitUntilExit(take, [this](const QByteArray &whole) { append(*lastError, whole); });
+    task.waitUntilExit([this](const QByteArray &chunk) { takeOutput(chunk); },
+                       [this](const QByteArray &whole) { append(*lastError, whole); });
+    m_outputAhead.pause();
+}
+
+void SLWTaskMaster::takeOutput(const QByteArray &chunk)
+{
+    lastOutput->update([&](QByteArray &bytes) {
+        if (bytes.size() + chunk.size() > bytes.capacity())
+            m_outputAhead.pause();
+        append(bytes, chunk);
+        m_outputAhead.follow(bytes.data() + bytes.size(), bytes.capacity() - bytes.size());
+    });
+    if (m_listener)
+        m_listener(chunk);
 }
 
 void SLWTaskMaster::readLateOutput(platform::Process &task, const SLWTaskResponsePtr &response)

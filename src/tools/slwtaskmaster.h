@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/memoryahead.h"
 #include "platform/process.h"
 #include "tools/slwtaskresponse.h"
 
@@ -73,6 +74,7 @@ private:
     bool takeCancellation(const QString &owner);
     SLWTaskResponsePtr launchFailed(const SLWTaskResponsePtr &response, const QString &description);
     void waitForTool(platform::Process &task);
+    void takeOutput(const QByteArray &chunk);
     void readLateOutput(platform::Process &task, const SLWTaskResponsePtr &response);
     void appendLateBytes(OutputBuffer &buffer, const QByteArray &bytes);
 
@@ -81,6 +83,7 @@ private:
     const double m_altoolRetryPause;
     std::recursive_mutex m_monitor;
     Listener m_listener;
+    platform::MemoryAhead m_outputAhead;
     const std::shared_ptr<OutputBuffer> lastOutput;
     const std::shared_ptr<OutputBuffer> lastError;
 };

@@ -67,6 +67,14 @@ TEST_F(Runner, longOutputOnBothStreamsIsCollectedWhole)
     EXPECT_EQ(response->errorData(), QByteArray(2000000, 'y'));
 }
 
+TEST_F(Runner, outputOfManyMebibytesIsCollectedAsItWas)
+{
+    const QByteArray output = shell(u"seq 1000001 6000000"_s)->outputData();
+    ASSERT_EQ(output.size(), 8 * 5'000'000);
+    for (int row = 0; row < 5'000'000; row += 4099)
+        EXPECT_EQ(output.mid(8LL * row, 8), QByteArray::number(1'000'001 + row) + '\n');
+}
+
 TEST_F(Runner, aListenerHearsTheOutputWhileTheToolRuns)
 {
     QByteArray heard;
