@@ -17,8 +17,8 @@ void touch(char *from, qsizetype length)
 {
 #ifdef MADV_POPULATE_WRITE
     constexpr quintptr pageSize = 4096;
-    const quintptr first = (quintptr(from) + pageSize - 1) & ~(pageSize - 1);
-    madvise(reinterpret_cast<void *>(first), size_t(length) & ~(pageSize - 1), MADV_POPULATE_WRITE);
+    char *const first = from + (-quintptr(from) & (pageSize - 1));
+    madvise(first, size_t(length) & ~(pageSize - 1), MADV_POPULATE_WRITE);
 #else
     Q_UNUSED(from)
     Q_UNUSED(length)
