@@ -54,7 +54,9 @@ TEST_F(NotaryService, aRefusalIsFinalAndSaysWhy)
         int requests;
     } refusals[] = {
         {"401", u"API key", 2},
+        {"401", u"sealwright-keychain make-api-key", 2},
         {R"({"code":403,"kind":"agreement"})", u"A required agreement is missing or has expired.", 1},
+        {R"({"code":403,"kind":"agreement"})", u"The team's account holder has to sign it", 1},
         {R"({"code":403,"kind":"provider"})", u"This provider does not exist.", 1},
         {"400", u"HTTP status 400", 1}};
     for (const auto &refusal : refusals) {

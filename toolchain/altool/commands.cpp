@@ -142,6 +142,16 @@ void warnOfClock(const NotaryApi &api)
             QString::number((std::abs(offset) + 30) / 60), offset > 0 ? u"behind"_s : u"ahead of"_s));
 }
 
+/// A key of Apple's is none of the service of this machine, which its refusal does not tell.
+int failCall(const ParsedArguments &arguments, const Session &session, ServiceFailure failure)
+{
+    constexpr int unauthenticated = 401;
+    if (failure.code == unauthenticated && session.config.isLocal)
+        failure.text +=
+            u" The service of this machine knows only the keys that sealwright-keychain make-api-key has made."_s;
+    return fail(arguments, failure);
+}
+
 /// Whether a file begins or ends as one that the service takes: a zip archive, a package, a disk image.
 bool isOfAKindToUpload(const QString &path)
 {
@@ -176,7 +186,7 @@ int notarizeApp(const ParsedArguments &arguments, Session &session)
     };
     const auto uploaded = notary::Upload(session.api, session.config, **file, show).run();
     if (const auto *failure = std::get_if<ServiceFailure>(&uploaded))
-        return fail(arguments, *failure);
+        return failCall(arguments, session, *failure);
     const QString id = std::get<QString>(uploaded);
     const auto kept =
         keepReceipt(id, {(*file)->name(), (*file)->sha256(), argument(arguments, "--primary-bundle-id")});
@@ -215,7 +225,7 @@ int notarizationInfo(const ParsedArguments &arguments, Session &session)
         return failUnknown(arguments, id);
     const auto found = session.api.status(id);
     if (const auto *failure = std::get_if<ServiceFailure>(&found))
-        return fail(arguments, *failure);
+        return failCall(arguments, session, *failure);
     const auto submission = std::get<std::optional<Submission>>(found);
     if (!submission)
         return failUnknown(arguments, id);
@@ -237,7 +247,7 @@ int notarizationHistory(const ParsedArguments &arguments, Session &session)
         return answer(historyReply({}, page, formatFrom(arguments)));
     const auto history = session.api.history();
     if (const auto *failure = std::get_if<ServiceFailure>(&history))
-        return fail(arguments, *failure);
+        return failCall(arguments, session, *failure);
     return answer(historyReply(std::get<QList<Submission>>(history), page, formatFrom(arguments)));
 }
 
@@ -245,7 +255,7 @@ int listProviders(const ParsedArguments &arguments, Session &session)
 {
     const auto history = session.api.history(); // to prove the key
     if (const auto *failure = std::get_if<ServiceFailure>(&history))
-        return fail(arguments, *failure);
+        return failCall(arguments, session, *failure);
     const QString team = session.key.team.isEmpty() ? session.key.keyId : session.key.team;
     return answer(
         providersReply({team, u"Team of API key "_s + session.key.keyId, team}, formatFrom(arguments)));

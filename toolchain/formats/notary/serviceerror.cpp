@@ -85,11 +85,20 @@ QString joined(const QStringList &parts)
     return said.join(u' ');
 }
 
+/// What only a person can put right, where the service does not say who and where.
+QString adviceOn(const QString &code)
+{
+    if (code.contains(u"AGREEMENTS"_s))
+        return u"The team's account holder has to sign it, at developer.apple.com/account or in App Store Connect."_s;
+    return {};
+}
+
 QString jsonText(const QJsonObject &form)
 {
     const QJsonObject first = form[u"errors"].toArray().first().toObject();
     if (!first.isEmpty())
-        return joined({first[u"title"].toString(), first[u"detail"].toString()});
+        return joined(
+            {first[u"title"].toString(), first[u"detail"].toString(), adviceOn(first[u"code"].toString())});
     return joined({form[u"name"].toString(), form[u"description"].toString()});
 }
 
