@@ -90,31 +90,52 @@ protected:
         return paths;
     }
 
-    void makePackage(const QString &package) const
+    /// Files by their paths.
+    using Files = QList<QPair<QByteArray, QByteArray>>;
+
+    static void write(archive *into, const QString &path, const Files &files)
+    {
+        ASSERT_EQ(archive_write_open_filename(into, QFile::encodeName(path).constData()), ARCHIVE_OK);
+        for (const auto &[name, contents] : files) {
+            const std::unique_ptr<archive_entry, decltype(&archive_entry_free)> entry(archive_entry_new(),
+                                                                                      archive_entry_free);
+            archive_entry_set_pathname(entry.get(), name.constData());
+            archive_entry_set_filetype(entry.get(), AE_IFREG);
+            archive_entry_set_perm(entry.get(), 0755);
+            archive_entry_set_size(entry.get(), contents.size());
+            ASSERT_EQ(archive_write_header(into, entry.get()), ARCHIVE_OK);
+            archive_write_data(into, contents.constData(), std::size_t(contents.size()));
+        }
+        ASSERT_EQ(archive_write_close(into), ARCHIVE_OK);
+    }
+
+    static void makePackage(const QString &package, const Files &files)
     {
         const std::unique_ptr<archive, decltype(&archive_write_free)> xar(archive_write_new(),
                                                                           archive_write_free);
         archive_write_set_format_xar(xar.get());
-        ASSERT_EQ(archive_write_open_filename(xar.get(), QFile::encodeName(package).constData()), ARCHIVE_OK);
-        const std::unique_ptr<archive_entry, decltype(&archive_entry_free)> entry(archive_entry_new(),
-                                                                                  archive_entry_free);
-        const QByteArray contents = "<pkg-info/>";
-        archive_entry_set_pathname(entry.get(), "PackageInfo");
-        archive_entry_set_filetype(entry.get(), AE_IFREG);
-        archive_entry_set_perm(entry.get(), 0644);
-        archive_entry_set_size(entry.get(), contents.size());
-        ASSERT_EQ(archive_write_header(xar.get(), entry.get()), ARCHIVE_OK);
-        archive_write_data(xar.get(), contents.constData(), std::size_t(contents.size()));
-        ASSERT_EQ(archive_write_close(xar.get()), ARCHIVE_OK);
+        write(xar.get(), package, files);
+    }
+
+    /// What a component of a package installs.
+    [[nodiscard]] QByteArray payloadOf(const Files &files) const
+    {
+        const std::unique_ptr<archive, decltype(&archive_write_free)> payload(archive_write_new(),
+                                                                              archive_write_free);
+        archive_write_set_format_cpio(payload.get());
+        archive_write_add_filter_gzip(payload.get());
+        write(payload.get(), path(u"payload"_s), files);
+        return readFile(path(u"payload"_s));
     }
 
     /// A signed package of that path.
-    void makeSignedPackage(const QString &package) const
+    void makeSignedPackage(const QString &package,
+                           const Files &files = {{"PackageInfo", "<pkg-info/>"}}) const
     {
         const QString installer = u"Developer ID Installer: "_s + holder;
         ASSERT_EQ(
             run(keychain, {u"make-identity"_s, u"--kind"_s, u"installer"_s, u"--name"_s, holder}).status, 0);
-        makePackage(path(u"unsigned.pkg"_s));
+        makePackage(path(u"unsigned.pkg"_s), files);
         const ToolResult signing =
             run(u"/usr/bin/productsign"_s,
                 {u"--sign"_s, installer, u"--timestamp"_s, path(u"unsigned.pkg"_s), package});
@@ -208,6 +229,34 @@ TEST_F(Review, aPackageWithinAnArchiveIsVouchedForIfItsSignatureHolds)
     const QStringList paths = vouchedFor(zipOf(items));
     EXPECT_FALSE(paths.isEmpty());
     EXPECT_FALSE(paths.contains(u"Upload.zip/Items/Inner.pkg"_s));
+}
+
+TEST_F(Review, whatLiesInAComponentIsToldAsInLogsOfTheRealService)
+{
+    const QByteArray part = payloadOf({{"./usr/local/bin/tool", bundlebuilder::universalMachO()}});
+    makeSignedPackage(path(u"Product.pkg"_s),
+                      {{"Distribution", "<installer-gui-script/>"},
+                       {"Part.pkg/PackageInfo", "<pkg-info/>"},
+                       {"Part.pkg/Payload", part}});
+    const QString unsignedTool =
+        u"Product.pkg/Part.pkg Contents/Payload/usr/local/bin/tool %1 The binary is not signed."_s;
+    EXPECT_EQ(issuesOf(path(u"Product.pkg"_s)),
+              (QStringList{unsignedTool.arg(u"x86_64"_s), unsignedTool.arg(u"arm64"_s)}));
+    const QString items = folder(u"Items"_s);
+    ASSERT_TRUE(QFile::copy(path(u"Product.pkg"_s), items + u"/Product.pkg"_s));
+    writeFile(items + u"/PackageInfo"_s, "of nothing");
+    EXPECT_EQ(issuesOf(zipOf(items)).first(), u"Upload.zip/Items/"_s + unsignedTool.arg(u"x86_64"_s));
+}
+
+TEST_F(Review, aBundleIsVouchedForBesideItsExecutable)
+{
+    const QStringList paths = vouchedFor(zipOf(signedApp(folder(u"Source"_s))));
+    const QString app = u"Upload.zip/App.app"_s;
+    const QString framework = app + u"/Contents/Frameworks/Inner.framework/Versions/A"_s;
+    EXPECT_EQ(paths.count(app), 2) << "for two architectures";
+    EXPECT_EQ(paths.count(app + u"/Contents/MacOS/App"_s), 2);
+    EXPECT_EQ(paths.count(framework), 1);
+    EXPECT_EQ(paths.count(framework + u"/Inner"_s), 1);
 }
 
 TEST_F(Review, aPackageWithinAnArchiveWhoseSignatureDoesNotHoldIsRefused)

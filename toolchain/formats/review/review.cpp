@@ -28,6 +28,8 @@ public:
     void folder(const WalkPlace &place, const QStringList &names) override
     {
         checkLength(place);
+        if (names.contains(u"PackageInfo"_s) && isInProduct(place))
+            m_components.append(place.path);
         m_hasSignedBundle = m_hasSignedBundle || names.contains(u"_CodeSignature"_s);
         const FoundBundle bundle = bundleAt(place.file, names);
         if (bundle.executable.isEmpty())
@@ -53,9 +55,10 @@ public:
         CodeFacts facts = readCodeFacts(file.place.file, m_store);
         if (!facts.damage.isEmpty())
             return object(file.place, {}, Objection::damaged);
-        verifySignatures(m_bundles.value(file.place.file, file.place.file), facts, m_store);
+        const QString bundle = m_bundles.value(file.place.file, file.place.file);
+        verifySignatures(bundle, facts, m_store);
         for (const SliceFacts &slice : facts.slices)
-            judge(file.place, slice);
+            judge(file.place, bundle, slice);
     }
 
     void damagedArchive(const WalkFile &file, const QString &reason) override
@@ -86,9 +89,11 @@ public:
     /// A container is vouched for beside what it holds, so that each can be stapled by itself.
     void enterArchive(const WalkFile &file) override
     {
+        m_archives.append({file.place.path, file.beginning.startsWith("xar!")});
         if (file.place.path != "."_L1)
             judge(file.place, nestedFacts(file.place.file, m_store));
     }
+    void leaveArchive(const WalkFile &) override { m_archives.removeLast(); }
 
     /// The item's own signature.
     void judgeItem(const QString &item)
@@ -116,9 +121,29 @@ public:
     }
 
 private:
+    struct EnteredArchive {
+        QString path;
+        bool isPackage = false;
+    };
+
+    /// What lies in a component of a package is told as Apple's logs tell it: "App.pkg/Part.pkg Contents/…".
     QString pathOf(const WalkPlace &place) const
     {
-        return place.path == "."_L1 ? m_archiveName : m_archiveName + u'/' + place.path;
+        QString path = place.path;
+        for (auto component = m_components.crbegin(); component != m_components.crend(); ++component) {
+            if (path.startsWith(*component + u'/')) // from the inside out
+                path.insert(component->size(), " Contents"_L1);
+        }
+        return path == "."_L1 ? m_archiveName : m_archiveName + u'/' + path;
+    }
+
+    /// Whether the place lies right in a package.
+    bool isInProduct(const WalkPlace &place) const
+    {
+        if (m_archives.isEmpty() || !m_archives.last().isPackage)
+            return false;
+        const QString folder = place.path.contains(u'/') ? place.path.section(u'/', 0, -2) : u"."_s;
+        return place.path != m_archives.last().path && folder == m_archives.last().path;
     }
 
     /// What is made to be installed from, so that nobody may vouch for it unseen.
@@ -135,16 +160,25 @@ private:
             m_review.issues.append({u"error"_s, pathOf(place), tooLongText(length), {}, {}});
     }
 
-    void judge(const WalkPlace &place, const SliceFacts &slice)
+    /// `bundle` is the one whose main executable it is, or the file itself.
+    void judge(const WalkPlace &place, const QString &bundle, const SliceFacts &slice)
     {
         const QList<Objection> objections = objectionsTo(slice);
         for (const Objection objection : objections)
             object(place, slice.architecture, objection);
-        const bool isVouchedFor = objections.isEmpty() && !slice.signature.cdHash.isEmpty();
-        m_hasSignedCode = m_hasSignedCode || isVouchedFor;
-        if (isVouchedFor)
-            m_review.ticketContents.append({pathOf(place), slice.architecture, slice.signature.cdHash,
-                                            slice.signature.hashType == 1 ? 1 : 2});
+        if (!objections.isEmpty() || slice.signature.cdHash.isEmpty())
+            return;
+        m_hasSignedCode = true;
+        const qsizetype below = place.file.size() - bundle.size();
+        if (below > 0)
+            vouchFor(pathOf({place.path.chopped(below), bundle, place.archiveDepth}), slice);
+        vouchFor(pathOf(place), slice);
+    }
+
+    void vouchFor(const QString &path, const SliceFacts &slice)
+    {
+        m_review.ticketContents.append(
+            {path, slice.architecture, slice.signature.cdHash, slice.signature.hashType == 1 ? 1 : 2});
     }
 
     void judge(const WalkPlace &place, const ContainerFacts &container)
@@ -167,6 +201,8 @@ private:
     const TrustStore m_store = TrustStore::ofThisMachine();
     BundleLinks m_links;
     QHash<QString, QString> m_bundles; ///< by their main executables
+    QList<EnteredArchive> m_archives; ///< that are open, the innermost last
+    QStringList m_components; ///< of packages; paths of their folders, an inner one behind the one around it
     ItemReview &m_review;
     bool m_hasSignedBundle = false;
     bool m_hasSignedCode = false;
