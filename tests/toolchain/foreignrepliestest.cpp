@@ -2,6 +2,7 @@
 
 #include "formats/notary/httpclient.h"
 #include "formats/notary/replyreader.h"
+#include "formats/notary/retries.h"
 #include "toolchain/loopbacksocket.h"
 
 #include <QJsonDocument>
@@ -9,7 +10,9 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <thread>
+#include <vector>
 
 using namespace Qt::StringLiterals;
 using namespace toolchain::notary;
@@ -126,4 +129,35 @@ TEST(ForeignReplies, aSecondRedirectAndOneToAnotherKindOfAddressAreNotFollowed)
         Answers answers({redirectTo(place)});
         EXPECT_EQ(fetch(answers.origin() + "/log").status, 302) << place.toStdString();
     }
+}
+
+TEST(ForeignReplies, aPauseMayBeAskedForInSecondsAndByTheTimeOfDay)
+{
+    const QByteArray scale = qgetenv("SEALWRIGHT_WAIT_SCALE");
+    qputenv("SEALWRIGHT_WAIT_SCALE", "0.5");
+    for (const char *pause : {"2", "Sun, 06 Nov 1994 08:49:39 GMT"}) {
+        HttpReply reply;
+        reply.status = 503;
+        reply.headers = {{"date", "Sun, 06 Nov 1994 08:49:37 GMT"}, {"retry-after", pause}};
+        std::vector<std::chrono::steady_clock::time_point> tries;
+        static_cast<void>(Retries().run(
+            [&](const HttpRequest &) {
+                tries.push_back(std::chrono::steady_clock::now());
+                return reply;
+            },
+            [&](const HttpReply &) { return tries.size() < 2 ? NextStep::tryLater : NextStep::take; }));
+        ASSERT_EQ(tries.size(), 2U);
+        EXPECT_GE(tries.back() - tries.front(), std::chrono::seconds(1)) << pause;
+    }
+    qputenv("SEALWRIGHT_WAIT_SCALE", scale);
+}
+
+TEST(ForeignReplies, aLogOfAnotherRequestIsNone)
+{
+    const QString id = u"2efe2717-52ef-43a5-96dc-0797e4ca1041"_s;
+    EXPECT_TRUE(isLogOf(id, R"({"jobId":"2efe2717-52ef-43a5-96dc-0797e4ca1041"})"));
+    EXPECT_TRUE(isLogOf(id, R"({"jobId":"2EFE2717-52EF-43A5-96DC-0797E4CA1041","issues":null})"));
+    for (const char *log : {R"({"jobId":"2efe2717-52ef-43a5-96dc-0797e4ca1042"})", R"({"jobId":null})", "{}",
+                            R"(["2efe2717-52ef-43a5-96dc-0797e4ca1041"])", "no JSON", ""})
+        EXPECT_FALSE(isLogOf(id, log)) << log;
 }

@@ -95,6 +95,17 @@ TEST_F(NotaryWays, anUploadGoesOverTheOtherFamilyOfAddresses)
     EXPECT_TRUE(pollToTheEnd(uuidIn(reply)).output.contains(u"LogFileURL: file:///"_s));
 }
 
+/// Readers cut a failure behind its first closing bracket.
+TEST_F(NotaryWays, anAddressInBracketsStandsBehindTheToolsOwn)
+{
+    configure(u"api"_s, u"https://[::1]:1/notary/v2"_s);
+    const ToolResult reply = altool({u"--notarization-history"_s, u"0"_s});
+    EXPECT_EQ(reply.status, 1);
+    const QString rest = reply.error.section(u']', 1);
+    EXPECT_TRUE(rest.startsWith(u" *** Error: The service at [::1]:1 could not be reached"_s))
+        << reply.error.toStdString();
+}
+
 TEST_F(NotaryWays, aProxyIsAskedIfThereIsOne)
 {
     const Relay proxy(servicePort(), Relay::Role::proxy);

@@ -22,12 +22,24 @@ constexpr Milliseconds firstPause{1'000};
 constexpr Milliseconds slice{50}; // of a pause, between looks whether it is still meant
 constexpr qint64 longestRetryAfter = 30; // seconds
 
+/// For how many seconds the service asks, or until which time by its own clock (RFC 9110, section 10.2.3);
+/// less than 0 if it asks for nothing.
+qint64 askedFor(const HttpReply &reply)
+{
+    const QByteArray text = reply.headers.value("retry-after");
+    bool isNumber = false;
+    const qint64 seconds = text.toLongLong(&isNumber);
+    const time_t time = isNumber || text.isEmpty() ? -1 : curl_getdate(text.constData(), nullptr);
+    if (time >= 0 && reply.date().isValid())
+        return qint64(time) - reply.date().toSecsSinceEpoch();
+    return isNumber ? seconds : -1;
+}
+
 /// What the service asks for, or twice the pause before.
 Milliseconds pauseAfter(const HttpReply &reply, int attempt)
 {
-    bool isNumber = false;
-    const qint64 seconds = reply.headers.value("retry-after").toLongLong(&isNumber);
-    if (isNumber && seconds >= 0)
+    const qint64 seconds = askedFor(reply);
+    if (seconds >= 0)
         return scaled(std::chrono::seconds(std::min(seconds, longestRetryAfter)));
     return scaled(spread(firstPause * (1 << attempt)));
 }
