@@ -18,6 +18,7 @@ constexpr int charactersAcross = 48; // at least, or a short text would stand in
 constexpr int charactersAcrossLong = 68; // of a text that would else be too tall for its page
 constexpr qsizetype longText = 500; // characters
 constexpr int beside = 3 * iconSize; // pixels: the icon, and what is free round the text
+constexpr qreal titleScale = 1.15; // of the text
 constexpr auto cancelTitle = "Cancel"_L1;
 
 /// The one that cancels, else the one that takes note and does nothing more, else the last.
@@ -58,6 +59,7 @@ void AlertBox::styleText()
     }
     if (auto *const message = findChild<QLabel *>(u"qt_msgbox_label"_s)) {
         QFont font = message->font();
+        font.setPointSizeF(font.pointSizeF() * titleScale);
         font.setBold(true);
         message->setFont(font);
     }

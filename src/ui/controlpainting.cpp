@@ -37,6 +37,12 @@ QColor divider(const QPalette &palette)
     return theme::mixed(palette.color(QPalette::Window), palette.color(QPalette::WindowText), faint);
 }
 
+/// Round what is only looked at.
+QColor quietLine(const QPalette &palette)
+{
+    return theme::mixed(palette.color(QPalette::Window), palette.color(QPalette::WindowText), 2 * faint);
+}
+
 /// Lighter for what is off: it need not be found.
 QColor outlineOf(const QStyleOption &option)
 {
@@ -98,15 +104,20 @@ void drawTick(QPainter &painter, const QRectF &box, const QColor &colour)
     painter.drawPolyline(QPolygonF({at(0.24, 0.52), at(0.43, 0.71), at(0.77, 0.31)}));
 }
 
+enum class Towards { below, above };
+
 /// Grows with the font, as what stands beside it.
-void drawArrow(QPainter &painter, const QRectF &place, const QStyleOption &option)
+void drawArrow(QPainter &painter, const QRectF &place, const QStyleOption &option,
+               Towards end = Towards::below)
 {
     const qreal scale = qMax(1.0, option.fontMetrics.ascent() / usualAscent);
     const QPointF middle = place.center();
     const QColor colour = option.palette.color(QPalette::ButtonText);
     painter.setPen(QPen(colour, 1.6 * scale, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-    painter.drawPolyline(QPolygonF(
-        {middle + scale * QPointF(-4, -2), middle + scale * QPointF(0, 2), middle + scale * QPointF(4, -2)}));
+    const qreal tip = end == Towards::below ? 2 : -2;
+    painter.setBrush(Qt::NoBrush);
+    painter.drawPolyline(QPolygonF({middle + scale * QPointF(-4, -tip), middle + scale * QPointF(0, tip),
+                                    middle + scale * QPointF(4, -tip)}));
 }
 
 } // namespace
@@ -129,6 +140,17 @@ void controlpainting::drawButton(QPainter &painter, const QStyleOption &option, 
     drawRing(painter, option, radius);
     if (isPrimary) // or the ring would be lost in its own colour
         drawRounded(painter, QRectF(option.rect).adjusted(2, 2, -2, -2), Qt::white, Qt::NoBrush, radius - 2);
+}
+
+void controlpainting::drawRoundSign(QPainter &painter, const QStyleOption &option)
+{
+    const Soft soft(painter);
+    const qreal corner = option.rect.height() / 2.0;
+    drawRounded(painter, option.rect, outlineOf(option),
+                touched(option, option.palette.color(QPalette::Button), textOf(option, Weight::ordinary)),
+                corner);
+    if (isOn(option, QStyle::State_HasFocus))
+        drawRing(painter, option, corner);
 }
 
 void controlpainting::drawField(QPainter &painter, const QStyleOption &option)
@@ -168,6 +190,29 @@ void controlpainting::drawPopupArrow(QPainter &painter, const QStyleOption &opti
     drawArrow(painter, place, option);
 }
 
+void controlpainting::drawSortArrow(QPainter &painter, const QStyleOptionHeader &option, const QRect &place)
+{
+    const Soft soft(painter);
+    const bool isDown = option.sortIndicator == QStyleOptionHeader::SortDown;
+    drawArrow(painter, place, option, isDown ? Towards::below : Towards::above);
+}
+
+void controlpainting::drawSpinBox(QPainter &painter, const QStyleOption &option, const QRect &up,
+                                  const QRect &down)
+{
+    drawField(painter, option);
+    const Soft soft(painter);
+    constexpr QPointF fromEdge(-4, 0);
+    drawArrow(painter, QRectF(up).translated(fromEdge), option, Towards::above);
+    drawArrow(painter, QRectF(down).translated(fromEdge), option);
+}
+
+void controlpainting::drawChosenRow(QPainter &painter, const QStyleOption &option)
+{
+    const Soft soft(painter);
+    drawRounded(painter, option.rect, {}, option.palette.color(QPalette::Highlight), radius);
+}
+
 void controlpainting::drawCard(QPainter &painter, const QStyleOption &option)
 {
     const Soft soft(painter);
@@ -190,6 +235,12 @@ void controlpainting::drawTab(QPainter &painter, const QStyleOptionTab &option)
         ? theme::readable(accent(option), option.palette.color(QPalette::Window), theme::leastOfControls)
         : divider(option.palette);
     painter.fillRect(QRectF(rect.left(), rect.bottom() - height, rect.width(), height), line);
+}
+
+void controlpainting::drawBaseOfTabs(QPainter &painter, const QStyleOption &option)
+{
+    const QRect &rect = option.rect;
+    painter.fillRect(QRect(rect.left(), rect.bottom(), rect.width(), 1), divider(option.palette));
 }
 
 void controlpainting::drawTabClose(QPainter &painter, const QStyleOption &option)
@@ -229,7 +280,8 @@ void controlpainting::drawSlider(QPainter &painter, const QStyleOption &option, 
 void controlpainting::drawFrame(QPainter &painter, const QStyleOption &option)
 {
     const Soft soft(painter);
-    drawRounded(painter, option.rect, outlineOf(option), Qt::NoBrush, radiusOfFrame);
+    // There is nothing to be set in it: its ground tells it from the window.
+    drawRounded(painter, option.rect, quietLine(option.palette), Qt::NoBrush, radiusOfFrame);
     if (isOn(option, QStyle::State_HasFocus))
         drawRing(painter, option, radiusOfFrame);
 }

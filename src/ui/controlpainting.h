@@ -7,6 +7,7 @@
 class QPainter;
 class QStyleOption;
 class QStyleOptionComboBox;
+class QStyleOptionHeader;
 class QStyleOptionTab;
 
 namespace sealwright {
@@ -19,15 +20,25 @@ namespace controlpainting {
 enum class Weight { ordinary, primary };
 
 void drawButton(QPainter &painter, const QStyleOption &option, Weight weight);
+/// A circle round a single letter.
+void drawRoundSign(QPainter &painter, const QStyleOption &option);
 void drawField(QPainter &painter, const QStyleOption &option);
 void drawCheckBox(QPainter &painter, const QStyleOption &option);
 /// The frame of the popup and its arrow, without the title.
 void drawComboBox(QPainter &painter, const QStyleOptionComboBox &option, const QRect &arrow);
 /// The arrow of a button that opens a menu.
 void drawPopupArrow(QPainter &painter, const QStyleOption &option, const QRect &place);
+/// The arrow of a column that is sorted, up or down.
+void drawSortArrow(QPainter &painter, const QStyleOptionHeader &option, const QRect &place);
+/// The frame of a field with its two arrows, without the number.
+void drawSpinBox(QPainter &painter, const QStyleOption &option, const QRect &up, const QRect &down);
+/// What is behind the chosen row of a list.
+void drawChosenRow(QPainter &painter, const QStyleOption &option);
 /// What is behind a group of controls.
 void drawCard(QPainter &painter, const QStyleOption &option);
 void drawTab(QPainter &painter, const QStyleOptionTab &option);
+/// The line that tabs stand on, as long as their bar.
+void drawBaseOfTabs(QPainter &painter, const QStyleOption &option);
 void drawTabClose(QPainter &painter, const QStyleOption &option);
 void drawHeading(QPainter &painter, const QStyleOption &option);
 /// The piece of a scroll bar that is dragged.

@@ -1,6 +1,8 @@
 #include "ui/controlstyle.h"
 
+#include "ui/controlkinds.h"
 #include "ui/controlpainting.h"
+#include "ui/spacing.h"
 #include "ui/theme.h"
 
 #include <QLineEdit>
@@ -9,19 +11,12 @@
 
 namespace sealwright {
 
+using namespace controlkinds;
 using controlpainting::Weight;
 
 namespace {
 
 constexpr qreal radius = 3; // points, of a corner
-constexpr int scrollBarWidth = 12; // pixels
-constexpr int shortestSlider = 28;
-constexpr int fieldMargin = 4; // between the edge of a field and what is in it
-constexpr int titleMargin = 8; // over the title of a group
-constexpr int titleIndent = 10;
-constexpr int roomForArrow = 18; // of a button with a menu
-constexpr int roomInRow = 6; // pixels, of a list or tree
-constexpr int roomInButton = 8; // more than a button of that style has beside its title
 
 QFont bold(QFont font)
 {
@@ -36,61 +31,23 @@ Weight weightOf(const QStyleOption &option)
     return isDefault ? Weight::primary : Weight::ordinary;
 }
 
-bool hasMenu(const QStyleOption &option)
+bool isChosenRow(const QStyleOption &option)
 {
-    const auto *const button = qstyleoption_cast<const QStyleOptionToolButton *>(&option);
-    return button && button->features.testFlag(QStyleOptionToolButton::HasMenu);
+    const auto *const focus = qstyleoption_cast<const QStyleOptionFocusRect *>(&option);
+    return focus && focus->backgroundColor == option.palette.color(QPalette::Highlight);
 }
 
-bool isFramed(const QStyleOption &option)
+/// Whether the row is a whole, and not a part of one.
+bool drawChosen(const QStyleOption &option, QPainter &painter)
 {
-    const auto *const frame = qstyleoption_cast<const QStyleOptionFrame *>(&option);
-    return frame && frame->lineWidth > 0;
-}
-
-/// The title stands within the card, over its contents.
-QRect partOfGroup(const QStyleOption &option, QStyle::SubControl part)
-{
-    const int title = option.fontMetrics.height() + titleMargin;
-    switch (part) {
-    case QStyle::SC_GroupBoxLabel:
-        return {option.rect.left() + titleIndent, option.rect.top() + titleMargin,
-                option.rect.width() - 2 * titleIndent, option.fontMetrics.height()};
-    case QStyle::SC_GroupBoxContents:
-        return option.rect.adjusted(1, title, -1, -1);
-    default:
-        return option.rect;
-    }
-}
-
-/// A scroll bar without arrows: what is before the slider, the slider, and what is behind it.
-QRect partOfScrollBar(const QStyleOptionSlider &bar, QStyle::SubControl part)
-{
-    const bool isUpright = bar.orientation == Qt::Vertical;
-    const int room = isUpright ? bar.rect.height() : bar.rect.width();
-    const qint64 all = qint64(bar.maximum) - bar.minimum + bar.pageStep;
-    const int proportional = all > 0 ? int(qint64(room) * bar.pageStep / all) : room;
-    const int length =
-        bar.maximum == bar.minimum ? room : qBound(qMin(shortestSlider, room), proportional, room);
-    const int start = QStyle::sliderPositionFromValue(bar.minimum, bar.maximum, bar.sliderPosition,
-                                                      room - length, bar.upsideDown);
-    const auto piece = [&](int from, int size) {
-        const QRect rect = isUpright ? QRect(bar.rect.x(), bar.rect.y() + from, bar.rect.width(), size)
-                                     : QRect(bar.rect.x() + from, bar.rect.y(), size, bar.rect.height());
-        return QStyle::visualRect(bar.direction, bar.rect, rect);
-    };
-    switch (part) {
-    case QStyle::SC_ScrollBarGroove:
-        return bar.rect;
-    case QStyle::SC_ScrollBarSlider:
-        return piece(start, length);
-    case QStyle::SC_ScrollBarSubPage:
-        return piece(0, start);
-    case QStyle::SC_ScrollBarAddPage:
-        return piece(start + length, room - start - length);
-    default:
-        return {};
-    }
+    const auto *const row = qstyleoption_cast<const QStyleOptionViewItem *>(&option);
+    const bool isWhole = row
+        && (row->viewItemPosition == QStyleOptionViewItem::OnlyOne
+            || row->viewItemPosition == QStyleOptionViewItem::Invalid);
+    if (!isWhole || !option.state.testFlag(QStyle::State_Selected))
+        return false;
+    controlpainting::drawChosenRow(painter, option);
+    return true;
 }
 
 bool isOutlined(QStyle::PrimitiveElement element)
@@ -144,7 +101,7 @@ bool ControlStyle::isPlain() const
 void ControlStyle::drawPrimitive(PrimitiveElement element, const QStyleOption *option, QPainter *painter,
                                  const QWidget *widget) const
 {
-    if (isPlain() && drawPlain(element, *option, *painter))
+    if (isPlain() && drawPlain(element, *option, *painter, widget))
         return;
     QProxyStyle::drawPrimitive(element, option, painter, widget);
     if (isOutlined(element) && !isMarked(*option) && hasFrame(element, *option))
@@ -171,14 +128,18 @@ void ControlStyle::drawComplexControl(ComplexControl control, const QStyleOption
 
 // Where the desktop has no style of its own
 
-bool ControlStyle::drawPlain(PrimitiveElement element, const QStyleOption &option, QPainter &painter) const
+bool ControlStyle::drawPlain(PrimitiveElement element, const QStyleOption &option, QPainter &painter,
+                             const QWidget *widget) const
 {
     switch (element) {
     case PE_PanelButtonCommand:
         controlpainting::drawButton(painter, option, weightOf(option));
         return true;
     case PE_PanelButtonTool:
-        controlpainting::drawButton(painter, option, Weight::ordinary);
+        if (isRoundSign(widget))
+            controlpainting::drawRoundSign(painter, option);
+        else
+            controlpainting::drawButton(painter, option, Weight::ordinary);
         return true;
     case PE_PanelLineEdit:
         if (!isFramed(option))
@@ -197,12 +158,18 @@ bool ControlStyle::drawPlain(PrimitiveElement element, const QStyleOption &optio
             return false;
         controlpainting::drawFrame(painter, option);
         return true;
+    case PE_FrameFocusRect:
+        return isChosenRow(option); // which says enough
+    case PE_PanelItemViewItem:
+        return drawChosen(option, painter);
     case PE_IndicatorTabClose:
         controlpainting::drawTabClose(painter, option);
         return true;
     case PE_FrameTabBarBase:
+        controlpainting::drawBaseOfTabs(painter, option);
+        return true;
     case PE_FrameDefaultButton:
-        return true; // the tabs draw their line themselves, and a default button has its colour
+        return true; // it has its colour
     default:
         return false;
     }
@@ -213,6 +180,11 @@ bool ControlStyle::drawPlain(ControlElement element, const QStyleOption &option,
 {
     if (element == CE_TabBarTabShape) {
         controlpainting::drawTab(painter, *qstyleoption_cast<const QStyleOptionTab *>(&option));
+        return true;
+    }
+    if (const auto *const header = qstyleoption_cast<const QStyleOptionHeader *>(&option);
+        element == CE_Header && header) {
+        drawHeader(*header, painter, widget);
         return true;
     }
     if (element == CE_HeaderSection) {
@@ -250,6 +222,26 @@ void ControlStyle::drawMenuButton(const QStyleOptionToolButton &button, QPainter
     QProxyStyle::drawControl(CE_ToolButtonLabel, &plain, &painter, widget);
 }
 
+/// The arrow of a sorted column stands in the line of its title.
+void ControlStyle::drawHeader(const QStyleOptionHeader &header, QPainter &painter,
+                              const QWidget *widget) const
+{
+    drawControl(CE_HeaderSection, &header, &painter, widget);
+    const bool isSorted = header.sortIndicator != QStyleOptionHeader::None;
+    const int side = isSorted ? header.fontMetrics.height() + spacing::inCell : 0;
+    const auto mirrored = [&header](const QRect &place) {
+        return visualRect(header.direction, header.rect, place);
+    };
+    QStyleOptionHeader title(header);
+    if (!(title.textAlignment & Qt::AlignVertical_Mask))
+        title.textAlignment |= Qt::AlignVCenter;
+    title.rect = mirrored(header.rect.adjusted(spacing::inCell, 0, -spacing::inCell - side, 0));
+    drawControl(CE_HeaderLabel, &title, &painter, widget);
+    const QRect arrow(header.rect.right() - side, header.rect.top(), side, header.rect.height());
+    if (isSorted)
+        controlpainting::drawSortArrow(painter, header, mirrored(arrow));
+}
+
 /// Shortened where the popup is too narrow for it.
 void ControlStyle::drawTitle(const QStyleOptionComboBox &popup, QPainter &painter,
                              const QWidget *widget) const
@@ -266,8 +258,8 @@ void ControlStyle::drawGroup(const QStyleOptionGroupBox &group, QPainter &painte
     controlpainting::drawCard(painter, group);
     painter.save();
     painter.setFont(bold(painter.font()));
-    drawItemText(&painter, partOfGroup(group, SC_GroupBoxLabel), Qt::AlignLeft | Qt::TextShowMnemonic,
-                 group.palette, true, group.text, QPalette::WindowText);
+    drawItemText(&painter, subControlRect(CC_GroupBox, &group, SC_GroupBoxLabel, nullptr),
+                 Qt::AlignLeft | Qt::TextShowMnemonic, group.palette, true, group.text, QPalette::WindowText);
     painter.restore();
 }
 
@@ -283,6 +275,11 @@ bool ControlStyle::drawPlain(ComplexControl control, const QStyleOptionComplex &
     if (const auto *const button = qstyleoption_cast<const QStyleOptionToolButton *>(&option);
         control == CC_ToolButton && button && button->features.testFlag(QStyleOptionToolButton::HasMenu)) {
         drawMenuButton(*button, painter, widget);
+        return true;
+    }
+    if (control == CC_SpinBox) {
+        controlpainting::drawSpinBox(painter, option, subControlRect(control, &option, SC_SpinBoxUp, widget),
+                                     subControlRect(control, &option, SC_SpinBoxDown, widget));
         return true;
     }
     if (control == CC_ScrollBar) {
@@ -305,64 +302,6 @@ int ControlStyle::styleHint(StyleHint hint, const QStyleOption *option, const QW
     if (hint == SH_DialogButtonBox_ButtonsHaveIcons && isPlain())
         return 0; // as on all other buttons with a title
     return QProxyStyle::styleHint(hint, option, widget, data);
-}
-
-int ControlStyle::pixelMetric(PixelMetric metric, const QStyleOption *option, const QWidget *widget) const
-{
-    const int given = QProxyStyle::pixelMetric(metric, option, widget);
-    if (!isPlain())
-        return given;
-    switch (metric) {
-    case PM_IndicatorWidth:
-    case PM_IndicatorHeight:
-    case PM_SmallIconSize:
-    case PM_ButtonIconSize:
-    case PM_TabCloseIndicatorWidth:
-    case PM_TabCloseIndicatorHeight:
-        return widget ? qMax(given, widget->fontMetrics().ascent() + 2) : given;
-    case PM_TabBarTabShiftHorizontal:
-    case PM_TabBarTabShiftVertical:
-        return 0; // the line below says which one shows
-    case PM_ScrollBarExtent:
-        return scrollBarWidth;
-    case PM_DefaultFrameWidth:
-        return qobject_cast<const QLineEdit *>(widget) ? fieldMargin : given;
-    default:
-        return given;
-    }
-}
-
-QSize ControlStyle::sizeFromContents(ContentsType type, const QStyleOption *option, const QSize &contents,
-                                     const QWidget *widget) const
-{
-    const QSize size = QProxyStyle::sizeFromContents(type, option, contents, widget);
-    if (!isPlain())
-        return size;
-    switch (type) {
-    case CT_PushButton:
-        return size + QSize(roomInButton, 2);
-    case CT_ComboBox:
-        return size + QSize(0, 2);
-    case CT_ToolButton:
-        return size + QSize(hasMenu(*option) ? roomForArrow : 0, 0);
-    case CT_TabBarTab:
-        return size + QSize(0, 2);
-    case CT_ItemViewItem:
-        return size + QSize(0, roomInRow);
-    default:
-        return size;
-    }
-}
-
-QRect ControlStyle::subControlRect(ComplexControl control, const QStyleOptionComplex *option, SubControl part,
-                                   const QWidget *widget) const
-{
-    const auto *const bar = qstyleoption_cast<const QStyleOptionSlider *>(option);
-    if (control == CC_ScrollBar && isPlain() && bar)
-        return partOfScrollBar(*bar, part);
-    if (control == CC_GroupBox && isPlain())
-        return partOfGroup(*option, part);
-    return QProxyStyle::subControlRect(control, option, part, widget);
 }
 
 } // namespace sealwright

@@ -20,6 +20,7 @@
 #include "ui/runpanes.h"
 #include "ui/settingspane.h"
 #include "ui/setupbanner.h"
+#include "ui/spacing.h"
 #include "ui/uploadprogress.h"
 #include "ui/waitingbanner.h"
 
@@ -71,6 +72,7 @@ DocumentPage::DocumentPage(MainWinController &document)
     setAcceptDrops(true);
     new UploadProgress(document, this);
     auto *const rows = new QVBoxLayout(this);
+    rows->setContentsMargins(spacing::edge, spacing::between, spacing::edge, spacing::between);
     rows->addWidget(m_header);
     rows->addWidget(m_setupBanner);
     auto *const locked = new LockedBanner(document, this);

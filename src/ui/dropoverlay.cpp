@@ -4,6 +4,7 @@
 #include "platform/itempath.h"
 #include "run/waits.h"
 #include "ui/itemfacts.h"
+#include "ui/spacing.h"
 #include "ui/theme.h"
 
 #include <QCoreApplication>
@@ -99,27 +100,28 @@ void DropOverlay::paintVeil(QPainter &painter) const
     painter.drawRoundedRect(QRectF(rect()).adjusted(inset, inset, -inset, -inset), radius, radius);
 }
 
-/// The title stands in the upper half, the sentence in the lower.
+/// The title and the sentence, with as much room above as below.
 void DropOverlay::paintCard(QPainter &painter) const
 {
+    constexpr int words = Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap;
     const QFontMetrics titles(titleFont(font()));
     const int width = qMin(this->width() - 4 * inset, fontMetrics().averageCharWidth() * charactersAcross);
-    QRect card(0, 0, width, titles.height() * 4 + fontMetrics().lineSpacing() * 2);
+    QRect title(0, 0, width - 4 * inset, titles.height());
+    QRect sentence = fontMetrics().boundingRect(QRect(0, 0, title.width(), height()), words, m_sentence);
+    QRect card(0, 0, width, title.height() + spacing::between + sentence.height() + 4 * inset);
     card.moveCenter(rect().center());
+    title.moveTopLeft(card.topLeft() + QPoint(2 * inset, 2 * inset));
+    sentence = QRect(title.left(), title.bottom() + spacing::between, title.width(), sentence.height());
     painter.setPen(Qt::NoPen);
     painter.setBrush(palette().color(QPalette::Base));
     painter.drawRoundedRect(card, radius, radius);
-    const QRect words = card.adjusted(2 * inset, inset, -2 * inset, -inset);
-    const QRect upper(words.left(), words.top(), words.width(), words.height() / 2);
     painter.setPen(theme::readable(theme::colourOf(theme::Meaning::underway, palette()),
                                    palette().color(QPalette::Base), theme::leastOfText));
     painter.setFont(titleFont(font()));
-    painter.drawText(upper, Qt::AlignHCenter | Qt::AlignBottom,
-                     titles.elidedText(m_title, Qt::ElideMiddle, upper.width()));
+    painter.drawText(title, Qt::AlignCenter, titles.elidedText(m_title, Qt::ElideMiddle, title.width()));
     painter.setFont(font());
     painter.setPen(palette().color(QPalette::Text));
-    painter.drawText(QRect(words.left(), upper.bottom(), words.width(), words.height() / 2),
-                     Qt::AlignHCenter | Qt::AlignVCenter | Qt::TextWordWrap, m_sentence);
+    painter.drawText(sentence, words, m_sentence);
 }
 
 } // namespace sealwright

@@ -7,6 +7,7 @@
 #include "ui/elidedlabel.h"
 #include "ui/settingrows.h"
 #include "ui/shown.h"
+#include "ui/spacing.h"
 
 #include <QBoxLayout>
 #include <QCheckBox>
@@ -74,6 +75,7 @@ void EntitlementsGroup::addKinds(QGridLayout &grid)
     Column right(grid, 1);
     right.add(m_document, tr("Hardened runtime exceptions"), Kind::runtimeException);
     right.add(m_document, tr("Debugging"), Kind::debugging);
+    grid.setHorizontalSpacing(2 * spacing::apart);
     grid.setColumnStretch(1, 1);
 }
 

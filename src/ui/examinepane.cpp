@@ -12,6 +12,7 @@
 #include "ui/differenceentries.h"
 #include "ui/itemlook.h"
 #include "ui/named.h"
+#include "ui/spacing.h"
 
 #include <QAction>
 #include <QBoxLayout>
@@ -160,6 +161,7 @@ ExaminePane::ExaminePane(MainWinController &document, const ItemLook &look, QWid
     auto *const rows = new QVBoxLayout(this);
     rows->addWidget(m_summary);
     auto *const head = new QHBoxLayout;
+    head->setSpacing(spacing::between);
     head->addWidget(m_search, 1);
     head->addWidget(m_compare);
     rows->addLayout(head);

@@ -1,5 +1,6 @@
 #include "ui/framewindow.h"
 
+#include "ui/icons.h"
 #include "ui/mainmenu.h"
 #include "ui/mnemonic.h"
 #include "ui/runsign.h"
@@ -223,7 +224,7 @@ QString FrameWindow::describe(const WidgetWindow &window, bool isOnShow) const
 QIcon FrameWindow::signOf(const WidgetWindow &window, bool isOnShow) const
 {
     if (window.hasSheet() && !isOnShow)
-        return style()->standardIcon(QStyle::SP_MessageBoxQuestion);
+        return icons::of(icons::Command::help);
     const auto state = window.page().runState();
     const int side = style()->pixelMetric(QStyle::PM_TabBarIconSize, nullptr, m_tabs);
     return state ? QIcon(runsign::pixmap(*state, palette(), side, devicePixelRatioF())) : QIcon();

@@ -1,8 +1,41 @@
 #include "ui/historymodel.h"
 
+#include "ui/runsign.h"
+
+#include <QApplication>
+#include <QFontMetrics>
+#include <QPalette>
+#include <QPixmapCache>
+
 using namespace Qt::StringLiterals;
 
 namespace sealwright {
+
+namespace {
+
+StepState stateOf(const QString &status)
+{
+    if (status == "success"_L1)
+        return StepState::done;
+    return status == "in progress"_L1 ? StepState::running : StepState::failed;
+}
+
+/// Drawn once for each state and palette: a table asks for each row that it shows.
+QVariant signOf(const QString &status)
+{
+    const QPalette palette = QApplication::palette();
+    const int side = QFontMetrics(QApplication::font()).height();
+    const StepState state = stateOf(status);
+    const QString key = u"history-%1-%2-%3"_s.arg(int(state)).arg(side).arg(palette.cacheKey());
+    QPixmap picture;
+    if (!QPixmapCache::find(key, &picture)) {
+        picture = runsign::pixmap(state, palette, side, qApp->devicePixelRatio());
+        QPixmapCache::insert(key, picture);
+    }
+    return picture;
+}
+
+} // namespace
 
 void HistoryModel::take(const QList<HistoryEntry> &entries)
 {
@@ -51,6 +84,8 @@ const QString &HistoryModel::text(const HistoryEntry &entry, int column)
 
 QVariant HistoryModel::data(const QModelIndex &index, int role) const
 {
+    if (role == Qt::DecorationRole && index.column() == status)
+        return signOf(m_entries.at(index.row()).status);
     const bool isText = role == Qt::DisplayRole || role == Qt::ToolTipRole;
     if (!isText || !checkIndex(index, CheckIndexOption::IndexIsValid))
         return {};

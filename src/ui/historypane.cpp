@@ -76,7 +76,7 @@ void HistoryPane::setUpTable()
     m_table->setWordWrap(false);
     m_table->verticalHeader()->hide();
     m_table->verticalHeader()->setDefaultSectionSize(qRound(fontMetrics().height() * rowHeight));
-    m_table->horizontalHeader()->setStretchLastSection(true);
+    m_table->horizontalHeader()->setSectionResizeMode(HistoryModel::identifier, QHeaderView::Stretch);
     m_table->horizontalHeader()->setDefaultAlignment(Qt::AlignLeading | Qt::AlignVCenter);
     m_table->horizontalHeader()->setHighlightSections(false);
     m_table->horizontalHeader()->setResizeContentsPrecision(rowsMeasured);

@@ -16,6 +16,8 @@ namespace {
 
 constexpr qreal side = 16; // of the square that the pictures are drawn in
 constexpr qreal stroke = 1.4; // its units
+constexpr qreal scaleOfLarge = 2; // from which on lines are thinner
+constexpr qreal strokeOfLarge = 0.8;
 constexpr int smallest = 16; // pixels of a picture that nobody asked a size for
 
 struct Picture {
@@ -36,6 +38,10 @@ Picture pictureOf(icons::Command command)
         {Command::copy,
          {u"edit-copy"_s, "M6 6 L13.5 6 L13.5 13.5 L6 13.5 Z M10 6 L10 2.5 L2.5 2.5 L2.5 10 L6 10"}},
         {Command::cut, {u"edit-cut"_s, "O4.5 12 1.8 O11.5 12 1.8 M5.5 10.4 L10.5 2 M10.5 10.4 L5.5 2"}},
+        {Command::drop,
+         {u"document-import"_s,
+          "M8 2 L8 9.5 M5.2 6.8 L8 9.6 L10.8 6.8 M4.5 7.5 L2.5 7.5 L2.5 13.5 L13.5 13.5 L13.5 7.5 L11.5 "
+          "7.5"}},
         {Command::find, {u"edit-find"_s, "O7 7 4.5 M10.3 10.3 L14 14"}},
         {Command::findNext, {u"go-down"_s, "M4 6 L8 10.5 L12 6"}},
         {Command::findPrevious, {u"go-up"_s, "M4 10 L8 5.5 L12 10"}},
@@ -143,7 +149,8 @@ public:
         painter->setRenderHint(QPainter::Antialiasing);
         painter->translate(QRectF(rect).center() - QPointF(side, side) * scale / 2);
         painter->scale(scale, scale);
-        painter->setPen(QPen(QApplication::palette().color(group, role), stroke, Qt::SolidLine, Qt::RoundCap,
+        const qreal width = scale < scaleOfLarge ? stroke : strokeOfLarge;
+        painter->setPen(QPen(QApplication::palette().color(group, role), width, Qt::SolidLine, Qt::RoundCap,
                              Qt::RoundJoin));
         painter->drawPath(m_path);
         painter->restore();

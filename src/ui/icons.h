@@ -15,6 +15,7 @@ enum class Command {
     close,
     copy,
     cut,
+    drop,
     find,
     findNext,
     findPrevious,

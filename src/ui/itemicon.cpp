@@ -19,6 +19,8 @@ constexpr qsizetype headLength = 8; // of the file and of each element
 constexpr qreal roundness = 0.2; // of the side
 constexpr qreal heightOfLetters = 0.32;
 constexpr int mostLetters = 3;
+constexpr qreal reachOfPlus = 0.18; // of the side, from its middle
+constexpr qreal strokeOfPlus = 1.6; // pixels
 const QByteArray pngSignature = "\x89PNG\r\n\x1a\n"_ba;
 
 quint32 lengthAt(const QByteArray &bytes, qsizetype offset)
@@ -34,6 +36,16 @@ QString iconFileOf(const platform::FileService &files, const QString &bundle)
     if (itempath::lowerExtension(name) != "icns"_L1)
         name += u".icns"_s;
     return itempath::appending(bundle, u"Contents/Resources/"_s + name);
+}
+
+/// Something can be put here.
+void drawPlus(QPainter &painter, const QRectF &square)
+{
+    const qreal reach = square.width() * reachOfPlus;
+    painter.setPen(QPen(theme::colourOf(theme::Meaning::quiet, QApplication::palette()), strokeOfPlus,
+                        Qt::SolidLine, Qt::RoundCap));
+    for (const QPointF arm : {QPointF(reach, 0), QPointF(0, reach)})
+        painter.drawLine(square.center() - arm, square.center() + arm);
 }
 
 std::optional<QPixmap> ownPicture(const platform::FileService &files, const QString &bundle)
@@ -77,6 +89,8 @@ QPixmap itemicon::pictureOfKind(const QString &kind, int side)
     if (!isEmpty)
         painter.setBrush(theme::colourOf(theme::Meaning::underway, palette));
     painter.drawRoundedRect(square, side * roundness, side * roundness);
+    if (isEmpty)
+        drawPlus(painter, square);
     QFont font = QApplication::font();
     font.setBold(true);
     font.setPixelSize(qMax(6, int(side * heightOfLetters)));

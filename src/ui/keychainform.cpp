@@ -3,6 +3,7 @@
 #include "ui/filepanels.h"
 #include "ui/named.h"
 #include "ui/settingrows.h"
+#include "ui/spacing.h"
 #include "ui/statetext.h"
 
 #include <QBoxLayout>
@@ -68,6 +69,7 @@ QLineEdit *KeychainForm::addFile(const Field &field, const QString &filter)
 void KeychainForm::putBeside(QLineEdit &field, QPushButton &button)
 {
     auto *const row = new QHBoxLayout;
+    row->setSpacing(spacing::between);
     const QFormLayout::TakeRowResult taken = m_rows->takeRow(&field);
     row->addWidget(&field, 1);
     row->addWidget(&button);

@@ -8,6 +8,7 @@
 #include "ui/protectionpage.h"
 #include "ui/relaunchplace.h"
 #include "ui/settingrows.h"
+#include "ui/spacing.h"
 #include "ui/statetext.h"
 #include "ui/toplevel.h"
 
@@ -70,6 +71,7 @@ KeychainWindow::KeychainWindow(const platform::Host &host, const QString &progra
     m_answer->setTextFormat(Qt::PlainText);
     m_answer->setWordWrap(true);
     auto *const rows = new QVBoxLayout(this);
+    rows->setContentsMargins(spacing::sheetEdge, spacing::between, spacing::sheetEdge, spacing::sheetEdge);
     rows->addWidget(m_pages, 1);
     rows->addWidget(m_answer);
     auto *const anew = makeButton(this, u"keychainStartAnew"_s, tr("Start Sealwright Anew"), [this] {
@@ -158,6 +160,7 @@ QWidget *KeychainWindow::makePasswords()
     ways->addTab(new PasswordForm(m_keychain, ways), tr("App-specific password"));
     auto *const rows = new QVBoxLayout(page);
     rows->addWidget(ways);
+    rows->addSpacing(spacing::apart);
     rows->addWidget(makeLookup(page));
     rows->addStretch(1);
     return page;

@@ -15,11 +15,10 @@ using namespace Qt::StringLiterals;
 namespace sealwright {
 
 LockedBanner::LockedBanner(MainWinController &document, QWidget *parent)
-    : QFrame(parent)
+    : BannerFrame(theme::Meaning::caution, parent)
     , m_document(document)
 {
     named(this, u"lockedBanner"_s, tr("Keychain"));
-    setAutoFillBackground(true);
     auto *const text = new QLabel(tr("The keychain is locked: nothing can be signed or submitted."), this);
     text->setWordWrap(true);
     setAccessibleDescription(text->text());
@@ -29,7 +28,7 @@ LockedBanner::LockedBanner(MainWinController &document, QWidget *parent)
     connect(unlock, &QPushButton::clicked, this,
             [this] { KeychainWindow::present(m_document.appDelegate(), KeychainWindow::Page::protection); });
     auto *const row = new QHBoxLayout(this);
-    row->setContentsMargins(row->spacing(), row->spacing() / 2, row->spacing(), row->spacing() / 2);
+    spaceOut();
     row->addWidget(text, 1);
     row->addWidget(unlock);
     connect(&document.appDelegate().isKeychainLocked, &Observable::changed, this, &LockedBanner::follow);

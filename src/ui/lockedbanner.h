@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QFrame>
+#include "ui/bannerframe.h"
 
 namespace sealwright {
 
@@ -8,7 +8,7 @@ class MainWinController;
 
 /// Says that the keychain is locked, before a run fails for it, and leads to where it is unlocked. Main
 /// thread.
-class LockedBanner : public QFrame {
+class LockedBanner : public BannerFrame {
     Q_OBJECT
 
 public:

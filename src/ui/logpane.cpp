@@ -24,7 +24,7 @@ namespace sealwright {
 namespace {
 
 constexpr int leastLines = 8;
-constexpr int leastLinesBelowABanner = 3; // which with a large font takes the room of the others
+constexpr int leastLinesBelowABanner = 2; // which with a large font takes the room of the others
 
 } // namespace
 
@@ -40,7 +40,8 @@ LogPane::LogPane(MainWinController &document, QWidget *parent)
         const QString hint = hasItem
             ? tr("A copy of the item is worked on, and the original is kept. To begin, press %1")
             : tr("Drop an app, plug-in, package or disk image on this window, or press %1");
-        m_log->setPlaceholderText(hint.arg(shown(m_document.submitAppButton.title())));
+        m_log->setHint(hint.arg(shown(m_document.submitAppButton.title())),
+                       icons::of(hasItem ? icons::Command::submit : icons::Command::drop));
     };
     connect(&document.submitAppButton, &Control::changed, m_log, showHint);
     showHint();

@@ -1,6 +1,7 @@
 #include "ui/logview.h"
 
 #include "ui/outcome.h"
+#include "ui/spacing.h"
 #include "ui/theme.h"
 
 #include <QApplication>
@@ -23,6 +24,7 @@ namespace {
 
 constexpr qreal sizeAsDelivered = 12; // of the setting
 constexpr int marginOfHint = 24; // pixels, round what stands in an empty log
+constexpr int linesOfPicture = 4; // that the picture there is as high as
 constexpr qreal foldMargin = 8; // pixels, beside what says that there is more
 constexpr int meaningProperty = QTextFormat::UserProperty;
 constexpr int timeMeaning = 1;
@@ -70,6 +72,7 @@ LogView::LogView(const LogText &log, QWidget *parent)
     , m_fontFamily(QFontDatabase::systemFont(QFontDatabase::FixedFont).family())
 {
     setReadOnly(true);
+    document()->setDocumentMargin(spacing::inCell);
     setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     setTabChangesFocus(true);
     setUndoRedoEnabled(false); // what nobody can take back need not be kept twice
@@ -162,14 +165,31 @@ void LogView::drawFold(QPainter &painter, const QTextBlock &head) const
     painter.drawText(place, Qt::AlignCenter, textOfFold(head));
 }
 
-/// In the middle: at the edge it would look like a line of the log.
-void LogView::drawHint(const QString &hint)
+void LogView::setHint(const QString &text, const QIcon &picture)
 {
+    m_picture = picture;
+    setPlaceholderText(text);
+}
+
+/// In the middle: at the edge it would look like a line of the log. The picture gives way to the words.
+void LogView::drawHint(const QString &hint, const QIcon &picture)
+{
+    constexpr int words = Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap;
     QPainter painter(viewport());
     painter.setFont(QApplication::font(this));
     painter.setPen(palette().color(QPalette::PlaceholderText));
-    const QRect room = viewport()->rect().adjusted(marginOfHint, marginOfHint, -marginOfHint, -marginOfHint);
-    painter.drawText(room, Qt::AlignCenter | Qt::TextWordWrap, hint);
+    const QRect room = viewport()->rect().adjusted(marginOfHint, 0, -marginOfHint, 0);
+    QRect text = painter.boundingRect(room, words, hint);
+    const int side = painter.fontMetrics().height() * linesOfPicture;
+    const int both = side + spacing::apart + text.height();
+    const bool hasPicture = !picture.isNull() && both + 2 * marginOfHint <= room.height();
+    text = QRect(room.left(), room.center().y() - text.height() / 2, room.width(), text.height());
+    if (hasPicture) {
+        const QRect place(room.center().x() - side / 2, room.center().y() - both / 2, side, side);
+        picture.paint(&painter, place, Qt::AlignCenter, QIcon::Disabled);
+        text.moveTop(place.bottom() + spacing::apart);
+    }
+    painter.drawText(text, words, hint);
 }
 
 /// The last line, which is empty, is always in sight.
@@ -181,10 +201,10 @@ bool LogView::hidesAll() const
 void LogView::paintEvent(QPaintEvent *event)
 {
     if (document()->isEmpty())
-        return drawHint(placeholderText());
+        return drawHint(placeholderText(), m_picture);
     QPlainTextEdit::paintEvent(event);
     if (hidesAll())
-        return drawHint(filter() == LogFilter::errors ? tr("No errors") : tr("No steps"));
+        return drawHint(filter() == LogFilter::errors ? tr("No errors") : tr("No steps"), {});
     QPainter painter(viewport());
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setFont(font());

@@ -4,6 +4,7 @@
 
 #include "ui/logfolds.h"
 
+#include <QIcon>
 #include <QPlainTextEdit>
 
 class QPainter;
@@ -28,6 +29,8 @@ public:
     /// Lines at the size that the setting has as delivered are shown as large as the interface, others in
     /// proportion. Counts from the next line on.
     void setSizeOfInterface(qreal pointSize);
+    /// What stands in the middle while there is nothing else, below a picture where there is room for one.
+    void setHint(const QString &text, const QIcon &picture);
     /// In pixels, of lines at the size that they have as delivered, with the frame.
     int heightOfLines(int lines) const;
     /// Opens what hides the place where the cursor is.
@@ -51,7 +54,7 @@ private:
     void scrollToEndSoon();
     QRectF placeOfFold(const QTextBlock &head) const;
     static QString textOfFold(const QTextBlock &head);
-    void drawHint(const QString &hint);
+    void drawHint(const QString &hint, const QIcon &picture);
     void drawFold(QPainter &painter, const QTextBlock &head) const;
     void shortenBehind(QPainter &painter, const QTextBlock &head, const QRectF &place) const;
     QTextBlock foldAt(QPointF position) const;
@@ -61,6 +64,7 @@ private:
     QColor grey() const;
 
     LogFolds m_folds{*document()};
+    QIcon m_picture;
     qreal m_scale = 1; ///< of the sizes that lines are written with
     bool m_willScroll = false;
     bool m_isRevealing = false;

@@ -25,7 +25,6 @@
 #include <QClipboard>
 #include <QEvent>
 #include <QLabel>
-#include <QPainter>
 #include <QPushButton>
 
 using namespace Qt::StringLiterals;
@@ -36,8 +35,6 @@ using icons::Command;
 
 namespace {
 
-constexpr int edge = 4; // pixels of full colour at the leading end
-constexpr qreal radius = 8; // pixels, of a corner
 constexpr int interval = 1000; // milliseconds
 constexpr qsizetype mostHeeded = 100'000; // characters of an error, of which one line is shown
 
@@ -75,7 +72,7 @@ Action actionOf(quint64 lastAction)
 } // namespace
 
 OutcomeBanner::OutcomeBanner(MainWinController &document, QWidget *parent)
-    : QFrame(parent)
+    : BannerFrame(theme::Meaning::quiet, parent)
     , m_document(document)
     , m_sign(new RunSign(this))
     , m_title(makeLabel(this, u"outcomeTitle"_s))
@@ -85,7 +82,7 @@ OutcomeBanner::OutcomeBanner(MainWinController &document, QWidget *parent)
 {
     named(this, u"outcomeBanner"_s, tr("Outcome"));
     m_row = new BannerRow(*this, makeWords());
-    layout()->setContentsMargins(2 * edge + layout()->spacing(), edge + 2, layout()->spacing() + 2, edge + 2);
+    spaceOut();
     m_showInFolder = addButton(u"outcomeShowInFolder"_s, tr("Show in Folder"), &OutcomeBanner::showInFolder);
     m_showInFolder->setIcon(icons::of(Command::showInFolder));
     m_copyIdentifier =
@@ -241,7 +238,7 @@ void OutcomeBanner::colour()
     const QPalette base = QApplication::palette(this);
     const theme::Meaning meaning = meaningOf(m_outcome.kind);
     m_sign->showState(stateOf(m_outcome.kind));
-    update();
+    setMeaning(meaning);
     QPalette title;
     title.setColor(
         QPalette::WindowText,
@@ -249,22 +246,9 @@ void OutcomeBanner::colour()
     m_title->setPalette(title);
 }
 
-void OutcomeBanner::paintEvent(QPaintEvent *)
-{
-    const theme::Meaning meaning = meaningOf(m_outcome.kind);
-    QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(theme::groundOf(meaning, palette()));
-    painter.drawRoundedRect(QRectF(rect()), radius, radius);
-    painter.setClipRect(QRect(0, 0, edge, height()));
-    painter.setBrush(theme::colourOf(meaning, palette()));
-    painter.drawRoundedRect(QRectF(rect()), radius, radius);
-}
-
 void OutcomeBanner::changeEvent(QEvent *event)
 {
-    QFrame::changeEvent(event);
+    BannerFrame::changeEvent(event);
     if (event->type() == QEvent::ApplicationPaletteChange)
         colour();
 }

@@ -2,9 +2,8 @@
 
 #include "document/controls.h"
 #include "ui/activewindowtimer.h"
+#include "ui/bannerframe.h"
 #include "ui/outcome.h"
-
-#include <QFrame>
 
 class QLabel;
 class QLayout;
@@ -18,7 +17,7 @@ class RunSign;
 
 /// Says how the latest run has ended, or that it waits, in the colour of that, with what one may want to do
 /// next. It stays until the next run begins. Main thread.
-class OutcomeBanner : public QFrame {
+class OutcomeBanner : public BannerFrame {
     Q_OBJECT
 
 public:
@@ -30,7 +29,6 @@ public:
 
 protected:
     void changeEvent(QEvent *event) override;
-    void paintEvent(QPaintEvent *event) override;
 
 private:
     QPushButton *addButton(const QString &name, const QString &title, void (OutcomeBanner::*press)());

@@ -4,6 +4,7 @@
 #include "ui/named.h"
 #include "ui/notaryservicerow.h"
 #include "ui/settingssection.h"
+#include "ui/spacing.h"
 #include "ui/toolfolderrow.h"
 #include "ui/toplevel.h"
 
@@ -24,11 +25,11 @@ using icons::Command;
 
 namespace {
 
-constexpr int charactersAcross = 84; // of a page
+constexpr int charactersAcross = 92; // of a page
 constexpr int titleBarHeight = 40; // about what a desktop adds on top
 constexpr int sparedLines = 2; // for what comes up below a field
-constexpr int rowPadding = 5; // pixels round a row of the list
-constexpr int spacing = 3; // pixels, between two of them
+constexpr int rowPadding = 8; // pixels round a row of the list
+constexpr int betweenRows = 4; // pixels
 
 } // namespace
 
@@ -58,7 +59,7 @@ PreferencesWindow::PreferencesWindow(platform::Preferences &preferences,
     setWindowTitle(tr("Settings"));
     const int picture = m_list->fontMetrics().height();
     m_list->setIconSize({picture, picture});
-    m_list->setSpacing(spacing);
+    m_list->setSpacing(betweenRows);
     addPage(tr("Signing"), Command::sign, &PreferencesWindow::addSigning);
     addPage(tr("Notarization"), Command::submit, &PreferencesWindow::addNotarization);
     addPage(tr("Log"), Command::selectAll, &PreferencesWindow::addLog);
@@ -111,12 +112,13 @@ void PreferencesWindow::addPage(const QString &title, icons::Command picture,
 {
     auto *const item = new QListWidgetItem(icons::of(picture), title, m_list);
     const int width = m_list->iconSize().width() + m_list->fontMetrics().horizontalAdvance(title);
-    item->setSizeHint(QSize(width + 4 * rowPadding, m_list->fontMetrics().height() + 2 * rowPadding));
+    item->setSizeHint(QSize(width + 4 * spacing::edge, m_list->fontMetrics().height() + 2 * rowPadding));
     auto *const scroll = new QScrollArea(m_pages);
     scroll->setFrameShape(QFrame::NoFrame);
     scroll->setWidgetResizable(true);
     scroll->setFocusPolicy(Qt::NoFocus);
     auto *const section = new SettingsSection(m_preferences, scroll);
+    section->addTitle(title);
     (this->*fill)(*section);
     section->fillUp();
     scroll->setWidget(section);

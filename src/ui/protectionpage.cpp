@@ -3,6 +3,7 @@
 #include "ui/keychainforms.h"
 #include "ui/named.h"
 #include "ui/settingrows.h"
+#include "ui/spacing.h"
 
 #include <QBoxLayout>
 #include <QLabel>
@@ -51,6 +52,7 @@ ProtectionPage::ProtectionPage(KeychainTools keychain, QWidget *parent)
     m_status->setTextFormat(Qt::PlainText);
     m_status->setWordWrap(true);
     auto *const buttons = new QHBoxLayout;
+    buttons->setSpacing(spacing::between);
     buttons->addStretch(1);
     m_lock = addButton(*buttons, u"keychainLock"_s, tr("L&ock"), keychain::lock());
     m_useKeyring = addButton(*buttons, u"keychainUseKeyring"_s, tr("Use the Desktop's &Keyring"),

@@ -2,13 +2,14 @@
 
 #include "document/mainwincontroller.h"
 #include "ui/bindings.h"
+#include "ui/controlstyle.h"
 #include "ui/named.h"
+#include "ui/spacing.h"
 
 #include <QCheckBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QToolButton>
-#include <QtMath>
 
 using namespace Qt::StringLiterals;
 
@@ -42,6 +43,7 @@ QToolButton *settingrows::makeHelpButton(QWidget *parent, MainWinController &doc
 {
     auto *const button = named(new QToolButton(parent), name, QObject::tr("Help: %1").arg(subject));
     button->setText(u"?"_s);
+    button->setProperty(roundSign, true);
     button->setToolTip(button->accessibleName() + u" (F1)"_s);
     button->setFocusPolicy(Qt::TabFocus);
     QObject::connect(button, &QToolButton::clicked, &document, [&document, help] { document.perform(help); });
@@ -84,15 +86,20 @@ QLabel *settingrows::makeCaption(QWidget *parent, const QString &label, QWidget 
 {
     auto *const caption = new QLabel(label, parent);
     caption->setBuddy(&widget);
+    // In the line of the field, also where a hint makes the row higher.
+    const int above = (widget.sizeHint().height() - caption->fontMetrics().height()) / 2;
+    caption->setContentsMargins(0, qMax(0, above), 0, 0);
+    caption->setAlignment(Qt::AlignLeading | Qt::AlignTop);
     widget.setAccessibleName(plainLabel(label));
     return caption;
 }
 
 QLabel *settingrows::makeHeading(QWidget *parent, const QString &label, QWidget &widget)
 {
-    constexpr qreal heightOfButtons = 1.6; // over that of the text
     QLabel *const heading = makeCaption(parent, label, widget);
-    heading->setMinimumHeight(qCeil(heading->fontMetrics().height() * heightOfButtons));
+    heading->setContentsMargins(0, 0, 0, 0);
+    heading->setAlignment(Qt::AlignLeading | Qt::AlignVCenter);
+    heading->setMinimumHeight(spacing::heightOfControl(heading->fontMetrics()));
     return heading;
 }
 

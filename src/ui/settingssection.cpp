@@ -3,6 +3,7 @@
 #include "ui/named.h"
 #include "ui/preferencebindings.h"
 #include "ui/settingrows.h"
+#include "ui/spacing.h"
 #include "ui/toplevel.h"
 
 #include <QBoxLayout>
@@ -24,6 +25,19 @@ SettingsSection::SettingsSection(platform::Preferences &preferences, QWidget *pa
     , m_preferences(preferences)
     , m_rows(new QVBoxLayout(this))
 {
+    m_rows->setSpacing(spacing::near);
+    m_rows->setContentsMargins(2 * spacing::edge, spacing::apart, 2 * spacing::edge, spacing::apart);
+}
+
+void SettingsSection::addTitle(const QString &title)
+{
+    constexpr qreal scale = 1.35; // of the text
+    auto *const heading = new QLabel(title, this);
+    QFont font = heading->font();
+    font.setPointSizeF(font.pointSizeF() * scale);
+    font.setBold(true);
+    heading->setFont(font);
+    m_rows->addWidget(heading);
 }
 
 void SettingsSection::addCheckbox(const QString &key, const QString &label, const QString &explanation)
@@ -32,13 +46,16 @@ void SettingsSection::addCheckbox(const QString &key, const QString &label, cons
     bindings::bind(*box, m_preferences, key);
     beginSetting();
     m_rows->addWidget(box);
-    explain(*box, explanation);
+    explain(*box, explanation,
+            style()->pixelMetric(QStyle::PM_IndicatorWidth)
+                + style()->pixelMetric(QStyle::PM_CheckBoxLabelSpacing));
 }
 
 void SettingsSection::addField(QWidget *field, QWidget &setting, const QString &label,
                                const QString &explanation)
 {
     auto *const row = new QHBoxLayout;
+    row->setSpacing(spacing::between);
     QWidget *const caption = settingrows::makeCaption(this, label, setting);
     caption->setMinimumWidth(caption->fontMetrics().averageCharWidth() * captionCharacters);
     row->addWidget(caption);
@@ -47,7 +64,7 @@ void SettingsSection::addField(QWidget *field, QWidget &setting, const QString &
         row->addStretch(1);
     beginSetting();
     m_rows->addLayout(row);
-    explain(setting, explanation);
+    explain(setting, explanation, 0);
 }
 
 void SettingsSection::addNumber(const QString &key, const QString &label, const Range &range,
@@ -84,16 +101,15 @@ void SettingsSection::fillUp()
 void SettingsSection::beginSetting()
 {
     if (m_rows->count() > 0)
-        m_rows->addSpacing(m_rows->spacing());
+        m_rows->addSpacing(spacing::apart);
 }
 
-void SettingsSection::explain(QWidget &setting, const QString &explanation)
+void SettingsSection::explain(QWidget &setting, const QString &explanation, int indent)
 {
     auto *const text = new QLabel(explanation, this);
     text->setWordWrap(true);
     text->setForegroundRole(QPalette::PlaceholderText);
-    text->setIndent(style()->pixelMetric(QStyle::PM_IndicatorWidth)
-                    + style()->pixelMetric(QStyle::PM_CheckBoxLabelSpacing));
+    text->setIndent(indent);
     setting.setAccessibleDescription(explanation);
     m_rows->addWidget(text);
 }

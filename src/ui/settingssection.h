@@ -19,6 +19,8 @@ class SettingsSection : public QWidget {
 public:
     explicit SettingsSection(platform::Preferences &preferences, QWidget *parent = nullptr);
 
+    /// The name of the page, above its settings.
+    void addTitle(const QString &title);
     void addCheckbox(const QString &key, const QString &label, const QString &explanation);
     /// `field` is the setting itself or holds it.
     void addField(QWidget *field, QWidget &setting, const QString &label, const QString &explanation);
@@ -39,7 +41,8 @@ public:
 
 private:
     void beginSetting();
-    void explain(QWidget &setting, const QString &explanation);
+    /// Below the setting, so many pixels from its edge.
+    void explain(QWidget &setting, const QString &explanation, int indent);
 
     platform::Preferences &m_preferences;
     QVBoxLayout *const m_rows;

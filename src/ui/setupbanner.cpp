@@ -7,11 +7,8 @@
 #include "ui/bannerrow.h"
 #include "ui/named.h"
 #include "ui/practice.h"
-#include "ui/theme.h"
 
-#include <QApplication>
 #include <QBoxLayout>
-#include <QEvent>
 #include <QLabel>
 #include <QPushButton>
 
@@ -23,33 +20,29 @@ using icons::Command;
 
 namespace {
 
-constexpr int edge = 6; // pixels between the frame and what stands in it
-
 /// Set once a person wants to hear no more of it.
 const QString setupDismissed = u"setupDismissed"_s;
 
 } // namespace
 
 SetupBanner::SetupBanner(MainWinController &document, QWidget *parent)
-    : QFrame(parent)
+    : BannerFrame(theme::Meaning::underway, parent)
     , m_document(document)
     , m_text(new QLabel(this))
 {
     named(this, u"setupBanner"_s, tr("First steps"));
-    setAutoFillBackground(true);
     m_text->setObjectName(u"setupText"_s);
     m_text->setWordWrap(true);
     auto *const words = new QHBoxLayout;
     words->addWidget(m_text);
     auto *const row = new BannerRow(*this, words);
-    layout()->setContentsMargins(2 * edge, edge, edge, edge);
+    spaceOut();
     addButton(*row, u"setupPractice"_s, tr("Practise on This Machine…"), Command::setUp,
               [this] { Q_EMIT wanted(SetupRoad::practice); });
     addButton(*row, u"setupDeveloperID"_s, tr("Use My Developer ID…"), Command::keychain,
               [this] { Q_EMIT wanted(SetupRoad::developerID); });
     addButton(*row, u"setupNotNow"_s, tr("Not Now"), Command::close, [this] { dismiss(); });
     connect(&document.appletNameField, &Control::changed, this, &SetupBanner::endWithItem);
-    colour();
     showPhase();
 }
 
@@ -95,20 +88,6 @@ void SetupBanner::addButton(BannerRow &row, const QString &name, const QString &
     button->setAutoDefault(false);
     connect(button, &QPushButton::clicked, this, std::move(press));
     row.addButton(*button);
-}
-
-void SetupBanner::colour()
-{
-    QPalette own;
-    own.setColor(QPalette::Window, theme::groundOf(theme::Meaning::underway, QApplication::palette(this)));
-    setPalette(own);
-}
-
-void SetupBanner::changeEvent(QEvent *event)
-{
-    QFrame::changeEvent(event);
-    if (event->type() == QEvent::ApplicationPaletteChange)
-        colour();
 }
 
 void SetupBanner::dismiss()

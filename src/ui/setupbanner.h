@@ -1,8 +1,7 @@
 #pragma once
 
+#include "ui/bannerframe.h"
 #include "ui/icons.h"
-
-#include <QFrame>
 
 #include <functional>
 
@@ -21,7 +20,7 @@ enum class SetupRoad { practice, developerID };
 
 /// Says at a first start what is missing before anything can be signed and submitted, and offers the ways to
 /// it. Not where the keychain is managed elsewhere, nor once a person has waved it away. Main thread.
-class SetupBanner : public QFrame {
+class SetupBanner : public BannerFrame {
     Q_OBJECT
 
 public:
@@ -30,14 +29,10 @@ public:
 Q_SIGNALS:
     void wanted(SetupRoad road);
 
-protected:
-    void changeEvent(QEvent *event) override;
-
 private:
     bool isNeeded() const;
     void addButton(BannerRow &row, const QString &name, const QString &title, icons::Command picture,
                    std::function<void()> press);
-    void colour();
     void dismiss();
     void showPhase();
     void endWithItem();

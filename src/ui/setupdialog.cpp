@@ -10,6 +10,7 @@
 #include "ui/named.h"
 #include "ui/practice.h"
 #include "ui/relaunchplace.h"
+#include "ui/spacing.h"
 #include "ui/statetext.h"
 #include "ui/toplevel.h"
 
@@ -84,6 +85,7 @@ SetupDialog::SetupDialog(MainWinController &document, SetupRoad road, QWidget *p
     , m_end(new QLabel(this))
 {
     setWindowTitle(tr("Set Up"));
+    m_roads->setDocumentMode(true);
     auto *const rows = new QVBoxLayout(this);
     rows->addWidget(m_roads);
     m_roads->addTab(makePractice(), tr("Practise on This Machine"));
@@ -143,6 +145,7 @@ QWidget *SetupDialog::makeDeveloperID()
         makeText(page, tr("<b>1. Signing identity</b>: a Developer ID certificate with its key")));
     rows->addWidget(import);
     rows->addWidget(m_identityState);
+    rows->addSpacing(spacing::between);
     rows->addWidget(makeText(page,
                              tr("<b>2. Key or password</b> of the notary service: Apple's takes API keys "
                                 "only")));

@@ -1,5 +1,6 @@
 #include "ui/sheetbackdrop.h"
 
+#include "ui/spacing.h"
 #include "ui/theme.h"
 
 #include <QDialog>
@@ -18,9 +19,10 @@ namespace sealwright {
 
 namespace {
 
-constexpr QColor dim(0, 0, 0, 110);
+constexpr QColor dim(0, 0, 0, 80);
 constexpr int margin = 12; // between the frame of a sheet and the edge of its page, pixels
-constexpr qreal radius = 8; // pixels, of a corner of a sheet
+constexpr qreal radius = 10; // pixels, of a corner of a sheet
+constexpr qreal titleScale = 1.2; // of the text
 
 bool takesTab(const QWidget &widget)
 {
@@ -68,8 +70,9 @@ public:
         title->setObjectName(u"sheetTitle"_s);
         title->setTextFormat(Qt::PlainText);
         title->setWordWrap(true);
-        title->setContentsMargins(margin, margin, margin, 0);
+        title->setContentsMargins(spacing::sheetEdge, spacing::sheetEdge, spacing::sheetEdge, 0);
         QFont font = title->font();
+        font.setPointSizeF(font.pointSizeF() * titleScale);
         font.setBold(true);
         title->setFont(font);
         static_cast<QGridLayout *>(layout())->addWidget(title, 0, 0);

@@ -22,7 +22,7 @@ namespace sealwright {
 namespace {
 
 constexpr int pagesWithSign = 2;
-constexpr int besideSign = 6; // pixels between it and its title
+constexpr int besideSign = 4; // pixels between it and its title
 
 } // namespace
 

@@ -7,6 +7,7 @@
 #include "ui/bindings.h"
 #include "ui/fieldhint.h"
 #include "ui/settingrows.h"
+#include "ui/spacing.h"
 #include "ui/toplevel.h"
 
 #include <QCheckBox>
@@ -33,6 +34,18 @@ QWidget *sideBySide(QWidget *parent, Action help, const QList<QWidget *> &widget
     for (QWidget *const widget : widgets)
         row->addWidget(widget, widget == widgets.first() ? 1 : 0);
     return line;
+}
+
+/// The line with the hint below it.
+QWidget *withHint(QWidget *parent, QWidget *line, QWidget &hint)
+{
+    auto *const both = new QWidget(parent);
+    auto *const rows = new QVBoxLayout(both);
+    rows->setContentsMargins(0, 0, 0, 0);
+    rows->setSpacing(spacing::near);
+    rows->addWidget(line);
+    rows->addWidget(&hint);
+    return both;
 }
 
 QFormLayout *makeForm(QWidget *group)
@@ -71,7 +84,7 @@ CredentialsGroup::CredentialsGroup(MainWinController &document, QWidget *parent)
             return isMissingAppleID(text) ? tr("Needed for a submission.") : QString();
         },
         this);
-    form.addRow(settingrows::makeCaption(this, appleID.label, *field), withHint(field, *m_appleIDHint));
+    form.addRow(settingrows::makeCaption(this, appleID.label, *field), withHint(this, field, *m_appleIDHint));
     addPassword(form);
     addProvider(form);
     connect(&document.submitAppButton, &Control::changed, this, [this] {
@@ -80,18 +93,6 @@ CredentialsGroup::CredentialsGroup(MainWinController &document, QWidget *parent)
         m_appleIDHint->insist(); // an item waits for them
         m_passwordHint->insist();
     });
-}
-
-/// The line with the hint below it.
-QWidget *CredentialsGroup::withHint(QWidget *line, FieldHint &hint)
-{
-    auto *const both = new QWidget(this);
-    auto *const rows = new QVBoxLayout(both);
-    rows->setContentsMargins(0, 0, 0, 0);
-    rows->setSpacing(2);
-    rows->addWidget(line);
-    rows->addWidget(&hint);
-    return both;
 }
 
 void CredentialsGroup::addPassword(QFormLayout &form)
@@ -112,7 +113,7 @@ void CredentialsGroup::addPassword(QFormLayout &form)
         },
         this);
     connect(m_passwordHint, &FieldHint::settled, this, &CredentialsGroup::lookUp);
-    form.addRow(settingrows::makeCaption(this, row.label, *field), withHint(line, *m_passwordHint));
+    form.addRow(settingrows::makeCaption(this, row.label, *field), withHint(this, line, *m_passwordHint));
 }
 
 /// Says whether the keychain has such an item, where that is the tool root's.
@@ -166,8 +167,8 @@ SigningGroup::SigningGroup(MainWinController &document, QWidget *parent)
 void SigningGroup::addIdentity(QFormLayout &form)
 {
     QComboBox *const identities = makePopup(this, m_document.identitiesPopup, u"identitiesPopup"_s);
-    form.addRow(settingrows::makeCaption(this, tr("Signing iden&tity"), *identities), identities);
-    form.addRow(makeIdentityHint());
+    form.addRow(settingrows::makeCaption(this, tr("Signing iden&tity"), *identities),
+                withHint(this, identities, *makeIdentityHint()));
     form.addRow(settingrows::makeCheckbox(
         this, m_document,
         {&DocumentControls::dontSignEnclosuresCheckbox, u"dontSignEnclosuresCheckbox"_s,

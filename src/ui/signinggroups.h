@@ -17,7 +17,6 @@ public:
     explicit CredentialsGroup(MainWinController &document, QWidget *parent = nullptr);
 
 private:
-    QWidget *withHint(QWidget *line, FieldHint &hint);
     void addPassword(QFormLayout &form);
     void addProvider(QFormLayout &form);
     void lookUp(const QString &item);

@@ -17,7 +17,7 @@ StepPane::StepPane(MainWinController &document, QWidget *parent)
 {
     auto *const steps = new StepListView(document.stepList, this);
     auto *const rows = new QVBoxLayout(this);
-    rows->setContentsMargins(rows->spacing(), rows->spacing(), 0, 0); // clear of the handle before it
+    rows->setContentsMargins(0, rows->spacing(), 0, 0);
     rows->addWidget(steps, 1);
     const auto &preferences = document.host().preferences;
     const auto nameService = [steps, &preferences] {

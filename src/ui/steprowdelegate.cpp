@@ -1,6 +1,7 @@
 #include "ui/steprowdelegate.h"
 
 #include "ui/runsign.h"
+#include "ui/spacing.h"
 #include "ui/steplistmodel.h"
 #include "ui/theme.h"
 
@@ -32,14 +33,15 @@ int atTop(Qt::Alignment edge)
 enum class RowKind { step, heading };
 
 struct RowLayout {
-    RowLayout(const QFont &font, const QRect &row, RowKind kind)
+    RowLayout(const QFont &font, const QRect &row, RowKind kind, int spare = 0)
         : metrics(kind == RowKind::step ? bold(font)
                                         : font) // of any step, so that none changes its height when it runs
-        , gap(metrics.height() / 3)
+        , gap(metrics.height() / 2)
+        , margin(metrics.height() / 4 + spare / 2)
     {
         const bool isStep = kind == RowKind::step;
         const int side = metrics.ascent();
-        const QRect inner = row.adjusted(gap, margin(), -gap, -margin());
+        const QRect inner = row.adjusted(spacing::near, margin, -spacing::near, -margin);
         const int durationWidth = isStep ? metrics.horizontalAdvance(u"0:00:00"_s) : 0;
         sign = QRect(inner.left(), inner.top() + (metrics.height() - side) / 2, side, side);
         duration = QRect(inner.right() + 1 - durationWidth, inner.top(), durationWidth, metrics.height());
@@ -48,10 +50,9 @@ struct RowLayout {
         name.setRight(duration.left() - 1 - (isStep ? gap : 0));
     }
 
-    int margin() const { return metrics.height() / 5; }
-
     QFontMetrics metrics;
     int gap;
+    int margin;
     QRect sign;
     QRect name;
     QRect duration;
@@ -69,6 +70,13 @@ QString textOf(const QModelIndex &index)
     return parts.isEmpty() ? index.data().toString() : index.data().toString() + u" · "_s + parts;
 }
 
+/// What took no time worth a word has none.
+QString shownDuration(const QModelIndex &index)
+{
+    const QString duration = index.data(StepListModel::durationRole).toString();
+    return duration == durationText(0) ? QString() : duration;
+}
+
 QColor dimmed(const QPalette &palette)
 {
     return theme::mixed(palette.color(QPalette::WindowText), palette.color(QPalette::Window), dimness);
@@ -83,6 +91,16 @@ bool isDim(const QVariant &state)
 StepState stateOf(const QModelIndex &index)
 {
     return index.data(StepListModel::stateRole).value<StepState>();
+}
+
+/// Rows stand apart where their view has the room for all of them like that, and close where not.
+int spareOfRow(const QStyleOptionViewItem &option)
+{
+    const auto *const view = qobject_cast<const QAbstractItemView *>(option.widget);
+    const int rows = view ? view->model()->rowCount() : 0;
+    const int spare = QFontMetrics(option.font).height() * 2 / 7;
+    const int roomy = StepRowDelegate::heightOfOneLine(option.font) + spare;
+    return rows > 0 && rows * roomy <= view->viewport()->height() ? spare : 0;
 }
 
 /// The line that leads from the step before to this one, and on to the next.
@@ -121,7 +139,7 @@ void drawFocus(QPainter &painter, const QStyleOptionViewItem &option)
 void StepRowDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
                             const QModelIndex &index) const
 {
-    const RowLayout layout(option.font, option.rect, kindOf(index));
+    const RowLayout layout(option.font, option.rect, kindOf(index), spareOfRow(option));
     const auto mirrored = [&option](const QRect &place) {
         return QStyle::visualRect(option.direction, option.rect, place);
     };
@@ -135,8 +153,7 @@ void StepRowDelegate::paint(QPainter *painter, const QStyleOptionViewItem &optio
     const int leading = atTop(QStyle::visualAlignment(option.direction, Qt::AlignLeft));
     const int trailing = atTop(QStyle::visualAlignment(option.direction, Qt::AlignRight));
     painter->drawText(mirrored(layout.name), leading | Qt::TextWordWrap, textOf(index));
-    painter->drawText(mirrored(layout.duration), trailing,
-                      index.data(StepListModel::durationRole).toString());
+    painter->drawText(mirrored(layout.duration), trailing, shownDuration(index));
     if (state.isValid()) {
         painter->save();
         drawLine(*painter, mirrored(layout.sign), option.rect, index, option.palette);
@@ -152,10 +169,10 @@ QSize StepRowDelegate::sizeHint(const QStyleOptionViewItem &option, const QModel
 {
     const auto *const view = qobject_cast<const QAbstractItemView *>(option.widget);
     const int width = view ? view->viewport()->width() : option.rect.width();
-    const RowLayout layout(option.font, {0, 0, width, tallestRow}, kindOf(index));
+    const RowLayout layout(option.font, {0, 0, width, tallestRow}, kindOf(index), spareOfRow(option));
     const QRect text =
         layout.metrics.boundingRect(layout.name, Qt::AlignTop | Qt::TextWordWrap, textOf(index));
-    return {0, text.height() + 2 * layout.margin()}; // the view makes a row as wide as itself
+    return {0, text.height() + 2 * layout.margin}; // the view makes a row as wide as itself
 }
 
 int StepRowDelegate::widthFor(const QString &text, const QFont &font)
@@ -168,7 +185,7 @@ int StepRowDelegate::widthFor(const QString &text, const QFont &font)
 int StepRowDelegate::heightOfOneLine(const QFont &font)
 {
     const RowLayout layout(font, {}, RowKind::step);
-    return layout.metrics.height() + 2 * layout.margin();
+    return layout.metrics.height() + 2 * layout.margin;
 }
 
 } // namespace sealwright

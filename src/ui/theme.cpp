@@ -23,8 +23,7 @@ MeaningColours coloursOf(theme::Meaning meaning)
         return {0xffb3261e, 0xffff8a80};
     case theme::Meaning::caution:
         return {0xff8a5a00, 0xfff0b429};
-    case theme::Meaning::underway:
-        return {0xff1f5fbf, 0xff7fb2ff};
+    case theme::Meaning::underway: // has the colour of the controls
     case theme::Meaning::quiet:
         break;
     }
@@ -97,7 +96,9 @@ QPalette theme::readable(QPalette palette)
 QColor theme::colourOf(Meaning meaning, const QPalette &palette)
 {
     const MeaningColours colours = coloursOf(meaning);
-    const QColor colour(isDark(palette) ? colours.onDark : colours.onLight);
+    const QColor colour = meaning == Meaning::underway ? palette.color(QPalette::Active, QPalette::Highlight)
+        : isDark(palette)                              ? QColor(colours.onDark)
+                                                       : QColor(colours.onLight);
     const QColor onWindow = readable(colour, palette.color(QPalette::Window), leastOfText);
     return readable(onWindow, palette.color(QPalette::Base), leastOfText);
 }

@@ -48,17 +48,16 @@ QString waitingSentence(const QStringList &folders)
 }
 
 WaitingBanner::WaitingBanner(MainWinController &document, QWidget *parent)
-    : QFrame(parent)
+    : BannerFrame(theme::Meaning::underway, parent)
     , m_document(document)
     , m_text(new QLabel(this))
 {
     named(this, u"waitingBanner"_s, tr("Waiting"));
-    setAutoFillBackground(true);
     m_text->setObjectName(u"waitingText"_s);
     m_text->setTextFormat(Qt::PlainText);
     m_text->setWordWrap(true);
     auto *const row = new QHBoxLayout(this);
-    row->setContentsMargins(row->spacing(), row->spacing() / 2, row->spacing(), row->spacing() / 2);
+    spaceOut();
     row->addWidget(m_text, 1);
     addButton(*row, u"waitingGoOn"_s, tr("Go On Waiting"), &WaitingBanner::goOn)
         .setIcon(icons::of(icons::Command::goOnWaiting));

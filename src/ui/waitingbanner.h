@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QFrame>
+#include "ui/bannerframe.h"
 
 class QBoxLayout;
 class QLabel;
@@ -12,7 +12,7 @@ class MainWinController;
 
 /// Says, in a document that has done nothing yet, what an earlier launch has left waiting for a verdict, and
 /// goes on with it at a press. Main thread.
-class WaitingBanner : public QFrame {
+class WaitingBanner : public BannerFrame {
     Q_OBJECT
 
 public:
