@@ -29,8 +29,8 @@ struct DocumentFields {
     ObservableProperty<bool> useDiskImage; ///< upload a disk image, not a zip
     ObservableProperty<bool> useDropDMG; ///< make the disk image with DropDMG
     Property<bool> loggingToFile; ///< a log file is wanted for this run
-    /// The user cancelled; the workflow stops at its next check. Cleared by the report that it swallows and
-    /// by an accepted upload, and by nothing else.
+    /// The user cancelled; the workflow stops at its next check. Cleared by the report that it swallows, by
+    /// an accepted upload and by going on with a recorded wait, and by nothing else.
     Property<bool> cancelPressed;
 
     /// The item being worked on: the copy in the working folder.

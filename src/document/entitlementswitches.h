@@ -21,8 +21,9 @@ struct EntitlementSwitch {
     QString entitlement; ///< Apple's key, as in the Hardened Runtime documentation
 };
 
-/// All of them, in the order of the window. To add one: a checkbox in `DocumentControls` and a row here, and
-/// an entry in the scripting definition.
+/// All of them, in the order of the window. To add one: a checkbox in `DocumentControls`, a row here, its
+/// preference among the keys in run/, an entry for the document and one for the application in
+/// Sealwright.sdef, and its label in ui/coretexts.cpp. Tests that list them all then ask for the new one.
 [[nodiscard]] const QList<EntitlementSwitch> &entitlementSwitches();
 
 /// The keys whose switches are on, each with the value true. Main thread.

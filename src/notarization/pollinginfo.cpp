@@ -1,6 +1,7 @@
 #include "notarization/pollinginfo.h"
 
 #include "platform/propertylist/propertylist.h"
+#include "run/preferencekeys.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -14,9 +15,6 @@ using namespace Qt::StringLiterals;
 namespace sealwright {
 
 namespace {
-
-constexpr double shortestDelay = 20.0;
-constexpr double longestDelay = 300.0;
 
 QString firstGroup(const QString &pattern, const QString &text)
 {
@@ -42,7 +40,7 @@ QString withoutTrailingLineEnds(QString text)
 
 double limitedPollingDelay(float preference)
 {
-    return std::min(longestDelay, std::max(shortestDelay, static_cast<double>(preference)));
+    return std::min(longestPollingDelay, std::max(shortestPollingDelay, preference));
 }
 
 std::optional<UploadReceipt> uploadReceipt(const QByteArray &output)

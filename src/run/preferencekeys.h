@@ -54,7 +54,7 @@ inline const QString AppleInterfaceStyle = QStringLiteral("AppleInterfaceStyle")
 
 } // namespace key
 
-// The limits of what running workflows read.
+// The limits of what may be set; those of the delay are kept by running workflows as well.
 inline constexpr float shortestPollingDelay = 20.0F; ///< seconds
 inline constexpr float longestPollingDelay = 300.0F;
 inline constexpr int lowestRetryLimit = 3;

@@ -57,11 +57,13 @@ public:
     void setItem(const QString &path);
     void setUpload(const QString &path);
 
-    /// Makes the folder, empty. What an earlier run has left under its name goes, but for an original of the
-    /// person's, which is put away. Fails where another run works in the folder, or waits for the verdict in
-    /// the one that it becomes.
+    /// Has what an earlier run has left under the folder's name go, but for an original of the person's,
+    /// which is put away. Fails where another run works in it.
     platform::Outcome remove();
+    /// Makes the folder, if it is not there, and claims it. Fails where another run works in it, or waits for
+    /// the verdict in the one that it becomes.
     platform::Outcome create();
+    /// Removes all that is in the folder. Fails where that would take an original of the person's.
     platform::Outcome empty();
     /// Copies the original to the item's place.
     platform::Outcome copyOriginal();

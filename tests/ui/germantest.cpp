@@ -3,6 +3,7 @@
 #include "ui/shown.h"
 
 #include "document/credentialfields.h"
+#include "document/entitlementswitches.h"
 #include "notarization/pollingsteps.h"
 #include "ui/itempanel.h"
 #include "windowtest.h"
@@ -123,6 +124,25 @@ TEST(GermanTexts, ofTheCoreAreThoseThatTheCoreHas)
         text.replace(u'\n', u"\\n"_s).replace(u'"', u"\\\""_s);
         EXPECT_TRUE(core.contains(u"u\""_s + text + u'"')) << text.toStdString();
     }
+}
+
+TEST(GermanTexts, ofTheCoreHaveTheNameOfEachStepAndEntitlement)
+{
+    const QRegularExpression row(u"Step \\w+\\{\\s*\\.name = u\"([^\"]+)\""_s);
+    QStringList names;
+    QDirIterator files(sources + u"/src"_s, {u"*.cpp"_s, u"*.h"_s}, QDir::Files,
+                       QDirIterator::Subdirectories);
+    while (files.hasNext()) {
+        QFile file(files.next());
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        for (const auto &found : row.globalMatch(QString::fromUtf8(file.readAll())))
+            names.append(found.captured(1));
+    }
+    EXPECT_GT(names.size(), 10);
+    for (const EntitlementSwitch &entitlement : entitlementSwitches())
+        names.append(entitlement.label);
+    for (const QString &name : std::as_const(names))
+        EXPECT_TRUE(coreTexts().contains(name)) << name.toStdString();
 }
 
 TEST_F(GermanWindow, hasGermanMenusWithALetterOfItsOwnForEachItem)
