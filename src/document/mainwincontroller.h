@@ -86,8 +86,6 @@ public:
     void logErrorMain(const QString &message) { logStringMain(message, true); }
     void logStringMain(const QString &message, bool isError);
     void closeLog() { log.close(); }
-    /// Closes the log file that is open. If logging to a file is on, opens the one at the path.
-    void openLog(const QString &path, const QString &banner);
     /// Empties the window log, unless the person wants it kept. Main thread.
     void clearLogUnlessKept();
     /// Answers the current script command with the text of the window log. Main thread.

@@ -23,13 +23,6 @@ void MainWinController::logStringMain(const QString &message, bool isError)
     appendToWindowLog(log.noteInFile(message), isError ? LogStyle::error : LogStyle::plain);
 }
 
-void MainWinController::openLog(const QString &path, const QString &banner)
-{
-    closeLog();
-    if (loggingToFile())
-        log.open(path, banner);
-}
-
 void MainWinController::clearLogUnlessKept()
 {
     if (!dontClearCheckbox.isOn())

@@ -263,7 +263,7 @@ TEST_F(Launch, aSignalThatEndsItIsTheLastLineOfALogThatIsOpen)
     MainWinController &busy = host.document();
     busy.isBusy.set(true);
     busy.loggingToFile.set(true);
-    busy.openLog(host.item(u"log.txt"_s), u"head"_s);
+    host.openLog(busy, host.item(u"log.txt"_s), u"head"_s);
     host.application().endBySignal(u"SIGTERM"_s);
     busy.logString(u"a worker's late line"_s);
     EXPECT_TRUE(host.text(u"log.txt"_s)

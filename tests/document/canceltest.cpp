@@ -236,7 +236,7 @@ TEST_F(Cancel, clearingTheLogWithoutAScriptLeavesTheFile)
 {
     launchWithVersion("4.0.1");
     document().loggingToFile.set(true);
-    document().openLog(host.item(u"log.txt"_s), u"head"_s);
+    host.openLog(document(), host.item(u"log.txt"_s), u"head"_s);
     document().logString(u"hello"_s);
     host.settle();
     document().doClearStatus();

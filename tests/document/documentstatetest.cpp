@@ -78,6 +78,7 @@ TEST_F(DocumentState, withOneIdentityTheStoredOneMakesNoDifference)
     host.preferences.setValue(key::lastUsedIdentity, u"Other (O1)"_s);
     launchWithIdentities({u"Example (E1)"_s});
     EXPECT_EQ(identity(), u"Example (E1)"_s);
+    EXPECT_FALSE(host.preferences.wasRead(key::lastUsedIdentity));
 }
 
 TEST_F(DocumentState, withTwoIdentitiesTheStoredOneIsSelected)
@@ -85,6 +86,7 @@ TEST_F(DocumentState, withTwoIdentitiesTheStoredOneIsSelected)
     host.preferences.setValue(key::lastUsedIdentity, u"Other (O1)"_s);
     launchWithIdentities({u"Example (E1)"_s, u"Other (O1)"_s});
     EXPECT_EQ(identity(), u"Other (O1)"_s);
+    EXPECT_TRUE(host.preferences.wasRead(key::lastUsedIdentity));
 }
 
 TEST_F(DocumentState, anIdentityThatIsNoLongerThereLeavesTheFirst)

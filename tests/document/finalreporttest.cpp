@@ -155,7 +155,7 @@ TEST_F(FinalReport, leavesWhatTheNextCommandsNeed)
 TEST_F(FinalReport, isTheLastLineOfTheLogFile)
 {
     document().loggingToFile.set(true);
-    document().openLog(host.item(u"log.txt"_s), u"head"_s);
+    host.openLog(document(), host.item(u"log.txt"_s), u"head"_s);
     work(false, false);
     document().finalAlertOrMessage(title, seeLog, u"ditto failed"_s);
     EXPECT_EQ(document().logHandle(), nullptr);
@@ -275,7 +275,7 @@ TEST_F(FinalReport, closesTheLogFileBeforeAScriptHearsOfIt)
         QVariantMap(), [&](const ScriptReply &) { isOpenAtTheReply = document().logHandle() != nullptr; }));
     work(true, true);
     document().loggingToFile.set(true);
-    document().openLog(host.item(u"log.txt"_s), u"head"_s);
+    host.openLog(document(), host.item(u"log.txt"_s), u"head"_s);
     document().finalAlertOrMessage(title, seeLog, u"ditto failed"_s);
     EXPECT_EQ(isOpenAtTheReply, false);
     EXPECT_TRUE(host.text(u"log.txt"_s).endsWith(u": ditto failed\n"_s));

@@ -28,7 +28,7 @@ protected:
     void openLog()
     {
         document().loggingToFile.set(true);
-        document().openLog(host.item(u"log.txt"_s), u"head"_s);
+        host.openLog(document(), host.item(u"log.txt"_s), u"head"_s);
     }
 
     TestHost host;
@@ -237,7 +237,7 @@ TEST_F(SubmissionLog, aWriterThatStillHoldsTheClosedFileWritesNothing)
 TEST_F(SubmissionLog, openingClosesTheFileThatWasOpen)
 {
     openLog();
-    document().openLog(host.item(u"second.txt"_s), u"second head"_s);
+    host.openLog(document(), host.item(u"second.txt"_s), u"second head"_s);
     document().logString(u"hello"_s);
     EXPECT_EQ(fileLog(), stamp + u"head\n"_s);
     EXPECT_EQ(host.text(u"second.txt"_s), stamp + u"second head\n"_s + stamp + u"hello\n"_s);
@@ -247,7 +247,7 @@ TEST_F(SubmissionLog, openingClosesTheFileThatWasOpenEvenWhereNoneIsWanted)
 {
     openLog();
     document().loggingToFile.set(false);
-    document().openLog(host.item(u"second.txt"_s), u"second head"_s);
+    host.openLog(document(), host.item(u"second.txt"_s), u"second head"_s);
     EXPECT_EQ(document().logHandle(), nullptr);
     EXPECT_EQ(host.listing(), QStringList{u"log.txt"_s});
 }
@@ -274,7 +274,7 @@ TEST_F(SubmissionLog, aFileThatCannotBeMadeIsNoError)
 TEST_F(SubmissionLog, aFullDiskCostsTheFileAndNotTheWindow)
 {
     document().loggingToFile.set(true);
-    document().openLog(u"/dev/full"_s, u"head"_s);
+    host.openLog(document(), u"/dev/full"_s, u"head"_s);
     ASSERT_NE(document().logHandle(), nullptr);
     document().logString(u"hello"_s);
     document().logErrorMain(u"error"_s);

@@ -1,28 +1,14 @@
 // A look at an item: it changes nothing, answers by its exit status, and tells what is in packed items too.
 
-#include "examine/codefiles.h"
-#include "examine/comparison.h"
-#include "examine/examiner.h"
-#include "examine/itemmaker.h"
-#include "examine/product.h"
+#include "examine/examinerun.h"
 
 #include <QDateTime>
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
-#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QProcess>
 #include <QTemporaryDir>
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <sys/xattr.h>
-#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 using sealwright::examine::Product;
@@ -92,21 +78,6 @@ QStringList accessed(const QStringList &paths)
     return found;
 }
 
-struct Ended {
-    int status;
-    QByteArray output;
-    QByteArray error;
-};
-
-Ended run(const QStringList &arguments)
-{
-    QProcess process;
-    process.start(QString::fromUtf8(EXAMINE), arguments);
-    EXPECT_TRUE(process.waitForFinished());
-    return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
-            process.readAllStandardOutput(), process.readAllStandardError()};
-}
-
 QJsonObject entryAt(const QJsonObject &examination, const QString &path)
 {
     for (const auto &entry : examination.value("code"_L1).toArray()) {
@@ -132,14 +103,6 @@ void runTool(const QString &name, const QStringList &arguments)
     process.start(QString::fromUtf8(TOOLCHAIN_ROOT) + u"/usr/bin/"_s + name, arguments);
     EXPECT_TRUE(process.waitForFinished());
     EXPECT_EQ(process.exitCode(), 0) << process.readAllStandardError().toStdString();
-}
-
-QStringList whats(const QList<examine::Difference> &differences)
-{
-    QStringList lines;
-    for (const examine::Difference &difference : differences)
-        lines.append(difference.what + u' ' + difference.path);
-    return lines;
 }
 
 } // namespace
@@ -330,48 +293,6 @@ TEST(AFolder, isSignedByWhatItHolds)
     ASSERT_TRUE(examination);
     EXPECT_EQ(examination->kind, examine::ItemKind::folder);
     EXPECT_FALSE(examination->isRefused());
-}
-
-TEST(AComparison, findsNoDifferenceBetweenAnItemAndItself)
-{
-    const ItemMaker item;
-    const auto differences = examine::compareItems(item.item(), item.item());
-    ASSERT_TRUE(differences);
-    EXPECT_THAT(*differences, IsEmpty());
-    EXPECT_EQ(run({u"--compare"_s, item.item(), item.item()}).status, 0);
-}
-
-TEST(AComparison, tellsWhatHasComeGoneAndChanged)
-{
-    ItemMaker before(u"universal"_s);
-    before.code(u"Contents/MacOS/old"_s, codefiles::executable(u"arm64"_s));
-    ItemMaker after(u"arm64"_s);
-    after.code(u"Contents/MacOS/new"_s, codefiles::executable(u"arm64"_s));
-    after.info(u"Contents"_s, u"Foo"_s, u"com.example.other"_s);
-    const auto differences = examine::compareItems(before.item(), after.item());
-    ASSERT_TRUE(differences);
-    const QStringList found = whats(*differences);
-    EXPECT_THAT(found, Contains(u"removed Contents/MacOS/old"_s));
-    EXPECT_THAT(found, Contains(u"added Contents/MacOS/new"_s));
-    EXPECT_THAT(found, Contains(u"architectures ."_s));
-    EXPECT_THAT(found, Contains(u"identifier ."_s));
-    EXPECT_THAT(found, Contains(u"size ."_s));
-    EXPECT_EQ(run({u"--compare"_s, before.item(), after.item()}).status, 1);
-    EXPECT_EQ(run({u"--compare"_s, before.item(), before.path(u"missing.app"_s)}).status, 4);
-}
-
-TEST(AComparison, ofWhatCannotBeReadIsNone)
-{
-    const ItemMaker item;
-    ItemMaker image;
-    image.become(u"Foo.dmg"_s, "text");
-    for (const auto &[old, recent] :
-         {std::pair(image.item(), image.item()), std::pair(item.item(), image.item()),
-          std::pair(image.item(), item.item())}) {
-        const Ended ended = run({u"--compare"_s, old, recent});
-        EXPECT_EQ(ended.status, 4);
-        EXPECT_TRUE(ended.error.contains("cannot be read")) << ended.error.constData();
-    }
 }
 
 TEST(ALook, tellsTheSizeOfTheItemWhereItIsAskedTo)

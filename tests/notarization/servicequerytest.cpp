@@ -255,7 +255,7 @@ TEST_P(Query, leavesWhatASubmissionHasLeftAsItIs)
 TEST_P(Query, writesNoReportOfItsToolToALogFileThatIsStillOpen)
 {
     document().loggingToFile.set(true);
-    document().openLog(host.item(u"log.txt"_s), u"of an earlier run"_s);
+    host.openLog(document(), host.item(u"log.txt"_s), u"of an earlier run"_s);
     start();
     host.settle();
     EXPECT_FALSE(host.tools.callsOf(GetParam().tool).isEmpty());

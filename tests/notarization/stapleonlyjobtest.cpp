@@ -1,11 +1,8 @@
 // Stapling by itself, in the background: the log file, the assessment and what becomes of its verdict.
 
+#include "app/preferencekeys.h"
 #include "notarization/stapleonlytest.h"
 #include "notarization/stapleonlyworkflow.h"
-
-#include "app/preferencekeys.h"
-
-#include <QRegularExpression>
 
 using namespace Qt::StringLiterals;
 
@@ -185,7 +182,7 @@ TEST_F(StapleOnly, addsToTheLogFileThatIsThere)
 TEST_F(StapleOnly, withoutALogFileMakesNoneAndClosesTheOneThatIsOpen)
 {
     launched().loggingToFile.set(true);
-    document().openLog(host.item(u"open.txt"_s), u"head"_s);
+    host.openLog(document(), host.item(u"open.txt"_s), u"head"_s);
     host.preferences.setValue(key::detailedLogToFile, false);
     items::makeFile(host.item(u"Elsewhere/Submission Log.txt"_s), "earlier\n");
     staple(u"Elsewhere/Foo.app"_s);
@@ -197,7 +194,7 @@ TEST_F(StapleOnly, withoutALogFileMakesNoneAndClosesTheOneThatIsOpen)
 TEST_F(StapleOnly, closesTheLogFileOfAnEarlierRunBeforeItBeginsItsOwn)
 {
     launched().loggingToFile.set(true);
-    document().openLog(host.item(u"open.txt"_s), u"head"_s);
+    host.openLog(document(), host.item(u"open.txt"_s), u"head"_s);
     const auto earlier = document().logHandle();
     staple(u"Elsewhere/Foo.app"_s);
     earlier->write("later");
@@ -345,69 +342,4 @@ TEST_F(StapleOnly, elsewhereThatCannotBeStapledRenamesNothing)
     staple(u"Elsewhere/Foo.app"_s);
     EXPECT_EQ(host.window().sheets.value(0).messageText, u"Stapling Failed"_s);
     EXPECT_EQ(host.listing(), (QStringList{u"Elsewhere"_s, u"Foo - Submitted"_s}));
-}
-
-// After a cancel of the wait for a verdict
-
-namespace {
-
-class StapleAfterCancel : public StapleOnly {
-protected:
-    /// Submits Bar.app and cancels while its verdict is waited for.
-    StapleAfterCancel()
-    {
-        items::makeBundle(host.item(u"Bar.app"_s));
-        launched();
-        host.submit(host.item(u"Bar.app"_s));
-        document().doCancel();
-        host.window().answerSheet();
-        host.tools.forgetCalls();
-    }
-};
-
-} // namespace
-
-TEST_F(StapleAfterCancel, worksAndLeavesTheCancelWhereItIs)
-{
-    ASSERT_TRUE(document().cancelPressed());
-    choose(u"Bar - Submitted/Bar.app"_s);
-    host.settle();
-    expectStapled(u"Bar - Submitted/Bar.app"_s);
-    EXPECT_TRUE(host.listing().contains(u"Bar - Notarized"_s));
-    EXPECT_EQ(host.window().sheets.last().messageText, u"Stapling Successful"_s);
-    EXPECT_FALSE(document().isBusy());
-    EXPECT_TRUE(document().cancelPressed());
-}
-
-TEST_F(StapleAfterCancel, swallowsItsFirstFailureAndTellsTheSecond)
-{
-    host.tools.answer(u"spctl"_s, {.status = 3, .error = "rejected"});
-    const auto sheetsBefore = host.window().sheets.size();
-    choose(u"Bar - Submitted/Bar.app"_s);
-    host.settle();
-    EXPECT_EQ(host.window().sheets.size(), sheetsBefore);
-    EXPECT_TRUE(host.log(LogStyle::error).isEmpty());
-    EXPECT_TRUE(document().isBusy());
-    EXPECT_EQ(document().statusString(), u"stapling"_s);
-    EXPECT_FALSE(document().cancelPressed());
-
-    document().perform(Action::doStapleAgain);
-    host.settle();
-    EXPECT_EQ(host.window().sheets.last().messageText, u"Error Verifying Signing"_s);
-    EXPECT_FALSE(document().isBusy());
-}
-
-TEST_F(StapleAfterCancel, swallowsAFailureOfTheStaplerAndStaysBusy)
-{
-    host.tools.answer(u"stapler"_s, {.status = 65, .error = "no ticket"});
-    const auto sheetsBefore = host.window().sheets.size();
-    choose(u"Bar - Submitted/Bar.app"_s);
-    host.settle();
-    EXPECT_EQ(host.tools.callsOf(u"stapler"_s).size(), 1);
-    EXPECT_EQ(host.window().sheets.size(), sheetsBefore);
-    EXPECT_TRUE(host.log(LogStyle::error).isEmpty());
-    EXPECT_TRUE(host.listing().contains(u"Bar - Failed"_s)) << "the folder has its name all the same";
-    EXPECT_TRUE(document().isBusy());
-    EXPECT_EQ(document().statusString(), u"stapling"_s);
-    EXPECT_FALSE(document().cancelPressed());
 }

@@ -2,8 +2,8 @@
 
 #include "run/runfolder.h"
 #include "run/workingfoldernames.h"
-#include "support/fakehost.h"
 #include "support/items.h"
+#include "support/testfiles.h"
 
 #include <QDir>
 #include <QTemporaryDir>

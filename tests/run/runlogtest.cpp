@@ -3,6 +3,7 @@
 #include "run/runlog.h"
 #include "support/fakehost.h"
 #include "support/items.h"
+#include "support/testfiles.h"
 
 #include <QTemporaryDir>
 

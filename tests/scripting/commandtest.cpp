@@ -1,77 +1,8 @@
-// The submit and log commands of a script, on the application and on a document.
+// The submit commands of a script, on the application and on a document.
 
-#include "scripting/MainWinController+Scripting.h"
-#include "support/items.h"
-#include "support/testhost.h"
-
-#include "app/preferencekeys.h"
-#include "document/documentcommands.h"
-#include "platform/itempath.h"
-#include "platform/scriptcommand.h"
-#include "scripting/NSApplication+Scripting.h"
-
-#include <gtest/gtest.h>
+#include "scripting/commandtest.h"
 
 using namespace Qt::StringLiterals;
-
-namespace {
-
-enum class Receiver { application, document };
-
-} // namespace
-
-class AScript : public testing::Test {
-protected:
-    AScript()
-    {
-        items::makeBundle(host.item(u"Foo.app"_s));
-        host.launch();
-    }
-
-    QVariantMap atItem(const QString &name) const
-    {
-        return {{argument::at, itempath::toUrl(host.item(name))}};
-    }
-
-    void send(const QVariantMap &arguments, Receiver receiver)
-    {
-        reply.reset();
-        command = std::make_shared<ScriptCommand>(arguments, [this](const ScriptReply &answer) {
-            EXPECT_FALSE(reply) << "answered twice";
-            reply = answer;
-        });
-        command->execute([this, receiver](const ScriptCommandPtr &executing) {
-            if (receiver == Receiver::application)
-                host.application().scripting().AESubmitForNotarizing(executing);
-            else
-                MainWinControllerScripting(host.document()).AESubmitForNotarizing(executing);
-        });
-    }
-
-    /// Leaves the document with a command that waits for an answer, as an earlier script may have.
-    void suspendStaleCommand()
-    {
-        command = std::make_shared<ScriptCommand>(QVariantMap(),
-                                                  [this](const ScriptReply &answer) { reply = answer; });
-        command->execute([](const ScriptCommandPtr &executing) { executing->suspendExecution(); });
-        host.document().currentCommand.set(command);
-    }
-
-    void expectRefused(qint64 number, const QString &text = {})
-    {
-        ASSERT_TRUE(reply);
-        EXPECT_EQ(reply->errorNumber, number);
-        EXPECT_EQ(reply->errorText, text);
-        EXPECT_EQ(reply->errorText.isNull(), text.isNull());
-        EXPECT_FALSE(reply->result.isValid());
-        EXPECT_EQ(host.application().allControllers().size(), 1);
-        EXPECT_TRUE(host.tools.calls().isEmpty());
-    }
-
-    TestHost host;
-    ScriptCommandPtr command;
-    std::optional<ScriptReply> reply;
-};
 
 class SubmitCommand : public AScript, public testing::WithParamInterface<Receiver> {
 protected:
@@ -270,79 +201,6 @@ TEST_F(AScript, isRefusedByAPreparedDocument)
     expectRefused(1199, u"Document is busy, status: interacting."_s);
 }
 
-TEST_F(AScript, getsThePlainTextOfALogWithTimeStamps)
-{
-    host.document().logStringMain(u"one"_s, false);
-    host.document().logStringMain(u"two"_s, true);
-    command =
-        std::make_shared<ScriptCommand>(QVariantMap(), [this](const ScriptReply &answer) { reply = answer; });
-    command->execute([this](const ScriptCommandPtr &executing) {
-        MainWinControllerScripting(host.document()).AEFetchLog(executing);
-    });
-    EXPECT_FALSE(reply);
-    host.settle();
-    ASSERT_TRUE(reply);
-    EXPECT_EQ(reply->result.toString(), u"14:03:22.123: one\n14:03:22.123: two\n"_s);
-}
-
-TEST_F(AScript, thatFetchesTheLogOfARunningDocumentLosesTheCommandOfTheRun)
-{
-    host.tools.answer(u"xattr"_s, {.hangs = true});
-    send(atItem(u"Foo.app"_s), Receiver::document);
-    host.runUntil([this] { return !host.tools.callsOf(u"xattr"_s).isEmpty(); });
-    std::optional<ScriptReply> log;
-    const auto fetch = std::make_shared<ScriptCommand>(QVariantMap(), [&log](const ScriptReply &answer) {
-        EXPECT_FALSE(log) << "answered twice";
-        log = answer;
-    });
-    fetch->execute([this](const ScriptCommandPtr &executing) {
-        MainWinControllerScripting(host.document()).AEFetchLog(executing);
-    });
-    host.runUntil([&log] { return log.has_value(); });
-    host.document().doCancel();
-    host.settle();
-    EXPECT_FALSE(reply); // its answer went to the finished log command
-    EXPECT_FALSE(log->isError());
-}
-
-TEST_F(AScript, thatSkipsStaplingCanSubmitAgainAsSoonAsItIsAnswered)
-{
-    std::optional<bool> isBusyBehind;
-    const auto submit = std::make_shared<ScriptCommand>(
-        QVariantMap{{argument::at, itempath::toUrl(host.item(u"Foo.app"_s))},
-                    {argument::skippingStapling, true}},
-        [&](const ScriptReply &) {
-            host.document().dispatchToMain([&] { isBusyBehind = host.document().isBusy(); });
-        });
-    submit->execute([this](const ScriptCommandPtr &executing) {
-        MainWinControllerScripting(host.document()).AESubmitForNotarizing(executing);
-    });
-    host.settle();
-    ASSERT_TRUE(isBusyBehind);
-    EXPECT_FALSE(*isBusyBehind) << "the end of the run would clear the flags of the next one";
-    EXPECT_EQ(host.document().statusString(), u"ready"_s);
-}
-
-TEST_F(AScript, thatClearsTheLogOfARunningDocumentLosesTheCommandOfTheRun)
-{
-    host.tools.answer(u"xattr"_s, {.hangs = true});
-    send(atItem(u"Foo.app"_s), Receiver::document);
-    host.runUntil([this] { return !host.tools.callsOf(u"xattr"_s).isEmpty(); });
-    int cleared = 0;
-    const auto clear =
-        std::make_shared<ScriptCommand>(QVariantMap(), [&cleared](const ScriptReply &) { ++cleared; });
-    clear->execute([this](const ScriptCommandPtr &executing) {
-        MainWinControllerScripting(host.document()).AEClearLog(executing);
-    });
-    host.runUntil([&cleared] { return cleared > 0; });
-    host.tools.release(u"xattr"_s);
-    host.settle();
-    host.firePolls();
-    EXPECT_TRUE(QFileInfo::exists(host.item(u"Foo - Notarized"_s))) << "the run goes on";
-    EXPECT_FALSE(reply) << "its answer went to the finished command";
-    EXPECT_EQ(cleared, 1);
-}
-
 TEST_F(AScript, isToldNothingOfAFailureOfAPersonsOwnRun)
 {
     suspendStaleCommand();
@@ -398,29 +256,6 @@ TEST_F(AScript, submitsInADocumentWithItsFieldsAndInANewOneWithThePreferences)
     ASSERT_EQ(uploads.size(), 2);
     EXPECT_TRUE(uploads.at(0).contains(u"own@example.com"_s));
     EXPECT_TRUE(uploads.at(1).contains(u"preferred@example.com"_s));
-}
-
-TEST(ScriptCommand, canBeResumedFromAnyThreadAndIsAnsweredOnce)
-{
-    std::atomic<int> answers = 0;
-    const auto command =
-        std::make_shared<ScriptCommand>(QVariantMap(), [&answers](const ScriptReply &) { ++answers; });
-    command->execute([](const ScriptCommandPtr &executing) { executing->suspendExecution(); });
-    EXPECT_EQ(answers, 0);
-    std::thread first([&command] { command->resumeExecutionWithResult(1); });
-    std::thread second([&command] { command->resumeExecutionWithResult(2); });
-    first.join();
-    second.join();
-    EXPECT_EQ(answers, 1);
-}
-
-TEST(ScriptCommand, isTheExecutingOneOnlyInItsHandler)
-{
-    EXPECT_EQ(ScriptCommand::executingCommand(), nullptr);
-    const auto command = std::make_shared<ScriptCommand>(QVariantMap(), [](const ScriptReply &) {});
-    command->execute(
-        [](const ScriptCommandPtr &executing) { EXPECT_EQ(ScriptCommand::executingCommand(), executing); });
-    EXPECT_EQ(ScriptCommand::executingCommand(), nullptr);
 }
 
 TEST_F(AScript, isRefusedIfAPersonBeginsBeforeItsTurnComes)

@@ -1,14 +1,12 @@
-// The commands of a script besides submitting: stapling, signing, the history, preparing and clearing the
-// log.
-
-#include "scripting/MainWinController+Scripting.h"
-#include "support/items.h"
-#include "support/testhost.h"
+// The commands of a script besides submitting: stapling, signing, the history and preparing.
 
 #include "document/documentcommands.h"
 #include "platform/itempath.h"
 #include "platform/scriptcommand.h"
+#include "scripting/MainWinController+Scripting.h"
 #include "scripting/NSApplication+Scripting.h"
+#include "support/items.h"
+#include "support/testhost.h"
 
 #include <gtest/gtest.h>
 
@@ -386,26 +384,4 @@ TEST_P(OtherCommand, preparesNothingWhileBusyOrWithoutAnItem)
     makeReceiverBusy();
     prepare(atItem(u"Foo.app"_s));
     expectBusy();
-}
-
-// Clear
-
-TEST(ClearLogCommand, clearsTheLogOfABusyDocumentAtOnce)
-{
-    TestHost host;
-    host.launch();
-    host.document().logStringMain(u"a line"_s, false);
-    host.document().changeStatus(status::waiting);
-    std::optional<ScriptReply> reply;
-    const auto command = std::make_shared<ScriptCommand>(
-        QVariantMap(), [&reply](const ScriptReply &answer) { reply = answer; });
-    command->execute([&host](const ScriptCommandPtr &executing) {
-        MainWinControllerScripting(host.document()).AEClearLog(executing);
-    });
-    EXPECT_FALSE(reply);
-    host.settle();
-    ASSERT_TRUE(reply);
-    EXPECT_FALSE(reply->isError());
-    EXPECT_FALSE(reply->result.isValid());
-    EXPECT_TRUE(host.log().isEmpty());
 }

@@ -3,21 +3,16 @@
 
 #include "scripting/MainWinController+Scripting.h"
 #include "state/instanttools.h"
-#include "support/items.h"
-#include "support/testhost.h"
+#include "state/randomitems.h"
 
 #include "app/preferencekeys.h"
 #include "document/documentcommands.h"
-#include "platform/itempath.h"
 #include "platform/scriptcommand.h"
 #include "scripting/NSApplication+Scripting.h"
-
-#include <QDirIterator>
 
 #include <gtest/gtest.h>
 
 #include <iostream>
-#include <random>
 
 using namespace Qt::StringLiterals;
 
@@ -31,8 +26,6 @@ constexpr int patience = 100; // milliseconds for workers that wait for one anot
 
 const QStringList words{u"ready"_s,   u"interacting"_s, u"submitting"_s,
                         u"waiting"_s, u"stapling"_s,    u"fetching"_s};
-
-const QStringList itemNames{u"A.app"_s, u"B.pkg"_s, u"C.dmg"_s, u"D.plugin"_s};
 
 int numberFrom(const char *variable, int otherwise)
 {
@@ -50,10 +43,10 @@ struct Sent {
 
 } // namespace
 
-class RandomCommands : public testing::Test {
+class RandomCommands : public RandomItems {
 protected:
     RandomCommands()
-        : m_random(static_cast<unsigned>(numberFrom("SEALWRIGHT_SEED", usualSeed)))
+        : RandomItems(static_cast<unsigned>(numberFrom("SEALWRIGHT_SEED", usualSeed)))
     {
         test.preferences.setValue(key::detailedLogToFile, true);
         tools.effect = [](const QString &tool, const QStringList &arguments) { leaveTrace(tool, arguments); };
@@ -66,68 +59,6 @@ protected:
     {
         test.timers.forgetAll();
         application.reset();
-    }
-
-    /// So that no copy that has been worked on passes for the item of the user. Another document may just
-    /// have taken the copy away.
-    static void leaveTrace(const QString &tool, const QStringList &arguments)
-    {
-        const QString item = arguments.value(arguments.size() - 1);
-        const bool isFileSigned =
-            tool == "productsign"_L1 || (tool == "codesign"_L1 && QFileInfo(item).isFile());
-        if (!isFileSigned && tool != "xattr"_L1 && tool != "codesign"_L1)
-            return;
-        QFile trace(isFileSigned ? item : item + u"/signed"_s);
-        if (trace.open(QIODevice::WriteOnly))
-            trace.write("signed");
-    }
-
-    // Chance
-
-    int below(qsizetype limit)
-    {
-        return static_cast<int>(std::uniform_int_distribution<qsizetype>(0, limit - 1)(m_random));
-    }
-    bool happens(int percent) { return below(100) < percent; }
-    template <class List>
-    auto &oneOf(List &list)
-    {
-        return list[below(std::size(list))];
-    }
-
-    // The user's items, each with bytes of its own
-
-    QString itemPath(const QString &name) const { return test.item(name.left(1) + u'/' + name); }
-
-    QUrl someItem()
-    {
-        const QString name = oneOf(itemNames);
-        const QString path = itemPath(name);
-        if (!QFileInfo::exists(path)) {
-            const QByteArray serial = QByteArray::number(++m_serial);
-            if (name.endsWith(".pkg"_L1) || name.endsWith(".dmg"_L1)) {
-                items::makeFile(path, "item " + serial);
-            } else {
-                items::makeBundle(path);
-                items::makeFile(path + u"/Contents/serial"_s, serial);
-            }
-            m_fingerprints.append(items::fingerprint(path));
-        }
-        return itempath::toUrl(path);
-    }
-
-    void expectAllItemsAreSomewhere()
-    {
-        QSet<QByteArray> found;
-        QDirIterator entries(test.item(u".."_s), QDir::AllEntries | QDir::NoDotAndDotDot,
-                             QDirIterator::Subdirectories);
-        while (entries.hasNext()) {
-            const QString path = entries.next();
-            if (itemNames.contains(entries.fileName()))
-                found.insert(items::fingerprint(path));
-        }
-        for (const QByteArray &fingerprint : m_fingerprints)
-            EXPECT_TRUE(found.contains(fingerprint));
     }
 
     // Steps
@@ -422,17 +353,13 @@ protected:
         EXPECT_TRUE(test.workers().isIdle());
     }
 
-    TestHost test;
     InstantTools tools;
     FakeWindowFactory windows{test.applicationHost};
     std::unique_ptr<AppDelegate> application;
     QList<std::shared_ptr<Sent>> m_sent;
 
 private:
-    std::mt19937 m_random;
     QSet<QString> m_disturbed; // documents by their identifiers
-    int m_serial = 0;
-    QList<QByteArray> m_fingerprints;
 };
 
 TEST_F(RandomCommands, keepTheItemsAndTheOrderOfDocuments)

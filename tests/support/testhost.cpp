@@ -3,6 +3,7 @@
 #include "app/preferencekeys.h"
 #include "document/documentcommands.h"
 #include "platform/itempath.h"
+#include "run/run.h"
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
@@ -128,6 +129,11 @@ void TestHost::runUntil(const std::function<bool()> &condition)
 void TestHost::settle()
 {
     runUntil([this] { return m_workers->isIdle() && mainQueue.isEmpty(); });
+}
+
+void TestHost::openLog(MainWinController &document, const QString &path, const QString &banner)
+{
+    document.makeRun(document.runInputs(), {})->openLog(path, banner);
 }
 
 void TestHost::submit(const QString &path)

@@ -3,6 +3,8 @@
 #include "app/appdelegate.h"
 #include "support/fakehost.h"
 #include "support/faketools.h"
+#include "support/fakewindow.h"
+#include "support/testfiles.h"
 #include "support/watchedlauncher.h"
 #include "tools/toolroot.h"
 
@@ -46,6 +48,9 @@ public:
     TestWorkerQueue &workers() { return *m_workers; }
     /// Lets the main queue run until the condition holds. A condition that never does is a failed test.
     void runUntil(const std::function<bool()> &condition);
+
+    /// Opens the log file of a run of the document, if it wants one, and closes the one that is open.
+    static void openLog(MainWinController &document, const QString &path, const QString &banner);
 
     /// Submits the item as a script without dialogs or a person would, up to the first poll or the end.
     void submit(const QString &path);

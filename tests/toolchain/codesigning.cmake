@@ -3,9 +3,12 @@ target_sources(tst_toolchain PRIVATE
     coveredbytes.cpp coveredbytes.h
     machobuilder.cpp machobuilder.h
     changedbytestest.cpp
-    codesigntest.cpp
-    codesignaturetest.cpp
-    codeverifytest.cpp
+    codesigntest.cpp codesigntest.h
+    codesignitemstest.cpp
+    codesignaturetest.cpp signatureplan.h
+    machosigningtest.cpp
+    codeverifytest.cpp codeverifytest.h
+    codechangestest.cpp
     codefieldstest.cpp
     signedlayouttest.cpp
     signersrequirementtest.cpp)

@@ -1,25 +1,12 @@
-#include "formats/fileattributes.h"
-#include "formats/zip/zipoutput.h"
-#include "toolchain/bundlebuilder.h"
-#include "toolchain/toolfixture.h"
+// Archives that are packed, and what comes back of them.
 
-#include <QDateTime>
-#include <QDir>
+#include "toolchain/dittotest.h"
+
 #include <QEventLoop>
 #include <QFileInfo>
 #include <QFileSystemWatcher>
 #include <QMap>
 #include <QTimer>
-
-#include <archive.h>
-#include <archive_entry.h>
-
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <clocale>
-#include <tuple>
 
 using namespace Qt::StringLiterals;
 
@@ -53,68 +40,6 @@ QMap<QString, Entry> readZip(const QString &path)
     archive_read_free(zip);
     return entries;
 }
-
-class Ditto : public ToolFixture {
-protected:
-    [[nodiscard]] QStringList archivesFolder() const
-    {
-        return QDir(path(u"out"_s)).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
-    }
-
-    [[nodiscard]] ToolResult extract(const QString &archive, const QString &folder) const
-    {
-        return run(ditto, {u"-x"_s, u"-k"_s, archive, folder});
-    }
-
-    void packWithAttributes(const QStringList &options)
-    {
-        bundlebuilder::writeFile(path(u"tree/file"_s), "a script");
-        for (auto attribute = m_attributes.begin(); attribute != m_attributes.end(); ++attribute)
-            ASSERT_EQ(
-                toolchain::writeAttribute(path(u"tree/file"_s), attribute.key(), attribute.value()).error(),
-                QString());
-        ASSERT_EQ(toolchain::writeAttribute(path(u"tree"_s), "on.the.folder", "1").error(), QString());
-        ASSERT_EQ(run(ditto,
-                      QStringList{u"-c"_s, u"-k"_s, u"--keepParent"_s} + options
-                          + QStringList{path(u"tree"_s), path(u"out/a.zip"_s)})
-                      .status,
-                  0);
-    }
-
-    void expectAttributesBack() const
-    {
-        ASSERT_EQ(extract(path(u"out/a.zip"_s), path(u"out/unpacked"_s)).status, 0);
-        EXPECT_EQ(*toolchain::readAttributes(path(u"out/unpacked/tree/file"_s)), m_attributes);
-        EXPECT_EQ(toolchain::readAttributes(path(u"out/unpacked/tree"_s))->value("on.the.folder"), "1");
-        EXPECT_FALSE(QFile::exists(path(u"out/unpacked/__MACOSX"_s)));
-        EXPECT_EQ(bundlebuilder::readFile(path(u"out/unpacked/tree/file"_s)), "a script");
-    }
-
-    /// An archive with entries that the tool would not write.
-    void writeArchive(const std::vector<std::tuple<QByteArray, quint16, QByteArray>> &entries) const
-    {
-        const QByteArray name = QFile::encodeName(path(u"crafted.zip"_s));
-        const int file = open(name.constData(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-        toolchain::zip::ZipOutput output(file, name.toStdString(), 6);
-        for (const auto &[entry, mode, content] : entries)
-            output.add({entry, mode, 1'500'000'000}, content);
-        output.finish();
-        EXPECT_EQ(output.outcome().error(), QString());
-        close(file);
-    }
-
-    const toolchain::FileAttributes m_attributes{{"com.apple.FinderInfo", "TEXTttxt" + QByteArray(24, '\0')},
-                                                 {"com.apple.ResourceFork", QByteArray(70'000, 'R')},
-                                                 {"com.apple.cs.CodeDirectory", "a directory"},
-                                                 {"com.apple.cs.CodeSignature", QByteArray(9000, 's')}};
-
-    void SetUp() override
-    {
-        ToolFixture::SetUp();
-        QDir().mkpath(path(u"out"_s));
-        bundlebuilder::makeApp(path(u"My App.app"_s), u"com.example.app"_s);
-    }
-};
 
 } // namespace
 
@@ -321,84 +246,4 @@ TEST_F(Ditto, twoFormsOfOneNameAreRefusedByName)
     EXPECT_EQ(result.status, 1);
     EXPECT_TRUE(result.error.contains(path(u"names/"_s))) << result.error.toStdString();
     EXPECT_EQ(archivesFolder(), QStringList());
-}
-
-TEST_F(Ditto, whatLeadsOutOfTheFolderIsRefusedByNameAndNothingIsWritten)
-{
-    for (const auto &[name, mode, content] : {std::tuple(QByteArray("../evil"), 0100644, QByteArray("x")),
-                                              {"/tmp/evil", 0100644, "x"},
-                                              {"a/../../evil", 0100644, "x"},
-                                              {"link", 0120777, "/etc/passwd"},
-                                              {"a/link", 0120777, "../../etc"},
-                                              {"device", 0020666, ""},
-                                              {"pipe", 0010644, ""}}) {
-        writeArchive({{"first", 0100644, "written before?"}, {name, quint16(mode), content}});
-        const ToolResult result = extract(path(u"crafted.zip"_s), path(u"out/unpacked"_s));
-        EXPECT_EQ(result.status, 1) << name.toStdString();
-        EXPECT_TRUE(result.error.contains(QString::fromUtf8(name))) << result.error.toStdString();
-        EXPECT_FALSE(QFile::exists(path(u"out/unpacked/first"_s))) << name.toStdString();
-        EXPECT_FALSE(QFile::exists(path(u"out/evil"_s)));
-    }
-}
-
-TEST_F(Ditto, aLinkThatIsThereIsNotWrittenThrough)
-{
-    QDir().mkpath(path(u"out/unpacked"_s));
-    QDir().mkpath(path(u"elsewhere"_s));
-    ASSERT_TRUE(QFile::link(path(u"elsewhere"_s), path(u"out/unpacked/folder"_s)));
-    writeArchive({{"folder/file", 0100644, "x"}});
-    EXPECT_EQ(extract(path(u"crafted.zip"_s), path(u"out/unpacked"_s)).status, 1);
-    EXPECT_FALSE(QFile::exists(path(u"elsewhere/file"_s)));
-}
-
-TEST_F(Ditto, aFileBehindALinkOfTheSameArchiveIsRefused)
-{
-    writeArchive({{"folder", 0120777, "other"}, {"folder/file", 0100644, "x"}});
-    EXPECT_EQ(extract(path(u"crafted.zip"_s), path(u"out/unpacked"_s)).status, 1);
-}
-
-TEST_F(Ditto, entriesThatShareBytesOrClaimTooMuchAreRefusedByName)
-{
-    writeArchive({{"one", 0100644, "bytes"}, {"two", 0100644, "bytes"}});
-    QByteArray archive = bundlebuilder::readFile(path(u"crafted.zip"_s));
-    const qsizetype second = archive.lastIndexOf("PK\1\2");
-    const QByteArray whole = archive;
-    archive.replace(second + 42, 4, QByteArray(4, '\0'));
-    bundlebuilder::writeFile(path(u"crafted.zip"_s), archive);
-    EXPECT_TRUE(extract(path(u"crafted.zip"_s), path(u"out/u"_s)).error.contains(u"shares its bytes"_s));
-    archive = whole;
-    archive.replace(second + 24, 4, "\xff\xff\xff\x7f");
-    bundlebuilder::writeFile(path(u"crafted.zip"_s), archive);
-    EXPECT_TRUE(
-        extract(path(u"crafted.zip"_s), path(u"out/u"_s)).error.contains(u"\"two\" claims to hold more"_s));
-    EXPECT_FALSE(QFile::exists(path(u"out/u/one"_s)));
-}
-
-TEST_F(Ditto, aDamagedArchiveIsAnErrorAndNeverMore)
-{
-    bundlebuilder::writeFile(path(u"names/text"_s), QByteArray("again and again ").repeated(100));
-    ASSERT_EQ(pack(path(u"names"_s), path(u"out/a.zip"_s)).status, 0);
-    const QByteArray whole = bundlebuilder::readFile(path(u"out/a.zip"_s));
-    for (qsizetype offset = 0; offset < whole.size(); offset += 7) {
-        QByteArray archive = whole;
-        archive[offset] = char(~archive[offset]);
-        bundlebuilder::writeFile(path(u"crafted.zip"_s), archive);
-        const int status = extract(path(u"crafted.zip"_s), path(u"out/u"_s)).status;
-        EXPECT_TRUE(status == 0 || status == 1) << offset;
-    }
-}
-
-TEST_F(Ditto, aFullDiskLeavesTheOldFile)
-{
-    bundlebuilder::writeFile(path(u"names/noise"_s), randomBytes(1 << 20));
-    ASSERT_EQ(pack(path(u"names"_s), path(u"out/a.zip"_s)).status, 0);
-    bundlebuilder::writeFile(path(u"out/names/noise"_s), "the old one");
-    const ToolResult result =
-        run(ditto, {u"-x"_s, u"-k"_s, path(u"out/a.zip"_s), path(u"out"_s)}, {}, limitFileSize);
-    EXPECT_EQ(result.status, 1);
-    EXPECT_TRUE(result.error.contains(u"names/noise: File too large"_s)) << result.error.toStdString();
-    EXPECT_EQ(bundlebuilder::readFile(path(u"out/names/noise"_s)), "the old one");
-    EXPECT_EQ(
-        QDir(path(u"out/names"_s)).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot).size(),
-        1);
 }

@@ -4,7 +4,8 @@ target_sources(tst_toolchain PRIVATE
     cpiobuilder.cpp cpiobuilder.h
     packagesigningtest.cpp
     payloadtest.cpp
-    sealtest.cpp
+    sealtest.cpp sealtest.h
+    sealchecktest.cpp
     staplertest.cpp
     tickettest.cpp
     xartest.cpp
