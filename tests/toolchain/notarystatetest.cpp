@@ -1,12 +1,20 @@
+#include "formats/failures.h"
+#include "formats/keychain/privatefile.h"
+#include "formats/statefolder.h"
 #include "toolchain/bundlebuilder.h"
 #include "toolchain/toolfixture.h"
 
 #include <QDir>
+#include <QDirIterator>
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QTemporaryDir>
+
+#include <sys/stat.h>
 
 #include <algorithm>
+#include <thread>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -132,4 +140,61 @@ TEST_F(NotaryState, belongsToItsOwnerAlone)
     const auto others = QFile::ReadGroup | QFile::ExeGroup | QFile::ReadOther | QFile::ExeOther;
     EXPECT_FALSE(QFileInfo(statePath(u"notary"_s)).permissions() & others);
     EXPECT_FALSE(QFileInfo(requestPath(uuid)).permissions() & others);
+}
+
+/// A process has one mask for new files, whatever its threads do.
+TEST(StateFiles, ofManyThreadsAtOnceBelongToTheirOwnerAlone)
+{
+    constexpr int threads = 4;
+    constexpr int rounds = 500;
+    const QTemporaryDir folder;
+    const mode_t before = umask(077);
+    const auto work = [&folder](int thread) {
+        for (int round = 0; round < rounds; ++round) {
+            const QString place = folder.filePath(u"%1/%2"_s.arg(thread).arg(round));
+            EXPECT_TRUE(toolchain::makePrivateFolder(place));
+            EXPECT_TRUE(toolchain::writeFileAt((place + u"/usual"_s).toStdString(), "a"));
+            EXPECT_TRUE(toolchain::writePrivateFile(place + u"/private"_s, "a"));
+        }
+    };
+    std::vector<std::thread> workers;
+    for (int thread = 0; thread < threads; ++thread)
+        workers.emplace_back(work, thread);
+    for (std::thread &worker : workers)
+        worker.join();
+    EXPECT_EQ(umask(before), 077U) << "the mask is what it was";
+    const auto others = QFile::ReadGroup | QFile::WriteGroup | QFile::ExeGroup | QFile::ReadOther
+        | QFile::WriteOther | QFile::ExeOther;
+    int seen = 0;
+    QDirIterator all(folder.path(), QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden,
+                     QDirIterator::Subdirectories);
+    while (all.hasNext()) {
+        ++seen;
+        EXPECT_FALSE(QFileInfo(all.next()).permissions() & others) << all.filePath().toStdString();
+    }
+    EXPECT_EQ(seen, threads * (1 + 3 * rounds));
+}
+
+TEST(StateFiles, haveTheModeThatTheMaskGivesUnlessTheyArePrivate)
+{
+    const QTemporaryDir folder;
+    const mode_t before = umask(027);
+    EXPECT_TRUE(toolchain::writeFileAt(folder.filePath(u"usual"_s).toStdString(), "a"));
+    EXPECT_TRUE(toolchain::writePrivateFile(folder.filePath(u"private"_s), "a"));
+    EXPECT_TRUE(toolchain::makePrivateFolder(folder.filePath(u"one/two/"_s)));
+    umask(before);
+    const auto modeOf = [&folder](const QString &name) {
+        struct stat facts = {};
+        EXPECT_EQ(stat(folder.filePath(name).toUtf8().constData(), &facts), 0);
+        return facts.st_mode & 07777U;
+    };
+    EXPECT_EQ(modeOf(u"usual"_s), 0640U);
+    EXPECT_EQ(modeOf(u"private"_s), 0600U);
+    EXPECT_EQ(modeOf(u"one"_s), 0700U);
+    EXPECT_EQ(modeOf(u"one/two"_s), 0700U);
+    const auto behindFile = toolchain::makePrivateFolder(folder.filePath(u"usual/folder"_s));
+    EXPECT_FALSE(behindFile);
+    EXPECT_EQ(behindFile.error(), folder.filePath(u"usual/folder"_s) + u": Not a directory"_s);
+    EXPECT_EQ(toolchain::makePrivateFolder(folder.filePath(u"usual"_s)).error(),
+              folder.filePath(u"usual"_s) + u": Not a directory"_s);
 }

@@ -9,11 +9,34 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <filesystem>
+#include <cstring>
 
 using namespace Qt::StringLiterals;
 
 namespace toolchain {
+
+namespace {
+
+/// With those above it; answers errno. Its mode is told to the system, since the mask for new files is that
+/// of all threads at once.
+int makeFolder(const QByteArray &path)
+{
+    struct stat facts = {};
+    const auto isThere = [&] { return stat(path.constData(), &facts) == 0 && S_ISDIR(facts.st_mode); };
+    if (isThere() || mkdir(path.constData(), S_IRWXU) == 0)
+        return 0;
+    if (errno == EEXIST)
+        return isThere() ? 0 : ENOTDIR;
+    if (errno != ENOENT)
+        return errno;
+    const QByteArray parent = path.left(path.lastIndexOf('/'));
+    const int error = parent.size() < path.size() && !parent.isEmpty() ? makeFolder(parent) : ENOENT;
+    if (error != 0)
+        return error;
+    return mkdir(path.constData(), S_IRWXU) == 0 || isThere() ? 0 : errno;
+}
+
+} // namespace
 
 QString stateFolder()
 {
@@ -37,12 +60,9 @@ QString notaryFolder()
 
 platform::Outcome makePrivateFolder(const QString &path)
 {
-    const mode_t mask = umask(077);
-    std::error_code error;
-    std::filesystem::create_directories(path.toStdString(), error);
-    umask(mask);
-    if (error)
-        return platform::Error{path + u": "_s + QString::fromStdString(error.message())};
+    const int error = makeFolder(QFile::encodeName(path));
+    if (error != 0)
+        return platform::Error{path + u": "_s + QString::fromLocal8Bit(std::strerror(error))};
     return {};
 }
 

@@ -58,6 +58,24 @@ int makeRandomlyNamed(std::string &path)
     return mkostemp(path.data(), O_CLOEXEC);
 }
 
+/// The mask that the process has for new files. To ask by setting it would have it another one for a moment,
+/// and that in all threads; proc(5) tells it.
+mode_t maskForNewFiles()
+{
+    std::array<char, 1024> text = {};
+    const OpenFile status("/proc/self/status");
+    const ssize_t length =
+        status.descriptor() < 0 ? -1 : read(status.descriptor(), text.data(), text.size() - 1);
+    const std::string_view said(text.data(), std::size_t(std::max<ssize_t>(length, 0)));
+    constexpr std::string_view name = "\nUmask:\t";
+    const std::size_t place = said.find(name);
+    if (place != std::string_view::npos)
+        return mode_t(std::strtoul(text.data() + place + name.size(), nullptr, 8));
+    const mode_t mask = umask(0);
+    umask(mask);
+    return mask;
+}
+
 int makeNamed(std::string &path)
 {
     unlink(path.c_str());
@@ -181,10 +199,8 @@ bool WholeFile::takeAfter(int original)
 
 bool WholeFile::finish()
 {
-    const mode_t mask = umask(0);
-    umask(mask);
-    m_finished = fchmod(m_descriptor, m_mode.value_or(0666 & ~mask)) == 0
-        && std::rename(m_path.c_str(), m_destination.c_str()) == 0;
+    const mode_t mode = m_mode ? *m_mode : 0666 & ~maskForNewFiles();
+    m_finished = fchmod(m_descriptor, mode) == 0 && std::rename(m_path.c_str(), m_destination.c_str()) == 0;
     return m_finished;
 }
 

@@ -38,6 +38,9 @@ public:
     /// attribute that may not be set is passed over. False, with errno telling why, if that fails.
     [[nodiscard]] bool takeAfter(int original);
 
+    /// Nobody but its owner is to read the file, whatever the process's mask is.
+    void keepPrivate() { m_mode = 0600; }
+
     /// Moves the file to its path, with the mode that the process's mask gives new files unless it has got
     /// another. False, with errno telling why, if that fails.
     [[nodiscard]] bool finish();

@@ -2,18 +2,18 @@
 
 #include <QFile>
 
-#include <sys/stat.h>
-
 #include "formats/failures.h"
 
 namespace toolchain {
 
 platform::Outcome writePrivateFile(const QString &path, const QByteArray &bytes)
 {
-    const mode_t mask = umask(077);
-    const platform::Outcome written = writeFileAt(QFile::encodeName(path).toStdString(), bytes);
-    umask(mask);
-    return written;
+    const std::filesystem::path place = QFile::encodeName(path).toStdString();
+    WholeFile file(place);
+    file.keepPrivate();
+    const bool isWritten =
+        file.descriptor() >= 0 && file.write({bytes.constData(), std::size_t(bytes.size())}) && file.finish();
+    return isWritten ? platform::Outcome() : systemFailure(place, errno);
 }
 
 } // namespace toolchain
