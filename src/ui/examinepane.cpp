@@ -12,6 +12,7 @@
 #include "ui/differenceentries.h"
 #include "ui/itemlook.h"
 #include "ui/named.h"
+#include "ui/runsign.h"
 #include "ui/spacing.h"
 
 #include <QAction>
@@ -269,8 +270,11 @@ void ExaminePane::addFindings(const QJsonObject &examination)
     // What would be refused comes before what is only worth a thought.
     for (const QString &severity : {u"error"_s, u"warning"_s}) {
         for (const auto &finding : findings) {
-            if (textOf(finding.toObject(), "severity"_L1) == severity)
-                group->addChild(findingEntry(finding.toObject(), itempath::lastComponent(m_item)));
+            if (textOf(finding.toObject(), "severity"_L1) != severity)
+                continue;
+            group->addChild(findingEntry(finding.toObject(), itempath::lastComponent(m_item)));
+            group->child(group->childCount() - 1)
+                ->setIcon(1, runsign::icon(runsign::stateOfFinding(severity), *this));
         }
     }
     m_tree->addTopLevelItem(group);

@@ -165,7 +165,7 @@ void IssueTable::showIssues()
             const QString text = issue.value(columns()[column].key).toString();
             auto *const cell = new QTableWidgetItem(text);
             if (column == 0)
-                cell->setIcon(signOf(text));
+                cell->setIcon(runsign::icon(runsign::stateOfFinding(text), *this));
             cell->setToolTip(text);
             m_table->setItem(row, column, cell);
             dress(*cell, palette());
@@ -175,12 +175,6 @@ void IssueTable::showIssues()
     m_table->setColumnHidden(linkColumn(), !hasLinks(issues));
     fitColumns();
     m_copy->setEnabled(m_table->rowCount() > 0);
-}
-
-QIcon IssueTable::signOf(const QString &severity) const
-{
-    const auto state = severity == "error"_L1 ? StepState::failed : StepState::cancelled;
-    return {runsign::pixmap(state, palette(), fontMetrics().height(), devicePixelRatioF())};
 }
 
 /// All of a message can be read, in as many lines as that takes, and nothing is scrolled sideways for it.

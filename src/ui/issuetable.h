@@ -25,7 +25,6 @@ protected:
 private:
     void addAction(const QString &text, const QList<QKeySequence> &keys, void (IssueTable::*method)());
     void showIssues();
-    [[nodiscard]] QIcon signOf(const QString &severity) const;
     void fitColumns();
     void fitRows();
     [[nodiscard]] QList<int> rowsToCopy() const;

@@ -87,28 +87,17 @@ void KeychainForm::chooseFile(QLineEdit &field, const QString &filter)
                        });
 }
 
-QPushButton &KeychainForm::addButton(const QString &name, const QString &title, ButtonPlace place)
+QPushButton &KeychainForm::addButton(const QString &name, const QString &title)
 {
     m_button = named(new QPushButton(title, this), name, settingrows::plainLabel(title));
     m_button->setAutoDefault(false);
     connect(m_button, &QPushButton::clicked, this, &KeychainForm::press);
-    if (place == ButtonPlace::besideLastField)
-        putBeside(*m_lastField, *m_button);
+    putBeside(*m_lastField, *m_button);
     m_rows->addRow(m_state);
-    if (place == ButtonPlace::belowAll)
-        addBelow(*m_button);
     m_state->setObjectName(name + u"State"_s);
     m_button->setEnabled(lacks().isEmpty());
     m_state->setVisible(false); // nobody has typed anything
     return *m_button;
-}
-
-void KeychainForm::addBelow(QPushButton &button)
-{
-    auto *const row = new QHBoxLayout;
-    row->addStretch(1);
-    row->addWidget(&button);
-    m_rows->addRow(row);
 }
 
 void KeychainForm::showState()

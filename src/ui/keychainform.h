@@ -35,11 +35,8 @@ protected:
     QLineEdit *addSecret(const Field &field);
     /// A field for the path of a file, with a panel to choose it in. `filter` as QFileDialog has it.
     QLineEdit *addFile(const Field &field, const QString &filter);
-    /// Where the button of a form stands: a window of little height has no row for it alone.
-    enum class ButtonPlace { besideLastField, belowAll };
-    /// Ends the form.
-    QPushButton &addButton(const QString &name, const QString &title,
-                           ButtonPlace place = ButtonPlace::besideLastField);
+    /// Ends the form; the button stands beside its last field.
+    QPushButton &addButton(const QString &name, const QString &title);
     /// Shows a text where the outcome stands.
     void tellFailure(const QString &text);
     void tellSuccess(const QString &text);
@@ -50,7 +47,6 @@ protected:
 
 private:
     void putBeside(QLineEdit &field, QPushButton &button);
-    void addBelow(QPushButton &button);
     void showState();
     void press();
     void finish(const KeychainTools::Answer &answer);

@@ -57,8 +57,7 @@ PracticeForm::PracticeForm(KeychainTools keychain, Extent extent, QWidget *paren
 {
     m_name->setText(tr("Practice"));
     const QString title = extent == Extent::forAll ? tr("Set Up for &Practice") : tr("Make &Identity");
-    const auto place = extent == Extent::forAll ? ButtonPlace::belowAll : ButtonPlace::besideLastField;
-    addButton(u"practiceButton"_s, title, place).setDefault(true); // all that there is to do
+    addButton(u"practiceButton"_s, title).setDefault(true); // all that there is to do
 }
 
 QString PracticeForm::identity() const

@@ -24,7 +24,7 @@ namespace sealwright {
 namespace {
 
 constexpr int leastLines = 8;
-constexpr int leastLinesBelowABanner = 2; // which with a large font takes the room of the others
+constexpr int leastLinesBelowABanner = 3; // which with a large font takes the room of the others
 
 } // namespace
 

@@ -145,8 +145,8 @@ void LogView::shortenBehind(QPainter &painter, const QTextBlock &head, const QRe
         return;
     const QString more(u'…');
     const qreal width = fontMetrics().horizontalAdvance(more) + foldMargin;
-    const QRectF rest(place.left() - width, place.top(), viewport()->width() - place.left() + width,
-                      place.height());
+    const QRectF rest(place.left() - width, block.bottom() - line.height(),
+                      viewport()->width() - place.left() + width, line.height());
     painter.fillRect(rest, palette().color(QPalette::Base));
     painter.setPen(palette().color(QPalette::Text));
     painter.drawText(rest, Qt::AlignLeft | Qt::AlignVCenter, more);

@@ -46,10 +46,17 @@ QString firstLine(const QString &text)
     return first.size() < whole.size() ? first + u" …"_s : first;
 }
 
+/// The log's numbers of errors name its records, which nobody can look up in a sentence.
+QString withoutRecord(QString line)
+{
+    static const QRegularExpression record(u"^Error \\d{7,} "_s);
+    return line.replace(record, u"Error "_s);
+}
+
 QString reasonOf(const LastWords &words)
 {
     const bool isTold = !words.alertText.isEmpty() && words.alertText != seeTheLog;
-    return isTold ? words.alertText : firstLine(words.errorLine);
+    return isTold ? words.alertText : firstLine(withoutRecord(words.errorLine));
 }
 
 QString reasonOfRefusal(const LastWords &words)

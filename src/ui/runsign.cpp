@@ -4,6 +4,8 @@
 
 #include <QPainter>
 
+using namespace Qt::StringLiterals;
+
 namespace sealwright {
 
 namespace {
@@ -80,6 +82,16 @@ QPixmap runsign::pixmap(StepState state, const QPalette &palette, int side, qrea
     painter.setPen(theme::colourOf(theme::Meaning::quiet, palette));
     draw(painter, QRectF(0, 0, side, side), state, palette);
     return picture;
+}
+
+QIcon runsign::icon(StepState state, const QWidget &widget)
+{
+    return {pixmap(state, widget.palette(), widget.fontMetrics().height(), widget.devicePixelRatioF())};
+}
+
+StepState runsign::stateOfFinding(const QString &severity)
+{
+    return severity == "error"_L1 ? StepState::failed : StepState::cancelled;
 }
 
 RunSign::RunSign(QWidget *parent)

@@ -2,6 +2,7 @@
 
 #include "document/steplist.h"
 
+#include <QIcon>
 #include <QPixmap>
 #include <QWidget>
 
@@ -22,6 +23,11 @@ inline constexpr qreal stroke = 0.12; ///< of the sign's side
 void draw(QPainter &painter, const QRectF &place, StepState state, const QPalette &palette);
 /// As a picture, so many pixels of the interface wide.
 [[nodiscard]] QPixmap pixmap(StepState state, const QPalette &palette, int side, qreal pixelRatio);
+
+/// As large as the text of the widget that it stands in.
+[[nodiscard]] QIcon icon(StepState state, const QWidget &widget);
+/// Of something that was found: "error", or what is only worth a thought.
+[[nodiscard]] StepState stateOfFinding(const QString &severity);
 
 } // namespace runsign
 

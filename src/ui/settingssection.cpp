@@ -47,8 +47,8 @@ void SettingsSection::addCheckbox(const QString &key, const QString &label, cons
     beginSetting();
     m_rows->addWidget(box);
     explain(*box, explanation,
-            style()->pixelMetric(QStyle::PM_IndicatorWidth)
-                + style()->pixelMetric(QStyle::PM_CheckBoxLabelSpacing));
+            style()->pixelMetric(QStyle::PM_IndicatorWidth, nullptr, box)
+                + style()->pixelMetric(QStyle::PM_CheckBoxLabelSpacing, nullptr, box));
 }
 
 void SettingsSection::addField(QWidget *field, QWidget &setting, const QString &label,

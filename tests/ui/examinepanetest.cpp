@@ -65,6 +65,14 @@ TEST_F(TheExaminePage, showsFindingsFirstAndErrorsBeforeWarnings)
     EXPECT_EQ(findings->child(0)->child(0)->text(1), u"Make it visible."_s);
 }
 
+TEST_F(TheExaminePage, hasTheSignOfItsSeverityBesideEachFinding)
+{
+    const auto signOf = [this](int row) { return tree->topLevelItem(0)->child(row)->icon(1); };
+    ASSERT_FALSE(signOf(0).isNull());
+    const QSize size = signOf(0).availableSizes().value(0);
+    EXPECT_NE(signOf(0).pixmap(size).toImage(), signOf(1).pixmap(size).toImage());
+}
+
 TEST_F(TheExaminePage, tellsAllOfTheEntryThatIsChosenBelow)
 {
     auto &detail = *pane.findChild<QLabel *>(u"examineDetail"_s);

@@ -74,6 +74,14 @@ TEST_F(OutcomeOfARun, tellsTheErrorOfTheLogWhereTheSheetLeadsThere)
               (RunOutcome{Kind::failed, u"Error Signing Code"_s, u"Error 1 in codesign: no identity"_s}));
 }
 
+TEST_F(OutcomeOfARun, tellsNoNumberThatNamesARecordOfTheLog)
+{
+    steps.begin(step::makeWorkingCopy);
+    steps.finish(StepState::failed);
+    words.errorLine = u"Error 140113510154400 in codesign: no identity"_s;
+    EXPECT_EQ(outcomeOf(steps, words).sentence, u"Error in codesign: no identity"_s);
+}
+
 TEST_F(OutcomeOfARun, tellsTheStepWhereNoSheetCame)
 {
     steps.begin(step::makeWorkingCopy);
