@@ -2,7 +2,7 @@
 
 usage: rehearse.py TOOL-ROOT [--runs N] [--seed FIRST]
 """
-import argparse, hashlib, json, os, pathlib, random, re, shutil, signal, ssl, subprocess, sys, tempfile, time
+import argparse, collections, hashlib, json, os, pathlib, random, re, shutil, signal, ssl, subprocess, sys, tempfile, time
 import urllib.request
 
 arguments = argparse.ArgumentParser()
@@ -13,8 +13,8 @@ options = arguments.parse_args()
 
 identity = "Developer ID Application: Rehearsal (A1B2C3D4E5)"
 # Seconds, with waits shortened: every call has 15 for its tries, an upload may be begun twice, and a log be asked for
-# three times.
-longest = {"upload": 90, "question": 120}
+# three times. A large archive is unpacked and looked at before there is a verdict.
+longest = {"upload": 90, "question": 120, "verdict": 300}
 calls = ["/submissions$", "/submissions/", "^/s3/", "/logs$", "^/artifacts/", ""]
 trouble = [{"fault": "status", "value": code} for code in (500, 502, 503, 504)] + [
     {"fault": "status", "value": {"code": 429, "retryAfter": 2}}, {"fault": "close"}, {"fault": "reset"},
@@ -23,6 +23,10 @@ trouble = [{"fault": "status", "value": code} for code in (500, 502, 503, 504)] 
     {"fault": "s3-error", "value": "SlowDown"}, {"fault": "s3-error", "value": {"code": "InternalError", "late": True}},
     {"fault": "unknown-at-first", "value": 2}, {"fault": "unknown-status", "value": "Pondering"},
     {"fault": "no-log-at-first", "value": 2}, {"fault": "clock", "value": 2000}, {"fault": "missing-field", "value": "status"}]
+troubleOfParts = trouble + [{"fault": "complete-error", "value": "InternalError"}, {"fault": "reset", "value": 20_000_000},
+                            {"fault": "s3-error", "value": "NoSuchUpload"}, {"fault": "s3-error", "value": "ExpiredToken"},
+                            {"fault": "s3-error", "value": "AccessDenied"}]
+inParts = 135_000_000  # bytes, more than go in one request
 
 
 class Rehearsal:
@@ -35,6 +39,7 @@ class Rehearsal:
         self.origin = self.tool("sealwright-notaryd", "--control").strip()
         self.trust = ssl.create_default_context(cafile=self.state / "notary/service/ca.pem")
         self.items = self.make_items()
+        self.large = self.make_large_item()
 
     def tool(self, name, *words):
         run = subprocess.run([options.root / "usr/bin" / name, *words], env=self.environment, capture_output=True,
@@ -46,6 +51,16 @@ class Rehearsal:
     def control(self, call, body=b""):
         request = urllib.request.Request(self.origin + "/control/" + call, data=body, method="POST")
         urllib.request.urlopen(request, context=self.trust).read()
+
+    def make_large_item(self):
+        app = self.folder / "Large.app"
+        shutil.copytree(self.folder / "App.app", app)
+        (app / "Contents/Resources/data").write_bytes(random.Random(inParts).randbytes(inParts))
+        self.tool("codesign", "-f", "-s", identity, "-o", "runtime", "--timestamp", app)
+        archive = self.folder / "large.zip"
+        self.tool("ditto", "-c", "-k", "--keepParent", app, archive)
+        shutil.rmtree(app)
+        return archive
 
     def make_items(self):
         """Uploads by the verdict that they are to have."""
@@ -94,11 +109,12 @@ class Rehearsal:
 
     def run(self, seed):
         dice = random.Random(seed)
-        item, verdict = dice.choice(self.items)
+        isLarge = dice.random() < 0.04
+        item, verdict = (self.large, "success") if isLarge else dice.choice(self.items)
         digest = hashlib.sha256(item.read_bytes()).hexdigest()
-        faults = [{"path": dice.choice(calls), **dice.choice(trouble), "count": dice.randint(1, 3),
-                   "skip": dice.randint(0, 3)} for _ in range(dice.randint(0, 4))]
-        cancel = dice.uniform(0, 0.4) if dice.random() < 0.15 else None
+        faults = [{"path": dice.choice(calls), **dice.choice(troubleOfParts if isLarge else trouble),
+                   "count": dice.randint(1, 3), "skip": dice.randint(0, 3)} for _ in range(dice.randint(0, 4))]
+        cancel = dice.uniform(0, 2 if isLarge else 0.4) if dice.random() < 0.15 else None
         self.control("reset")
         self.control("faults", json.dumps(faults).encode())
         try:
@@ -117,10 +133,12 @@ class Rehearsal:
             assert "*** Error: " in error and "RequestUUID" not in output, error
             return
         identifier = re.search("RequestUUID = (.*)", output)[1]
-        failures = 0
-        for _ in range(400):
+        failures, answers = 0, collections.Counter()
+        end = time.monotonic() + longest["verdict"]
+        while time.monotonic() < end:
             cancel = dice.uniform(0, 0.2) if dice.random() < 0.05 else None
             status, output, error = self.altool(["--notarization-info", identifier], longest["question"], cancel)
+            answers[status] += 1
             if status in (None, 239):
                 continue
             if status != 0:
@@ -133,7 +151,8 @@ class Rehearsal:
                 assert found[1] == verdict, f"{found[1]} in the place of {verdict}: {output}"
                 return
             time.sleep(0.02)
-        raise AssertionError("never decided")
+        kept = json.loads((self.state / f"notary/requests/{identifier}.json").read_text())
+        raise AssertionError(f"never decided; statuses {dict(answers)}, {kept['phase']} after {kept['polls']} questions")
 
 
 with tempfile.TemporaryDirectory(prefix="rehearse-") as folder:
