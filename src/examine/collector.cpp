@@ -157,6 +157,7 @@ void Collector::addBundle(const WalkPlace &place, const QString &kind, const QSt
         kind == "framework"_L1 ? platform::BundleLayout::frameworkVersion : platform::BundleLayout::contents;
     entry.identifier = platform::informationText(m_files, place.file, u"CFBundleIdentifier"_s, layout);
     entry.version = platform::informationText(m_files, place.file, u"CFBundleShortVersionString"_s, layout);
+    entry.build = platform::informationText(m_files, place.file, u"CFBundleVersion"_s, layout);
     if (!executable.isEmpty()) {
         entry.mainExecutable = joined(place, executable);
         m_byExecutable.insert(entry.mainExecutable, m_examination.code.size());

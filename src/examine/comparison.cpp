@@ -72,6 +72,7 @@ Result<Examination> readWhole(const QString &item)
 struct Side {
     QMap<QString, QMap<QString, QJsonValue>> traitsByPath;
     QMap<QString, QString> kinds;
+    QMap<QString, QString> builds;
 };
 
 Side sideOf(const Examination &examination)
@@ -82,6 +83,7 @@ Side sideOf(const Examination &examination)
         const CodeEntry &entry = examination.code[i];
         side.traitsByPath.insert(entry.path, traits(code[i].toObject(), entry));
         side.kinds.insert(entry.path, entry.kind);
+        side.builds.insert(entry.path, entry.build);
     }
     return side;
 }
@@ -93,6 +95,22 @@ void compareTraits(const QString &path, const QMap<QString, QJsonValue> &old,
         if (recent.value(trait.key()) != *trait)
             differences.append({path, trait.key(), *trait, recent.value(trait.key())});
     }
+}
+
+/// Builds of one version differ in the number that counts them.
+void compareBuilds(const QString &path, const Side &left, const Side &right, QList<Difference> &differences)
+{
+    const auto versionIn = [&path](const Side &side) { return side.traitsByPath[path].value(u"version"_s); };
+    const QString old = left.builds.value(path);
+    const QString recent = right.builds.value(path);
+    if (old != recent && versionIn(left) == versionIn(right))
+        differences.append({path, u"version"_s, old, recent});
+}
+
+void compareEntry(const QString &path, const Side &left, const Side &right, QList<Difference> &differences)
+{
+    compareTraits(path, left.traitsByPath[path], right.traitsByPath[path], differences);
+    compareBuilds(path, left, right, differences);
 }
 
 } // namespace
@@ -110,7 +128,7 @@ Result<QList<Difference>> compareItems(const QString &old, const QString &recent
     QList<Difference> differences;
     for (auto entry = left.traitsByPath.cbegin(); entry != left.traitsByPath.cend(); ++entry) {
         if (right.traitsByPath.contains(entry.key()))
-            compareTraits(entry.key(), *entry, right.traitsByPath.value(entry.key()), differences);
+            compareEntry(entry.key(), left, right, differences);
         else
             differences.append({entry.key(), u"removed"_s, left.kinds.value(entry.key()), QJsonValue()});
     }

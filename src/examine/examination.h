@@ -31,6 +31,7 @@ struct CodeEntry {
     QString mainExecutable; ///< of a bundle, from the item; empty for anything else
     QString identifier; ///< of a bundle, by its Info.plist
     QString version; ///< the same
+    QString build; ///< the same, CFBundleVersion
     std::optional<int> order; ///< from 1; nothing if this run does not sign it
     QString reason; ///< why this run does not sign it; empty if it does
     toolchain::review::CodeFacts

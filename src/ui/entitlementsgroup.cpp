@@ -91,12 +91,21 @@ QWidget *EntitlementsGroup::makeExtra()
          tr("Asks for a property list, whose entries override the settings above")});
     connect(extra, &QCheckBox::clicked, &m_document,
             [this] { m_document.perform(Action::doExtraEntitlements); });
+    connect(extra, &QCheckBox::toggled, this, &EntitlementsGroup::askAboutToggling, Qt::QueuedConnection);
     settingrows::offerWhenIdle(*extra, m_document.extraEntitlementsButton, m_document);
     row->addWidget(extra);
     row->addWidget(makeExtraFileName(), 1);
     row->addWidget(settingrows::makeHelpButton(line, m_document, Action::doExtraEntitlementsHelp,
                                                u"extraEntitlementsHelpButton"_s, tr("Extra entitlements")));
     return line;
+}
+
+/// A screen reader toggles the box without a click on it, after which nobody has been asked for the file yet.
+void EntitlementsGroup::askAboutToggling(bool isOn)
+{
+    const bool hasFile = !m_document.extraEntitlementsURL().isEmpty();
+    if (isOn != hasFile && m_document.statusString() == status::ready)
+        m_document.perform(Action::doExtraEntitlements);
 }
 
 QWidget *EntitlementsGroup::makeExtraFileName()

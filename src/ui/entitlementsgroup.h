@@ -20,6 +20,7 @@ private:
     void addKinds(QGridLayout &grid);
     QWidget *makeExtra();
     QWidget *makeExtraFileName();
+    void askAboutToggling(bool isOn);
 
     MainWinController &m_document;
 };

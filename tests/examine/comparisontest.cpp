@@ -46,6 +46,31 @@ TEST(AComparison, tellsWhatHasComeGoneAndChanged)
     EXPECT_EQ(run({u"--compare"_s, before.item(), before.path(u"missing.app"_s)}).status, 4);
 }
 
+TEST(AComparison, tellsOneBuildOfAVersionFromTheNext)
+{
+    const auto describe = [](const ItemMaker &item, const QByteArray &version, const QByteArray &build) {
+        item.file(u"Contents/Info.plist"_s,
+                  "<plist version=\"1.0\"><dict><key>CFBundleExecutable</key><string>Foo</string>"
+                  "<key>CFBundleShortVersionString</key><string>"
+                      + version + "</string><key>CFBundleVersion</key><string>" + build
+                      + "</string></dict></plist>");
+    };
+    const ItemMaker before;
+    const ItemMaker after;
+    describe(before, "1.0", "7");
+    describe(after, "1.0", "8");
+    auto differences = examine::compareItems(before.item(), after.item());
+    ASSERT_TRUE(differences);
+    ASSERT_EQ(whats(*differences), QStringList{u"version ."_s});
+    EXPECT_EQ(differences->first().old, u"7"_s);
+    EXPECT_EQ(differences->first().recent, u"8"_s);
+    describe(after, "2.0", "8");
+    differences = examine::compareItems(before.item(), after.item());
+    ASSERT_TRUE(differences);
+    ASSERT_EQ(whats(*differences), QStringList{u"version ."_s});
+    EXPECT_EQ(differences->first().recent, u"2.0"_s);
+}
+
 TEST(AComparison, ofWhatCannotBeReadIsNone)
 {
     const ItemMaker item;

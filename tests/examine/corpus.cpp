@@ -271,6 +271,8 @@ void addBrokenBundles(Corpus &corpus)
                {u"ambiguous-bundle ."_s, u"unsealed-root Versions"_s});
     corpus.add(u"a text beside Contents"_s, [](ItemMaker &item) { item.file(u"Read Me.txt"_s, "text"); },
                {u"unsealed-root Read Me.txt"_s});
+    corpus.add(u"the Finder's notes beside Contents"_s,
+               [](ItemMaker &item) { item.file(u".DS_Store"_s, "notes"); });
     corpus.add(u"a folder beside Contents"_s,
                [](ItemMaker &item) { item.file(u"Resources/a.txt"_s, "text"); },
                {u"unsealed-root Resources"_s});

@@ -269,6 +269,28 @@ TEST(ALook, warnsOfALibraryThatAnotherTeamHasSigned)
     qunsetenv("SEALWRIGHT_TOOLCHAIN_STATE");
 }
 
+TEST(ALook, tellsThatASignatureThatStaysDoesNotHoldWhoeverMadeIt)
+{
+    ItemMaker item;
+    const QString name = u"Contents/Frameworks/libx.dylib"_s;
+    item.file(name, codefiles::library(u"universal"_s));
+    runTool(u"codesign"_s, {u"-f"_s, u"-s"_s, u"-"_s, item.path(name)});
+    item.choices.skipPaths = {name};
+    const QString finding = u"signature-invalid "_s + name;
+    EXPECT_THAT(rulesOf(item), Not(Contains(finding)));
+    QFile file(item.path(name));
+    ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+    QByteArray bytes = file.readAll();
+    const qsizetype place = bytes.indexOf("__text"); // of the first slice's load commands
+    ASSERT_GT(place, 0);
+    bytes[place] = '-';
+    file.seek(0);
+    file.write(bytes);
+    file.close();
+    EXPECT_THAT(rulesOf(item), Contains(finding));
+    EXPECT_THAT(rulesOf(item), Contains(u"not-developer-id "_s + name));
+}
+
 TEST(Choices, comeBackAsTheyWere)
 {
     examine::Choices choices;

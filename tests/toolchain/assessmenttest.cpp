@@ -65,6 +65,20 @@ TEST_F(Assessment, anUnsignedItemHasNoUsableSignature)
     EXPECT_EQ(result.error, app() + u": rejected\nsource=no usable signature\n"_s);
 }
 
+TEST_F(Assessment, endsAtTheFirstItemThatIsNotAcceptedUnlessItIsToGoOn)
+{
+    signApp();
+    staple(app());
+    const QString rejected = path(u"Other.app"_s);
+    bundlebuilder::makeApp(rejected, u"com.example.other"_s);
+    const ToolResult ended = run(spctl, {u"-a"_s, rejected, app()});
+    EXPECT_EQ(ended.status, 3);
+    EXPECT_EQ(ended.error, rejected + u": rejected\n"_s);
+    const ToolResult wentOn = run(spctl, {u"-a"_s, u"--continue"_s, rejected, app()});
+    EXPECT_EQ(wentOn.status, 3);
+    EXPECT_EQ(wentOn.error, rejected + u": rejected\n"_s + app() + u": accepted\n"_s);
+}
+
 TEST_F(Assessment, ofThisMachineWithoutATicketIsToldAsThat)
 {
     signApp();

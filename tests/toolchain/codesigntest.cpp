@@ -27,6 +27,23 @@ TEST_F(Codesign, sealsEveryFileButTheExecutableAndWhatTheRulesOmit)
     EXPECT_EQ(sealedFiles(app() + seal).keys(), expected);
 }
 
+TEST_F(Codesign, refusesABundleWithSomethingBesideWhatTheSealCovers)
+{
+    writeFile(app() + u"/Read Me.txt"_s, "text");
+    ToolResult result = sign(app());
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.error, app() + u": unsealed contents present in the bundle root\n"_s);
+    EXPECT_FALSE(QFileInfo::exists(app() + seal));
+    EXPECT_TRUE(QFile::remove(app() + u"/Read Me.txt"_s));
+    const QString framework = contents(u"Frameworks/Inner.framework"_s);
+    writeFile(framework + u"/left"_s, "here");
+    result = sign(framework);
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.error,
+              framework + u": unsealed contents present in the root directory of an embedded framework\n"_s);
+    EXPECT_EQ(sign(framework + u"/Versions/A"_s).status, 0);
+}
+
 TEST_F(Codesign, theSealHoldsTheDigestsOfTheFiles)
 {
     ASSERT_EQ(sign(app()).status, 0);

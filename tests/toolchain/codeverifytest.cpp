@@ -139,6 +139,14 @@ TEST_F(CodeVerify, strictAsksForACleanBundle)
               app() + u": unsealed contents present in the bundle root"_s);
 }
 
+TEST_F(CodeVerify, strictTakesWhatTheFinderLeavesInABundle)
+{
+    ASSERT_EQ(sign(app()).status, 0);
+    writeFile(app() + u"/.DS_Store"_s, "notes");
+    writeFile(app() + u"/Icon\r"_s, "picture");
+    EXPECT_EQ(verify({u"--strict"_s, app()}).status, 0);
+}
+
 TEST_F(CodeVerify, strictAsksThatNothingFollowsTheCode)
 {
     using namespace bundlebuilder;

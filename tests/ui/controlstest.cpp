@@ -11,6 +11,8 @@
 #include "ui/itempanel.h"
 #include "ui/logview.h"
 
+#include <QAccessible>
+#include <QAccessibleActionInterface>
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
@@ -243,6 +245,18 @@ TEST_F(Controls, cancellingThePanelOfTheExtraEntitlementsForgetsTheFileAndClears
     until([this] { return document().extraEntitlementsURL().isEmpty(); });
     EXPECT_FALSE(box.isChecked());
     EXPECT_EQ(part<QLabel>(u"extraEntitlementsFile"_s).text(), QString());
+}
+
+TEST_F(Controls, togglingTheBoxOfTheExtraEntitlementsAsAScreenReaderDoesAsksForTheFile)
+{
+    auto &box = part<QCheckBox>(u"extraEntitlementsButton"_s);
+    QAccessible::queryAccessibleInterface(&box)->actionInterface()->doAction(
+        QAccessibleActionInterface::toggleAction());
+    until([this] { return document().statusString() == status::interacting; });
+    auto &panel = part<ItemPanel>({});
+    until([&] { return panel.isActiveWindow(); });
+    QTest::keyClick(&panel, Qt::Key_Escape);
+    until([&] { return !box.isChecked() && document().statusString() == status::ready; });
 }
 
 TEST_F(Controls, aCaptionsLetterWithAltLeadsToItsField)

@@ -1,6 +1,7 @@
 #include "codesign/itemsigner.h"
 
 #include "codesign/itemplan.h"
+#include "formats/codesignature/bundleroot.h"
 #include "formats/codesignature/designation.h"
 #include "formats/codesignature/detritus.h"
 #include "formats/codesignature/filesigner.h"
@@ -105,8 +106,8 @@ public:
         }
         m_item.identifier = chosenIdentifier(m_code, m_order);
         m_item.digests = digestsFor(m_code, m_order);
-        for (const auto step :
-             {&ItemSigner::signNested, &ItemSigner::makeSeal, &ItemSigner::makePlans, &ItemSigner::write}) {
+        for (const auto step : {&ItemSigner::checkRoot, &ItemSigner::signNested, &ItemSigner::makeSeal,
+                                &ItemSigner::makePlans, &ItemSigner::write}) {
             report.outcome = (this->*step)();
             if (!report.outcome)
                 return report;
@@ -121,6 +122,13 @@ private:
         return std::any_of(m_code.parts.begin(), m_code.parts.end(), [](const SignedPart &part) {
             return (part.isSigned() || !part.damage.isEmpty()) && !part.isLinkerSigned();
         });
+    }
+
+    /// No Mac takes code with something beside what its seal covers, so it is not worth a signature.
+    Outcome checkRoot()
+    {
+        const QString problem = m_code.bundle ? unsealedRootOf(*m_code.bundle) : QString();
+        return problem.isEmpty() ? Outcome::success() : Error{problem};
     }
 
     Outcome signNested()

@@ -13,15 +13,16 @@ using namespace toolchain;
 namespace {
 
 constexpr std::string_view usage =
-    R"(Usage: spctl --assess [--type execute|exec|open|install] [--context CONTEXT] [-v[v]] FILE...
+    R"(Usage: spctl --assess [--type execute|exec|open|install] [--context CONTEXT] [--continue] [-v[v]] FILE...
        spctl --help
 
-Says on standard error whether each FILE would be accepted.
+Says on standard error whether each FILE would be accepted, up to the first that would not be.
 
   -a, --assess   assess; needed
   -t, --type     the kind of use; execute if it is not given. A package can only be installed (install), and
                  a disk image only be opened (open, with context:primary-signature).
   --context      context:primary-signature: judge what is opened by its own signature
+  --continue     go on after one that would not be accepted
   -v, --verbose  also say why
   -h, --help     print this text
 
@@ -77,6 +78,20 @@ const std::map<std::string, spctl::Use> uses{{"", spctl::Use::execute},
 const std::map<std::string, spctl::Context> contexts{
     {"", spctl::Context::none}, {"context:primary-signature", spctl::Context::primarySignature}};
 
+/// What comes after an item that is not accepted.
+enum class After { ends, goesOn };
+
+int assessAll(const Assessor &assessor, const std::vector<std::string> &operands, After after)
+{
+    int status = 0;
+    for (const std::string &operand : operands) {
+        status = std::max(status, assessor.assess(operand));
+        if (status != 0 && after == After::ends)
+            break;
+    }
+    return status;
+}
+
 int run(const ParsedArguments &arguments)
 {
     if (!arguments.has("-a") || arguments.operands.empty())
@@ -89,10 +104,7 @@ int run(const ParsedArguments &arguments)
         return refuseArguments("spctl", "no context '" + arguments.value("--context") + "' is built in",
                                usage, notBuiltStatus);
     const Assessor assessor(use->second, context->second, arguments.has("-v"));
-    int status = 0;
-    for (const std::string &operand : arguments.operands)
-        status = std::max(status, assessor.assess(operand));
-    return status;
+    return assessAll(assessor, arguments.operands, arguments.has("--continue") ? After::goesOn : After::ends);
 }
 
 } // namespace
@@ -103,6 +115,7 @@ int main(int argc, char **argv)
                                           {{{"-a", "--assess"}},
                                            {{"-t", "--type"}, OptionValue::required},
                                            {{"--context"}, OptionValue::required},
+                                           {{"--continue"}},
                                            {{"-v", "--verbose"}, OptionValue::optional},
                                            {{"-h", "--help"}}});
     const bool isUnknown = arguments.error.starts_with("unrecognized");

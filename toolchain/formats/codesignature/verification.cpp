@@ -1,5 +1,6 @@
 #include "formats/codesignature/verification.h"
 
+#include "formats/codesignature/bundleroot.h"
 #include "formats/codesignature/designation.h"
 #include "formats/codesignature/detritus.h"
 #include "formats/codesignature/entitlementsder.h"
@@ -38,29 +39,6 @@ CodeProblem problemWith(const QString &text)
     problem.text = text.section(u'\n', 0, 0);
     problem.detail = text.section(u'\n', 1);
     return problem;
-}
-
-/// Strict: nothing lies in the bundle's own folder but what belongs there.
-QString rootProblem(const CodeBundle &bundle)
-{
-    if (bundle.layout == BundleLayout::flat)
-        return {};
-    const bool isVersioned = QFileInfo(bundle.root + u"/Versions"_s).isDir();
-    if (bundle.layout == BundleLayout::frameworkVersion && !isVersioned)
-        return {};
-    const auto entries =
-        QDir(bundle.root)
-            .entryInfoList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
-    for (const QFileInfo &entry : entries) {
-        const bool belongs = isVersioned ? entry.fileName() == u"Versions"_s
-                || (entry.isSymLink()
-                    && QFile::symLinkTarget(entry.filePath())
-                           .startsWith(QDir::cleanPath(bundle.root) + u"/Versions/Current"_s))
-                                         : entry.fileName() == u"Contents"_s;
-        if (!belongs && !isSidecar(entry.filePath()))
-            return isVersioned ? text::unsealedFrameworkRoot : text::unsealedRoot;
-    }
-    return {};
 }
 
 /// Whether one slice meets the designated requirement in its own signature.
@@ -167,7 +145,7 @@ private:
         if (!detritus.isEmpty())
             m_result.problem = problemWith(text::detritus + u'\n' + detritusDetail(detritus));
         else if (code.bundle)
-            m_result.problem = problemWith(rootProblem(*code.bundle));
+            m_result.problem = problemWith(unsealedRootOf(*code.bundle));
     }
 
     void checkResources()

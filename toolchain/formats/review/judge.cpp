@@ -24,9 +24,11 @@ QList<Objection> objectionsToSignature(const SliceFacts &slice)
     const SignatureFacts &signature = slice.signature;
     if (signature.state == SignatureState::none)
         return {Objection::notSigned};
-    if (signature.state == SignatureState::damaged || signature.isInvalid)
+    if (signature.state == SignatureState::damaged)
         return {Objection::invalid};
     QList<Objection> objections;
+    if (signature.isInvalid)
+        objections.append(Objection::invalid);
     if (!signature.isDeveloperId)
         objections.append(Objection::notDeveloperId);
     if (!signature.timestamp.isValid())

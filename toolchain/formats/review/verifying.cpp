@@ -19,6 +19,12 @@ bool wouldDo(const SliceFacts &slice)
     return slice.signature.state == SignatureState::certified && objectionsTo(slice).isEmpty();
 }
 
+bool isSigned(const SliceFacts &slice)
+{
+    const SignatureState state = slice.signature.state;
+    return state == SignatureState::certified || state == SignatureState::adHoc;
+}
+
 /// A problem of one slice hides those of the others.
 bool holdsAlone(const QString &path, const SliceFacts &slice, codesignature::VerificationOrder order)
 {
@@ -32,15 +38,10 @@ bool isVersionFolder(const QString &folder)
     return info.dir().dirName() == "Versions"_L1 && info.fileName() != "Current"_L1;
 }
 
-} // namespace
-
-void verifySignatures(const QString &path, CodeFacts &facts, const TrustStore &store)
+/// Verifies what is signed so that it would do.
+void verifyGood(const QString &path, CodeFacts &facts, codesignature::VerificationOrder order)
 {
-    if (std::none_of(facts.slices.cbegin(), facts.slices.cend(), wouldDo))
-        return;
-    codesignature::VerificationOrder order;
     order.strictness = codesignature::Strictness::strict;
-    order.store = store;
     const auto problem = verifyCode(path, order).problem;
     if (problem.isNone())
         return;
@@ -49,6 +50,30 @@ void verifySignatures(const QString &path, CodeFacts &facts, const TrustStore &s
         if (isMeant || (wouldDo(slice) && !holdsAlone(path, slice, order)))
             slice.signature.isInvalid = true;
     }
+}
+
+/// Verifies what is signed in another way. What is nested is told of at its own place.
+void verifyOther(const QString &path, CodeFacts &facts, const codesignature::VerificationOrder &order)
+{
+    const auto problem = verifyCode(path, order).problem;
+    if (problem.isNone() || !problem.subcomponent.isEmpty())
+        return;
+    for (SliceFacts &slice : facts.slices) {
+        if (isSigned(slice) && !holdsAlone(path, slice, order))
+            slice.signature.isInvalid = true;
+    }
+}
+
+} // namespace
+
+void verifySignatures(const QString &path, CodeFacts &facts, const TrustStore &store)
+{
+    codesignature::VerificationOrder order;
+    order.store = store;
+    if (std::any_of(facts.slices.cbegin(), facts.slices.cend(), wouldDo))
+        verifyGood(path, facts, order);
+    else if (std::any_of(facts.slices.cbegin(), facts.slices.cend(), isSigned))
+        verifyOther(path, facts, order);
 }
 
 FoundBundle bundleAt(const QString &folder, const QStringList &names)

@@ -4,8 +4,9 @@
 
 namespace toolchain::review {
 
-/// Verifies the signatures that would do if they are true: those of the code at a path, which is a Mach-O
-/// file, or the bundle whose main executable the facts are of. Marks those that are not.
+/// Verifies the signatures of the code at a path, which is a Mach-O file, or the bundle whose main executable
+/// the facts are of, and marks those that are not true: strictly where they would do otherwise. A linker's
+/// count as none.
 void verifySignatures(const QString &path, CodeFacts &facts, const TrustStore &store);
 
 /// The bundle whose main executable a folder holds; both paths are absolute. Empty if the folder is no
