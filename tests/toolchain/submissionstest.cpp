@@ -7,8 +7,14 @@
 
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <atomic>
 #include <condition_variable>
+#include <cstdio>
+#include <thread>
 
 using namespace Qt::StringLiterals;
 using notaryd::NotaryRequest;
@@ -31,6 +37,12 @@ public:
     {
         std::unique_lock lock(m_mutex);
         m_changed.wait(lock, [this] { return m_hasHappened; });
+    }
+    /// False if it does not happen at all, as far as a test can tell.
+    [[nodiscard]] bool happens()
+    {
+        std::unique_lock lock(m_mutex);
+        return m_changed.wait_for(lock, std::chrono::minutes(1), [this] { return m_hasHappened; });
     }
 
 private:
@@ -129,6 +141,34 @@ TEST_F(ReviewedSubmissions, ofPartsAreJoinedBeforeTheReviewAlsoAfterAnInterrupti
     static_cast<void>(submissions.ask(id));
     reviewed.wait();
     EXPECT_EQ(reviews, 1);
+}
+
+TEST_F(ReviewedSubmissions, thatCannotBeReadForAMomentAreReviewedLater)
+{
+    const QByteArray scale = qgetenv("SEALWRIGHT_WAIT_SCALE");
+    qputenv("SEALWRIGHT_WAIT_SCALE", "0.05"); // the review begins by itself after half a second
+    const QString id = announce();
+    ASSERT_FALSE(submissions.place(id, received(id, u"whole"_s)));
+    const QByteArray request = folder.filePath(u"requests/%1.json"_s.arg(id)).toUtf8();
+    const QByteArray kept = request + ".kept";
+    const QByteArray pipe = request + ".pipe";
+    ASSERT_EQ(link(request.constData(), kept.constData()), 0);
+    ASSERT_EQ(mkfifo(pipe.constData(), 0600), 0);
+    ASSERT_EQ(std::rename(pipe.constData(), request.constData()), 0);
+    int writer = -1; // until somebody reads there
+    while (writer < 0 && reviews == 0) {
+        writer = open(request.constData(), O_WRONLY | O_NONBLOCK | O_CLOEXEC);
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    if (writer >= 0) {
+        EXPECT_EQ(write(writer, "half", 4), 4);
+        close(writer);
+    }
+    ASSERT_EQ(std::rename(kept.constData(), request.constData()), 0);
+    mayEnd.happen();
+    EXPECT_TRUE(reviewed.happens());
+    EXPECT_EQ(reviews, 1);
+    qputenv("SEALWRIGHT_WAIT_SCALE", scale);
 }
 
 TEST_F(ReviewedSubmissions, thatNobodyHasMadeAreRefused)

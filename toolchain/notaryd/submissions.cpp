@@ -236,9 +236,12 @@ void Submissions::work()
 
 bool Submissions::review(const QString &id)
 {
-    auto request = find(id);
-    if (!request)
-        return true;
+    const NotaryLookup lookup = m_state.find(id);
+    if (!lookup)
+        return false;
+    if (!*lookup)
+        return true; // nobody has made it
+    auto request = *lookup;
     const QString list = objectOf(id) + partListSuffix;
     if (QFile::exists(list) && (!joinParts(list, objectOf(id)) || !QFile::remove(list)))
         return false;

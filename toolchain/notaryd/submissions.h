@@ -79,7 +79,7 @@ private:
     [[nodiscard]] std::optional<Refusal> moveToObject(const NotaryRequest &request,
                                                       const QString &file) const;
     [[nodiscard]] QString nextDue(std::unique_lock<std::mutex> &lock);
-    /// False if the parts cannot be joined or the verdict cannot be kept.
+    /// False if the request cannot be read now, the parts cannot be joined, or the verdict cannot be kept.
     [[nodiscard]] bool review(const QString &id);
     void forgetAbandoned();
 
