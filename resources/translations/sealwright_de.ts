@@ -2,6 +2,13 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="de" sourcelanguage="en">
 <context>
+    <name>sealwright::StatusPill</name>
+    <message>
+        <source>your turn</source>
+        <translation>Sie sind dran</translation>
+    </message>
+</context>
+<context>
     <name>DropOverlay</name>
     <message>
         <source>Goes on waiting for Apple&apos;s verdict.</source>
@@ -950,8 +957,8 @@ In das ausgewählte Feld gehört der Name des anwendungsspezifischen Passworts.<
         <translation>Seit %1 hat sich nichts geändert.</translation>
     </message>
     <message>
-        <source>What has changed since %1 stands first.</source>
-        <translation>Was sich seit %1 geändert hat, steht am Anfang.</translation>
+        <source>The changes since %1 are listed first.</source>
+        <translation>Die Änderungen seit „%1“ stehen zuoberst.</translation>
     </message>
 </context>
 <context>
@@ -1038,6 +1045,10 @@ In das ausgewählte Feld gehört der Name des anwendungsspezifischen Passworts.<
 </context>
 <context>
     <name>sealwright::HistoryModel</name>
+    <message>
+        <source>Item</source>
+        <translation>Objekt</translation>
+    </message>
     <message>
         <source>Date</source>
         <translation>Datum</translation>
@@ -1624,7 +1635,7 @@ In das ausgewählte Feld gehört der Name des anwendungsspezifischen Passworts.<
     </message>
     <message>
         <source>Show in Folder</source>
-        <translation>Im Ordner zeigen</translation>
+        <translation>Ordner zeigen</translation>
     </message>
     <message>
         <source>Copy Identifier</source>
@@ -1652,7 +1663,7 @@ In das ausgewählte Feld gehört der Name des anwendungsspezifischen Passworts.<
     </message>
     <message>
         <source>Go on in a new document, which takes the item and its settings along.</source>
-        <translation>Machen Sie in einem neuen Dokument weiter: Es nimmt das Objekt und seine Einstellungen mit.</translation>
+        <translation>Weiter geht es in einem neuen Dokument, mit Objekt und Einstellungen.</translation>
     </message>
     <message>
         <source>It lies in the folder “%1”, with the original.</source>
@@ -2493,6 +2504,20 @@ In das ausgewählte Feld gehört der Name des anwendungsspezifischen Passworts.<
 </context>
 <context>
     <name>WidgetWindow</name>
+    <message>
+        <source>Copy Path</source>
+        <translation>Pfad kopieren</translation>
+    </message>
+    <message>
+        <source>Nothing here shows folders. It lies at:
+%1</source>
+        <translation>Hier zeigt nichts einen Ordner. Es liegt unter:
+%1</translation>
+    </message>
+    <message>
+        <source>No File Manager</source>
+        <translation>Kein Dateimanager</translation>
+    </message>
     <message>
         <source>Save Log As</source>
         <translation>Protokoll sichern unter</translation>

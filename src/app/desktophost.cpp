@@ -61,7 +61,8 @@ DesktopHost::DesktopHost(const QString &applicationFolder)
     , m_launcher([root = m_toolRoot](const QString &path) { return root.locate(path); },
                  m_toolRoot.searchFolders())
     , m_desktop(
-          platform::makeDesktopServices(m_toolRoot.applicationsFolder(), m_files, m_launcher, m_mainQueue))
+          platform::makeDesktopServices(m_toolRoot.applicationsFolder(), m_files, m_launcher, m_mainQueue,
+                                        [this](const QString &path) { m_application.sayWhereItLies(path); }))
     , m_appleScript(m_launcher)
     , m_appearance(*m_desktop.appearance, m_preferences, *m_desktop.distributedNotifications)
     , m_windowFactory(m_windowOrder, m_logPrinter)

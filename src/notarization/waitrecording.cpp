@@ -4,6 +4,8 @@
 #include "platform/clock.h"
 #include "platform/fileservice.h"
 #include "platform/itempath.h"
+#include "platform/mainqueue.h"
+#include "run/submittednames.h"
 #include "run/workingfoldernames.h"
 
 using namespace Qt::StringLiterals;
@@ -18,6 +20,14 @@ void keep(Run &run, const WaitRecord &record)
 {
     if (const auto kept = run.wait.keep(record); !kept)
         run.log.logString(u"The wait for the verdict is not on record: %1"_s.arg(kept.error()));
+}
+
+/// For people who look at the account's history later.
+void rememberName(const Run &run)
+{
+    run.host.mainQueue.post(
+        [&preferences = run.host.preferences, identifier = run.requestUUID,
+         name = run.folder.places().fileName] { submittednames::remember(preferences, identifier, name); });
 }
 
 } // namespace
@@ -51,6 +61,7 @@ void nameSubmittedFolder(Run &run)
 {
     run.nameFolder(workingfolder::submitted);
     saveRequestUUID(run);
+    rememberName(run);
     WaitRecord record = run.wait.record();
     record.folder = run.folder.path();
     if (!record.isNone())

@@ -4,6 +4,7 @@
 #include "platform/systemappearance.h"
 #include "platform/workspace.h"
 
+#include <functional>
 #include <memory>
 
 namespace platform {
@@ -21,8 +22,10 @@ struct DesktopServices {
 };
 
 /// `applications` is the folder of the applications on a host whose desktop knows none by their identifiers.
-/// Main thread, once there is an application object.
+/// `unshown` is told the path of an item that nothing on this desktop could show to the person; the desktop
+/// of macOS always can. Main thread, once there is an application object.
 DesktopServices makeDesktopServices(const QString &applications, FileService &files,
-                                    ProcessLauncher &launcher, MainQueue &mainQueue);
+                                    ProcessLauncher &launcher, MainQueue &mainQueue,
+                                    std::function<void(const QString &path)> unshown);
 
 } // namespace platform

@@ -124,6 +124,15 @@ protected:
     }
 };
 
+/// The name of the older one, with its folder's where the two would have the same name.
+QString nameBeside(const QString &old, const QString &item)
+{
+    const QString name = itempath::lastComponent(old);
+    return name == itempath::lastComponent(item)
+        ? itempath::lastComponent(itempath::folder(old)) + u'/' + name
+        : name;
+}
+
 /// Whether the entry or one below it has the text; those that have it not are hidden.
 bool showMatches(QTreeWidgetItem &entry, const QString &text)
 {
@@ -250,14 +259,14 @@ void ExaminePane::takeComparison(const QString &old, const QJsonObject &answer, 
 {
     if (!error.isEmpty())
         return m_summary->setText(error);
-    setDifferences(itempath::lastComponent(old), answer.value("differences"_L1).toArray());
+    setDifferences(nameBeside(old, m_item), answer.value("differences"_L1).toArray());
 }
 
 void ExaminePane::setDifferences(const QString &old, const QJsonArray &differences)
 {
     showDifferences(*m_tree, {old, itempath::lastComponent(m_item)}, differences);
     m_summary->setText(differences.isEmpty() ? tr("Nothing has changed since %1.").arg(old)
-                                             : tr("What has changed since %1 stands first.").arg(old));
+                                             : tr("The changes since %1 are listed first.").arg(old));
     m_tree->scrollToTop();
     filter(m_search->text());
 }

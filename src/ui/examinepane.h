@@ -27,9 +27,11 @@ public:
     /// Shows in what the item differs from an older one, as docs/scripting.md describes it.
     void setDifferences(const QString &old, const QJsonArray &differences);
 
+    /// Has the item compared with an older one, or with what lies in that folder.
+    void compareWith(const QString &old);
+
 private:
     void askForOlder();
-    void compareWith(const QString &old);
     void takeComparison(const QString &old, const QJsonObject &answer, const QString &error);
     void expect();
     void take(const QJsonObject &examination, const QString &error);

@@ -277,6 +277,34 @@ void FrameWindow::restoreFocus()
         selected().page().restoreFocus();
 }
 
+int FrameWindow::tallest() const
+{
+    return screen()->availableSize().height();
+}
+
+/// Who makes the window that tall has it that tall.
+void FrameWindow::resizeEvent(QResizeEvent *event)
+{
+    QMainWindow::resizeEvent(event);
+    if (event->oldSize().height() != height())
+        m_isForced = height() > tallest() && height() == minimumHeight();
+}
+
+bool FrameWindow::event(QEvent *event)
+{
+    const bool isTaken = QMainWindow::event(event);
+    if (event->type() == QEvent::LayoutRequest && m_isForced)
+        QMetaObject::invokeMethod(this, &FrameWindow::comeBackToScreen, Qt::QueuedConnection);
+    return isTaken;
+}
+
+/// What has come up within takes the room of the other parts, but they tell so only a moment later.
+void FrameWindow::comeBackToScreen()
+{
+    if (m_isForced && minimumHeight() < height())
+        resize(width(), qMax(minimumHeight(), tallest()));
+}
+
 void FrameWindow::closeEvent(QCloseEvent *event)
 {
     event->ignore(); // each document decides for itself

@@ -49,10 +49,14 @@ Q_SIGNALS:
     void tabsChanged();
 
 protected:
+    bool event(QEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
     void changeEvent(QEvent *event) override;
 
 private:
+    int tallest() const;
+    void comeBackToScreen();
     void addTabCommands();
     void selectNeighbour(qsizetype distance);
     void moveTab(int distance);
@@ -71,6 +75,7 @@ private:
     qsizetype placeAt(QPoint globalPosition) const;
 
     WindowOrder &m_order;
+    bool m_isForced = false; ///< by what is in it to be taller than its screen
     TabWidget *m_tabs;
     QList<WidgetWindow *> m_windows; ///< in the order of the tabs
 };

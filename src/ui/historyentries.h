@@ -12,6 +12,7 @@ struct HistoryEntry {
     QString status; ///< "success", "invalid", "in progress"
     QString code;
     QString message;
+    QString item = {}; ///< its name, where this machine has submitted it
 
     bool operator==(const HistoryEntry &) const = default;
 };

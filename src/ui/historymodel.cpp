@@ -73,6 +73,8 @@ const QString &HistoryModel::text(const HistoryEntry &entry, int column)
     switch (column) {
     case date:
         return entry.date;
+    case item:
+        return entry.item;
     case status:
         return entry.status;
     case message:
@@ -96,7 +98,7 @@ QVariant HistoryModel::headerData(int section, Qt::Orientation orientation, int 
 {
     if (orientation != Qt::Horizontal || role != Qt::DisplayRole)
         return {};
-    const QStringList headings{tr("Date"), tr("Status"), tr("Message"), tr("Identifier")};
+    const QStringList headings{tr("Date"), tr("Item"), tr("Status"), tr("Message"), tr("Identifier")};
     return headings.value(section);
 }
 

@@ -13,7 +13,7 @@ class HistoryModel : public QAbstractTableModel {
     Q_OBJECT
 
 public:
-    enum Column { date, status, message, identifier };
+    enum Column { date, item, status, message, identifier };
 
     using QAbstractTableModel::QAbstractTableModel;
 

@@ -4,6 +4,7 @@
 #include "document/mainwincontroller.h"
 #include "platform/itempath.h"
 #include "platform/workspace.h"
+#include "run/submittednames.h"
 #include "ui/emptyhint.h"
 #include "ui/historymodel.h"
 #include "ui/named.h"
@@ -113,13 +114,24 @@ QPushButton *HistoryPane::makeButton(const QString &name, const QString &title, 
 
 void HistoryPane::heedLog(const LogText::Run &run)
 {
-    const auto entries = run.style == LogStyle::plain ? historyEntries(run.text) : QList<HistoryEntry>();
+    auto entries = run.style == LogStyle::plain ? historyEntries(run.text) : QList<HistoryEntry>();
+    nameItems(entries);
     m_history->take(entries);
     openLogOnceToldOf(run.text);
     if (entries.isEmpty())
         return;
     m_table->resizeColumnsToContents();
     Q_EMIT told();
+}
+
+/// The service does not say what was submitted.
+void HistoryPane::nameItems(QList<HistoryEntry> &entries) const
+{
+    if (entries.isEmpty())
+        return;
+    const QHash<QString, QString> names = submittednames::known(m_document.host().preferences);
+    for (HistoryEntry &entry : entries)
+        entry.item = names.value(entry.identifier);
 }
 
 QString HistoryPane::selectedIdentifier() const

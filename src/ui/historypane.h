@@ -1,6 +1,7 @@
 #pragma once
 
 #include "document/controls.h"
+#include "ui/historyentries.h"
 
 #include <QWidget>
 
@@ -33,6 +34,7 @@ private:
     QWidget *makeButtons();
     QPushButton *makeButton(const QString &name, const QString &title, const QString &toolTip,
                             void (HistoryPane::*press)());
+    void nameItems(QList<HistoryEntry> &entries) const;
     void heedLog(const LogText::Run &run);
     void offerWhatCanBeDone();
     QString selectedIdentifier() const;

@@ -19,6 +19,7 @@
 #include "ui/practice.h"
 #include "ui/profilebutton.h"
 #include "ui/progresstext.h"
+#include "ui/setupbanner.h"
 #include "ui/statuspill.h"
 
 #include <QBoxLayout>
@@ -125,10 +126,11 @@ void ItemHeader::followItem()
         offerChoice();
 }
 
-/// So that nobody takes what is only practised for the real thing.
+/// So that nobody takes what is only practised for the real thing. Before the first steps nothing is either.
 void ItemHeader::showPractice()
 {
-    m_practice->setVisible(practice::isOn(m_document.host().preferences));
+    m_practice->setVisible(practice::isOn(m_document.host().preferences)
+                           && !SetupBanner::isNeeded(m_document));
 }
 
 QWidget *ItemHeader::makeState()
@@ -230,6 +232,7 @@ void ItemHeader::take(const ItemSurvey &survey)
 void ItemHeader::setStatusWord(const QString &word)
 {
     m_statusWord->setText(word);
+    m_statusWord->setAccessibleName(StatusPill::wording(word));
 }
 
 QWidget *ItemHeader::makeItemName()

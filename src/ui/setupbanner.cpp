@@ -50,7 +50,7 @@ SetupBanner::SetupBanner(MainWinController &document, QWidget *parent)
 void SetupBanner::showPhase()
 {
     const platform::Preferences &preferences = m_document.host().preferences;
-    const bool isReady = !isNeeded() && preferences.boolean(setupEnded);
+    const bool isReady = !isNeeded(m_document) && preferences.boolean(setupEnded);
     for (auto *const button : findChildren<QPushButton *>())
         button->setVisible(!isReady);
     if (!isReady)
@@ -60,7 +60,7 @@ void SetupBanner::showPhase()
                            "window. What is notarized so counts on this machine alone."));
     else
         m_text->setText(tr("<b>Ready.</b> Drop an app, plug-in, package or disk image on this window."));
-    setVisible(isNeeded() || isReady);
+    setVisible(isNeeded(m_document) || isReady);
 }
 
 void SetupBanner::endWithItem()
@@ -69,15 +69,15 @@ void SetupBanner::endWithItem()
     if (m_document.appletNameField.stringValue().isEmpty() || !preferences.boolean(setupEnded))
         return;
     preferences.remove(setupEnded);
-    setVisible(isNeeded());
+    setVisible(isNeeded(m_document));
 }
 
-bool SetupBanner::isNeeded() const
+bool SetupBanner::isNeeded(MainWinController &document)
 {
-    const ApplicationInterface &application = m_document.appDelegate();
+    const ApplicationInterface &application = document.appDelegate();
     return !application.keychainProgram().isEmpty()
         && application.identities().contains(noIdentitiesPlaceholder)
-        && !m_document.host().preferences.boolean(setupDismissed);
+        && !document.host().preferences.boolean(setupDismissed);
 }
 
 void SetupBanner::addButton(BannerRow &row, const QString &name, const QString &title, Command picture,

@@ -26,11 +26,13 @@ class SetupBanner : public BannerFrame {
 public:
     explicit SetupBanner(MainWinController &document, QWidget *parent = nullptr);
 
+    /// Whether what a first submission needs is missing, and is asked for.
+    [[nodiscard]] static bool isNeeded(MainWinController &document);
+
 Q_SIGNALS:
     void wanted(SetupRoad road);
 
 private:
-    bool isNeeded() const;
     void addButton(BannerRow &row, const QString &name, const QString &title, icons::Command picture,
                    std::function<void()> press);
     void dismiss();

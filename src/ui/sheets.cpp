@@ -81,19 +81,32 @@ void Sheets::setPartsEnabled(bool areEnabled)
         return;
     }
     for (auto *const part : m_page.findChildren<QWidget *>(QString(), Qt::FindDirectChildrenOnly)) {
-        const bool isLeft =
-            part == m_uncovered || part->isWindow() || !part->isEnabled() || qobject_cast<QDialog *>(part);
-        if (isLeft)
+        const bool isNoPart = part == m_backdrop || part->isWindow() || qobject_cast<QDialog *>(part);
+        if (isNoPart || isLeft(*part) || !part->isEnabled())
             continue;
         part->setEnabled(false);
         m_disabled.append(part);
     }
 }
 
+bool Sheets::isLeft(const QWidget &part) const
+{
+    return &part == m_uncovered && m_isInUse();
+}
+
+void Sheets::heedUse()
+{
+    if (!m_backdrop)
+        return;
+    setPartsEnabled(true);
+    setPartsEnabled(false);
+    place();
+}
+
 void Sheets::place()
 {
     QRect room = m_page.rect();
-    if (m_uncovered)
+    if (m_uncovered && isLeft(*m_uncovered))
         room.setTop(m_uncovered->geometry().bottom() + 1);
     m_backdrop->setGeometry(room);
     m_backdrop->raise();

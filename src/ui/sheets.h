@@ -19,8 +19,16 @@ class Sheets : public QObject {
 public:
     explicit Sheets(QWidget &page);
 
-    /// A part of the page that stays in sight and in use above every sheet. The page owns it.
-    void leaveUncovered(QWidget &part) { m_uncovered = &part; }
+    /// A part of the page that stays in sight and in use above every sheet, as long as it `isInUse`. The page
+    /// owns it.
+    void leaveUncovered(
+        QWidget &part, std::function<bool()> isInUse = [] { return true; })
+    {
+        m_uncovered = &part;
+        m_isInUse = std::move(isInUse);
+    }
+    /// To be called when that part has come into use, or has gone out of it.
+    void heedUse();
 
     /// Attaches the dialog, a child of the page, and returns at once. The completion is called from the
     /// event loop when the dialog has gone; it may end the life of the page.
@@ -53,6 +61,7 @@ private:
     void cover();
     void uncover();
     bool hasStrayedFocus() const;
+    bool isLeft(const QWidget &part) const;
     void place();
     void takeKeysOnShow();
     void takeBackKeys();
@@ -61,6 +70,7 @@ private:
 
     QWidget &m_page;
     QPointer<QWidget> m_uncovered;
+    std::function<bool()> m_isInUse; ///< the part that is left uncovered
     QPointer<SheetBackdrop> m_backdrop; ///< while there is a sheet
     QPointer<QWidget> m_focused; ///< what had the keyboard before the first of them
     bool m_tookDrops = false; ///< the page, before it was covered

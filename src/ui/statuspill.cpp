@@ -29,7 +29,7 @@ int widthOfWidestWord(const QFontMetrics &metrics)
     int width = 0;
     for (const QStringView word : {status::loading, status::ready, status::interacting, status::submitting,
                                    status::waiting, status::stapling, status::fetching})
-        width = qMax(width, metrics.horizontalAdvance(shown(word.toString())));
+        width = qMax(width, metrics.horizontalAdvance(StatusPill::wording(word.toString())));
     return width;
 }
 
@@ -39,6 +39,11 @@ StatusPill::StatusPill(QWidget *parent)
     : QLabel(parent)
 {
     setTextFormat(Qt::PlainText);
+}
+
+QString StatusPill::wording(const QString &word)
+{
+    return word == status::interacting ? tr("your turn") : shown(word);
 }
 
 QSize StatusPill::sizeHint() const
@@ -56,7 +61,7 @@ void StatusPill::paintEvent(QPaintEvent *)
     painter.setBrush(ground);
     painter.drawRoundedRect(QRectF(rect()), height() / 2.0, height() / 2.0);
     painter.setPen(theme::readable(theme::colourOf(meaning, palette()), ground, theme::leastOfText));
-    painter.drawText(rect(), Qt::AlignCenter, shown(text()));
+    painter.drawText(rect(), Qt::AlignCenter, wording(text()));
 }
 
 } // namespace sealwright

@@ -11,6 +11,9 @@ class StatusPill : public QLabel {
 public:
     explicit StatusPill(QWidget *parent = nullptr);
 
+    /// What people read for the word, which scripts read as it is.
+    [[nodiscard]] static QString wording(const QString &word);
+
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return sizeHint(); }
 

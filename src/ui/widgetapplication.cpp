@@ -5,6 +5,7 @@
 #include "ui/logprinter.h"
 #include "ui/preferenceswindow.h"
 #include "ui/toplevel.h"
+#include "ui/widgetwindow.h"
 #include "ui/windoworder.h"
 
 #include <QApplication>
@@ -23,6 +24,12 @@ WidgetApplication::WidgetApplication(const WindowOrder &order, LogPrinter &print
     , m_printer(printer)
 {
     qApp->installEventFilter(this);
+}
+
+void WidgetApplication::sayWhereItLies(const QString &path)
+{
+    if (const auto windows = m_order.frontToBack(); !windows.isEmpty())
+        dynamic_cast<WidgetWindow &>(*windows.first()).sayWhereItLies(path);
 }
 
 void WidgetApplication::deliverPendingOpens()

@@ -25,6 +25,9 @@ public:
     /// and time alone.
     void paintNothing() { m_paintsNothing = true; }
 
+    /// Says in the window in front where an item lies that the desktop cannot show.
+    void sayWhereItLies(const QString &path);
+
     void deliverPendingOpens() override;
     /// The token goes to the environment, from where the Wayland platform takes it when a window is
     /// activated. The X11 platform has no place for one after its start.

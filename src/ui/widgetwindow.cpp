@@ -17,6 +17,7 @@
 #include "ui/windoworder.h"
 
 #include <QApplication>
+#include <QClipboard>
 #include <QFileDialog>
 #include <QInputMethod>
 #include <QPrintDialog>
@@ -80,7 +81,10 @@ WidgetWindow::WidgetWindow(MainWinController &document, WindowOrder &order, LogP
     , m_panelFolder(panelFolder)
     , m_page(document)
 {
-    m_sheets.leaveUncovered(m_page.header()); // where a run can be cancelled, whatever is asked
+    // There a run can be cancelled, whatever is asked.
+    m_sheets.leaveUncovered(m_page.header(),
+                            [&document] { return document.progressIndicator.isAnimating(); });
+    QObject::connect(&document.progressIndicator, &Control::changed, &m_sheets, &Sheets::heedUse);
     QObject::connect(&m_page.setupBanner(), &SetupBanner::wanted, &m_page,
                      [this](SetupRoad road) { beginSetup(road); });
     auto *const frame = new FrameWindow(order);
@@ -284,6 +288,22 @@ void WidgetWindow::beginDesktopPanel(const platform::OpenPanel &panel,
 void WidgetWindow::beginSetup(SetupRoad road)
 {
     beginDialog(*new SetupDialog(m_document, road, &m_page), [] {});
+}
+
+void WidgetWindow::sayWhereItLies(const QString &path)
+{
+    const auto text = [](const char *source) { return QCoreApplication::translate("WidgetWindow", source); };
+    if (m_isClosed)
+        return;
+    auto *const box = new AlertBox(
+        {text(QT_TRANSLATE_NOOP("WidgetWindow", "No File Manager")),
+         text(QT_TRANSLATE_NOOP("WidgetWindow", "Nothing here shows folders. It lies at:\n%1")).arg(path),
+         {u"OK"_s, text(QT_TRANSLATE_NOOP("WidgetWindow", "Copy Path"))}},
+        &m_page);
+    beginDialog(*box, [box, path] {
+        if (box->answer() == platform::alertSecondButton)
+            QGuiApplication::clipboard()->setText(path);
+    });
 }
 
 void WidgetWindow::beginDialog(QDialog &dialog, std::function<void()> completion)

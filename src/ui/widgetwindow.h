@@ -50,6 +50,8 @@ public:
     void saveLog();
     /// Leads the person to what a first submission needs.
     void beginSetup(SetupRoad road);
+    /// Where nothing else can show the item to the person.
+    void sayWhereItLies(const QString &path);
     /// Attaches a dialog of this window's own, which it takes over.
     void beginDialog(QDialog &dialog, std::function<void()> completion);
     void setDelegate(Delegate delegate) override { m_delegate = std::move(delegate); }

@@ -153,6 +153,24 @@ TEST_F(WorkspaceOnBus, withoutABusTheFolderOfTheItemIsOpened)
     EXPECT_TRUE(waitFor([&] { return handler.opened.size() == 1; }));
 }
 
+TEST_F(WorkspaceOnBus, anItemThatNothingCanShowIsTold)
+{
+    QStringList unshown;
+    const auto note = [&](const QString &path) { unshown.append(path); };
+    DesktopWorkspace workspace(folder.path(), files, launcher, application);
+    workspace.setUnshown(note);
+    workspace.revealItem(u"/some folder/Foo - Notarized"_s);
+    ASSERT_TRUE(waitFor([&] { return !unshown.isEmpty(); }));
+    DesktopWorkspace withoutBus(folder.path(), files, launcher, QDBusConnection(u"no such"_s));
+    withoutBus.setUnshown(note);
+    withoutBus.revealItem(u"/some folder/item"_s);
+    EXPECT_EQ(unshown, (QStringList{u"/some folder/Foo - Notarized"_s, u"/some folder/item"_s}));
+    UrlHandler handler;
+    withoutBus.revealItem(u"/some folder/item"_s);
+    EXPECT_EQ(handler.opened.size(), 1);
+    EXPECT_EQ(unshown.size(), 2);
+}
+
 TEST_F(WorkspaceOnBus, aPageAndAMailAreOpened)
 {
     UrlHandler handler;

@@ -199,8 +199,15 @@ TEST_F(ComparingInTheWindow, takesANotarizedFolderAndShowsWhatHasChangedSince)
     until([this] { return tree().topLevelItemCount() > 0 && tree().topLevelItem(0)->childCount() == 1; });
     EXPECT_EQ(tree().topLevelItem(0)->text(0), u"Changes since Foo - Notarized"_s);
     EXPECT_EQ(tree().topLevelItem(0)->child(0)->text(1), u"size in bytes: 1 → 2"_s);
-    EXPECT_EQ(summary(), u"What has changed since Foo - Notarized stands first."_s);
+    EXPECT_EQ(summary(), u"The changes since Foo - Notarized are listed first."_s);
     EXPECT_EQ(host.log(), QStringList());
+}
+
+TEST_F(ComparingInTheWindow, tellsTwoItemsOfOneNameApart)
+{
+    items::makeBundle(host.item(u"Old/Foo.app"_s));
+    page().findChild<ExaminePane *>()->compareWith(host.item(u"Old/Foo.app"_s));
+    until([this] { return summary() == "The changes since Old/Foo.app are listed first."_L1; });
 }
 
 TEST_F(ComparingInTheWindow, saysWhyItCouldNotAndShowsNoChanges)

@@ -4,8 +4,10 @@
 
 #include "document/credentialfields.h"
 #include "document/entitlementswitches.h"
+#include "germanwindows.h"
 #include "notarization/pollingsteps.h"
 #include "ui/itempanel.h"
+#include "ui/statuspill.h"
 #include "windowtest.h"
 
 #include <QAction>
@@ -17,7 +19,6 @@
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QTemporaryDir>
-#include <QTranslator>
 #include <QXmlStreamReader>
 
 using namespace Qt::StringLiterals;
@@ -65,20 +66,6 @@ QStringList placesIn(const QString &text)
     places.sort();
     return places;
 }
-
-/// An application whose windows speak German.
-class German {
-protected:
-    German()
-    {
-        EXPECT_TRUE(translator.load(u"sealwright_de"_s, QStringLiteral(TRANSLATIONS)));
-        QCoreApplication::installTranslator(&translator);
-    }
-    ~German() { QCoreApplication::removeTranslator(&translator); }
-
-private:
-    QTranslator translator;
-};
 
 class GermanWindow : protected German, public WindowTest { };
 
@@ -219,7 +206,23 @@ TEST_F(GermanWindow, hasRoomForEachStatusWord)
     auto &pill = part<QLabel>(u"statusString"_s);
     for (const QString &word :
          {u"ready"_s, u"interacting"_s, u"submitting"_s, u"waiting"_s, u"stapling"_s, u"fetching"_s})
-        EXPECT_LT(pill.fontMetrics().horizontalAdvance(shown(word)), pill.width()) << word.toStdString();
+        EXPECT_LT(pill.fontMetrics().horizontalAdvance(StatusPill::wording(word)), pill.width())
+            << word.toStdString();
+}
+
+TEST_F(GermanWindow, saysThatItIsThePersonsTurn)
+{
+    document().perform(Action::doAppPassHelp);
+    EXPECT_EQ(document().statusString(), u"interacting"_s) << "which scripts read";
+    until([this] { return part<QLabel>(u"statusString"_s).accessibleName() == "Sie sind dran"_L1; });
+    EXPECT_EQ(StatusPill::wording(u"waiting"_s), shown(u"waiting"_s));
+    answer(u"OK"_s);
+}
+
+TEST(StatusWord, ofAnOpenSheetIsWordedForPeople)
+{
+    EXPECT_EQ(StatusPill::wording(u"interacting"_s), u"your turn"_s);
+    EXPECT_EQ(StatusPill::wording(u"submitting"_s), u"submitting"_s);
 }
 
 TEST(ShownText, isTheCoresOwnInEnglish)

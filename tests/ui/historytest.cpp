@@ -1,3 +1,4 @@
+#include "run/submittednames.h"
 #include "ui/historyentries.h"
 #include "ui/historymodel.h"
 #include "ui/submitteditems.h"
@@ -117,6 +118,41 @@ TEST_F(HistoryOfADocument, knowsWhatALaterPageSaysOfASubmission)
     print(QString(printedPage).replace(u"in progress            "_s, u"success     0          "_s));
     EXPECT_EQ(statuses().count(u"success"_s), 2);
     EXPECT_EQ(statuses().size(), 3);
+}
+
+TEST_F(HistoryOfADocument, hasTheNamesOfTheItemsThatThisMachineHasSubmitted)
+{
+    EXPECT_EQ(cell(1, HistoryModel::item), QString());
+    submittednames::remember(host.preferences, u"11111111-1111-1111-1111-111111111111"_s, u"Foo Bar.app"_s);
+    print(printedPage);
+    EXPECT_EQ(cell(1, HistoryModel::item), u"Foo Bar.app"_s);
+    EXPECT_EQ(cell(0, HistoryModel::item), QString());
+    part<QLineEdit>(u"historySearch"_s).setText(u"foo bar"_s);
+    EXPECT_EQ(statuses(), QStringList{u"success"_s});
+}
+
+TEST_F(HistoryOfADocument, isRememberedByEachUpload)
+{
+    items::makeBundle(host.item(u"Foo.app"_s));
+    host.submit(host.item(u"Foo.app"_s));
+    EXPECT_EQ(submittednames::known(host.preferences).values(), QStringList{u"Foo.app"_s});
+    host.firePolls();
+    answer(u"OK"_s);
+}
+
+TEST(SubmittedNames, areThoseOfTheLatestThousand)
+{
+    MemoryPreferences preferences;
+    submittednames::remember(preferences, {}, u"Foo.app"_s);
+    EXPECT_TRUE(submittednames::known(preferences).isEmpty());
+    for (int number = 0; number < 1002; ++number)
+        submittednames::remember(preferences, u"id-%1"_s.arg(number), u"Foo %1.app"_s.arg(number));
+    submittednames::remember(preferences, u"id-2"_s, u"a\nb"_s);
+    const auto names = submittednames::known(preferences);
+    EXPECT_EQ(names.size(), 1000);
+    EXPECT_FALSE(names.contains(u"id-1"_s));
+    EXPECT_EQ(names.value(u"id-2"_s), u"a b"_s);
+    EXPECT_EQ(names.value(u"id-1001"_s), u"Foo 1001.app"_s);
 }
 
 TEST_F(HistoryOfADocument, nothingIsOfferedBeforeARowIsChosen)

@@ -3,6 +3,7 @@
 #include "app/preferencekeys.h"
 #include "ui/keychainforms.h"
 #include "ui/keychainwindow.h"
+#include "ui/practice.h"
 #include "ui/protectionpage.h"
 #include "ui/setupdialog.h"
 
@@ -84,6 +85,15 @@ protected:
 };
 
 } // namespace
+
+TEST_F(Setup, hasNoSignOfPracticeBeforeItHasBegun)
+{
+    launch();
+    practice::heedService(host.preferences, u"local"_s);
+    EXPECT_TRUE(part<QLabel>(u"practiceSign"_s).isHidden()) << "nothing is practised yet";
+    part<QPushButton>(u"setupNotNow"_s).click();
+    EXPECT_FALSE(part<QLabel>(u"practiceSign"_s).isHidden());
+}
 
 TEST_F(Setup, isOfferedAtAFirstStart)
 {

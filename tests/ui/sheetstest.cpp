@@ -107,6 +107,25 @@ TEST_F(SheetsOfAWindow, aPartThatIsLeftUncoveredStaysInUse)
     EXPECT_TRUE(isPressed);
 }
 
+TEST_F(SheetsOfAWindow, aPartThatIsLeftUncoveredWhileInUseIsCoveredOtherwise)
+{
+    QPushButton cancel(&window);
+    cancel.show();
+    bool isInUse = false;
+    sheets.leaveUncovered(cancel, [&] { return isInUse; });
+    begin([] {});
+    EXPECT_FALSE(cancel.isEnabled());
+    EXPECT_NE(window.childAt(cancel.geometry().center()), &cancel) << "and it is dimmed";
+    isInUse = true;
+    sheets.heedUse();
+    EXPECT_TRUE(cancel.isEnabled());
+    EXPECT_EQ(window.childAt(cancel.geometry().center()), &cancel);
+    isInUse = false;
+    sheets.heedUse();
+    EXPECT_FALSE(cancel.isEnabled());
+    EXPECT_TRUE(sheets.current()->isEnabled());
+}
+
 TEST_F(SheetsOfAWindow, aSheetIsOutOfSightWithItsPage)
 {
     window.hide();

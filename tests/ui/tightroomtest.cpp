@@ -2,9 +2,12 @@
 // press.
 
 #include "ui/alertbox.h"
+#include "ui/bannerrow.h"
 #include "ui/controlstyle.h"
 #include "ui/findbar.h"
+#include "ui/framewindow.h"
 #include "ui/issuetable.h"
+#include "ui/keychainwindow.h"
 #include "ui/logview.h"
 #include "ui/outcomebanner.h"
 #include "ui/providernamesheet.h"
@@ -13,6 +16,7 @@
 #include "ui/setupbanner.h"
 #include "ui/setupdialog.h"
 
+#include "germanwindows.h"
 #include "support/items.h"
 #include "windowtest.h"
 
@@ -21,6 +25,7 @@
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QScreen>
 #include <QScrollBar>
 #include <QStyleFactory>
 #include <QTabWidget>
@@ -77,7 +82,80 @@ public:
     PlainStyle() { setBaseStyle(QStyleFactory::create(u"Fusion"_s)); }
 };
 
+/// In the longer language, with the font twice the size.
+class TightRoomInGerman : protected German, public TightRoom {
+protected:
+    TightRoomInGerman()
+    {
+        QApplication::setStyle(new PlainStyle);
+        useLargeFont();
+        items::makeBundle(host.item(u"Foo.app"_s));
+    }
+    ~TightRoomInGerman() override { QApplication::setStyle(QStyleFactory::create(u"Fusion"_s)); }
+
+    /// What a banner needs of the others' room is told to the window when the events are idle.
+    void expectToFit()
+    {
+        until([this] {
+            resize(usual);
+            return widget().height() <= usual.height() && widget().width() <= usual.width();
+        });
+    }
+};
+
 } // namespace
+
+TEST_F(TightRoomInGerman, aWindowWhoseItemIsNotarizedFits)
+{
+    host.submitToTheEnd(host.item(u"Foo.app"_s));
+    answer(u"OK"_s);
+    expectToFit();
+}
+
+TEST_F(TightRoomInGerman, aWindowWhoseItemIsRefusedFits)
+{
+    host.tools.answer(u"altool--notarization-info"_s, {.output = FakeTools::infoReport(u"invalid"_s)});
+    host.submitToTheEnd(host.item(u"Foo.app"_s));
+    answer(u"OK"_s);
+    refuse();
+    expectToFit();
+}
+
+TEST_F(TightRoomInGerman, aWindowThatHasBeenCancelledFits)
+{
+    host.submit(host.item(u"Foo.app"_s));
+    document().perform(Action::doCancel);
+    answer(u"OK"_s);
+    expectToFit();
+}
+
+TEST_F(TightRoomInGerman, theKeychainFits)
+{
+    const KeychainWindow keychain(host.host(), u"/usr/bin/sealwright-keychain"_s);
+    EXPECT_LE(keychain.minimumSizeHint().width(), usual.width());
+    EXPECT_LE(keychain.minimumSizeHint().height(), usual.height());
+    host.settle();
+}
+
+TEST_F(TightRoom, aWindowThatItsPartsHaveMadeTallerThanTheScreenComesBack)
+{
+    const int screen = widget().screen()->availableSize().height();
+    page().setMinimumHeight(screen + 100);
+    until([&] { return widget().height() > screen; });
+    page().setMinimumHeight(0);
+    until([&] { return widget().height() == screen; });
+}
+
+TEST_F(TightRoom, aWindowThatSomebodyHasMadeTallerThanTheScreenStaysSo)
+{
+    const int tall = widget().screen()->availableSize().height() + 100;
+    resize({usual.width(), tall});
+    page().banner().setVisible(true);
+    QCoreApplication::processEvents();
+    page().banner().setVisible(false);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(widget().height(), tall);
+}
 
 TEST_F(TightRoom, aLowWindowShowsAllThatIsSet)
 {
@@ -145,9 +223,11 @@ TEST_F(TightRoom, aLongTextIsWiderThanAShortOneButNoWiderThanThePage)
     resize(usual);
     const QString longText = QString(u"many words "_s).repeated(60);
     EXPECT_GT(widthOf(longText), widthOf(u"few words"_s));
-    useLargeFont();
-    resize(usual);
-    EXPECT_LT(widthOf(longText), page().width());
+    constexpr int narrow = 400;
+    QWidget narrowPage;
+    narrowPage.resize(narrow, narrow);
+    const AlertBox box({u"Title"_s, longText, {}}, &narrowPage);
+    EXPECT_LT(box.findChild<QLabel *>(u"qt_msgbox_informativelabel"_s)->minimumWidth(), narrow);
 }
 
 TEST_F(TightRoom, theIssuesAreReadWithoutScrollingSideways)
@@ -161,6 +241,21 @@ TEST_F(TightRoom, theIssuesAreReadWithoutScrollingSideways)
         width += table.columnWidth(column);
     EXPECT_LE(width, table.viewport()->width()) << "all but the link";
     EXPECT_FALSE(table.item(0, 0)->icon().isNull());
+}
+
+TEST(NarrowBanner, hasButtonsWithoutTheirPictures)
+{
+    QWidget banner;
+    BannerRow row(banner, new QHBoxLayout);
+    QPushButton button(u"A button with many words"_s, &banner);
+    row.addButton(button);
+    banner.resize(600, 60);
+    banner.show();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return button.iconSize().width() > 0; }));
+    banner.setMinimumWidth(1);
+    banner.layout()->setSizeConstraint(QLayout::SetNoConstraint);
+    banner.resize(100, 60);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return button.iconSize().width() == 0; }));
 }
 
 TEST(NarrowFindBar, keepsItsWordsInSight)

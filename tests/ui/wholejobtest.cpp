@@ -97,22 +97,24 @@ protected:
     {
         return find(QAccessible::queryAccessibleInterface(&widget()), role, name);
     }
+    /// What a screen reader would find some time later. What is missing ends the test.
+    Interface &await(QAccessible::Role role, const QString &name)
+    {
+        constexpr int milliseconds = 20'000;
+        if (!QTest::qWaitFor([&] { return find(role, name) != nullptr; }, milliseconds))
+            throw std::runtime_error("nothing that screen readers see is called " + name.toStdString());
+        return *find(role, name);
+    }
     void press(const QString &name)
     {
-        until([&] { return find(QAccessible::Button, name) != nullptr; });
-        find(QAccessible::Button, name)
-            ->actionInterface()
+        await(QAccessible::Button, name)
+            .actionInterface()
             ->doAction(QAccessibleActionInterface::pressAction());
         QCoreApplication::processEvents();
     }
     void enter(const QString &name, const QString &text)
     {
-        until([&] { return find(QAccessible::EditableText, name) != nullptr; });
-        find(QAccessible::EditableText, name)->setText(QAccessible::Value, text);
-    }
-    void waitForText(QAccessible::Role role, const QString &name)
-    {
-        until([&] { return find(role, name) != nullptr; });
+        await(QAccessible::EditableText, name).setText(QAccessible::Value, text);
     }
 };
 
@@ -168,6 +170,8 @@ TEST_F(ByKeysAlone, anItemIsSubmittedNotarizedAndStapledAndItsWindowClosed)
     tabTo(u"appPassField"_s);
     replaceText(u"notary"_s);
     press(Qt::Key_Return, Qt::ControlModifier);
+    ASSERT_TRUE(QTest::qWaitFor([this] { return widget().findChild<ItemPanel *>() != nullptr; }))
+        << "the key asks for the item";
     until([this] { return widget().findChild<ItemPanel *>() && focused() == "fileNameEdit"_L1; });
     type(host.item(u"Foo.app"_s));
     press(Qt::Key_Return);
@@ -232,13 +236,13 @@ TEST_F(ByAccessibilityAlone, anItemIsSubmittedNotarizedAndStapled)
     press(u"Open"_s);
     until([this] { return document().isBusy(); });
     host.settle();
-    waitForText(QAccessible::StaticText, u"waiting"_s);
+    await(QAccessible::StaticText, u"waiting"_s);
     EXPECT_TRUE(find(QAccessible::ListItem, u"Sign main file: done, 0:00"_s));
     host.firePolls();
-    waitForText(QAccessible::StaticText, u"Stapling Successful"_s);
+    await(QAccessible::StaticText, u"Stapling Successful"_s);
     press(u"OK"_s);
-    waitForText(QAccessible::StaticText, u"ready"_s);
-    waitForText(QAccessible::StaticText, u"Notarized"_s);
+    await(QAccessible::StaticText, u"ready"_s);
+    await(QAccessible::StaticText, u"Notarized"_s);
     EXPECT_EQ(document().appleIDField.stringValue(), u"release@example.com"_s);
     expectTheWholeJob();
 }

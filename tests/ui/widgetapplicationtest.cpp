@@ -7,6 +7,7 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QClipboard>
 #include <QLineEdit>
 #include <QWindow>
 
@@ -32,6 +33,19 @@ protected:
 };
 
 } // namespace
+
+TEST_F(WidgetApplicationTest, anItemThatTheDesktopCannotShowIsToldWithItsPlace)
+{
+    const QString path = u"/items/Foo - Notarized/Foo.app"_s;
+    application.sayWhereItLies(path);
+    EXPECT_EQ(awaitSheet().informativeText(), u"Nothing here shows folders. It lies at:\n"_s + path);
+    answer(u"Copy Path"_s);
+    EXPECT_EQ(QApplication::clipboard()->text(), path);
+    application.sayWhereItLies(u"/items/Bar.app"_s);
+    answer(u"OK"_s);
+    EXPECT_EQ(QApplication::clipboard()->text(), path);
+    EXPECT_EQ(document().statusString(), u"ready"_s);
+}
 
 TEST_F(WidgetApplicationTest, theWindowThatWasShownLastIsInFront)
 {

@@ -7,7 +7,8 @@
 
 namespace platform {
 
-DesktopServices makeDesktopServices(const QString &, FileService &, ProcessLauncher &, MainQueue &mainQueue)
+DesktopServices makeDesktopServices(const QString &, FileService &, ProcessLauncher &, MainQueue &mainQueue,
+                                    std::function<void(const QString &path)>)
 {
     return {std::make_unique<MacWorkspace>(), std::make_unique<MacDistributedNotifications>(),
             std::make_unique<MacNotificationCenter>(mainQueue), std::make_unique<MacAppearance>()};

@@ -8,10 +8,12 @@
 namespace platform {
 
 DesktopServices makeDesktopServices(const QString &applications, FileService &files,
-                                    ProcessLauncher &launcher, MainQueue &mainQueue)
+                                    ProcessLauncher &launcher, MainQueue &mainQueue,
+                                    std::function<void(const QString &path)> unshown)
 {
-    return {std::make_unique<DesktopWorkspace>(applications, files, launcher),
-            std::make_unique<BusDistributedNotifications>(),
+    auto workspace = std::make_unique<DesktopWorkspace>(applications, files, launcher);
+    workspace->setUnshown(std::move(unshown));
+    return {std::move(workspace), std::make_unique<BusDistributedNotifications>(),
             std::make_unique<DesktopNotificationCenter>(mainQueue), std::make_unique<DesktopAppearance>()};
 }
 

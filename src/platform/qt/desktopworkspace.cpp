@@ -10,15 +10,6 @@ using namespace Qt::StringLiterals;
 
 namespace platform {
 
-namespace {
-
-void openFolderOf(const QString &path)
-{
-    QDesktopServices::openUrl(QUrl::fromLocalFile(QFileInfo(path).path()));
-}
-
-} // namespace
-
 DesktopWorkspace::DesktopWorkspace(QString applications, FileService &files, ProcessLauncher &launcher,
                                    QDBusConnection bus)
     : FolderWorkspace(std::move(applications), files, launcher)
@@ -26,10 +17,17 @@ DesktopWorkspace::DesktopWorkspace(QString applications, FileService &files, Pro
 {
 }
 
+void DesktopWorkspace::openFolderOf(const QString &path, const Unshown &unshown)
+{
+    const bool isOpened = QDesktopServices::openUrl(QUrl::fromLocalFile(QFileInfo(path).path()));
+    if (!isOpened && unshown)
+        unshown(path);
+}
+
 void DesktopWorkspace::revealItem(const QString &path)
 {
     if (!m_bus.isConnected()) {
-        openFolderOf(path); // a call that is never sent is never answered
+        openFolderOf(path, m_unshown); // a call that is never sent is never answered
         return;
     }
     QDBusMessage call =
@@ -38,11 +36,12 @@ void DesktopWorkspace::revealItem(const QString &path)
     const QString startupId;
     call << QStringList{QUrl::fromLocalFile(path).toString(QUrl::FullyEncoded)} << startupId;
     auto *watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(call));
-    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, watcher, [watcher, path] {
-        watcher->deleteLater();
-        if (watcher->isError())
-            openFolderOf(path);
-    });
+    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, watcher,
+                     [watcher, path, unshown = m_unshown] {
+                         watcher->deleteLater();
+                         if (watcher->isError())
+                             openFolderOf(path, unshown);
+                     });
 }
 
 void DesktopWorkspace::openUrl(const QUrl &url)

@@ -4,6 +4,8 @@
 
 #include <QDBusConnection>
 
+#include <functional>
+
 namespace platform {
 
 /// Adds the desktop's file viewer, browser and mail program.
@@ -17,8 +19,16 @@ public:
     void revealItem(const QString &path) override;
     void openUrl(const QUrl &url) override;
 
+    /// `unshown` is called on the main thread with the path of an item that neither could show.
+    void setUnshown(std::function<void(const QString &path)> unshown) { m_unshown = std::move(unshown); }
+
 private:
+    using Unshown = std::function<void(const QString &path)>;
+
+    static void openFolderOf(const QString &path, const Unshown &unshown);
+
     QDBusConnection m_bus;
+    Unshown m_unshown;
 };
 
 } // namespace platform
