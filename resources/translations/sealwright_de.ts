@@ -11,8 +11,8 @@
 <context>
     <name>DropOverlay</name>
     <message>
-        <source>Goes on waiting for Apple&apos;s verdict.</source>
-        <translation>Wartet weiter auf Apples Ergebnis.</translation>
+        <source>Goes on waiting for the verdict.</source>
+        <translation>Wartet weiter auf das Ergebnis.</translation>
     </message>
     <message>
         <source>It %1 when you press Submit Now.</source>
@@ -821,7 +821,7 @@ In das ausgewählte Feld gehört der Name des anwendungsspezifischen Passworts.<
         <translation>Kurz&amp;name des Anbieters</translation>
     </message>
     <message>
-        <source>For members of several teams</source>
+        <source>Only with several teams</source>
         <translation>Mehrere Teams</translation>
     </message>
 </context>
@@ -2101,8 +2101,8 @@ In das ausgewählte Feld gehört der Name des anwendungsspezifischen Passworts.<
         <translation>wird von %1 signiert und als Zip-Archiv hochgeladen</translation>
     </message>
     <message>
-        <source>Waiting for Apple&apos;s verdict</source>
-        <translation>Wartet auf Apples Ergebnis</translation>
+        <source>Waiting for the verdict</source>
+        <translation>Wartet auf das Ergebnis</translation>
     </message>
     <message>
         <source>Notarized</source>
@@ -2157,12 +2157,12 @@ In das ausgewählte Feld gehört der Name des anwendungsspezifischen Passworts.<
         <translation>%1 weitere</translation>
     </message>
     <message>
-        <source>%1 still waits for Apple&apos;s verdict.</source>
-        <translation>%1 wartet noch auf Apples Ergebnis.</translation>
+        <source>%1 still waits for its verdict.</source>
+        <translation>%1 wartet noch auf sein Ergebnis.</translation>
     </message>
     <message>
-        <source>%1 still wait for Apple&apos;s verdict.</source>
-        <translation>%1 warten noch auf Apples Ergebnis.</translation>
+        <source>%1 still wait for their verdict.</source>
+        <translation>%1 warten noch auf ihr Ergebnis.</translation>
     </message>
     <message>
         <source>added</source>

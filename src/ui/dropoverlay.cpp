@@ -31,7 +31,7 @@ QString text(const char *source)
 QString ofOne(MainWinController &document, const QString &item, FirstItem first)
 {
     if (waits::isFolderOfOne(document.host(), item))
-        return text(QT_TRANSLATE_NOOP("DropOverlay", "Goes on waiting for Apple's verdict."));
+        return text(QT_TRANSLATE_NOOP("DropOverlay", "Goes on waiting for the verdict."));
     const QString intention = itemfacts::intention(document, item);
     return first == FirstItem::staysHere
         ? text(QT_TRANSLATE_NOOP("DropOverlay", "It %1 when you press Submit Now.")).arg(intention)

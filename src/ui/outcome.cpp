@@ -68,7 +68,7 @@ QString reasonOfRefusal(const LastWords &words)
 
 RunOutcome waiting(const StepList &steps)
 {
-    return {RunOutcome::Kind::waiting, QObject::tr("Waiting for Apple's verdict"), waitText(*steps.wait())};
+    return {RunOutcome::Kind::waiting, QObject::tr("Waiting for the verdict"), waitText(*steps.wait())};
 }
 
 RunOutcome failure(const StepList::Row &row, const LastWords &words)

@@ -137,7 +137,7 @@ void CredentialsGroup::lookUp(const QString &item)
 void CredentialsGroup::addProvider(QFormLayout &form)
 {
     const settingrows::TextRow row{&DocumentControls::providerNameField, u"providerNameField"_s,
-                                   tr("Provider short &name"), tr("For members of several teams")};
+                                   tr("Provider short &name"), tr("Only with several teams")};
     QLineEdit *const field = settingrows::makeTextField(this, m_document, row);
     auto *const choose = new QPushButton(this);
     choose->setObjectName(u"chooseProviderButton"_s);

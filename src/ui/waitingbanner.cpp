@@ -43,8 +43,8 @@ QString waitingSentence(const QStringList &folders)
         names.append(nameOf(folder));
     if (folders.size() > mostNames)
         names.append(QObject::tr("%1 more").arg(folders.size() - mostNames));
-    return folders.size() == 1 ? QObject::tr("%1 still waits for Apple's verdict.").arg(names.first())
-                               : QObject::tr("%1 still wait for Apple's verdict.").arg(listed(names));
+    return folders.size() == 1 ? QObject::tr("%1 still waits for its verdict.").arg(names.first())
+                               : QObject::tr("%1 still wait for their verdict.").arg(listed(names));
 }
 
 WaitingBanner::WaitingBanner(MainWinController &document, QWidget *parent)

@@ -215,5 +215,5 @@ TEST_F(ProgressOfARun, hasNoCountdownInATitleWhereItWouldStandStill)
     FrameWindow &frame = *window().frameWindow();
     document().stepList.begin(step::awaitResult);
     document().stepList.pollIn(30, 0);
-    EXPECT_EQ(frame.windowHandle()->title(), u"Untitled – Waiting for Apple's verdict"_s);
+    EXPECT_EQ(frame.windowHandle()->title(), u"Untitled – Waiting for the verdict"_s);
 }

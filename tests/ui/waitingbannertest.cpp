@@ -19,12 +19,12 @@ using namespace Qt::StringLiterals;
 TEST(WaitingSentence, namesUpToThreeItems)
 {
     EXPECT_EQ(waitingSentence({}), QString());
-    EXPECT_EQ(waitingSentence({u"/a/Foo - Submitted"_s}), u"Foo still waits for Apple's verdict."_s);
+    EXPECT_EQ(waitingSentence({u"/a/Foo - Submitted"_s}), u"Foo still waits for its verdict."_s);
     EXPECT_EQ(waitingSentence({u"/a/Foo - Submitted"_s, u"/a/A - B - Submitted"_s}),
-              u"Foo and A - B still wait for Apple's verdict."_s);
+              u"Foo and A - B still wait for their verdict."_s);
     EXPECT_EQ(waitingSentence({u"/A - Submitted"_s, u"/B - Submitted"_s, u"/C - Submitted"_s,
                                u"/D - Submitted"_s, u"/E - Submitted"_s}),
-              u"A, B, C and 2 more still wait for Apple's verdict."_s);
+              u"A, B, C and 2 more still wait for their verdict."_s);
 }
 
 namespace {
@@ -86,7 +86,7 @@ TEST_F(WaitingBannerTest, saysAtTheNextLaunchWhatWaitsAndGoesOnAtOnePress)
     }
     launchAgain();
     ASSERT_TRUE(banner().isVisible());
-    EXPECT_EQ(part<QLabel>(u"waitingText"_s).text(), u"Bar and Foo still wait for Apple's verdict."_s);
+    EXPECT_EQ(part<QLabel>(u"waitingText"_s).text(), u"Bar and Foo still wait for their verdict."_s);
     EXPECT_EQ(document().statusString(), u"ready"_s);
     part<QPushButton>(u"waitingGoOn"_s).click();
     EXPECT_EQ(host.application().allControllers().size(), 3);
