@@ -26,8 +26,9 @@ void keep(Run &run, const WaitRecord &record)
 void rememberName(const Run &run)
 {
     run.host.mainQueue.post(
-        [&preferences = run.host.preferences, identifier = run.requestUUID,
-         name = run.folder.places().fileName] { submittednames::remember(preferences, identifier, name); });
+        [&host = run.host, identifier = run.requestUUID, name = run.folder.places().fileName] {
+            submittednames::remember(host, identifier, name);
+        });
 }
 
 } // namespace

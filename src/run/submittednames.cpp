@@ -1,6 +1,8 @@
 #include "run/submittednames.h"
 
-#include "platform/preferences.h"
+#include "platform/fileservice.h"
+#include "platform/host.h"
+#include "platform/itempath.h"
 
 #include <QStringList>
 
@@ -10,29 +12,44 @@ namespace sealwright {
 
 namespace {
 
-const QString submittedNames =
-    u"submittedNames"_s; // lines of an identifier, a blank and a name; the latest last
 constexpr qsizetype mostKept = 1000;
+constexpr unsigned ownersFile = 0600;
+
+QString pathIn(const QString &stateFolder)
+{
+    return itempath::appending(stateFolder, u"submitted names"_s);
+}
+
+/// Each of an identifier, a blank and a name; the latest last.
+QStringList linesKeptBy(const platform::Host &host)
+{
+    if (host.stateFolder.isEmpty())
+        return {};
+    const auto bytes = host.files.readFile(pathIn(host.stateFolder));
+    return bytes ? QString::fromUtf8(*bytes).split(u'\n', Qt::SkipEmptyParts) : QStringList();
+}
 
 } // namespace
 
-void submittednames::remember(platform::Preferences &preferences, const QString &identifier,
-                              const QString &name)
+void submittednames::remember(const platform::Host &host, const QString &identifier, const QString &name)
 {
-    if (identifier.isEmpty() || name.isEmpty())
+    if (host.stateFolder.isEmpty() || identifier.isEmpty() || name.isEmpty())
         return;
-    QStringList lines = preferences.string(submittedNames).split(u'\n', Qt::SkipEmptyParts);
+    QStringList lines = linesKeptBy(host);
     lines.removeIf([&](const QString &line) { return line.section(u' ', 0, 0) == identifier; });
     lines.append(identifier + u' ' + QString(name).replace(u'\n', u' '));
     if (lines.size() > mostKept)
         lines.remove(0, lines.size() - mostKept);
-    preferences.setValue(submittedNames, lines.join(u'\n'));
+    const QString path = pathIn(host.stateFolder);
+    host.files.createDirectory(host.stateFolder).ignore();
+    host.files.writeFileAtomically(path, lines.join(u'\n').toUtf8()).ignore();
+    host.files.setPermissions(path, ownersFile).ignore();
 }
 
-QHash<QString, QString> submittednames::known(const platform::Preferences &preferences)
+QHash<QString, QString> submittednames::known(const platform::Host &host)
 {
     QHash<QString, QString> names;
-    for (const QString &line : preferences.string(submittedNames).split(u'\n', Qt::SkipEmptyParts))
+    for (const QString &line : linesKeptBy(host))
         names.insert(line.section(u' ', 0, 0), line.section(u' ', 1));
     return names;
 }

@@ -129,7 +129,7 @@ void HistoryPane::nameItems(QList<HistoryEntry> &entries) const
 {
     if (entries.isEmpty())
         return;
-    const QHash<QString, QString> names = submittednames::known(m_document.host().preferences);
+    const QHash<QString, QString> names = submittednames::known(m_document.host());
     for (HistoryEntry &entry : entries)
         entry.item = names.value(entry.identifier);
 }

@@ -123,7 +123,8 @@ TEST_F(HistoryOfADocument, knowsWhatALaterPageSaysOfASubmission)
 TEST_F(HistoryOfADocument, hasTheNamesOfTheItemsThatThisMachineHasSubmitted)
 {
     EXPECT_EQ(cell(1, HistoryModel::item), QString());
-    submittednames::remember(host.preferences, u"11111111-1111-1111-1111-111111111111"_s, u"Foo Bar.app"_s);
+    host.stateFolder = host.item(u"../state"_s);
+    submittednames::remember(host.host(), u"11111111-1111-1111-1111-111111111111"_s, u"Foo Bar.app"_s);
     print(printedPage);
     EXPECT_EQ(cell(1, HistoryModel::item), u"Foo Bar.app"_s);
     EXPECT_EQ(cell(0, HistoryModel::item), QString());
@@ -133,22 +134,25 @@ TEST_F(HistoryOfADocument, hasTheNamesOfTheItemsThatThisMachineHasSubmitted)
 
 TEST_F(HistoryOfADocument, isRememberedByEachUpload)
 {
+    host.stateFolder = host.item(u"../state"_s);
     items::makeBundle(host.item(u"Foo.app"_s));
     host.submit(host.item(u"Foo.app"_s));
-    EXPECT_EQ(submittednames::known(host.preferences).values(), QStringList{u"Foo.app"_s});
+    EXPECT_EQ(submittednames::known(host.host()).values(), QStringList{u"Foo.app"_s});
     host.firePolls();
     answer(u"OK"_s);
 }
 
 TEST(SubmittedNames, areThoseOfTheLatestThousand)
 {
-    MemoryPreferences preferences;
-    submittednames::remember(preferences, {}, u"Foo.app"_s);
-    EXPECT_TRUE(submittednames::known(preferences).isEmpty());
+    TestHost testHost;
+    testHost.stateFolder = testHost.item(u"../state"_s);
+    const platform::Host host = testHost.host();
+    submittednames::remember(host, {}, u"Foo.app"_s);
+    EXPECT_TRUE(submittednames::known(host).isEmpty());
     for (int number = 0; number < 1002; ++number)
-        submittednames::remember(preferences, u"id-%1"_s.arg(number), u"Foo %1.app"_s.arg(number));
-    submittednames::remember(preferences, u"id-2"_s, u"a\nb"_s);
-    const auto names = submittednames::known(preferences);
+        submittednames::remember(host, u"id-%1"_s.arg(number), u"Foo %1.app"_s.arg(number));
+    submittednames::remember(host, u"id-2"_s, u"a\nb"_s);
+    const auto names = submittednames::known(host);
     EXPECT_EQ(names.size(), 1000);
     EXPECT_FALSE(names.contains(u"id-1"_s));
     EXPECT_EQ(names.value(u"id-2"_s), u"a b"_s);
