@@ -3,6 +3,7 @@
 #include "about/aboutcontroller.h"
 #include "ui/bindings.h"
 #include "ui/named.h"
+#include "ui/titlefont.h"
 #include "ui/toplevel.h"
 
 #include <QApplication>
@@ -59,10 +60,7 @@ AboutWindow::AboutWindow(AboutController &controller)
 QWidget *AboutWindow::makeTitle(AboutController &controller)
 {
     QLabel *const title = makeLabel(this, controller.mTitleView, u"mTitleView"_s);
-    QFont font = title->font();
-    font.setPointSizeF(font.pointSizeF() * titleScale);
-    font.setBold(true);
-    title->setFont(font);
+    title->setFont(titleFont(title->font(), titleScale));
     return title;
 }
 

@@ -2,6 +2,7 @@
 
 #include "ui/letterbutton.h"
 #include "ui/shown.h"
+#include "ui/titlefont.h"
 
 #include <QApplication>
 #include <QIcon>
@@ -57,12 +58,8 @@ void AlertBox::styleText()
             label->setMinimumWidth(widthOfText());
         }
     }
-    if (auto *const message = findChild<QLabel *>(u"qt_msgbox_label"_s)) {
-        QFont font = message->font();
-        font.setPointSizeF(font.pointSizeF() * titleScale);
-        font.setBold(true);
-        message->setFont(font);
-    }
+    if (auto *const message = findChild<QLabel *>(u"qt_msgbox_label"_s))
+        message->setFont(titleFont(message->font(), titleScale));
 }
 
 int AlertBox::widthOfText() const

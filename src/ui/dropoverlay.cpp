@@ -6,6 +6,7 @@
 #include "ui/itemfacts.h"
 #include "ui/spacing.h"
 #include "ui/theme.h"
+#include "ui/titlefont.h"
 
 #include <QCoreApplication>
 #include <QPainter>
@@ -37,13 +38,6 @@ QString ofOne(MainWinController &document, const QString &item, FirstItem first)
         ? text(QT_TRANSLATE_NOOP("DropOverlay", "It %1 when you press Submit Now.")).arg(intention)
         : text(
             QT_TRANSLATE_NOOP("DropOverlay", "It opens in a window of its own, since this one has an item."));
-}
-
-QFont titleFont(QFont font)
-{
-    font.setPointSizeF(font.pointSizeF() * titleScale);
-    font.setBold(true);
-    return font;
 }
 
 } // namespace
@@ -104,7 +98,7 @@ void DropOverlay::paintVeil(QPainter &painter) const
 void DropOverlay::paintCard(QPainter &painter) const
 {
     constexpr int words = Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap;
-    const QFontMetrics titles(titleFont(font()));
+    const QFontMetrics titles(titleFont(font(), titleScale));
     const int width = qMin(this->width() - 4 * inset, fontMetrics().averageCharWidth() * charactersAcross);
     QRect title(0, 0, width - 4 * inset, titles.height());
     QRect sentence = fontMetrics().boundingRect(QRect(0, 0, title.width(), height()), words, m_sentence);
@@ -117,7 +111,7 @@ void DropOverlay::paintCard(QPainter &painter) const
     painter.drawRoundedRect(card, radius, radius);
     painter.setPen(theme::readable(theme::colourOf(theme::Meaning::underway, palette()),
                                    palette().color(QPalette::Base), theme::leastOfText));
-    painter.setFont(titleFont(font()));
+    painter.setFont(titleFont(font(), titleScale));
     painter.drawText(title, Qt::AlignCenter, titles.elidedText(m_title, Qt::ElideMiddle, title.width()));
     painter.setFont(font());
     painter.setPen(palette().color(QPalette::Text));

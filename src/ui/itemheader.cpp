@@ -21,6 +21,7 @@
 #include "ui/progresstext.h"
 #include "ui/setupbanner.h"
 #include "ui/statuspill.h"
+#include "ui/titlefont.h"
 
 #include <QBoxLayout>
 #include <QFileInfo>
@@ -246,10 +247,7 @@ QWidget *ItemHeader::makeItemName()
     QPalette palette = name->palette();
     palette.setColor(QPalette::Base, Qt::transparent);
     name->setPalette(palette);
-    QFont font = name->font();
-    font.setPointSizeF(font.pointSizeF() * itemNameScale);
-    font.setBold(true);
-    name->setFont(font);
+    name->setFont(titleFont(name->font(), itemNameScale));
     bindings::bind(*name, m_document.appletNameField);
     return name;
 }

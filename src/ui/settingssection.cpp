@@ -4,6 +4,7 @@
 #include "ui/preferencebindings.h"
 #include "ui/settingrows.h"
 #include "ui/spacing.h"
+#include "ui/titlefont.h"
 #include "ui/toplevel.h"
 
 #include <QBoxLayout>
@@ -33,10 +34,7 @@ void SettingsSection::addTitle(const QString &title)
 {
     constexpr qreal scale = 1.35; // of the text
     auto *const heading = new QLabel(title, this);
-    QFont font = heading->font();
-    font.setPointSizeF(font.pointSizeF() * scale);
-    font.setBold(true);
-    heading->setFont(font);
+    heading->setFont(titleFont(heading->font(), scale));
     m_rows->addWidget(heading);
 }
 

@@ -2,6 +2,7 @@
 
 #include "ui/spacing.h"
 #include "ui/theme.h"
+#include "ui/titlefont.h"
 
 #include <QDialog>
 #include <QFrame>
@@ -71,10 +72,7 @@ public:
         title->setTextFormat(Qt::PlainText);
         title->setWordWrap(true);
         title->setContentsMargins(spacing::sheetEdge, spacing::sheetEdge, spacing::sheetEdge, 0);
-        QFont font = title->font();
-        font.setPointSizeF(font.pointSizeF() * titleScale);
-        font.setBold(true);
-        title->setFont(font);
+        title->setFont(titleFont(title->font(), titleScale));
         static_cast<QGridLayout *>(layout())->addWidget(title, 0, 0);
     }
 
