@@ -281,9 +281,9 @@ void ExaminePane::addFindings(const QJsonObject &examination)
         for (const auto &finding : findings) {
             if (textOf(finding.toObject(), "severity"_L1) != severity)
                 continue;
-            group->addChild(findingEntry(finding.toObject(), itempath::lastComponent(m_item)));
-            group->child(group->childCount() - 1)
-                ->setIcon(1, runsign::icon(runsign::stateOfFinding(severity), *this));
+            auto *const entry = findingEntry(finding.toObject(), itempath::lastComponent(m_item));
+            entry->setIcon(1, runsign::icon(runsign::stateOfFinding(severity), *this));
+            group->addChild(entry);
         }
     }
     m_tree->addTopLevelItem(group);
