@@ -31,11 +31,15 @@ void emptyInPlace(OutputBuffer &buffer)
     buffer.update([](QByteArray &bytes) { bytes.truncate(0); }); // empty, but not null
 }
 
+bool lacksRoom(const QByteArray &bytes, const QByteArray &more)
+{
+    return bytes.size() + more.size() > bytes.capacity();
+}
+
 void append(QByteArray &bytes, const QByteArray &more)
 {
-    const qsizetype size = bytes.size() + more.size();
-    if (size > bytes.capacity())
-        bytes.reserve(qMax(size, 2 * bytes.capacity())); // in place, while append() would copy all
+    if (lacksRoom(bytes, more)) // made in place, while append() would copy all
+        bytes.reserve(qMax(bytes.size() + more.size(), 2 * bytes.capacity()));
     bytes.append(more);
 }
 
@@ -119,7 +123,7 @@ void SLWTaskMaster::waitForTool(platform::Process &task)
 void SLWTaskMaster::takeOutput(const QByteArray &chunk)
 {
     lastOutput->update([&](QByteArray &bytes) {
-        if (bytes.size() + chunk.size() > bytes.capacity())
+        if (lacksRoom(bytes, chunk))
             m_outputAhead.pause();
         append(bytes, chunk);
         m_outputAhead.follow(bytes.data() + bytes.size(), bytes.capacity() - bytes.size());
