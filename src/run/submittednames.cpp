@@ -1,8 +1,8 @@
 #include "run/submittednames.h"
 
-#include "platform/fileservice.h"
 #include "platform/host.h"
 #include "platform/itempath.h"
+#include "run/privatefile.h"
 
 #include <QStringList>
 
@@ -13,7 +13,6 @@ namespace sealwright {
 namespace {
 
 constexpr qsizetype mostKept = 1000;
-constexpr unsigned ownersFile = 0600;
 
 QString pathIn(const QString &stateFolder)
 {
@@ -40,10 +39,8 @@ void submittednames::remember(const platform::Host &host, const QString &identif
     lines.append(identifier + u' ' + QString(name).replace(u'\n', u' '));
     if (lines.size() > mostKept)
         lines.remove(0, lines.size() - mostKept);
-    const QString path = pathIn(host.stateFolder);
     host.files.createDirectory(host.stateFolder).ignore();
-    host.files.writeFileAtomically(path, lines.join(u'\n').toUtf8()).ignore();
-    host.files.setPermissions(path, ownersFile).ignore();
+    writePrivately(host.files, pathIn(host.stateFolder), lines.join(u'\n').toUtf8()).ignore();
 }
 
 QHash<QString, QString> submittednames::known(const platform::Host &host)

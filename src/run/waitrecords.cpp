@@ -2,6 +2,7 @@
 
 #include "platform/fileservice.h"
 #include "platform/itempath.h"
+#include "run/privatefile.h"
 
 #include <QCryptographicHash>
 #include <QUrl>
@@ -16,7 +17,6 @@ namespace sealwright {
 namespace {
 
 constexpr unsigned ownersFolder = 0700;
-constexpr unsigned ownersFile = 0600;
 constexpr qsizetype longestName = 200; // characters
 const QString extension = u"json"_s;
 
@@ -57,10 +57,7 @@ platform::Outcome WaitRecords::keep(const WaitRecord &record) const
     if (auto made = m_files.createDirectory(m_folder); !made)
         return made;
     m_files.setPermissions(m_folder, ownersFolder).ignore();
-    const QString file = path(record.identifier);
-    if (auto written = m_files.writeFileAtomically(file, toJson(record)); !written)
-        return written;
-    return m_files.setPermissions(file, ownersFile);
+    return writePrivately(m_files, path(record.identifier), toJson(record));
 }
 
 void WaitRecords::remove(const QString &identifier) const

@@ -29,9 +29,10 @@ namespace toolchain {
 }
 
 /// Writes a whole file at once. An error names the file.
-[[nodiscard]] inline platform::Outcome writeFileAt(const std::filesystem::path &path, QByteArrayView bytes)
+[[nodiscard]] inline platform::Outcome writeFileAt(const std::filesystem::path &path, QByteArrayView bytes,
+                                                   Readers readers = Readers::asTheMaskSays)
 {
-    const std::string error = writeWholeFile(path, {bytes.data(), std::size_t(bytes.size())});
+    const std::string error = writeWholeFile(path, {bytes.data(), std::size_t(bytes.size())}, readers);
     return error.empty() ? platform::Outcome() : platform::Error{QString::fromStdString(error)};
 }
 

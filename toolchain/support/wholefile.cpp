@@ -204,9 +204,11 @@ bool WholeFile::finish()
     return m_finished;
 }
 
-std::string writeWholeFile(const fs::path &path, std::string_view bytes)
+std::string writeWholeFile(const fs::path &path, std::string_view bytes, Readers readers)
 {
     WholeFile file(path);
+    if (readers == Readers::ownerAlone)
+        file.keepPrivate();
     const bool isWritten = file.descriptor() >= 0 && file.write(bytes) && file.finish();
     return isWritten ? std::string() : systemError(path, errno);
 }

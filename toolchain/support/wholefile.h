@@ -56,8 +56,15 @@ private:
     bool m_finished = false;
 };
 
+/// Who may read a new file.
+enum class Readers {
+    asTheMaskSays,
+    ownerAlone,
+};
+
 /// Writes a whole file at once. Answers what went wrong, naming the file, or nothing.
-[[nodiscard]] std::string writeWholeFile(const std::filesystem::path &path, std::string_view bytes);
+[[nodiscard]] std::string writeWholeFile(const std::filesystem::path &path, std::string_view bytes,
+                                         Readers readers = Readers::asTheMaskSays);
 
 /// "PATH: what the system says about the error number".
 [[nodiscard]] std::string systemError(const std::filesystem::path &path, int error);

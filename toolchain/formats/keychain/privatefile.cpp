@@ -8,12 +8,7 @@ namespace toolchain {
 
 platform::Outcome writePrivateFile(const QString &path, const QByteArray &bytes)
 {
-    const std::filesystem::path place = QFile::encodeName(path).toStdString();
-    WholeFile file(place);
-    file.keepPrivate();
-    const bool isWritten =
-        file.descriptor() >= 0 && file.write({bytes.constData(), std::size_t(bytes.size())}) && file.finish();
-    return isWritten ? platform::Outcome() : systemFailure(place, errno);
+    return writeFileAt(QFile::encodeName(path).toStdString(), bytes, Readers::ownerAlone);
 }
 
 } // namespace toolchain
