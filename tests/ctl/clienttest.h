@@ -5,16 +5,9 @@
 #include "support/items.h"
 
 /// The client as a program, against an application on a bus with one empty document.
-class Client : public HostOnBus {
+class Client : public HostOnBus, protected LastRun {
 protected:
-    int run(const QStringList &words)
-    {
-        Ctl ctl(host, words);
-        const int status = ctl.end();
-        output = ctl.output;
-        error = ctl.error;
-        return status;
-    }
+    int run(const QStringList &words) { return runOn(host, words); }
     QString element() { return bus::pathElement(host.document().uniqueID); }
     qsizetype documentCount() { return host.application().allControllers().size(); }
     /// Fires polls as they are armed, until the client has ended.
@@ -26,7 +19,4 @@ protected:
         });
         return ctl.end();
     }
-
-    QString output;
-    QString error;
 };

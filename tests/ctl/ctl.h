@@ -63,3 +63,20 @@ private:
     TestHost &m_host;
     QProcess m_process;
 };
+
+/// What the latest run of the client has printed.
+class LastRun {
+protected:
+    /// Its exit status, once it has ended.
+    int runOn(TestHost &host, const QStringList &words)
+    {
+        Ctl ctl(host, words);
+        const int status = ctl.end();
+        output = ctl.output;
+        error = ctl.error;
+        return status;
+    }
+
+    QString output;
+    QString error;
+};

@@ -21,18 +21,11 @@ public:
     bool isAsked = false;
 };
 
-class LonelyClient : public testing::Test {
+class LonelyClient : public testing::Test, protected LastRun {
 protected:
     ~LonelyClient() override { privatebus::setActivation({}); }
 
-    int run(const QStringList &words)
-    {
-        Ctl ctl(host, words);
-        const int status = ctl.end();
-        output = ctl.output;
-        error = ctl.error;
-        return status;
-    }
+    int run(const QStringList &words) { return runOn(host, words); }
     bool startsTheApplication(const QStringList &words)
     {
         QFile::remove(marker());
@@ -42,8 +35,6 @@ protected:
     QString marker() const { return m_folder.filePath(u"started"_s); }
 
     TestHost host;
-    QString output;
-    QString error;
 
 private:
     QTemporaryDir m_folder;

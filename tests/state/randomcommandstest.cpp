@@ -27,13 +27,6 @@ constexpr int patience = 100; // milliseconds for workers that wait for one anot
 const QStringList words{u"ready"_s,   u"interacting"_s, u"submitting"_s,
                         u"waiting"_s, u"stapling"_s,    u"fetching"_s};
 
-int numberFrom(const char *variable, int otherwise)
-{
-    bool isSet = false;
-    const int number = qEnvironmentVariableIntValue(variable, &isSet);
-    return isSet ? number : otherwise;
-}
-
 /// A command of a script and what became of it.
 struct Sent {
     std::weak_ptr<MainWinController> document;
@@ -46,7 +39,7 @@ struct Sent {
 class RandomCommands : public RandomItems {
 protected:
     RandomCommands()
-        : RandomItems(static_cast<unsigned>(numberFrom("SEALWRIGHT_SEED", usualSeed)))
+        : RandomItems(usualSeed)
     {
         test.preferences.setValue(key::detailedLogToFile, true);
         tools.effect = [](const QString &tool, const QStringList &arguments) { leaveTrace(tool, arguments); };

@@ -4,12 +4,12 @@
 // longer one.
 
 #include "state/incarnation.h"
+#include "state/randomwalk.h"
 
 #include <QDirIterator>
 
 #include <filesystem>
 #include <iostream>
-#include <random>
 
 using namespace Qt::StringLiterals;
 
@@ -32,19 +32,12 @@ const QStringList itemNames{u"Foo.app"_s,
                             QString(240, u'n') + u".app"_s};
 const QStringList endings{u"Failed"_s, u"Submitted"_s, u"Notarized"_s, u"Signed"_s};
 
-int numberFrom(const char *variable, int otherwise)
-{
-    bool isSet = false;
-    const int number = qEnvironmentVariableIntValue(variable, &isSet);
-    return isSet ? number : otherwise;
-}
-
 } // namespace
 
-class RandomFiles : public testing::Test {
+class RandomFiles : public RandomWalk {
 protected:
     RandomFiles()
-        : m_random(static_cast<unsigned>(numberFrom("SEALWRIGHT_SEED", usualSeed)))
+        : RandomWalk(usualSeed)
     {
         tools.effect = [](const QString &tool, const QStringList &arguments) { leaveTrace(tool, arguments); };
         for (auto &incarnation : incarnations)
@@ -54,19 +47,6 @@ protected:
     {
         for (auto &incarnation : incarnations)
             end(*incarnation);
-    }
-
-    /// So that no copy that has been worked on passes for the item of the person.
-    static void leaveTrace(const QString &tool, const QStringList &arguments)
-    {
-        const QString item = arguments.value(arguments.size() - 1);
-        const bool isFileSigned =
-            tool == "productsign"_L1 || (tool == "codesign"_L1 && QFileInfo(item).isFile());
-        if (!isFileSigned && tool != "xattr"_L1 && tool != "codesign"_L1)
-            return;
-        QFile trace(isFileSigned ? item : item + u"/signed"_s);
-        if (trace.open(QIODevice::WriteOnly))
-            trace.write("signed");
     }
 
     // The applications
@@ -133,11 +113,6 @@ protected:
 
     // Chance
 
-    int below(qsizetype limit)
-    {
-        return static_cast<int>(std::uniform_int_distribution<qsizetype>(0, limit - 1)(m_random));
-    }
-    bool happens(int percent) { return below(100) < percent; }
     Incarnation &someIncarnation() { return *incarnations[below(std::ssize(incarnations))]; }
     DocumentPtr someDocument()
     {
@@ -355,7 +330,6 @@ protected:
         });
     }
 
-    TestHost test;
     InstantTools tools;
     FakeWindowFactory windows{test.applicationHost};
 
@@ -366,7 +340,6 @@ protected:
     std::unique_ptr<Incarnation> incarnations[2];
 
 private:
-    std::mt19937 m_random;
     QHash<QByteArray, QString> m_owned; // by their fingerprints
     int m_serial = 0;
     int m_launches = 0;

@@ -1,5 +1,6 @@
 # The tests of code signatures.
 target_sources(tst_toolchain PRIVATE
+    apptotest.h
     coveredbytes.cpp coveredbytes.h
     machobuilder.cpp machobuilder.h
     changedbytestest.cpp

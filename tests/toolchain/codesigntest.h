@@ -3,31 +3,17 @@
 #include "formats/codesignature/signaturereader.h"
 #include "formats/fileattributes.h"
 #include "platform/propertylist/propertylist.h"
-#include "toolchain/bundlebuilder.h"
+#include "toolchain/apptotest.h"
 #include "toolchain/machobuilder.h"
-#include "toolchain/toolfixture.h"
 
 #include <QDirIterator>
 
 /// Where a bundle has its seal.
 inline const QString seal = QStringLiteral("/Contents/_CodeSignature/CodeResources");
 
-/// Signs an app with an identity of the test's own.
-class Codesign : public ToolFixture {
+/// Signs the app.
+class Codesign : public AppToTest {
 protected:
-    void SetUp() override
-    {
-        ToolFixture::SetUp();
-        makeIdentity();
-        bundlebuilder::makeApp(app(), QStringLiteral("com.example.app"));
-    }
-
-    [[nodiscard]] QString app() const { return path(QStringLiteral("My App.app")); }
-    [[nodiscard]] QString contents(const QString &name) const
-    {
-        return app() + QStringLiteral("/Contents/") + name;
-    }
-
     static QVariantMap sealedFiles(const QString &sealPath, const QString &key = QStringLiteral("files2"))
     {
         return platform::propertyListFromData(bundlebuilder::readFile(sealPath))

@@ -2,25 +2,13 @@
 
 #include "formats/codesignature/verification.h"
 #include "formats/fileattributes.h"
+#include "toolchain/apptotest.h"
 #include "toolchain/coveredbytes.h"
 #include "toolchain/machobuilder.h"
-#include "toolchain/toolfixture.h"
 
-/// Judges an app, by the tool or in this process.
-class CodeVerify : public ToolFixture {
+/// Judges the app, by the tool or in this process.
+class CodeVerify : public AppToTest {
 protected:
-    void SetUp() override
-    {
-        ToolFixture::SetUp();
-        makeIdentity();
-        bundlebuilder::makeApp(app(), QStringLiteral("com.example.app"));
-    }
-
-    [[nodiscard]] QString app() const { return path(QStringLiteral("My App.app")); }
-    [[nodiscard]] QString contents(const QString &name) const
-    {
-        return app() + QStringLiteral("/Contents/") + name;
-    }
     [[nodiscard]] QString executable() const { return contents(QStringLiteral("MacOS/My App")); }
 
     [[nodiscard]] ToolResult verify(const QStringList &arguments) const
